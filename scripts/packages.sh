@@ -1,0 +1,42 @@
+# Sourced by the other scripts: brings the Debian packages that a step needs.
+
+# Installs those of the named packages that are missing; needs root (or sudo) only then.
+ensure_packages() {
+  local missing=() package
+  for package in "$@"; do
+    [ "$(dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null)" = installed ] ||
+      missing+=("$package")
+  done
+  [ ${#missing[@]} -eq 0 ] && return 0
+  local as_root=()
+  if [ "$(id -u)" -ne 0 ]; then
+    command -v sudo >/dev/null || {
+      echo "Missing packages: ${missing[*]}. Install them as root: apt-get install ${missing[*]}" >&2
+      return 1
+    }
+    as_root=(sudo)
+  fi
+  echo "Installing packages: ${missing[*]}"
+  "${as_root[@]}" apt-get update -qq
+  "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends \
+    "${missing[@]}" >/dev/null
+}
+
+build_packages=(cmake ninja-build g++ libc6-dev libsqlite3-dev libcli11-dev nlohmann-json3-dev)
+test_packages=("${build_packages[@]}" libgtest-dev clang-14 libclang-rt-14-dev clang-format-14)
+tidy_packages=("${test_packages[@]}" clang-tidy-14)
+bench_packages=("${build_packages[@]}" libbenchmark-dev)
+
+# Configures and builds a preset; quiet unless it fails.
+build_preset() {
+  local preset=$1 log
+  shift
+  log=$(mktemp)
+  echo "Building ($preset)"
+  if ! { cmake --preset "$preset" && cmake --build --preset "$preset" "$@"; } >"$log" 2>&1; then
+    cat "$log" >&2
+    rm -f "$log"
+    return 1
+  fi
+  rm -f "$log"
+}

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "platform/value.h"
+
+namespace voxa {
+
+/// The clock seam: what time it is, and waiting. Tests give a clock of their own and do not wait.
+class Clock {
+ public:
+  virtual ~Clock() = default;
+  /// Local date and time, to the second.
+  [[nodiscard]] virtual DateTime now() const = 0;
+  /// Returns after that many seconds, letting the host's pending events through meanwhile.
+  virtual void wait(int seconds) = 0;
+};
+
+/// The computer's own clock.
+class SystemClock : public Clock {
+ public:
+  [[nodiscard]] DateTime now() const override;
+  void wait(int seconds) override;
+};
+
+}  // namespace voxa

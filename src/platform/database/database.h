@@ -1,0 +1,139 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "platform/database/schema.h"
+#include "platform/error.h"
+#include "platform/value.h"
+
+namespace voxa {
+
+/// The database engine seam, shaped like the Jet engine's own objects, since the statements and the callers
+/// are. Every failure raises an Error with the engine's published number (error.h) and fills the engine's
+/// error collection first. One thread.
+
+/// Rows of a table or query with one current row. Live: writing goes to the file at update(), a row deleted
+/// elsewhere raises 3167 when it is visited. Holds no lock on the file between calls. Names of fields are
+/// compared without regard to case; where two fields of a query have the same name, both are named
+/// "table.field" with the table's alias.
+class Recordset {
+ public:
+  virtual ~Recordset() = default;
+
+  [[nodiscard]] virtual bool eof() const = 0;  ///< behind the last row, or no rows
+  [[nodiscard]] virtual bool bof() const = 0;  ///< before the first row, or no rows
+  virtual void moveFirst() = 0;                ///< on no rows: stays at eof, no error
+  virtual void moveLast() = 0;
+  virtual void moveNext() = 0;      ///< 3021 when already at eof. Abandons an edit that was begun
+  virtual void movePrevious() = 0;  ///< 3021 when already at bof
+  [[nodiscard]] virtual std::size_t recordCount() const = 0;
+
+  [[nodiscard]] virtual std::size_t fieldCount() const = 0;
+  /// Definition of a field of the result: name, type, size; for a column of a table all it has.
+  [[nodiscard]] virtual const FieldDef& field(std::size_t index) const = 0;
+  /// Position of a field; 3265 when there is none of that name.
+  [[nodiscard]] virtual std::size_t fieldIndex(std::string_view name) const = 0;
+
+  /// Value in the current row, or in the row being edited or added; 3021 without a current row.
+  [[nodiscard]] virtual Value get(std::size_t index) const = 0;
+  [[nodiscard]] Value get(std::string_view name) const { return get(fieldIndex(name)); }
+
+  /// Editing: edit() or addNew(), set() for each field, update(). 3027 when the rows cannot be changed (more
+  /// than one table, grouped, a read-only file); 3020 for set() or update() without edit() or addNew().
+  virtual void edit() = 0;
+  virtual void addNew() = 0;  ///< defaults are filled in; after update() the current row is where it was
+  virtual void set(std::size_t index, const Value& value) = 0;  ///< converts: see convertForField (value.h)
+  void set(std::string_view name, const Value& value) { set(fieldIndex(name), value); }
+  virtual void update() = 0;
+  virtual void cancelUpdate() = 0;
+  [[nodiscard]] virtual bool editing() const = 0;  ///< between edit() or addNew() and update()
+  /// Deletes the current row; it stays current without values (get raises 3167) until a move.
+  virtual void remove() = 0;
+};
+
+/// One open database file. Calls after close() raise 3420.
+class Database {
+ public:
+  virtual ~Database() = default;
+
+  /// Full path of the file, native separators.
+  [[nodiscard]] virtual const std::string& name() const = 0;
+  /// Closes the file; recordsets of it become useless (3420). Closing twice does nothing.
+  virtual void close() = 0;
+  [[nodiscard]] virtual bool isOpen() const = 0;
+
+  /// Runs one INSERT, UPDATE or DELETE statement, or the stored query of that name; wholly or not at all.
+  /// Returns the number of rows it touched. Text behind the statement's end is an error (3075).
+  virtual int execute(std::string_view sql) = 0;
+  /// Opens the rows of a SELECT statement, of the table of that name, or of the stored query of that name.
+  /// parameters: values for the query's declared parameters, by name; a parameter without one raises 3061.
+  [[nodiscard]] virtual std::unique_ptr<Recordset> openRecordset(
+      std::string_view source, const std::vector<std::pair<std::string, Value>>& parameters = {}) = 0;
+
+  [[nodiscard]] virtual std::vector<std::string> tableNames() const = 0;  ///< in order of creation
+  /// The definition as the file holds it; 3078 when there is no such table.
+  [[nodiscard]] virtual const TableDef& tableDef(std::string_view table) const = 0;
+  virtual void createTable(const TableDef& definition) = 0;  ///< 3010 when the name is taken
+  virtual void addField(std::string_view table, const FieldDef& definition) = 0;  ///< rows get its default
+  virtual void deleteTable(std::string_view table) = 0;
+
+  [[nodiscard]] virtual std::vector<Relation> relations() const = 0;
+  /// 3366 without a unique index on the primary side, 3201 when rows break it already.
+  virtual void createRelation(const Relation& relation) = 0;
+
+  [[nodiscard]] virtual std::vector<QueryDef> queries() const = 0;
+  virtual void createQuery(const QueryDef& query) = 0;  ///< the text is checked at first use
+};
+
+/// The engine: creates and opens database files, and runs transactions over all open ones.
+class DatabaseEngine {
+ public:
+  virtual ~DatabaseEngine() = default;
+
+  /// Creates a database file; 3204 when a file of that name exists. General sort order, code page 1252.
+  virtual std::shared_ptr<Database> create(std::string_view path) = 0;
+  /// Opens a file, shared and for writing (reading only when the file allows no more): 3024 missing,
+  /// 3343 not a database of this engine, 3051 cannot be opened, 3260 locked for longer than the engine waits.
+  /// A file that fails to open is left byte for byte as it was.
+  virtual std::shared_ptr<Database> open(std::string_view path) = 0;
+  /// The open databases in the order they were opened.
+  [[nodiscard]] virtual std::vector<std::shared_ptr<Database>> databases() const = 0;
+
+  /// One transaction over all open databases; they do not nest (a second begin raises 3001). A database
+  /// opened inside a transaction joins it. commit makes the changes of each file durable; 3034 without begin.
+  virtual void begin() = 0;
+  virtual void commit() = 0;
+  virtual void rollback() = 0;
+  [[nodiscard]] virtual bool inTransaction() const = 0;
+
+  /// What the last failed call reported, first entry first; a later failure replaces it.
+  [[nodiscard]] virtual const std::vector<ErrorInfo>& errors() const = 0;
+};
+
+/// A transaction that is rolled back unless committed. Joins one that is already running: then the outer
+/// one decides.
+class Transaction {
+ public:
+  explicit Transaction(DatabaseEngine& engine) : engine_(engine), owner_(!engine.inTransaction()) {
+    if (owner_) engine_.begin();
+  }
+  ~Transaction();
+  Transaction(const Transaction&) = delete;
+  Transaction& operator=(const Transaction&) = delete;
+  void commit() {
+    if (owner_) engine_.commit();
+    owner_ = false;
+  }
+
+ private:
+  DatabaseEngine& engine_;
+  bool owner_;
+};
+
+}  // namespace voxa

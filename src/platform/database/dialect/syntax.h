@@ -1,0 +1,132 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+#include "platform/database/schema.h"
+
+/// A parsed statement. All names are parts of its text, which outlives it; brackets are taken off.
+namespace voxa::dialect::syntax {
+
+struct Expression;
+struct Select;
+using ExpressionPtr = std::unique_ptr<Expression>;
+using SelectPtr = std::unique_ptr<Select>;
+
+enum class Operator : std::uint8_t {
+  add,
+  subtract,
+  multiply,
+  divide,
+  divideWhole,
+  modulo,
+  power,
+  concatenate,
+  equal,
+  notEqual,
+  less,
+  lessOrEqual,
+  greater,
+  greaterOrEqual,
+  like,
+  logicalAnd,
+  logicalOr,
+  exclusiveOr,
+  equivalent,
+  implies
+};
+
+struct Expression {
+  enum class Kind : std::uint8_t {
+    literal,        ///< `literal` is its index, `type` what it is
+    shapingNumber,  ///< a number of an ordering: `name` is its digits
+    word,           ///< True, False, Null: `name`
+    name,           ///< [qualifier.]name, or a declared parameter
+    call,           ///< name(arguments); count(*) has `star`
+    negative,       ///< -a
+    logicalNot,     ///< not a
+    binary,         ///< a op b
+    between,        ///< a [not] between b and c
+    inList,         ///< a [not] in (b, c, ...)
+    inSelect,       ///< a [not] in (select)
+    isNull,         ///< a is [not] null
+    exists,         ///< exists (select)
+    scalar,         ///< (select)
+    subject         ///< the field that a validation rule is about
+  };
+  Kind kind = Kind::name;
+  Operator op = Operator::equal;
+  bool negated = false;
+  bool star = false;
+  bool bracketed = false;  ///< the name was written in brackets: never a function or a constant
+  DataType type = DataType::Text;
+  std::size_t literal = 0;
+  std::size_t position = 0;  ///< in the statement, for messages
+  int height = 1;            ///< levels of the tree from here down
+  int depth = 1;             ///< room that it takes on the stack of SQLite's parser, in symbols
+  std::string_view qualifier;
+  std::string_view name;
+  std::vector<ExpressionPtr> arguments;
+  SelectPtr select;
+};
+
+/// A table, or a join of two.
+struct Source {
+  enum class Join : std::uint8_t { none, inner, left, right };
+  Join join = Join::none;
+  std::size_t position = 0;
+  std::string_view table;
+  std::string_view alias;  ///< as named in the rest of the statement: the table's name when none is given
+  std::unique_ptr<Source> left;
+  std::unique_ptr<Source> right;
+  ExpressionPtr on;
+};
+
+struct SelectItem {
+  bool star = false;
+  std::string_view starQualifier;  ///< of t.*
+  std::size_t position = 0;
+  ExpressionPtr expression;
+  std::string_view alias;  ///< "" for none
+};
+
+struct OrderItem {
+  ExpressionPtr expression;
+  bool descending = false;
+};
+
+struct Select {
+  std::size_t position = 0;
+  bool distinct = false;
+  bool distinctRow = false;
+  std::string_view top;  ///< digits, "" for none
+  std::vector<SelectItem> items;
+  std::vector<Source> from;
+  ExpressionPtr where;
+  std::vector<ExpressionPtr> groupBy;
+  ExpressionPtr having;
+  std::vector<OrderItem> orderBy;
+};
+
+struct FieldName {
+  std::string_view qualifier;
+  std::string_view name;
+  std::size_t position = 0;
+};
+
+struct Statement {
+  enum class Kind : std::uint8_t { select, insert, update, remove };
+  Kind kind = Kind::select;
+  std::vector<FieldDef> parameters;
+  SelectPtr select;                   ///< of select and of insert ... select
+  Source target;                      ///< of insert, update, remove: one table
+  std::vector<FieldName> fields;      ///< of update, and of insert: none means all
+  std::vector<ExpressionPtr> values;  ///< for each of `fields`, unless `select` gives them
+  ExpressionPtr where;                ///< of update and remove
+};
+
+}  // namespace voxa::dialect::syntax

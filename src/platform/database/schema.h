@@ -1,0 +1,62 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "platform/value.h"
+
+namespace voxa {
+
+/// Definitions of tables as plain data, in the terms of the Jet database engine.
+
+struct FieldDef {
+  std::string name{};
+  DataType type = DataType::Text;
+  int size = 0;          ///< greatest number of characters of a Text field (0: 255); nothing for other types
+  Value defaultValue{};  ///< Null: none (a boolean field is False then)
+  bool required = false;
+  bool allowZeroLength = false;  ///< Text and Memo only
+  bool autoIncrement = false;    ///< Long only; the next number unless a value is given
+  std::string validationRule{};  ///< condition on the value alone, e.g. ">=0 and <=32"; "" for none
+  friend bool operator==(const FieldDef&, const FieldDef&) = default;
+};
+
+struct IndexDef {
+  std::string name;
+  std::vector<std::string> fields{};
+  bool primary = false;   ///< implies unique, and no Null in any of its fields
+  bool unique = false;    ///< Nulls do not collide
+  bool required = false;  ///< no Null in any of its fields
+  friend bool operator==(const IndexDef&, const IndexDef&) = default;
+};
+
+struct TableDef {
+  std::string name;
+  std::vector<FieldDef> fields;
+  std::vector<IndexDef> indexes;
+
+  /// The field of that name in any case, or nullptr.
+  [[nodiscard]] const FieldDef* field(std::string_view fieldName) const;
+  friend bool operator==(const TableDef&, const TableDef&) = default;
+};
+
+/// Referential integrity from a primary table to a foreign one; always enforced.
+struct Relation {
+  std::string name;
+  std::string table;         ///< primary side; its fields need a primary or unique index
+  std::string foreignTable;  ///< the side that refers
+  std::vector<std::pair<std::string, std::string>> fields;  ///< primary field, foreign field
+  bool cascadeUpdate = false;
+  bool cascadeDelete = false;
+  friend bool operator==(const Relation&, const Relation&) = default;
+};
+
+/// A stored query; its text may declare parameters ("PARAMETERS [p] Integer;" in front).
+struct QueryDef {
+  std::string name;
+  std::string sql;
+};
+
+}  // namespace voxa

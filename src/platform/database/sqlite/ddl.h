@@ -1,0 +1,81 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/database/schema.h"
+
+namespace voxa::ddl {
+
+/// Definitions as the SQLite schema keeps them. All that a TableDef says stands in the schema's own text, so
+/// that nothing can disagree with it:
+///   types                  BOOLEAN BYTE SHORT LONG DOUBLE DATETIME TEXT(n) LONGTEXT, INTEGER when numbered
+///   required field         CONSTRAINT "required" NOT NULL
+///   required index         CONSTRAINT "required by Index" NOT NULL on each of its fields
+///   no zero-length text    CONSTRAINT "Field.zero length" CHECK (...)
+///   validation rule        CONSTRAINT "Field.rule >=0 and <=32" CHECK (...)
+///   primary key            CONSTRAINT "Index" PRIMARY KEY (...), or at the numbered column itself
+///   other index            an index "Table.Index", since SQLite's index names are the file's, not the
+///   table's relation               CONSTRAINT "Relation" FOREIGN KEY (...), its own index being
+///   "Table.Relation.key"
+/// A dot parts the names: no name contains one.
+
+[[nodiscard]] std::string quoteName(std::string_view name);  ///< "name" for SQLite
+[[nodiscard]] std::string quoteText(std::string_view text);  ///< 'text' for SQLite
+/// Names in quotes, parted by commas.
+[[nodiscard]] std::string quoteNames(const std::vector<std::string>& names);
+/// The value as an SQLite literal, booleans being -1 and 0 and dates numbers of days.
+[[nodiscard]] std::string literal(const Value& value);
+
+/// 3125 unless the text can name a table, field, index, relation or query: 1 to 64 characters, none of
+/// . ! ` [ ] and no control character, no blank in front.
+void checkName(std::string_view name);
+
+/// The definition as it will read back: sizes filled in, defaults converted to their field's type, what a
+/// primary index implies set. Raises 3125 for a bad name, 3191 for a field that comes twice, 3265 for an
+/// index over a field that is not there, 3001 for what cannot be (no fields, a numbered field that is no
+/// 32-bit primary key), and convertForField's errors for a default.
+[[nodiscard]] TableDef normalised(const TableDef& definition);
+[[nodiscard]] FieldDef normalised(const FieldDef& field);
+
+/// CREATE TABLE and CREATE INDEX statements of a normalised definition.
+[[nodiscard]] std::vector<std::string> createTable(const TableDef& definition);
+/// A field's part of CREATE TABLE, and what ALTER TABLE adds.
+[[nodiscard]] std::string column(const FieldDef& field, const std::vector<IndexDef>& indexes);
+/// The constraint to add to the foreign table of a relation.
+[[nodiscard]] std::string foreignKey(const Relation& relation);
+/// Name of the index that serves a relation on its foreign side.
+[[nodiscard]] std::string relationIndexName(const Relation& relation);
+
+/// What CREATE TABLE text says. Raises 3343 for text that the functions above did not write.
+struct Table {
+  TableDef definition;                  ///< of the indexes only the primary one
+  std::vector<Relation> relations;      ///< in which it is the foreign side
+  std::vector<std::string> requiredBy;  ///< names of the indexes that need a value in each field
+};
+[[nodiscard]] Table readTable(std::string_view sql);
+/// The index of the table that CREATE INDEX text defines; nothing for one that serves a relation.
+[[nodiscard]] std::optional<IndexDef> readIndex(std::string_view sql, const Table& table);
+/// The validation rule that a CHECK constraint of that name enforces; nothing for another kind of check.
+[[nodiscard]] std::optional<std::string> ruleOfCheck(std::string_view constraintName);
+
+/// Parts of constraint names.
+inline constexpr std::string_view required = "required";
+inline constexpr std::string_view requiredBy = "required by ";
+inline constexpr std::string_view zeroLength = ".zero length";
+inline constexpr std::string_view rule = ".rule ";
+inline constexpr std::string_view key = ".key";
+
+/// Type words of the schema, without the size of TEXT(n) and the INTEGER of a numbered field.
+struct TypeWord {
+  DataType type;
+  std::string_view word;
+};
+inline constexpr TypeWord typeWords[] = {{DataType::Boolean, "BOOLEAN"}, {DataType::Byte, "BYTE"},
+                                         {DataType::Integer, "SHORT"},   {DataType::Long, "LONG"},
+                                         {DataType::Double, "DOUBLE"},   {DataType::Date, "DATETIME"},
+                                         {DataType::Text, "TEXT"},       {DataType::Memo, "LONGTEXT"}};
+
+}  // namespace voxa::ddl

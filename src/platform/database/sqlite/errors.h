@@ -1,0 +1,21 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "platform/error.h"
+
+namespace voxa {
+
+class Catalog;
+
+/// The engine's error for a failed SQLite call on the file at `path`: `code` is SQLite's extended result
+/// code, `text` its message.
+[[nodiscard]] Error fileFailure(int code, const std::string& text, const std::string& path);
+
+/// The engine's error for a constraint that a change of `table` breaks, naming table, field, index or rule.
+/// code: one of SQLITE_CONSTRAINT_...; text: SQLite's message, which names what broke.
+[[nodiscard]] Error constraintFailure(int code, const std::string& text, std::string_view table,
+                                      const Catalog& catalog);
+
+}  // namespace voxa

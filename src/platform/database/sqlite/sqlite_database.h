@@ -1,0 +1,102 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include "platform/database/database.h"
+#include "platform/database/dialect/dialect.h"
+#include "platform/database/sqlite/catalog.h"
+#include "platform/database/sqlite/connection.h"
+#include "platform/database/sqlite/session.h"
+#include "platform/database/sqlite/statement_cache.h"
+
+namespace voxa {
+
+class SqliteDatabase final : public Database, public std::enable_shared_from_this<SqliteDatabase> {
+ public:
+  using Parameters = std::vector<std::pair<std::string, Value>>;
+
+  /// path: full and native, of a file that is known to be a database of this engine.
+  SqliteDatabase(std::shared_ptr<Session> session, std::string path);
+  ~SqliteDatabase() override;
+  SqliteDatabase(const SqliteDatabase&) = delete;
+  SqliteDatabase& operator=(const SqliteDatabase&) = delete;
+
+  [[nodiscard]] const std::string& name() const override { return path_; }
+  void close() override;
+  [[nodiscard]] bool isOpen() const override { return file_.has_value(); }
+
+  int execute(std::string_view sql) override;
+  [[nodiscard]] std::unique_ptr<Recordset> openRecordset(std::string_view source,
+                                                         const Parameters& parameters) override;
+
+  [[nodiscard]] std::vector<std::string> tableNames() const override;
+  [[nodiscard]] const TableDef& tableDef(std::string_view table) const override;
+  void createTable(const TableDef& definition) override;
+  void addField(std::string_view table, const FieldDef& definition) override;
+  void deleteTable(std::string_view table) override;
+
+  [[nodiscard]] std::vector<Relation> relations() const override;
+  void createRelation(const Relation& relation) override;
+
+  [[nodiscard]] std::vector<QueryDef> queries() const override;
+  void createQuery(const QueryDef& query) override;
+
+  // For the recordsets and the engine.
+
+  [[nodiscard]] Session& session() const { return *session_; }
+  [[nodiscard]] Connection& connection() const { return file().connection; }  ///< 3420 when closed
+  /// Statement of the engine's own on the rows of a table, prepared once; holds until the next call.
+  Statement& rowStatement(const std::string& sql);
+  /// Runs a statement that changes rows of `table`, whole or not at all; the error names what broke.
+  void change(Statement& statement, std::string_view table);
+  /// Counts the changes made through this database: rows read at another count may be stale.
+  [[nodiscard]] std::uint64_t generation() const { return generation_; }
+  /// After a rollback: neither definitions, names nor rows read before can be relied on.
+  void rolledBack();
+  /// Closes without the part of a transaction that is not committed.
+  void abandon();
+
+ private:
+  /// What exists while the file is open. In this order, so that statements go before the connection.
+  struct OpenFile {
+    OpenFile(const std::string& path, const Session& session)
+        : connection(path, session.options, session.clock), catalog(connection) {}
+    Connection connection;
+    Catalog catalog;
+    StatementCache translated;
+    StatementCache own;
+    /// Texts that names of tables and queries stand for. Queries cannot change, and a table that is gone
+    /// shows when its text runs.
+    std::unordered_map<std::string, std::string> names;
+  };
+
+  OpenFile& file() const;
+  /// The statement that a text, a table name or a query name stands for, its literals in scanned_.
+  Prepared& prepared(std::string_view source);
+  Prepared& translate(std::string_view sql);
+  std::optional<std::string> textOfName(std::string_view name);
+  void bind(Prepared& prepared, const Parameters& parameters) const;
+  void schemaChanged();
+  const TableDef& definition(std::string_view table) const;
+  void addConstraint(const std::string& table, const std::string& constraint);
+  /// Runs `run`, which gives an SQLite code, on the prepared source; again when the schema has changed.
+  /// rows: whether the statement has to give rows.
+  template <typename Run>
+  int withPrepared(std::string_view source, bool rows, const Parameters& parameters, Run&& run);
+  [[noreturn]] void failChange(int code, std::string_view table);
+
+  std::shared_ptr<Session> session_;
+  std::string path_;
+  mutable std::optional<OpenFile> file_;
+  dialect::Scanned scanned_;
+  std::uint64_t generation_ = 0;
+};
+
+}  // namespace voxa

@@ -1,0 +1,230 @@
+// Definitions of tables, relations and stored queries: reading and changing them.
+
+#include <algorithm>
+
+#include "platform/database/sqlite/ddl.h"
+#include "platform/database/sqlite/sqlite_database.h"
+#include "platform/text.h"
+
+namespace voxa {
+
+namespace {
+
+Error noField(std::string_view field, const TableDef& table) {
+  return {err::dbNotInCollection, "Table '" + table.name + "' has no field '" + std::string(field) + "'"};
+}
+
+/// Whether a primary or unique index is on exactly these fields, in whatever order.
+bool hasUniqueIndex(const TableDef& table, const std::vector<std::string>& fields) {
+  return std::any_of(table.indexes.begin(), table.indexes.end(), [&](const IndexDef& index) {
+    return index.unique && index.fields.size() == fields.size() &&
+           std::is_permutation(index.fields.begin(), index.fields.end(), fields.begin(), equalNoCase);
+  });
+}
+
+/// Whether an index begins with these fields, so that one more would serve nothing.
+bool hasIndexOn(const TableDef& table, const std::vector<std::string>& fields) {
+  return std::any_of(table.indexes.begin(), table.indexes.end(), [&](const IndexDef& index) {
+    return index.fields.size() >= fields.size() &&
+           std::equal(fields.begin(), fields.end(), index.fields.begin(), equalNoCase);
+  });
+}
+
+/// Query for the number (1 or 0) of rows that break a relation.
+std::string violation(const Relation& relation) {
+  std::string given;
+  std::string match;
+  for (const auto& [primary, foreign] : relation.fields) {
+    given += " AND f." + ddl::quoteName(foreign) + " IS NOT NULL";
+    match +=
+        (match.empty() ? "" : " AND ") + ("p." + ddl::quoteName(primary)) + " = f." + ddl::quoteName(foreign);
+  }
+  return "SELECT EXISTS (SELECT 1 FROM " + ddl::quoteName(relation.foreignTable) + " f WHERE NOT EXISTS (" +
+         "SELECT 1 FROM " + ddl::quoteName(relation.table) + " p WHERE " + match + ")" + given + ")";
+}
+
+}  // namespace
+
+const TableDef& SqliteDatabase::definition(std::string_view table) const {
+  OpenFile& open = file();
+  open.catalog.refresh();
+  if (const TableDef* found = open.catalog.table(table)) return *found;
+  throw Error(err::dbUnknownTable, "There is no table '" + std::string(table) + "'");
+}
+
+std::vector<std::string> SqliteDatabase::tableNames() const {
+  return session_->guarded([&] {
+    OpenFile& open = file();
+    open.catalog.refresh();
+    std::vector<std::string> names;
+    for (const auto& table : open.catalog.tables()) names.push_back(table->name);
+    return names;
+  });
+}
+
+const TableDef& SqliteDatabase::tableDef(std::string_view table) const {
+  return session_->guarded([&]() -> const TableDef& { return definition(table); });
+}
+
+void SqliteDatabase::createTable(const TableDef& definition) {
+  session_->guarded([&] {
+    OpenFile& open = file();
+    const TableDef table = ddl::normalised(definition);
+    Step step(open.connection);
+    if (textOfName(table.name) || equalNoCase(table.name, Catalog::queryTable)) {
+      throw Error(err::dbTableExists, "A table or query '" + table.name + "' exists already");
+    }
+    for (const std::string& statement : ddl::createTable(table)) open.connection.run(statement);
+    step.release();
+    schemaChanged();
+  });
+}
+
+void SqliteDatabase::addField(std::string_view table, const FieldDef& definition) {
+  session_->guarded([&] {
+    OpenFile& open = file();
+    const FieldDef field = ddl::normalised(definition);
+    Step step(open.connection);
+    const TableDef owner = this->definition(table);
+    if (owner.field(field.name) != nullptr) {
+      throw Error(err::dbDuplicateField,
+                  "Table '" + owner.name + "' has a field '" + field.name + "' already");
+    }
+    if (field.autoIncrement) {
+      throw Error(err::dbInvalidArgument, "An auto-increment field can only be made with its table");
+    }
+    const std::string rows = "EXISTS (SELECT 1 FROM " + ddl::quoteName(owner.name) + ")";
+    if (field.required && field.defaultValue.isNull() && field.type != DataType::Boolean &&
+        open.connection.number("SELECT " + rows) != 0) {
+      throw Error(err::dbRequired, "Field '" + field.name + "' of table '" + owner.name +
+                                       "' needs a value, and the rows there would have none");
+    }
+    open.connection.run("ALTER TABLE " + ddl::quoteName(owner.name) + " ADD COLUMN " +
+                        ddl::column(field, {}));
+    step.release();
+    schemaChanged();
+    ++generation_;
+  });
+}
+
+void SqliteDatabase::deleteTable(std::string_view table) {
+  session_->guarded([&] {
+    OpenFile& open = file();
+    Step step(open.connection);
+    const TableDef owner = definition(table);
+    for (const Relation& relation : open.catalog.relations()) {
+      if (equalNoCase(relation.table, owner.name) || equalNoCase(relation.foreignTable, owner.name)) {
+        throw Error(err::dbRelatedExists, "Table '" + owner.name + "' cannot be deleted: relation '" +
+                                              relation.name + "' refers to it");
+      }
+    }
+    open.connection.run("DROP TABLE " + ddl::quoteName(owner.name));
+    step.release();
+    schemaChanged();
+    ++generation_;
+  });
+}
+
+std::vector<Relation> SqliteDatabase::relations() const {
+  return session_->guarded([&] {
+    OpenFile& open = file();
+    open.catalog.refresh();
+    return open.catalog.relations();
+  });
+}
+
+void SqliteDatabase::createRelation(const Relation& relation) {
+  session_->guarded([&] {
+    OpenFile& open = file();
+    ddl::checkName(relation.name);
+    if (relation.fields.empty()) {
+      throw Error(err::dbInvalidArgument, "Relation '" + relation.name + "' has no fields");
+    }
+    Step step(open.connection);
+    const TableDef primary = definition(relation.table);
+    const TableDef foreign = definition(relation.foreignTable);
+    for (const Relation& other : open.catalog.relations()) {
+      if (!equalNoCase(other.name, relation.name)) continue;
+      throw Error(err::dbObjectExists, "A relation '" + relation.name + "' exists already");
+    }
+    // Spelt as the tables spell them, whatever the case they were given in.
+    Relation exact = relation;
+    exact.table = primary.name;
+    exact.foreignTable = foreign.name;
+    std::vector<std::string> primaryFields;
+    std::vector<std::string> foreignFields;
+    for (auto& [own, other] : exact.fields) {
+      const FieldDef* ownField = primary.field(own);
+      const FieldDef* otherField = foreign.field(other);
+      if (ownField == nullptr) throw noField(own, primary);
+      if (otherField == nullptr) throw noField(other, foreign);
+      primaryFields.push_back(own = ownField->name);
+      foreignFields.push_back(other = otherField->name);
+    }
+    if (!hasUniqueIndex(primary, primaryFields)) {
+      throw Error(err::dbNoUniqueIndex, "Relation '" + relation.name + "' needs a unique index of table '" +
+                                            primary.name + "' on the fields that it refers to");
+    }
+    if (open.connection.number(violation(exact)) != 0) {
+      throw Error(err::dbRelatedMissing, "Relation '" + relation.name + "' cannot be made: rows of table '" +
+                                             foreign.name + "' refer to rows that table '" + primary.name +
+                                             "' has not");
+    }
+    if (!hasIndexOn(foreign, foreignFields)) {
+      open.connection.run("CREATE INDEX " + ddl::quoteName(ddl::relationIndexName(exact)) + " ON " +
+                          ddl::quoteName(foreign.name) + " (" + ddl::quoteNames(foreignFields) + ")");
+    }
+    addConstraint(foreign.name, ddl::foreignKey(exact));
+    step.release();
+    schemaChanged();
+  });
+}
+
+/// SQLite adds constraints to a table only with the table itself; changing the schema's text is the way that
+/// its documentation gives for what leaves the rows as they are. The version's step tells other users.
+void SqliteDatabase::addConstraint(const std::string& table, const std::string& constraint) {
+  Connection& connection = file().connection;
+  const std::int64_t version = connection.number("PRAGMA schema_version");
+  connection.run("PRAGMA writable_schema=ON");
+  try {
+    connection.run("UPDATE sqlite_schema SET sql = substr(sql, 1, length(sql) - 1) || " +
+                   ddl::quoteText(", " + constraint + ")") +
+                   " WHERE type = 'table' AND name = " + ddl::quoteText(table));
+    connection.run("PRAGMA schema_version=" + std::to_string(version + 1));
+  } catch (...) {
+    connection.run("PRAGMA writable_schema=RESET");
+    throw;
+  }
+  connection.run("PRAGMA writable_schema=RESET");
+}
+
+std::vector<QueryDef> SqliteDatabase::queries() const {
+  return session_->guarded([&] {
+    Connection& connection = file().connection;
+    Statement rows =
+        connection.prepare(std::string("SELECT Name, Sql FROM ") + Catalog::queryTable + " ORDER BY rowid");
+    std::vector<QueryDef> found;
+    int code = SQLITE_ROW;
+    while ((code = rows.step()) == SQLITE_ROW) {
+      found.push_back({std::string(rows.text(0)), std::string(rows.text(1))});
+    }
+    if (code != SQLITE_DONE) connection.fail(code);
+    return found;
+  });
+}
+
+void SqliteDatabase::createQuery(const QueryDef& query) {
+  session_->guarded([&] {
+    OpenFile& open = file();
+    ddl::checkName(query.name);
+    Step step(open.connection);
+    if (textOfName(query.name)) {
+      throw Error(err::dbObjectExists, "A table or query '" + query.name + "' exists already");
+    }
+    open.connection.run(std::string("INSERT INTO ") + Catalog::queryTable + " (Name, Sql) VALUES (" +
+                        ddl::quoteText(query.name) + ", " + ddl::quoteText(query.sql) + ")");
+    step.release();
+  });
+}
+
+}  // namespace voxa

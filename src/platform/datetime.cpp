@@ -1,0 +1,215 @@
+#include "platform/datetime.h"
+
+#include <array>
+#include <chrono>
+#include <cmath>
+
+#include "platform/error.h"
+#include "platform/text.h"
+
+namespace voxa {
+namespace {
+
+namespace chrono = std::chrono;
+
+constexpr int secondsADay = 86400;
+constexpr chrono::sys_days dayZero = chrono::year{1899} / 12 / 30;
+constexpr int firstDay = (chrono::sys_days(chrono::year{100} / 1 / 1) - dayZero).count();
+constexpr int lastDay = (chrono::sys_days(chrono::year{9999} / 12 / 31) - dayZero).count();
+
+bool isDigit(char c) {
+  return c >= '0' && c <= '9';
+}
+
+/// Reads a date and time from the front of a text, piece by piece.
+class Reader {
+ public:
+  explicit Reader(std::string_view text) : rest_(text) {}
+
+  [[nodiscard]] bool done() const { return rest_.empty(); }
+  [[nodiscard]] char front() const { return rest_.empty() ? '\0' : rest_.front(); }
+  bool skip(char c) {
+    if (front() != c || done()) return false;
+    rest_.remove_prefix(1);
+    return true;
+  }
+  bool skipBlanks() {
+    bool any = false;
+    while (skip(' ')) any = true;
+    return any;
+  }
+  [[nodiscard]] std::size_t digitsAhead() const {
+    std::size_t n = 0;
+    while (n < rest_.size() && isDigit(rest_[n])) ++n;
+    return n;
+  }
+  [[nodiscard]] char behindDigits() const {
+    const auto n = digitsAhead();
+    return n < rest_.size() ? rest_[n] : '\0';
+  }
+  /// A number of that many digits.
+  bool number(std::size_t least, std::size_t most, int& out) {
+    const auto n = digitsAhead();
+    if (n < least || n > most) return false;
+    out = 0;
+    for (; isDigit(front()); rest_.remove_prefix(1)) out = out * 10 + (front() - '0');
+    return true;
+  }
+
+ private:
+  std::string_view rest_;
+};
+
+bool readDate(Reader& in, bool monthFirst, CivilTime& out) {
+  if (in.behindDigits() == '-') {
+    return in.number(4, 4, out.year) && in.skip('-') && in.number(1, 2, out.month) && in.skip('-') &&
+           in.number(1, 2, out.day);
+  }
+  int& first = monthFirst ? out.month : out.day;
+  int& second = monthFirst ? out.day : out.month;
+  if (!(in.number(1, 2, first) && in.skip('/') && in.number(1, 2, second) && in.skip('/'))) return false;
+  const auto yearDigits = in.digitsAhead();
+  if (yearDigits != 2 && yearDigits != 4) return false;
+  in.number(2, 4, out.year);
+  if (yearDigits == 2) out.year = fullYear(out.year);
+  return true;
+}
+
+bool readTime(Reader& in, CivilTime& out) {
+  if (!(in.number(1, 2, out.hour) && in.skip(':') && in.number(2, 2, out.minute))) return false;
+  return !in.skip(':') || in.number(2, 2, out.second);
+}
+
+std::optional<DateTime> parse(std::string_view text, bool monthFirst) {
+  Reader in(text);
+  CivilTime parts;
+  in.skipBlanks();
+  if (in.behindDigits() == ':') {
+    if (!readTime(in, parts)) return std::nullopt;
+  } else {
+    if (!readDate(in, monthFirst, parts)) return std::nullopt;
+    const bool timeMustFollow = in.skip('T');
+    const bool timeMayFollow = timeMustFollow || in.skipBlanks();
+    if (timeMustFollow || (timeMayFollow && !in.done())) {
+      if (!readTime(in, parts)) return std::nullopt;
+    }
+  }
+  in.skipBlanks();
+  if (!in.done() || !isValid(parts)) return std::nullopt;
+  return toDateTime(parts);
+}
+
+constexpr std::array<const char*, 12> monthNames = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
+                                                    "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
+
+}  // namespace
+
+bool isValid(const CivilTime& parts) {
+  return parts.year >= 100 && parts.year <= 9999 && parts.month >= 1 && parts.month <= 12 && parts.day >= 1 &&
+         chrono::year_month_day(chrono::year{parts.year}, chrono::month(static_cast<unsigned>(parts.month)),
+                                chrono::day(static_cast<unsigned>(parts.day)))
+             .ok() &&
+         parts.hour >= 0 && parts.hour <= 23 && parts.minute >= 0 && parts.minute <= 59 &&
+         parts.second >= 0 && parts.second <= 59;
+}
+
+DateTime toDateTime(const CivilTime& parts) {
+  if (!isValid(parts)) throw Error(err::typeMismatch, "Type mismatch: not a date or time that exists");
+  const chrono::sys_days day = chrono::year{parts.year} / parts.month / parts.day;
+  const int days = static_cast<int>((day - dayZero).count());
+  const double time = static_cast<double>(parts.hour * 3600 + parts.minute * 60 + parts.second) / secondsADay;
+  // Before day 0 the fraction still is the time of day, counted away from zero.
+  return DateTime{days < 0 ? days - time : days + time};
+}
+
+CivilTime toCivil(DateTime moment) {
+  // NaN fails this test too.
+  if (!(moment.days > firstDay - 1 && moment.days < lastDay + 1)) {
+    throw Error(err::overflow, "Overflow: the date is outside the years 100 to 9999");
+  }
+  double whole = 0;
+  const double fraction = std::fabs(std::modf(moment.days, &whole));
+  int day = static_cast<int>(whole);
+  int seconds = static_cast<int>(std::lround(fraction * secondsADay));
+  if (seconds == secondsADay) {
+    seconds = day == lastDay ? secondsADay - 1 : 0;
+    if (day < lastDay) ++day;
+  }
+  const chrono::year_month_day date{dayZero + chrono::days{day}};
+  return {.year = static_cast<int>(date.year()),
+          .month = static_cast<int>(static_cast<unsigned>(date.month())),
+          .day = static_cast<int>(static_cast<unsigned>(date.day())),
+          .hour = seconds / 3600,
+          .minute = seconds / 60 % 60,
+          .second = seconds % 60};
+}
+
+std::optional<DateTime> parseDateTime(std::string_view text) {
+  return parse(text, false);
+}
+
+std::optional<DateTime> parseDateLiteral(std::string_view text) {
+  return parse(text, true);
+}
+
+std::string toShortText(DateTime moment) {
+  const CivilTime parts = toCivil(moment);
+  const CivilTime dayZeroMidnight;
+  const bool midnight = parts.hour == 0 && parts.minute == 0 && parts.second == 0;
+  if (parts.year == dayZeroMidnight.year && parts.month == dayZeroMidnight.month &&
+      parts.day == dayZeroMidnight.day) {
+    return shortTime(moment);
+  }
+  return midnight ? shortDate(moment) : shortDate(moment) + ' ' + shortTime(moment);
+}
+
+std::string shortDate(DateTime moment) {
+  return formatDateTime(moment, "dd/mm/yyyy");
+}
+
+std::string shortTime(DateTime moment) {
+  return formatDateTime(moment, "hh:nn:ss");
+}
+
+std::string formatDateTime(DateTime moment, std::string_view pattern) {
+  const CivilTime parts = toCivil(moment);
+  std::string out;
+  bool afterHour = false;
+  for (std::size_t i = 0; i < pattern.size();) {
+    const char letter = static_cast<char>(pattern[i] | 0x20);
+    // How many of the letter are read together: y only in twos and fours, m up to three.
+    std::size_t count = 1;
+    const std::size_t most = letter == 'y' ? 4 : letter == 'm' ? 3 : 2;
+    while (count < most && i + count < pattern.size() && (pattern[i + count] | 0x20) == letter) ++count;
+    if (letter == 'y' && count == 3) count = 2;
+    const int width = static_cast<int>(count);
+    if (letter == 'd') {
+      out += zeroPadded(parts.day, width);
+    } else if (letter == 'm' && count == 3) {
+      out += monthNames[static_cast<std::size_t>(parts.month - 1)];
+    } else if (letter == 'm') {
+      out += zeroPadded(afterHour ? parts.minute : parts.month, width);
+    } else if (letter == 'y' && count > 1) {
+      out += zeroPadded(count == 4 ? parts.year : parts.year % 100, width);
+    } else if (letter == 'h') {
+      out += zeroPadded(parts.hour, width);
+    } else if (letter == 'n') {
+      out += zeroPadded(parts.minute, width);
+    } else if (letter == 's') {
+      out += zeroPadded(parts.second, width);
+    } else {
+      // Characters between the hour and its minutes do not part them.
+      out += pattern[i++];
+      continue;
+    }
+    afterHour = letter == 'h';
+    i += count;
+  }
+  return out;
+}
+
+int fullYear(int twoDigits) {
+  return twoDigits < 30 ? 2000 + twoDigits : 1900 + twoDigits;
+}
+
+}  // namespace voxa

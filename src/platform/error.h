@@ -1,0 +1,105 @@
+#pragma once
+
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace voxa {
+
+/// Error numbers. Below 1000: the run-time errors an automation client knows. From 3000 on: the numbers
+/// that the Jet database engine publishes for its own failures; callers and message texts tell failures
+/// apart by them.
+namespace err {
+inline constexpr int invalidArgument = 5;
+inline constexpr int overflow = 6;
+inline constexpr int outOfMemory = 7;
+inline constexpr int typeMismatch = 13;
+inline constexpr int internalError = 51;
+inline constexpr int badFileNumber = 52;
+inline constexpr int fileNotFound = 53;
+inline constexpr int badFileMode = 54;
+inline constexpr int deviceIo = 57;
+inline constexpr int fileExists = 58;
+inline constexpr int diskFull = 61;
+inline constexpr int readPastEnd = 62;
+inline constexpr int tooManyFiles = 67;
+inline constexpr int permissionDenied = 70;
+inline constexpr int pathAccess = 75;
+inline constexpr int pathNotFound = 76;
+inline constexpr int objectNotSet = 91;
+inline constexpr int invalidNull = 94;
+inline constexpr int entryPointNotFound = 453;
+
+inline constexpr int dbInvalidArgument = 3001;   ///< invalid argument given to the engine
+inline constexpr int dbNotUpdatable = 3027;      ///< database or object is read-only
+inline constexpr int dbNoCurrentRecord = 3021;   ///< moved past either end
+inline constexpr int dbDuplicate = 3022;         ///< duplicate value in a unique index
+inline constexpr int dbFileNotFound = 3024;      ///< database file not found
+inline constexpr int dbDiskFull = 3026;          ///< not enough space on disk
+inline constexpr int dbNoTransaction = 3034;     ///< commit or rollback without begin
+inline constexpr int dbCannotOpen = 3051;        ///< file cannot be opened or written (rights, exclusive use)
+inline constexpr int dbNullKey = 3058;           ///< Null in a primary or required index
+inline constexpr int dbTooFewParameters = 3061;  ///< a name in the statement is neither column nor parameter
+inline constexpr int dbDuplicateDestination = 3063;  ///< a field given twice in INSERT or UPDATE
+inline constexpr int dbSyntax = 3075;                ///< syntax error in a statement
+inline constexpr int dbUnknownTable = 3078;          ///< unknown table or query
+inline constexpr int dbAmbiguousName = 3079;         ///< a column name that more than one table has
+inline constexpr int dbUnknownFunction = 3085;       ///< undefined function in expression
+inline constexpr int dbNotAggregated = 3122;         ///< a field neither grouped nor aggregated
+inline constexpr int dbUnknownField = 3127;          ///< INSERT names a field that the table has not
+inline constexpr int dbTableExists = 3010;           ///< table already exists
+inline constexpr int dbTextTooLong = 3163;           ///< text longer than its field
+inline constexpr int dbRecordDeleted = 3167;         ///< current record has been deleted
+inline constexpr int dbRelatedExists = 3200;         ///< related records exist: cannot delete or change
+inline constexpr int dbRelatedMissing = 3201;        ///< related record required
+inline constexpr int dbFileExists = 3204;            ///< database already exists
+inline constexpr int dbLocked = 3260;                ///< locked by another user
+inline constexpr int dbNotInCollection = 3265;       ///< item not found in this collection
+inline constexpr int dbRequired = 3314;              ///< required field is Null
+inline constexpr int dbZeroLength = 3315;            ///< field does not allow zero-length text
+inline constexpr int dbValueCount = 3346;            ///< INSERT has not as many values as fields
+inline constexpr int dbValidationRule = 3317;        ///< value breaks the validation rule
+inline constexpr int dbNotADatabase = 3343;          ///< unrecognised database format
+inline constexpr int dbNoUniqueIndex = 3366;         ///< no unique index on the primary side of a relation
+inline constexpr int dbInvalidObject = 3420;         ///< object is closed or no longer set
+inline constexpr int dbConversion = 3421;            ///< data type conversion error
+inline constexpr int dbUpdateWithoutEdit = 3020;     ///< update or set without edit or add
+inline constexpr int dbObjectExists = 3012;          ///< a query or relation of that name exists
+inline constexpr int dbSelectExecuted = 3065;        ///< execute of a statement that gives rows
+inline constexpr int dbInvalidName = 3125;           ///< text that cannot name a table, field, index or query
+inline constexpr int dbDuplicateField = 3191;        ///< a table with two fields of one name
+inline constexpr int dbInvalidOperation = 3219;      ///< rows asked of a statement that gives none
+}  // namespace err
+
+/// The one exception type of the library.
+class Error : public std::runtime_error {
+ public:
+  /// number: one of `err`, or a number an operating system call gave; description: a sentence for a person.
+  Error(int number, const std::string& description) : std::runtime_error(description), number_(number) {}
+
+  [[nodiscard]] int number() const { return number_; }
+  [[nodiscard]] std::string description() const { return what(); }
+
+ private:
+  int number_;
+};
+
+/// Number and description of a failure that is kept, not thrown: the current error, an entry of the
+/// database engine's error collection, an error object handed over by a caller. Number 0: no error.
+struct ErrorInfo {
+  int number = 0;
+  std::string description;
+
+  void clear() { *this = {}; }
+};
+
+/// What the exception being handled means as number and description (call inside a catch block only):
+/// an Error gives its own, a lack of memory `err::outOfMemory`, anything else `err::internalError`.
+[[nodiscard]] ErrorInfo describeCurrentException();
+
+/// The error of a failed file operation: `errnoValue` of the C library to the number a client knows
+/// (53 not found, 58 exists, 61 disk full, 67 too many files, 70 permission denied, 75 path access,
+/// 76 path not found, 57 anything else), the description naming `path`.
+[[nodiscard]] Error fileError(int errnoValue, const std::string& path);
+
+}  // namespace voxa

@@ -1,0 +1,240 @@
+#include "platform/files.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <filesystem>
+#include <system_error>
+
+#include "platform/error.h"
+#include "platform/files_platform.h"
+
+namespace voxa::files {
+namespace {
+
+namespace fs = std::filesystem;
+
+using File = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
+
+fs::path asPath(const std::string& nativePath) {
+  return std::u8string(nativePath.begin(), nativePath.end());
+}
+
+std::string asText(const fs::path& path) {
+  const std::u8string text = path.u8string();
+  return {text.begin(), text.end()};
+}
+
+int errnoOf(const std::error_code& code) {
+  return code.default_error_condition().value();
+}
+
+/// The failure of creating something at that path: what is missing then is its folder.
+Error creationError(int error, std::string_view path) {
+  if (error == ENOENT) error = ENOTDIR;
+  return fileError(error, std::string(path));
+}
+
+File open(std::string_view path, Open how) {
+  int error = 0;
+  File file(openFile(native(path), how, error), &std::fclose);
+  if (!file) throw how == Open::read ? fileError(error, std::string(path)) : creationError(error, path);
+  return file;
+}
+
+/// A new file beside another, deleted again unless it took that one's name.
+class TemporaryFile {
+ public:
+  explicit TemporaryFile(std::string_view target) : target_(target), file_(nullptr, &std::fclose) {
+    int error = EEXIST;
+    for (int n = 0; error == EEXIST && n < 1000; ++n) {
+      path_ = native(target) + '~' + std::to_string(n);
+      error = 0;
+      file_.reset(openFile(path_, Open::createNew, error));
+    }
+    if (!file_) throw creationError(error, target);
+  }
+  ~TemporaryFile() {
+    std::error_code ignored;
+    file_.reset();
+    if (!path_.empty()) fs::remove(asPath(path_), ignored);
+  }
+  TemporaryFile(const TemporaryFile&) = delete;
+  TemporaryFile& operator=(const TemporaryFile&) = delete;
+
+  void fillFrom(std::string_view source) {
+    const File in = open(source, Open::read);
+    std::array<char, 65536> bytes;  // NOLINT(cppcoreguidelines-pro-type-member-init): read into before use
+    while (const auto n = std::fread(bytes.data(), 1, bytes.size(), in.get())) {
+      if (std::fwrite(bytes.data(), 1, n, file_.get()) != n) throw fileError(errno, target_);
+    }
+    if (std::ferror(in.get()) != 0) throw fileError(errno, std::string(source));
+    if (const int error = flushToDevice(file_.get()); error != 0) throw fileError(error, target_);
+    if (std::fclose(file_.release()) != 0) throw fileError(errno, target_);
+  }
+  void replaceTarget() {
+    std::error_code error;
+    fs::rename(asPath(path_), asPath(native(target_)), error);
+    if (error) throw fileError(errnoOf(error), target_);
+    path_.clear();
+  }
+  void becomeTarget() {
+    if (const int error = renameNew(path_, native(target_)); error != 0) throw fileError(error, target_);
+    path_.clear();
+  }
+
+ private:
+  std::string target_;
+  std::string path_;
+  File file_;
+};
+
+}  // namespace
+
+bool exists(std::string_view path) {
+  std::error_code error;
+  return fs::exists(asPath(native(path)), error);
+}
+
+bool folderExists(std::string_view path) {
+  std::error_code error;
+  return fs::is_directory(asPath(native(path)), error);
+}
+
+void remove(std::string_view path) {
+  const fs::path found = asPath(native(path));
+  std::error_code error;
+  if (fs::is_directory(found, error)) throw fileError(EISDIR, std::string(path));
+  if (fs::remove(found, error)) return;
+  throw fileError(error ? errnoOf(error) : ENOENT, std::string(path));
+}
+
+void rename(std::string_view from, std::string_view to) {
+  if (!exists(from)) throw fileError(ENOENT, std::string(from));
+  const int error = renameNew(native(from), native(to));
+  if (error == EXDEV) {
+    TemporaryFile copied(to);
+    copied.fillFrom(from);
+    copied.becomeTarget();
+    remove(from);
+  } else if (error != 0) {
+    throw creationError(error, to);
+  }
+}
+
+void copy(std::string_view from, std::string_view to) {
+  if (!exists(from)) throw fileError(ENOENT, std::string(from));
+  if (folderExists(to)) throw fileError(EISDIR, std::string(to));
+  TemporaryFile copied(to);
+  copied.fillFrom(from);
+  copied.replaceTarget();
+}
+
+void createNew(std::string_view path) {
+  (void)open(path, Open::createNew);
+}
+
+void makeFolder(std::string_view path) {
+  const std::string found = native(path);
+  std::error_code error;
+  if (fs::create_directory(asPath(found), error)) return;
+  if (!error || errnoOf(error) == EEXIST) throw fileError(EISDIR, std::string(path));
+  throw creationError(errnoOf(error), path);
+}
+
+std::vector<std::string> list(std::string_view folder) {
+  std::vector<std::string> names;
+  std::error_code error;
+  for (fs::directory_iterator i(asPath(native(folder)), error), end; !error && i != end; i.increment(error)) {
+    std::error_code gone;  // deleted since it was listed: no file any more
+    if (i->is_regular_file(gone)) names.push_back(asText(i->path().filename()));
+  }
+  if (error) throw creationError(errnoOf(error), folder);
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+Stream::Stream(std::string_view path, Mode mode) : path_(path), mode_(mode) {
+  const Open how = mode == Mode::read ? Open::read : mode == Mode::write ? Open::write : Open::append;
+  file_.reset(open(path, how).release());
+}
+
+void Stream::requireOpen(bool reading) const {
+  if (!file_) throw Error(err::badFileNumber, "Bad file name or number: " + path_ + " is not open");
+  if (reading != (mode_ == Mode::read)) {
+    throw Error(err::badFileMode,
+                "Bad file mode: " + path_ + (reading ? " is open for writing" : " is open for reading"));
+  }
+}
+
+void Stream::write(std::string_view bytes) {
+  requireOpen(false);
+  if (std::fwrite(bytes.data(), 1, bytes.size(), file_.get()) != bytes.size()) throw fileError(errno, path_);
+}
+
+bool Stream::fill() {
+  if (next_ < buffer_.size()) return true;
+  buffer_.resize(65536);
+  next_ = 0;
+  buffer_.resize(std::fread(buffer_.data(), 1, buffer_.size(), file_.get()));
+  if (buffer_.empty() && std::ferror(file_.get()) != 0) throw fileError(errno, path_);
+  return !buffer_.empty();
+}
+
+bool Stream::atEnd() {
+  requireOpen(true);
+  return !fill();
+}
+
+void Stream::requireMore() {
+  if (atEnd()) throw Error(err::readPastEnd, "Input past end of file: " + path_);
+}
+
+void Stream::skipLineFeed() {
+  if (fill() && buffer_[next_] == '\n') ++next_;
+}
+
+std::string Stream::readLine() {
+  requireMore();
+  std::string line;
+  while (fill()) {
+    const auto begin = buffer_.begin() + static_cast<std::ptrdiff_t>(next_);
+    const auto end = std::find_if(begin, buffer_.end(), [](char c) { return c == '\r' || c == '\n'; });
+    line.append(begin, end);
+    next_ = static_cast<std::size_t>(end - buffer_.begin());
+    if (end == buffer_.end()) continue;
+    ++next_;
+    if (buffer_[next_ - 1] == '\r') skipLineFeed();
+    break;
+  }
+  return line;
+}
+
+std::string Stream::readItem() {
+  requireMore();
+  std::string item;
+  bool inQuotes = false;
+  while (fill()) {
+    const char c = buffer_[next_++];
+    if (c == '\r') skipLineFeed();
+    if (c == '\r' || c == '\n' || (c == ',' && !inQuotes)) break;
+    const bool blank = c == ' ' || c == '\t';
+    if (item.empty() && blank) continue;
+    // Only quotes around the whole item keep commas; inside a word they are characters.
+    if (c == '"' && (item.empty() || inQuotes)) inQuotes = !inQuotes;
+    item += c;
+  }
+  item.erase(item.find_last_not_of(" \t") + 1);
+  if (item.size() >= 2 && item.front() == '"' && item.back() == '"') return item.substr(1, item.size() - 2);
+  return item;
+}
+
+void Stream::close() {
+  if (!file_) return;
+  buffer_.clear();
+  next_ = 0;
+  // Released first: the file counts as closed even when its last bytes could not be written.
+  if (std::fclose(file_.release()) != 0) throw fileError(errno, path_);
+}
+
+}  // namespace voxa::files

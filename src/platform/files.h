@@ -1,0 +1,75 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdio>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace voxa {
+
+/// The file system seam. Paths are UTF-8 text composed with "\" (or "/"), relative ones start at the
+/// process's current folder, and existing files and folders are found without regard to case, on every
+/// platform. Failures raise the Error of fileError (error.h), its description naming the path as given.
+namespace files {
+
+/// The path as the platform wants it: separators replaced, every component that exists without regard to
+/// case spelled as it exists (an exact match wins), the rest as given. Never fails.
+[[nodiscard]] std::string native(std::string_view path);
+
+[[nodiscard]] bool exists(std::string_view path);        ///< a file or folder of that name
+[[nodiscard]] bool folderExists(std::string_view path);  ///< a folder of that name
+void remove(std::string_view path);                      ///< deletes one file; 53 when there is none
+/// Moves a file; 58 when `to` exists, 53 when `from` does not. Never leaves a half-written `to`.
+void rename(std::string_view from, std::string_view to);
+/// Copies a file over `to`, replacing it in one step: a failed copy (a full disk, say) leaves `to` as it
+/// was. 53 when `from` is missing.
+void copy(std::string_view from, std::string_view to);
+/// Creates an empty file that only its owner can read or write; 58 when it exists, 76 when its folder does
+/// not.
+void createNew(std::string_view path);
+void makeFolder(std::string_view path);  ///< one folder; 75 when it exists, 76 when its parent does not
+/// Names of the regular files in a folder, sorted; 76 when there is no such folder.
+[[nodiscard]] std::vector<std::string> list(std::string_view folder);
+[[nodiscard]] std::string currentFolder();  ///< absolute, native separators, without a trailing one
+
+/// An open text file, bytes as they are. Movable; the destructor closes and, having no one to tell, ignores
+/// a failure: call close() where a failed write must be known. A file it creates is its owner's alone.
+/// Reading what is open for writing, or the reverse, raises 54; any use after close() raises 52.
+class Stream {
+ public:
+  enum class Mode { read, write, append };  ///< write empties or creates, append creates when missing
+
+  /// 53 when a file to read is missing, 76 when the folder of a file to write is.
+  Stream(std::string_view path, Mode mode);
+
+  void write(std::string_view bytes);  ///< buffered; a failure may be raised by this or a later call
+  /// Next line without its end (CR LF, LF or CR). Raises 62 at the end of the file.
+  [[nodiscard]] std::string readLine();
+  /// Next item up to a comma or line end, blanks around it dropped, double quotes around it removed (commas
+  /// inside quotes belong to the item). Raises 62 at the end of the file.
+  [[nodiscard]] std::string readItem();
+  [[nodiscard]] bool atEnd();
+  /// Flushes and closes; a failure of either is raised, and the file is closed all the same. Closing twice
+  /// does nothing.
+  void close();
+
+ private:
+  void requireOpen(bool reading) const;
+  bool fill();          ///< reads the next bytes into an empty buffer; false at the end of the file
+  void requireMore();   ///< 62 at the end of the file
+  void skipLineFeed();  ///< the second half of a CR LF whose CR was taken
+
+  struct Closer {
+    void operator()(std::FILE* f) const { (void)std::fclose(f); }
+  };
+  std::string path_;
+  Mode mode_;
+  std::unique_ptr<std::FILE, Closer> file_;
+  std::string buffer_;  ///< bytes read from the file, taken up to next_
+  std::size_t next_ = 0;
+};
+
+}  // namespace files
+}  // namespace voxa

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <cstdio>
+#include <string>
+
+namespace voxa::files {
+
+/// What the platforms do differently below files.h; one source each. Paths are native ones; failures return
+/// the errno value, 0 being success.
+
+enum class Open { read, write, append, createNew };
+
+/// Opens a file for bytes as they are, not inherited by other programs; a file that is created belongs to
+/// its owner alone. nullptr on failure, with the reason in `error`. Folders fail with EISDIR.
+[[nodiscard]] std::FILE* openFile(const std::string& path, Open how, int& error);
+/// Writes what the C library still holds, and waits until the device has it.
+[[nodiscard]] int flushToDevice(std::FILE* file);
+/// Renames in one step; EEXIST when `to` exists, EXDEV when it is on another file system.
+[[nodiscard]] int renameNew(const std::string& from, const std::string& to);
+
+}  // namespace voxa::files

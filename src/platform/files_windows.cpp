@@ -1,0 +1,89 @@
+#include <fcntl.h>
+#include <io.h>
+#include <share.h>
+#include <sys/stat.h>
+#include <windows.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <filesystem>
+#include <system_error>
+
+#include "platform/error.h"
+#include "platform/files.h"
+#include "platform/files_platform.h"
+
+namespace voxa::files {
+namespace {
+
+std::wstring wide(const std::string& path) {
+  return std::filesystem::path(std::u8string(path.begin(), path.end())).wstring();
+}
+
+bool isFolder(const std::wstring& path) {
+  const DWORD attributes = ::GetFileAttributesW(path.c_str());
+  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
+}  // namespace
+
+std::string native(std::string_view path) {
+  // The file system itself does not regard case.
+  std::string given(path);
+  std::replace(given.begin(), given.end(), '/', '\\');
+  return given;
+}
+
+std::string currentFolder() {
+  std::error_code error;
+  const std::u8string folder = std::filesystem::current_path(error).u8string();
+  if (error) throw fileError(error.default_error_condition().value(), ".");
+  return {folder.begin(), folder.end()};
+}
+
+std::FILE* openFile(const std::string& path, Open how, int& error) {
+  int flags = _O_BINARY | _O_NOINHERIT;
+  const char* mode = "wb";
+  switch (how) {
+    case Open::read:
+      flags |= _O_RDONLY;
+      mode = "rb";
+      break;
+    case Open::write:
+      flags |= _O_WRONLY | _O_CREAT | _O_TRUNC;
+      break;
+    case Open::append:
+      flags |= _O_WRONLY | _O_CREAT | _O_APPEND;
+      mode = "ab";
+      break;
+    case Open::createNew:
+      flags |= _O_WRONLY | _O_CREAT | _O_EXCL;
+      break;
+  }
+  const std::wstring name = wide(path);
+  const int descriptor = ::_wsopen(name.c_str(), flags, _SH_DENYNO, _S_IREAD | _S_IWRITE);
+  if (descriptor < 0) {
+    error = errno == EACCES && isFolder(name) ? EISDIR : errno;
+    return nullptr;
+  }
+  std::FILE* file = ::_fdopen(descriptor, mode);
+  if (file == nullptr) {
+    error = errno;
+    ::_close(descriptor);
+  }
+  return file;
+}
+
+int flushToDevice(std::FILE* file) {
+  return std::fflush(file) != 0 || ::_commit(::_fileno(file)) != 0 ? errno : 0;
+}
+
+int renameNew(const std::string& from, const std::string& to) {
+  if (::MoveFileExW(wide(from).c_str(), wide(to).c_str(), MOVEFILE_WRITE_THROUGH) != 0) return 0;
+  const DWORD code = ::GetLastError();
+  if (code == ERROR_ALREADY_EXISTS || code == ERROR_FILE_EXISTS) return EEXIST;
+  if (code == ERROR_NOT_SAME_DEVICE) return EXDEV;
+  return std::error_code(static_cast<int>(code), std::system_category()).default_error_condition().value();
+}
+
+}  // namespace voxa::files

@@ -1,0 +1,239 @@
+#include "platform/text.h"
+
+#include <algorithm>
+#include <array>
+#include <iterator>
+
+#include "platform/error.h"
+
+namespace voxa {
+namespace {
+
+/// What a broken byte decodes to: beyond every character, so that it equals and follows nothing else.
+constexpr char32_t brokenByte = 0x110000;
+
+/// The characters of the bytes 0x80 to 0x9F of code page 1252; all others have the number of their byte.
+constexpr std::array<char16_t, 32> upperControls = {
+    0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
+    0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
+    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
+
+/// Base letters of 0xC0 to 0xFF in lower-case: a text sorts by these first.
+constexpr std::string_view baseLetters =
+    "aaaaaaaceeeeiiiidnooooo\xD7"
+    "ouuuuytsaaaaaaaceeeeiiiidnooooo\xF7"
+    "ouuuuyty";
+static_assert(baseLetters.size() == 64);
+
+unsigned byteAt(std::string_view text, std::size_t i) {
+  return static_cast<unsigned char>(text[i]);
+}
+
+/// The character at `i`, which is moved behind it; brokenByte + the byte when it starts no character.
+char32_t decode(std::string_view text, std::size_t& i) {
+  const unsigned lead = byteAt(text, i++);
+  if (lead < 0x80) return lead;
+  const std::size_t more = lead >= 0xC2 && lead <= 0xDF   ? 1
+                           : lead >= 0xE0 && lead <= 0xEF ? 2
+                           : lead >= 0xF0 && lead <= 0xF4 ? 3
+                                                          : 0;
+  if (more == 0 || text.size() - i < more) return brokenByte + lead;
+  char32_t c = lead & (0x3FU >> more);
+  for (std::size_t k = 0; k < more; ++k) {
+    const unsigned next = byteAt(text, i + k);
+    if ((next & 0xC0U) != 0x80U) return brokenByte + lead;
+    c = (c << 6U) | (next & 0x3FU);
+  }
+  const bool overlong = (more == 2 && c < 0x800) || (more == 3 && c < 0x10000);
+  if (overlong || (c >= 0xD800 && c <= 0xDFFF) || c > 0x10FFFF) return brokenByte + lead;
+  i += more;
+  return c;
+}
+
+void encode(char32_t c, std::string& out) {
+  const auto put = [&](char32_t byte) { out += static_cast<char>(byte); };
+  if (c >= brokenByte) {
+    put(c - brokenByte);
+  } else if (c < 0x80) {
+    put(c);
+  } else if (c < 0x800) {
+    put(0xC0 | (c >> 6U));
+    put(0x80 | (c & 0x3FU));
+  } else if (c < 0x10000) {
+    put(0xE0 | (c >> 12U));
+    put(0x80 | ((c >> 6U) & 0x3FU));
+    put(0x80 | (c & 0x3FU));
+  } else {
+    put(0xF0 | (c >> 18U));
+    put(0x80 | ((c >> 12U) & 0x3FU));
+    put(0x80 | ((c >> 6U) & 0x3FU));
+    put(0x80 | (c & 0x3FU));
+  }
+}
+
+constexpr char32_t lower(char32_t c) {
+  if (c < 0x80) return c >= 'A' && c <= 'Z' ? c + 0x20 : c;
+  if (c >= 0xC0 && c <= 0xDE && c != 0xD7) return c + 0x20;
+  switch (c) {
+    case 0x0152:
+    case 0x0160:
+    case 0x017D:
+      return c + 1;
+    case 0x0178:
+      return 0xFF;
+    default:
+      return c;
+  }
+}
+
+constexpr char32_t upper(char32_t c) {
+  if (c < 0x80) return c >= 'a' && c <= 'z' ? c - 0x20 : c;
+  if (c >= 0xE0 && c <= 0xFE && c != 0xF7) return c - 0x20;
+  switch (c) {
+    case 0x0153:
+    case 0x0161:
+    case 0x017E:
+      return c - 1;
+    case 0xFF:
+      return 0x0178;
+    default:
+      return c;
+  }
+}
+
+/// The letter without its accent, of a lower-case character.
+constexpr char32_t base(char32_t c) {
+  if (c >= 0xC0 && c <= 0xFF) return static_cast<unsigned char>(baseLetters[c - 0xC0]);
+  switch (c) {
+    case 0x0153:
+      return 'o';
+    case 0x0161:
+      return 's';
+    case 0x017E:
+      return 'z';
+    default:
+      return c;
+  }
+}
+
+template <typename Map>
+std::string mapped(std::string_view text, Map map) {
+  std::string out;
+  out.reserve(text.size());
+  for (std::size_t i = 0; i < text.size();) encode(map(decode(text, i)), out);
+  return out;
+}
+
+std::string codePointName(char32_t c) {
+  constexpr std::string_view digits = "0123456789ABCDEF";
+  std::string out = "U+";
+  for (unsigned shift = c > 0xFFFF ? 20 : 12;; shift -= 4) {
+    out += digits[(c >> shift) & 0xFU];
+    if (shift == 0) return out;
+  }
+}
+
+/// The byte of a character in code page 1252, or -1.
+int cp1252Byte(char32_t c) {
+  if (c < 0x80 || (c >= 0xA0 && c <= 0xFF)) return static_cast<int>(c);
+  const auto found = std::find(upperControls.begin(), upperControls.end(), c);
+  return found == upperControls.end() ? -1
+                                      : static_cast<int>(0x80 + std::distance(upperControls.begin(), found));
+}
+
+}  // namespace
+
+std::string toCp1252(std::string_view utf8) {
+  std::string out;
+  out.reserve(utf8.size());
+  for (std::size_t i = 0; i < utf8.size();) {
+    const std::size_t start = i;
+    const char32_t c = decode(utf8, i);
+    if (c >= brokenByte) {
+      throw Error(err::invalidArgument,
+                  "The text is not valid UTF-8 at its byte " + std::to_string(start + 1));
+    }
+    const int byte = cp1252Byte(c);
+    if (byte < 0) {
+      throw Error(err::invalidArgument, "The character \"" + std::string(utf8.substr(start, i - start)) +
+                                            "\" (" + codePointName(c) + ") does not exist in code page 1252");
+    }
+    out += static_cast<char>(byte);
+  }
+  return out;
+}
+
+std::string fromCp1252(std::string_view bytes) {
+  std::string out;
+  out.reserve(bytes.size());
+  for (std::size_t i = 0; i < bytes.size(); ++i) {
+    const unsigned byte = byteAt(bytes, i);
+    encode(byte >= 0x80 && byte < 0xA0 ? upperControls[byte - 0x80] : static_cast<char32_t>(byte), out);
+  }
+  return out;
+}
+
+int compareNoCase(std::string_view a, std::string_view b) {
+  const std::size_t common = std::min(a.size(), b.size());
+  std::size_t i = 0;
+  for (; i < common; ++i) {
+    const unsigned ca = byteAt(a, i);
+    const unsigned cb = byteAt(b, i);
+    if ((ca | cb) >= 0x80) break;
+    if (ca == cb) continue;
+    const auto la = static_cast<int>(lower(ca));
+    const auto lb = static_cast<int>(lower(cb));
+    if (la != lb) return la - lb;
+  }
+  // Letters first, the first difference in accents only when the letters are all the same.
+  int accents = 0;
+  std::size_t j = i;
+  while (i < a.size() && j < b.size()) {
+    const char32_t ca = lower(decode(a, i));
+    const char32_t cb = lower(decode(b, j));
+    if (ca == cb) continue;
+    const char32_t ba = base(ca);
+    const char32_t bb = base(cb);
+    if (ba != bb) return ba < bb ? -1 : 1;
+    if (accents == 0) accents = ca < cb ? -1 : 1;
+  }
+  if (i < a.size()) return 1;
+  if (j < b.size()) return -1;
+  return accents;
+}
+
+bool equalNoCase(std::string_view a, std::string_view b) {
+  // Both forms of every letter have the same length.
+  return a.size() == b.size() && compareNoCase(a, b) == 0;
+}
+
+std::string toLower(std::string_view text) {
+  return mapped(text, lower);
+}
+
+std::string toUpper(std::string_view text) {
+  return mapped(text, upper);
+}
+
+std::size_t lengthInCharacters(std::string_view utf8) {
+  std::size_t n = 0;
+  for (std::size_t i = 0; i < utf8.size(); ++n) decode(utf8, i);
+  return n;
+}
+
+bool isUtf8(std::string_view text) {
+  for (std::size_t i = 0; i < text.size();) {
+    if (decode(text, i) >= brokenByte) return false;
+  }
+  return true;
+}
+
+std::string zeroPadded(std::int64_t number, int width) {
+  std::string digits = std::to_string(number);
+  const std::size_t sign = number < 0 ? 1 : 0;
+  const std::size_t wanted = sign + static_cast<std::size_t>(std::max(width, 0));
+  if (digits.size() < wanted) digits.insert(sign, wanted - digits.size(), '0');
+  return digits;
+}
+
+}  // namespace voxa

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace voxa {
+
+/// Text is UTF-8 inside the library and code page 1252 in files.
+
+/// UTF-8 to code page 1252. A character that the code page lacks, or a broken sequence, raises
+/// `err::invalidArgument` naming it: nothing is written with a character silently replaced.
+[[nodiscard]] std::string toCp1252(std::string_view utf8);
+/// Code page 1252 to UTF-8; every byte has a meaning (the five unassigned ones stay control characters).
+[[nodiscard]] std::string fromCp1252(std::string_view bytes);
+
+/// Order without regard to case (all letters of code page 1252): negative, 0 or positive. The order of the
+/// database engine's text comparison; usable as an SQLite collation.
+[[nodiscard]] int compareNoCase(std::string_view a, std::string_view b);
+[[nodiscard]] bool equalNoCase(std::string_view a, std::string_view b);
+/// Lower-case and upper-case of all letters of code page 1252 that have both forms; other text unchanged.
+[[nodiscard]] std::string toLower(std::string_view text);
+[[nodiscard]] std::string toUpper(std::string_view text);
+/// Number of characters (code points) of a UTF-8 text.
+[[nodiscard]] std::size_t lengthInCharacters(std::string_view utf8);
+/// Whether the bytes are well-formed UTF-8.
+[[nodiscard]] bool isUtf8(std::string_view text);
+
+/// A number in decimal, padded with zeros on the left to `width` digits; a longer number keeps its digits,
+/// a negative one its sign in front of the padded digits (the format "00" of automation clients).
+[[nodiscard]] std::string zeroPadded(std::int64_t number, int width);
+
+}  // namespace voxa

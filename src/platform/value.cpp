@@ -1,0 +1,198 @@
+#include "platform/value.h"
+
+#include <charconv>
+#include <cmath>
+#include <limits>
+#include <optional>
+
+#include "platform/datetime.h"
+#include "platform/error.h"
+#include "platform/text.h"
+
+namespace voxa {
+namespace {
+
+template <typename... Fs>
+struct Overloaded : Fs... {
+  using Fs::operator()...;
+};
+template <typename... Fs>
+Overloaded(Fs...) -> Overloaded<Fs...>;
+
+/// The text in quotes, short enough for a message.
+std::string quoted(std::string_view text) {
+  constexpr std::size_t shown = 60;
+  if (lengthInCharacters(text) <= shown) return '"' + std::string(text) + '"';
+  std::size_t end = shown;
+  while (end < text.size() && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U) ++end;
+  return '"' + std::string(text.substr(0, end)) + "...\"";
+}
+
+[[noreturn]] void failNull() {
+  throw Error(err::invalidNull, "Invalid use of Null");
+}
+
+[[noreturn]] void failType(std::string_view text, const char* wanted) {
+  throw Error(err::typeMismatch, "Type mismatch: " + quoted(text) + " is not " + wanted);
+}
+
+[[noreturn]] void failRange(const std::string& number, const char* wanted) {
+  throw Error(err::overflow, "Overflow: " + number + " is outside the range of " + wanted);
+}
+
+std::string doubleText(double v) {
+  // Whole numbers are written out up to the 15 digits that a double holds for certain.
+  const double size = std::fabs(v);
+  const auto form =
+      v == 0 || (size >= 1e-4 && size < 1e15) ? std::chars_format::fixed : std::chars_format::scientific;
+  char buffer[64];
+  const auto end = std::to_chars(buffer, buffer + sizeof buffer, v == 0 ? 0.0 : v, form).ptr;
+  std::string out(buffer, end);
+  if (const auto e = out.find('e'); e != std::string::npos) out[e] = 'E';
+  return out;
+}
+
+/// The number that a text is in full, blanks around it allowed; empty when it is none.
+std::optional<double> parseNumber(std::string_view text) {
+  constexpr std::string_view blanks = " \t";
+  const auto first = text.find_first_not_of(blanks);
+  if (first == std::string_view::npos) return std::nullopt;
+  std::string_view digits = text.substr(first, text.find_last_not_of(blanks) - first + 1);
+  const bool negative = digits.front() == '-';
+  if (negative || digits.front() == '+') digits.remove_prefix(1);
+  // from_chars would also read "inf", "nan" and a second sign.
+  if (digits.empty() || digits.find_first_not_of("0123456789.eE+-") != std::string_view::npos ||
+      digits.find_first_of("0123456789.") != 0) {
+    return std::nullopt;
+  }
+  double v = 0;
+  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), v);
+  if (error == std::errc::invalid_argument || end != digits.data() + digits.size()) return std::nullopt;
+  if (error == std::errc::result_out_of_range) {
+    // Too small and too large are told apart by the exponent's sign.
+    if (digits.find('-') == std::string_view::npos) failRange(quoted(text), "numbers");
+    v = 0;
+  }
+  return negative ? -v : v;
+}
+
+double numberOf(const Value& value) {
+  return std::visit(
+      Overloaded{[](std::monostate) -> double { failNull(); }, [](bool v) -> double { return v ? -1 : 0; },
+                 [](DateTime v) -> double { return v.days; },
+                 [](const std::string& v) -> double {
+                   const auto number = parseNumber(v);
+                   if (!number) failType(v, "a number");
+                   return *number;
+                 },
+                 [](auto v) -> double { return v; }},
+      value.data());
+}
+
+template <typename T>
+T wholeNumber(const Value& value, const char* typeName) {
+  const double exact = numberOf(value);
+  const double rounded = std::nearbyint(exact);  // the default rounding mode is half to even
+  if (!(rounded >= std::numeric_limits<T>::min() && rounded <= std::numeric_limits<T>::max())) {
+    failRange(doubleText(exact), typeName);
+  }
+  return static_cast<T>(rounded);
+}
+
+DateTime checkedDate(double days) {
+  static const double first = toDateTime({.year = 100, .month = 1, .day = 1}).days;
+  static const double last = toDateTime({.year = 9999, .month = 12, .day = 31}).days;
+  // A moment before 1900 counts its time of day away from zero, so the first day reaches below its number.
+  if (!(days > first - 1 && days < last + 1)) failRange(doubleText(days), "dates");
+  return DateTime{days};
+}
+
+double finite(double number) {
+  if (!std::isfinite(number)) failRange(doubleText(number), "numbers");
+  return number;
+}
+
+Value convert(const Value& value, DataType type, int size) {
+  switch (type) {
+    case DataType::Boolean:
+      return value.toBool();
+    case DataType::Byte:
+      return wholeNumber<std::uint8_t>(value, "bytes (0 to 255)");
+    case DataType::Integer:
+      return value.toInt16();
+    case DataType::Long:
+      return value.toInt32();
+    case DataType::Double:
+      return finite(value.toDouble());
+    case DataType::Date:
+      return checkedDate(value.toDateTime().days);
+    case DataType::Text:
+    case DataType::Memo:
+      break;
+  }
+  std::string text = value.toText();
+  const auto limit = static_cast<std::size_t>(size > 0 ? size : 255);
+  if (type == DataType::Text && text.size() > limit && lengthInCharacters(text) > limit) {
+    throw Error(err::dbTextTooLong, "The text " + quoted(text) + " is too long for its field of " +
+                                        std::to_string(limit) + " characters");
+  }
+  return text;
+}
+
+}  // namespace
+
+std::int16_t Value::toInt16() const {
+  if (const auto* v = std::get_if<std::int16_t>(&data_)) return *v;
+  return wholeNumber<std::int16_t>(*this, "16-bit integers");
+}
+
+std::int32_t Value::toInt32() const {
+  if (const auto* v = std::get_if<std::int32_t>(&data_)) return *v;
+  return wholeNumber<std::int32_t>(*this, "32-bit integers");
+}
+
+double Value::toDouble() const {
+  return numberOf(*this);
+}
+
+bool Value::toBool() const {
+  if (const auto* text = std::get_if<std::string>(&data_)) {
+    if (equalNoCase(*text, "True")) return true;
+    if (equalNoCase(*text, "False")) return false;
+    const auto number = parseNumber(*text);
+    if (!number) failType(*text, "a number, True or False");
+    return *number != 0;
+  }
+  return numberOf(*this) != 0;
+}
+
+DateTime Value::toDateTime() const {
+  if (const auto* text = std::get_if<std::string>(&data_)) {
+    const auto moment = parseDateTime(*text);
+    if (!moment) failType(*text, "a date");
+    return *moment;
+  }
+  if (const auto* moment = std::get_if<DateTime>(&data_)) return *moment;
+  return checkedDate(numberOf(*this));
+}
+
+std::string Value::toText() const {
+  return std::visit(
+      Overloaded{[](std::monostate) -> std::string { failNull(); },
+                 [](bool v) { return std::string(v ? "True" : "False"); },
+                 [](DateTime v) { return toShortText(v); }, [](const std::string& v) { return v; },
+                 [](double v) { return doubleText(v); }, [](auto v) { return std::to_string(v); }},
+      data_);
+}
+
+Value convertForField(const Value& value, DataType type, int size) {
+  if (value.isNull()) return type == DataType::Boolean ? Value(false) : value;
+  try {
+    return convert(value, type, size);
+  } catch (const Error& e) {
+    if (e.number() != err::typeMismatch) throw;
+    throw Error(err::dbConversion, "Data type conversion error: " + e.description());
+  }
+}
+
+}  // namespace voxa

@@ -1,0 +1,78 @@
+#pragma once
+
+#include <compare>
+#include <concepts>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <variant>
+
+namespace voxa {
+
+/// Field types, with the type codes that the Jet database engine publishes.
+enum class DataType : std::uint8_t {
+  Boolean = 1,
+  Byte = 2,
+  Integer = 3,  ///< 16-bit signed
+  Long = 4,     ///< 32-bit signed
+  Double = 7,
+  Date = 8,
+  Text = 10,
+  Memo = 12
+};
+
+/// A moment as automation clients count it: days since 30 December 1899, the fraction being the time of
+/// day. Conversions and formats are in datetime.h.
+struct DateTime {
+  double days = 0;
+  friend auto operator<=>(const DateTime&, const DateTime&) = default;
+};
+
+/// One database or automation value: Null, boolean, byte, 16-bit, 32-bit, double, date-time or text (UTF-8).
+class Value {
+ public:
+  using Variant = std::variant<std::monostate, bool, std::uint8_t, std::int16_t, std::int32_t, double,
+                               DateTime, std::string>;
+
+  Value() = default;  ///< Null
+  template <typename T>
+  requires(std::same_as<T, bool> || std::same_as<T, std::uint8_t> || std::same_as<T, std::int16_t> ||
+           std::same_as<T, std::int32_t> || std::same_as<T, double> || std::same_as<T, DateTime>) Value(T v)
+      : data_(v) {}                                     // NOLINT(google-explicit-constructor)
+  Value(std::string v) : data_(std::move(v)) {}         // NOLINT(google-explicit-constructor)
+  Value(std::string_view v) : data_(std::string(v)) {}  // NOLINT(google-explicit-constructor)
+  Value(const char* v) : data_(std::string(v)) {}       // NOLINT(google-explicit-constructor)
+
+  [[nodiscard]] bool isNull() const { return data_.index() == 0; }
+  [[nodiscard]] bool isText() const { return std::holds_alternative<std::string>(data_); }
+  [[nodiscard]] const Variant& data() const { return data_; }
+
+  /// Conversions by the rules of automation clients. Null raises `err::invalidNull`; text that is no number
+  /// (or no date) raises `err::typeMismatch`; a number outside the target raises `err::overflow`. A fraction
+  /// is rounded half to even. True is -1.
+  [[nodiscard]] std::int16_t toInt16() const;
+  [[nodiscard]] std::int32_t toInt32() const;
+  [[nodiscard]] double toDouble() const;
+  [[nodiscard]] bool toBool() const;  ///< any number but 0, "True" or "False" in any case
+  [[nodiscard]] DateTime toDateTime() const;
+  /// Text: "True"/"False", decimal numbers without a leading blank (no exponent for whole numbers below
+  /// 1e15), dates in the regional short form (datetime.h).
+  [[nodiscard]] std::string toText() const;
+
+  /// Identity: same alternative and same value; text to the letter. For tests and change detection, not for
+  /// the comparison rules of a query.
+  friend bool operator==(const Value&, const Value&) = default;
+
+ private:
+  Variant data_;
+};
+
+/// The value as a field of that type stores it. Null stays Null, except in a boolean field, which is False
+/// then. Text is read as a number, boolean or regional date where the field wants one.
+/// size: greatest number of characters of a Text field (0: 255); ignored for other types.
+/// Errors: `err::dbConversion` when the value cannot be read as the type, `err::overflow` when it is a
+/// number outside the type's range, `err::dbTextTooLong` when text is longer than size.
+[[nodiscard]] Value convertForField(const Value& value, DataType type, int size);
+
+}  // namespace voxa

@@ -1,0 +1,84 @@
+#include "database/fixture.h"
+
+namespace voxa {
+namespace {
+
+class Changes : public DatabaseTest {
+ protected:
+  void SetUp() override { createTables(); }
+};
+
+TEST_F(Changes, WhatBreaksADefinitionHasItsNumberAndNamesThePlace) {
+  db->execute("insert into Readers (Name) values ('Élan')");
+  const std::tuple<const char*, int, const char*> cases[] = {
+      {"insert into Stations (Id, Name) values (1, 'x')", err::dbDuplicate, "'Stations'"},
+      {"insert into Stations (Id, Name) values (9, 'NORTH')", err::dbDuplicate, "'Name'"},
+      {"insert into Readers (Id, Name) values (1, 'x')", err::dbDuplicate, "'Readers'"},
+      {"insert into Stations (Name) values ('x')", err::dbNullKey, "'Id'"},
+      {"insert into Stations (Id) values (9)", err::dbNullKey, "'Name'"},
+      {"insert into Readers (Position) values (1)", err::dbRequired, "'Name'"},
+      {"update Readers set Name = Null", err::dbRequired, "'Readers'"},
+      {"insert into Readers (Name) values ('')", err::dbZeroLength, "'Name'"},
+      {"insert into Readers (Name, Position) values ('x', 33)", err::dbValidationRule, ">=0 and <=32"},
+      {"insert into Readers (Name, Position) values ('x', 300)", err::overflow, ""},
+      {"update Readers set Position = Position + 1000", err::overflow, ""},
+      {"insert into Readers (Name, Position) values ('x', 'high')", err::dbConversion, ""},
+      {"insert into Stations (Id, Name) values (9, 'eleven char')", err::dbTextTooLong, ""},
+      {"insert into Stations (Id, Name, Since) values (9, 'x', 'never')", err::dbConversion, ""},
+      {"insert into Nowhere (Id) values (1)", err::dbUnknownTable, ""},
+      {"delete * from Stations; delete * from Readers", err::dbSyntax, ""},
+      {"select * from Stations", err::dbSelectExecuted, ""}};
+  for (const auto& [sql, number, names] : cases) {
+    EXPECT_EQ(executeFailure(sql), number) << sql << ": " << lastDescription;
+    EXPECT_NE(lastDescription.find(names), std::string::npos) << lastDescription;
+  }
+  EXPECT_EQ(failure([&] { (void)db->openRecordset("Nowhere"); }) / 1000, 3);
+  EXPECT_EQ(countOf("Stations"), 2);
+  EXPECT_EQ(countOf("Readers where Name = 'éLAN' and Position = 1 and Note is null"), 1);
+}
+
+TEST_F(Changes, AStatementThatFailsHalfWayChangesNothing) {
+  EXPECT_EQ(db->execute("update Stations set Since = #1/2/2000#"), 2);
+  EXPECT_EQ(executeFailure("update Stations set Name = 'same'"), err::dbDuplicate);
+  engine->begin();
+  EXPECT_EQ(db->execute("delete from Stations where Id = 2"), 1);
+  EXPECT_EQ(executeFailure("insert into Stations (Id, Name) values (1, 'x')"), err::dbDuplicate);
+  EXPECT_TRUE(engine->inTransaction());
+  engine->commit();
+  EXPECT_EQ(valueOf("select Name from Stations"), Value("North"));
+  EXPECT_EQ(valueOf("select Since from Stations"), Value(DateTime{36527}));
+}
+
+TEST_F(Changes, StatementsThatDifferInLiteralsAreOne) {
+  const auto run = [&](int i) {
+    db->execute("insert into Readers (Name, StationId) values ('r" + std::to_string(i) + "', 1)");
+    const auto rows = db->openRecordset("select * from Readers where Name = 'r" + std::to_string(i) + "'");
+    rows->edit();
+    rows->set("Position", i);
+    rows->set("Note", "n" + std::to_string(i));
+    rows->update();
+  };
+  run(0);
+  const std::size_t before = preparedStatements(*db);
+  for (int i = 1; i < 30; ++i) run(i);
+  EXPECT_EQ(preparedStatements(*db), before);
+  EXPECT_EQ(valueOf("select Note from Readers where Position = 29"), Value("n29"));
+  // More texts than are kept: the oldest go, and come back when asked for.
+  for (int i = 0; i < 300; ++i)
+    (void)db->openRecordset("select Id as x" + std::to_string(i) + " from Readers");
+  run(31);
+  EXPECT_EQ(countOf("Readers"), 31);
+}
+
+TEST_F(Changes, NumberedFieldsCountOnFromAGivenValue) {
+  db->execute("insert into Readers (Name, Id) values ('a', 0)");
+  db->execute("insert into Readers (Name) values ('b')");
+  db->execute("insert into Readers (Name, Id) values ('c', 40)");
+  db->execute("delete from Readers where Id = 40");
+  db->execute("insert into Readers (Name) values ('d')");
+  EXPECT_EQ(valueOf("select Id from Readers where Name = 'b'"), Value(1));
+  EXPECT_EQ(valueOf("select Id from Readers where Name = 'd'"), Value(41));
+}
+
+}  // namespace
+}  // namespace voxa

@@ -1,0 +1,16 @@
+#include <cerrno>
+#include <cstdint>
+
+// A driver with two of the nine operations, whose results tell the arguments apart.
+
+extern "C" {
+
+__attribute__((visibility("default"))) std::int16_t RDDAT(std::int16_t station, std::int16_t address) {
+  errno = 5;
+  return static_cast<std::int16_t>(station * 100 + address);
+}
+
+__attribute__((visibility("default"))) std::int16_t CONNECT(std::int16_t station) {
+  return station;
+}
+}

@@ -1,0 +1,158 @@
+#include "platform/files.h"
+
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+#include <csignal>
+#include <filesystem>
+
+#include "temporary_folder.h"
+
+namespace voxa {
+namespace {
+
+using files::Stream;
+
+class FilesTest : public testing::Test {
+ protected:
+  [[nodiscard]] static unsigned modeOf(const std::string& path) {
+    struct stat info {};
+    return ::stat(path.c_str(), &info) == 0 ? info.st_mode & 0777U : 0U;
+  }
+
+  TemporaryFolder folder_;
+};
+
+TEST_F(FilesTest, FindsExistingNamesInAnyCase) {
+  std::filesystem::create_directories(folder_ / "Data/Journal");
+  put(folder_ / "Data/Journal/J00305.DAT", "x");
+  EXPECT_EQ(files::native(folder_ / "DATA\\journal\\j00305.Dat"), folder_ / "Data/Journal/J00305.DAT");
+  EXPECT_EQ(files::native(folder_ / "data\\New.Txt"), folder_ / "Data/New.Txt");
+  EXPECT_EQ(files::native(folder_ / "data\\NoSuch\\JOURNAL"), folder_ / "Data/NoSuch/JOURNAL");
+  EXPECT_EQ(files::native(folder_ / "data\\"), folder_ / "Data/");
+  put(folder_ / "Data/Journal/J00305.dat", "y");
+  put(folder_ / "Data/Journal/j00305.DAT", "z");
+  EXPECT_EQ(files::native(folder_ / "data/journal/J00305.dat"), folder_ / "Data/Journal/J00305.dat");
+  EXPECT_EQ(files::native(folder_ / "data/journal/J00305.Dat"), folder_ / "Data/Journal/J00305.DAT");
+  EXPECT_TRUE(files::folderExists(folder_ / "DATA"));
+  EXPECT_FALSE(files::exists(""));
+}
+
+TEST_F(FilesTest, RelativePathsStartAtTheCurrentFolder) {
+  const auto before = std::filesystem::current_path();
+  std::filesystem::current_path(folder_.path());
+  put("Command.TXT", "x");
+  const std::string found = files::native("COMMAND.txt");
+  const std::string current = files::currentFolder();
+  std::filesystem::current_path(before);
+  EXPECT_EQ(found, "Command.TXT");
+  EXPECT_EQ(current, std::filesystem::canonical(folder_.path()));
+}
+
+TEST_F(FilesTest, MovesAndDeletes) {
+  put(folder_ / "a.txt", "a");
+  put(folder_ / "B.txt", "b");
+  EXPECT_EQ(errorOf([&] { return files::rename(folder_ / "a.txt", folder_ / "b.TXT"), 0; }), err::fileExists);
+  EXPECT_EQ(bytesOf(folder_ / "B.txt"), "b");
+  EXPECT_EQ(errorOf([&] { return files::rename(folder_ / "none", folder_ / "c"), 0; }), err::fileNotFound);
+  EXPECT_EQ(errorOf([&] { return files::rename(folder_ / "a.txt", folder_ / "no/c"), 0; }),
+            err::pathNotFound);
+  files::rename(folder_ / "A.TXT", folder_ / "c");
+  EXPECT_EQ(files::list(folder_.path()), (std::vector<std::string>{"B.txt", "c"}));
+  files::remove(folder_ / "C");
+  EXPECT_EQ(errorOf([&] { return files::remove(folder_ / "c"), 0; }), err::fileNotFound);
+  files::makeFolder(folder_ / "sub");
+  EXPECT_EQ(errorOf([&] { return files::makeFolder(folder_ / "SUB"), 0; }), err::pathAccess);
+  EXPECT_EQ(errorOf([&] { return files::makeFolder(folder_ / "no/sub"), 0; }), err::pathNotFound);
+  EXPECT_EQ(errorOf([&] { return files::remove(folder_ / "sub"), 0; }), err::pathAccess);
+  EXPECT_EQ(errorOf([&] { return files::list(folder_ / "no"); }), err::pathNotFound);
+}
+
+TEST_F(FilesTest, NewFilesAreTheirOwnersAlone) {
+  files::createNew(folder_ / "new.mdb");
+  EXPECT_EQ(modeOf(folder_ / "new.mdb"), 0600U);
+  EXPECT_EQ(errorOf([&] { return files::createNew(folder_ / "NEW.MDB"), 0; }), err::fileExists);
+  Stream(folder_ / "cards.txt", Stream::Mode::write).close();
+  EXPECT_EQ(modeOf(folder_ / "cards.txt"), 0600U);
+  files::copy(folder_ / "cards.txt", folder_ / "copy.txt");
+  EXPECT_EQ(modeOf(folder_ / "copy.txt"), 0600U);
+}
+
+TEST_F(FilesTest, AFailedCopyLeavesTheTargetAsItWas) {
+  put(folder_ / "from", std::string(200000, 'n'));
+  put(folder_ / "To", "old");
+  rlimit before{};
+  ::getrlimit(RLIMIT_FSIZE, &before);
+  const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+  const rlimit small{.rlim_cur = 100000, .rlim_max = before.rlim_max};
+  ::setrlimit(RLIMIT_FSIZE, &small);
+  const int error = errorOf([&] { return files::copy(folder_ / "from", folder_ / "to"), 0; });
+  ::setrlimit(RLIMIT_FSIZE, &before);
+  std::signal(SIGXFSZ, handler);
+  EXPECT_EQ(error, err::diskFull);
+  EXPECT_EQ(bytesOf(folder_ / "To"), "old");
+  EXPECT_EQ(files::list(folder_.path()), (std::vector<std::string>{"To", "from"}));
+
+  files::copy(folder_ / "FROM", folder_ / "to");
+  EXPECT_EQ(bytesOf(folder_ / "To"), std::string(200000, 'n'));
+  EXPECT_EQ(errorOf([&] { return files::copy(folder_ / "none", folder_ / "to"), 0; }), err::fileNotFound);
+  EXPECT_EQ(errorOf([&] { return files::copy(folder_ / "from", folder_ / "no/to"), 0; }), err::pathNotFound);
+  EXPECT_EQ(errorOf([&] { return files::copy(folder_ / "from", folder_.path()), 0; }), err::pathAccess);
+}
+
+TEST_F(FilesTest, ReadsLinesWhateverEndsThem) {
+  // A CR LF across the reading block, NUL and Ctrl-Z, a last line without an end.
+  const std::string longLine(65535, '0');
+  put(folder_ / "f", longLine + "\r\none\rtwo\n\r\n" + std::string("a\0\x1A", 3));
+  Stream in(folder_ / "f", Stream::Mode::read);
+  EXPECT_EQ(in.readLine(), longLine);
+  for (const char* line : {"one", "two", ""}) EXPECT_EQ(in.readLine(), line);
+  EXPECT_FALSE(in.atEnd());
+  EXPECT_EQ(in.readLine(), std::string("a\0\x1A", 3));
+  EXPECT_TRUE(in.atEnd());
+  EXPECT_EQ(errorOf([&] { return in.readLine(); }), err::readPastEnd);
+
+  std::string zeros;
+  zeros.resize(10'000'000);
+  put(folder_ / "zeros", zeros);
+  EXPECT_EQ(Stream(folder_ / "zeros", Stream::Mode::read).readLine().size(), zeros.size());
+}
+
+TEST_F(FilesTest, ReadsItems) {
+  put(folder_ / "f", " 12 , \"a, b\" ,x\"y,z\"\r\n,\"\"\n\"open, end\nlast");
+  Stream in(folder_ / "f", Stream::Mode::read);
+  for (const char* item : {"12", "a, b", "x\"y", "z\"", "", "", "\"open, end", "last"})
+    EXPECT_EQ(in.readItem(), item);
+  EXPECT_EQ(errorOf([&] { return in.readItem(); }), err::readPastEnd);
+}
+
+TEST_F(FilesTest, StreamsAppendAndEmpty) {
+  Stream(folder_ / "log", Stream::Mode::append).write("one\r\n");
+  Stream(folder_ / "LOG", Stream::Mode::append).write("two\r\n");
+  EXPECT_EQ(bytesOf(folder_ / "log"), "one\r\ntwo\r\n");
+  Stream(folder_ / "Log", Stream::Mode::write).write("x");
+  EXPECT_EQ(bytesOf(folder_ / "log"), "x");
+}
+
+TEST_F(FilesTest, StreamFailuresAreRaised) {
+  Stream full("/dev/full", Stream::Mode::write);
+  full.write("x");
+  EXPECT_EQ(errorOf([&] { return full.close(), 0; }), err::diskFull);
+  EXPECT_EQ(errorOf([&] { return full.write("x"), 0; }), err::badFileNumber);
+  EXPECT_EQ(errorOf([&] { return full.close(), 0; }), 0);
+
+  Stream out(folder_ / "f", Stream::Mode::write);
+  EXPECT_EQ(errorOf([&] { return out.readLine(); }), err::badFileMode);
+  Stream in(folder_ / "f", Stream::Mode::read);
+  EXPECT_EQ(errorOf([&] { return in.write("x"), 0; }), err::badFileMode);
+  const auto open = [&](const char* name, Stream::Mode mode) {
+    return errorOf([&] { return Stream(folder_ / name, mode).atEnd(); });
+  };
+  EXPECT_EQ(open("none", Stream::Mode::read), err::fileNotFound);
+  EXPECT_EQ(open("", Stream::Mode::read), err::pathAccess);
+  EXPECT_EQ(open("no/f", Stream::Mode::append), err::pathNotFound);
+}
+
+}  // namespace
+}  // namespace voxa
