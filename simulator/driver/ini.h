@@ -1,0 +1,27 @@
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace driver {
+
+/// What the driver needs of a station's ini file: lines "KEY:value", the rest ignored.
+struct Ini {
+  int speed = 4800;              ///< BDR, the line's speed in bit/s
+  std::string commandFile;       ///< CFL, empty when it names none
+  std::vector<int> controllers;  ///< TER, the addresses a call to each controller asks
+};
+
+/// Reads "S" + three-digit station + ".ini" in the current folder; nothing when there is none.
+[[nodiscard]] std::optional<Ini> readIni(int station);
+
+/// The lines of a text file without their ends and without the empty ones; nothing when there is no such
+/// file.
+[[nodiscard]] std::optional<std::vector<std::string>> readLines(const std::filesystem::path& file);
+
+/// `prefix` + three-digit station + `suffix`.
+[[nodiscard]] std::string stationFile(const char* prefix, int station, const char* suffix);
+
+}  // namespace driver

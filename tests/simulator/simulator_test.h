@@ -1,0 +1,41 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "site/site.h"
+
+/// The driver's operations of the real shared library, loaded by its path.
+std::int16_t driverCall(const char* operation, int station, int address);
+std::int16_t driverCall(const char* operation, int station);
+
+void writeFile(const std::filesystem::path& file, const std::string& text);
+std::string readFile(const std::filesystem::path& file);
+
+/// A folder of its own as current folder, with the site in it. Station 1, unless a test says otherwise.
+class SimulatorTest : public testing::Test {
+ protected:
+  SimulatorTest();
+  ~SimulatorTest() override;
+
+  void ini(const std::string& ter, int speed = 4800, int station = 1);
+  /// Adds the controller and writes the ini file that lists addresses 1 up to it.
+  void add(int address, const std::string& type = "QSX3", int capacity = 3000);
+  /// Writes the command file and sends it.
+  std::int16_t send(const std::vector<std::string>& lines, int address = 41);
+  /// Sends one line to controller 1; the reason it was not applied for, empty when it was.
+  std::string reason(const std::string& line);
+  site::Snapshot look(int address = 1) { return site_.snapshot(1, address); }
+  /// Adds unknown-card records with the codes 00000001, 00000002 … in the controller's memory.
+  void fill(int count, int address = 1);
+
+  site::Site site_;
+  std::filesystem::path folder_;
+
+ private:
+  std::filesystem::path before_;
+};
