@@ -1,0 +1,39 @@
+#include "access/acc_group_reader.h"
+
+#include "access/access_group.h"
+#include "app/qdb.h"
+#include "comm/reader.h"
+#include "platform/database/database.h"
+#include "programs/weekly_program.h"
+
+namespace voxa {
+
+void AccGroupReader::createFields(TableDef& td) {
+  addField(td, "AccessGroupId", DataType::Integer);
+  addField(td, "ReaderId", DataType::Long);
+  gen_.appendField("WeeklyProgType", DataType::Text, 1, "C");
+  addField(td, "WeeklyProgNum", DataType::Integer);
+  gen_.appendField("FlagD", DataType::Boolean, 0, {});
+}
+
+void AccGroupReader::createIndexes(TableDef& td) {
+  addIndex(td, "Id", {"AccessGroupId", "ReaderId"}, IndexKind::primary);
+}
+
+// Deleting a group or a reader removes its links; a weekly program that a link uses cannot be deleted.
+std::int16_t AccGroupReader::createRelations() {
+  QDB& tables = library_.QDB();
+  database().createRelation(
+      {"AccGroupReadersAGId", tables.AccessGroups().Name(), Name(), {{"Id", "AccessGroupId"}}, false, true});
+  database().createRelation(
+      {"AccGroupReadersReaderId", tables.Readers().Name(), Name(), {{"Id", "ReaderId"}}, false, true});
+  database().createRelation({"AccGroupReadersWeeklyProg",
+                             tables.WeeklyPrograms().Name(),
+                             Name(),
+                             {{"ProgType", "WeeklyProgType"}, {"ProgNum", "WeeklyProgNum"}},
+                             false,
+                             false});
+  return 0;
+}
+
+}  // namespace voxa

@@ -1,0 +1,142 @@
+#include "app/qdb.h"
+
+#include <algorithm>
+
+#include "access/access_group.h"
+#include "access/cardholder.h"
+#include "app/itable.h"
+#include "app/library.h"
+#include "comm/com.h"
+#include "comm/com_status_table.h"
+#include "comm/reader.h"
+#include "comm/station.h"
+#include "files/database_files.h"
+#include "journal/journal.h"
+#include "platform/database/database.h"
+#include "platform/text.h"
+#include "platform/ui/prompts.h"
+#include "programs/alarm.h"
+#include "programs/daily_program.h"
+#include "programs/holidays.h"
+#include "programs/weekly_program.h"
+
+namespace voxa {
+
+QDB::QDB(Library& library)
+    : library_(library),
+      stations_(std::make_unique<::voxa::Station>(library)),
+      dailyPrograms_(std::make_unique<::voxa::DailyProgram>(library)),
+      holidays_(std::make_unique<::voxa::Holidays>(library)),
+      weeklyPrograms_(std::make_unique<::voxa::WeeklyProgram>(library)),
+      readers_(std::make_unique<::voxa::Reader>(library)),
+      accessGroups_(std::make_unique<::voxa::AccessGroup>(library)),
+      cardholders_(std::make_unique<::voxa::Cardholder>(library)),
+      journal_(std::make_unique<::voxa::Journal>(library)),
+      alarms_(std::make_unique<::voxa::Alarm>(library)) {
+  registerTable(*stations_);
+  registerTable(*dailyPrograms_);
+  registerTable(*holidays_);
+  registerTable(*weeklyPrograms_);
+  registerTable(*readers_);
+  registerTable(*accessGroups_);
+  registerTable(*cardholders_);
+  registerTable(*journal_);
+  registerTable(*alarms_);
+}
+
+QDB::~QDB() {
+  try {
+    if (database_) database_->close();
+  } catch (const Error&) {
+    // The process is letting go of the file; what was committed is safe, and nobody is left to tell.
+  }
+}
+
+void QDB::registerTable(ITable& table) {
+  registry_.push_back(&table);
+}
+
+ITable& QDB::tables(std::string_view tableName) const {
+  const auto found = std::find_if(registry_.begin(), registry_.end(),
+                                  [&](const ITable* t) { return equalNoCase(t->Name(), tableName); });
+  if (found == registry_.end()) {
+    throw Error(err::invalidArgument, "Invalid argument: no table '" + std::string(tableName) + "'");
+  }
+  return **found;
+}
+
+std::int16_t QDB::openCommonDB() {
+  const std::string path = library_.Com().AppDB;
+  return library_.attempt({"msgCantLoad", path}, [&] {
+    database_ = library_.engine().open(path);
+    if (library_.Com().pDailyPrograms4Zones == 1) dailyPrograms_->provideFourZones();
+  });
+}
+
+std::int16_t QDB::openDB() {
+  openCommonDB();
+  journal_->openDB();
+  return 0;
+}
+
+bool QDB::confirmReplace() {
+  if (!database_) return true;
+  const bool cancelled = saveBeforeReplace(library_, database_->name(), "msgCreateSaveDBYN", true);
+  if (cancelled) openCommonDB();
+  return !cancelled;
+}
+
+void QDB::buildTables() {
+  // One transaction: a crash in the middle leaves no half-built tables, and the disk is waited for once.
+  Transaction transaction(library_.engine());
+  for (ITable* table : registry_) {
+    if (table->Name() == journal_->Name()) continue;
+    table->create();
+    table->insertDefaultRecs();
+  }
+  createComStatus(*database_);
+  for (ITable* table : registry_) table->createRelations();
+  dailyPrograms_->provideFourZones();
+  transaction.commit();
+}
+
+std::int16_t QDB::createDB() {
+  return library_.attempt({"msgCantCreateDB", "QDB.createDB"}, [&]() -> std::int16_t {
+    if (!confirmReplace()) return -1;
+    const BusyPointer busy(library_.prompts());
+    database_ = library_.engine().create(library_.Com().AppDB);
+    buildTables();
+    if (const auto journal = journal_->DB(); journal && journal->isOpen()) {
+      if (saveBeforeReplace(library_, journal->name(), "msgJourSaveYN", false)) {
+        journal_->openDB();
+      } else {
+        journal_->createFile();
+      }
+    }
+    return 0;
+  });
+}
+
+std::int16_t QDB::throughClosedFile(const char* method,
+                                    const std::function<std::int16_t(const std::string&)>& work) {
+  std::int16_t status = 0;
+  if (database_) {
+    status =
+        library_.attempt({"", method, Value(library_.Com().AppDB)}, [&] { return work(database_->name()); });
+  }
+  openCommonDB();
+  return status;
+}
+
+std::int16_t QDB::saveDB() {
+  return throughClosedFile("QDB.saveDB",
+                           [&](const std::string& name) { return saveDatabaseAs(library_, name); });
+}
+
+std::int16_t QDB::restoreDB() {
+  return throughClosedFile("QDB.restoreDB", [&](const std::string& name) {
+    return restoreDatabase(library_, name, "msgReplaceSaveDBYN");
+  });
+}
+
+}  // namespace voxa

@@ -1,0 +1,194 @@
+#include "comm/com.h"
+
+#include <string_view>
+
+#include "app/library.h"
+#include "app/qdb.h"
+#include "comm/station.h"
+#include "comm/station_result.h"
+#include "files/command_file.h"
+#include "files/seq_file.h"
+#include "messages/strings.h"
+#include "platform/clock.h"
+#include "platform/database/database.h"
+#include "platform/datetime.h"
+#include "platform/files.h"
+#include "platform/ui/prompts.h"
+
+namespace voxa {
+
+namespace {
+
+constexpr std::int16_t driverSuccess = 100;
+constexpr std::int16_t perController = 247;  // failures are in the station result file, one a controller
+constexpr const char* crLf = "\r\n";
+
+bool isComFailure(std::int16_t result) {
+  return result >= 1 && result <= 16;
+}
+
+// Controllers 1 to 16 are 41 to 56 to the driver; every other address is its own.
+std::int16_t toDriverAddress(std::int16_t controller) {
+  constexpr std::int16_t offset = 40;
+  return controller >= 1 && controller <= 16 ? static_cast<std::int16_t>(controller + offset) : controller;
+}
+
+bool skipsTest(ComCommandsEnum command, std::int16_t controller) {
+  return controller == CmToAllControllers || command == CmConnect || command == CmDisconnect ||
+         command == CmReadDate || command == cmReadMemory;
+}
+
+}  // namespace
+
+Com::Com(Library& library) : library_(library), inter_(library) {}
+
+std::shared_ptr<Database> Com::database() {
+  auto database = library_.QDB().DB();
+  if (!database) throw Error(err::objectNotSet, "No database is open");
+  return database;
+}
+
+std::string Com::logTime() {
+  const DateTime now = library_.clock().now();
+  return shortDate(now) + " " + shortTime(now) + " : ";
+}
+
+std::int16_t Com::Send(ComCommandsEnum command, std::int16_t StationID, std::int16_t ControllerAddr,
+                       bool Silence, bool Autodetection) {
+  return library_.attempt({"msgUnexpecErr", "Com.send"}, [&] {
+    return sendChecked(command, {StationID, ControllerAddr}, Silence, Autodetection);
+  });
+}
+
+std::int16_t Com::sendToAnswering(ComCommandsEnum command, std::int16_t station) {
+  const auto rows = database()->openRecordset(
+      "select * From ComStatus where StationID =" + std::to_string(station) + " and Status = 1");
+  for (; !rows->eof(); rows->moveNext()) {
+    const std::int16_t result = Send(command, station, rows->get("CtrAddr").toInt16());
+    if (result != 0) return result;
+  }
+  return 0;
+}
+
+std::int16_t Com::sendChecked(ComCommandsEnum command, Target target, bool silence, bool autodetection) {
+  if (!skipsTest(command, target.controller) && !TestSend(target.station, target.controller)) {
+    return target.controller != CmToEachController ? std::int16_t{0}
+                                                   : sendToAnswering(command, target.station);
+  }
+  const std::int16_t driverAddress = toDriverAddress(target.controller);
+  SeqFile log(library_);
+  log.Name(logFileName);
+  if (writeLog) {
+    log.fopen();
+    log.fprint(logTime() + std::string(driverNames[command]) + "(" + std::to_string(target.station) + "," +
+               std::to_string(driverAddress) + ")");
+    if (command == CmSendCommand && library_.CommandFile().isFull) {
+      log.appendFile(library_.CommandFile().fileName());
+    }
+  }
+  const bool needsActive = !autodetection && command != CmConnect && command != CmDisconnect;
+  if (needsActive && !library_.QDB().Stations().isActive(target.station)) {
+    const char* mnemonic = command == CmSendCommand ? "msgDownloadToUnactive" : "msgSendToUnactive";
+    errorList +=
+        crLf + library_.Strings().read(mnemonic) + " (" + getName(target.station, target.controller) + ")";
+    return -1;
+  }
+  const BusyPointer busy(library_.prompts());
+  const std::int16_t result = inhibitCom ? driverSuccess : callDriver(command, target, driverAddress);
+  if (writeLog) {
+    log.fprint(logTime().append("Returns ").append(std::to_string(result)));
+    log.fprint("");
+    log.fclose();
+  }
+  if (result == driverSuccess) return 0;
+  if (silence) return result;
+  const bool dateOfStation =
+      target.controller == CmToEachController && (command == CmSendDate || command == CmReadDate);
+  const std::int16_t reported = dateOfStation && isComFailure(result) ? perController : result;
+  recordFailure(reported, command, target, driverAddress);
+  return reported;
+}
+
+std::int16_t Com::callDriver(ComCommandsEnum command, Target target, std::int16_t driverAddress) {
+  const std::int16_t station = target.station;
+  switch (command) {
+    case CmReadDate:
+      return inter_.readDate(station, driverAddress);
+    case CmSendDate:
+      return inter_.sendDate(station, driverAddress);
+    case CmReadStatus:
+      return inter_.readStatus(station, driverAddress);
+    case cmReadMemory: {
+      std::int16_t result = inter_.readMemory(station, driverAddress);
+      if (result > driverSuccess && ResetRSOUT(station, target.controller) != 0) {
+        result = inter_.resetReadingPointer(station, driverAddress);
+        if (result == driverSuccess) result = inter_.readMemory(station, driverAddress);
+      }
+      return result;
+    }
+    case CmResetReadPointer:
+      return inter_.resetReadingPointer(station, driverAddress);
+    case CmSendClear: {
+      const std::int16_t result = inter_.sendClear(station, driverAddress);
+      if (result != driverSuccess) ResetRSOUT(station, target.controller);
+      return result;
+    }
+    case CmSendCommand:
+      return library_.CommandFile().isFull ? inter_.sendCommand(station, driverAddress) : std::int16_t{0};
+    case CmConnect:
+      return inter_.connect(station);
+    case CmDisconnect:
+      return inter_.disconnect(station);
+  }
+  throw Error(err::invalidArgument, "Invalid argument: no such command");
+}
+
+void Com::recordFailure(std::int16_t result, ComCommandsEnum command, Target target,
+                        std::int16_t driverAddress) {
+  Strings& strings = library_.Strings();
+  const std::string number = std::to_string(result);
+  const std::string head = crLf + strings.read("msgError") + " " + number + ": ";
+  // 301 is the text of every failure on the line, whatever its number.
+  if (isComFailure(result) && command != CmSendCommand) errorList = head + strings.read("msgComErr301");
+  if (errorList.empty()) errorList = head + strings.read("msgComErr" + number);
+  if (isComFailure(result)) errorList += crLf + getName(target.station, target.controller);
+  if (result != perController) return;
+  if (driverAddress == CmToEachController) {
+    const StationResult answers = readStationResult(library_, resultFileName(target.station));
+    for (std::int16_t address = 1; address <= StationResult::controllers; ++address) {
+      if (answers.failed(address)) errorList += crLf + getName(target.station, address);
+    }
+  } else if (driverAddress != CmToAllControllers) {
+    errorList += crLf + getName(target.station, target.controller);
+  }
+}
+
+std::string Com::popErrorList() {
+  return std::exchange(errorList, std::string());
+}
+
+std::string Com::getName(std::int16_t StationID, std::int16_t ControllerAddr) {
+  const std::string station = std::to_string(StationID);
+  const auto database = this->database();
+  std::string name = "Unknown station";
+  const auto stations = database->openRecordset("select Name from Stations where Id = " + station);
+  if (!stations->eof()) name = stations->get("Name").toText();
+  if (ControllerAddr == CmToEachController || ControllerAddr == CmToAllControllers) return name;
+  const std::string address = std::to_string(ControllerAddr);
+  name += " Controller " + address;
+  const auto readers = database->openRecordset("select Name from Readers where StationId = " + station +
+                                               "and ControllerAddress = " + address);
+  for (; !readers->eof(); readers->moveNext()) name += "  -  " + readers->get("Name").toText();
+  return name;
+}
+
+std::int16_t Com::ResetRSOUT(std::int16_t StationID, std::int16_t ControllerAddr) {
+  if (ControllerAddr != CmToEachController && ControllerAddr != CmToAllControllers) {
+    return Send(CmReadDate, StationID, ControllerAddr, true);
+  }
+  const std::string resultFile = resultFileName(StationID);
+  if (files::exists(resultFile)) files::remove(resultFile);
+  return Send(CmReadDate, StationID, CmToEachController, true);
+}
+
+}  // namespace voxa

@@ -1,0 +1,103 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "comm/com_types.h"
+#include "comm/inter.h"
+
+namespace voxa {
+
+class Database;
+class Library;
+class SeqFile;
+struct DateTime;
+struct StationResult;
+
+/// The single road from the data to the door controllers, and the owner of the installation's paths.
+///
+/// Results are 16-bit: 0 success, -1 inactive station or unknown component, 1 to 16 communication failure,
+/// 247 a station-wide date read or send that not every controller answered, others as the driver gave them,
+/// or the number of an unexpected error that was shown. A communication failure shows nothing: it adds lines
+/// to `errorList`, which the operation that caused it reads with popErrorList and shows when it is done.
+class Com {
+ public:
+  explicit Com(Library& library);
+
+  std::string errorList;  ///< error text of the operations since the last popErrorList
+  /// 1: the controllers work with four intervals a day (see DailyProgram::provideFourZones).
+  std::int16_t pDailyPrograms4Zones = 0;
+  std::int16_t CheckDelay = 0;     ///< held for the clients
+  std::string Chemin;              ///< working folder, without a trailing separator
+  bool MustShowComStatus = false;  ///< held for the clients
+  std::string IniFile;             ///< path of the driver's ini file
+  std::string AppDB;               ///< path of the main database
+  std::string logFileName;         ///< path of the communication log
+  bool inhibitCom = false;         ///< Send calls no driver operation and behaves as if it had succeeded
+  bool writeLog = false;           ///< every driver call and its result goes to the log
+
+  /// Runs one operation on a controller (address 1 to 16), on each controller of a station (0) or on all of
+  /// its line at once (95). Controllers that did not answer at the last check are skipped without a word.
+  /// Silence: records nothing in errorList. Autodetection: sends to inactive stations too.
+  std::int16_t Send(ComCommandsEnum command, std::int16_t StationID, std::int16_t ControllerAddr = 0,
+                    bool Silence = false, bool Autodetection = false);
+  /// Whether the controller (0: every controller of the station) may be addressed after the last check.
+  [[nodiscard]] bool TestSend(std::int16_t StationID, std::int16_t controllerID);
+  /// Refreshes the status of the component's controllers; true when none is marked as not answering.
+  bool TestCom(ComponentType compType = CTActiveStations, const std::string& compName = "");
+  /// Asks whether to abort when controllers of the component are marked as not answering; true: abort.
+  bool MsgChooseAbort(ComponentType compType = CTActiveStations, const std::string& compName = "");
+  /// Reads the dates of a station's controllers, of all active stations when none is given, and writes what
+  /// answered into ComStatus. controllerID changes nothing: a station is read as a whole.
+  void UpdateComStatus(std::optional<std::int16_t> StationID = {},
+                       std::optional<std::int16_t> controllerID = {});
+  void updateDBComStatus(std::int16_t StationID, std::int16_t controllerID, std::int16_t Status,
+                         DateTime mDate);
+  /// "Local Controller 3  -  Front door": station, controller unless 0 or 95, the controller's readers.
+  [[nodiscard]] std::string getName(std::int16_t StationID, std::int16_t ControllerAddr);
+  /// A fresh, silent date read of the controller, or of the station without its old result file.
+  std::int16_t ResetRSOUT(std::int16_t StationID, std::int16_t ControllerAddr);
+  std::string popErrorList();  ///< errorList, which is empty then
+
+  std::int16_t sendToReader(ComCommandsEnum command, const std::string& readerName);
+  std::int16_t sendToStation(ComCommandsEnum command, const std::string& stationName);
+  std::int16_t sendBrodcast(ComCommandsEnum command);  ///< address 95 of every active station
+  std::int16_t sendToActiveStations(ComCommandsEnum command);
+  std::int16_t sendToComp(ComCommandsEnum command, ComponentType compType = CTActiveStations,
+                          const std::string& compName = "");
+  /// Sends one command text; a failure is shown.
+  std::int16_t sendCommand(const std::string& commandCode, ComponentType compType = CTActiveStations,
+                           const std::string& compName = "");
+
+  /// The test that precedes a download or read: tests the component and lets the person abort when a
+  /// controller does not answer and communications are not inhibited. False: the person chose to abort.
+  /// alreadyTested: may be null; when true nothing is tested, afterwards it is true.
+  [[nodiscard]] bool readyToSend(ComponentType compType, const std::string& compName, bool* alreadyTested);
+
+ private:
+  struct Target {
+    std::int16_t station;
+    std::int16_t controller;
+  };
+
+  std::int16_t sendChecked(ComCommandsEnum command, Target target, bool silence, bool autodetection);
+  std::int16_t sendToAnswering(ComCommandsEnum command, std::int16_t station);
+  std::int16_t callDriver(ComCommandsEnum command, Target target, std::int16_t driverAddress);
+  void recordFailure(std::int16_t result, ComCommandsEnum command, Target target, std::int16_t driverAddress);
+  std::int16_t eachActiveStation(ComCommandsEnum command, std::int16_t address);
+  void updateStation(std::int16_t station);
+  void storeStation(std::int16_t station, const StationResult& result);
+  [[nodiscard]] std::vector<Target> notAnswering(ComponentType compType, const std::string& compName);
+  [[nodiscard]] std::string resultFileName(std::int16_t station) const;
+  [[nodiscard]] std::shared_ptr<Database> database();
+  [[nodiscard]] std::string logTime();
+
+  Library& library_;
+  Inter inter_;
+};
+
+}  // namespace voxa

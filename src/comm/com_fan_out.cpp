@@ -1,0 +1,72 @@
+// From a component (all active stations, a station, a reader) to the single sends.
+
+#include "app/library.h"
+#include "app/qdb.h"
+#include "comm/com.h"
+#include "comm/reader.h"
+#include "comm/station.h"
+#include "files/command_file.h"
+#include "platform/database/database.h"
+
+namespace voxa {
+
+std::int16_t Com::sendToReader(ComCommandsEnum command, const std::string& readerName) {
+  std::int16_t station = 0;
+  std::int16_t address = 0;
+  const std::int16_t found = library_.QDB().Readers().getControllerAddr(readerName, station, address);
+  return found == 0 ? Send(command, station, address) : found;
+}
+
+std::int16_t Com::sendToStation(ComCommandsEnum command, const std::string& stationName) {
+  const std::int16_t station = library_.QDB().Stations().getId(stationName);
+  return station == -1 ? station : Send(command, station, CmToEachController);
+}
+
+std::int16_t Com::eachActiveStation(ComCommandsEnum command, std::int16_t address) {
+  std::int16_t first = 0;
+  const auto stations = database()->openRecordset("select Id From Stations where Active = true");
+  for (; !stations->eof(); stations->moveNext()) {
+    const std::int16_t result = Send(command, stations->get("Id").toInt16(), address);
+    if (first == 0) first = result;
+  }
+  return first;
+}
+
+std::int16_t Com::sendBrodcast(ComCommandsEnum command) {
+  return library_.attempt({"msgUnexpecErr", "Com.sendBrodcast"},
+                          [&] { return eachActiveStation(command, CmToAllControllers); });
+}
+
+std::int16_t Com::sendToActiveStations(ComCommandsEnum command) {
+  return library_.attempt({"msgUnexpecErr", "Com.sendToActiveStations"},
+                          [&] { return eachActiveStation(command, CmToEachController); });
+}
+
+std::int16_t Com::sendToComp(ComCommandsEnum command, ComponentType compType, const std::string& compName) {
+  switch (compType) {
+    case CTActiveStations:
+      return sendToActiveStations(command);
+    case CTReader:
+      return sendToReader(command, compName);
+    case CTStation:
+      return sendToStation(command, compName);
+  }
+  return library_.attempt({"msgUnexpecErr", "Com.sendToComp"}, [&] {
+    throw Error(err::invalidArgument, "Invalid argument: no such component type");
+  });
+}
+
+std::int16_t Com::sendCommand(const std::string& commandCode, ComponentType compType,
+                              const std::string& compName) {
+  const std::int16_t result = library_.attempt([&] {
+    CommandFile& file = library_.CommandFile();
+    file.fopen();
+    file.fprint(commandCode);
+    file.fclose();
+    return sendToComp(CmSendCommand, compType, compName);
+  });
+  if (result != 0) library_.report({"msgCantSendCommand", "Com.SendCommand", Value(popErrorList())});
+  return result;
+}
+
+}  // namespace voxa

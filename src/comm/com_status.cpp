@@ -1,0 +1,211 @@
+// Which controllers answer: the table ComStatus, its refresh from the station result files, the question
+// whether to go on without those that do not answer.
+
+#include <utility>
+
+#include "app/library.h"
+#include "app/qdb.h"
+#include "app/table.h"
+#include "comm/com.h"
+#include "comm/com_status_table.h"
+#include "comm/station.h"
+#include "comm/station_result.h"
+#include "messages/strings.h"
+#include "platform/database/database.h"
+#include "platform/datetime.h"
+#include "platform/files.h"
+#include "platform/text.h"
+#include "platform/ui/prompts.h"
+
+namespace voxa {
+
+namespace {
+
+constexpr std::int16_t answered = 1;
+constexpr std::int16_t notAnswered = -1;
+
+DateTime noDate() {
+  return toDateTime({1980, 1, 1, 0, 0, 0});
+}
+
+}  // namespace
+
+void createComStatus(Database& database) {
+  TableDef td;
+  td.name = "ComStatus";
+  addField(td, "StationID", DataType::Integer);
+  addField(td, "CtrAddr", DataType::Integer);
+  addField(td, "Status", DataType::Integer);
+  addField(td, "Date", DataType::Date);
+  database.createTable(td);
+}
+
+std::string Com::resultFileName(std::int16_t station) const {
+  return Chemin + "\\RS" + zeroPadded(station, 3) + ".OUT";
+}
+
+bool Com::TestSend(std::int16_t StationID, std::int16_t controllerID) {
+  std::string query = "select * From ComStatus where StationID =" + std::to_string(StationID);
+  if (controllerID != CmToEachController) query += " and CtrAddr = " + std::to_string(controllerID);
+  const auto rows = database()->openRecordset(query);
+  for (; !rows->eof(); rows->moveNext()) {
+    if (rows->get("Status") == Value(notAnswered)) return false;
+    if (controllerID != CmToEachController) return true;
+  }
+  return true;
+}
+
+void Com::updateDBComStatus(std::int16_t StationID, std::int16_t controllerID, std::int16_t Status,
+                            DateTime mDate) {
+  const auto rows =
+      database()->openRecordset("select * From ComStatus where StationID =" + std::to_string(StationID) +
+                                " and CtrAddr = " + std::to_string(controllerID));
+  if (rows->eof()) {
+    rows->addNew();
+    rows->set("StationID", StationID);
+    rows->set("CtrAddr", controllerID);
+  } else {
+    rows->edit();
+  }
+  rows->set("Status", Status);
+  rows->set("Date", mDate);
+  rows->update();
+}
+
+void Com::UpdateComStatus(std::optional<std::int16_t> StationID,
+                          std::optional<std::int16_t> /*controllerID*/) {
+  library_.attempt({"msgUnexpecErr", "Com.UpdateComStatus"}, [&] {
+    std::string query = "select Id From Stations where Active = true";
+    if (StationID) {
+      query = "Select ID From Stations where ID = " + std::to_string(*StationID);
+    } else {
+      database()->execute("DELETE ComStatus.* FROM ComStatus");
+    }
+    const auto stations = database()->openRecordset(query);
+    for (; !stations->eof(); stations->moveNext()) updateStation(stations->get("Id").toInt16());
+  });
+}
+
+void Com::updateStation(std::int16_t station) {
+  const std::string resultFile = resultFileName(station);
+  // What an earlier read left must not pass for an answer to this one.
+  if (!inhibitCom && files::exists(resultFile)) files::remove(resultFile);
+  library_.QDB().Stations().createIniFile(station);
+  const std::int16_t result = Send(CmReadDate, station, CmToEachController);
+  // A read that failed as a whole has said so and left no file; an inhibited one asked nobody.
+  if ((result != 0 || inhibitCom) && !files::exists(resultFile)) return;
+  storeStation(station, readStationResult(library_, resultFile));
+}
+
+void Com::storeStation(std::int16_t station, const StationResult& result) {
+  Transaction transaction(library_.engine());
+  for (std::int16_t address = 1; address <= StationResult::controllers; ++address) {
+    if (result.answered(address)) {
+      updateDBComStatus(station, address, answered, result.date(address).value_or(noDate()));
+    } else if (result.failed(address)) {
+      updateDBComStatus(station, address, notAnswered, noDate());
+    }
+  }
+  transaction.commit();
+}
+
+bool Com::TestCom(ComponentType compType, const std::string& compName) {
+  bool allAnswer = false;
+  library_.attempt({"msgUnexpecErr", "Com.TestCom"}, [&] {
+    std::string query;
+    switch (compType) {
+      case CTActiveStations:
+        UpdateComStatus();
+        query =
+            "select * From ComStatus, Stations where ComStatus.StationID = Stations.ID and "
+            "abs(Stations.Active)=1 ";
+        break;
+      case CTStation: {
+        const auto stations =
+            database()->openRecordset("select * From Stations where Stations.Name = '" + compName + "'");
+        if (!stations->eof()) UpdateComStatus(stations->get("Id").toInt16());
+        query =
+            "select * From ComStatus, Stations where ComStatus.StationID = Stations.ID and "
+            "abs(Stations.Active)=1 and Stations.Name = '" +
+            compName + "'";
+        break;
+      }
+      case CTReader: {
+        const auto readers =
+            database()->openRecordset("select * From Readers where  Readers.Name = '" + compName + "'");
+        if (!readers->eof()) {
+          UpdateComStatus(readers->get("StationID").toInt16(), readers->get("ControllerAddress").toInt16());
+        }
+        query =
+            "select * From ComStatus, Readers where CtrAddr = Readers.ControllerAddress and  "
+            "ComStatus.StationID=[Readers].[StationID] and Readers.Name = '" +
+            compName + "'";
+        break;
+      }
+    }
+    const auto rows = database()->openRecordset(query);
+    allAnswer = true;
+    for (; !rows->eof() && allAnswer; rows->moveNext()) {
+      allAnswer = rows->get("Status") != Value(notAnswered);
+    }
+  });
+  return allAnswer;
+}
+
+std::vector<Com::Target> Com::notAnswering(ComponentType compType, const std::string& compName) {
+  std::string query;
+  std::string station = "StationID";
+  switch (compType) {
+    case CTActiveStations:
+      query =
+          "select * From ComStatus, Stations where ComStatus.StationID = Stations.ID and "
+          "abs(Stations.Active)=1 and ComStatus.Status = -1";
+      break;
+    case CTStation:
+      query =
+          "select * From ComStatus, Stations where ComStatus.StationID = Stations.ID and "
+          "abs(Stations.Active)=1 and Stations.Name = '" +
+          compName + "' and ComStatus.Status = -1";
+      break;
+    case CTReader:
+      query =
+          "select ComStatus.* From ComStatus, Readers where CtrAddr = Readers.ControllerAddress and "
+          "Readers.Name = '" +
+          compName + "'";
+      break;
+  }
+  const auto rows = database()->openRecordset(query);
+  std::vector<Target> found;
+  for (; !rows->eof(); rows->moveNext()) {
+    found.push_back({rows->get(station).toInt16(), rows->get("CtrAddr").toInt16()});
+  }
+  return found;
+}
+
+bool Com::MsgChooseAbort(ComponentType compType, const std::string& compName) {
+  bool abort = false;
+  library_.attempt({"msgUnexpecErr", "Com.MsgChooseAbort"}, [&] {
+    Strings& strings = library_.Strings();
+    for (;;) {
+      const std::vector<Target> silent = notAnswering(compType, compName);
+      if (silent.empty()) return;
+      std::string question = strings.read("msgChooseAbort1");
+      for (const Target& target : silent) question += "\r\n" + getName(target.station, target.controller);
+      for (const char* text : {"msgChooseAbort2", "msgChooseAbort3", "msgChooseAbort4"}) {
+        question += "\r\n" + strings.read(text);
+      }
+      const Answer answer =
+          library_.prompts().messageBox(question, style::abortRetryIgnore, strings.read("MDIkrvCaption"));
+      abort = answer == Answer::abort;
+      if (answer != Answer::retry || TestCom(compType, compName)) return;
+    }
+  });
+  return abort;
+}
+
+bool Com::readyToSend(ComponentType compType, const std::string& compName, bool* alreadyTested) {
+  if (alreadyTested != nullptr && std::exchange(*alreadyTested, true)) return true;
+  return TestCom(compType, compName) || inhibitCom || !MsgChooseAbort(compType, compName);
+}
+
+}  // namespace voxa

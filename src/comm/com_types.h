@@ -1,0 +1,26 @@
+#pragma once
+
+#include <cstdint>
+
+#include "platform/driver/driver.h"
+
+namespace voxa {
+
+/// Target of a send, download or test; with CTReader and CTStation the component is named by its `Name`.
+enum ComponentType : std::int16_t { CTActiveStations = 0, CTReader = 1, CTStation = 2 };
+
+/// Reserved controller addresses.
+enum ComSpecialController : std::int16_t {
+  CmToEachController = 0,  ///< station-wide: each controller that answered, in turn
+  CmToAllControllers = 95  ///< broadcast on the station's line; nobody acknowledges
+};
+
+/// Bit flags of every download.
+enum DownloadParams : std::int16_t {
+  DLDefault = 0,
+  DLFull = 1,       ///< send even rows whose flags are clear
+  DLNoMessage = 2,  ///< no message box on failure
+  DLMemErased = 4   ///< the controller's memory was erased
+};
+
+}  // namespace voxa

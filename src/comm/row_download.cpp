@@ -1,0 +1,66 @@
+#include "comm/row_download.h"
+
+#include "app/gen_table.h"
+#include "app/library.h"
+#include "app/qdb.h"
+#include "comm/com.h"
+#include "files/command_file.h"
+#include "platform/database/database.h"
+
+namespace voxa {
+
+namespace {
+
+std::int16_t sendRow(Library& library, GenTable& rows, const RowDownload& what, const Component& component,
+                     std::vector<Value>& sent) {
+  sent = rows.currentValues();
+  CommandFile& file = library.CommandFile();
+  file.fopen();
+  what.writeLines(*rows.currentRecordset(), file);
+  file.fclose();
+  return library.Com().sendToComp(CmSendCommand, component.type, component.name);
+}
+
+}  // namespace
+
+std::int16_t downloadRow(Library& library, GenTable& rows, const RowDownload& what,
+                         const Component& component, std::int16_t params) {
+  bool nothingToSend = false;
+  std::vector<Value> sent;
+  std::int16_t status = library.attempt([&]() -> std::int16_t {
+    if (rows.openWhere(what.condition)) {
+      library.report({what.notFoundMnemonic, what.notFoundMethod, Value(what.number)});
+      nothingToSend = true;
+      return what.notFoundResult;
+    }
+    if ((params & DLFull) != 0) {
+      if (const std::int16_t failed = rows.setFlagsD(true); failed != 0) return failed;
+    } else if (!rows.getFlagDSetFound()) {
+      nothingToSend = true;
+      return 0;
+    }
+    return sendRow(library, rows, what, component, sent);
+  });
+  if (nothingToSend) return status;
+  if (status == 0) return what.clearsFlags ? rows.clearFlagsOfSent(what.condition, sent) : status;
+  if (what.alwaysShowsFailure || (params & DLNoMessage) == 0) {
+    library.report({"msgCantDownload", what.failureMethod, Value(library.Com().popErrorList())});
+  }
+  library.error().clear();
+  return status;
+}
+
+std::int16_t downloadEach(Library& library, const std::string& query,
+                          const std::function<std::int16_t(const Recordset&)>& download) {
+  const auto database = library.QDB().DB();
+  if (!database) throw Error(err::objectNotSet, "No database is open");
+  std::int16_t first = 0;
+  const auto rows = database->openRecordset(query);
+  for (; !rows->eof(); rows->moveNext()) {
+    const std::int16_t status = download(*rows);
+    if (first == 0) first = status;
+  }
+  return first;
+}
+
+}  // namespace voxa

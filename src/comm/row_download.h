@@ -1,0 +1,47 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+
+#include "comm/com_types.h"
+
+namespace voxa {
+
+class CommandFile;
+class GenTable;
+class Library;
+class Recordset;
+
+/// Where a download goes.
+struct Component {
+  ComponentType type = CTActiveStations;
+  std::string name;
+};
+
+/// What tells the downloads of programs, holidays and badge formats apart; all of them send one row by one
+/// command file to one component.
+struct RowDownload {
+  std::string condition;         ///< finds the row
+  std::int16_t number;           ///< the row's number as a person knows it
+  const char* notFoundMnemonic;  ///< message for a missing row,
+  const char* notFoundMethod;    ///< its method text,
+  std::int16_t notFoundResult;   ///< and the result then
+  const char* failureMethod;     ///< method text of "msgCantDownload"
+  bool alwaysShowsFailure;       ///< whether DLNoMessage is not heeded
+  bool clearsFlags;              ///< whether a successful send clears the row's FlagD columns
+  std::function<void(const Recordset&, CommandFile&)> writeLines;  ///< the row's command lines
+};
+
+/// Sends one row when its flags, or DLFull in `params`, say so. 0 when it was sent or nothing had to be; else
+/// notFoundResult, the result of the send, or an error's number. A failed row keeps its flags, and so does a
+/// row that was changed while it was being sent.
+std::int16_t downloadRow(Library& library, GenTable& rows, const RowDownload& what,
+                         const Component& component, std::int16_t params);
+
+/// Downloads rows one after the other, whatever becomes of each; the first non-zero result.
+/// query: gives the rows; download: sends the current one.
+std::int16_t downloadEach(Library& library, const std::string& query,
+                          const std::function<std::int16_t(const Recordset&)>& download);
+
+}  // namespace voxa

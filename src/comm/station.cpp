@@ -1,0 +1,184 @@
+#include "comm/station.h"
+
+#include "comm/com.h"
+#include "files/command_file.h"
+#include "files/seq_file.h"
+#include "messages/strings.h"
+#include "platform/database/database.h"
+#include "platform/text.h"
+
+namespace voxa {
+
+namespace {
+
+constexpr std::int16_t lastId = 998;
+
+struct LineSpeed {
+  std::int32_t bitsPerSecond;
+  const char* code;  // as the controllers take it
+};
+constexpr LineSpeed lineSpeeds[] = {{4800, "0"}, {9600, "1"}, {19200, "2"}, {38400, "3"}};
+
+std::string speedCode(std::int32_t speed) {
+  for (const LineSpeed& known : lineSpeeds) {
+    if (known.bitsPerSecond == speed) return known.code;
+  }
+  return "";
+}
+
+FailureMessage cantFind(const char* method, const Value& what) {
+  return {"msgCantFindStation", method, what};
+}
+
+std::string text(const Value& value) {
+  return value.isNull() ? "" : value.toText();
+}
+
+}  // namespace
+
+void Station::createFields(TableDef& td) {
+  addField(td, "Id", DataType::Integer);
+  addField(td, "Name", DataType::Text, 50);
+  addField(td, "ComPort", DataType::Integer, 0, std::int16_t{0});
+  addField(td, "ComSpeed", DataType::Long, 0, std::int32_t{4800});
+  addField(td, "Phone", DataType::Text, 25);
+  addField(td, "ModemIniFile", DataType::Text, 20);
+  addField(td, "BackupPath", DataType::Text, 25);
+  addField(td, "TimeoutDelay", DataType::Integer, 0, std::int16_t{1500});
+  addField(td, "WaitingDelay", DataType::Integer, 0, std::int16_t{100});
+  addField(td, "Active", DataType::Boolean);
+  addField(td, "Connect", DataType::Boolean);
+}
+
+void Station::createIndexes(TableDef& td) {
+  addIndex(td, "Id", {"Id"}, IndexKind::primary);
+  addIndex(td, "Name", {"Name"}, IndexKind::uniqueRequired);
+}
+
+void Station::insertDefaultRecs() {
+  database().execute("Insert into Stations ( Id, Name, Active ) values (" + std::to_string(getFreeId()) +
+                     ", '" + library_.Strings().read("nameStationLocal") + "', True )");
+}
+
+std::int16_t Station::getFreeId() {
+  return freeId(lastId);
+}
+
+std::int16_t Station::getId(const std::string& stationName, bool* isActive) {
+  std::int16_t id = -1;
+  lookUp("select Id, Active from Stations where Name = '" + stationName + "'",
+         cantFind("Station.getId", stationName), false, [&](Recordset& row) {
+           id = row.get("Id").toInt16();
+           if (isActive != nullptr) *isActive = row.get("Active").toBool();
+         });
+  return id;
+}
+
+std::string Station::getName(std::int16_t Id, bool noMessage) {
+  std::string name;
+  lookUp("select Name from Stations where Id = " + std::to_string(Id), cantFind("Station.getName", Id),
+         noMessage, [&](Recordset& row) { name = row.get("Name").toText(); });
+  return name;
+}
+
+bool Station::isActive(std::int16_t StationID) {
+  bool active = false;
+  lookUp("select Active from Stations where Id = " + std::to_string(StationID),
+         cantFind("Station.isActive", StationID), false,
+         [&](Recordset& row) { active = row.get("Active").toBool(); });
+  return active;
+}
+
+std::string Station::getActiveStationOnPort(std::int16_t comPort) {
+  std::string name;
+  lookUp("Select Name from Stations where comPort = " + std::to_string(comPort) + "and Active = true",
+         cantFind("Station.getActiveStationOnPort", comPort), true,
+         [&](Recordset& row) { name = row.get("Name").toText(); });
+  return name;
+}
+
+void Station::setActive(std::int16_t Id, bool active) {
+  database().execute("update Stations set [active] = " + Value(active).toText() +
+                     " where id = " + std::to_string(Id));
+}
+
+std::string Station::findConnected() {
+  std::string name;
+  lookUp("Select Name from Stations where Phone <> '' and Active = true",
+         cantFind("Station.findConnected", {}), true,
+         [&](Recordset& row) { name = row.get("Name").toText(); });
+  return name;
+}
+
+std::string Station::GetCompar(std::int16_t Id, std::int16_t ControllerAddr) {
+  // The messages name createIniFile, whose search this is.
+  const FailureMessage notFound = cantFind("Station.createIniFile", Id);
+  std::string parameters;
+  library_.attempt(notFound, [&] {
+    if (gen_.openWhere("Id = " + std::to_string(Id))) {
+      library_.report(notFound);
+      return;
+    }
+    const Recordset& row = *gen_.currentRecordset();
+    parameters = std::to_string(row.get("ComPort").toInt32() + 1) + zeroPadded(ControllerAddr, 2) +
+                 row.get("ComSpeed").toText();
+  });
+  return parameters;
+}
+
+std::int16_t Station::createIniFile(std::int16_t Id, std::int16_t timeOutDelay, std::int32_t Speed) {
+  SeqFile file(library_);
+  file.Name("S" + zeroPadded(Id, 3) + ".ini");
+  file.fopen("w");
+  if (gen_.openWhere("Id = " + std::to_string(Id))) {
+    library_.report(cantFind("Station.createIniFile", Id));
+    file.fclose();
+    return -1;
+  }
+  const Recordset& row = *gen_.currentRecordset();
+  file.fprint("NAM:" + text(row.get("Name")));
+  file.fprint("COM:" + std::to_string(row.get("ComPort").toInt32() + 1));
+  file.fprint("BDR:" + (Speed != 0 ? std::to_string(Speed) : row.get("ComSpeed").toText()));
+  if (const std::string phone = text(row.get("Phone")); !phone.empty()) file.fprint("TEL:" + phone);
+  if (const std::string modem = text(row.get("ModemIniFile")); !modem.empty()) file.fprint("MDM:" + modem);
+  file.fprint("CFL:" + library_.CommandFile().fileName());
+  file.fprint("OUT:" + (timeOutDelay != 0 ? std::to_string(timeOutDelay) : row.get("TimeoutDelay").toText()));
+  file.fprint("TMP:" + row.get("WaitingDelay").toText());
+  file.fprint("OPT:2");
+  if (const std::string controllers = getControllerList(Id); !controllers.empty()) {
+    file.fprint("TER:" + controllers);
+  }
+  file.fclose();
+  return 0;
+}
+
+std::string Station::getControllerList(std::int16_t Id) {
+  const auto readers = rows("select ControllerAddress from Readers where stationId = " + std::to_string(Id) +
+                            " order by ControllerAddress");
+  std::string list;
+  Value previous;
+  for (; !readers->eof(); readers->moveNext()) {
+    const Value address = readers->get(std::size_t{0});
+    if (address.isNull() || address == previous) continue;
+    if (!list.empty()) list += ",";
+    list += address.toText();
+    previous = address;
+  }
+  return list;
+}
+
+void Station::SendSpeed(std::int16_t StationID, std::int32_t Speed) {
+  constexpr char speedChange = '\x7f';
+  const std::string command = speedChange + speedCode(Speed);
+  for (const LineSpeed& candidate : lineSpeeds) {
+    if (candidate.bitsPerSecond == Speed) continue;
+    createIniFile(StationID, 0, candidate.bitsPerSecond);
+    CommandFile& file = library_.CommandFile();
+    file.fopen();
+    for (int repeat = 0; repeat < 3; ++repeat) file.fprint(command);
+    file.fclose();
+    library_.Com().Send(CmSendCommand, StationID, CmToAllControllers);
+  }
+}
+
+}  // namespace voxa

@@ -1,0 +1,52 @@
+#include "comm/station_result.h"
+
+#include <charconv>
+
+#include "files/seq_file.h"
+#include "platform/datetime.h"
+
+namespace voxa {
+
+namespace {
+
+// `width` characters from the 1-based `position`, blanks around the number allowed; -1 when it is none.
+int numberAt(std::string_view line, std::size_t position, std::size_t width) {
+  if (line.size() < position) return -1;
+  std::string_view field = line.substr(position - 1, width);
+  while (!field.empty() && field.front() == ' ') field.remove_prefix(1);
+  while (!field.empty() && field.back() == ' ') field.remove_suffix(1);
+  int number = -1;
+  const auto [end, error] = std::from_chars(field.data(), field.data() + field.size(), number);
+  return error == std::errc() && end == field.data() + field.size() && number >= 0 ? number : -1;
+}
+
+void takeDateLine(std::string_view line, StationResult& result) {
+  const int address = numberAt(line, 5, 4);
+  if (address < 1 || address > StationResult::controllers) return;
+  auto& date = result.dates[static_cast<std::size_t>(address - 1)];
+  if (date) return;
+  const int year = numberAt(line, 17, 2);
+  const CivilTime parts{year < 0 ? -1 : fullYear(year), numberAt(line, 15, 2), numberAt(line, 13, 2),
+                        numberAt(line, 9, 2),           numberAt(line, 11, 2), 0};
+  if (isValid(parts)) date = toDateTime(parts);
+}
+
+}  // namespace
+
+StationResult readStationResult(Library& library, const std::string& path) {
+  SeqFile file(library);
+  file.Name(path);
+  file.fopen("r");
+  StationResult result;
+  if (!file.fEOF()) {
+    const std::string first = file.flineInput();
+    for (std::size_t i = 0; i < first.size() && i < result.statuses.size(); ++i) {
+      result.statuses[i] = first[i];
+    }
+  }
+  while (!file.fEOF()) takeDateLine(file.flineInput(), result);
+  file.fclose();
+  return result;
+}
+
+}  // namespace voxa

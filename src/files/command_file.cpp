@@ -1,0 +1,37 @@
+#include "files/command_file.h"
+
+#include "app/library.h"
+#include "comm/com.h"
+
+namespace voxa {
+
+CommandFile::CommandFile(Library& library) : file_(library) {
+  file_.Name(library.Com().Chemin + "\\" + fileName());
+}
+
+CommandFile::~CommandFile() {
+  try {
+    fclose();
+  } catch (const Error&) {
+    // Nobody sends this file any more.
+  }
+}
+
+void CommandFile::fopen() {
+  file_.fopen("w");
+  isFull = false;
+}
+
+void CommandFile::fprint(const std::string& text) {
+  if (text.empty()) return;
+  file_.fprint(text);
+  isFull = true;
+}
+
+void CommandFile::fclose() {
+  if (file_.ch() == 0) return;
+  file_.fprint("");
+  file_.fclose();
+}
+
+}  // namespace voxa

@@ -1,0 +1,114 @@
+#include "files/seq_file.h"
+
+#include "app/library.h"
+#include "messages/strings.h"
+#include "platform/text.h"
+
+namespace voxa {
+
+namespace {
+
+Value readAs(const std::string& item, const Value& wanted) {
+  const auto asDefault = [&]() -> Value {
+    try {
+      const double number = Value(item).toDouble();
+      return number == static_cast<std::int32_t>(number) ? Value(static_cast<std::int32_t>(number))
+                                                         : Value(number);
+    } catch (const Error&) {
+      return item;
+    }
+  };
+  switch (wanted.data().index()) {
+    case 0:
+      return asDefault();
+    case 1:
+      return Value(item).toBool();
+    case 2:
+      return convertForField(item, DataType::Byte, 0);
+    case 3:
+      return Value(item).toInt16();
+    case 4:
+      return Value(item).toInt32();
+    case 5:
+      return Value(item).toDouble();
+    case 6:
+      return Value(item).toDateTime();
+    default:
+      return item;
+  }
+}
+
+}  // namespace
+
+SeqFile::~SeqFile() {
+  try {
+    if (ch_ != 0) fclose();
+  } catch (const Error&) {
+    // Whoever needs to know whether the last lines reached the disk closes the file itself.
+  }
+}
+
+template <typename Work>
+auto SeqFile::access(const char* mnemonic, Work&& work) {
+  try {
+    return work();
+  } catch (const Error& e) {
+    throw Error(e.number(), library_.Strings().read(mnemonic) + " " + name_ + "\r\n" + e.description());
+  }
+}
+
+void SeqFile::fopen(const std::string& mode) {
+  if (ch_ != 0) fclose();
+  ch_ = library_.takeFileNumber();
+  const auto streamMode = mode == "r"   ? files::Stream::Mode::read
+                          : mode == "w" ? files::Stream::Mode::write
+                                        : files::Stream::Mode::append;
+  try {
+    stream_.emplace(name_, streamMode);
+  } catch (const Error&) {
+    stream_.reset();  // the number stays taken, and the next access says what is wrong
+  }
+}
+
+namespace {
+
+files::Stream& opened(std::optional<files::Stream>& stream) {
+  if (!stream) throw Error(err::badFileNumber, "Bad file name or number");
+  return *stream;
+}
+
+}  // namespace
+
+void SeqFile::fclose() {
+  library_.releaseFileNumber(ch_);
+  ch_ = 0;
+  if (!stream_) return;
+  files::Stream closing = std::move(*stream_);
+  stream_.reset();
+  access("msgCantWrite", [&] { closing.close(); });
+}
+
+bool SeqFile::fEOF() {
+  return access("msgCantRead", [&] { return opened(stream_).atEnd(); });
+}
+
+void SeqFile::fprint(const std::string& text) {
+  access("msgCantWrite", [&] { opened(stream_).write(toCp1252(text) + "\r\n"); });
+}
+
+void SeqFile::finput(Value& var) {
+  access("msgCantRead", [&] { var = readAs(fromCp1252(opened(stream_).readItem()), var); });
+}
+
+std::string SeqFile::flineInput() {
+  return access("msgCantRead", [&] { return fromCp1252(opened(stream_).readLine()); });
+}
+
+void SeqFile::appendFile(const std::string& fileName) {
+  SeqFile source(library_);
+  source.Name(fileName);
+  source.fopen("r");
+  while (!source.fEOF()) fprint(source.flineInput());
+}
+
+}  // namespace voxa

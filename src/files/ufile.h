@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace voxa {
+
+class Library;
+
+/// File dialogs on database files. Each returns 0 when done, -1 when the person cancelled or the name was
+/// refused ("msgIllegalName"): the journal of the working folder may not be chosen. Failing file operations
+/// are raised.
+class UFile {
+ public:
+  explicit UFile(Library& library) : library_(library) {}
+
+  /// What the dialogs show beside their title; the callers set them.
+  std::string filter;
+  int flags = 0;
+
+  std::int16_t DlgRename(const std::string& fileName);      ///< moves it to the name chosen
+  std::int16_t DlgSaveAs(const std::string& fileName);      ///< copies it to the name chosen
+  std::int16_t DlgRestore(const std::string& newFileName);  ///< copies the chosen backup over it
+  std::int16_t DlgDelete();                                 ///< deletes the file chosen
+
+ private:
+  [[nodiscard]] std::string choose(const char* titleMnemonic, const std::string& proposed, bool save);
+  [[nodiscard]] bool confirmed(const char* mnemonic);
+  std::int16_t refuse();
+
+  Library& library_;
+};
+
+}  // namespace voxa

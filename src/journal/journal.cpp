@@ -1,0 +1,37 @@
+#include "journal/journal.h"
+
+#include "platform/database/database.h"
+
+namespace voxa {
+
+std::int16_t Journal::openDB() {
+  return library_.attempt({"msgCantLoad", dbName}, [&] { database_ = library_.engine().open(dbName); });
+}
+
+std::int16_t Journal::createDB() {
+  return library_.attempt({"msgCantCreateDB", "Journal.createDB"}, [&] { createFile(); });
+}
+
+void Journal::createFile() {
+  database_ = library_.engine().create(dbName);
+  create();
+}
+
+void Journal::createFields(TableDef& td) {
+  addField(td, "Id", DataType::Long);
+  td.fields.back().autoIncrement = true;
+  addField(td, "Date", DataType::Date);
+  addField(td, "StationId", DataType::Long);
+  addField(td, "StationName", DataType::Text, 50);
+  addField(td, "ReaderId", DataType::Long);
+  addField(td, "ReaderName", DataType::Text, 50);
+  addField(td, "TransactionType", DataType::Text, 2);
+  addField(td, "CardholderName", DataType::Text, 40);
+  addField(td, "TransactionData", DataType::Text, 8);
+}
+
+void Journal::createIndexes(TableDef& td) {
+  addIndex(td, "Id", {"Id"}, IndexKind::primary);
+}
+
+}  // namespace voxa

@@ -1,0 +1,173 @@
+#include "messages/strings.h"
+
+#include "app/table.h"
+#include "platform/database/database.h"
+#include "platform/driver/driver.h"
+#include "platform/ui/prompts.h"
+
+#include <system_error>
+
+namespace voxa {
+
+namespace {
+
+constexpr const char* storeName = "I18N.MDB";
+constexpr const char* tableName = "Strings";
+constexpr const char* crLf = "\r\n";
+
+void appendLine(std::string& text, const std::string& line) {
+  if (line.empty()) return;
+  if (!text.empty()) text += crLf;
+  text += line;
+}
+
+}  // namespace
+
+Strings::Strings(Library& library) : library_(library) {
+  openDB();
+}
+
+Strings::~Strings() = default;
+
+void Strings::openDB() {
+  const std::int16_t status = library_.attempt([&] { store_ = library_.engine().open(storeName); });
+  if (status != 0) showStoreFailure("msgCantLoad");
+  library_.error().clear();
+}
+
+// The raw mnemonic stands in the box because the store that would translate it is what failed. The number
+// shown is the sum of the error's number and the value of its description: no box comes up unless the
+// description is a number, and the current error is then a type mismatch.
+void Strings::showStoreFailure(const char* mnem) {
+  const ErrorInfo failure = library_.error();
+  library_.attempt([&] {
+    const double sum = failure.number + Value(failure.description).toDouble();
+    library_.prompts().messageBox(std::string(mnem) + " " + storeName + crLf + Value(sum).toText(),
+                                  style::okOnly, read("MDIkrvCaption"));
+  });
+}
+
+std::int16_t Strings::createDB() {
+  std::int16_t status = library_.attempt([&] { store_ = library_.engine().create(storeName); });
+  if (status != 0) {
+    showStoreFailure("msgCantCreateDB");
+    if (library_.error().number != 0) status = static_cast<std::int16_t>(library_.error().number);
+    library_.error().clear();
+    return status;
+  }
+  return library_.attempt({"msgCantCreateTable", std::string(tableName) + ".create"}, [&] { createTable(); });
+}
+
+void Strings::createTable() {
+  TableDef td;
+  td.name = tableName;
+  addField(td, "Mnemonic", DataType::Text, 50);
+  addField(td, "Context", DataType::Text, 50);
+  addField(td, "Type", DataType::Text, 25);
+  addField(td, "TextEnglish", DataType::Text, 255);
+  addField(td, "TextLocal", DataType::Text, 255);
+  td.fields.back().allowZeroLength = true;
+  addField(td, "Width", DataType::Integer);
+  addField(td, "FontSize", DataType::Integer);
+  addField(td, "FontBold", DataType::Integer);
+  addIndex(td, "Mnemonic", {"Mnemonic"}, IndexKind::primary);
+  store_->createTable(td);
+}
+
+std::int16_t Strings::insert(const std::string& mnem, const std::string& textEng, std::int16_t width,
+                             const std::string& context, const std::string& sType, float fontSize,
+                             bool fontBold) {
+  return library_.attempt({"msgCantInsertMessage", ""}, [&] {
+    if (!store_) throw Error(err::objectNotSet, "The message store is not open");
+    const auto rows = store_->openRecordset("select * from Strings where mnemonic = '" + mnem + "'");
+    if (rows->eof()) {
+      rows->addNew();
+      rows->set("Mnemonic", mnem);
+    } else {
+      rows->edit();
+    }
+    rows->set("Context", context);
+    rows->set("TextEnglish", textEng);
+    rows->set("Width", width);
+    rows->set("Type", sType);
+    rows->set("FontSize", static_cast<double>(fontSize));
+    rows->set("FontBold", fontBold);
+    rows->update();
+  });
+}
+
+std::string Strings::read(std::string_view mnem) {
+  const std::string mnemonic(mnem);
+  if (!store_) return "Mnemonic " + mnemonic;
+  try {
+    const auto rows = store_->openRecordset("select * from Strings where Mnemonic = '" + mnemonic + "'");
+    if (rows->eof()) return "";
+    const Value local = rows->get("TextLocal");
+    const Value text = local.isNull() || local == Value("") ? rows->get("TextEnglish") : local;
+    return text.isNull() ? "" : text.toText();
+  } catch (const Error&) {
+    return "Mnemonic " + mnemonic;  // tells which message was meant, which is more than its text could
+  }
+}
+
+// Works on copies: reading texts runs the engine, whose error collection a failure would replace.
+std::string Strings::errorText() {
+  const ErrorInfo current = library_.error();
+  const std::vector<ErrorInfo> engineErrors = library_.engine().errors();
+  std::string text;
+  if (current.number != 0) {
+    const bool ofDatabase =
+        !engineErrors.empty() && (engineErrors.front().description == current.description ||
+                                  engineErrors.front().number == current.number);
+    if (ofDatabase) {
+      const ErrorInfo& first = engineErrors.front();
+      text = "DB Error " + std::to_string(first.number) + ": ";
+      std::string wording;
+      switch (first.number) {
+        case err::dbRelatedExists:
+          wording = read("msgDBDelRelated") + crLf + first.description;
+          break;
+        case err::dbDuplicate:
+          wording = read("msgDBDuplicVal");
+          break;
+        case err::dbNullKey:
+          wording = read("msgDBMandField");
+          break;
+        case err::dbConversion:
+          wording = read("msgDBDataConvErr");
+          break;
+        default:
+          wording = first.description;
+      }
+      text += wording;
+      if (wording.empty()) {
+        for (const ErrorInfo& entry : engineErrors) text += crLf + entry.description;
+      }
+    } else {
+      text = "Error " + std::to_string(current.number) + ": " + current.description;
+    }
+  }
+  if (const int code = library_.driver().lastError(); code != 0) {
+    appendLine(text, "DLL Error " + std::to_string(code) + ": " + std::system_category().message(code));
+  }
+  return text;
+}
+
+void Strings::display(std::string_view mnem, const std::string& method, const DisplayArgument& arg,
+                      int msgStyle) {
+  std::string argText;
+  if (const auto* failure = std::get_if<ErrorInfo>(&arg)) {
+    library_.error() = *failure;
+  } else if (const auto* value = std::get_if<Value>(&arg); value != nullptr && !value->isNull()) {
+    argText = value->toText();
+  }
+  const std::string failureText = errorText();
+  std::string prompt;
+  if (!mnem.empty()) prompt = read(mnem);
+  if (!argText.empty()) prompt += " " + argText;
+  appendLine(prompt, failureText);
+  if (!method.empty()) appendLine(prompt, "(" + method + ")");
+  library_.prompts().messageBox(prompt, msgStyle, read("MDIkrvCaption"));
+}
+
+}  // namespace voxa

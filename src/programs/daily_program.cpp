@@ -1,0 +1,110 @@
+#include "programs/daily_program.h"
+
+#include "comm/com.h"
+#include "comm/row_download.h"
+#include "files/command_file.h"
+#include "messages/strings.h"
+#include "platform/database/database.h"
+#include "platform/datetime.h"
+#include "platform/text.h"
+
+namespace voxa {
+
+namespace {
+
+constexpr std::int16_t neverProgram = 0;
+constexpr std::int16_t lastId = 99;
+constexpr int timeSize = 5;  // "hh:mm"
+constexpr const char* bounds[] = {"StartFirstInterval", "EndFirstInterval", "StartSecondInterval",
+                                  "EndSecondInterval"};
+constexpr const char* furtherBounds[] = {"Start3Interval", "End3Interval", "Start4Interval", "End4Interval"};
+
+// 23:59 stands for the end of the day, which the controllers call 2400.
+std::string timeField(const Value& bound) {
+  const std::string time = formatDateTime(bound.toDateTime(), "hhnn");
+  return time == "2359" ? "2400" : time;
+}
+
+}  // namespace
+
+void DailyProgram::createFields(TableDef& td) {
+  addField(td, "Id", DataType::Integer);
+  addField(td, "Name", DataType::Text, 50);
+  for (const char* bound : bounds) addField(td, bound, DataType::Text, timeSize);
+  addField(td, "DailyProgramFlagD", DataType::Boolean);
+}
+
+void DailyProgram::createIndexes(TableDef& td) {
+  addIndex(td, "Id", {"Id"}, IndexKind::primary);
+  addIndex(td, "Name", {"Name"}, IndexKind::uniqueRequired);
+}
+
+void DailyProgram::insertDefaultRecs() {
+  Strings& strings = library_.Strings();
+  const std::string into =
+      "Insert into DailyPrograms ( Id, Name, StartFirstInterval, EndFirstInterval, StartSecondInterval, "
+      "EndSecondInterval";
+  database().execute(into + " ) values ( 0, '" + strings.read("nameDailyProgNever") +
+                     "', '00:00', '00:00', '00:00', '00:00' )");
+  database().execute(into + ",DailyProgramFlagD ) values ( 1, '" + strings.read("nameDailyProgAnyTime") +
+                     "', '00:00', '23:59', '23:59', '23:59', '-1' )");
+}
+
+void DailyProgram::provideFourZones() {
+  const TableDef present = database().tableDef(Name());
+  for (const char* bound : furtherBounds) {
+    if (present.field(bound) != nullptr) continue;
+    FieldDef field;
+    field.name = bound;
+    field.size = timeSize;
+    field.defaultValue = "23:59";
+    field.allowZeroLength = true;
+    database().addField(Name(), field);
+  }
+}
+
+std::int16_t DailyProgram::getFreeId() {
+  return freeId(lastId);
+}
+
+std::int16_t DailyProgram::download(std::int16_t Id, ComponentType compType, const std::string& compName,
+                                    std::int16_t Params, bool* AlreadyComTested) {
+  if (Id == neverProgram) return 0;
+  if (!library_.Com().readyToSend(compType, compName, AlreadyComTested)) return 0;
+  RowDownload what;
+  what.condition = "Id = " + std::to_string(Id);
+  what.number = Id;
+  what.notFoundMnemonic = "msgCantFindDailyProg";
+  what.notFoundMethod = "DailyProgram.download";
+  what.notFoundResult = -1;
+  what.failureMethod = "DailyProgram.download";
+  what.alwaysShowsFailure = false;
+  what.clearsFlags = true;
+  what.writeLines = [&](const Recordset& row, CommandFile& file) {
+    std::string line = "31" + zeroPadded(Id, 2);
+    for (const char* bound : bounds) line += timeField(row.get(bound));
+    if (library_.Com().pDailyPrograms4Zones == 1) {
+      for (const char* bound : furtherBounds) line += timeField(row.get(bound));
+    }
+    file.fprint(line);
+  };
+  return downloadRow(library_, gen_, what, {compType, compName}, Params);
+}
+
+std::int16_t DailyProgram::generalDownload(ComponentType compType, const std::string& compName,
+                                           bool* AlreadyComTested) {
+  if (!library_.Com().readyToSend(compType, compName, AlreadyComTested)) return 0;
+  bool tested = true;
+  const std::int16_t status = library_.attempt([&] {
+    return downloadEach(library_, "select Id from DailyPrograms", [&](const Recordset& row) {
+      return download(row.get("Id").toInt16(), compType, compName, DLFull | DLNoMessage, &tested);
+    });
+  });
+  if (status != 0) {
+    library_.report(
+        {"msgCantDownload", "DailyPrograms.generalDownload", Value(library_.Com().popErrorList())});
+  }
+  return status;
+}
+
+}  // namespace voxa

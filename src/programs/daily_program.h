@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "app/table.h"
+#include "comm/com_types.h"
+
+namespace voxa {
+
+/// Daily programs: the time intervals of a day during which access is allowed. Table "DailyPrograms",
+/// numbers 0 (never, not sent) to 99; 1 is the whole day. Interval bounds are texts "hh:mm"; an interval
+/// "23:59" to "23:59" is empty.
+class DailyProgram : public Table {
+ public:
+  explicit DailyProgram(Library& library) : Table(library, "DailyPrograms") {}
+
+  /// First free `Id`, or -1 when it would exceed 99.
+  std::int16_t getFreeId();
+  /// Sends one program when its flag, or DLFull in `Params`, says so: "31", number, two intervals (four when
+  /// `Com.pDailyPrograms4Zones` is 1) of start and end as "hhmm", 23:59 being sent as 2400. 0 success, -1 not
+  /// found, else a communication code or an error's number; a failed program keeps its flag.
+  /// AlreadyComTested: the communication test is left out when true, and true afterwards.
+  std::int16_t download(std::int16_t Id, ComponentType compType = CTActiveStations,
+                        const std::string& compName = "", std::int16_t Params = DLDefault,
+                        bool* AlreadyComTested = nullptr);
+  /// Sends every program; the first non-zero result.
+  std::int16_t generalDownload(ComponentType compType = CTActiveStations, const std::string& compName = "",
+                               bool* AlreadyComTested = nullptr);
+
+  /// Adds the columns of the third and fourth interval, `Start3Interval` to `End4Interval`, where the open
+  /// database lacks them; both intervals are empty then. A failure is raised.
+  void provideFourZones();
+
+  void createFields(TableDef& td) override;
+  void createIndexes(TableDef& td) override;
+  void insertDefaultRecs() override;  ///< a failure is raised
+};
+
+}  // namespace voxa

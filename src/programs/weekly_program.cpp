@@ -1,0 +1,147 @@
+#include "programs/weekly_program.h"
+
+#include "app/qdb.h"
+#include "comm/com.h"
+#include "comm/row_download.h"
+#include "files/command_file.h"
+#include "files/conversions.h"
+#include "messages/strings.h"
+#include "platform/database/database.h"
+#include "platform/text.h"
+#include "programs/daily_program.h"
+
+namespace voxa {
+
+namespace {
+
+constexpr std::int16_t alwaysProgram = 0;
+constexpr int days = 7;
+constexpr std::int16_t wholeDay = 1;  // the daily program that every day may use
+constexpr const char* wholeDayDefinition = "31010000240024002400";
+
+std::string dayColumn(int day) {
+  return "DailyProgDay" + std::to_string(day);
+}
+
+// The program's line, and the whole day's definition behind it when a day (a holiday does not count) uses
+// that one, so that the controller holds what the line refers to.
+void writeProgram(const std::string& progType, std::int16_t progNum, const Recordset& row,
+                  CommandFile& file) {
+  std::string line = (progType == "C" ? "32" : "42") + zeroPadded(progNum, 2);
+  bool usesWholeDay = false;
+  for (int day = 1; day <= days; ++day) {
+    const std::int16_t program = nullToInt(row.get(dayColumn(day)));
+    usesWholeDay = usesWholeDay || program == wholeDay;
+    line += zeroPadded(program, 2);
+  }
+  file.fprint(line + zeroPadded(nullToInt(row.get("DailyProgHolidays")), 2));
+  if (usesWholeDay) file.fprint(wholeDayDefinition);
+}
+
+}  // namespace
+
+void WeeklyProgram::createFields(TableDef& td) {
+  addField(td, "ProgType", DataType::Text, 1);
+  addField(td, "ProgNum", DataType::Integer);
+  addField(td, "Name", DataType::Text, 50);
+  for (int day = 1; day <= days; ++day) addField(td, dayColumn(day), DataType::Integer);
+  addField(td, "DailyProgHolidays", DataType::Integer);
+  addField(td, "WeeklyProgramFlagD", DataType::Boolean);
+}
+
+void WeeklyProgram::createIndexes(TableDef& td) {
+  addIndex(td, "Id", {"ProgType", "ProgNum"}, IndexKind::primary);
+  addIndex(td, "Name", {"ProgType", "Name"}, IndexKind::uniqueRequired);
+}
+
+std::int16_t WeeklyProgram::createRelations() {
+  const std::string dailyPrograms = library_.QDB().DailyPrograms().Name();
+  for (int day = 1; day <= days; ++day) {
+    relate("WeeklyProgDaily" + std::to_string(day), dailyPrograms, "Id", dayColumn(day));
+  }
+  relate("WeeklyProgHolidays", dailyPrograms, "Id", "DailyProgHolidays");
+  return 0;
+}
+
+void WeeklyProgram::insertDefaultRecs() {
+  const std::string name = library_.Strings().read("nameWeeklyProgAlways");
+  for (const char* family : {"C", "E"}) {
+    database().execute(
+        "Insert into WeeklyPrograms(ProgType, ProgNum, Name, DailyProgDay1, DailyProgDay2, DailyProgDay3, "
+        "DailyProgDay4, DailyProgDay5, DailyProgDay6, DailyProgDay7, DailyProgHolidays ) values ('" +
+        std::string(family) + "', 0, '" + name + "', 1, 1, 1, 1, 1, 1, 1, 1 )");
+  }
+}
+
+std::string WeeklyProgram::DefaultName() {
+  std::string name;
+  lookUp("Select * from WeeklyPrograms Where ProgNum = 0",
+         {"msgCantFindWeeklyProg", "WeeklyPrograms.DefaultName"}, true,
+         [&](Recordset& row) { name = row.get("Name").toText(); });
+  return name;
+}
+
+std::string WeeklyProgram::NeverName() {
+  return library_.Strings().read("nameWeeklyProgNever");
+}
+
+std::int16_t WeeklyProgram::getFreeId(const std::string& ProgType) {
+  const std::int16_t number = gen_.getFreeValue("ProgNum", "ProgType = '" + ProgType + "'");
+  const std::int16_t last = ProgType == "e" ? 80 : 31;
+  return number > last ? std::int16_t{-1} : number;
+}
+
+std::string WeeklyProgram::getName(const std::string& ProgType, std::int16_t ProgNum) {
+  std::string name;
+  lookUp("select Name from WeeklyPrograms where ProgType = '" + ProgType +
+             "' and ProgNum = " + std::to_string(ProgNum),
+         {"msgCantFindWeeklyProg", "WeeklyPrograms.getName"}, false,
+         [&](Recordset& row) { name = row.get("Name").toText(); });
+  return name;
+}
+
+std::int16_t WeeklyProgram::getProgNum(const std::string& ProgType, const std::string& Name) {
+  std::int16_t number = 0;
+  lookUp("select ProgNum from WeeklyPrograms where ProgType = '" + ProgType + "' and Name = '" + Name + "'",
+         {"msgCantFindWeeklyProg", "WeeklyPrograms.getProgNum"}, false,
+         [&](Recordset& row) { number = row.get("ProgNum").toInt16(); });
+  return number;
+}
+
+std::int16_t WeeklyProgram::download(const std::string& ProgType, std::int16_t ProgNum,
+                                     ComponentType compType, const std::string& compName, std::int16_t Params,
+                                     bool* AlreadyComTested) {
+  if (ProgNum == alwaysProgram) return 0;
+  if (!library_.Com().readyToSend(compType, compName, AlreadyComTested)) return 0;
+  RowDownload what;
+  what.condition = " ProgType = '" + ProgType + "' and ProgNum = " + std::to_string(ProgNum);
+  what.number = ProgNum;
+  what.notFoundMnemonic = "msgCantFindWeeklyProg";
+  what.notFoundMethod = "WeeklyProgram.download";
+  what.notFoundResult = -1;
+  what.failureMethod = "WeeklyPrograms.download";
+  what.alwaysShowsFailure = true;
+  what.clearsFlags = true;
+  what.writeLines = [&](const Recordset& row, CommandFile& file) {
+    writeProgram(ProgType, ProgNum, row, file);
+  };
+  return downloadRow(library_, gen_, what, {compType, compName}, Params);
+}
+
+std::int16_t WeeklyProgram::generalDownload(ComponentType compType, const std::string& compName,
+                                            const std::string& whereExpr, bool* AlreadyComTested) {
+  if (!library_.Com().readyToSend(compType, compName, AlreadyComTested)) return 0;
+  if (const std::int16_t failed = gen_.setTableFlagsD(true, whereExpr); failed != 0) return failed;
+  bool tested = true;
+  return library_.attempt({"msgCantDownload", "WeeklyPrograms.generalDownload"}, [&] {
+    return downloadEach(
+        library_,
+        "select ProgType, ProgNum from WeeklyPrograms" + (whereExpr.empty() ? "" : " WHERE " + whereExpr),
+        [&](const Recordset& row) {
+          return download(row.get("ProgType").toText(), row.get("ProgNum").toInt16(), compType, compName,
+                          DLFull | DLNoMessage, &tested);
+        });
+  });
+}
+
+}  // namespace voxa

@@ -1,0 +1,147 @@
+#include "app/qdb.h"
+
+#include <filesystem>
+
+#include "app/itable.h"
+#include "comm/com.h"
+#include "comm/station.h"
+#include "journal/journal.h"
+#include "messages/strings.h"
+#include "support/installation_test.h"
+
+namespace voxa {
+namespace {
+
+using Strings_ = std::vector<std::string>;
+
+class QDBTest : public test::InstallationTest {};
+
+TEST_F(QDBTest, GlobsShareTheServiceObjectsAndOpenNoDatabase) {
+  const Glob second(*library);
+  EXPECT_EQ(&second.QDB(), &glob->QDB());
+  EXPECT_EQ(&second.Com(), &glob->Com());
+  EXPECT_EQ(&second.CommandFile(), &glob->CommandFile());
+  EXPECT_EQ(&second.Strings(), &glob->Strings());
+  EXPECT_EQ(glob->QDB().DB(), nullptr);
+}
+
+TEST_F(QDBTest, InitializeOnAMissingDatabaseReportsItAndKeepsThePaths) {
+  ASSERT_EQ(glob->Strings().createDB(), 0);
+  glob->insertStrings();
+  const std::string path = folder + "\\Missing.mdb";
+  glob->Initialize(path, "ini", "log", folder);
+  EXPECT_EQ(glob->Com().AppDB, path);
+  EXPECT_EQ(glob->Com().Chemin, folder);
+  const auto shown = boxes();
+  ASSERT_EQ(shown.size(), 2U);  // main database, then journal
+  EXPECT_TRUE(shown[0].starts_with("Can't load database|DB Error 3024: ")) << shown[0];
+  EXPECT_TRUE(shown[0].ends_with("|(" + path + ")")) << shown[0];
+  EXPECT_EQ(glob->QDB().openDB(), 0);
+  EXPECT_NE(glob->QDB().openCommonDB(), 0);
+  boxes();
+  EXPECT_EQ(glob->QDB().createDB(), 0);
+  EXPECT_TRUE(std::filesystem::exists("Missing.mdb"));
+  EXPECT_TRUE(boxes().empty());
+}
+
+TEST_F(QDBTest, CreateDBBuildsEveryTableWithItsDefaultsAndRelations) {
+  createInstallation();
+  EXPECT_EQ(db().tableNames(),
+            (Strings_{"Stations", "DailyPrograms", "Holidays", "WeeklyPrograms", "Readers", "AccessGroups",
+                      "AccGroupReaders", "Cardholders", "Alarms", "LiftGroup", "ComStatus"}));
+  EXPECT_EQ(query("select count(*) from Stations"), "1");
+  EXPECT_EQ(query("select Name from Stations where Id = 1 and Active = true"), "Local");
+  EXPECT_EQ(query("select Name from DailyPrograms where Id = 1 and DailyProgramFlagD = True"), "Anytime");
+  EXPECT_EQ(query("select count(*) from WeeklyPrograms where ProgNum = 0 and DailyProgDay7 = 1"), "2");
+  EXPECT_EQ(query("select Name from AccessGroups"), "Anywhere Anytime");
+  EXPECT_EQ(db().relations().size(), 16U);
+  EXPECT_THROW(db().execute("delete from DailyPrograms where Id = 1"), Error);  // used by weekly programs
+  restart();
+  glob->Initialize(folder + "\\krv.MDB", "", "", folder);  // found in any case
+  EXPECT_TRUE(boxes().empty());
+  EXPECT_EQ(query("select Name from Stations"), "Local");
+}
+
+TEST_F(QDBTest, TablesAreFoundByNameInAnyCase) {
+  EXPECT_EQ(&glob->QDB().tables("stations"), &glob->QDB().Stations());
+  EXPECT_EQ(&glob->QDB().tables("JOURNAL"), &glob->QDB().Journal());
+  for (const char* unknown : {"BadgeFormat", "AccGroupReaders", ""}) {
+    try {
+      (void)glob->QDB().tables(unknown);
+      ADD_FAILURE() << unknown;
+    } catch (const Error& e) {
+      EXPECT_EQ(e.number(), err::invalidArgument);
+    }
+  }
+}
+
+TEST_F(QDBTest, CreateDBOverAFileThatIsNotOpenFailsAndLeavesIt) {
+  ASSERT_EQ(glob->Strings().createDB(), 0);
+  glob->insertStrings();
+  write("KRV.mdb", "precious");
+  glob->Com().AppDB = "KRV.mdb";
+  EXPECT_EQ(glob->QDB().createDB(), err::dbFileExists);
+  const auto shown = boxes();
+  ASSERT_EQ(shown.size(), 1U);
+  EXPECT_TRUE(shown[0].starts_with("Can't create database|DB Error 3204: "));
+  EXPECT_EQ(textOf("KRV.mdb"), "precious");
+  EXPECT_EQ(glob->QDB().openCommonDB(), err::dbNotADatabase);
+  EXPECT_EQ(textOf("KRV.mdb"), "precious");
+}
+
+TEST_F(QDBTest, CreateDBOverTheOpenDatabaseAsksAndHeedsTheAnswers) {
+  createInstallation();
+  addStation(2, "Kept");
+  prompts.answers = {Answer::cancel};
+  EXPECT_EQ(glob->QDB().createDB(), -1);
+  EXPECT_EQ(query("select Name from Stations where Id = 2"), "Kept");
+  boxes();
+
+  // No, then No to the second question: the file is saved all the same. The journal is kept (Cancel).
+  prompts.answers = {Answer::no, Answer::no, Answer::cancel};
+  prompts.choices = {folder + "\\Saved.mdb"};
+  EXPECT_EQ(glob->QDB().createDB(), 0);
+  EXPECT_EQ(boxes().size(), 3U);
+  EXPECT_EQ(query("select count(*) from Stations"), "1");
+  EXPECT_TRUE(glob->QDB().Journal().DB()->isOpen());
+  const auto saved = engine->open("Saved.mdb");
+  EXPECT_FALSE(saved->openRecordset("select * from Stations where Name = 'kept'")->eof());
+}
+
+TEST_F(QDBTest, SaveAndRestoreGoThroughAClosedFile) {
+  createInstallation();
+  addStation(2, "Before");
+  prompts.choices = {folder + "\\Backup.mdb"};
+  EXPECT_EQ(glob->QDB().saveDB(), 0);
+  db().execute("update Stations set Name = 'After' where Id = 2");
+
+  write("garbage.mdb", "no database at all");
+  prompts.answers = {Answer::no, Answer::yes};
+  prompts.choices = {folder + "\\garbage.mdb"};
+  EXPECT_EQ(glob->QDB().restoreDB(), err::dbNotADatabase);
+  EXPECT_EQ(query("select Name from Stations where Id = 2"), "After");
+
+  prompts.answers = {Answer::cancel};
+  EXPECT_EQ(glob->QDB().restoreDB(), -1);
+  prompts.answers = {Answer::no, Answer::yes};
+  prompts.choices = {folder + "\\Backup.mdb"};
+  EXPECT_EQ(glob->QDB().restoreDB(), 0);
+  EXPECT_EQ(query("select Name from Stations where Id = 2"), "Before");
+
+  boxes();
+  prompts.choices = {folder + "\\journal.mdb"};
+  EXPECT_EQ(glob->QDB().saveDB(), -1);
+  EXPECT_EQ(boxes().size(), 1U);  // refused
+  EXPECT_EQ(query("select Name from Stations where Id = 2"), "Before");
+}
+
+TEST_F(QDBTest, SaveWithNoDatabaseOpenOpensIt) {
+  createInstallation();
+  restart();
+  glob->Com().AppDB = "KRV.mdb";
+  EXPECT_EQ(glob->QDB().saveDB(), 0);
+  EXPECT_NE(glob->QDB().DB(), nullptr);
+}
+
+}  // namespace
+}  // namespace voxa

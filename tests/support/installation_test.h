@@ -1,0 +1,89 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "app/glob.h"
+#include "app/library.h"
+#include "app/qdb.h"
+#include "platform/clock.h"
+#include "platform/database/database.h"
+#include "platform/driver/driver.h"
+#include "platform/ui/scripted_prompts.h"
+
+namespace voxa::test {
+
+/// A driver that notes what it is asked, and the command file as it stands then, and answers as told.
+class RecordingDriver : public Driver {
+ public:
+  struct Call {
+    ComCommandsEnum command;
+    std::int16_t station;
+    std::int16_t address;
+    std::string commandFile;  // of CmSendCommand
+    friend bool operator==(const Call&, const Call&) = default;
+  };
+
+  std::int16_t call(ComCommandsEnum command, std::int16_t stationId, std::int16_t controllerAddr) override;
+  [[nodiscard]] int lastError() const override { return systemError; }
+
+  /// The command files sent, joined.
+  [[nodiscard]] std::string sent() const;
+  /// How often a command was asked for.
+  [[nodiscard]] std::size_t count(ComCommandsEnum command) const;
+
+  std::vector<Call> calls;
+  std::function<std::int16_t(const Call&)> answer = [](const Call&) { return std::int16_t{100}; };
+  int systemError = 0;
+};
+
+/// A clock that stands still until a wait moves it.
+class StillClock : public Clock {
+ public:
+  StillClock();
+  [[nodiscard]] DateTime now() const override { return moment; }
+  void wait(int seconds) override { moment.days += seconds / 86400.0; }
+
+  DateTime moment;  // 24 December 2026, 18:05:00
+};
+
+/// A test inside a temporary folder of its own, which is the current and the working folder, over the real
+/// database engine.
+class InstallationTest : public ::testing::Test {
+ protected:
+  InstallationTest();
+  ~InstallationTest() override;
+
+  /// A new context over the same folder, as a second process or a later one has it.
+  void restart();
+  /// Message store, paths, main database and journal.
+  void createInstallation();
+  /// Stations (id, active) beside the local station 1, and readers (name, station, controller, position).
+  void addStation(int id, const std::string& name, bool active = true);
+  void addReader(int id, const std::string& name, int station, int controller, int position);
+
+  Database& db() { return *library->QDB().DB(); }
+  /// First field of the first row, as text; "none" without a row, "Null" for Null.
+  std::string query(const std::string& sql);
+  [[nodiscard]] std::string textOf(const std::string& file) const;
+  void write(const std::string& file, const std::string& text) const;
+  /// Prompts of the boxes shown since the last call, CR LF as "|".
+  std::vector<std::string> boxes();
+
+  std::string folder;
+  StillClock clock;
+  RecordingDriver driver;
+  ScriptedPrompts prompts;
+  std::unique_ptr<DatabaseEngine> engine;
+  std::unique_ptr<Library> library;
+  std::unique_ptr<Glob> glob;
+
+ private:
+  std::string previousFolder_;
+};
+
+}  // namespace voxa::test
