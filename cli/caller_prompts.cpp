@@ -1,0 +1,32 @@
+#include "caller_prompts.h"
+
+#include <iostream>
+
+namespace voxa::cli {
+
+CallerPrompts::CallerPrompts() : ConsolePrompts(std::cin, std::cerr, isTerminal()) {}
+
+void CallerPrompts::files(const std::string& toSave, const std::string& toOpen) {
+  toSave_ = toSave;
+  toOpen_ = toOpen;
+}
+
+Answer CallerPrompts::messageBox(const std::string& prompt, int style, const std::string& title) {
+  if ((style & style::buttonMask) == style::okOnly) {
+    if ((style & style::iconMask) == style::critical) ++failuresShown_;
+    return ConsolePrompts::messageBox(prompt, style, title);
+  }
+  if (prepared_.empty()) return ConsolePrompts::messageBox(prompt, style, title);
+  ConsolePrompts::messageBox(prompt, style::okOnly, title);
+  const Answer answer = prepared_.front();
+  prepared_.pop_front();
+  std::cerr << "Taking " << buttonText(answer) << ".\n";
+  return answer;
+}
+
+std::string CallerPrompts::chooseFile(const FileDialog& dialog) {
+  proposeFile(dialog.save ? toSave_ : toOpen_);
+  return ConsolePrompts::chooseFile(dialog);
+}
+
+}  // namespace voxa::cli

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <deque>
+#include <string>
+
+#include "platform/ui/console_prompts.h"
+
+namespace voxa::cli {
+
+/// The boxes and dialogs of a command: on the terminal, unless the command line has answered them already.
+class CallerPrompts : public ConsolePrompts {
+ public:
+  CallerPrompts();
+
+  /// Answers the next box that asks something; several in their order.
+  void prepare(Answer answer) { prepared_.push_back(answer); }
+  /// The file that the next dialogs choose, "" to ask: to save into, to open.
+  void files(const std::string& toSave, const std::string& toOpen);
+
+  /// How many messages about failures were shown: after one the command has failed, whatever else it did.
+  [[nodiscard]] int failuresShown() const { return failuresShown_; }
+  void forgetFailures() { failuresShown_ = 0; }
+
+  Answer messageBox(const std::string& prompt, int style, const std::string& title) override;
+  std::string chooseFile(const FileDialog& dialog) override;
+
+ private:
+  std::deque<Answer> prepared_;
+  std::string toSave_;
+  std::string toOpen_;
+  int failuresShown_ = 0;
+};
+
+}  // namespace voxa::cli

@@ -1,0 +1,32 @@
+#include "held_programs.h"
+
+#include "platform/text.h"
+#include "site/contents.h"
+
+namespace voxa::cli {
+
+namespace {
+
+std::string clockText(int minutes) {
+  return zeroPadded(minutes / 60, 2) + ":" + zeroPadded(minutes % 60, 2);
+}
+
+}  // namespace
+
+std::string intervalsText(const site::DailyProgram& program) {
+  std::string text;
+  for (const site::Interval& interval : program.intervals) {
+    if (interval.start >= interval.end) continue;
+    if (!text.empty()) text += ' ';
+    text += clockText(interval.start) + "-" + clockText(interval.end);
+  }
+  return text.empty() ? "none" : text;
+}
+
+std::string daysText(const site::WeeklyProgram& program) {
+  std::string text;
+  for (const int day : program.days) text += (text.empty() ? "" : " ") + std::to_string(day);
+  return text + ", holidays " + std::to_string(program.holiday);
+}
+
+}  // namespace voxa::cli

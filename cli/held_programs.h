@@ -1,0 +1,19 @@
+#pragma once
+
+#include <string>
+
+namespace site {
+struct DailyProgram;
+struct WeeklyProgram;
+}  // namespace site
+
+namespace voxa::cli {
+
+// What a simulated controller holds, as a person reads it.
+
+/// "08:00-12:00 13:00-17:00", the end of the day as 24:00, without the empty intervals; "none" without any.
+[[nodiscard]] std::string intervalsText(const site::DailyProgram& program);
+/// "2 2 2 2 2 0 0, holidays 0", Monday first.
+[[nodiscard]] std::string daysText(const site::WeeklyProgram& program);
+
+}  // namespace voxa::cli

@@ -1,0 +1,146 @@
+#include "installation.h"
+
+#include <filesystem>
+#include <iostream>
+#include <system_error>
+
+#include "app/qdb.h"
+#include "comm/com.h"
+#include "host_texts.h"
+#include "journal/journal.h"
+#include "messages/strings.h"
+#include "platform/database/sqlite/engine.h"
+#include "platform/files.h"
+#include "platform/text.h"
+#include "refusal.h"
+
+namespace voxa::cli {
+
+namespace {
+
+constexpr const char* mainDatabase = "KRV.mdb";
+
+Answer answerNamed(const std::string& name) {
+  for (const Answer answer : {Answer::abort, Answer::retry, Answer::ignore, Answer::yes, Answer::no}) {
+    if (equalNoCase(name, buttonText(answer))) return answer;
+  }
+  return Answer::cancel;
+}
+
+}  // namespace
+
+Installation::Installation() : callersFolder_(files::currentFolder()), engine_(makeSqliteEngine(clock_)) {}
+
+Installation::~Installation() = default;
+
+std::unique_ptr<Recordset> Installation::rows(const std::string& sql) const {
+  return glob_->QDB().DB()->openRecordset(sql);
+}
+
+std::string Installation::callersFile(const std::string& path) const {
+  return (std::filesystem::path(callersFolder_) / path).string();
+}
+
+void Installation::enterFolder() {
+  std::error_code failure;
+  std::filesystem::current_path(callersFile(settings.folder), failure);
+  if (failure) throw Refusal("the folder " + settings.folder + " cannot be entered: " + failure.message());
+  folder_ = files::currentFolder();
+}
+
+void Installation::start() {
+  for (const std::string& name : settings.answers) prompts_.assume(answerNamed(name));
+  if (settings.yes) {
+    prompts_.assume(Answer::yes);
+    prompts_.assume(Answer::ignore);
+  }
+  library_ = std::make_unique<Library>(Library::Seams{*engine_, driver_, prompts_, clock_});
+  glob_ = std::make_unique<Glob>(*library_);
+  com().inhibitCom = settings.inhibit;
+  com().writeLog = !settings.noLog;
+  com().pDailyPrograms4Zones = settings.fourZones ? 1 : 0;
+}
+
+void Installation::requireInstallation() const {
+  if (!files::exists(mainDatabase)) {
+    throw Refusal(folder_ + " is no installation (no " + mainDatabase + "): create one with 'voxa init'");
+  }
+}
+
+void Installation::openForSending() {
+  enterFolder();
+  requireInstallation();
+  lock_ = std::make_unique<InstallationLock>();
+  open();
+}
+
+void Installation::open() {
+  enterFolder();
+  requireInstallation();
+  start();
+  if (!strings().isOpen()) {
+    std::cerr << "voxa: the message texts of " << folder_ << " (I18N.MDB) cannot be read\n";
+  }
+  glob_->Initialize(folder_ + "\\" + mainDatabase, folder_ + "\\S001.ini", folder_ + "\\COM.LOG", folder_);
+  if (!qdb().DB()) throw Refusal("the installation in " + folder_ + " cannot be opened");
+  prompts_.forgetFailures();  // a journal that cannot be opened has been told, and most commands need none
+}
+
+void Installation::fillCatalogue() {
+  if (!strings().isOpen() && strings().createDB() != 0) {
+    throw Refusal("the message texts (I18N.MDB) cannot be created in " + folder_);
+  }
+  glob_->insertStrings();
+  Transaction transaction(*engine_);
+  if (insertHostTexts(strings()) == 0) transaction.commit();
+}
+
+void Installation::create() {
+  std::error_code failure;
+  std::filesystem::create_directories(callersFile(settings.folder), failure);
+  if (failure) throw Refusal("the folder " + settings.folder + " cannot be made: " + failure.message());
+  enterFolder();
+  lock_ = std::make_unique<InstallationLock>();
+  if (files::exists(mainDatabase)) throw Refusal(folder_ + " holds an installation already");
+  start();
+  fillCatalogue();
+  com().AppDB = folder_ + "\\" + mainDatabase;
+  com().IniFile = folder_ + "\\S001.ini";
+  com().logFileName = folder_ + "\\COM.LOG";
+  com().Chemin = folder_;
+  const bool journalKept = files::exists(Journal::dbName);
+  const bool failed =
+      qdb().createDB() != 0 || (journalKept ? qdb().Journal().openDB() : qdb().Journal().createDB()) != 0;
+  if (failed || prompts_.failuresShown() > 0)
+    throw Refusal("the installation in " + folder_ + " is not complete");
+}
+
+void Installation::leave() {
+  glob_.reset();
+  library_.reset();
+  for (const auto& database : engine_->databases()) database->close();
+  lock_.reset();
+  std::filesystem::current_path(callersFolder_);
+}
+
+void Installation::explainFailure(const std::string& command) {
+  const auto say = [&](const std::string& sentence) { std::cerr << command << ": " << sentence << '\n'; };
+  try {
+    throw;
+  } catch (const Refusal& refusal) {
+    if (refusal.mnemonic().empty() || !glob_) {
+      say(refusal.what());
+    } else {
+      strings().display(refusal.mnemonic(), command, Value(refusal.what()));
+    }
+  } catch (...) {
+    const ErrorInfo error = describeCurrentException();
+    if (glob_) {
+      strings().display("msgUnexpecErr", command, error);
+    } else {
+      say("Error " + std::to_string(error.number) + ": " + error.description);
+    }
+  }
+}
+
+}  // namespace voxa::cli

@@ -1,0 +1,96 @@
+#include "lookup.h"
+
+#include <CLI/CLI.hpp>
+
+#include "installation.h"
+#include "platform/text.h"
+#include "refusal.h"
+
+namespace voxa::cli {
+
+namespace {
+
+template <typename Convert>
+auto converted(const std::string& what, const std::string& text, Convert convert) {
+  try {
+    return convert(Value(text));
+  } catch (const Error& failure) {
+    throw Error(failure.number(), failure.description() + ": " + what + " '" + text + "'");
+  }
+}
+
+bool isNumber(const std::string& text) {
+  return !text.empty() && text.find_first_not_of("0123456789") == std::string::npos;
+}
+
+}  // namespace
+
+std::int16_t number16(const std::string& what, const std::string& text) {
+  return converted(what, text, [](const Value& value) { return value.toInt16(); });
+}
+
+std::int32_t number32(const std::string& what, const std::string& text) {
+  return converted(what, text, [](const Value& value) { return value.toInt32(); });
+}
+
+std::int16_t numberWithin(const std::string& what, const std::string& text, std::int16_t least,
+                          std::int16_t greatest) {
+  const std::int16_t number = number16(what, text);
+  if (number >= least && number <= greatest) return number;
+  throw Refusal(what + " is a number from " + std::to_string(least) + " to " + std::to_string(greatest) +
+                ", not " + text);
+}
+
+std::string checkedName(const std::string& name) {
+  if (name.empty()) throw Refusal("msgDBMandField", "(the name)");
+  (void)toCp1252(name);
+  return name;
+}
+
+bool moveToName(Recordset& rows, const std::string& name) {
+  while (!rows.eof() && !equalNoCase(rows.get("Name").toText(), name)) rows.moveNext();
+  return !rows.eof();
+}
+
+void moveToNumberOrName(Recordset& rows, const char* numberColumn, const std::string& text,
+                        const char* mnemonic) {
+  if (isNumber(text)) {
+    const std::int16_t number = number16("the number", text);
+    while (!rows.eof() && rows.get(numberColumn).toInt32() != number) rows.moveNext();
+    if (!rows.eof()) return;
+    rows.moveFirst();
+  }
+  if (!moveToName(rows, text)) throw Refusal(mnemonic, text);
+}
+
+std::unique_ptr<Recordset> stationNamed(Installation& installation, const std::string& name) {
+  auto rows = installation.rows("select * from Stations");
+  if (!moveToName(*rows, name)) throw Refusal("msgCantFindStation", name);
+  return rows;
+}
+
+std::unique_ptr<Recordset> readerNamed(Installation& installation, const std::string& name) {
+  auto rows = installation.rows("select * from Readers");
+  if (!moveToName(*rows, name)) throw Refusal("msgCantFindReader", name);
+  return rows;
+}
+
+void addComponentOptions(CLI::App& command, ComponentChoice& choice) {
+  auto* station = command.add_option("--station", choice.station, "Only the controllers of this station");
+  command.add_option("--reader", choice.reader, "Only the controller of this reader")->excludes(station);
+}
+
+Component chosen(Installation& installation, const ComponentChoice& choice) {
+  if (!choice.station.empty()) {
+    return {CTStation, stationNamed(installation, choice.station)->get("Name").toText()};
+  }
+  if (!choice.reader.empty()) {
+    return {CTReader, readerNamed(installation, choice.reader)->get("Name").toText()};
+  }
+  if (installation.rows("select Id from Stations where Active = true")->eof()) {
+    throw Refusal("msgNoActiveStation", "");
+  }
+  return {};
+}
+
+}  // namespace voxa::cli

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "comm/row_download.h"
+
+namespace CLI {
+class App;
+}
+
+namespace voxa {
+class Recordset;
+}
+
+namespace voxa::cli {
+
+class Installation;
+
+// What people write on the command line, as numbers and rows. Names are compared row by row and never become
+// part of a statement.
+
+/// what: how a failure names the number ("the port"). Overflow (error 6) outside the range of the type, type
+/// mismatch (13) when it is no number.
+[[nodiscard]] std::int16_t number16(const std::string& what, const std::string& text);
+[[nodiscard]] std::int32_t number32(const std::string& what, const std::string& text);
+/// The same within bounds; a Refusal outside them.
+[[nodiscard]] std::int16_t numberWithin(const std::string& what, const std::string& text, std::int16_t least,
+                                        std::int16_t greatest);
+
+/// The name itself, unless it is empty or has characters that the controllers' files cannot hold (error 5).
+[[nodiscard]] std::string checkedName(const std::string& name);
+
+/// Moves to the first row of that name; false, and past the last row, when there is none.
+bool moveToName(Recordset& rows, const std::string& name);
+/// Moves to the row of that number, when the text is one, else to the row of that name. A Refusal with the
+/// text of `mnemonic` when there is none.
+void moveToNumberOrName(Recordset& rows, const char* numberColumn, const std::string& text,
+                        const char* mnemonic);
+/// Rows of a table placed on the one of that name; a Refusal when there is none.
+[[nodiscard]] std::unique_ptr<Recordset> stationNamed(Installation& installation, const std::string& name);
+[[nodiscard]] std::unique_ptr<Recordset> readerNamed(Installation& installation, const std::string& name);
+
+/// Where a download or command goes, as the person chose it.
+struct ComponentChoice {
+  std::string station;
+  std::string reader;
+};
+void addComponentOptions(CLI::App& command, ComponentChoice& choice);
+/// The component; a Refusal when there is no such station or reader, or no active station at all.
+[[nodiscard]] Component chosen(Installation& installation, const ComponentChoice& choice);
+
+}  // namespace voxa::cli

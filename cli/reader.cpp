@@ -1,0 +1,87 @@
+// voxa reader: the doors.
+
+#include "comm/reader.h"
+
+#include <CLI/CLI.hpp>
+#include <iostream>
+
+#include "app/qdb.h"
+#include "comm/station.h"
+#include "commands.h"
+#include "installation.h"
+#include "lookup.h"
+#include "refusal.h"
+#include "table_output.h"
+
+namespace voxa::cli {
+
+namespace {
+
+struct ReaderOptions {
+  std::string name, station, address, position;
+  std::string type = "QSX3";
+};
+
+void addReader(Installation& installation, const ReaderOptions& options) {
+  installation.openForSending();
+  const auto station = stationNamed(installation, options.station);
+  const std::int16_t stationId = station->get("Id").toInt16();
+  const std::int16_t address = numberWithin("the controller's address", options.address, 1, 16);
+  const std::int16_t position = numberWithin("the position", options.position, 1, 4);
+  const std::int16_t id = installation.qdb().Readers().getFreeId();
+  if (id == -1) throw Refusal("the installation holds all the readers it can (998)");
+  const auto rows = installation.rows("select * from Readers");
+  rows->addNew();
+  rows->set("Id", id);
+  rows->set("Name", checkedName(options.name));
+  rows->set("StationId", stationId);
+  rows->set("ControllerType", options.type);
+  rows->set("ControllerAddress", address);
+  rows->set("Position", position);
+  rows->update();
+  // The driver learns from the station's file which controllers are on the line.
+  installation.qdb().Stations().createIniFile(stationId);
+  std::cout << "Reader " << id << ": " << options.name << '\n';
+}
+
+void listReaders(Installation& installation, bool json) {
+  installation.open();
+  TableOutput table({"Id", "Name", "Station", "Address", "Position", "Type"});
+  const auto rows = installation.rows(
+      "select Readers.Id, Readers.Name, Stations.Name as Station, ControllerAddress, Position, "
+      "ControllerType from Readers inner join Stations on Readers.StationId = Stations.Id "
+      "order by Readers.Id");
+  for (; !rows->eof(); rows->moveNext()) {
+    std::vector<Value> cells;
+    for (std::size_t i = 0; i < rows->fieldCount(); ++i) cells.push_back(rows->get(i));
+    table.add(std::move(cells));
+  }
+  table.print(std::cout, json);
+}
+
+}  // namespace
+
+void addReaderCommands(CLI::App& app, Installation& installation) {
+  auto* group = app.add_subcommand("reader", "Doors")->require_subcommand(1);
+
+  auto* add = group->add_subcommand("add", "Add a reader");
+  auto options = std::make_shared<ReaderOptions>();
+  add->add_option("NAME", options->name, "Name of the new reader")->required();
+  add->add_option("--station", options->station, "Its station")->required();
+  add->add_option("--address", options->address, "Address of its controller on the line, 1 to 16")
+      ->required();
+  add->add_option("--position", options->position, "Its door on the controller, 1 to 4")->required();
+  add->add_option("--type", options->type, "Type of its controller")
+      ->check(CLI::IsMember({"QSX3", "VRMD1"}))
+      ->capture_default_str();
+  add->footer("Example:\n  voxa reader add \"Front door\" --station Local --address 1 --position 1");
+  add->callback([&installation, options] { addReader(installation, *options); });
+
+  auto* list = group->add_subcommand("list", "List the readers");
+  auto json = std::make_shared<bool>(false);
+  list->add_flag("--json", *json, "As a JSON array");
+  list->footer("Example:\n  voxa reader list");
+  list->callback([&installation, json] { listReaders(installation, *json); });
+}
+
+}  // namespace voxa::cli

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+#include "platform/value.h"
+
+namespace voxa::cli {
+
+/// Why a command is not carried out, found before or beside the library: a sentence of the command's own, or
+/// a text of the message catalogue with what it is about.
+class Refusal : public std::runtime_error {
+ public:
+  explicit Refusal(const std::string& sentence) : std::runtime_error(sentence) {}
+  Refusal(std::string mnemonic, const Value& about)
+      : std::runtime_error(about.toText()), mnemonic_(std::move(mnemonic)) {}
+
+  /// "" when what() is the whole sentence; else what() is what the catalogue's text is about.
+  [[nodiscard]] const std::string& mnemonic() const { return mnemonic_; }
+
+ private:
+  std::string mnemonic_;
+};
+
+}  // namespace voxa::cli

@@ -1,0 +1,79 @@
+// voxa command and voxa log: what goes over the line.
+
+#include <CLI/CLI.hpp>
+#include <deque>
+#include <iostream>
+
+#include "comm/com.h"
+#include "commands.h"
+#include "files/seq_file.h"
+#include "installation.h"
+#include "lookup.h"
+#include "platform/files.h"
+#include "refusal.h"
+#include "table_output.h"
+
+namespace voxa::cli {
+
+namespace {
+
+void sendCommand(Installation& installation, const std::string& text, const ComponentChoice& choice) {
+  installation.openForSending();
+  if (text.empty()) throw Refusal("an empty command is not sent");
+  if (text.find_first_of("\r\n") != std::string::npos) throw Refusal("a command is one line");
+  const Component component = chosen(installation, choice);
+  if (installation.com().sendCommand(text, component.type, component.name) == 0) std::cout << "Sent\n";
+}
+
+struct LogOptions {
+  std::string tail;
+  bool json = false;
+};
+
+void showLog(Installation& installation, const LogOptions& options) {
+  installation.open();
+  const std::size_t most = options.tail.empty()
+                               ? std::string::npos
+                               : static_cast<std::size_t>(numberWithin("--tail", options.tail, 0, 32767));
+  std::deque<std::string> lines;
+  SeqFile log(installation.library());
+  log.Name(installation.com().logFileName);
+  if (files::exists(log.Name())) {
+    log.fopen("r");
+    while (!log.fEOF()) {
+      lines.push_back(log.flineInput());
+      if (lines.size() > most) lines.pop_front();
+    }
+    log.fclose();
+  }
+  TableOutput table({"Line"});
+  for (const std::string& line : lines) {
+    if (options.json) {
+      table.add({line});
+    } else {
+      std::cout << line << '\n';
+    }
+  }
+  if (options.json) table.print(std::cout, true);
+}
+
+}  // namespace
+
+void addSendCommands(CLI::App& app, Installation& installation) {
+  auto* command = app.add_subcommand("command", "Send one command line to the controllers");
+  auto text = std::make_shared<std::string>();
+  auto choice = std::make_shared<ComponentChoice>();
+  command->add_option("TEXT", *text, "The line")->required();
+  addComponentOptions(*command, *choice);
+  command->footer("Example:\n  voxa command 31020800120013001700 --station Local");
+  command->callback([&installation, text, choice] { sendCommand(installation, *text, *choice); });
+
+  auto* log = app.add_subcommand("log", "Show the communication log");
+  auto options = std::make_shared<LogOptions>();
+  log->add_option("--tail", options->tail, "Only so many lines at its end");
+  log->add_flag("--json", options->json, "As a JSON array");
+  log->footer("Example:\n  voxa log --tail 20");
+  log->callback([&installation, options] { showLog(installation, *options); });
+}
+
+}  // namespace voxa::cli

@@ -1,0 +1,79 @@
+// voxa status: which controllers answer.
+
+#include <CLI/CLI.hpp>
+#include <iostream>
+#include <map>
+
+#include "app/qdb.h"
+#include "comm/com.h"
+#include "commands.h"
+#include "installation.h"
+#include "messages/strings.h"
+#include "table_output.h"
+
+namespace voxa::cli {
+
+namespace {
+
+struct ControllerState {
+  std::string station;
+  std::string readers;
+  Value answers;  // Null: nobody asked it
+  Value clock;
+};
+
+using Controllers = std::map<std::pair<std::int16_t, std::int16_t>, ControllerState>;
+
+Controllers controllersOfActiveStations(const Installation& installation) {
+  Controllers controllers;
+  const auto readers = installation.rows(
+      "select StationId, ControllerAddress, Readers.Name as Reader, Stations.Name as Station "
+      "from Readers inner join Stations on Readers.StationId = Stations.Id "
+      "where Stations.Active = true order by Position");
+  for (; !readers->eof(); readers->moveNext()) {
+    ControllerState& state =
+        controllers[{readers->get("StationId").toInt16(), readers->get("ControllerAddress").toInt16()}];
+    state.station = readers->get("Station").toText();
+    state.readers += (state.readers.empty() ? "" : ", ") + readers->get("Reader").toText();
+  }
+  return controllers;
+}
+
+void addAnswers(const Installation& installation, Controllers& controllers) {
+  const auto rows = installation.rows("select * from ComStatus");
+  for (; !rows->eof(); rows->moveNext()) {
+    const auto found = controllers.find({rows->get("StationID").toInt16(), rows->get("CtrAddr").toInt16()});
+    if (found == controllers.end()) continue;
+    const bool answers = rows->get("Status").toInt16() == 1;
+    found->second.answers = answers;
+    if (answers) found->second.clock = rows->get("Date");
+  }
+}
+
+void showStatus(Installation& installation, bool json) {
+  installation.openForSending();
+  installation.com().TestCom();
+  Controllers controllers = controllersOfActiveStations(installation);
+  addAnswers(installation, controllers);
+  TableOutput table({"Station", "Controller", "Readers", "Answers", "Clock"});
+  bool allAnswer = true;
+  for (const auto& [key, state] : controllers) {
+    table.add({state.station, key.second, state.readers, state.answers, state.clock});
+    allAnswer = allAnswer && (installation.settings.inhibit || state.answers == Value(true));
+  }
+  table.print(std::cout, json);
+  const std::string failures = installation.com().popErrorList();
+  if (!allAnswer) installation.strings().display("msgComErr", "voxa status", Value(failures));
+}
+
+}  // namespace
+
+void addStatusCommand(CLI::App& app, Installation& installation) {
+  auto* status = app.add_subcommand("status", "Ask every controller of the active stations for its clock");
+  auto json = std::make_shared<bool>(false);
+  status->add_flag("--json", *json, "As a JSON array");
+  status->footer("Example:\n  voxa status");
+  status->callback([&installation, json] { showStatus(installation, *json); });
+}
+
+}  // namespace voxa::cli

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <iosfwd>
+#include <nlohmann/json_fwd.hpp>
+#include <string>
+#include <vector>
+
+#include "platform/value.h"
+
+namespace voxa::cli {
+
+/// A list for a person, in aligned columns, or for a program, as a JSON array of objects whose keys are the
+/// column names.
+class TableOutput {
+ public:
+  explicit TableOutput(std::vector<std::string> columns) : columns_(std::move(columns)) {}
+
+  /// cells: one for each column.
+  void add(std::vector<Value> cells) { rows_.push_back(std::move(cells)); }
+  [[nodiscard]] bool empty() const { return rows_.empty(); }
+
+  void print(std::ostream& out, bool json) const;
+  [[nodiscard]] nlohmann::ordered_json json() const;
+
+ private:
+  void printAligned(std::ostream& out) const;
+
+  std::vector<std::string> columns_;
+  std::vector<std::vector<Value>> rows_;
+};
+
+/// Prints a JSON value, bytes that are no UTF-8 replaced.
+void printJson(std::ostream& out, const nlohmann::ordered_json& value);
+
+}  // namespace voxa::cli
