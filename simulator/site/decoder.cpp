@@ -46,6 +46,7 @@ class Fields {
     return result;
   }
   [[nodiscard]] std::size_t left() const { return rest_.size(); }
+  [[nodiscard]] std::string_view rest() const { return rest_; }
   void end() const {
     if (!rest_.empty()) throw Undecodable("the line is too long");
   }
@@ -207,7 +208,11 @@ Command card(std::string_view code, Fields fields, bool vrmd1) {
   const auto separator = [&](const std::string& before) {
     if (fields.text(1, "separator") != ";") throw Undecodable("no ; behind the " + before);
   };
-  const bool separated = vrmd1 && !(code == "37" && fields.left() == 6);
+  // Lift lines, and the line that clears a card, go to every controller alike.
+  const std::string_view rest = fields.rest();
+  const bool plain = (code == "37" && rest.size() == 6) ||
+                     (code == "09" && rest.size() == 12 && rest.substr(4) == emptyCode);
+  const bool separated = vrmd1 && !plain;
   if (separated) {
     separator("command code");
     if (fields.text(2, "record version") != recordVersion) throw Undecodable("the record version is not 01");

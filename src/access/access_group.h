@@ -5,6 +5,7 @@
 
 #include "access/acc_group_reader.h"
 #include "app/table.h"
+#include "comm/com_types.h"
 
 namespace voxa {
 
@@ -18,6 +19,19 @@ class AccessGroup : public Table {
   std::int16_t getFreeId();                 ///< first free `Id`
   /// Group by name; -1 and "msgCantFindAccessGroup" when there is none.
   std::int16_t getId(const std::string& Name);
+  /// Sends the code, rights and validity of every card of a group, to all its readers' controllers or to the
+  /// one of `readerId` (0: all), after a test of the communication. A group other than 0 is sent only when
+  /// it is marked, or with DLFull in Params. Its mark goes once all cards have been sent.
+  /// 0 sent, nothing to send, aborted by the person, or a reader of a station that is not active; -1 an
+  /// unknown group; else the line's code or an error's number. Failures and inactive stations are shown.
+  std::int16_t download(std::int16_t Id, std::int16_t Params = DLDefault, std::int16_t readerId = 0);
+  /// Links a reader to group 0 with the program "always" and sends it the group's cards; shows a failure.
+  void addReaderToDefaultGroup(std::int16_t readerId);
+  /// Removes a reader's links; nothing is sent. A failure ends this silently.
+  void deleteReaderFromAccessGroups(std::int16_t readerId);
+  /// Tests the group's readers on active stations one after the other, unless communications are inhibited.
+  /// True: a reader did not answer and the person chose to abort; False: go on.
+  bool AccessGroupCheckCom(std::int16_t Id);
 
   std::int16_t create() override;  ///< builds both tables
   void createFields(TableDef& td) override;
@@ -26,6 +40,9 @@ class AccessGroup : public Table {
   void insertDefaultRecs() override;
 
  private:
+  std::int16_t sendCards(std::int16_t id, std::int16_t readerId);
+  bool testedFor(std::int16_t readerId);
+
   AccGroupReader links_;
 };
 

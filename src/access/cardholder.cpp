@@ -1,7 +1,16 @@
 #include "access/cardholder.h"
 
+#include <optional>
+
 #include "access/access_group.h"
+#include "access/card_download.h"
+#include "access/card_record.h"
 #include "app/qdb.h"
+#include "comm/com.h"
+#include "comm/reader.h"
+#include "comm/station.h"
+#include "files/command_file.h"
+#include "files/conversions.h"
 #include "platform/database/database.h"
 
 namespace voxa {
@@ -46,6 +55,101 @@ std::int16_t Cardholder::createRelations() {
        "where a.accessGroupId = [AccessGroupId] and r.id = a.readerId and s.id = r.StationId "
        "order by s.id, r.ControllerAddress asc, r.Position asc"});
   return 0;
+}
+
+std::int16_t Cardholder::getCardNumId(std::int16_t cardNum) {
+  std::int16_t id = 0;
+  lookUp("select id from Cardholders where cardNum = " + std::to_string(cardNum) + " and Deleted = false",
+         {"msgCantFindCardholder", "Cardholders.getCardNumId"}, true,
+         [&](Recordset& row) { id = row.get("id").toInt16(); });
+  return id;
+}
+
+std::string Cardholder::getNameByCardNum(std::int16_t cardNum) {
+  std::string name;
+  lookUp("select name from Cardholders where cardNum = " + std::to_string(cardNum) + " and Deleted = false",
+         {"msgCantFindCardholder", "Cardholders.getNameByCardNum"}, true,
+         [&](Recordset& row) { name = row.get("name").toText(); });
+  return name;
+}
+
+bool Cardholder::getCardNumInUse(std::int16_t cardNum) {
+  return getCardNumId(cardNum) != 0;
+}
+
+bool Cardholder::getCardCodeInUse(std::int32_t cardCode) {
+  return !rows("select id from Cardholders where cardCode = " + std::to_string(cardCode))->eof();
+}
+
+std::int16_t Cardholder::getFreeCardNum() {
+  return gen_.getFreeValue("CardNum", "");
+}
+
+std::int16_t Cardholder::invalidate(std::int16_t cardNum, ComponentType compType,
+                                    const std::string& compName) {
+  return library_.attempt({"msgCantWriteCommand", "Cardholders.invalidate"}, [&] {
+    CommandFile& file = library_.CommandFile();
+    file.fopen();
+    file.fprint(clearCardLine(cardNum));
+    file.fclose();
+    return library_.Com().sendToComp(CmSendCommand, compType, compName);
+  });
+}
+
+std::int16_t Cardholder::delete_(std::int16_t cardNum) {
+  return library_.Com().sendCommand(clearCardLine(cardNum), CTActiveStations);
+}
+
+std::int16_t Cardholder::download(std::int16_t Id) {
+  std::optional<std::int16_t> group;
+  lookUp("select AccessGroupID From Cardholders where ID =" + std::to_string(Id),
+         {"msgCantFindCardholder", "Cardholders.download"}, true,
+         [&](Recordset& row) { group = nullToInt(row.get("accessGroupId")); });
+  if (group && library_.QDB().AccessGroups().AccessGroupCheckCom(*group)) return 0;
+  CardDownload download(library_, {});
+  download.send(Id, {});
+  return conclude(download, "Cardholders.download", DLDefault);
+}
+
+std::int16_t Cardholder::generalDownload(ComponentType compType, const std::string& compName,
+                                         std::int16_t Params, bool* AlreadyComTested) {
+  if (!library_.Com().readyToSend(compType, compName, AlreadyComTested)) return 0;
+  CardScope scope;
+  std::int16_t station = 0;
+  if (compType == CTStation) {
+    if ((station = library_.QDB().Stations().getId(compName)) == -1) return -1;
+    scope.station = station;
+  } else if (compType == CTReader) {
+    std::int16_t address = 0;
+    if (library_.QDB().Readers().getControllerAddr(compName, station, address) != 0) return -1;
+    scope = {station, address};
+  }
+  CardParts anyway;
+  if ((Params & (DLFull | DLMemErased)) != 0) anyway.set();
+  CardDownload download(library_, scope);
+  const std::int16_t failed = library_.attempt({"msgCantDownload", "Cardholders.generalDownload"}, [&] {
+    const auto cards = rows("select Id from cardholders where Deleted = false");
+    for (; !cards->eof(); cards->moveNext()) download.send(cards->get("Id").toInt32(), anyway);
+  });
+  const std::int16_t status = conclude(download, "Cardholders.generalDownload", Params);
+  return failed != 0 ? failed : status;
+}
+
+// Writes the last flags and shows what the cards met on their way, once for all of them.
+std::int16_t Cardholder::conclude(CardDownload& download, const char* method, std::int16_t params) {
+  download.finish();
+  const bool inactive = !download.inactiveStations().empty();
+  const bool failed = download.status() != 0 && !download.reported();
+  if ((params & DLNoMessage) == 0) {
+    if (!download.twoPrograms().empty()) {
+      library_.report({"msgTwoWeeklyProgOnController", "", Value(download.twoPrograms().inParentheses())});
+    }
+    if (inactive) {
+      library_.report({"msgDownloadToUnactive", "", Value(download.inactiveStations().inParentheses())});
+    }
+    if (failed) library_.report({"msgCantDownload", method, Value(library_.Com().popErrorList())});
+  }
+  return inactive ? std::int16_t{1} : download.status();
 }
 
 }  // namespace voxa

@@ -89,8 +89,11 @@ TEST_F(Decoding, aVrmd1TakesItsOwnForms) {
   EXPECT_EQ(held.badgeFormats[1].technology, "108");
   EXPECT_EQ(held.holidays.at(0).slot, 60);
 
-  send({"49;01;0012;0"});
+  send({"49;01;0012;0", "09;01;0013;00000034"});
   EXPECT_FALSE(look().cards.at(0).supervisor);
+  EXPECT_EQ(look().cards.size(), 2U);
+  send({"09001300000000"});
+  EXPECT_EQ(look().cards.size(), 1U);
   for (const char* wrong : {"09001200001234", "33001203", "09;02;0012;00001234", "09;01;12;00001234",
                             "49;01;0012;", "09;01;0012:00001234",
                             "04399902040608"

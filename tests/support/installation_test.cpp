@@ -30,7 +30,12 @@ std::int16_t RecordingDriver::call(ComCommandsEnum command, std::int16_t station
                                    std::int16_t controllerAddr) {
   calls.push_back(
       {command, stationId, controllerAddr, command == CmSendCommand ? contents("COMMAND.TXT") : ""});
-  return answer(calls.back());
+  const std::int16_t result = answer(calls.back());
+  if (command == CmReadDate && controllerAddr == 0 && result == 100 && resultFile) {
+    std::string number = std::to_string(1000 + stationId).substr(1);
+    std::ofstream("RS" + number + ".OUT", std::ios::binary) << *resultFile << "\r\n";
+  }
+  return result;
 }
 
 std::string RecordingDriver::sent() const {

@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -39,6 +40,8 @@ class RecordingDriver : public Driver {
   std::vector<Call> calls;
   std::function<std::int16_t(const Call&)> answer = [](const Call&) { return std::int16_t{100}; };
   int systemError = 0;
+  /// What a successful read of a whole station's dates leaves in its result file; none: no file.
+  std::optional<std::string> resultFile = "XXXXXXXXXXXXXXXX";
 };
 
 /// A clock that stands still until a wait moves it.

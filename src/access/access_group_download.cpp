@@ -1,0 +1,132 @@
+// AccessGroup: a group's cards on their way to the controllers.
+
+#include "access/access_group.h"
+#include "access/card_download.h"
+#include "app/qdb.h"
+#include "comm/com.h"
+#include "comm/reader.h"
+#include "platform/database/database.h"
+
+namespace voxa {
+
+namespace {
+
+constexpr std::int16_t defaultGroup = 0;
+
+CardParts rightsOfCard() {
+  CardParts parts;
+  for (const CardPart part : {cardCodePart, validatedPart, accessGroupPart}) parts.set(part);
+  return parts;
+}
+
+}  // namespace
+
+std::int16_t AccessGroup::download(std::int16_t Id, std::int16_t Params, std::int16_t readerId) {
+  bool missing = false;
+  const std::int16_t status = library_.attempt([&]() -> std::int16_t {
+    const std::string condition = "id = " + std::to_string(Id);
+    missing = gen_.openWhere(condition);
+    if (missing) return -1;
+    if (!testedFor(readerId)) return 0;
+    // Read after the test, in which a person may have taken a long time to answer.
+    if (gen_.openWhere(condition)) return 0;
+    const bool marked = gen_.getFlagDSetFound();
+    if ((Params & DLFull) != 0) {
+      if (const std::int16_t failed = gen_.setFlagsD(true); failed != 0) return failed;
+    } else if (Id != defaultGroup && !marked) {
+      return 0;
+    }
+    const std::int16_t sent = sendCards(Id, readerId);
+    // The mark of a group that waits for its other readers stays.
+    if (sent != 0 || (readerId != 0 && marked) || gen_.openWhere(condition)) return sent;
+    return gen_.setFlagsD(false);
+  });
+  if (missing) {
+    library_.report({"msgCantFindAccessGroup", "AccessGroups.download", Value(Id)});
+  } else if (status != 0) {
+    library_.report({"msgCantDownload", "AccessGroups.download", Value(library_.Com().popErrorList())});
+  }
+  return status;
+}
+
+bool AccessGroup::testedFor(std::int16_t readerId) {
+  if (readerId == 0) return library_.Com().readyToSend(CTActiveStations, "", nullptr);
+  const auto station = rows(
+      "SELECT Stations.Active FROM Stations INNER JOIN Readers ON Stations.Id = Readers.StationId WHERE "
+      "Readers.Id=" +
+      std::to_string(readerId));
+  if (station->eof() || !station->get("Active").toBool()) return false;
+  return library_.Com().readyToSend(CTReader, library_.QDB().Readers().getName(readerId), nullptr);
+}
+
+std::int16_t AccessGroup::sendCards(std::int16_t id, std::int16_t readerId) {
+  CardScope scope;
+  std::string links = "AccessGroupId = " + std::to_string(id);
+  if (readerId != 0) {
+    std::int16_t station = 0;
+    std::int16_t address = 0;
+    if (library_.QDB().Readers().getControllerAddrID(readerId, station, address) != 0) return -1;
+    scope = {station, address};
+    links += " and ReaderId = " + std::to_string(readerId);
+  }
+  CardDownload download(library_, scope);
+  const auto cards = rows(
+      "select id, CardNum, CardCodeFlagD,ValidatedFlagD, AccessGroupIdFlagD from Cardholders where "
+      "AccessGroupId = " +
+      std::to_string(id));
+  for (; !cards->eof(); cards->moveNext()) download.send(cards->get("id").toInt32(), rightsOfCard());
+  download.finish();
+  if (!download.twoPrograms().empty()) {
+    library_.report({"msgTwoWeeklyProgOnController", "", Value(download.twoPrograms().inParentheses())});
+  }
+  if (!download.inactiveStations().empty()) {
+    library_.report({"msgDownloadToUnactive", "", Value(download.inactiveStations().inParentheses())});
+  }
+  if (download.complete()) database().execute("update AccGroupReaders set FlagD = False where " + links);
+  return download.status();
+}
+
+void AccessGroup::addReaderToDefaultGroup(std::int16_t readerId) {
+  library_.attempt({"msgCantAddToDefaultGroup", "AccessGroups.addReaderToDefaultGroup"}, [&] {
+    const std::string reader = std::to_string(readerId);
+    Transaction transaction(library_.engine());
+    database().execute(
+        "insert into AccGroupReaders ( AccessGroupId, ReaderId, WeeklyProgType, WeeklyProgNum )values ( 0, " +
+        reader + ", 'C', 0 )");
+    // Until the reader has the group's cards, which it may not have today.
+    database().execute("update AccGroupReaders set FlagD = True where AccessGroupId = 0 and ReaderId = " +
+                       reader);
+    transaction.commit();
+    download(defaultGroup, DLFull, readerId);
+  });
+}
+
+void AccessGroup::deleteReaderFromAccessGroups(std::int16_t readerId) {
+  library_.attempt([&] {
+    database().execute("delete * from AccGroupReaders WHERE readerId = " + std::to_string(readerId));
+  });
+  library_.error().clear();
+}
+
+bool AccessGroup::AccessGroupCheckCom(std::int16_t Id) {
+  bool abort = false;
+  Com& com = library_.Com();
+  if (com.inhibitCom) return abort;
+  library_.attempt({"msgUnexpecErr", "AccessGroups.AccessGroupCheckCom"}, [&] {
+    const auto readers = rows(
+        "SELECT AccGroupReaders.ReaderId FROM Stations INNER JOIN (Readers INNER JOIN AccGroupReaders ON "
+        "Readers.Id = AccGroupReaders.ReaderId) ON Stations.Id = Readers.StationId WHERE "
+        "Stations.Active=True  "
+        "AND AccGroupReaders.AccessGroupId=" +
+        std::to_string(Id));
+    for (; !readers->eof(); readers->moveNext()) {
+      const std::string name = library_.QDB().Readers().getName(readers->get("ReaderId").toInt16());
+      if (com.TestCom(CTReader, name)) continue;
+      abort = com.MsgChooseAbort(CTReader, name);
+      return;
+    }
+  });
+  return abort;
+}
+
+}  // namespace voxa

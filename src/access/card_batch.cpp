@@ -1,0 +1,200 @@
+// Cardholder::createGroup: a block of consecutive cards, in the table and on the controllers, all or nothing.
+
+#include <algorithm>
+#include <limits>
+#include <optional>
+
+#include "access/card_doors.h"
+#include "access/card_download.h"
+#include "access/cardholder.h"
+#include "app/qdb.h"
+#include "comm/com.h"
+#include "files/command_file.h"
+#include "messages/strings.h"
+#include "platform/database/database.h"
+#include "platform/text.h"
+
+namespace voxa {
+
+namespace {
+
+constexpr int codeLength = 8;
+constexpr std::int16_t inUse = 1;
+constexpr std::int16_t notTaken = -1;
+
+std::string addToCardCode(const std::string& code, std::int32_t n) {
+  const bool digits = !code.empty() && code.size() <= codeLength &&
+                      std::all_of(code.begin(), code.end(), [](char c) { return c >= '0' && c <= '9'; });
+  if (!digits)
+    throw Error(err::typeMismatch, "Type mismatch: the card code '" + code + "' is not 1 to 8 digits");
+  std::string sum = zeroPadded(std::stoll(code) + n, codeLength);
+  if (sum.size() > codeLength) {
+    throw Error(err::overflow, "Overflow: the card code " + sum + " has more than 8 digits");
+  }
+  return sum;
+}
+
+std::int16_t cardNumber(std::int64_t number) {
+  if (number < 1 || number > std::numeric_limits<std::int16_t>::max()) {
+    throw Error(err::overflow, "Overflow: the card number " + std::to_string(number));
+  }
+  return static_cast<std::int16_t>(number);
+}
+
+class Batch {
+ public:
+  Batch(Library& library, std::int32_t firstNum, std::string firstCode, std::int16_t cards,
+        std::int16_t group)
+      : library_(library),
+        firstNum_(firstNum),
+        firstCode_(std::move(firstCode)),
+        cards_(cards),
+        group_(group) {
+    if (cards < 1) throw Error(err::invalidArgument, "Invalid argument: a group has one card or more");
+    lastNum_ = cardNumber(std::int64_t{cardNumber(firstNum)} + cards - 1);
+    lastCode_ = addToCardCode(firstCode_, cards - 1);
+    firstCode_ = addToCardCode(firstCode_, 0);
+  }
+
+  /// Whether a number or code of the block is in use; that has been shown then.
+  bool clashes() {
+    return shownInUse("CardNum", numbers(), "msgCardNumInUse") ||
+           shownInUse("CardCode", "cardCode between '" + firstCode_ + "' and '" + lastCode_ + "'",
+                      "msgCardCodeInUse");
+  }
+  void insert(bool groupMode);
+  /// 0, or notTaken at the first controller that does not take the block.
+  std::int16_t send();
+  /// Takes the block back from the controllers that have it, or part of it.
+  void takeBack();
+  void reportLeftOut();
+
+ private:
+  [[nodiscard]] Database& database() { return *library_.QDB().DB(); }
+  [[nodiscard]] std::string numbers() const {
+    return "cardNum between " + std::to_string(firstNum_) + " and " + std::to_string(lastNum_);
+  }
+  bool shownInUse(const std::string& column, const std::string& condition, std::string_view mnemonic);
+  void writeBlock(const GrantedController& controller, const std::vector<std::int16_t>& lifts);
+
+  Library& library_;
+  std::int32_t firstNum_;
+  std::int16_t lastNum_ = 0;
+  std::string firstCode_;
+  std::string lastCode_;
+  std::int16_t cards_;
+  std::int16_t group_;
+  std::vector<GrantedController> reached_;
+  Names inactiveStations_;
+  Names twoPrograms_;
+};
+
+bool Batch::shownInUse(const std::string& column, const std::string& condition, std::string_view mnemonic) {
+  const auto rows = database().openRecordset("select id, " + column + " from Cardholders where " + condition);
+  if (rows->eof()) return false;
+  library_.report({mnemonic, "", Value("(" + rows->get(column).toText() + ")")});
+  return true;
+}
+
+void Batch::insert(bool groupMode) {
+  const std::string prefix = groupMode ? "" : library_.Strings().read("nameGroupCard") + " ";
+  for (std::int16_t i = 0; i < cards_; ++i) {
+    const std::int16_t number = cardNumber(firstNum_ + i);
+    const std::string code = addToCardCode(firstCode_, i);
+    database().execute("insert into Cardholders (Name, cardNum, CardCode,AccessGroupId)  values ('" +
+                       (groupMode ? code : prefix + zeroPadded(number, 4)) + "'," + std::to_string(number) +
+                       ", '" + code + "'," + std::to_string(group_) + ")");
+  }
+}
+
+void Batch::writeBlock(const GrantedController& controller, const std::vector<std::int16_t>& lifts) {
+  CommandFile& file = library_.CommandFile();
+  file.fopen();
+  CardRecord card;
+  for (const CardPart part : {cardCodePart, accessGroupPart, validatedPart}) card.parts.set(part);
+  const CardRights rights = controller.rights();
+  for (std::int16_t i = 0; i < cards_; ++i) {
+    card.number = firstNum_ + i;
+    card.code = addToCardCode(firstCode_, i);
+    writeCardRecord(card, rights, lifts, controller.type, file);
+  }
+  file.fclose();
+}
+
+std::int16_t Batch::send() {
+  const auto first = database().openRecordset(
+      "select id from Cardholders where cardNum = " + std::to_string(firstNum_) + " and Deleted = false");
+  const std::int32_t firstId = first->get("id").toInt32();
+  Com& com = library_.Com();
+  bool everywhere = true;
+  for (const GrantedController& controller : controllersOf(database(), group_)) {
+    if (!controller.active) inactiveStations_.add(controller.stationName);
+    if (!controller.active || !com.TestSend(controller.station, controller.address)) {
+      everywhere = false;
+      continue;
+    }
+    if (controller.twoPrograms()) twoPrograms_.add(com.getName(controller.station, controller.address));
+    writeBlock(controller, liftOutputs(database(), firstId, controller));
+    reached_.push_back(controller);
+    if (com.Send(CmSendCommand, controller.station, controller.address) != 0) return notTaken;
+  }
+  if (!everywhere) {  // for the download to those that were left out
+    database().execute(
+        "update Cardholders set CardCodeFlagD = True, AccessGroupIdFlagD = True, ValidatedFlagD = True "
+        "where " +
+        numbers());
+  }
+  return 0;
+}
+
+void Batch::takeBack() {
+  for (const GrantedController& controller : reached_) {
+    const std::int16_t status = library_.attempt([&] {
+      CommandFile& file = library_.CommandFile();
+      file.fopen();
+      for (std::int32_t number = firstNum_; number <= lastNum_; ++number) file.fprint(clearCardLine(number));
+      file.fclose();
+      return library_.Com().Send(CmSendCommand, controller.station, controller.address);
+    });
+    if (status == 0) continue;
+    library_.Com().errorList += "\r\n" + library_.Strings().read("msgCantSendCommand") + " (" +
+                                library_.Com().getName(controller.station, controller.address) + "): 09" +
+                                zeroPadded(firstNum_, 4) + " - " + zeroPadded(lastNum_, 4);
+  }
+}
+
+void Batch::reportLeftOut() {
+  if (!twoPrograms_.empty()) {
+    library_.report({"msgTwoWeeklyProgOnController", "", Value(twoPrograms_.inParentheses())});
+  }
+  if (!inactiveStations_.empty()) {
+    library_.report({"msgDownloadToUnactive", "", Value(inactiveStations_.inParentheses())});
+  }
+}
+
+}  // namespace
+
+std::int16_t Cardholder::createGroup(std::int32_t firstCardNum, const std::string& firstCardCode,
+                                     std::int16_t nCards, std::int16_t accessGroupId, bool GroupMode) {
+  std::optional<Batch> batch;
+  bool clash = false;
+  const std::int16_t status = library_.attempt([&]() -> std::int16_t {
+    batch.emplace(library_, firstCardNum, firstCardCode, nCards, accessGroupId);
+    (void)database();
+    if ((clash = batch->clashes())) return inUse;
+    Transaction transaction(library_.engine());
+    batch->insert(GroupMode);
+    if (const std::int16_t failed = batch->send(); failed != 0) return failed;
+    transaction.commit();
+    return 0;
+  });
+  if (status == 0) batch->reportLeftOut();
+  if (status == 0 || clash) return status;
+  const ErrorInfo error = library_.error();
+  if (batch) batch->takeBack();
+  library_.error() = error;
+  library_.report({"msgCantDownload", "Cardholders.createGroup", Value(library_.Com().popErrorList())});
+  return status;
+}
+
+}  // namespace voxa

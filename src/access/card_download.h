@@ -1,0 +1,85 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "access/card_record.h"
+#include "app/gen_table.h"
+
+namespace voxa {
+
+class Library;
+struct GrantedController;
+
+/// Texts in order, each once, as a message names them.
+class Names {
+ public:
+  void add(const std::string& name);
+  [[nodiscard]] bool empty() const { return names_.empty(); }
+  [[nodiscard]] std::string inParentheses() const;  ///< "(a, b)"
+
+ private:
+  std::vector<std::string> names_;
+};
+
+/// The controllers that a download of cards goes to: all, one station's, or one.
+struct CardScope {
+  std::optional<std::int16_t> station = {};
+  std::optional<std::int16_t> address = {};  ///< on that station
+  [[nodiscard]] bool everywhere() const { return !station; }
+  [[nodiscard]] bool covers(const GrantedController& controller) const;
+};
+
+/// Sends cards, one after the other, to the controllers of their access groups, and keeps the flags in step:
+/// a card's flags are cleared when every controller of its group has what the row said, and they are set
+/// when a part that was sent anyway did not arrive everywhere. A failed card does not stop the next.
+class CardDownload {
+ public:
+  CardDownload(Library& library, const CardScope& scope);
+
+  /// Sends the flagged parts of a card's row, and `anyway`. A missing row is reported
+  /// ("msgCantFindCardholder"). Failures on the line are left in `Com.errorList`, others are added to it.
+  void send(std::int32_t cardholderId, const CardParts& anyway);
+  /// Writes the flags of the last cards. To be called behind the last send.
+  void finish();
+
+  /// First failure: the line's code or an error's number, -1 for a missing row; 0 when there was none.
+  [[nodiscard]] std::int16_t status() const { return status_; }
+  /// Whether the failure has been shown.
+  [[nodiscard]] bool reported() const { return reported_; }
+  /// The stations with controllers that were not sent to since the line is not in use.
+  [[nodiscard]] const Names& inactiveStations() const { return inactiveStations_; }
+  /// Controllers at which a granted door stays shut: the group grants the doors under two programs.
+  [[nodiscard]] const Names& twoPrograms() const { return twoPrograms_; }
+  /// Whether every card reached every controller that it concerns.
+  [[nodiscard]] bool complete() const { return complete_; }
+
+ private:
+  struct Sent {
+    std::int32_t id;
+    bool everywhere;            ///< clear its flags, else set those of `parts`
+    std::vector<Value> values;  ///< the row as it was sent
+    CardParts parts;
+  };
+
+  std::int16_t sendCard(std::int32_t id, const CardParts& anyway);
+  bool sendTo(const GrantedController& controller, std::int32_t id, const CardRecord& card,
+              std::int16_t& status);
+  bool numberIsTaken(const CardRecord& deleted);
+  void fail(std::int16_t status);
+  void writeFlags(const Sent& card);
+
+  Library& library_;
+  GenTable cards_;
+  CardScope scope_;
+  std::vector<Sent> sent_;
+  std::int16_t status_ = 0;
+  bool reported_ = false;
+  bool complete_ = true;
+  Names inactiveStations_;
+  Names twoPrograms_;
+};
+
+}  // namespace voxa

@@ -1,0 +1,124 @@
+#include "access/card_record.h"
+
+#include <array>
+
+#include "files/command_file.h"
+#include "files/conversions.h"
+#include "platform/database/database.h"
+#include "platform/datetime.h"
+#include "platform/text.h"
+
+namespace voxa {
+
+namespace {
+
+constexpr std::array<std::string_view, cardPartCount> flagColumns = {
+    "CardCodeFlagD",   "AccessGroupIdFlagD",  "ValidatedFlagD", "PINCodeFlagD",
+    "SupervisorFlagD", "ValidationDateFlagD", "CreditFlagD"};
+
+constexpr std::size_t codeLength = 8;
+constexpr const char* clearingCode = "00000000";
+constexpr const char* noDate = "000000";
+
+std::string digits(std::int32_t number, int width, const char* what) {
+  std::string text = zeroPadded(number, width);
+  if (number < 0 || text.size() > static_cast<std::size_t>(width)) {
+    throw Error(err::overflow, "Overflow: " + std::string(what) + " " + std::to_string(number) +
+                                   " is not a number of " + std::to_string(width) + " digits");
+  }
+  return text;
+}
+
+// Spells the lines of one card for one kind of controller.
+class Lines {
+ public:
+  Lines(std::int32_t cardNum, bool separated, CommandFile& file)
+      : number_(digits(cardNum, 4, "card number")), separated_(separated), file_(file) {}
+
+  void print(const std::string& command, const std::string& value) {
+    file_.fprint(separated_ ? command + ";01;" + number_ + ";" + value : command + number_ + value);
+  }
+  void supervisor(bool on) {
+    if (separated_) return print("49", on ? "1" : "0");
+    print("49", on ? "" : "0");
+  }
+  void lift(std::int16_t output) { file_.fprint("37" + number_ + digits(output, 2, "lift output")); }
+
+ private:
+  std::string number_;
+  bool separated_;
+  CommandFile& file_;
+};
+
+}  // namespace
+
+std::string_view flagColumn(std::size_t part) {
+  return flagColumns.at(part);
+}
+
+CardRecord::CardRecord(const Recordset& row)
+    : number(row.get("CardNum").isNull() ? 0 : row.get("CardNum").toInt32()),
+      code(row.get("CardCode").isNull() ? "" : row.get("CardCode").toText()),
+      deleted(row.get("Deleted").toBool()),
+      validated(row.get("Validated").toBool()),
+      pinCode(nullToInt(row.get("PINCode"))),
+      supervisor(row.get("Supervisor").toBool()),
+      validationDate(row.get("ValidationDate")),
+      credit(nullToInt(row.get("Credit"))) {
+  for (std::size_t part = 0; part < cardPartCount; ++part) {
+    parts[part] = row.get(flagColumn(part)).toBool();
+  }
+}
+
+std::string clearCardLine(std::int32_t cardNum) {
+  return "09" + zeroPadded(cardNum, 4) + clearingCode;
+}
+
+std::string convertCardCode(std::string_view code) {
+  if (code.size() > codeLength) {
+    throw Error(err::invalidArgument,
+                "Invalid argument: the card code " + std::string(code) + " has more than 8 characters");
+  }
+  std::string converted(codeLength - code.size(), ' ');
+  for (const char c : code) {
+    const bool upper = c >= 'A' && c <= 'F';
+    if (c >= '0' && c <= '9') {
+      converted += c;
+    } else if (upper || (c >= 'a' && c <= 'f')) {
+      converted += static_cast<char>(c - (upper ? 'A' : 'a') + ':');
+    } else {
+      throw Error(err::invalidArgument, "Invalid argument: the card code " + std::string(code) +
+                                            " has characters other than 0 to 9 and A to F");
+    }
+  }
+  return converted;
+}
+
+void writeCardRecord(const CardRecord& card, const CardRights& rights,
+                     const std::vector<std::int16_t>& liftOutputs, std::string_view controllerType,
+                     CommandFile& file) {
+  Lines lines(card.number, controllerType == "VRMD1", file);
+  // A card that is gone, or has no code any more, must not be left with the old one.
+  if (card.deleted || (card.parts[cardCodePart] && card.code.empty())) {
+    lines.print("09", clearingCode);
+    return;
+  }
+  const auto digit = [&](bool door) { return card.validated && door ? "1" : "0"; };
+  if (card.parts[cardCodePart]) lines.print("09", convertCardCode(card.code));
+  if (card.parts[accessGroupPart]) lines.print("33", digits(rights.weeklyProgram, 2, "weekly program"));
+  if (card.parts[validatedPart]) {
+    lines.print("16", digit(rights.firstDoor));
+    lines.print("17", digit(rights.secondDoor));
+  }
+  if (card.parts[pinCodePart]) lines.print("19", digits(card.pinCode, 4, "personal code"));
+  if (card.parts[supervisorPart]) lines.supervisor(card.supervisor);
+  if (card.parts[validationDatePart]) {
+    lines.print("35", card.validationDate.isNull()
+                          ? noDate
+                          : formatDateTime(card.validationDate.toDateTime(), "ddmmyy"));
+  }
+  if (card.parts[creditPart]) lines.print("36", digits(card.credit, 2, "credit"));
+  for (const std::int16_t output : liftOutputs) lines.lift(output);
+}
+
+}  // namespace voxa
