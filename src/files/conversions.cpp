@@ -1,5 +1,7 @@
 #include "files/conversions.h"
 
+#include <limits>
+
 #include "platform/error.h"
 
 namespace voxa {
@@ -26,6 +28,7 @@ std::string hexToBin(std::string_view text) {
 
 std::int32_t toggleSign16(std::int32_t value) {
   if (value >= -32768 && value <= -1) return value + 65536;
+  if (value < std::numeric_limits<std::int32_t>::min() + 65536) throw Error(err::overflow, "Overflow");
   if (value >= 32768 || value < -32768) return value - 65536;
   return value;
 }

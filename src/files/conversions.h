@@ -16,7 +16,8 @@ namespace voxa {
 [[nodiscard]] std::string hexToBin(std::string_view text);
 
 /// The other reading of a 16-bit value: -32768 to -1 becomes 32768 to 65535 and the reverse, so that a
-/// negative value has four hexadecimal digits. Values of one reading only are returned as they are.
+/// negative value has four hexadecimal digits. Values of one reading only are returned as they are; 65536 is
+/// subtracted from any other, `err::overflow` when the result needs more than 32 bits.
 [[nodiscard]] std::int32_t toggleSign16(std::int32_t value);
 
 }  // namespace voxa

@@ -41,6 +41,10 @@ Value readAs(const std::string& item, const Value& wanted) {
 }  // namespace
 
 SeqFile::~SeqFile() {
+  abandon();
+}
+
+void SeqFile::abandon() {
   try {
     if (ch_ != 0) fclose();
   } catch (const Error&) {
@@ -58,7 +62,7 @@ auto SeqFile::access(const char* mnemonic, Work&& work) {
 }
 
 void SeqFile::fopen(const std::string& mode) {
-  if (ch_ != 0) fclose();
+  abandon();
   ch_ = library_.takeFileNumber();
   const auto streamMode = mode == "r"   ? files::Stream::Mode::read
                           : mode == "w" ? files::Stream::Mode::write
@@ -100,8 +104,8 @@ void SeqFile::finput(Value& var) {
   access("msgCantRead", [&] { var = readAs(fromCp1252(opened(stream_).readItem()), var); });
 }
 
-std::string SeqFile::flineInput() {
-  return access("msgCantRead", [&] { return fromCp1252(opened(stream_).readLine()); });
+std::string SeqFile::flineInput(std::size_t limit) {
+  return access("msgCantRead", [&] { return fromCp1252(opened(stream_).readLine(limit)); });
 }
 
 void SeqFile::appendFile(const std::string& fileName) {

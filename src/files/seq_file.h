@@ -28,7 +28,7 @@ class SeqFile {
   [[nodiscard]] std::int16_t ch() const { return ch_; }  ///< file number, 0 when closed
 
   /// mode, to the letter: "r" reads, "w" empties and writes, anything else appends (creating the file when
-  /// it is missing). An open file is closed first.
+  /// it is missing). An open file is closed first, as the destructor does it.
   void fopen(const std::string& mode = "");
   /// What was written is in the file when this returns; a failure is raised like that of a write.
   void fclose();
@@ -37,11 +37,13 @@ class SeqFile {
   /// Reads the next item, up to a comma or line end, as the type that `var` holds; into a Null `var` as a
   /// number when it reads as one, else as text.
   void finput(Value& var);
-  [[nodiscard]] std::string flineInput();
+  /// limit: greatest number of characters; what a longer line has beyond them is passed over.
+  [[nodiscard]] std::string flineInput(std::size_t limit = std::string::npos);
   /// Copies the lines of another file to the end of this one, which must be open for writing.
   void appendFile(const std::string& fileName);
 
  private:
+  void abandon();
   template <typename Work>
   auto access(const char* mnemonic, Work&& work);
 

@@ -1,5 +1,6 @@
 #include "journal/journal.h"
 
+#include "journal/journal_rows.h"
 #include "platform/database/database.h"
 
 namespace voxa {
@@ -26,7 +27,7 @@ void Journal::createFields(TableDef& td) {
   addField(td, "ReaderId", DataType::Long);
   addField(td, "ReaderName", DataType::Text, 50);
   addField(td, "TransactionType", DataType::Text, 2);
-  addField(td, "CardholderName", DataType::Text, 40);
+  addField(td, "CardholderName", DataType::Text, cardholderNameSize);
   addField(td, "TransactionData", DataType::Text, 8);
 }
 

@@ -1,15 +1,28 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 
 #include "app/table.h"
+#include "comm/com_types.h"
+#include "platform/driver/driver.h"
 
 namespace voxa {
 
 /// The journal: what happened at the doors. Table "Journal" in a database file of its own, `dbName` in the
 /// current folder, which is opened with the main database.
+///
+/// Reading empties the transaction memory of controllers into it. The driver writes a memory into the work
+/// file "J.DAT" of the current folder; its lines become rows in one database transaction; the file is kept
+/// under the controller's base name ("J00305": station 3, controller 5) as ".DAT", the one before as ".OLD",
+/// and copied into the archive folder "Backup" of `Com.Chemin`. Only when all of that succeeded for the whole
+/// memory is the controller told to clear it, so that at any instant a transaction is in the journal, in a
+/// file or on the controller. After a failure the next read takes the same memory again, rows included.
+///
+/// A line that is no transaction does not stop the others: it goes into base name + ".BAD", with the reason,
+/// before the rows are committed.
 class Journal : public Table {
  public:
   static constexpr const char* dbName = "Journal.MDB";
@@ -30,7 +43,45 @@ class Journal : public Table {
   void createFields(TableDef& td) override;
   void createIndexes(TableDef& td) override;
 
+  /// Reads the controller of one reader (CTReader) or all controllers of one station (CTStation) and clears
+  /// what was read. 0: everything is in the journal. Every failure is shown. Otherwise: -1 when the person
+  /// aborted or a reader's controller does not answer; the result of the driver call that failed; 13 when
+  /// lines could not be decoded (the rest is in the journal, the memory cleared); the number of an error.
+  std::int16_t readTransactions(ComponentType compType, const std::string& compName);
+  /// Reads and clears every controller of every station, dialling the stations that have a telephone number
+  /// and hanging up afterwards. Failures go to the progress log "Log.txt", made anew, and the run goes on
+  /// with the next controller. 0, or the result of the first controller that failed, numbered as above; a
+  /// failure of the run itself is shown.
+  std::int16_t readAuto();
+  /// The code of the last unknown card shown at a reader today, which is read first; the row leaves the
+  /// journal. "" when there is none, which is shown.
+  std::string getLastCardCode(const std::string& readerName);
+
  private:
+  class AutoRun;
+
+  struct Source {
+    std::int16_t station;
+    std::int16_t controller;  ///< 0: the whole station
+  };
+  /// What tells the reads on request from those of a run.
+  struct Route {
+    std::function<std::int16_t(ComCommandsEnum)> send;
+    /// Asked once the memory was read; raises what is wrong.
+    std::function<Source()> source;
+    /// Tells of a failure: mnemonic, detail, and the current error, which it clears.
+    std::function<void(const char*, const std::string&)> fail;
+  };
+
+  std::int16_t transfer(const Route& route);
+  std::string takeIn(const Source& source);
+  Source sourceOf(ComponentType compType, const std::string& compName);
+
+  [[nodiscard]] static std::string makeFileName(const Source& source);
+  static void rotateFile(const std::string& baseName);
+  std::string decodeFile(std::int16_t stationId, const std::string& baseName);
+  void archiveFile(const std::string& baseName);
+
   std::shared_ptr<Database> database_;
 };
 

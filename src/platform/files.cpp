@@ -194,13 +194,14 @@ void Stream::skipLineFeed() {
   if (fill() && buffer_[next_] == '\n') ++next_;
 }
 
-std::string Stream::readLine() {
+std::string Stream::readLine(std::size_t limit) {
   requireMore();
   std::string line;
   while (fill()) {
     const auto begin = buffer_.begin() + static_cast<std::ptrdiff_t>(next_);
     const auto end = std::find_if(begin, buffer_.end(), [](char c) { return c == '\r' || c == '\n'; });
-    line.append(begin, end);
+    const std::size_t wanted = std::min(static_cast<std::size_t>(end - begin), limit - line.size());
+    line.append(begin, begin + static_cast<std::ptrdiff_t>(wanted));
     next_ = static_cast<std::size_t>(end - buffer_.begin());
     if (end == buffer_.end()) continue;
     ++next_;

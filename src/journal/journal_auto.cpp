@@ -1,0 +1,185 @@
+// Reading every controller in turn, unattended.
+
+#include <optional>
+#include <utility>
+
+#include "app/library.h"
+#include "app/qdb.h"
+#include "comm/com.h"
+#include "comm/station.h"
+#include "files/seq_file.h"
+#include "journal/journal.h"
+#include "messages/strings.h"
+#include "platform/clock.h"
+#include "platform/database/database.h"
+#include "platform/datetime.h"
+
+namespace voxa {
+
+namespace {
+
+constexpr int secondsBeforeDialling = 20;
+constexpr int secondsAfterDialling = 5;
+
+/// "Log.txt": what a run did and when. Closed after each line, so that it can be read meanwhile.
+class ProgressLog {
+ public:
+  explicit ProgressLog(Library& library) : library_(library), file_(library) { file_.Name("Log.txt"); }
+
+  void empty() {
+    file_.fopen("w");
+    file_.fclose();
+  }
+  /// One line: date, time, the mnemonic's text (itself while it has none), the detail.
+  void write(const char* mnemonic, const std::string& detail = "") {
+    std::string text = library_.Strings().read(mnemonic);
+    if (text.empty()) text = mnemonic;
+    file_.fopen();
+    file_.fprint(formatDateTime(library_.clock().now(), "dd/mm/yyyy hh:nn:ss") + " : " + text +
+                 (detail.empty() ? "" : " ") + detail);
+    file_.fclose();
+  }
+
+ private:
+  Library& library_;
+  SeqFile file_;
+};
+
+}  // namespace
+
+class Journal::AutoRun {
+ public:
+  explicit AutoRun(Journal& journal)
+      : journal_(journal), library_(journal.library_), com_(library_.Com()), log_(library_) {}
+
+  std::int16_t readAll();
+  /// Ends the call that is up, if one is; what the driver said.
+  std::int16_t disconnect();
+
+ private:
+  void begin(std::int16_t station);
+  void hangUp();
+  void dial(std::int16_t station);
+  std::int16_t readController(const Source& source);
+  std::int16_t emptyController(const Source& source);
+  [[nodiscard]] Database& database() const;
+
+  Journal& journal_;
+  Library& library_;
+  Com& com_;
+  ProgressLog log_;
+  std::int16_t station_ = 0;
+  std::string stationName_;
+  std::optional<std::int16_t> dialled_;
+};
+
+Database& Journal::AutoRun::database() const {
+  const auto database = library_.QDB().DB();
+  if (!database) throw Error(err::objectNotSet, "No database is open");
+  return *database;
+}
+
+std::int16_t Journal::AutoRun::disconnect() {
+  if (!dialled_) return 0;
+  const std::int16_t station = *std::exchange(dialled_, std::nullopt);
+  const std::int16_t result = com_.Send(CmDisconnect, station);
+  library_.QDB().Stations().setActive(station, false);
+  return result;
+}
+
+void Journal::AutoRun::hangUp() {
+  if (!dialled_) return;
+  log_.write("LogDisconnect", stationName_);
+  if (disconnect() != 0) {
+    log_.write("msgUICantDisconnect", com_.popErrorList());
+  } else {
+    log_.write("msgUIStationDisconnected");
+  }
+}
+
+void Journal::AutoRun::dial(std::int16_t station) {
+  library_.clock().wait(secondsBeforeDialling);
+  log_.write("LogConnect", stationName_);
+  dialled_ = station;
+  std::int16_t result = com_.Send(CmConnect, station);
+  if (result != 0) {
+    (void)com_.popErrorList();  // the second attempt decides
+    result = com_.Send(CmConnect, station);
+  }
+  if (result != 0) {
+    log_.write("msgUICantConnect", com_.popErrorList());
+  } else {
+    log_.write("msgUIStationConnected");
+    library_.QDB().Stations().setActive(station, true);
+  }
+  library_.clock().wait(secondsAfterDialling);
+}
+
+void Journal::AutoRun::begin(std::int16_t station) {
+  hangUp();
+  station_ = station;
+  stationName_ = library_.QDB().Stations().getName(station);
+  const auto dialUp =
+      database().openRecordset("Select * from Stations where Phone <>'' and ID = " + std::to_string(station));
+  if (!dialUp->eof()) dial(station);
+}
+
+std::int16_t Journal::AutoRun::emptyController(const Source& source) {
+  const auto fail = [&](const char* mnemonic, const std::string& why) {
+    std::string detail = why;
+    if (const ErrorInfo error = std::exchange(library_.error(), {}); error.number != 0) {
+      detail += "\r\nError " + std::to_string(error.number) + ": " + error.description;
+    }
+    log_.write(mnemonic, detail);
+  };
+  const auto send = [&](ComCommandsEnum command) {
+    if (command == CmResetReadPointer) log_.write("LogReset");
+    if (command == cmReadMemory) log_.write("LogReadTrans");
+    if (command == CmSendClear) log_.write("LogDelete");
+    return com_.Send(command, source.station, source.controller);
+  };
+  const std::int16_t answer = send(CmReadDate);
+  if (answer == 0) return journal_.transfer({send, [&] { return source; }, fail});
+  fail("msgCantTransferTransac", com_.popErrorList());
+  return answer;
+}
+
+std::int16_t Journal::AutoRun::readController(const Source& source) {
+  log_.write("LogControllerStart", stationName_ + " - " + std::to_string(source.controller));
+  const std::int16_t result = emptyController(source);
+  log_.write("LogControllerEnd");
+  return result;
+}
+
+std::int16_t Journal::AutoRun::readAll() {
+  log_.empty();
+  log_.write("LogProcessStart");
+  const auto controllers = database().openRecordset(
+      "SELECT Readers.StationId, Readers.ControllerAddress, Stations.Active, Stations.Phone  "
+      "FROM Stations INNER JOIN Readers ON Stations.Id = Readers.StationId  "
+      "GROUP BY Readers.StationId, Readers.ControllerAddress, Stations.Active, Stations.Phone "
+      "ORDER BY Readers.StationId, Readers.ControllerAddress");
+  std::int16_t first = 0;
+  for (; !controllers->eof(); controllers->moveNext()) {
+    const std::int16_t station = controllers->get("StationId").toInt16();
+    const Value controller = controllers->get("ControllerAddress");
+    if (controller.isNull()) continue;  // a reader that is not connected yet
+    if (station != station_) begin(station);
+    const std::int16_t result = readController({station, controller.toInt16()});
+    if (first == 0) first = result;
+  }
+  hangUp();
+  log_.write("LogProcessEnd");
+  return first;
+}
+
+std::int16_t Journal::readAuto() {
+  const FailureMessage broken{"msgCantTransferTransac", "Journal.readAuto"};
+  AutoRun run(*this);
+  const std::int16_t status = library_.attempt(broken, [&] { return run.readAll(); });
+  // A run that broke off leaves no telephone line open.
+  library_.attempt(broken, [&] { (void)run.disconnect(); });
+  return status;
+}
+
+}  // namespace voxa

@@ -1,0 +1,48 @@
+// From the work file to rows of the journal.
+
+#include "app/library.h"
+#include "files/seq_file.h"
+#include "journal/journal.h"
+#include "journal/journal_files.h"
+#include "journal/journal_rows.h"
+#include "journal/undecoded_lines.h"
+#include "platform/database/database.h"
+#include "platform/files.h"
+#include "platform/text.h"
+
+namespace voxa {
+
+/// All lines or, when one cannot be inserted, none. Returns what to tell about lines that are no
+/// transactions, "" when all are.
+std::string Journal::decodeFile(std::int16_t stationId, const std::string& baseName) {
+  if (!files::exists(dumpFile)) return "";
+  DatabaseEngine& engine = library_.engine();
+  if (engine.inTransaction()) {
+    // Someone else would decide whether the rows stay, after the controller was cleared.
+    throw Error(err::dbInvalidArgument, "Transactions cannot be read inside a database transaction");
+  }
+  SeqFile dump(library_);
+  dump.Name(dumpFile);
+  dump.fopen("r");
+  Transaction transaction(engine);
+  JournalRows rows(library_, database(), stationId);
+  UndecodedLines undecoded;
+  for (std::size_t number = 1; !dump.fEOF(); ++number) {
+    const std::string text = dump.flineInput(UndecodedLines::longestLine);
+    if (text.empty()) continue;
+    const std::string line = toCp1252(text);
+    const std::string_view fault = rows.add(line);
+    if (!fault.empty()) {
+      undecoded.add(number, fault, text);
+    } else if (hasMore(line)) {
+      undecoded.add(number, "more than a transaction, whose first 23 characters are in the journal", text);
+    }
+  }
+  const std::string keptIn = baseName + ".BAD";
+  undecoded.keep(library_, keptIn);
+  transaction.commit();
+  dump.fclose();
+  return undecoded.summary(keptIn);
+}
+
+}  // namespace voxa

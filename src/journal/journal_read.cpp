@@ -1,0 +1,108 @@
+// Reading on request: from a controller's memory to a cleared memory.
+
+#include "app/library.h"
+#include "app/qdb.h"
+#include "comm/com.h"
+#include "comm/reader.h"
+#include "comm/station.h"
+#include "journal/journal.h"
+#include "journal/journal_files.h"
+#include "platform/database/database.h"
+#include "platform/files.h"
+
+namespace voxa {
+
+namespace {
+
+constexpr const char* cantTransfer = "msgCantTransferTransac";
+
+}  // namespace
+
+Journal::Source Journal::sourceOf(ComponentType compType, const std::string& compName) {
+  Source source{0, CmToEachController};
+  bool found = false;
+  if (compType == CTReader) {
+    found = library_.QDB().Readers().getControllerAddr(compName, source.station, source.controller) == 0;
+  } else if (compType == CTStation) {
+    source.station = library_.QDB().Stations().getId(compName);
+    found = source.station != -1;
+  }
+  if (!found) throw Error(err::invalidArgument, "Invalid argument: not a reader or a station: " + compName);
+  return source;
+}
+
+std::string Journal::takeIn(const Source& source) {
+  const std::string baseName = makeFileName(source);
+  rotateFile(baseName);
+  std::string undecoded = decodeFile(source.station, baseName);
+  archiveFile(baseName);
+  return undecoded;
+}
+
+std::int16_t Journal::transfer(const Route& route) {
+  Com& com = library_.Com();
+  std::int16_t partial = 0;  // the result of a read that broke off but left a file
+  std::string undecoded;
+  std::int16_t result = library_.attempt([&]() -> std::int16_t {
+    if (const std::int16_t failed = route.send(CmResetReadPointer); failed != 0) return failed;
+    setAsideDump();
+    if (const std::int16_t failed = route.send(cmReadMemory); failed != 0) {
+      if (!files::exists(dumpFile)) return failed;
+      partial = failed;
+      route.fail(cantTransfer, com.popErrorList());
+    }
+    undecoded = takeIn(route.source());
+    return 0;
+  });
+  if (result != 0) {
+    route.fail(cantTransfer, com.popErrorList());
+    return result;
+  }
+  // What was not read or not decoded of a broken read is still on the controller, and was told of.
+  if (partial != 0) return partial;
+  if (!undecoded.empty()) route.fail(cantTransfer, undecoded);
+  result = route.send(CmSendClear);
+  if (result != 0) {
+    route.fail("msgCantDeleteBuf", com.popErrorList());
+    return result;
+  }
+  return undecoded.empty() ? std::int16_t{0} : std::int16_t{err::typeMismatch};
+}
+
+std::int16_t Journal::readTransactions(ComponentType compType, const std::string& compName) {
+  Com& com = library_.Com();
+  if (!com.TestCom(compType, compName) && !com.inhibitCom) {
+    // Of a reader there is nothing to read when its one controller does not answer.
+    if (com.MsgChooseAbort(compType, compName) || compType == CTReader) return -1;
+  }
+  return transfer(
+      {.send = [&](ComCommandsEnum command) { return com.sendToComp(command, compType, compName); },
+       .source = [&] { return sourceOf(compType, compName); },
+       .fail =
+           [&](const char* mnemonic, const std::string& why) {
+             library_.report({mnemonic, "Journal.readTransactions", Value(why)});
+           }});
+}
+
+std::string Journal::getLastCardCode(const std::string& readerName) {
+  // What it shows is all there is to say about its failure: an older card may still be in the journal.
+  (void)readTransactions(CTReader, readerName);
+  const FailureMessage noCode{"msgCantReadCardCode", "Journal.getLastCardCode"};
+  std::string code;
+  const std::int16_t status = library_.attempt(noCode, [&] {
+    const auto last = rows(
+        "SELECT TOP 1 Journal.TransactionType, Journal.TransactionData From Journal "
+        "WHERE (((Journal.TransactionType)='10' Or (Journal.TransactionType)='12' Or "
+        "(Journal.TransactionType)='11' Or (Journal.TransactionType)='13') AND "
+        "((Format([Date],'dd/mm/yyyy'))=Format(Now(),'dd/mm/yyyy'))) and ReaderName = '" +
+        readerName + "' ORDER BY Journal.Date DESC");
+    if (last->eof()) return;
+    const Value data = last->get("TransactionData");
+    last->remove();
+    if (!data.isNull()) code = data.toText();
+  });
+  if (status == 0 && code.empty()) library_.report(noCode);
+  return code;
+}
+
+}  // namespace voxa
