@@ -74,12 +74,12 @@ std::string clearCardLine(std::int32_t cardNum) {
   return "09" + zeroPadded(cardNum, 4) + clearingCode;
 }
 
-std::string convertCardCode(std::string_view code) {
+std::string controllerCode(std::string_view code) {
   if (code.size() > codeLength) {
     throw Error(err::invalidArgument,
-                "Invalid argument: the card code " + std::string(code) + " has more than 8 characters");
+                "Invalid argument: the code " + std::string(code) + " has more than 8 characters");
   }
-  std::string converted(codeLength - code.size(), ' ');
+  std::string converted;
   for (const char c : code) {
     const bool upper = c >= 'A' && c <= 'F';
     if (c >= '0' && c <= '9') {
@@ -87,11 +87,16 @@ std::string convertCardCode(std::string_view code) {
     } else if (upper || (c >= 'a' && c <= 'f')) {
       converted += static_cast<char>(c - (upper ? 'A' : 'a') + ':');
     } else {
-      throw Error(err::invalidArgument, "Invalid argument: the card code " + std::string(code) +
+      throw Error(err::invalidArgument, "Invalid argument: the code " + std::string(code) +
                                             " has characters other than 0 to 9 and A to F");
     }
   }
   return converted;
+}
+
+std::string convertCardCode(std::string_view code) {
+  const std::string converted = controllerCode(code);
+  return std::string(codeLength - converted.size(), ' ') + converted;
 }
 
 void writeCardRecord(const CardRecord& card, const CardRights& rights,

@@ -54,9 +54,11 @@ struct CardRights {
 /// "09", the number in four digits and eight zeros: the line that clears a card in the controllers.
 [[nodiscard]] std::string clearCardLine(std::int32_t cardNum);
 
-/// The code as the controllers spell it: digits as they are, the letters A to F (in any case) as the six
-/// characters behind 9, ":" to "?", with blanks on the left to 8 characters. Any other character, or more
-/// than eight, raises `err::invalidArgument`.
+/// A code, of a card or a site, as the controllers spell it: digits as they are, the letters A to F (in any
+/// case) as the six characters behind 9, ":" to "?". Any other character, or more than eight, raises
+/// `err::invalidArgument`.
+[[nodiscard]] std::string controllerCode(std::string_view code);
+/// The same with blanks on the left to 8 characters, as a card's code goes into its line.
 [[nodiscard]] std::string convertCardCode(std::string_view code);
 
 /// Writes the lines of one card for one controller, those of `parts` only:

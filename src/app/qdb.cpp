@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "access/access_group.h"
+#include "access/badge_format.h"
 #include "access/cardholder.h"
 #include "app/itable.h"
 #include "app/library.h"
@@ -32,7 +33,8 @@ QDB::QDB(Library& library)
       accessGroups_(std::make_unique<::voxa::AccessGroup>(library)),
       cardholders_(std::make_unique<::voxa::Cardholder>(library)),
       journal_(std::make_unique<::voxa::Journal>(library)),
-      alarms_(std::make_unique<::voxa::Alarm>(library)) {
+      alarms_(std::make_unique<::voxa::Alarm>(library)),
+      badgeFormat_(std::make_unique<::voxa::BadgeFormat>(library)) {
   registerTable(*stations_);
   registerTable(*dailyPrograms_);
   registerTable(*holidays_);
@@ -92,11 +94,12 @@ void QDB::buildTables() {
   for (ITable* table : registry_) {
     if (table->Name() == journal_->Name()) continue;
     table->create();
+    // Here rather than last: the file's whole schema is read again for every column that is added.
+    if (table == dailyPrograms_.get()) dailyPrograms_->provideFourZones();
     table->insertDefaultRecs();
   }
   createComStatus(*database_);
   for (ITable* table : registry_) table->createRelations();
-  dailyPrograms_->provideFourZones();
   transaction.commit();
 }
 

@@ -11,6 +11,7 @@ namespace voxa {
 
 class Alarm;
 class AccessGroup;
+class BadgeFormat;
 class Cardholder;
 class DailyProgram;
 class Database;
@@ -43,6 +44,8 @@ class QDB {
   [[nodiscard]] ::voxa::AccessGroup& AccessGroups() { return *accessGroups_; }
   [[nodiscard]] ::voxa::Station& Stations() { return *stations_; }
   [[nodiscard]] ::voxa::Alarm& Alarms() { return *alarms_; }
+  /// Not registered: an installation without badge formats has no such table (see BadgeFormat::CreateTable).
+  [[nodiscard]] ::voxa::BadgeFormat& BadgeFormat() { return *badgeFormat_; }
   [[nodiscard]] ::voxa::Journal& Journal() { return *journal_; }
 
   /// The registered table of that name, in any case: Stations, DailyPrograms, Holidays, WeeklyPrograms,
@@ -80,6 +83,7 @@ class QDB {
   std::unique_ptr<::voxa::Cardholder> cardholders_;
   std::unique_ptr<::voxa::Journal> journal_;
   std::unique_ptr<::voxa::Alarm> alarms_;
+  std::unique_ptr<::voxa::BadgeFormat> badgeFormat_;
   std::vector<ITable*> registry_;  // in the order of building
 };
 

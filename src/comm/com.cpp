@@ -20,7 +20,6 @@ namespace voxa {
 namespace {
 
 constexpr std::int16_t driverSuccess = 100;
-constexpr std::int16_t perController = 247;  // failures are in the station result file, one a controller
 constexpr const char* crLf = "\r\n";
 
 bool isComFailure(std::int16_t result) {
@@ -48,9 +47,16 @@ std::shared_ptr<Database> Com::database() {
   return database;
 }
 
-std::string Com::logTime() {
+void Com::log(const std::string& event, bool withCommands, bool last) {
+  if (!writeLog) return;
   const DateTime now = library_.clock().now();
-  return shortDate(now) + " " + shortTime(now) + " : ";
+  SeqFile file(library_);
+  file.Name(logFileName);
+  file.fopen();
+  file.fprint(shortDate(now) + " " + shortTime(now) + " : " + event);
+  if (withCommands) file.appendFile(library_.CommandFile().fileName());
+  if (last) file.fprint("");
+  file.fclose();
 }
 
 std::int16_t Com::Send(ComCommandsEnum command, std::int16_t StationID, std::int16_t ControllerAddr,
@@ -71,21 +77,17 @@ std::int16_t Com::sendToAnswering(ComCommandsEnum command, std::int16_t station)
 }
 
 std::int16_t Com::sendChecked(ComCommandsEnum command, Target target, bool silence, bool autodetection) {
+  if (command < CmReadDate || command > CmDisconnect) {
+    throw Error(err::invalidArgument, "Invalid argument: no such command");
+  }
   if (!skipsTest(command, target.controller) && !TestSend(target.station, target.controller)) {
     return target.controller != CmToEachController ? std::int16_t{0}
                                                    : sendToAnswering(command, target.station);
   }
   const std::int16_t driverAddress = toDriverAddress(target.controller);
-  SeqFile log(library_);
-  log.Name(logFileName);
-  if (writeLog) {
-    log.fopen();
-    log.fprint(logTime() + std::string(driverNames[command]) + "(" + std::to_string(target.station) + "," +
-               std::to_string(driverAddress) + ")");
-    if (command == CmSendCommand && library_.CommandFile().isFull) {
-      log.appendFile(library_.CommandFile().fileName());
-    }
-  }
+  log(std::string(driverNames[command]) + "(" + std::to_string(target.station) + "," +
+          std::to_string(driverAddress) + ")",
+      command == CmSendCommand && library_.CommandFile().isFull, false);
   const bool needsActive = !autodetection && command != CmConnect && command != CmDisconnect;
   if (needsActive && !library_.QDB().Stations().isActive(target.station)) {
     const char* mnemonic = command == CmSendCommand ? "msgDownloadToUnactive" : "msgSendToUnactive";
@@ -95,11 +97,7 @@ std::int16_t Com::sendChecked(ComCommandsEnum command, Target target, bool silen
   }
   const BusyPointer busy(library_.prompts());
   const std::int16_t result = inhibitCom ? driverSuccess : callDriver(command, target, driverAddress);
-  if (writeLog) {
-    log.fprint(logTime().append("Returns ").append(std::to_string(result)));
-    log.fprint("");
-    log.fclose();
-  }
+  log("Returns " + std::to_string(result), false, true);
   if (result == driverSuccess) return 0;
   if (silence) return result;
   const bool dateOfStation =
@@ -140,7 +138,7 @@ std::int16_t Com::callDriver(ComCommandsEnum command, Target target, std::int16_
     case CmDisconnect:
       return inter_.disconnect(station);
   }
-  throw Error(err::invalidArgument, "Invalid argument: no such command");
+  return 0;
 }
 
 void Com::recordFailure(std::int16_t result, ComCommandsEnum command, Target target,

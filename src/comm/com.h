@@ -24,6 +24,7 @@ struct StationResult;
 /// 247 a station-wide date read or send that not every controller answered, others as the driver gave them,
 /// or the number of an unexpected error that was shown. A communication failure shows nothing: it adds lines
 /// to `errorList`, which the operation that caused it reads with popErrorList and shows when it is done.
+/// TestSend, updateDBComStatus, getName and ResetRSOUT raise a failure of the database or the file system.
 class Com {
  public:
   explicit Com(Library& library);
@@ -75,10 +76,13 @@ class Com {
 
   /// The test that precedes a download or read: tests the component and lets the person abort when a
   /// controller does not answer and communications are not inhibited. False: the person chose to abort.
-  /// alreadyTested: may be null; when true nothing is tested, afterwards it is true.
+  /// alreadyTested: may be null; when true nothing is tested; true afterwards unless the person chose to
+  /// abort.
   [[nodiscard]] bool readyToSend(ComponentType compType, const std::string& compName, bool* alreadyTested);
 
  private:
+  static constexpr std::int16_t perController = 247;  // the station result file tells who did not answer
+
   struct Target {
     std::int16_t station;
     std::int16_t controller;
@@ -94,7 +98,9 @@ class Com {
   [[nodiscard]] std::vector<Target> notAnswering(ComponentType compType, const std::string& compName);
   [[nodiscard]] std::string resultFileName(std::int16_t station) const;
   [[nodiscard]] std::shared_ptr<Database> database();
-  [[nodiscard]] std::string logTime();
+  /// One event into the log, on disk when this returns: a driver that never comes back is in it, and calls
+  /// within a call keep their order. withCommands: followed by the command file; last: by an empty line.
+  void log(const std::string& event, bool withCommands, bool last);
 
   Library& library_;
   Inter inter_;

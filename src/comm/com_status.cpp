@@ -1,8 +1,6 @@
 // Which controllers answer: the table ComStatus, its refresh from the station result files, the question
 // whether to go on without those that do not answer.
 
-#include <utility>
-
 #include "app/library.h"
 #include "app/qdb.h"
 #include "app/table.h"
@@ -87,13 +85,12 @@ void Com::UpdateComStatus(std::optional<std::int16_t> StationID,
 }
 
 void Com::updateStation(std::int16_t station) {
-  const std::string resultFile = resultFileName(station);
-  // What an earlier read left must not pass for an answer to this one.
-  if (!inhibitCom && files::exists(resultFile)) files::remove(resultFile);
   library_.QDB().Stations().createIniFile(station);
   const std::int16_t result = Send(CmReadDate, station, CmToEachController);
-  // A read that failed as a whole has said so and left no file; an inhibited one asked nobody.
-  if ((result != 0 || inhibitCom) && !files::exists(resultFile)) return;
+  // After a read that failed as a whole, and has said so, the file is that of an earlier one.
+  if (result != 0 && result != perController) return;
+  const std::string resultFile = resultFileName(station);
+  if (inhibitCom && !files::exists(resultFile)) return;  // nobody was ever asked
   storeStation(station, readStationResult(library_, resultFile));
 }
 
@@ -204,8 +201,10 @@ bool Com::MsgChooseAbort(ComponentType compType, const std::string& compName) {
 }
 
 bool Com::readyToSend(ComponentType compType, const std::string& compName, bool* alreadyTested) {
-  if (alreadyTested != nullptr && std::exchange(*alreadyTested, true)) return true;
-  return TestCom(compType, compName) || inhibitCom || !MsgChooseAbort(compType, compName);
+  if (alreadyTested != nullptr && *alreadyTested) return true;
+  if (!TestCom(compType, compName) && !inhibitCom && MsgChooseAbort(compType, compName)) return false;
+  if (alreadyTested != nullptr) *alreadyTested = true;
+  return true;
 }
 
 }  // namespace voxa

@@ -63,4 +63,13 @@ std::int16_t downloadEach(Library& library, const std::string& query,
   return first;
 }
 
+std::int16_t downloadTable(Library& library, const std::string& query, const char* failureMethod,
+                           const std::function<std::int16_t(const Recordset&)>& download) {
+  const std::int16_t status = library.attempt([&] { return downloadEach(library, query, download); });
+  if (status != 0) {
+    library.report({"msgCantDownload", failureMethod, Value(library.Com().popErrorList())});
+  }
+  return status;
+}
+
 }  // namespace voxa

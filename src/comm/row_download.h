@@ -43,5 +43,9 @@ std::int16_t downloadRow(Library& library, GenTable& rows, const RowDownload& wh
 /// query: gives the rows; download: sends the current one.
 std::int16_t downloadEach(Library& library, const std::string& query,
                           const std::function<std::int16_t(const Recordset&)>& download);
+/// The same as a public operation: a failure, of the rows or of their sending, is shown once at the end.
+/// failureMethod: method text of "msgCantDownload".
+std::int16_t downloadTable(Library& library, const std::string& query, const char* failureMethod,
+                           const std::function<std::int16_t(const Recordset&)>& download);
 
 }  // namespace voxa

@@ -75,9 +75,11 @@ std::int16_t Station::getId(const std::string& stationName, bool* isActive) {
 }
 
 std::string Station::getName(std::int16_t Id, bool noMessage) {
+  const FailureMessage notFound = cantFind("Station.getName", Id);
   std::string name;
-  lookUp("select Name from Stations where Id = " + std::to_string(Id), cantFind("Station.getName", Id),
-         noMessage, [&](Recordset& row) { name = row.get("Name").toText(); });
+  const bool found = lookUp("select Name from Stations where Id = " + std::to_string(Id), notFound, noMessage,
+                            [&](Recordset& row) { name = row.get("Name").toText(); });
+  if (found && name.empty() && !noMessage) library_.report(notFound);
   return name;
 }
 

@@ -19,7 +19,7 @@ class Station : public Table {
   std::int16_t getFreeId();
   /// Id by name, -1 when not found. isActive: receives whether the line is in use, when given.
   std::int16_t getId(const std::string& stationName, bool* isActive = nullptr);
-  /// Name by id, "" when not found. noMessage: silent about a station that is not found.
+  /// Name by id, "" when not found. noMessage: silent about a station that is not found or has an empty name.
   std::string getName(std::int16_t Id, bool noMessage = false);
   bool isActive(std::int16_t StationID);  ///< false when not found
   /// Name of an active station on a port (counted from 0), or "".

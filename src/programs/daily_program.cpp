@@ -95,16 +95,10 @@ std::int16_t DailyProgram::generalDownload(ComponentType compType, const std::st
                                            bool* AlreadyComTested) {
   if (!library_.Com().readyToSend(compType, compName, AlreadyComTested)) return 0;
   bool tested = true;
-  const std::int16_t status = library_.attempt([&] {
-    return downloadEach(library_, "select Id from DailyPrograms", [&](const Recordset& row) {
-      return download(row.get("Id").toInt16(), compType, compName, DLFull | DLNoMessage, &tested);
-    });
-  });
-  if (status != 0) {
-    library_.report(
-        {"msgCantDownload", "DailyPrograms.generalDownload", Value(library_.Com().popErrorList())});
-  }
-  return status;
+  return downloadTable(
+      library_, "select Id from DailyPrograms", "DailyPrograms.generalDownload", [&](const Recordset& row) {
+        return download(row.get("Id").toInt16(), compType, compName, DLFull | DLNoMessage, &tested);
+      });
 }
 
 }  // namespace voxa

@@ -1,8 +1,27 @@
 #include "programs/holidays.h"
 
-#include "platform/database/schema.h"
+#include "comm/com.h"
+#include "comm/row_download.h"
+#include "files/command_file.h"
+#include "platform/database/database.h"
+#include "platform/datetime.h"
+#include "platform/text.h"
 
 namespace voxa {
+
+namespace {
+
+// One slot of the controllers; the date 000000 empties it.
+std::string slotLine(std::int16_t slot, const std::string& date) {
+  return "34" + zeroPadded(slot, 2) + date;
+}
+
+std::string dateField(const Recordset& row) {
+  const DateTime date = row.get("Date").toDateTime();
+  return row.get("EachYear").toBool() ? formatDateTime(date, "ddmm") + "00" : formatDateTime(date, "ddmmyy");
+}
+
+}  // namespace
 
 void Holidays::createFields(TableDef& td) {
   addField(td, "Id", DataType::Integer);
@@ -17,8 +36,39 @@ void Holidays::createIndexes(TableDef& td) {
   addIndex(td, "Name", {"Name"}, IndexKind::uniqueRequired);
 }
 
-std::int16_t Holidays::getFreeId(bool withNewVRMD1) {
+std::int16_t Holidays::getFreeId(bool& withNewVRMD1) {
   return freeId(withNewVRMD1 ? 60 : 20);
+}
+
+std::int16_t Holidays::download(std::int16_t Id, ComponentType compType, const std::string& compName,
+                                std::int16_t Params) {
+  RowDownload what;
+  what.condition = "Id = " + std::to_string(Id);
+  what.number = Id;
+  what.notFoundMnemonic = "msgCantFindHolidays";
+  what.notFoundMethod = "Holidays.download";
+  what.notFoundResult = -1;
+  what.failureMethod = "Holidays.download";
+  what.alwaysShowsFailure = false;
+  what.clearsFlags = true;
+  what.writeLines = [&](const Recordset& row, CommandFile& file) {
+    file.fprint(slotLine(Id, dateField(row)));
+  };
+  return downloadRow(library_, gen_, what, {compType, compName}, Params);
+}
+
+std::int16_t Holidays::delete_(std::int16_t Id) {
+  if (!library_.Com().readyToSend(CTActiveStations, "", nullptr)) return 0;
+  return library_.Com().sendCommand(slotLine(Id, "000000"));
+}
+
+std::int16_t Holidays::generalDownload(ComponentType compType, const std::string& compName,
+                                       bool* AlreadyComTested) {
+  if (!library_.Com().readyToSend(compType, compName, AlreadyComTested)) return 0;
+  return downloadTable(library_, "select Id from Holidays", "Holidays.generalDownload",
+                       [&](const Recordset& row) {
+                         return download(row.get("Id").toInt16(), compType, compName, DLFull | DLNoMessage);
+                       });
 }
 
 }  // namespace voxa

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 
 #include "app/table.h"
+#include "comm/com_types.h"
 
 namespace voxa {
 
@@ -13,7 +15,21 @@ class Holidays : public Table {
   explicit Holidays(Library& library) : Table(library, "Holidays") {}
 
   /// First free slot, or -1 when it would exceed 20 (60 with controllers of the newer VRMD1 kind).
-  std::int16_t getFreeId(bool withNewVRMD1);
+  /// withNewVRMD1: is not changed.
+  std::int16_t getFreeId(bool& withNewVRMD1);
+  /// Sends one holiday when its flag, or DLFull in `Params`, says so: "34", slot (two digits), "ddmmyy", the
+  /// year 00 meaning every year. The communication is not tested before. 0 success, -1 not found, else a
+  /// communication code or an error's number; a failed holiday keeps its flag.
+  std::int16_t download(std::int16_t Id, ComponentType compType = CTActiveStations,
+                        const std::string& compName = "", std::int16_t Params = DLDefault);
+  /// Erases a slot on the controllers of all active stations, after a test of the communication: "34", slot,
+  /// "000000". 0 also when the person chose to abort or to go on without controllers that do not answer; else
+  /// the line's code or an error's number (shown). Removing the row is the caller's part.
+  std::int16_t delete_(std::int16_t Id);
+  /// Sends every holiday; the first non-zero result. AlreadyComTested: the communication test is left out
+  /// when true.
+  std::int16_t generalDownload(ComponentType compType = CTActiveStations, const std::string& compName = "",
+                               bool* AlreadyComTested = nullptr);
 
   void createFields(TableDef& td) override;
   void createIndexes(TableDef& td) override;

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "app/table.h"
+#include "comm/com_types.h"
+
+namespace voxa {
+
+/// Badge formats: how a reader finds the card number and the site code in what it reads from a card. Table
+/// "BadgeFormat", which not every installation has: CreateTable builds it, a new database comes without.
+/// Which reader works with which format is not kept; a format is sent to the readers one by one.
+class BadgeFormat : public Table {
+ public:
+  explicit BadgeFormat(Library& library) : Table(library, "BadgeFormat") {}
+
+  std::int16_t getFreeId();  ///< first free `Id`
+  /// Builds the table and inserts the default format, number 0. On a database that has the table the build
+  /// shows "msgCantCreateTable", and the error of the insert is raised.
+  void CreateTable();
+  /// Sends one format to a component when its mark, or DLFull in `Params`, says so:
+  ///   04, reader number and technology (three digits; of a VRMD1 with a known `Techno` only), site position,
+  ///   site length, card position, card type (04 the system's own cards, else 08), two digits each, site code
+  ///   (8 characters, zeros on the right).
+  /// ReaderNumber: the reader's number on its controller, isVRMD1: the model of that controller; neither is
+  /// changed. The mark stays whatever happens, since further readers may want the format.
+  /// 0 sent, nothing to send, aborted by the person, or an unknown format (shown); else a communication code
+  /// or an error's number. AlreadyComTested: the communication test is left out when true.
+  std::int16_t download(std::int16_t BadgeFormatID, std::int16_t& ReaderNumber, bool& isVRMD1,
+                        ComponentType compType = CTActiveStations, const std::string& compName = "",
+                        std::int16_t Params = DLDefault, bool* AlreadyComTested = nullptr);
+
+  void createFields(TableDef& td) override;
+  void createIndexes(TableDef& td) override;
+  void insertDefaultRecs() override;  ///< a failure is raised
+};
+
+}  // namespace voxa

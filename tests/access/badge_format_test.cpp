@@ -1,0 +1,100 @@
+#include "access/badge_format.h"
+
+#include "app/qdb.h"
+#include "comm/com.h"
+#include "messages/strings.h"
+#include "support/installation_test.h"
+
+namespace voxa {
+namespace {
+
+class BadgeFormatTest : public test::InstallationTest {
+ protected:
+  void SetUp() override {
+    createInstallation();
+    library->Strings().insert("nameBadgeFormatDefault", "Default", 0, "Test", "Name");
+    library->Strings().insert("msgCantFindBadgeFormat", "No format", 0, "Test", "Message");
+    formats().CreateTable();
+    db().execute(
+        "insert into BadgeFormat (Id, Name, SystemCard, Techno, Pos_Card, Pos_Site, Size_Site, Val_Site, "
+        "BadgeFormatFlagD) values (5, 'Site', False, 5, 6, 2, 4, '1A2F', True)");
+    driver.calls.clear();
+  }
+  std::int16_t download(std::int16_t id, bool vrmd1 = false, std::int16_t params = DLDefault) {
+    std::int16_t reader = 3;
+    bool tested = true;
+    return formats().download(id, reader, vrmd1, CTActiveStations, "", params, &tested);
+  }
+  std::string sent() {
+    const std::string all = driver.sent();
+    driver.calls.clear();
+    return all;
+  }
+  BadgeFormat& formats() { return glob->QDB().BadgeFormat(); }
+};
+
+TEST_F(BadgeFormatTest, TheTableKeepsItsLimitsAndTheDefaultFormat) {
+  EXPECT_EQ(query("select Name from BadgeFormat where Id = 0 and Size_Card = 8 and Val_Site = '00000000' "
+                  "and SystemCard = False and BadgeFormatFlagD = False"),
+            "Default");
+  EXPECT_EQ(formats().getFreeId(), 1);
+  for (const char* wrong : {"Pos_Card = 33", "Size_Card = 65", "Pos_Site = 100", "Size_Site = 65"}) {
+    EXPECT_THROW(db().execute("update BadgeFormat set " + std::string(wrong)), Error) << wrong;
+  }
+  db().execute("insert into BadgeFormat (Name) values ('Numbered by the engine')");
+  EXPECT_EQ(query("select Id from BadgeFormat where Techno = 0 and Pos_Site = 0 and Val_Site is null"), "6");
+  EXPECT_THROW(formats().CreateTable(), Error);
+  const auto shown = boxes();
+  ASSERT_EQ(shown.size(), 1U);
+  EXPECT_TRUE(shown[0].ends_with("|(BadgeFormat.create)")) << shown[0];
+  EXPECT_EQ(query("select count(*) from BadgeFormat"), "3");
+}
+
+TEST_F(BadgeFormatTest, TheLineOfAFormat) {
+  const struct {
+    const char* set;
+    bool vrmd1;
+    const char* line;
+  } cases[] = {{"Techno = 5", false, "04020406081:2?0000"},
+               {"Techno = 5", true, "043108020406081:2?0000"},
+               {"Techno = 10", true, "043600020406081:2?0000"},
+               {"Techno = 11", true, "04020406081:2?0000"},
+               {"Techno = -1", true, "04020406081:2?0000"},
+               {"Val_Site = 'ab', SystemCard = True", false, "0402040604:;000000"},
+               {"Val_Site = 'FedC0a9B'", false, "0402040604?>=<0:9;"},
+               {"Val_Site = '', Pos_Site = 99, Size_Site = 12, Pos_Card = 0", false, "049912000400000000"}};
+  for (const auto& c : cases) {
+    db().execute("update BadgeFormat set " + std::string(c.set) + " where Id = 5");
+    EXPECT_EQ(download(5, c.vrmd1), 0);
+    EXPECT_EQ(sent(), c.line + std::string("\r\n\r\n")) << c.set;
+  }
+  EXPECT_TRUE(boxes().empty());
+}
+
+TEST_F(BadgeFormatTest, OnlyAMarkedFormatIsSentAndItStaysMarked) {
+  EXPECT_EQ(download(0), 0);
+  EXPECT_EQ(sent(), "");
+  EXPECT_EQ(download(0, true, DLFull), 0);
+  EXPECT_EQ(sent(),
+            "04380000000008"
+            "00000000\r\n\r\n");
+  EXPECT_EQ(query("select count(*) from BadgeFormat where BadgeFormatFlagD = True"), "2");
+  EXPECT_EQ(download(9), 0);
+  EXPECT_EQ(boxes(), std::vector<std::string>{"No format 9|(BadgeFormat.download)"});
+}
+
+TEST_F(BadgeFormatTest, AFailureIsShownUnlessToldOtherwise) {
+  driver.answer = [](const auto&) { return std::int16_t{4}; };
+  EXPECT_EQ(download(5, false, DLNoMessage), 4);
+  EXPECT_EQ(boxes().size(), 0U);
+  EXPECT_EQ(download(5), 4);
+  EXPECT_EQ(boxes().size(), 1U);
+  sent();
+  db().execute("update BadgeFormat set Val_Site = Null where Id = 5");
+  EXPECT_EQ(download(5), err::invalidNull);
+  EXPECT_TRUE(boxes().at(0).ends_with("|(BadgeFormat.download)"));
+  EXPECT_EQ(sent(), "");
+}
+
+}  // namespace
+}  // namespace voxa
