@@ -114,13 +114,28 @@ void InstallationTest::write(const std::string& file, const std::string& text) c
   std::ofstream(file, std::ios::binary) << text;
 }
 
+std::string InstallationTest::oneLine(std::string text) {
+  for (std::size_t at = 0; (at = text.find("\r\n", at)) != std::string::npos;) text.replace(at, 2, "|");
+  return text;
+}
+
+void InstallationTest::answerAll(std::int16_t code) {
+  driver.answer = [code](const auto&) { return code; };
+}
+
+std::string InstallationTest::calls() {
+  std::string all;
+  for (const auto& call : driver.calls) {
+    all += (all.empty() ? "" : " ") + std::to_string(call.command) + ":" + std::to_string(call.station) +
+           "," + std::to_string(call.address);
+  }
+  driver.calls.clear();
+  return all;
+}
+
 std::vector<std::string> InstallationTest::boxes() {
   std::vector<std::string> shown;
-  for (const auto& box : prompts.boxes) {
-    std::string prompt = box.prompt;
-    for (std::size_t at = 0; (at = prompt.find("\r\n", at)) != std::string::npos;) prompt.replace(at, 2, "|");
-    shown.push_back(prompt);
-  }
+  for (const auto& box : prompts.boxes) shown.push_back(oneLine(box.prompt));
   prompts.boxes.clear();
   return shown;
 }

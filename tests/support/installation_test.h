@@ -74,6 +74,12 @@ class InstallationTest : public ::testing::Test {
   std::string query(const std::string& sql);
   [[nodiscard]] std::string textOf(const std::string& file) const;
   void write(const std::string& file, const std::string& text) const;
+  /// The text with each CR LF as "|".
+  [[nodiscard]] static std::string oneLine(std::string text);
+  /// The driver answers every call with that code.
+  void answerAll(std::int16_t code);
+  /// What the driver was asked since the last call of this: "command:station,address", blanks between.
+  std::string calls();
   /// Prompts of the boxes shown since the last call, CR LF as "|".
   std::vector<std::string> boxes();
 
