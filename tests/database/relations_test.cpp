@@ -71,6 +71,35 @@ TEST_F(Relations, SeveralFieldsAreMadeInOneTransactionWithTheirTables) {
   EXPECT_EQ(db->execute("insert into Readers (Name, StationId) values ('a', 99)"), 1);
 }
 
+TEST_F(Relations, ThoseThatFollowEachOtherInATransactionAllHold) {
+  const Relation name{"ReaderName", "Stations", "Readers", {{"Name", "Name"}}};
+  engine->begin();
+  db->createTable({"Links", {{"Site", DataType::Integer}}, {}});
+  db->createRelation({"LinkSite", "Stations", "Links", {{"Id", "Site"}}});
+  db->createRelation(site);
+  EXPECT_EQ(failure([&] { db->createRelation(site); }), err::dbObjectExists);
+  db->createRelation(name);
+  const std::vector<Relation> made = db->relations();
+  EXPECT_EQ(executeFailure("insert into Readers (Name, StationId) values ('North', 9)"),
+            err::dbRelatedMissing);
+  EXPECT_EQ(executeFailure("insert into Readers (Name, StationId) values ('East', 1)"),
+            err::dbRelatedMissing);
+  EXPECT_EQ(executeFailure("insert into Links (Site) values (9)"), err::dbRelatedMissing);
+  engine->commit();
+
+  // A transaction of relations alone: its commit is what makes SQLite, and another user, read them.
+  const auto secondEngine = makeSqliteEngine(clock);
+  const auto other = secondEngine->open(file);
+  EXPECT_EQ(other->relations(), made);
+  engine->begin();
+  db->createRelation({"ReaderTwice", "Stations", "Readers", {{"Name", "Name"}}});
+  engine->commit();
+  EXPECT_EQ(other->relations().size(), 4U);
+  EXPECT_EQ(other->relations(), db->relations());
+  db->execute("insert into Readers (Name, StationId) values ('North', 1)");
+  EXPECT_EQ(executeFailure("update Readers set Name = 'East'"), err::dbRelatedMissing);
+}
+
 TEST_F(Relations, BadOnesAreRefused) {
   db->execute("insert into Readers (Name, StationId) values ('stray', 9)");
   const auto refused = [&](auto change) {

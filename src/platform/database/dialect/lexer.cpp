@@ -12,7 +12,7 @@
 namespace voxa::dialect {
 namespace {
 
-enum class Class : std::uint8_t { other, blank, letter, digit, symbol };
+enum class Class : std::uint8_t { other, blank, symbol, letter, digit };  // the last two make words
 
 constexpr std::array<Class, 256> makeClasses() {
   std::array<Class, 256> classes{};
@@ -33,6 +33,13 @@ constexpr std::array<Class, 256> classes = makeClasses();
 
 Class classOf(char c) {
   return classes[static_cast<unsigned char>(c)];
+}
+
+/// Position of the first character from `at` on that does not fulfil `belongs`.
+template <typename Belongs>
+std::size_t skip(std::string_view sql, std::size_t at, Belongs&& belongs) {
+  while (at < sql.size() && belongs(classOf(sql[at]))) ++at;
+  return at;
 }
 
 /// The text of a literal without its quotes, doubled quotes single.
@@ -66,7 +73,7 @@ Value numberValue(const Token& token) {
 }  // namespace
 
 void Lexer::next(Token& token) {
-  while (at_ < sql_.size() && classOf(sql_[at_]) == Class::blank) ++at_;
+  at_ = skip(sql_, at_, [](Class c) { return c == Class::blank; });
   token.position = at_;
   token.shaping = false;
   token.symbol = 0;
@@ -82,10 +89,7 @@ void Lexer::next(Token& token) {
   switch (classOf(c)) {
     case Class::letter:
       token.kind = TokenKind::word;
-      do {
-        ++at_;
-      } while (at_ < sql_.size() &&
-               (classOf(sql_[at_]) == Class::letter || classOf(sql_[at_]) == Class::digit));
+      at_ = skip(sql_, at_ + 1, [](Class part) { return part >= Class::letter; });
       noteWord(sql_.substr(token.position, at_ - token.position));
       break;
     case Class::digit:
@@ -125,9 +129,7 @@ void Lexer::noteWord(std::string_view word) {
 }
 
 void Lexer::number(Token& token) {
-  const auto digits = [this] {
-    while (at_ < sql_.size() && classOf(sql_[at_]) == Class::digit) ++at_;
-  };
+  const auto digits = [this] { at_ = skip(sql_, at_, [](Class c) { return c == Class::digit; }); };
   token.kind = TokenKind::integer;
   digits();
   if (at_ < sql_.size() && sql_[at_] == '.') {

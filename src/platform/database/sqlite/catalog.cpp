@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "platform/database/sqlite/ddl.h"
 #include "platform/text.h"
 
 namespace voxa {
@@ -37,30 +36,59 @@ const TableDef* Catalog::table(std::string_view name) const {
   return nullptr;
 }
 
-void Catalog::load() const {
-  // Read before the definitions: a change in between leaves a version that the next refresh finds old.
-  const std::int64_t version = currentVersion();
-  std::vector<ddl::Table> read;
-  Statement rows = connection_.prepare(
-      "SELECT type, tbl_name, sql FROM sqlite_schema WHERE sql IS NOT NULL AND tbl_name NOT LIKE "
-      "'sqlite\\_%' "
-      "ESCAPE '\\' AND tbl_name <> '" +
-      std::string(queryTable) + "' ORDER BY type = 'index', rowid");
+/// The tables whose rows of the schema fulfil a condition, in order of creation.
+std::vector<ddl::Table> Catalog::read(const std::string& condition) const {
+  std::vector<ddl::Table> tables;
+  Statement rows =
+      connection_.prepare("SELECT type, tbl_name, sql FROM sqlite_schema WHERE sql IS NOT NULL AND " +
+                          condition + " ORDER BY type = 'index', rowid");
   int code = SQLITE_ROW;
   while ((code = rows.step()) == SQLITE_ROW) {
     if (rows.text(0) == "table") {
-      read.push_back(ddl::readTable(rows.text(2)));
+      tables.push_back(ddl::readTable(rows.text(2)));
       continue;
     }
-    const auto owner = std::find_if(read.begin(), read.end(),
+    const auto owner = std::find_if(tables.begin(), tables.end(),
                                     [&](const ddl::Table& t) { return t.definition.name == rows.text(1); });
-    if (owner == read.end()) continue;
+    if (owner == tables.end()) continue;
     if (auto index = ddl::readIndex(rows.text(2), *owner)) {
       owner->definition.indexes.push_back(std::move(*index));
     }
   }
   if (code != SQLITE_DONE) connection_.fail(code);
+  return tables;
+}
 
+void Catalog::update(const std::string& table) {
+  if (!version_) return;
+  version_.reset();
+  const std::int64_t version = currentVersion();
+  const auto place = [this](const std::string& name) {
+    return std::find_if(tables_.begin(), tables_.end(), [&](const auto& t) { return t->name == name; });
+  };
+  for (ddl::Table& changed : read("tbl_name = " + ddl::quoteText(table))) {
+    auto own = place(table);
+    if (own == tables_.end()) own = tables_.insert(own, std::make_unique<TableDef>());
+    **own = std::move(changed.definition);
+    // Where load() would put them: behind those of the tables before.
+    std::erase_if(relations_, [&](const Relation& relation) { return relation.foreignTable == table; });
+    const auto next = std::find_if(relations_.begin(), relations_.end(), [&](const Relation& relation) {
+      return place(relation.foreignTable) > own;
+    });
+    relations_.insert(next, changed.relations.begin(), changed.relations.end());
+  }
+  version_ = version;
+}
+
+void Catalog::versionChanged() {
+  if (version_) version_ = currentVersion();
+}
+
+void Catalog::load() const {
+  // Read before the definitions: a change in between leaves a version that the next refresh finds old.
+  const std::int64_t version = currentVersion();
+  std::vector<ddl::Table> read = this->read("tbl_name NOT LIKE 'sqlite\\_%' ESCAPE '\\' AND tbl_name <> '" +
+                                            std::string(queryTable) + "'");
   std::vector<std::unique_ptr<TableDef>> tables;
   relations_.clear();
   for (ddl::Table& table : read) {

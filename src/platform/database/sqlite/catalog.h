@@ -9,6 +9,7 @@
 #include "platform/database/dialect/dialect.h"
 #include "platform/database/schema.h"
 #include "platform/database/sqlite/connection.h"
+#include "platform/database/sqlite/ddl.h"
 
 namespace voxa {
 
@@ -22,6 +23,10 @@ class Catalog final : public dialect::Schema {
   void refresh();
   /// Forgets what was read: after changes here and after a rollback, which may bring a version number back.
   void invalidate() { version_.reset(); }
+  /// Reads one table again, new or changed, whose change was the only one since the definitions were read.
+  void update(const std::string& table);
+  /// The schema's version has changed, and nothing else.
+  void versionChanged();
 
   [[nodiscard]] const TableDef* table(std::string_view name) const override;
   [[nodiscard]] const std::vector<std::unique_ptr<TableDef>>& tables() const;  ///< in order of creation
@@ -32,6 +37,7 @@ class Catalog final : public dialect::Schema {
 
  private:
   void load() const;
+  std::vector<ddl::Table> read(const std::string& condition) const;
   std::int64_t currentVersion() const;
 
   Connection& connection_;

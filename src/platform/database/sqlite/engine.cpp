@@ -100,6 +100,7 @@ class SqliteEngine final : public DatabaseEngine {
     session_->guarded([&] {
       requireTransaction();
       try {
+        for (SqliteDatabase* database : session_->open) database->settle();
         for (SqliteDatabase* database : session_->open) database->connection().run("COMMIT");
       } catch (const Error&) {
         session_->abandonTransaction();

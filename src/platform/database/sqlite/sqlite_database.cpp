@@ -48,6 +48,7 @@ SqliteDatabase::~SqliteDatabase() {
 void SqliteDatabase::close() {
   if (!isOpen()) return;
   session_->guarded([&] {
+    settle();
     if (file_->connection.inTransaction()) file_->connection.run("COMMIT");
   });
   abandon();
@@ -61,13 +62,20 @@ void SqliteDatabase::abandon() {
 void SqliteDatabase::rolledBack() {
   ++generation_;
   if (!file_) return;
+  file_->relationsUnread = false;
   file_->catalog.invalidate();
   file_->names.clear();
 }
 
-SqliteDatabase::OpenFile& SqliteDatabase::file() const {
+SqliteDatabase::OpenFile& SqliteDatabase::opened() const {
   if (!file_) throw Error(err::dbInvalidObject, "The database is closed: " + path_);
   return *file_;
+}
+
+SqliteDatabase::OpenFile& SqliteDatabase::file() const {
+  OpenFile& open = opened();
+  if (open.relationsUnread) readRelations(open);
+  return open;
 }
 
 void SqliteDatabase::schemaChanged() {
@@ -77,12 +85,13 @@ void SqliteDatabase::schemaChanged() {
 }
 
 Statement& SqliteDatabase::rowStatement(const std::string& sql) {
-  OpenFile& open = file();
+  OpenFile& open = opened();
   if (Prepared* found = open.own.find(sql)) return found->statement;
   return open.own.add(sql, {nullptr, open.connection.prepare(sql)}).statement;
 }
 
 void SqliteDatabase::change(Statement& statement, std::string_view table) {
+  settle();
   const int code = statement.step();
   if (code != SQLITE_DONE) failChange(code, table);
   statement.reset();
@@ -97,7 +106,7 @@ void SqliteDatabase::failChange(int code, std::string_view table) {
 }
 
 std::optional<std::string> SqliteDatabase::textOfName(std::string_view name) {
-  OpenFile& open = file();
+  OpenFile& open = opened();
   open.catalog.refresh();
   const std::string_view plain = trimmedName(name);
   if (const TableDef* table = open.catalog.table(plain)) return "SELECT * FROM [" + table->name + "]";

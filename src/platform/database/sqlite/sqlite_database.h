@@ -51,13 +51,15 @@ class SqliteDatabase final : public Database, public std::enable_shared_from_thi
   // For the recordsets and the engine.
 
   [[nodiscard]] Session& session() const { return *session_; }
-  [[nodiscard]] Connection& connection() const { return file().connection; }  ///< 3420 when closed
+  [[nodiscard]] Connection& connection() const { return opened().connection; }  ///< 3420 when closed
   /// Statement of the engine's own on the rows of a table, prepared once; holds until the next call.
   Statement& rowStatement(const std::string& sql);
   /// Runs a statement that changes rows of `table`, whole or not at all; the error names what broke.
   void change(Statement& statement, std::string_view table);
   /// Counts the changes made through this database: rows read at another count may be stale.
   [[nodiscard]] std::uint64_t generation() const { return generation_; }
+  /// Before a commit: what the transaction put off until it was needed is done.
+  void settle() { (void)file(); }
   /// After a rollback: neither definitions, names nor rows read before can be relied on.
   void rolledBack();
   /// Closes without the part of a transaction that is not committed.
@@ -72,18 +74,25 @@ class SqliteDatabase final : public Database, public std::enable_shared_from_thi
     Catalog catalog;
     StatementCache translated;
     StatementCache own;
+    /// Relations were added in this transaction that SQLite has not read: it reads the whole schema again
+    /// for each, so that those which follow each other wait for the last.
+    bool relationsUnread = false;
     /// Texts that names of tables and queries stand for. Queries cannot change, and a table that is gone
     /// shows when its text runs.
     std::unordered_map<std::string, std::string> names;
   };
 
-  OpenFile& file() const;
+  OpenFile& opened() const;  ///< 3420 when closed
+  OpenFile& file() const;    ///< the same, SQLite knowing all relations: for all that changes rows
+  void readRelations(OpenFile& open) const;
   /// The statement that a text, a table name or a query name stands for, its literals in scanned_.
   Prepared& prepared(std::string_view source);
   Prepared& translate(std::string_view sql);
   std::optional<std::string> textOfName(std::string_view name);
   void bind(Prepared& prepared, const Parameters& parameters) const;
   void schemaChanged();
+  /// Ends a step that made or changed the definition of a table.
+  void finish(Step& step, const std::string& table);
   const TableDef& definition(std::string_view table) const;
   void addConstraint(const std::string& table, const std::string& constraint);
   /// Runs `run`, which gives an SQLite code, on the prepared source; again when the schema has changed.

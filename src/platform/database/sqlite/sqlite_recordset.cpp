@@ -12,7 +12,7 @@ namespace voxa {
 namespace {
 
 constexpr std::size_t firstRows = 256;  ///< read at once
-constexpr std::size_t blockRows = 64;   ///< fetched together later
+constexpr std::size_t blockRows = 256;  ///< fetched together later: the file is locked once for all of them
 constexpr std::int64_t deletedRow = std::numeric_limits<std::int64_t>::min();
 
 bool showsFieldsOnly(const dialect::Translation& translation) {

@@ -46,7 +46,7 @@ std::string violation(const Relation& relation) {
 }  // namespace
 
 const TableDef& SqliteDatabase::definition(std::string_view table) const {
-  OpenFile& open = file();
+  OpenFile& open = opened();
   open.catalog.refresh();
   if (const TableDef* found = open.catalog.table(table)) return *found;
   throw Error(err::dbUnknownTable, "There is no table '" + std::string(table) + "'");
@@ -66,6 +66,19 @@ const TableDef& SqliteDatabase::tableDef(std::string_view table) const {
   return session_->guarded([&]() -> const TableDef& { return definition(table); });
 }
 
+void SqliteDatabase::finish(Step& step, const std::string& table) {
+  OpenFile& open = opened();
+  open.catalog.update(table);
+  open.translated.clear();
+  open.names.clear();
+  try {
+    step.release();
+  } catch (const Error&) {
+    open.catalog.invalidate();
+    throw;
+  }
+}
+
 void SqliteDatabase::createTable(const TableDef& definition) {
   session_->guarded([&] {
     OpenFile& open = file();
@@ -75,8 +88,7 @@ void SqliteDatabase::createTable(const TableDef& definition) {
       throw Error(err::dbTableExists, "A table or query '" + table.name + "' exists already");
     }
     for (const std::string& statement : ddl::createTable(table)) open.connection.run(statement);
-    step.release();
-    schemaChanged();
+    finish(step, table.name);
   });
 }
 
@@ -101,8 +113,7 @@ void SqliteDatabase::addField(std::string_view table, const FieldDef& definition
     }
     open.connection.run("ALTER TABLE " + ddl::quoteName(owner.name) + " ADD COLUMN " +
                         ddl::column(field, {}));
-    step.release();
-    schemaChanged();
+    finish(step, owner.name);
     ++generation_;
   });
 }
@@ -135,7 +146,7 @@ std::vector<Relation> SqliteDatabase::relations() const {
 
 void SqliteDatabase::createRelation(const Relation& relation) {
   session_->guarded([&] {
-    OpenFile& open = file();
+    OpenFile& open = opened();
     ddl::checkName(relation.name);
     if (relation.fields.empty()) {
       throw Error(err::dbInvalidArgument, "Relation '" + relation.name + "' has no fields");
@@ -175,27 +186,35 @@ void SqliteDatabase::createRelation(const Relation& relation) {
                           ddl::quoteName(foreign.name) + " (" + ddl::quoteNames(foreignFields) + ")");
     }
     addConstraint(foreign.name, ddl::foreignKey(exact));
-    step.release();
-    schemaChanged();
+    if (!session_->inTransaction) readRelations(open);
+    finish(step, foreign.name);
+    open.relationsUnread = session_->inTransaction;
   });
 }
 
 /// SQLite adds constraints to a table only with the table itself; changing the schema's text is the way that
-/// its documentation gives for what leaves the rows as they are. The version's step tells other users.
+/// its documentation gives for what leaves the rows as they are.
 void SqliteDatabase::addConstraint(const std::string& table, const std::string& constraint) {
-  Connection& connection = file().connection;
-  const std::int64_t version = connection.number("PRAGMA schema_version");
+  Connection& connection = opened().connection;
   connection.run("PRAGMA writable_schema=ON");
   try {
     connection.run("UPDATE sqlite_schema SET sql = substr(sql, 1, length(sql) - 1) || " +
                    ddl::quoteText(", " + constraint + ")") +
                    " WHERE type = 'table' AND name = " + ddl::quoteText(table));
-    connection.run("PRAGMA schema_version=" + std::to_string(version + 1));
   } catch (...) {
-    connection.run("PRAGMA writable_schema=RESET");
+    connection.run("PRAGMA writable_schema=OFF");
     throw;
   }
-  connection.run("PRAGMA writable_schema=RESET");
+  connection.run("PRAGMA writable_schema=OFF");
+}
+
+/// Makes SQLite read the schema again, other users too: they see it by the version's step.
+void SqliteDatabase::readRelations(OpenFile& open) const {
+  const std::int64_t version = open.connection.number("PRAGMA schema_version");
+  open.connection.run("PRAGMA schema_version=" + std::to_string(version + 1));
+  open.connection.run("PRAGMA writable_schema=RESET");
+  open.relationsUnread = false;
+  open.catalog.versionChanged();
 }
 
 std::vector<QueryDef> SqliteDatabase::queries() const {
@@ -215,7 +234,7 @@ std::vector<QueryDef> SqliteDatabase::queries() const {
 
 void SqliteDatabase::createQuery(const QueryDef& query) {
   session_->guarded([&] {
-    OpenFile& open = file();
+    OpenFile& open = opened();
     ddl::checkName(query.name);
     Step step(open.connection);
     if (textOfName(query.name)) {
