@@ -59,24 +59,39 @@ std::vector<ddl::Table> Catalog::read(const std::string& condition) const {
   return tables;
 }
 
+std::size_t Catalog::place(const std::string& table) const {
+  const auto found =
+      std::find_if(tables_.begin(), tables_.end(), [&](const auto& t) { return t->name == table; });
+  return static_cast<std::size_t>(found - tables_.begin());
+}
+
+void Catalog::insert(const std::vector<Relation>& relations, std::size_t owner) {
+  // Where load() puts them: behind those of the tables before.
+  const auto next = std::find_if(relations_.begin(), relations_.end(), [&](const Relation& relation) {
+    return place(relation.foreignTable) > owner;
+  });
+  relations_.insert(next, relations.begin(), relations.end());
+}
+
 void Catalog::update(const std::string& table) {
   if (!version_) return;
   version_.reset();
   const std::int64_t version = currentVersion();
-  const auto place = [this](const std::string& name) {
-    return std::find_if(tables_.begin(), tables_.end(), [&](const auto& t) { return t->name == name; });
-  };
   for (ddl::Table& changed : read("tbl_name = " + ddl::quoteText(table))) {
-    auto own = place(table);
-    if (own == tables_.end()) own = tables_.insert(own, std::make_unique<TableDef>());
-    **own = std::move(changed.definition);
-    // Where load() would put them: behind those of the tables before.
+    const std::size_t owner = place(table);
+    if (owner == tables_.size()) tables_.push_back(std::make_unique<TableDef>());
+    *tables_[owner] = std::move(changed.definition);
     std::erase_if(relations_, [&](const Relation& relation) { return relation.foreignTable == table; });
-    const auto next = std::find_if(relations_.begin(), relations_.end(), [&](const Relation& relation) {
-      return place(relation.foreignTable) > own;
-    });
-    relations_.insert(next, changed.relations.begin(), changed.relations.end());
+    insert(changed.relations, owner);
   }
+  version_ = version;
+}
+
+void Catalog::add(const Relation& relation) {
+  if (!version_) return;
+  version_.reset();
+  const std::int64_t version = currentVersion();
+  insert({relation}, place(relation.foreignTable));
   version_ = version;
 }
 

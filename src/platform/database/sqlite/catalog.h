@@ -23,10 +23,10 @@ class Catalog final : public dialect::Schema {
   void refresh();
   /// Forgets what was read: after changes here and after a rollback, which may bring a version number back.
   void invalidate() { version_.reset(); }
-  /// Reads one table again, new or changed, whose change was the only one since the definitions were read.
-  void update(const std::string& table);
-  /// The schema's version has changed, and nothing else.
-  void versionChanged();
+  // What is the only change since the definitions were read spares reading all of them again:
+  void update(const std::string& table);  ///< a table, new or changed
+  void add(const Relation& relation);     ///< a new relation, its tables and fields spelt as in the file
+  void versionChanged();                  ///< nothing but the schema's version
 
   [[nodiscard]] const TableDef* table(std::string_view name) const override;
   [[nodiscard]] const std::vector<std::unique_ptr<TableDef>>& tables() const;  ///< in order of creation
@@ -39,6 +39,8 @@ class Catalog final : public dialect::Schema {
   void load() const;
   std::vector<ddl::Table> read(const std::string& condition) const;
   std::int64_t currentVersion() const;
+  std::size_t place(const std::string& table) const;  ///< index in tables_, their number when it is in none
+  void insert(const std::vector<Relation>& relations, std::size_t owner);
 
   Connection& connection_;
   mutable std::optional<Statement> versionStatement_;

@@ -91,8 +91,8 @@ class SqliteDatabase final : public Database, public std::enable_shared_from_thi
   std::optional<std::string> textOfName(std::string_view name);
   void bind(Prepared& prepared, const Parameters& parameters) const;
   void schemaChanged();
-  /// Ends a step that made or changed the definition of a table.
-  void finish(Step& step, const std::string& table);
+  /// Ends a step that changed definitions, the catalog knowing of it.
+  void finish(Step& step);
   const TableDef& definition(std::string_view table) const;
   void addConstraint(const std::string& table, const std::string& constraint);
   /// Runs `run`, which gives an SQLite code, on the prepared source; again when the schema has changed.

@@ -66,9 +66,8 @@ const TableDef& SqliteDatabase::tableDef(std::string_view table) const {
   return session_->guarded([&]() -> const TableDef& { return definition(table); });
 }
 
-void SqliteDatabase::finish(Step& step, const std::string& table) {
+void SqliteDatabase::finish(Step& step) {
   OpenFile& open = opened();
-  open.catalog.update(table);
   open.translated.clear();
   open.names.clear();
   try {
@@ -88,7 +87,8 @@ void SqliteDatabase::createTable(const TableDef& definition) {
       throw Error(err::dbTableExists, "A table or query '" + table.name + "' exists already");
     }
     for (const std::string& statement : ddl::createTable(table)) open.connection.run(statement);
-    finish(step, table.name);
+    open.catalog.update(table.name);
+    finish(step);
   });
 }
 
@@ -113,7 +113,8 @@ void SqliteDatabase::addField(std::string_view table, const FieldDef& definition
     }
     open.connection.run("ALTER TABLE " + ddl::quoteName(owner.name) + " ADD COLUMN " +
                         ddl::column(field, {}));
-    finish(step, owner.name);
+    open.catalog.update(owner.name);
+    finish(step);
     ++generation_;
   });
 }
@@ -187,7 +188,8 @@ void SqliteDatabase::createRelation(const Relation& relation) {
     }
     addConstraint(foreign.name, ddl::foreignKey(exact));
     if (!session_->inTransaction) readRelations(open);
-    finish(step, foreign.name);
+    open.catalog.add(exact);
+    finish(step);
     open.relationsUnread = session_->inTransaction;
   });
 }

@@ -1,0 +1,88 @@
+#include "support/installation.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <stdexcept>
+
+#include "app/qdb.h"
+#include "comm/com.h"
+#include "messages/strings.h"
+#include "platform/database/sqlite/engine.h"
+#include "support/harness.h"
+
+namespace voxa::bench {
+
+namespace {
+
+std::string makeFolder(const std::string& parent) {
+  std::string path = parent + "/bench-XXXXXX";
+  require(mkdtemp(path.data()) != nullptr, "Cannot make a folder in " + parent);
+  return path;
+}
+
+}  // namespace
+
+Installation::Installation()
+    : previousFolder_(std::filesystem::current_path().string()),
+      folder_(makeFolder(previousFolder_)),
+      databasePath_(folder_ + "/main.mdb") {
+  std::filesystem::current_path(folder_);
+  restart();
+  require(glob_->Strings().createDB() == 0, "Cannot create the message store");
+  glob_->insertStrings();
+  restart();
+}
+
+Installation::~Installation() {
+  glob_.reset();
+  library_.reset();
+  engine_.reset();
+  std::filesystem::current_path(previousFolder_);
+  std::filesystem::remove_all(folder_);
+}
+
+void Installation::restart() {
+  glob_.reset();
+  library_.reset();
+  prompts_.boxes.clear();
+  engine_ = makeSqliteEngine(clock_);
+  library_ = std::make_unique<Library>(Library::Seams{*engine_, driver_, prompts_, clock_});
+  glob_ = std::make_unique<Glob>(*library_);
+  Com& com = library_->Com();
+  com.AppDB = databasePath_;
+  com.IniFile = folder_ + "\\S001.ini";
+  com.logFileName = folder_ + "\\COM.LOG";
+  com.Chemin = folder_;
+}
+
+void Installation::createDatabase() {
+  const std::int16_t status = library_->QDB().createDB();
+  requireSilence();
+  require(status == 0, "Cannot create the database");
+}
+
+void Installation::addCardholders(int count) {
+  Transaction transaction(*engine_);
+  for (int n = 1; n <= count; ++n) {
+    const std::string number = std::to_string(n);
+    db().execute("insert into Cardholders (CardNum, Name, CardCode) values (" + number + ", 'Card " + number +
+                 "', '" + number + "')");
+  }
+  transaction.commit();
+}
+
+std::string Installation::copyDatabase() const {
+  const std::string copy = folder_ + "/rival.mdb";
+  std::filesystem::copy_file(databasePath_, copy);
+  return copy;
+}
+
+Database& Installation::db() const {
+  return *library_->QDB().DB();
+}
+
+void Installation::requireSilence() const {
+  require(prompts_.boxes.empty(), prompts_.boxes.empty() ? "" : prompts_.boxes.front().prompt);
+}
+
+}  // namespace voxa::bench

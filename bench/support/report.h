@@ -1,0 +1,34 @@
+#pragma once
+
+#include <iosfwd>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace voxa::bench {
+
+/// One line of the report. ratio = ours / rival, and the limit is on the ratio, or on `ours` where there is
+/// no rival.
+struct Row {
+  std::string name;
+  std::string unit;
+  double ours = 0;
+  std::optional<double> rival{};
+  std::optional<double> limit{};
+
+  [[nodiscard]] std::optional<double> ratio() const {
+    return rival ? std::optional(ours / *rival) : std::nullopt;
+  }
+  [[nodiscard]] bool missed() const { return limit && ratio().value_or(ours) > *limit; }
+};
+using Rows = std::vector<Row>;
+
+/// Prints an aligned table; rows over their limit are marked.
+void printTable(std::ostream& out, const Rows& rows);
+
+/// Writes a list of objects with the keys name, unit, ours, rival, ratio and limit, null where there is
+/// none. Raises std::runtime_error when the file cannot be written.
+void writeJson(const std::string& path, const Rows& rows);
+
+}  // namespace voxa::bench
