@@ -1,27 +1,30 @@
-// voxa download: programs on their way to the controllers.
+// voxa download: what was changed, on its way to the controllers. Groups and cards are in download_cards.cpp.
 
 #include "download.h"
 
 #include <CLI/CLI.hpp>
-#include <chrono>
 #include <iostream>
 #include <set>
 
+#include "access/badge_format.h"
 #include "app/qdb.h"
 #include "comm/com.h"
 #include "commands.h"
 #include "installation.h"
 #include "lookup.h"
 #include "programs/daily_program.h"
+#include "programs/holidays.h"
 #include "programs/weekly_program.h"
+#include "progress.h"
 #include "refusal.h"
 
 namespace voxa::cli {
 
 namespace {
 
-/// What tells the two kinds of programs apart. The built-in programs 0 are never sent.
+/// What tells the kinds of tables apart that are sent as a whole. The built-in programs 0 are never sent.
 struct Kind {
+  const char* title;
   const char* rows;
   const char* flag;
   std::string (*key)(const Recordset& row);
@@ -29,7 +32,9 @@ struct Kind {
   std::int16_t (*sendAll)(QDB& qdb, const Component& to, bool* tested);
 };
 
-const Kind daily = {"select * from DailyPrograms where Id <> 0 order by Id", "DailyProgramFlagD",
+const Kind daily = {"Daily programs",
+                    "select * from DailyPrograms where Id <> 0 order by Id",
+                    "DailyProgramFlagD",
                     [](const Recordset& row) { return row.get("Id").toText(); },
                     [](QDB& qdb, const Recordset& row, const Component& to, bool* tested) {
                       return qdb.DailyPrograms().download(row.get("Id").toInt16(), to.type, to.name,
@@ -40,7 +45,9 @@ const Kind daily = {"select * from DailyPrograms where Id <> 0 order by Id", "Da
                     }};
 
 const Kind weekly = {
-    "select * from WeeklyPrograms where ProgNum <> 0 order by ProgType, ProgNum", "WeeklyProgramFlagD",
+    "Weekly programs",
+    "select * from WeeklyPrograms where ProgNum <> 0 order by ProgType, ProgNum",
+    "WeeklyProgramFlagD",
     [](const Recordset& row) { return row.get("ProgType").toText() + row.get("ProgNum").toText(); },
     [](QDB& qdb, const Recordset& row, const Component& to, bool* tested) {
       return qdb.WeeklyPrograms().download(row.get("ProgType").toText(), row.get("ProgNum").toInt16(),
@@ -50,35 +57,59 @@ const Kind weekly = {
       return qdb.WeeklyPrograms().generalDownload(to.type, to.name, "", tested);
     }};
 
+const Kind holidays = {"Holidays",
+                       "select * from Holidays order by Id",
+                       "HolidayFlagD",
+                       [](const Recordset& row) { return row.get("Id").toText(); },
+                       [](QDB& qdb, const Recordset& row, const Component& to, bool* /*tested*/) {
+                         return qdb.Holidays().download(row.get("Id").toInt16(), to.type, to.name);
+                       },
+                       [](QDB& qdb, const Component& to, bool* tested) {
+                         return qdb.Holidays().generalDownload(to.type, to.name, tested);
+                       }};
+
+const Kind& kindOf(Programs programs) {
+  switch (programs) {
+    case Programs::daily:
+      return daily;
+    case Programs::weekly:
+      return weekly;
+    default:
+      return holidays;
+  }
+}
+
+const char* titleOf(Programs programs) {
+  if (programs == Programs::groups) return "Access groups";
+  if (programs == Programs::cards) return "Cards";
+  return kindOf(programs).title;
+}
+
 bool marked(const Recordset& row, const Kind& kind) {
   return row.get(kind.flag).toBool();
 }
 
-/// "Sending 12 of 31" on a terminal, once the work has taken a second.
-class Progress {
- public:
-  explicit Progress(std::size_t total) : total_(total) {}
-  ~Progress() {
-    if (shown_) std::cerr << '\n';
-  }
-  Progress(const Progress&) = delete;
-  Progress& operator=(const Progress&) = delete;
-  void step() {
-    ++done_;
-    if (!terminal_ || std::chrono::steady_clock::now() - start_ < std::chrono::seconds(1)) return;
-    std::cerr << "\rSending " << done_ << " of " << total_ << std::flush;
-    shown_ = true;
-  }
-
- private:
-  std::size_t total_;
-  std::size_t done_ = 0;
-  bool terminal_ = ConsolePrompts::isTerminal();
-  bool shown_ = false;
-  std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
-};
-
 }  // namespace
+
+std::vector<std::string> silentControllers(Installation& installation, const Component& component) {
+  std::vector<std::string> names;
+  const auto rows = installation.rows("select StationID, CtrAddr from ComStatus where Status = -1");
+  for (; !rows->eof(); rows->moveNext()) {
+    const std::int16_t station = rows->get("StationID").toInt16();
+    const std::int16_t address = rows->get("CtrAddr").toInt16();
+    bool concerned = component.type == CTActiveStations;
+    if (component.type == CTStation) {
+      concerned = stationNamed(installation, component.name)->get("Id").toInt16() == station;
+    }
+    if (component.type == CTReader) {
+      const auto reader = readerNamed(installation, component.name);
+      concerned = reader->get("StationId").toInt16() == station &&
+                  reader->get("ControllerAddress").toInt16() == address;
+    }
+    if (concerned) names.push_back(installation.com().getName(station, address));
+  }
+  return names;
+}
 
 bool Download::ready() {
   const int failures = installation_.prompts().failuresShown();
@@ -87,27 +118,14 @@ bool Download::ready() {
     throw Refusal("the controllers cannot be tested: nothing was sent");
   }
   installation_.com().popErrorList();  // the question has named the controllers
-  leftOut_.clear();
-  const auto rows = installation_.rows("select StationID, CtrAddr from ComStatus where Status = -1");
-  for (; !rows->eof(); rows->moveNext()) {
-    const std::int16_t station = rows->get("StationID").toInt16();
-    const std::int16_t address = rows->get("CtrAddr").toInt16();
-    bool concerned = component_.type == CTActiveStations;
-    if (component_.type == CTStation) {
-      concerned = stationNamed(installation_, component_.name)->get("Id").toInt16() == station;
-    }
-    if (component_.type == CTReader) {
-      const auto reader = readerNamed(installation_, component_.name);
-      concerned = reader->get("StationId").toInt16() == station &&
-                  reader->get("ControllerAddress").toInt16() == address;
-    }
-    if (concerned) leftOut_.push_back(installation_.com().getName(station, address));
-  }
+  leftOut_ = silentControllers(installation_, component_);
   return goOn;
 }
 
 DownloadCount Download::send(Programs programs, bool full) {
-  const Kind& kind = programs == Programs::daily ? daily : weekly;
+  if (programs == Programs::groups) return sendGroups(full);
+  if (programs == Programs::cards) return sendCards(full);
+  const Kind& kind = kindOf(programs);
   DownloadCount count;
   std::set<std::string> chosenRows;
   for (auto rows = installation_.rows(kind.rows); !rows->eof(); rows->moveNext()) {
@@ -122,7 +140,7 @@ DownloadCount Download::send(Programs programs, bool full) {
   if (full) {
     kind.sendAll(installation_.qdb(), component_, &tested);
   } else {
-    Progress progress(chosenRows.size());
+    Progress progress("Sending", chosenRows.size());
     for (auto rows = installation_.rows(kind.rows); !rows->eof(); rows->moveNext()) {
       if (!chosenRows.contains(kind.key(*rows))) continue;
       if (kind.sendRow(installation_.qdb(), *rows, component_, &tested) != 0) {
@@ -146,27 +164,55 @@ DownloadCount Download::send(Programs programs, bool full) {
   return count;
 }
 
+DownloadCount Download::sendBadgeFormat(const Recordset& format, bool full) {
+  const bool wanted = full || format.get("BadgeFormatFlagD").toBool();
+  DownloadCount count;
+  std::set<std::pair<std::int16_t, std::int16_t>> served;
+  bool tested = true;
+  const auto readers = installation_.rows(
+      "select Readers.Name as Reader, Stations.Name as Station, StationId, ControllerAddress, Position, "
+      "ControllerType from Readers inner join Stations on Readers.StationId = Stations.Id "
+      "where Stations.Active = true order by StationId, ControllerAddress, Position");
+  for (; !readers->eof(); readers->moveNext()) {
+    const std::string name = readers->get("Reader").toText();
+    if (component_.type == CTReader && name != component_.name) continue;
+    if (component_.type == CTStation && readers->get("Station").toText() != component_.name) continue;
+    const std::int16_t station = readers->get("StationId").toInt16();
+    const std::int16_t address = readers->get("ControllerAddress").toInt16();
+    bool vrmd1 = readers->get("ControllerType") == Value("VRMD1");
+    if (!vrmd1 && !served.insert({station, address}).second) continue;  // one format for all its readers
+    if (!wanted) {
+      ++count.unchanged;
+      continue;
+    }
+    if (!installation_.com().TestSend(station, address)) continue;
+    std::int16_t position = readers->get("Position").toInt16();
+    const std::int16_t status = installation_.qdb().BadgeFormat().download(
+        format.get("Id").toInt16(), position, vrmd1, CTReader, name, full ? DLFull : DLDefault, &tested);
+    ++(status == 0 ? count.sent : count.failed);
+  }
+  return count;
+}
+
 namespace {
 
 struct DownloadOptions {
   ComponentChoice component;
   bool full = false;
+  std::string badgeFormat;
 };
 
-void download(Installation& installation, const std::vector<Programs>& kinds,
-              const DownloadOptions& options) {
-  installation.openForSending();
+void print(const std::string& title, const DownloadCount& count) {
+  std::cout << title << ": " << count.sent << " sent, " << count.unchanged << " unchanged, " << count.failed
+            << " failed\n";
+}
+
+// sendAll: sends with the download what the command is about; true when something failed.
+void download(Installation& installation, const DownloadOptions& options,
+              const std::function<bool(Download&)>& sendAll) {
   Download download(installation, chosen(installation, options.component));
-  if (!download.ready()) {
-    throw Refusal("aborted: nothing was sent");
-  }
-  bool failed = false;
-  for (const Programs programs : kinds) {
-    const DownloadCount count = download.send(programs, options.full);
-    std::cout << (programs == Programs::daily ? "Daily" : "Weekly") << " programs: " << count.sent
-              << " sent, " << count.unchanged << " unchanged, " << count.failed << " failed\n";
-    failed = failed || count.failed > 0;
-  }
+  if (!download.ready()) throw Refusal("aborted: nothing was sent");
+  const bool failed = sendAll(download);
   if (!download.leftOut().empty()) {
     std::string names;
     for (const std::string& name : download.leftOut()) names += "\n  " + name;
@@ -175,24 +221,71 @@ void download(Installation& installation, const std::vector<Programs>& kinds,
   if (failed) throw Refusal("not everything was sent: what failed stays marked");
 }
 
+void downloadTables(Installation& installation, const std::vector<Programs>& kinds,
+                    const DownloadOptions& options) {
+  installation.openForSending();
+  download(installation, options, [&](Download& to) {
+    bool failed = false;
+    for (const Programs programs : kinds) {
+      const DownloadCount count = to.send(programs, options.full);
+      print(titleOf(programs), count);
+      failed = failed || count.failed > 0;
+    }
+    return failed;
+  });
+}
+
+void downloadBadgeFormat(Installation& installation, const DownloadOptions& options) {
+  installation.openForSending();
+  const auto format = badgeFormats(installation);
+  moveToNumberOrName(*format, "Id", options.badgeFormat, "msgCantFindBadgeFormat");
+  download(installation, options, [&](Download& to) {
+    const DownloadCount count = to.sendBadgeFormat(*format, options.full);
+    if (count.sent + count.unchanged + count.failed == 0 && to.leftOut().empty()) {
+      throw Refusal("there is no reader of an active station to send it to");
+    }
+    print("Badge format " + format->get("Name").toText(), count);
+    return count.failed > 0;
+  });
+}
+
 }  // namespace
 
 void addDownloadCommands(CLI::App& app, Installation& installation) {
-  auto* group = app.add_subcommand("download", "Send programs to the controllers")->require_subcommand(1);
+  auto* group =
+      app.add_subcommand("download", "Send what was changed to the controllers")->require_subcommand(1);
   const auto add = [&](const std::string& name, const char* what, std::vector<Programs> kinds) {
     auto* command = group->add_subcommand(name, what);
     auto options = std::make_shared<DownloadOptions>();
-    addComponentOptions(*command, options->component);
+    const bool toAll = kinds == std::vector{Programs::groups};
+    if (!toAll) addComponentOptions(*command, options->component);
     command->add_flag("--full", options->full, "Also those that the controllers have");
-    command->footer("A program counts as sent once one component has taken it.\nExample:\n  voxa download " +
-                    name + " --station Local --full");
-    command->callback(
-        [&installation, options, kinds = std::move(kinds)] { download(installation, kinds, *options); });
+    command->footer(
+        "A program or holiday counts as sent once one component has taken it, a card when all its "
+        "controllers\n"
+        "have; groups and deleted cards go to all controllers only.\nExample:\n  voxa download " +
+        name + (toAll ? " --full" : " --station Local --full"));
+    command->callback([&installation, options, kinds = std::move(kinds)] {
+      downloadTables(installation, kinds, *options);
+    });
   };
   add("daily", "Send the daily programs that were changed", {Programs::daily});
   add("weekly", "Send the weekly programs that were changed", {Programs::weekly});
-  add("all", "Send the daily, then the weekly programs that were changed",
-      {Programs::daily, Programs::weekly});
+  add("holidays", "Send the holidays that were changed", {Programs::holidays});
+  add("groups", "Send the cards of the access groups that were changed", {Programs::groups});
+  add("cards", "Send the cards that were changed", {Programs::cards});
+  add("all", "Send the programs, the holidays, the access groups and the cards that were changed",
+      {Programs::daily, Programs::weekly, Programs::holidays, Programs::groups, Programs::cards});
+
+  auto* badge = group->add_subcommand("badge", "Send a badge format to readers; it stays marked");
+  auto options = std::make_shared<DownloadOptions>();
+  badge->add_option("FORMAT", options->badgeFormat, "Number or name of the format")->required();
+  addComponentOptions(*badge, options->component);
+  badge->add_flag("--full", options->full, "Also when it was not changed");
+  badge->footer(
+      "A VRMD1 is told the format of each of its readers, another controller one format for all.\n"
+      "Example:\n  voxa download badge \"Site cards\" --reader Garage");
+  badge->callback([&installation, options] { downloadBadgeFormat(installation, *options); });
 }
 
 }  // namespace voxa::cli

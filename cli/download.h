@@ -6,17 +6,25 @@
 
 #include "comm/row_download.h"
 
+namespace voxa {
+class Recordset;
+}
+
 namespace voxa::cli {
 
 class Installation;
 
-enum class Programs { daily, weekly };
+enum class Programs { daily, weekly, holidays, groups, cards };
 
 struct DownloadCount {
   int sent = 0;
   int unchanged = 0;
   int failed = 0;
 };
+
+/// Names of the component's controllers that did not answer the last test.
+[[nodiscard]] std::vector<std::string> silentControllers(Installation& installation,
+                                                         const Component& component);
 
 /// One download to a component, with one communication test for all that is sent. A program that the person
 /// let go out without controllers that did not answer stays marked, so that the next download brings it to
@@ -29,12 +37,21 @@ class Download {
   /// Tests the component's controllers; false when the person chose to send nothing. A Refusal when the test
   /// itself fails.
   [[nodiscard]] bool ready();
-  /// Sends the marked programs, or all of them when `full`. Failures have been shown.
+  /// Sends the marked programs, or all of them when `full`. Failures have been shown. Groups are sent to all
+  /// their controllers only: a download to one component passes them over, and leaves the marks of cards.
   DownloadCount send(Programs programs, bool full);
+  /// Sends a badge format, when it is marked or `full`, to each reader of a VRMD1 and to every other
+  /// controller once; those are what is counted. Readers of stations that are not active, and those of
+  /// controllers that did not answer, are passed over. The mark stays: who works with the format is not
+  /// known.
+  DownloadCount sendBadgeFormat(const Recordset& format, bool full);
   /// Names of the controllers that did not answer the test.
   [[nodiscard]] const std::vector<std::string>& leftOut() const { return leftOut_; }
 
  private:
+  DownloadCount sendGroups(bool full);
+  DownloadCount sendCards(bool full);
+
   Installation& installation_;
   Component component_;
   std::vector<std::string> leftOut_;

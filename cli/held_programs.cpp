@@ -29,4 +29,9 @@ std::string daysText(const site::WeeklyProgram& program) {
   return text + ", holidays " + std::to_string(program.holiday);
 }
 
+std::string dateText(const site::Holiday& holiday) {
+  const std::string dayAndMonth = zeroPadded(holiday.day, 2) + "/" + zeroPadded(holiday.month, 2);
+  return dayAndMonth + (holiday.year ? "/" + zeroPadded(*holiday.year, 4) : " every year");
+}
+
 }  // namespace voxa::cli

@@ -4,6 +4,7 @@
 
 namespace site {
 struct DailyProgram;
+struct Holiday;
 struct WeeklyProgram;
 }  // namespace site
 
@@ -15,5 +16,7 @@ namespace voxa::cli {
 [[nodiscard]] std::string intervalsText(const site::DailyProgram& program);
 /// "2 2 2 2 2 0 0, holidays 0", Monday first.
 [[nodiscard]] std::string daysText(const site::WeeklyProgram& program);
+/// "25/12/2026", or "25/12 every year".
+[[nodiscard]] std::string dateText(const site::Holiday& holiday);
 
 }  // namespace voxa::cli

@@ -1,7 +1,10 @@
 #include "lookup.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 
+#include "access/badge_format.h"
+#include "app/qdb.h"
 #include "installation.h"
 #include "platform/text.h"
 #include "refusal.h"
@@ -73,6 +76,16 @@ std::unique_ptr<Recordset> readerNamed(Installation& installation, const std::st
   auto rows = installation.rows("select * from Readers");
   if (!moveToName(*rows, name)) throw Refusal("msgCantFindReader", name);
   return rows;
+}
+
+bool hasBadgeFormats(Installation& installation) {
+  const auto tables = installation.qdb().DB()->tableNames();
+  return std::find(tables.begin(), tables.end(), installation.qdb().BadgeFormat().Name()) != tables.end();
+}
+
+std::unique_ptr<Recordset> badgeFormats(Installation& installation) {
+  if (hasBadgeFormats(installation)) return installation.rows("select * from BadgeFormat order by Id");
+  throw Refusal("the installation has no badge formats: create the default one with 'voxa badge create'");
 }
 
 void addComponentOptions(CLI::App& command, ComponentChoice& choice) {

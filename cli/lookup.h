@@ -42,6 +42,10 @@ void moveToNumberOrName(Recordset& rows, const char* numberColumn, const std::st
 [[nodiscard]] std::unique_ptr<Recordset> stationNamed(Installation& installation, const std::string& name);
 [[nodiscard]] std::unique_ptr<Recordset> readerNamed(Installation& installation, const std::string& name);
 
+/// Rows of the badge formats; a Refusal when the installation has no table of them.
+[[nodiscard]] std::unique_ptr<Recordset> badgeFormats(Installation& installation);
+[[nodiscard]] bool hasBadgeFormats(Installation& installation);
+
 /// Where a download or command goes, as the person chose it.
 struct ComponentChoice {
   std::string station;

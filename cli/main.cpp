@@ -44,8 +44,16 @@ int main(int argc, char** argv) {
     voxa::cli::addReaderCommands(app, installation);
     voxa::cli::addDailyCommands(app, installation);
     voxa::cli::addWeeklyCommands(app, installation);
+    voxa::cli::addHolidayCommands(app, installation);
+    voxa::cli::addBadgeCommands(app, installation);
+    voxa::cli::addGroupCommands(app, installation);
+    voxa::cli::addCardCommands(app, installation);
+    voxa::cli::addLiftCommands(app, installation);
+    voxa::cli::addImportCommands(app, installation);
     voxa::cli::addStatusCommand(app, installation);
     voxa::cli::addDownloadCommands(app, installation);
+    voxa::cli::addReadCommand(app, installation);
+    voxa::cli::addJournalCommand(app, installation);
     voxa::cli::addSendCommands(app, installation);
     voxa::cli::addDatabaseCommands(app, installation);
     voxa::cli::addSimulatorCommands(app, installation);

@@ -9,6 +9,7 @@
 #include "comm/station.h"
 #include "commands.h"
 #include "installation.h"
+#include "links.h"
 #include "lookup.h"
 #include "refusal.h"
 #include "table_output.h"
@@ -41,6 +42,7 @@ void addReader(Installation& installation, const ReaderOptions& options) {
   rows->update();
   // The driver learns from the station's file which controllers are on the line.
   installation.qdb().Stations().createIniFile(stationId);
+  linkNewReader(installation, id);
   std::cout << "Reader " << id << ": " << options.name << '\n';
 }
 
@@ -64,7 +66,7 @@ void listReaders(Installation& installation, bool json) {
 void addReaderCommands(CLI::App& app, Installation& installation) {
   auto* group = app.add_subcommand("reader", "Doors")->require_subcommand(1);
 
-  auto* add = group->add_subcommand("add", "Add a reader");
+  auto* add = group->add_subcommand("add", "Add a reader, which the default access group opens always");
   auto options = std::make_shared<ReaderOptions>();
   add->add_option("NAME", options->name, "Name of the new reader")->required();
   add->add_option("--station", options->station, "Its station")->required();

@@ -11,6 +11,7 @@
 #include "lookup.h"
 #include "platform/text.h"
 #include "refusal.h"
+#include "sim_commands.h"
 #include "site/site.h"
 #include "table_output.h"
 
@@ -53,6 +54,21 @@ std::string faultsText(const site::Faults& faults) {
   return text.empty() ? "none" : text;
 }
 
+Value valueOf(std::optional<int> number) {
+  return number ? Value(*number) : Value();
+}
+
+std::string doorsText(const site::Card& card) {
+  if (card.door1 && card.door2) return "1 2";
+  return card.door1 ? "1" : (card.door2 ? "2" : "none");
+}
+
+std::string liftsText(const site::Card& card) {
+  std::string text;
+  for (const int output : card.lifts) text += (text.empty() ? "" : " ") + std::to_string(output);
+  return text;
+}
+
 std::string momentText(const site::Moment& at) {
   return zeroPadded(at.date.day, 2) + "/" + zeroPadded(at.date.month, 2) + "/" + zeroPadded(at.date.year, 4) +
          " " + zeroPadded(at.hour, 2) + ":" + zeroPadded(at.minute, 2) + ":" + zeroPadded(at.second, 2);
@@ -89,10 +105,30 @@ void showController(Installation& installation, site::Site& site, const Controll
   for (const auto& program : snapshot.weeklyPrograms) {
     weekly.add({std::string(1, program.family), program.number, daysText(program)});
   }
+  TableOutput holidays({"Slot", "Date"});
+  for (const auto& holiday : snapshot.holidays) holidays.add({holiday.slot, dateText(holiday)});
+  TableOutput cards({"Number", "Code", "Weekly", "Doors", "Pin", "Supervisor", "Until", "Credit", "Lifts"});
+  for (const auto& card : snapshot.cards) {
+    cards.add({card.number, card.code, valueOf(card.weekly), doorsText(card), card.pin, card.supervisor,
+               card.validUntil
+                   ? Value(dateText({0, card.validUntil->day, card.validUntil->month, card.validUntil->year}))
+                   : Value(),
+               valueOf(card.credit), liftsText(card)});
+  }
+  TableOutput badges(
+      {"Reader", "Technology", "SitePosition", "SiteLength", "CardPosition", "CardType", "Site"});
+  for (const auto& format : snapshot.badgeFormats) {
+    badges.add({format.reader == 0 ? Value("all") : Value(format.reader), format.technology,
+                format.sitePosition, format.siteLength, format.cardPosition, format.cardType,
+                format.siteCode});
+  }
   TableOutput received({"Received", "Line", "Refused"});
   for (const auto& line : snapshot.received) {
     received.add({momentText(line.at), line.text, line.reason.empty() ? Value() : Value(line.reason)});
   }
+  const std::pair<const char*, const TableOutput*> tables[] = {
+      {"Daily programs", &daily}, {"Weekly programs", &weekly}, {"Holidays", &holidays},
+      {"Cards", &cards},          {"Badge formats", &badges},   {"Lines received", &received}};
   if (options.json) {
     printJson(std::cout, {{"Station", options.station},
                           {"Address", place.address},
@@ -101,17 +137,18 @@ void showController(Installation& installation, site::Site& site, const Controll
                           {"Faults", faultsText(snapshot.faults)},
                           {"DailyPrograms", daily.json()},
                           {"WeeklyPrograms", weekly.json()},
+                          {"Holidays", holidays.json()},
+                          {"Cards", cards.json()},
+                          {"BadgeFormats", badges.json()},
                           {"ReceivedLines", received.json()}});
     return;
   }
   std::cout << "Controller " << place.address << " of " << options.station << ": " << snapshot.info.type
-            << ", " << snapshot.info.speed << " bit/s, faults: " << faultsText(snapshot.faults)
-            << "\n\nDaily programs\n";
-  daily.print(std::cout, false);
-  std::cout << "\nWeekly programs\n";
-  weekly.print(std::cout, false);
-  std::cout << "\nLines received\n";
-  received.print(std::cout, false);
+            << ", " << snapshot.info.speed << " bit/s, faults: " << faultsText(snapshot.faults) << '\n';
+  for (const auto& [title, table] : tables) {
+    std::cout << '\n' << title << '\n';
+    table->print(std::cout, false);
+  }
 }
 
 void setFaults(Installation& installation, site::Site& site, const ControllerOptions& options,
@@ -212,6 +249,8 @@ void addSimulatorCommands(CLI::App& app, Installation& installation) {
     const Place place = placeOf(i, *removed);
     site.removeController(place.station, place.address);
   }));
+
+  addSwipeCommand(*sim, installation);
 }
 
 }  // namespace voxa::cli

@@ -9,7 +9,8 @@ trap 'rm -rf "$folder"' EXIT
 cd "$folder" || exit 1
 failures=0
 
-voxa() { "$program" --dir plant "$@" </dev/null; }
+plant=plant
+voxa() { "$program" --dir "$plant" "$@" </dev/null; }
 
 fail() {
   echo "FAILED: $1"
@@ -90,6 +91,39 @@ succeeds sim controller list
 grep -qE '^Annex +5 +VRMD1 +19200' out || fail "the controller did not change its speed"
 succeeds status
 
+# Holidays go when every controller has erased them. A badge format is sent reader by reader.
+succeeds holiday add Christmas --date 25/12/2026 --each-year
+succeeds holiday add Strike --date 2027-05-03
+succeeds download holidays
+shows "Holidays: 2 sent, 0 unchanged, 0 failed"
+succeeds sim controller show --station Annex --address 5 --json
+shows '"Date": "25/12 every year"'
+shows '"Date": "03/05/2027"'
+succeeds sim controller fault --station Annex --address 5 --silent
+refuses "Annex Controller 5" --answer abort holiday delete Strike
+refuses "Annex Controller 5" --answer ignore holiday delete Strike
+succeeds holiday list
+grep -qE '^ *2 +Strike +03/05/2027 +no +yes$' out || fail "a holiday that is not erased everywhere"
+succeeds sim controller fault --station Annex --address 5 --none
+succeeds holiday delete 2
+succeeds holiday list
+grep -q Strike out && fail "a deleted holiday is listed"
+succeeds sim controller show --station Annex --address 5
+grep -q '03/05/2027' out && fail "a deleted holiday is held"
+refuses "badge create" badge list
+succeeds badge create
+succeeds badge add "Site cards" --techno 5 --site-position 2 --site-size 4 --card-position 6 --site 1A2F
+succeeds download badge "Site cards" --station Annex
+shows "Badge format Site cards: 1 sent, 0 unchanged, 0 failed"
+succeeds download badge Default --reader Garage
+shows "0 sent, 1 unchanged"
+succeeds sim controller show --station Annex --address 5
+grep -qE '^ *1 +108 +2 +4 +6 +8 +1:2\?0000$' out || fail "the badge format of the controller"
+succeeds badge set 0 --name Factory --site ab --system
+succeeds badge default
+succeeds badge list
+grep -qE '^ *0 +Default +0 +0 +8 +0 +0 +00000000 +no +yes$' out || fail "the default badge format"
+
 # Bad input changes nothing.
 stations=$(count station)
 refuses "Error 6" reader add Side --station Local --address 70000 --position 1
@@ -104,6 +138,11 @@ refuses "already in use" daily add office --first none
 refuses "already in use" reader add Twin --station Local --address 1 --position 1
 refuses "no time of day" daily set Office --first 8:00-12:00
 refuses "ends before it starts" daily set Office --first 12:00-08:00
+refuses "is no date" holiday add Never --date 31/02/2027
+refuses "cannot tell the year" holiday add Late --date 01/01/2030
+refuses "already in use" holiday add christmas --date 24/12/2026
+refuses "from 0 to 32" badge set 0 --card-position 33
+refuses "hexadecimal" badge set 0 --site 12G4
 refuses "--four-zones" daily set Office --third 18:00-19:00
 refuses "is used by the active station" station add Third --port 2
 refuses "Error" download all --full --reader "Porte d'été"
@@ -126,8 +165,148 @@ grep -q Extra out && fail "the restored database is not the copy"
 refuses "not restored" db restore plant/COM.LOG
 succeeds daily list
 
+# Cards: who loses a door is erased there before the database forgets that it was there.
+plant=doors
+# holds NUMBERS STATION ADDRESS: the cards that a controller has, each followed by a blank.
+holds() {
+  voxa sim controller show --station "$2" --address "$3" >out 2>err
+  local held
+  held=$(awk '/^Cards$/ { getline; on = 1; next } /^$/ { on = 0 } on { printf "%s ", $1 }' out)
+  [ "$held" = "$1" ] || fail "$2 $3 holds '$held' instead of '$1'"
+}
+succeeds init
+succeeds station add Annex
+succeeds reader add Front --station Local --address 1 --position 1
+succeeds reader add "Porte d'été" --station Local --address 1 --position 2
+succeeds reader add Garage --station Annex --address 5 --position 1 --type VRMD1
+succeeds sim controller add --station Local --address 1
+succeeds sim controller add --station Annex --address 5 --type VRMD1
+succeeds group add "Day & \"Co\""
+succeeds group add Cars
+succeeds group grant 1 Front --program Always
+succeeds group grant 1 "Porte d'été" --program Always
+succeeds group grant 1 Garage --program Always
+succeeds group grant Cars Garage --program 0
+succeeds lift add Top --station Local --address 1 --num 3
+succeeds lift grant 1 Top
+succeeds card batch --first-number 10 --first-code 500 --count 3 --group 1
+succeeds card add "O'Neil, \"Al\"" --code ab12 --group 1 --pin 42 --until 31/12/2027 --credit 5 --supervisor
+succeeds card list
+shows 0000AB12
+grep -q 0042 out && fail "a personal code is shown unasked"
+succeeds download all
+shows "Cards: 1 sent, 3 unchanged"
+holds "1 10 11 12 " Local 1
+grep -qE '^ *1 +0000:;12 +0 +1 2 +0042 +yes +31/12/2027 +5 +3$' out || fail "the whole card"
+succeeds sim controller fault --station Local --address 1 --silent
+refuses "Local Controller 1" card set 10 --group Cars
+refuses "Local Controller 1" card set 10 --number 9
+refuses "Local Controller 1" lift revoke 1 Top
+refuses "Local Controller 1" group delete 1 --move-cards-to Cars
+succeeds sim controller fault --station Local --address 1 --after 1
+refuses "Can't send command" card set 10 --group Cars
+succeeds sim controller fault --station Local --address 1 --none
+succeeds card list --group 1 --json
+[ "$(grep -c '"Number"' out)" = 4 ] || fail "a refused change left its trace"
+holds "1 10 11 12 " Local 1
+succeeds card set 10 --group Cars
+holds "1 11 12 " Local 1
+succeeds card set "o'neil, \"al\"" --number 20
+holds "11 12 " Local 1
+succeeds lift revoke 1 Top
+holds "" Local 1
+succeeds download all
+holds "11 12 20 " Local 1
+grep -qE '^ *20 +0000:;12 +0 +1 2 +0042 +yes +31/12/2027 +5$' out || fail "the whole card under its new number"
+succeeds group revoke 1 Front
+succeeds station set Annex --inactive
+refuses "the line is not in use" group revoke Cars Garage
+succeeds station set Annex --active
+succeeds download groups
+holds "11 12 20 " Local 1
+grep -qE '^ *11 +00000501 +0 +2 ' out || fail "the revoked door is open"
+succeeds group revoke 1 Garage
+holds "10 " Annex 5
+
+# Deleting: a controller that does not answer stays marked; nobody else gets the number until it has erased.
+refuses "used by another table" group delete 1
+succeeds sim controller fault --station Local --address 1 --silent
+refuses "aborted" card delete 11
+refuses "still hold the card" --answer ignore card delete 11
+refuses "Card number already in use" card add New --number 11 --code 77 --group 1
+succeeds sim controller fault --station Local --address 1 --none
+holds "11 12 20 " Local 1
+succeeds download cards
+holds "12 20 " Local 1
+succeeds card add New --number 11 --code 77 --group 0 --until 1/1/2027
+succeeds sim controller add --station Annex --address 6
+succeeds reader add Side --station Annex --address 6 --position 1
+holds "11 " Annex 6
+grep -q "01/01/2027" out || fail "a new reader's controller does not know the last day"
+refuses "Error 6" card add Far --number 10000 --code 78 --group 0
+refuses "not zero" card add Zero --code 0 --group 0
+refuses "Card code already in use" card add Twin --code 0077 --group 0
+refuses "2029" card set New --until 1/1/2030
+succeeds group delete 1 --move-cards-to Cars
+holds "" Local 1
+
+# Tables of cards: all or nothing, and out again as they came in.
+printf '\xEF\xBB\xBFNumber,name,code,group,until\r\n40,Good,C1,Cars,\r\n40,Twin,C2,Cars,\r\n,Open,"C3,Cars,\n' >bad.csv
+printf ',No code,,Cars,\n,"Two\nlines",C4,Cars,\n,Few,C5\n,Day,C6,Cars,31/02/2027\n,中,C7,Cars,\n' >>bad.csv
+succeeds export cards before.csv
+refuses "7 bad lines" import cards bad.csv
+for line in "3: Card number already in use (40: line 2)" "4: text behind" "5: A mandatory" "6: a name is one line" \
+  "8: 3 fields" "9: the last day" "10: Error 5"; do
+  grep -qF "line $line" err || fail "not named: line $line"
+done
+succeeds export cards after.csv
+cmp before.csv after.csv || fail "a bad table was imported in part"
+succeeds export cards pins.csv --show-pins
+succeeds card list --json --show-pins
+mv out list
+plant=second
+succeeds init
+succeeds group add Cars
+succeeds import cards pins.csv
+succeeds card list --json --show-pins
+cmp <(sed 's/"ToSend": false/"ToSend": true/' list) out || fail "the imported cards differ"
+plant=plant
+
+# From a card at a reader to the journal; a read that breaks off loses nothing.
+succeeds reader add Barrier --station Annex --address 7 --position 2
+succeeds sim controller add --station Annex --address 7
+succeeds group add Crew
+succeeds group grant Crew Barrier --program 0
+succeeds card add "Zoë O'Quill" --number 700 --code 4B11 --group Crew
+succeeds download all
+swipe() { succeeds sim swipe --station Annex --reader Barrier "$@"; }
+swipe --card 700 --at "2026-12-24 18:05"
+shows "granted"
+refuses "is not on the station Local" sim swipe --station Local --reader Barrier --card 700
+swipe --code 12AF --at "$(date '+%Y-%m-%d %H:%M')"
+succeeds card last-unknown --reader Barrier
+[ "$(cat out)" = 000012AF ] || fail "the code of the unknown card"
+refuses "Can't find a new card code" card last-unknown --reader Barrier
+swipe --card 700 --at "2026-12-24 18:06"
+swipe --card 700 --at "2026-12-24 18:07"
+succeeds sim controller fault --station Annex --address 7 --cut 1
+refuses "Annex - 7: Can't transfer" read
+shows "1 transactions added"
+succeeds sim controller fault --station Annex --address 7 --none
+succeeds read --station Annex
+shows "2 transactions added"
+succeeds read --reader Barrier
+shows "0 transactions added"
+succeeds journal --since 24/12/2026 --until 2026-12-24 --reader barrier --card 0700 --type granted --json
+[ "$(grep -cE '"Date": "24/12/2026 18:0[567]"' out)" = 4 ] || fail "transactions were lost, or others are shown"
+shows "\"Cardholder\": \"Zoë O'Quill\""
+succeeds journal --type refused --csv
+[ "$(wc -l <out)" = 1 ] || fail "a transaction of another type is shown"
+refuses "Can't find reader" journal --reader Barier
+
 "$program" demo story >out 2>err </dev/null || fail "the demonstration"
 shows "Every controller holds what the database says."
+shows "2000 presentations, 2000 rows in the journal, 0 differences."
 grep -qF "Can't download parameters" err || fail "the demonstration shows no message"
 "$program" demo story >out 2>err </dev/null && fail "the demonstration used a folder that is not empty"
 

@@ -1,0 +1,203 @@
+// voxa card: the cards. Clearing and creating them on the controllers is in card_batch.cpp.
+
+#include <CLI/CLI.hpp>
+#include <iostream>
+
+#include "access/card_record.h"
+#include "card_commands.h"
+#include "card_values.h"
+#include "commands.h"
+#include "forget_cards.h"
+#include "installation.h"
+#include "lookup.h"
+#include "platform/text.h"
+#include "refusal.h"
+#include "table_output.h"
+
+namespace voxa::cli {
+
+namespace {
+
+struct CardOptions {
+  std::string card;
+  CardTexts texts;
+};
+
+struct ListOptions {
+  std::string group, text;
+  bool deleted = false;
+  bool showPins = false;
+  bool json = false;
+};
+
+void addCard(Installation& installation, const CardOptions& options) {
+  installation.openForSending();
+  CardValues values(options.texts, GroupNames(installation));
+  TakenByCards taken(installation);
+  taken.requireFree(values);
+  if (!values.number) values.number = taken.freeNumber();
+  const auto rows = installation.rows("select * from Cardholders");
+  rows->addNew();
+  values.set(*rows);
+  markWhole(*rows);
+  rows->update();
+  std::cout << "Card " << *values.number << ": " << *values.name << '\n';
+}
+
+// What the controllers have to erase before the card has its new number or group.
+void letForget(Installation& installation, std::int16_t group, std::int32_t number,
+               const CardValues& values) {
+  const bool newNumber = values.number && *values.number != number;
+  std::vector<ReachedController> kept;
+  if (!newNumber) kept = reachOf(installation, values.group.value_or(group));
+  ForgetCards forget(installation);
+  forget.on(without(reachOf(installation, group), kept), {number});
+  forget.send();
+}
+
+void setCard(Installation& installation, const CardOptions& options) {
+  installation.openForSending();
+  const auto row = cardNamed(installation, options.card);
+  const CardValues values(options.texts, GroupNames(installation));
+  TakenByCards(installation, row->get("Id").toInt32()).requireFree(values);
+  const Value held = row->get("AccessGroupId");
+  const std::int16_t group = held.isNull() ? std::int16_t{0} : held.toInt16();
+  const bool moves = values.number || (values.group && *values.group != group);
+  if (moves) letForget(installation, group, row->get("CardNum").toInt32(), values);
+  row->edit();
+  values.set(*row);
+  if (values.number ||
+      (moves && !without(reachOf(installation, *values.group), reachOf(installation, group)).empty())) {
+    markWhole(*row);
+  }
+  row->update();
+}
+
+std::string pinText(const Value& pin) {
+  return pin.isNull() ? "" : zeroPadded(pin.toInt32(), 4);
+}
+
+bool marked(const Recordset& row) {
+  return CardRecord(row).parts.any();
+}
+
+// Lists those of the rows that `wanted` wants.
+template <typename Wanted>
+TableOutput tableOf(const Installation& installation, const ListOptions& options, const std::string& where,
+                    Wanted wanted) {
+  std::vector<std::string> columns = {"Number",     "Name",  "Code",   "Group", "Valid",
+                                      "Supervisor", "Until", "Credit", "ToSend"};
+  if (options.showPins) columns.emplace_back("Pin");
+  TableOutput table(columns);
+  const GroupNames groups(installation);
+  const auto rows = installation.rows("select * from Cardholders where " + where + " order by CardNum");
+  for (; !rows->eof(); rows->moveNext()) {
+    if (!wanted(*rows)) continue;
+    const Value group = rows->get("AccessGroupId");
+    std::vector<Value> cells = {rows->get("CardNum"),
+                                rows->get("Name"),
+                                rows->get("CardCode"),
+                                group.isNull() ? Value() : groups.name(group.toInt16()),
+                                rows->get("Validated"),
+                                rows->get("Supervisor"),
+                                rows->get("ValidationDate"),
+                                rows->get("Credit"),
+                                marked(*rows)};
+    if (options.showPins) cells.emplace_back(pinText(rows->get("PINCode")));
+    table.add(std::move(cells));
+  }
+  return table;
+}
+
+void listCards(Installation& installation, const ListOptions& options) {
+  installation.open();
+  std::string where = options.deleted ? "Deleted = true" : "Deleted = false";
+  if (!options.group.empty()) {
+    where += " and AccessGroupId = " + std::to_string(GroupNames(installation).id(options.group));
+  }
+  tableOf(installation, options, where, [](const Recordset&) { return true; }).print(std::cout, options.json);
+}
+
+void findCards(Installation& installation, const ListOptions& options) {
+  installation.open();
+  const std::string text = toLower(options.text);
+  const auto equals = [&](const Value& value) {
+    if (value.isNull() || text.empty()) return false;
+    const auto significant = [](const std::string& digits) {
+      return digits.substr(std::min(digits.find_first_not_of('0'), digits.size()));
+    };
+    return significant(toLower(value.toText())) == significant(text);
+  };
+  const TableOutput table = tableOf(installation, options, "Deleted = false", [&](const Recordset& row) {
+    return equals(row.get("CardNum")) || equals(row.get("CardCode")) ||
+           toLower(row.get("Name").toText()).find(text) != std::string::npos;
+  });
+  if (table.empty()) throw Refusal("msgCantFindCardholder", options.text);
+  table.print(std::cout, options.json);
+}
+
+void addValueOptions(CLI::App& command, CardTexts& texts) {
+  command.add_option("--number", texts.number, "Its number on the controllers, 1 to 9999");
+  command.add_option("--code", texts.code, "Its code, 1 to 8 characters 0 to 9 and A to F");
+  command.add_option("--group", texts.group, "Name or number of its access group");
+  command.add_option("--pin", texts.pin, "Its personal code, 1 to 9999; or none");
+  command.add_option("--until", texts.until, "Its last valid day, 31/12/2027 or 2027-12-31; or none");
+  command.add_option("--credit", texts.credit, "How many times it opens, 1 to 99; or none: always");
+}
+
+void addListOptions(CLI::App& command, ListOptions& options) {
+  command.add_flag("--show-pins", options.showPins, "With the personal codes");
+  command.add_flag("--json", options.json, "As a JSON array");
+}
+
+}  // namespace
+
+void addCardCommands(CLI::App& app, Installation& installation) {
+  auto* group = app.add_subcommand("card", "Cards")->require_subcommand(1);
+
+  auto* add = group->add_subcommand("add", "Add a card, which is to be sent then");
+  auto added = std::make_shared<CardOptions>();
+  add->add_option("NAME", added->texts.name, "Name of its holder")->required();
+  addValueOptions(*add, added->texts);
+  add->get_option("--number")->description("Its number, 1 to 9999; the first that no card had unless given");
+  add->get_option("--code")->required();
+  add->get_option("--group")->required();
+  add->add_flag_callback(
+      "--supervisor", [added] { added->texts.supervisor = "yes"; }, "It is a supervisor's card");
+  add->footer(
+      "Example:\n  voxa card add \"Ann Lee\" --code 4711 --group Staff --pin 2468 --until 31/12/2027");
+  add->callback([&installation, added] { addCard(installation, *added); });
+
+  auto* list = group->add_subcommand("list", "List the cards");
+  auto listed = std::make_shared<ListOptions>();
+  list->add_option("--group", listed->group, "Only those of this access group");
+  list->add_flag("--deleted", listed->deleted, "The deleted cards instead");
+  addListOptions(*list, *listed);
+  list->footer("Example:\n  voxa card list --group Staff");
+  list->callback([&installation, listed] { listCards(installation, *listed); });
+
+  auto* find =
+      group->add_subcommand("find", "List the cards of a number or code, or with a text in the name");
+  auto found = std::make_shared<ListOptions>();
+  find->add_option("TEXT", found->text, "Number, code or part of the name")->required();
+  addListOptions(*find, *found);
+  find->footer("Example:\n  voxa card find lee");
+  find->callback([&installation, found] { findCards(installation, *found); });
+
+  auto* set = group->add_subcommand("set", "Change a card, which is to be sent again then");
+  auto changed = std::make_shared<CardOptions>();
+  set->add_option("CARD", changed->card, "Number or name of the card")->required();
+  set->add_option("--name", changed->texts.name, "Name of its holder");
+  addValueOptions(*set, changed->texts);
+  set->add_option("--supervisor", changed->texts.supervisor, "Whether it is a supervisor's card: yes or no");
+  set->add_option("--valid", changed->texts.valid, "Whether it opens anything: yes or no");
+  set->footer(
+      "Controllers that its new group does not reach erase the card at once, and have to answer.\n"
+      "Example:\n  voxa card set 12 --group Visitors --valid no");
+  set->callback([&installation, changed] { setCard(installation, *changed); });
+
+  addCardClearingCommands(*group, installation);
+  addLastUnknownCommand(*group, installation);
+}
+
+}  // namespace voxa::cli

@@ -1,0 +1,102 @@
+// Download: access groups and cards. The library keeps their marks where a controller was left out.
+
+#include <set>
+
+#include "access/access_group.h"
+#include "access/card_download.h"
+#include "access/card_record.h"
+#include "access/cardholder.h"
+#include "app/qdb.h"
+#include "comm/com.h"
+#include "download.h"
+#include "installation.h"
+#include "messages/strings.h"
+
+namespace voxa::cli {
+
+namespace {
+
+std::set<std::int16_t> markedGroups(const Installation& installation) {
+  std::set<std::int16_t> groups;
+  const auto take = [&](const char* column, const char* query) {
+    for (auto rows = installation.rows(query); !rows->eof(); rows->moveNext()) {
+      groups.insert(rows->get(column).toInt16());
+    }
+  };
+  take("Id", "select Id from AccessGroups where FlagD = true");
+  take("AccessGroupId", "select AccessGroupId from AccGroupReaders where FlagD = true");
+  return groups;
+}
+
+std::set<std::int16_t> markedCards(const Installation& installation, const std::string& condition) {
+  std::set<std::int16_t> cards;
+  const auto rows = installation.rows("select * from Cardholders where " + condition);
+  for (; !rows->eof(); rows->moveNext()) {
+    if (CardRecord(*rows).parts.any()) cards.insert(rows->get("Id").toInt16());
+  }
+  return cards;
+}
+
+}  // namespace
+
+DownloadCount Download::sendGroups(bool full) {
+  DownloadCount count;
+  const std::set<std::int16_t> marked = markedGroups(installation_);
+  std::vector<std::int16_t> groups;
+  for (auto rows = installation_.rows("select Id from AccessGroups order by Id"); !rows->eof();
+       rows->moveNext()) {
+    const std::int16_t id = rows->get("Id").toInt16();
+    if (component_.type == CTActiveStations && (full || marked.contains(id))) {
+      groups.push_back(id);
+    } else {
+      ++count.unchanged;
+    }
+  }
+  // Each group is tested again; the person has answered for all of them.
+  if (!leftOut_.empty()) installation_.prompts().assume(Answer::ignore);
+  for (const std::int16_t id : groups) {
+    const std::int16_t status = installation_.qdb().AccessGroups().download(id, DLFull);
+    const bool waits = leftOut_.empty() && markedGroups(installation_).contains(id);
+    ++(status != 0 || waits ? count.failed : count.sent);
+  }
+  return count;
+}
+
+DownloadCount Download::sendCards(bool full) {
+  const bool everywhere = component_.type == CTActiveStations;
+  DownloadCount count;
+  Cardholder& cardholders = installation_.qdb().Cardholders();
+  const auto live = installation_.rows("select Id from Cardholders where Deleted = false")->recordCount();
+  const auto marked = markedCards(installation_, "Deleted = false").size();
+  // Those that a controller has yet to erase; a component alone is not sent them.
+  const std::set<std::int16_t> deleted =
+      everywhere ? markedCards(installation_, "Deleted = true") : std::set<std::int16_t>{};
+  const auto chosen = (full ? live : marked) + deleted.size();
+  bool tested = true;
+  bool failed = false;
+  if (chosen > deleted.size()) {
+    failed = cardholders.generalDownload(component_.type, component_.name, full ? DLFull : DLDefault,
+                                         &tested) != 0;
+  }
+  // One by one, since a download of all passes them over.
+  CardDownload erasing(installation_.library(), {});
+  for (const std::int16_t id : deleted) erasing.send(id, {});
+  erasing.finish();
+  if (erasing.status() != 0 && !erasing.reported()) {
+    installation_.strings().display("msgCantDownload", "voxa download",
+                                    Value(installation_.com().popErrorList()));
+  }
+  failed = failed || erasing.status() != 0;
+  std::size_t waiting = 0;
+  if (!everywhere) {
+    waiting = failed ? chosen : 0;
+  } else if (failed || leftOut_.empty()) {
+    waiting = markedCards(installation_, "Deleted = false or Deleted = true").size();
+  }
+  count.sent = static_cast<int>(chosen - std::min(chosen, waiting));
+  count.failed = static_cast<int>(waiting);
+  count.unchanged = static_cast<int>(live - (full ? live : marked));
+  return count;
+}
+
+}  // namespace voxa::cli

@@ -1,0 +1,210 @@
+// voxa group: access groups, the doors that their cards open and when.
+
+#include <CLI/CLI.hpp>
+#include <iostream>
+
+#include "access/access_group.h"
+#include "app/qdb.h"
+#include "card_values.h"
+#include "comm/com.h"
+#include "commands.h"
+#include "forget_cards.h"
+#include "installation.h"
+#include "links.h"
+#include "lookup.h"
+#include "messages/strings.h"
+#include "platform/ui/prompts.h"
+#include "refusal.h"
+#include "table_output.h"
+
+namespace voxa::cli {
+
+namespace {
+
+struct GroupOptions {
+  std::string group, reader, program, moveTo;
+};
+
+constexpr std::int16_t defaultGroup = 0;
+
+void addGroup(Installation& installation, const std::string& name) {
+  installation.open();
+  const std::int16_t id = installation.qdb().AccessGroups().getFreeId();
+  const auto rows = installation.rows("select * from AccessGroups");
+  rows->addNew();
+  rows->set("Id", id);
+  rows->set("Name", checkedName(name));
+  rows->update();
+  std::cout << "Access group " << id << ": " << name << '\n';
+}
+
+void listGroups(Installation& installation, bool json) {
+  installation.open();
+  std::map<std::int16_t, std::string> doors;
+  std::map<std::int16_t, bool> marked;
+  const auto links = installation.rows(
+      "select AccGroupReaders.AccessGroupId, AccGroupReaders.FlagD, Readers.Name as Reader, "
+      "WeeklyPrograms.Name as Program from WeeklyPrograms inner join (Readers inner join AccGroupReaders "
+      "on Readers.Id = AccGroupReaders.ReaderId) on WeeklyPrograms.ProgType = AccGroupReaders.WeeklyProgType "
+      "and WeeklyPrograms.ProgNum = AccGroupReaders.WeeklyProgNum order by AccGroupReaders.ReaderId");
+  for (; !links->eof(); links->moveNext()) {
+    const std::int16_t group = links->get("AccessGroupId").toInt16();
+    std::string& text = doors[group];
+    text += (text.empty() ? "" : ", ") + links->get("Reader").toText() + " (" +
+            links->get("Program").toText() + ")";
+    marked[group] = marked[group] || links->get("FlagD").toBool();
+  }
+  std::map<std::int16_t, std::int32_t> cards;
+  const auto holders = installation.rows(
+      "select AccessGroupId, count(*) as Cards from Cardholders where Deleted = false group by "
+      "AccessGroupId");
+  for (; !holders->eof(); holders->moveNext()) {
+    cards[holders->get("AccessGroupId").toInt16()] = holders->get("Cards").toInt32();
+  }
+  TableOutput table({"Id", "Name", "Cards", "Doors", "ToSend"});
+  const auto rows = installation.rows("select * from AccessGroups order by Id");
+  for (; !rows->eof(); rows->moveNext()) {
+    const std::int16_t id = rows->get("Id").toInt16();
+    table.add({id, rows->get("Name"), cards[id], doors[id], rows->get("FlagD").toBool() || marked[id]});
+  }
+  table.print(std::cout, json);
+}
+
+// Doors of one controller under two programs: some of them stay shut.
+void warnOfTwoPrograms(Installation& installation, std::int16_t group) {
+  for (const ReachedController& reached : reachOf(installation, group)) {
+    if (!reached.controller.twoPrograms()) continue;
+    const std::string name =
+        installation.com().getName(reached.controller.station, reached.controller.address);
+    installation.strings().display("msgTwoWeeklyProgOnController", "voxa group grant",
+                                   Value("(" + name + ")"), style::exclamation);
+  }
+}
+
+void grant(Installation& installation, const GroupOptions& options) {
+  installation.openForSending();
+  const std::int16_t group = GroupNames(installation).id(options.group);
+  const std::int32_t reader = readerNamed(installation, options.reader)->get("Id").toInt32();
+  const auto program = installation.rows("select ProgNum, Name from WeeklyPrograms where ProgType = 'C'");
+  moveToNumberOrName(*program, "ProgNum", options.program, "msgCantFindWeeklyProg");
+  linkReader(installation, group, reader, program->get("ProgNum").toInt16());
+  warnOfTwoPrograms(installation, group);
+}
+
+void revoke(Installation& installation, const GroupOptions& options) {
+  installation.openForSending();
+  const std::int16_t group = GroupNames(installation).id(options.group);
+  const auto reader = readerNamed(installation, options.reader);
+  const auto link = linkOf(installation, group, reader->get("Id").toInt32());
+  if (link->eof()) {
+    throw Refusal("the access group " + options.group + " does not open " + options.reader);
+  }
+  const std::int16_t station = reader->get("StationId").toInt16();
+  const std::int16_t address = reader->get("ControllerAddress").toInt16();
+  ForgetCards forget(installation);
+  for (const ReachedController& reached : reachOf(installation, group)) {
+    const GrantedController& controller = reached.controller;
+    if (controller.station != station || controller.address != address) continue;
+    if (controller.doors.size() > 1) continue;  // it keeps the cards; the door is shut by their rights
+    const CardsOfGroup cards = cardsOf(installation, group);
+    forget.on({controller}, cards.live);
+    forget.on({controller}, cards.deleted);
+  }
+  forget.send();
+  Transaction transaction(installation.library().engine());
+  link->remove();
+  markGroup(installation, group, false);
+  transaction.commit();
+}
+
+void moveCards(Installation& installation, std::int16_t from, std::int16_t to) {
+  const bool toNewControllers = !without(reachOf(installation, to), reachOf(installation, from)).empty();
+  const auto cards =
+      installation.rows("select * from Cardholders where AccessGroupId = " + std::to_string(from));
+  CardValues moved;
+  moved.group = to;
+  for (; !cards->eof(); cards->moveNext()) {
+    cards->edit();
+    if (cards->get("Deleted").toBool()) {
+      // It opens nothing anywhere; it has to be in a group that there is.
+      cards->set("AccessGroupId", defaultGroup);
+    } else {
+      moved.set(*cards);
+      if (toNewControllers) markWhole(*cards);
+    }
+    cards->update();
+  }
+}
+
+void deleteGroup(Installation& installation, const GroupOptions& options) {
+  installation.openForSending();
+  const GroupNames names(installation);
+  const std::int16_t group = names.id(options.group);
+  if (group == defaultGroup) throw Refusal("the default access group cannot be deleted");
+  const CardsOfGroup cards = cardsOf(installation, group);
+  if (!cards.live.empty() && options.moveTo.empty()) {
+    throw Refusal("msgDBDelRelated",
+                  "(" + std::to_string(cards.live.size()) + " cards; see --move-cards-to)");
+  }
+  const std::int16_t target = options.moveTo.empty() ? defaultGroup : names.id(options.moveTo);
+  if (target == group) throw Refusal("the cards cannot stay in the access group " + options.group);
+  const auto before = reachOf(installation, group);
+  ForgetCards forget(installation);
+  forget.on(without(before, reachOf(installation, target)), cards.live);
+  forget.on(without(before, {}), cards.deleted);
+  forget.send();
+  Transaction transaction(installation.library().engine());
+  moveCards(installation, group, target);
+  installation.rows("select * from AccessGroups where Id = " + std::to_string(group))->remove();
+  transaction.commit();
+}
+
+void addLinkOptions(CLI::App& command, GroupOptions& options) {
+  command.add_option("GROUP", options.group, "Name or number of the access group")->required();
+  command.add_option("READER", options.reader, "Name of the reader")->required();
+}
+
+}  // namespace
+
+void addGroupCommands(CLI::App& app, Installation& installation) {
+  auto* group = app.add_subcommand("group", "Access groups")->require_subcommand(1);
+
+  auto* add = group->add_subcommand("add", "Add an access group, which opens no door yet");
+  auto name = std::make_shared<std::string>();
+  add->add_option("NAME", *name, "Name of the new group")->required();
+  add->footer("Example:\n  voxa group add Staff");
+  add->callback([&installation, name] { addGroup(installation, *name); });
+
+  auto* list = group->add_subcommand("list", "List the access groups and the doors they open");
+  auto json = std::make_shared<bool>(false);
+  list->add_flag("--json", *json, "As a JSON array");
+  list->footer("Example:\n  voxa group list");
+  list->callback([&installation, json] { listGroups(installation, *json); });
+
+  auto* granting = group->add_subcommand("grant", "Let a group's cards open a door, or at other times");
+  auto granted = std::make_shared<GroupOptions>();
+  addLinkOptions(*granting, *granted);
+  granting->add_option("--program", granted->program, "Name or number of a weekly program of family C")
+      ->required();
+  granting->footer(
+      "A controller knows one weekly program for a card: its doors with another one stay shut.\n"
+      "Example:\n  voxa group grant Staff \"Front door\" --program Office");
+  granting->callback([&installation, granted] { grant(installation, *granted); });
+
+  auto* revoking = group->add_subcommand("revoke", "Take a door away from a group's cards");
+  auto revoked = std::make_shared<GroupOptions>();
+  addLinkOptions(*revoking, *revoked);
+  revoking->footer(
+      "A controller that loses its last door of the group erases the cards at once, and has to answer.\n"
+      "Example:\n  voxa group revoke Staff \"Front door\"");
+  revoking->callback([&installation, revoked] { revoke(installation, *revoked); });
+
+  auto* deleting = group->add_subcommand("delete", "Delete an access group");
+  auto deleted = std::make_shared<GroupOptions>();
+  deleting->add_option("GROUP", deleted->group, "Name or number of the access group")->required();
+  deleting->add_option("--move-cards-to", deleted->moveTo, "Access group that its cards are in from now on");
+  deleting->footer("Example:\n  voxa group delete Visitors --move-cards-to Staff");
+  deleting->callback([&installation, deleted] { deleteGroup(installation, *deleted); });
+}
+
+}  // namespace voxa::cli

@@ -1,0 +1,161 @@
+// voxa lift: the lift outputs of controllers, and the access groups that may use them.
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <iostream>
+
+#include "card_values.h"
+#include "commands.h"
+#include "forget_cards.h"
+#include "installation.h"
+#include "lookup.h"
+#include "refusal.h"
+#include "table_output.h"
+
+namespace voxa::cli {
+
+namespace {
+
+struct LiftOptions {
+  std::string name, station, address, number, group;
+};
+
+// Behind the command 37 an output has two digits.
+constexpr std::int16_t lastOutput = 99;
+
+void addLift(Installation& installation, const LiftOptions& options) {
+  installation.open();
+  const std::int16_t station = stationNamed(installation, options.station)->get("Id").toInt16();
+  std::int32_t id = 1;
+  const auto alarms = installation.rows("select * from Alarms order by Id");
+  for (; !alarms->eof() && alarms->get("Id").toInt32() == id; alarms->moveNext()) ++id;
+  alarms->addNew();
+  alarms->set("Id", id);
+  alarms->set("Num", numberWithin("the output", options.number, 1, lastOutput));
+  alarms->set("Type", "M");
+  alarms->set("Name", checkedName(options.name));
+  alarms->set("StationId", station);
+  alarms->set("ControllerAddress", numberWithin("the controller's address", options.address, 1, 16));
+  alarms->update();
+  std::cout << "Lift output " << id << ": " << options.name << '\n';
+}
+
+void listLifts(Installation& installation, bool json) {
+  installation.open();
+  const GroupNames names(installation);
+  TableOutput table({"Id", "Name", "Station", "Address", "Output", "Groups"});
+  const auto rows = installation.rows(
+      "select Alarms.Id, Alarms.Name as Lift, Stations.Name as Station, ControllerAddress, Num from Alarms "
+      "inner join Stations on Alarms.StationId = Stations.Id where Alarms.Type = 'M' order by Alarms.Id");
+  for (; !rows->eof(); rows->moveNext()) {
+    std::string groups;
+    const auto granted =
+        installation.rows("select AccessGroup from LiftGroup where LiftNum = " + rows->get("Id").toText() +
+                          " order by AccessGroup");
+    for (; !granted->eof(); granted->moveNext()) {
+      groups += (groups.empty() ? "" : ", ") + names.name(granted->get("AccessGroup").toInt16());
+    }
+    table.add({rows->get("Id"), rows->get("Lift"), rows->get("Station"), rows->get("ControllerAddress"),
+               rows->get("Num"), groups});
+  }
+  table.print(std::cout, json);
+}
+
+struct GroupLift {
+  std::int16_t group = 0;
+  std::unique_ptr<Recordset> lift;            // its row of Alarms
+  std::unique_ptr<Recordset> granting;        // its row of LiftGroup, or none
+  std::vector<GrantedController> controller;  // the lift's, when the group has a door there
+};
+
+GroupLift groupLift(Installation& installation, const LiftOptions& options) {
+  GroupLift found;
+  found.group = GroupNames(installation).id(options.group);
+  found.lift = installation.rows("select * from Alarms where Type = 'M'");
+  if (!moveToName(*found.lift, options.name)) throw Refusal("msgCantFindAlarm", options.name);
+  found.granting =
+      installation.rows("select * from LiftGroup where AccessGroup = " + std::to_string(found.group) +
+                        " and LiftNum = " + found.lift->get("Id").toText());
+  for (const ReachedController& reached : reachOf(installation, found.group)) {
+    if (reached.controller.station == found.lift->get("StationId").toInt16() &&
+        reached.controller.address == found.lift->get("ControllerAddress").toInt16()) {
+      found.controller.push_back(reached.controller);
+    }
+  }
+  return found;
+}
+
+void grantLift(Installation& installation, const LiftOptions& options) {
+  installation.openForSending();
+  const GroupLift found = groupLift(installation, options);
+  if (!found.granting->eof()) return;
+  Transaction transaction(installation.library().engine());
+  found.granting->addNew();
+  found.granting->set("AccessGroup", found.group);
+  found.granting->set("LiftNum", found.lift->get("Id"));
+  found.granting->update();
+  if (!found.controller.empty()) markGroup(installation, found.group, false);
+  transaction.commit();
+  if (found.controller.empty()) {
+    std::cerr << "The group opens no door of that controller yet, which therefore does not know its cards.\n";
+  }
+}
+
+void revokeLift(Installation& installation, const LiftOptions& options) {
+  installation.openForSending();
+  const GroupLift found = groupLift(installation, options);
+  if (found.granting->eof()) {
+    throw Refusal("the access group " + options.group + " may not use " + options.name);
+  }
+  // A card's line adds an output; only erasing the card takes one away.
+  ForgetCards forget(installation);
+  forget.on(found.controller, cardsOf(installation, found.group).live);
+  forget.send();
+  Transaction transaction(installation.library().engine());
+  found.granting->remove();
+  if (!found.controller.empty()) markGroup(installation, found.group, true);
+  transaction.commit();
+}
+
+void addGroupLiftOptions(CLI::App& command, LiftOptions& options) {
+  command.add_option("GROUP", options.group, "Name or number of the access group")->required();
+  command.add_option("LIFT", options.name, "Name of the lift output")->required();
+}
+
+}  // namespace
+
+void addLiftCommands(CLI::App& app, Installation& installation) {
+  auto* group = app.add_subcommand("lift", "Lift outputs")->require_subcommand(1);
+
+  auto* add = group->add_subcommand("add", "Add a lift output");
+  auto added = std::make_shared<LiftOptions>();
+  add->add_option("NAME", added->name, "Name of the new output")->required();
+  add->add_option("--station", added->station, "Station of its controller")->required();
+  add->add_option("--address", added->address, "Address of its controller on the line, 1 to 16")->required();
+  add->add_option("--num", added->number, "Its number on the controller, 1 to 99")->required();
+  add->footer("Example:\n  voxa lift add \"Third floor\" --station Local --address 1 --num 3");
+  add->callback([&installation, added] { addLift(installation, *added); });
+
+  auto* list = group->add_subcommand("list", "List the lift outputs and the groups that may use them");
+  auto json = std::make_shared<bool>(false);
+  list->add_flag("--json", *json, "As a JSON array");
+  list->footer("Example:\n  voxa lift list");
+  list->callback([&installation, json] { listLifts(installation, *json); });
+
+  auto* granting = group->add_subcommand("grant", "Let an access group use a lift output");
+  auto granted = std::make_shared<LiftOptions>();
+  addGroupLiftOptions(*granting, *granted);
+  granting->footer("Example:\n  voxa lift grant Staff \"Third floor\"");
+  granting->callback([&installation, granted] { grantLift(installation, *granted); });
+
+  auto* revoking = group->add_subcommand("revoke", "Take a lift output away from an access group");
+  auto revoked = std::make_shared<LiftOptions>();
+  addGroupLiftOptions(*revoking, *revoked);
+  revoking->footer(
+      "Its controller erases the group's cards at once, and has to answer; the next download gives them "
+      "back.\n"
+      "Example:\n  voxa lift revoke Staff \"Third floor\"");
+  revoking->callback([&installation, revoked] { revokeLift(installation, *revoked); });
+}
+
+}  // namespace voxa::cli

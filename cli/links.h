@@ -1,0 +1,24 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+namespace voxa {
+class Recordset;
+}
+
+namespace voxa::cli {
+
+class Installation;
+
+/// The row that links a reader to an access group; no rows when there is none.
+[[nodiscard]] std::unique_ptr<Recordset> linkOf(const Installation& installation, std::int16_t group,
+                                                std::int32_t reader);
+/// Lets the group's cards open the reader's door by a weekly program of family C, in place of the one it may
+/// have; marks the link, the group and its cards when there are any.
+void linkReader(Installation& installation, std::int16_t group, std::int32_t reader, std::int16_t program);
+/// What a new reader begins with: the default group opens it always. Cards of that group are sent to its
+/// controller now; they stay marked when that fails, which has been shown.
+void linkNewReader(Installation& installation, std::int16_t reader);
+
+}  // namespace voxa::cli
