@@ -43,9 +43,8 @@ void linkReader(Installation& installation, std::int16_t group, std::int32_t rea
 
 void linkNewReader(Installation& installation, std::int16_t reader) {
   const auto row = installation.rows("select * from Readers where Id = " + std::to_string(reader));
-  // The test of a single reader's controller cannot have a name with an apostrophe.
-  const bool testable = row->get("Name").toText().find('\'') == std::string::npos;
-  if (!testable || cardsOf(installation, defaultGroup).live.empty()) {
+  // Without cards there is nothing to send, and no controller to ask for.
+  if (cardsOf(installation, defaultGroup).live.empty()) {
     return linkReader(installation, defaultGroup, reader, always);
   }
   const auto reach = reachOf(installation, defaultGroup);

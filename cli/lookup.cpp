@@ -50,6 +50,16 @@ std::string checkedName(const std::string& name) {
   return name;
 }
 
+std::string checkedPlaceName(const std::string& name) {
+  if (name.find('\'') != std::string::npos) {
+    throw Refusal(
+        "the name of a station or reader has no apostrophe, since no transaction of its doors could be "
+        "written into the journal: " +
+        name);
+  }
+  return checkedName(name);
+}
+
 bool moveToName(Recordset& rows, const std::string& name) {
   while (!rows.eof() && !equalNoCase(rows.get("Name").toText(), name)) rows.moveNext();
   return !rows.eof();

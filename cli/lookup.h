@@ -31,6 +31,9 @@ class Installation;
 
 /// The name itself, unless it is empty or has characters that the controllers' files cannot hold (error 5).
 [[nodiscard]] std::string checkedName(const std::string& name);
+/// The same for a station or reader; a Refusal for a name with an apostrophe too: the journal's statements
+/// carry these names as they are, so that nothing of such a door could ever be read.
+[[nodiscard]] std::string checkedPlaceName(const std::string& name);
 
 /// Moves to the first row of that name; false, and past the last row, when there is none.
 bool moveToName(Recordset& rows, const std::string& name);

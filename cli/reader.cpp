@@ -34,7 +34,7 @@ void addReader(Installation& installation, const ReaderOptions& options) {
   const auto rows = installation.rows("select * from Readers");
   rows->addNew();
   rows->set("Id", id);
-  rows->set("Name", checkedName(options.name));
+  rows->set("Name", checkedPlaceName(options.name));
   rows->set("StationId", stationId);
   rows->set("ControllerType", options.type);
   rows->set("ControllerAddress", address);

@@ -53,7 +53,7 @@ void requireFreePort(Installation& installation, std::int16_t port, const std::s
 }
 
 void setFields(Recordset& row, const StationOptions& options) {
-  if (options.newName) row.set("Name", checkedName(*options.newName));
+  if (options.newName) row.set("Name", checkedPlaceName(*options.newName));
   if (options.port) row.set("ComPort", portFrom0(*options.port));
   if (options.speed) row.set("ComSpeed", lineSpeed(*options.speed));
   if (options.phone) row.set("Phone", *options.phone);

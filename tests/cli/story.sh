@@ -44,7 +44,7 @@ succeeds station add Annex --speed 9600
 succeeds station list --json
 shows '"Port": 2'
 shows '"Active": true'
-succeeds reader add "Porte d'été" --station Local --address 1 --position 1
+succeeds reader add "Porte été" --station Local --address 1 --position 1
 succeeds reader add Garage --station Annex --address 5 --position 1 --type VRMD1
 succeeds daily add Office --first 08:00-12:00 --second 13:00-24:00
 shows "Daily program 2: Office"
@@ -145,7 +145,8 @@ refuses "from 0 to 32" badge set 0 --card-position 33
 refuses "hexadecimal" badge set 0 --site 12G4
 refuses "--four-zones" daily set Office --third 18:00-19:00
 refuses "is used by the active station" station add Third --port 2
-refuses "Error" download all --full --reader "Porte d'été"
+refuses "no apostrophe" reader add "Porte d'été" --station Local --address 2 --position 1
+refuses "no apostrophe" station add "L'annexe"
 refuses "Can't find station" download all --station "x'; delete * from Stations; --"
 [ "$(count station)" = "$stations" ] || fail "bad input changed the number of stations"
 voxa nonsense >out 2>err && fail "accepted a command that there is not"
@@ -177,14 +178,14 @@ holds() {
 succeeds init
 succeeds station add Annex
 succeeds reader add Front --station Local --address 1 --position 1
-succeeds reader add "Porte d'été" --station Local --address 1 --position 2
+succeeds reader add "Porte été" --station Local --address 1 --position 2
 succeeds reader add Garage --station Annex --address 5 --position 1 --type VRMD1
 succeeds sim controller add --station Local --address 1
 succeeds sim controller add --station Annex --address 5 --type VRMD1
 succeeds group add "Day & \"Co\""
 succeeds group add Cars
 succeeds group grant 1 Front --program Always
-succeeds group grant 1 "Porte d'été" --program Always
+succeeds group grant 1 "Porte été" --program Always
 succeeds group grant 1 Garage --program Always
 succeeds group grant Cars Garage --program 0
 succeeds lift add Top --station Local --address 1 --num 3
