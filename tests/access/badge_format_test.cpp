@@ -1,7 +1,5 @@
 #include "access/badge_format.h"
 
-#include "app/qdb.h"
-#include "comm/com.h"
 #include "messages/strings.h"
 #include "support/installation_test.h"
 
@@ -18,25 +16,17 @@ class BadgeFormatTest : public test::InstallationTest {
     db().execute(
         "insert into BadgeFormat (Id, Name, SystemCard, Techno, Pos_Card, Pos_Site, Size_Site, Val_Site, "
         "BadgeFormatFlagD) values (5, 'Site', False, 5, 6, 2, 4, '1A2F', True)");
-    driver.calls.clear();
   }
-  std::int16_t download(std::int16_t id, bool vrmd1 = false, std::int16_t params = DLDefault) {
+  std::int16_t download(std::int16_t id, bool vrmd1, std::int16_t params = DLDefault) {
     std::int16_t reader = 3;
     bool tested = true;
-    return formats().download(id, reader, vrmd1, CTActiveStations, "", params, &tested);
-  }
-  std::string sent() {
-    const std::string all = driver.sent();
     driver.calls.clear();
-    return all;
+    return formats().download(id, reader, vrmd1, CTActiveStations, "", params, &tested);
   }
   BadgeFormat& formats() { return glob->QDB().BadgeFormat(); }
 };
 
 TEST_F(BadgeFormatTest, TheTableKeepsItsLimitsAndTheDefaultFormat) {
-  EXPECT_EQ(query("select Name from BadgeFormat where Id = 0 and Size_Card = 8 and Val_Site = '00000000' "
-                  "and SystemCard = False and BadgeFormatFlagD = False"),
-            "Default");
   EXPECT_EQ(formats().getFreeId(), 1);
   for (const char* wrong : {"Pos_Card = 33", "Size_Card = 65", "Pos_Site = 100", "Size_Site = 65"}) {
     EXPECT_THROW(db().execute("update BadgeFormat set " + std::string(wrong)), Error) << wrong;
@@ -44,9 +34,7 @@ TEST_F(BadgeFormatTest, TheTableKeepsItsLimitsAndTheDefaultFormat) {
   db().execute("insert into BadgeFormat (Name) values ('Numbered by the engine')");
   EXPECT_EQ(query("select Id from BadgeFormat where Techno = 0 and Pos_Site = 0 and Val_Site is null"), "6");
   EXPECT_THROW(formats().CreateTable(), Error);
-  const auto shown = boxes();
-  ASSERT_EQ(shown.size(), 1U);
-  EXPECT_TRUE(shown[0].ends_with("|(BadgeFormat.create)")) << shown[0];
+  EXPECT_EQ(boxes().size(), 1U);
   EXPECT_EQ(query("select count(*) from BadgeFormat"), "3");
 }
 
@@ -66,34 +54,29 @@ TEST_F(BadgeFormatTest, TheLineOfAFormat) {
   for (const auto& c : cases) {
     db().execute("update BadgeFormat set " + std::string(c.set) + " where Id = 5");
     EXPECT_EQ(download(5, c.vrmd1), 0);
-    EXPECT_EQ(sent(), c.line + std::string("\r\n\r\n")) << c.set;
+    EXPECT_EQ(driver.sent(), c.line + std::string("\r\n\r\n")) << c.set;
   }
+  EXPECT_EQ(download(0, true), 0);
+  EXPECT_EQ(driver.sent(), "") << "not marked";
+  EXPECT_EQ(download(0, true, DLFull), 0);
+  EXPECT_EQ(driver.sent(), "0438000000000800000000\r\n\r\n");
+  EXPECT_EQ(query("select count(*) from BadgeFormat where BadgeFormatFlagD = True"), "2")
+      << "it stays marked";
   EXPECT_TRUE(boxes().empty());
 }
 
-TEST_F(BadgeFormatTest, OnlyAMarkedFormatIsSentAndItStaysMarked) {
-  EXPECT_EQ(download(0), 0);
-  EXPECT_EQ(sent(), "");
-  EXPECT_EQ(download(0, true, DLFull), 0);
-  EXPECT_EQ(sent(),
-            "04380000000008"
-            "00000000\r\n\r\n");
-  EXPECT_EQ(query("select count(*) from BadgeFormat where BadgeFormatFlagD = True"), "2");
-  EXPECT_EQ(download(9), 0);
-  EXPECT_EQ(boxes(), std::vector<std::string>{"No format 9|(BadgeFormat.download)"});
-}
-
 TEST_F(BadgeFormatTest, AFailureIsShownUnlessToldOtherwise) {
-  driver.answer = [](const auto&) { return std::int16_t{4}; };
+  answerAll(4);
   EXPECT_EQ(download(5, false, DLNoMessage), 4);
-  EXPECT_EQ(boxes().size(), 0U);
-  EXPECT_EQ(download(5), 4);
-  EXPECT_EQ(boxes().size(), 1U);
-  sent();
-  db().execute("update BadgeFormat set Val_Site = Null where Id = 5");
-  EXPECT_EQ(download(5), err::invalidNull);
+  EXPECT_TRUE(boxes().empty());
+  EXPECT_EQ(download(5, false), 4);
   EXPECT_TRUE(boxes().at(0).ends_with("|(BadgeFormat.download)"));
-  EXPECT_EQ(sent(), "");
+  db().execute("update BadgeFormat set Val_Site = Null where Id = 5");
+  EXPECT_EQ(download(5, false), err::invalidNull);
+  EXPECT_EQ(driver.sent(), "");
+  boxes();
+  EXPECT_EQ(download(9, false), 0);
+  EXPECT_EQ(boxes(), std::vector<std::string>{"No format 9|(BadgeFormat.download)"});
 }
 
 }  // namespace

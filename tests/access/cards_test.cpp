@@ -144,7 +144,8 @@ TEST_F(CardsTest, WhatDoesNotArriveEverywhereStaysFlagged) {
 
   // A row that was changed while it was sent.
   driver.answer = [&](const auto& call) {
-    if (call.command == CmSendCommand && call.station == 2) db().execute("update Cardholders set CardCode = '77'");
+    if (call.command == CmSendCommand && call.station == 2)
+      db().execute("update Cardholders set CardCode = '77'");
     return std::int16_t{100};
   };
   EXPECT_EQ(cards().download(1), 0);
