@@ -22,6 +22,7 @@ void addCardCommands(CLI::App& app, Installation& installation);
 void addLiftCommands(CLI::App& app, Installation& installation);
 void addImportCommands(CLI::App& app, Installation& installation);
 void addStatusCommand(CLI::App& app, Installation& installation);
+void addClockCommand(CLI::App& app, Installation& installation);
 void addDownloadCommands(CLI::App& app, Installation& installation);
 void addReadCommand(CLI::App& app, Installation& installation);
 void addJournalCommand(CLI::App& app, Installation& installation);

@@ -51,6 +51,7 @@ int main(int argc, char** argv) {
     voxa::cli::addLiftCommands(app, installation);
     voxa::cli::addImportCommands(app, installation);
     voxa::cli::addStatusCommand(app, installation);
+    voxa::cli::addClockCommand(app, installation);
     voxa::cli::addDownloadCommands(app, installation);
     voxa::cli::addReadCommand(app, installation);
     voxa::cli::addJournalCommand(app, installation);

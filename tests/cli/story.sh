@@ -58,6 +58,9 @@ succeeds sim controller add --station Local --address 1
 succeeds sim controller add --station Annex --address 5 --type VRMD1
 refuses "already has" sim controller add --station Annex --address 5
 succeeds status
+succeeds clock
+succeeds status
+shows "$(date +%d/%m/%Y)"
 succeeds download all
 shows "Daily programs: 2 sent, 0 unchanged, 0 failed"
 succeeds download all
@@ -71,6 +74,7 @@ shows "31020800120013002400"
 # A silent controller: named, left out when told so, and caught up with later.
 succeeds sim controller fault --station Annex --address 5 --silent
 refuses "Annex Controller 5" status
+refuses "no clock was set" clock
 succeeds daily set Office --second 13:00-18:00
 refuses "aborted" --answer abort download daily
 refuses "stays marked" --yes download daily

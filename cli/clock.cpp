@@ -1,0 +1,40 @@
+// voxa clock: the controllers' clocks, by which they date transactions and judge times.
+
+#include <CLI/CLI.hpp>
+#include <iostream>
+
+#include "comm/com.h"
+#include "commands.h"
+#include "installation.h"
+#include "lookup.h"
+#include "refusal.h"
+
+namespace voxa::cli {
+
+namespace {
+
+void setClocks(Installation& installation, const ComponentChoice& choice) {
+  installation.openForSending();
+  Com& com = installation.com();
+  const Component component = chosen(installation, choice);
+  // A controller that is passed over keeps its wrong clock without a word, so none is.
+  if (!com.TestCom(component.type, component.name) && !com.inhibitCom) {
+    throw Refusal("not every controller answers: no clock was set (see voxa status)");
+  }
+  if (com.sendToComp(CmSendDate, component.type, component.name) != 0) {
+    throw Refusal("msgCantSendDate", com.popErrorList());
+  }
+  std::cout << "The clocks are set\n";
+}
+
+}  // namespace
+
+void addClockCommand(CLI::App& app, Installation& installation) {
+  auto* clock = app.add_subcommand("clock", "Set the controllers' clocks to that of this computer");
+  auto choice = std::make_shared<ComponentChoice>();
+  addComponentOptions(*clock, *choice);
+  clock->footer("Example:\n  voxa clock --station Local");
+  clock->callback([&installation, choice] { setClocks(installation, *choice); });
+}
+
+}  // namespace voxa::cli
