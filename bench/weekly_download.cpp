@@ -4,7 +4,6 @@
 #include <cstdio>
 #include <fstream>
 #include <memory>
-#include <sstream>
 
 #include "app/qdb.h"
 #include "programs/weekly_program.h"
@@ -90,13 +89,6 @@ class PlainDownload {
   PlainSqlite::Statement row_;
   PlainSqlite::Statement clear_;
 };
-
-std::string contents(const std::string& file) {
-  std::ifstream in(file, std::ios::binary);
-  std::ostringstream all;
-  all << in.rdbuf();
-  return all.str();
-}
 
 Rows measure(const Harness& harness) {
   Installation installation;

@@ -12,7 +12,6 @@ namespace voxa::bench {
 
 namespace {
 
-constexpr int rounds = 25;
 constexpr double secondsOfRepeated = 0.02;
 
 class LastTime : public benchmark::BenchmarkReporter {
@@ -86,7 +85,7 @@ std::map<std::string, Measure>& registry() {
 
 }  // namespace
 
-Times Harness::compare(const Side& ours, const Side& rival, Pace pace) const {
+Times Harness::compare(const Side& ours, const Side& rival, Pace pace, int rounds) const {
   if (traced_) return {};
   Contest contest(pace);
   contest.enter("ours", ours);
@@ -110,7 +109,7 @@ double Harness::time(const Side& ours) const {
   Contest contest(Pace::repeated);
   contest.enter("ours", ours);
   std::vector<double> times;
-  for (int round = 0; round < rounds; ++round) times.push_back(contest.turn("ours"));
+  for (int round = 0; round < usualRounds; ++round) times.push_back(contest.turn("ours"));
   return median(std::move(times));
 }
 

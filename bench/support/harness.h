@@ -31,8 +31,11 @@ class Harness {
   /// traced: the side whose system calls this process is watched for; none in the process that reports.
   explicit Harness(std::optional<Traced> traced = {}) : traced_(traced) {}
 
+  static constexpr int usualRounds = 25;
+
   /// Times both sides in turns, after one round that does not count.
-  [[nodiscard]] Times compare(const Side& ours, const Side& rival, Pace pace = Pace::repeated) const;
+  [[nodiscard]] Times compare(const Side& ours, const Side& rival, Pace pace = Pace::repeated,
+                              int rounds = usualRounds) const;
   /// The same for one that has no rival; seconds.
   [[nodiscard]] double time(const Side& ours) const;
 

@@ -2,6 +2,8 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
+#include <sstream>
 #include <stdexcept>
 
 #include "app/qdb.h"
@@ -71,6 +73,21 @@ void Installation::addCardholders(int count) {
   transaction.commit();
 }
 
+void Installation::addReaders() {
+  constexpr int controllers = 16;
+  constexpr int positions = 4;
+  Transaction transaction(*engine_);
+  for (int n = 0; n < controllers * positions; ++n) {
+    const std::string id = std::to_string(n + 1);
+    db().execute("insert into Readers (Id, Name, StationId, ControllerAddress, Position) values (" + id +
+                 ", 'Reader " + id + "', 1, " + std::to_string(n / positions + 1) + ", " +
+                 std::to_string(n % positions + 1) + ")");
+  }
+  transaction.commit();
+  // What the driver found when it asked the station.
+  std::ofstream(folder_ + "/RS001.OUT") << std::string(controllers, '1') << "\r\n";
+}
+
 std::string Installation::copyDatabase() const {
   const std::string copy = folder_ + "/rival.mdb";
   std::filesystem::copy_file(databasePath_, copy);
@@ -83,6 +100,13 @@ Database& Installation::db() const {
 
 void Installation::requireSilence() const {
   require(prompts_.boxes.empty(), prompts_.boxes.empty() ? "" : prompts_.boxes.front().prompt);
+}
+
+std::string contents(const std::string& file) {
+  std::ifstream in(file, std::ios::binary);
+  std::ostringstream all;
+  all << in.rdbuf();
+  return all.str();
 }
 
 }  // namespace voxa::bench

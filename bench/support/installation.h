@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -12,14 +13,16 @@
 
 namespace voxa::bench {
 
-/// A driver that does nothing and says that it succeeded.
+/// A driver that does nothing, unless a benchmark gives it something to do, and says that it succeeded.
 class IdleDriver : public Driver {
  public:
-  std::int16_t call(ComCommandsEnum /*command*/, std::int16_t /*station*/,
-                    std::int16_t /*controller*/) override {
+  std::int16_t call(ComCommandsEnum command, std::int16_t station, std::int16_t controller) override {
+    if (onCall) onCall(command, station, controller);
     return 100;
   }
   [[nodiscard]] int lastError() const override { return 0; }
+
+  std::function<void(ComCommandsEnum, std::int16_t station, std::int16_t controller)> onCall;
 };
 
 /// An installation in a folder of its own below the current one, which is the current one as long as the
@@ -37,6 +40,9 @@ class Installation {
   void createDatabase();
   /// Cardholders with the numbers 1 to `count`, named "Card 1" and so on, their flags not set.
   void addCardholders(int count);
+  /// Readers 1 to 64, "Reader 1" and so on, at the four positions of each of the 16 controllers of station 1,
+  /// all of which answer the driver.
+  void addReaders();
   /// A copy of the main database as it is now, beside it; its path.
   [[nodiscard]] std::string copyDatabase() const;
 
@@ -60,5 +66,8 @@ class Installation {
   std::unique_ptr<Library> library_;
   std::unique_ptr<Glob> glob_;
 };
+
+/// The bytes of a file; none when it cannot be read.
+[[nodiscard]] std::string contents(const std::string& file);
 
 }  // namespace voxa::bench
