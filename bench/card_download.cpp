@@ -87,9 +87,10 @@ class PlainDownload {
                                "JOIN Stations s ON s.Id = r.StationId WHERE a.AccessGroupId = ?1 "
                                "ORDER BY s.Id, r.ControllerAddress, r.Position")),
         status_(sqlite_.prepare("SELECT Status FROM ComStatus WHERE StationID = ?1 AND CtrAddr = ?2")),
-        lifts_(sqlite_.prepare("SELECT Alarms.Num FROM LiftGroup JOIN Alarms ON LiftGroup.LiftNum = Alarms.Id "
-                               "WHERE LiftGroup.AccessGroup = ?1 AND Alarms.Type = 'M' AND "
-                               "Alarms.StationId = ?2 AND Alarms.ControllerAddress = ?3")),
+        lifts_(
+            sqlite_.prepare("SELECT Alarms.Num FROM LiftGroup JOIN Alarms ON LiftGroup.LiftNum = Alarms.Id "
+                            "WHERE LiftGroup.AccessGroup = ?1 AND Alarms.Type = 'M' AND "
+                            "Alarms.StationId = ?2 AND Alarms.ControllerAddress = ?3")),
         clear_(sqlite_.prepare(
             "UPDATE Cardholders SET CardCodeFlagD = 0, AccessGroupIdFlagD = 0, ValidatedFlagD = 0, "
             "PINCodeFlagD = 0, SupervisorFlagD = 0, ValidationDateFlagD = 0, CreditFlagD = 0 "
@@ -159,6 +160,8 @@ class PlainDownload {
   }
 
   void write(const Card& card, const Controller& controller) {
+    // An emptied file would go to the disk each time: then the disk is all that is measured.
+    (void)std::remove(commandFile_.c_str());
     const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(commandFile_.c_str(), "wb"),
                                                                &std::fclose);
     require(file != nullptr, "The rival cannot write its command file");

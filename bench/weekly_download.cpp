@@ -66,6 +66,7 @@ class PlainDownload {
 
  private:
   void writeCommands(int program) {
+    (void)std::remove(commandFile_.c_str());  // an emptied one would go to the disk each time
     const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(commandFile_.c_str(), "wb"),
                                                                &std::fclose);
     require(file != nullptr, "The rival cannot write its command file");

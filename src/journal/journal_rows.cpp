@@ -12,6 +12,12 @@ namespace voxa {
 
 namespace {
 
+constexpr std::size_t cardNumbers = 10'000;  // 0 to 9999, as four digits hold them
+
+constexpr std::string_view insertInto =
+    "insert into Journal ([Date], StationId, StationName, ReaderId, ReaderName,"
+    "TransactionType, CardholderName, TransactionData ) values ( '";
+
 /// The first characters of a name, apostrophes doubled for a text literal.
 std::string nameLiteral(std::string_view name) {
   std::string out;
@@ -27,7 +33,7 @@ std::string nameLiteral(std::string_view name) {
 }  // namespace
 
 JournalRows::JournalRows(Library& library, Database& journal, std::int16_t stationId)
-    : library_(library), journal_(journal), stationId_(stationId) {
+    : library_(library), journal_(journal), stationId_(stationId), sql_(insertInto) {
   const std::string id = std::to_string(stationId);
   const std::string name = library_.QDB().Stations().getName(stationId, true);
   station_ = id + ",'" + (name.empty() ? id : name) + "',";
@@ -36,12 +42,13 @@ JournalRows::JournalRows(Library& library, Database& journal, std::int16_t stati
 const std::string& JournalRows::cardholder(std::string_view cardNumber) {
   const std::int16_t number = digitsToNumber(cardNumber);
   if (number < 0) return noCard_ = nameLiteral(fromCp1252(cardNumber));
-  const auto [entry, isNew] = cardholders_.try_emplace(number);
-  if (isNew) {
+  if (cardholders_.empty()) cardholders_.resize(cardNumbers);
+  std::optional<std::string>& known = cardholders_[static_cast<std::size_t>(number)];
+  if (!known) {
     const std::string name = library_.QDB().Cardholders().getNameByCardNum(number);
-    entry->second = nameLiteral(name.empty() ? cardNumber : name);
+    known = nameLiteral(name.empty() ? cardNumber : name);
   }
-  return entry->second;
+  return *known;
 }
 
 const std::string& JournalRows::reader(std::int16_t controller, std::int16_t position) {
@@ -68,9 +75,7 @@ std::string_view JournalRows::add(std::string_view line) {
     return fault;
   }
   if (line_.position != 0) position_ = line_.position;
-  sql_ =
-      "insert into Journal ([Date], StationId, StationName, ReaderId, ReaderName,"
-      "TransactionType, CardholderName, TransactionData ) values ( '";
+  sql_.resize(insertInto.size());
   sql_.append(line_.date).append("',").append(station_).append(reader(line_.controller, position_));
   sql_.append(line_.type).append("','");
   if (line_.ofCard) sql_.append(cardholder(line_.cardNumber()));

@@ -1,9 +1,11 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <vector>
 
 #include "journal/journal_line.h"
 
@@ -35,9 +37,9 @@ class JournalRows {
   std::string station_;  // id and name, as the statement has them
   JournalLine line_;
   std::string sql_;
-  std::int16_t position_ = 0;                                  // of the line before, 0 when that is not known
-  std::unordered_map<std::int16_t, std::string> cardholders_;  // by card number, apostrophes doubled
-  std::unordered_map<int, std::string> readers_;               // by controller and position: id and name
+  std::int16_t position_ = 0;                            // of the line before, 0 when that is not known
+  std::vector<std::optional<std::string>> cardholders_;  // by card number, apostrophes doubled
+  std::unordered_map<int, std::string> readers_;         // by controller and position: id and name
   std::string noCard_;
 };
 

@@ -52,7 +52,8 @@ class Reader {
     const auto n = digitsAhead();
     if (n < least || n > most) return false;
     out = 0;
-    for (; isDigit(front()); rest_.remove_prefix(1)) out = out * 10 + (front() - '0');
+    for (const char c : rest_.substr(0, n)) out = out * 10 + (c - '0');
+    rest_.remove_prefix(n);
     return true;
   }
 
@@ -80,6 +81,14 @@ bool readTime(Reader& in, CivilTime& out) {
   return !in.skip(':') || in.number(2, 2, out.second);
 }
 
+DateTime fromValid(const CivilTime& parts) {
+  const chrono::sys_days day = chrono::year{parts.year} / parts.month / parts.day;
+  const int days = static_cast<int>((day - dayZero).count());
+  const double time = static_cast<double>(parts.hour * 3600 + parts.minute * 60 + parts.second) / secondsADay;
+  // Before day 0 the fraction still is the time of day, counted away from zero.
+  return DateTime{days < 0 ? days - time : days + time};
+}
+
 std::optional<DateTime> parse(std::string_view text, bool monthFirst) {
   Reader in(text);
   CivilTime parts;
@@ -96,7 +105,7 @@ std::optional<DateTime> parse(std::string_view text, bool monthFirst) {
   }
   in.skipBlanks();
   if (!in.done() || !isValid(parts)) return std::nullopt;
-  return toDateTime(parts);
+  return fromValid(parts);
 }
 
 constexpr std::array<const char*, 12> monthNames = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
@@ -115,11 +124,7 @@ bool isValid(const CivilTime& parts) {
 
 DateTime toDateTime(const CivilTime& parts) {
   if (!isValid(parts)) throw Error(err::typeMismatch, "Type mismatch: not a date or time that exists");
-  const chrono::sys_days day = chrono::year{parts.year} / parts.month / parts.day;
-  const int days = static_cast<int>((day - dayZero).count());
-  const double time = static_cast<double>(parts.hour * 3600 + parts.minute * 60 + parts.second) / secondsADay;
-  // Before day 0 the fraction still is the time of day, counted away from zero.
-  return DateTime{days < 0 ? days - time : days + time};
+  return fromValid(parts);
 }
 
 CivilTime toCivil(DateTime moment) {

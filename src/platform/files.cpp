@@ -109,6 +109,12 @@ void remove(std::string_view path) {
   throw fileError(error ? errnoOf(error) : ENOENT, std::string(path));
 }
 
+bool removeRegular(std::string_view path) {
+  const fs::path found = asPath(native(path));
+  std::error_code error;
+  return fs::is_regular_file(fs::symlink_status(found, error)) && fs::remove(found, error);
+}
+
 void rename(std::string_view from, std::string_view to) {
   if (!exists(from)) throw fileError(ENOENT, std::string(from));
   const int error = renameNew(native(from), native(to));

@@ -21,6 +21,9 @@ namespace files {
 [[nodiscard]] bool exists(std::string_view path);        ///< a file or folder of that name
 [[nodiscard]] bool folderExists(std::string_view path);  ///< a folder of that name
 void remove(std::string_view path);                      ///< deletes one file; 53 when there is none
+/// Deletes the file of that name if it is a regular one, and says whether it did: a link, a device or a
+/// folder stays, as does what may not be deleted.
+bool removeRegular(std::string_view path);
 /// Moves a file; 58 when `to` exists, 53 when `from` does not. Never leaves a half-written `to`.
 void rename(std::string_view from, std::string_view to);
 /// Copies a file over `to`, replacing it in one step: a failed copy (a full disk, say) leaves `to` as it

@@ -50,6 +50,10 @@ char32_t decode(std::string_view text, std::size_t& i) {
   return c;
 }
 
+bool isAscii(std::string_view text) {
+  return std::none_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) >= 0x80; });
+}
+
 void encode(char32_t c, std::string& out) {
   const auto put = [&](char32_t byte) { out += static_cast<char>(byte); };
   if (c >= brokenByte) {
@@ -144,6 +148,7 @@ int cp1252Byte(char32_t c) {
 }  // namespace
 
 std::string toCp1252(std::string_view utf8) {
+  if (isAscii(utf8)) return std::string(utf8);
   std::string out;
   out.reserve(utf8.size());
   for (std::size_t i = 0; i < utf8.size();) {
@@ -164,6 +169,7 @@ std::string toCp1252(std::string_view utf8) {
 }
 
 std::string fromCp1252(std::string_view bytes) {
+  if (isAscii(bytes)) return std::string(bytes);
   std::string out;
   out.reserve(bytes.size());
   for (std::size_t i = 0; i < bytes.size(); ++i) {

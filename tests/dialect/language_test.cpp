@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <sstream>
+
 #include "dialect/bench_database.h"
 #include "platform/error.h"
 
@@ -243,6 +245,32 @@ TEST_F(Language, KeysAStatementByItsShape) {
   const std::vector<Value> literals = {std::int32_t{1}, "it's", DateTime{36527},
                                        "x\"y",          1500.0, std::int32_t{1}};
   EXPECT_EQ(a.literals, literals);
+}
+
+TEST_F(Language, KeysAStatementAlikeWhateverWasReadBefore) {
+  dialect::Scanned reused;
+  // Each begins as the one before it does up to one of that one's literals, and goes on with another token.
+  std::istringstream statements(
+      "a<1|a<=1|t1'x'|t12|a.'x'|a.5|a='x|a='x' and b = 1|select a from t order by 'x'|"
+      "select a from t order by 1, 2|select a from t order by f(1), 2|select a from t order by f(|top 'x'|"
+      "top 5|'x'|1||t where a = 1|t where a = |t where a = 'y' or b = #1/2/2000#|"
+      "a=1 and b=2|a='1' and b=2|a=1 and b='2'|a=1 and b=2 or c=3|a=1 or b=2 or c=3|a=1 or b=2or c=.5|"
+      "a=1 order by f('x'), 2|a=1 order by f(3), 'x'|a=1 order by f(3), 2|a=1 order by f(3|a=1|"
+      "f(1, 2)|f(1), 2|a=1 )2|a=1 ,2|a=1 ,2, 3|a=1and'x'and b=2|a=1and\x07"
+      "and b=2");
+  for (std::string sql; std::getline(statements, sql, '|');) {
+    dialect::Scanned fresh;
+    const auto scanned = [&](dialect::Scanned& out) {
+      try {
+        dialect::scan(sql, out);
+        return out.key;
+      } catch (const Error& error) {
+        return error.description();
+      }
+    };
+    EXPECT_EQ(scanned(reused), scanned(fresh)) << sql;
+    EXPECT_EQ(reused.literals, fresh.literals) << sql;
+  }
 }
 
 TEST_F(Language, TurnsValidationRulesIntoConditions) {

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/database/dialect/lexer.h"
 #include "platform/database/schema.h"
 #include "platform/value.h"
 
@@ -18,6 +19,13 @@ namespace voxa::dialect {
 struct Scanned {
   std::string key;              ///< the text, each literal replaced by a mark of its type
   std::vector<Value> literals;  ///< in order of appearance: 32-bit integer, double, text or date-time
+  /// scan()'s own, for each literal: its mark's place in the key, and how the lexer came to it. What stands
+  /// before a literal is not cut into tokens again when it stands in the next statement, too.
+  struct Stop {
+    std::size_t mark;
+    LexerState state;
+  };
+  std::vector<Stop> stops;
 };
 
 /// Splits a statement; `out`'s buffers are reused. Raises 3075 for text that has no tokens of the language

@@ -73,31 +73,31 @@ Value numberValue(const Token& token) {
 }  // namespace
 
 void Lexer::next(Token& token) {
-  at_ = skip(sql_, at_, [](Class c) { return c == Class::blank; });
-  token.position = at_;
+  state_.at = skip(sql_, state_.at, [](Class c) { return c == Class::blank; });
+  token.position = state_.at;
   token.shaping = false;
   token.symbol = 0;
-  if (at_ == sql_.size()) {
+  if (state_.at == sql_.size()) {
     token.kind = TokenKind::end;
     token.text = {};
     return;
   }
-  const char c = sql_[at_];
-  const bool afterTop = afterTop_;
-  const bool orderItem = orderItem_;
-  afterTop_ = orderItem_ = false;
+  const char c = sql_[state_.at];
+  const bool afterTop = state_.afterTop;
+  const bool orderItem = state_.orderItem;
+  state_.afterTop = state_.orderItem = false;
   switch (classOf(c)) {
     case Class::letter:
       token.kind = TokenKind::word;
-      at_ = skip(sql_, at_ + 1, [](Class part) { return part >= Class::letter; });
-      noteWord(sql_.substr(token.position, at_ - token.position));
+      state_.at = skip(sql_, state_.at + 1, [](Class part) { return part >= Class::letter; });
+      noteWord(sql_.substr(token.position, state_.at - token.position));
       break;
     case Class::digit:
       number(token);
       token.shaping = token.kind == TokenKind::integer && (afterTop || orderItem);
       break;
     case Class::symbol:
-      if (c == '.' && at_ + 1 < sql_.size() && classOf(sql_[at_ + 1]) == Class::digit) {
+      if (c == '.' && state_.at + 1 < sql_.size() && classOf(sql_[state_.at + 1]) == Class::digit) {
         number(token);
       } else {
         symbol(token);
@@ -111,39 +111,46 @@ void Lexer::next(Token& token) {
       } else if (c == '[') {
         enclosed(token, TokenKind::bracketed, ']');
       } else {
-        failSyntax(sql_, at_, "this character has no meaning here");
+        failSyntax(sql_, state_.at, "this character has no meaning here");
       }
   }
-  token.text = sql_.substr(token.position, at_ - token.position);
+  token.text = sql_.substr(token.position, state_.at - token.position);
+}
+
+bool Lexer::parts(char c) {
+  const Class kind = classOf(c);
+  return kind == Class::blank || (kind == Class::symbol && c != '<' && c != '>' && c != '.');
 }
 
 void Lexer::noteWord(std::string_view word) {
   if (word.size() > 5) return;
   if (isWord(word, "top")) {
-    afterTop_ = true;
+    state_.afterTop = true;
   } else if (isWord(word, "order")) {
-    orderDepth_ = depth_;
+    state_.orderDepth = state_.depth;
   } else if (isWord(word, "by")) {
-    orderItem_ = orderDepth_ == depth_;
+    state_.orderItem = state_.orderDepth == state_.depth;
   }
 }
 
 void Lexer::number(Token& token) {
-  const auto digits = [this] { at_ = skip(sql_, at_, [](Class c) { return c == Class::digit; }); };
+  const auto digits = [this] {
+    state_.at = skip(sql_, state_.at, [](Class c) { return c == Class::digit; });
+  };
   token.kind = TokenKind::integer;
   digits();
-  if (at_ < sql_.size() && sql_[at_] == '.') {
+  if (state_.at < sql_.size() && sql_[state_.at] == '.') {
     token.kind = TokenKind::real;
-    ++at_;
+    ++state_.at;
     digits();
   }
   // An exponent only when digits follow: "1eqv" is a number and a word, like "1and".
-  if (at_ < sql_.size() && (sql_[at_] | 0x20) == 'e') {
-    std::size_t exponent = at_ + 1;
+  if (state_.at < sql_.size() && (sql_[state_.at] | 0x20) == 'e') {
+    std::size_t exponent = state_.at + 1;
     if (exponent < sql_.size() && (sql_[exponent] == '+' || sql_[exponent] == '-')) ++exponent;
     if (exponent < sql_.size() && classOf(sql_[exponent]) == Class::digit) {
       token.kind = TokenKind::real;
-      at_ = exponent;
+      state_.at = exponent;
       digits();
     }
   }
@@ -151,11 +158,11 @@ void Lexer::number(Token& token) {
 
 void Lexer::enclosed(Token& token, TokenKind kind, char close) {
   token.kind = kind;
-  std::size_t end = at_ + 1;
+  std::size_t end = state_.at + 1;
   for (;; end += 2) {
     end = sql_.find(close, end);
     if (end == std::string_view::npos) {
-      failSyntax(sql_, at_,
+      failSyntax(sql_, state_.at,
                  kind == TokenKind::text   ? "the text has no closing quote"
                  : kind == TokenKind::date ? "the date has no closing number sign"
                                            : "the name has no closing bracket");
@@ -164,38 +171,38 @@ void Lexer::enclosed(Token& token, TokenKind kind, char close) {
     if (!doubled) break;
   }
   if (kind == TokenKind::bracketed) {
-    const std::string_view name = sql_.substr(at_ + 1, end - at_ - 1);
+    const std::string_view name = sql_.substr(state_.at + 1, end - state_.at - 1);
     bool valid = !name.empty();
     for (const char c : name) valid = valid && static_cast<unsigned char>(c) >= 0x20 && c != '[';
-    if (!valid) failSyntax(sql_, at_, "this is no name");
+    if (!valid) failSyntax(sql_, state_.at, "this is no name");
   }
-  at_ = end + 1;
+  state_.at = end + 1;
 }
 
 void Lexer::symbol(Token& token) {
   token.kind = TokenKind::symbol;
-  token.symbol = sql_[at_++];
-  const char second = at_ < sql_.size() ? sql_[at_] : '\0';
+  token.symbol = sql_[state_.at++];
+  const char second = state_.at < sql_.size() ? sql_[state_.at] : '\0';
   switch (token.symbol) {
     case '(':
-      ++depth_;
+      ++state_.depth;
       break;
     case ')':
-      if (--depth_ < orderDepth_) orderDepth_ = -1;
+      if (--state_.depth < state_.orderDepth) state_.orderDepth = -1;
       break;
     case ',':
-      orderItem_ = orderDepth_ == depth_;
+      state_.orderItem = state_.orderDepth == state_.depth;
       break;
     case '<':
       if (second == '>' || second == '=') {
         token.symbol = second == '>' ? notEqual : lessOrEqual;
-        ++at_;
+        ++state_.at;
       }
       break;
     case '>':
       if (second == '=') {
         token.symbol = greaterOrEqual;
-        ++at_;
+        ++state_.at;
       }
       break;
     default:

@@ -30,10 +30,26 @@ struct Token {
   }
 };
 
+/// How far a statement has been cut, and what that says of its next token.
+struct LexerState {
+  std::size_t at = 0;
+  int depth = 0;           ///< of parentheses
+  int orderDepth = -1;     ///< at the last ORDER; -1 outside of an ordering
+  bool afterTop = false;   ///< the word before was TOP
+  bool orderItem = false;  ///< a new item of an ordering begins here
+};
+
 /// Cuts a statement into tokens. Allocates nothing.
 class Lexer {
  public:
   explicit Lexer(std::string_view sql) : sql_(sql) {}
+  /// From a character on at which a token begins, after tokens that left a lexer in that state.
+  Lexer(std::string_view sql, const LexerState& state, std::size_t at) : sql_(sql), state_(state) {
+    state_.at = at;
+  }
+  [[nodiscard]] const LexerState& state() const { return state_; }
+  /// Whether a token that ends with this character, or blanks, end there whatever follows.
+  [[nodiscard]] static bool parts(char c);
   /// The next token, `end` behind the last; 3075 for a character, quote or bracket that makes no token.
   void next(Token& token);
 
@@ -44,11 +60,7 @@ class Lexer {
   void noteWord(std::string_view word);
 
   std::string_view sql_;
-  std::size_t at_ = 0;
-  int depth_ = 0;           ///< of parentheses
-  int orderDepth_ = -1;     ///< at the last ORDER; -1 outside of an ordering
-  bool afterTop_ = false;   ///< the word before was TOP
-  bool orderItem_ = false;  ///< a new item of an ordering begins here
+  LexerState state_;
 };
 
 /// The value of a literal token. 3075 for a date that is none and a number beyond all range.

@@ -3,19 +3,58 @@
 
 namespace voxa::dialect {
 
-void scan(std::string_view sql, Scanned& out) {
-  out.key.clear();
-  out.literals.clear();
+namespace {
+
+// A literal's mark in the key is the number of its type: control characters have no other place in a
+// statement.
+char markOf(const Value& literal) {
+  return static_cast<char>(literal.data().index());
+}
+
+/// Takes the literals up to the first difference from the statement scanned before, and what stands between
+/// them as it is in the key: statements of one kind follow each other. The lexer behind the last of them.
+Lexer repeat(std::string_view sql, Scanned& out) {
   Lexer lexer(sql);
+  std::size_t same = 0;
+  std::size_t keyed = 0;
+  for (Token token; same < out.stops.size(); ++same) {
+    const Scanned::Stop& stop = out.stops[same];
+    const std::size_t at = lexer.state().at;
+    const auto between = std::string_view(out.key).substr(keyed, stop.mark - keyed);
+    if (!sql.substr(at).starts_with(between)) break;
+    Lexer ahead(sql, stop.state, at + between.size());
+    ahead.next(token);
+    if (!token.isLiteral()) break;
+    Value literal = literalValue(token);
+    if (markOf(literal) != out.key[stop.mark]) break;
+    out.literals.push_back(std::move(literal));
+    lexer = ahead;
+    keyed = stop.mark + 1;
+  }
+  out.key.resize(keyed);
+  out.stops.resize(same);
+  return lexer;
+}
+
+}  // namespace
+
+void scan(std::string_view sql, Scanned& out) {
+  out.literals.clear();
+  Lexer lexer = repeat(sql, out);
+  LexerState before = lexer.state();
+  std::size_t copied = before.at;
+  bool repeatable = true;
   Token token;
-  std::size_t copied = 0;
   for (lexer.next(token); token.kind != TokenKind::end; lexer.next(token)) {
-    if (!token.isLiteral()) continue;
-    out.key.append(sql, copied, token.position - copied);
-    copied = token.position + token.text.size();
-    const Value& literal = out.literals.emplace_back(literalValue(token));
-    // The mark is the number of the type: control characters have no other place in a statement.
-    out.key += static_cast<char>(literal.data().index());
+    if (token.isLiteral()) {
+      const Value& literal = out.literals.emplace_back(literalValue(token));
+      out.key.append(sql, copied, token.position - copied);
+      copied = token.position + token.text.size();
+      repeatable = repeatable && token.position != 0 && Lexer::parts(sql[token.position - 1]);
+      if (repeatable) out.stops.push_back({out.key.size(), before});
+      out.key += markOf(literal);
+    }
+    before = lexer.state();
   }
   out.key.append(sql, copied);
 }

@@ -11,25 +11,21 @@ namespace voxa {
 
 namespace {
 
-void bindValue(sqlite3_stmt* statement, int index, const Value& value, sqlite3_destructor_type textLifetime) {
-  struct Binder {
-    sqlite3_stmt* statement;
-    int index;
-    sqlite3_destructor_type textLifetime;
+struct Binder {
+  sqlite3_stmt* statement;
+  int index;
 
-    void operator()(std::monostate) const { (void)sqlite3_bind_null(statement, index); }
-    void operator()(bool v) const { (void)sqlite3_bind_int(statement, index, v ? -1 : 0); }
-    void operator()(std::uint8_t v) const { (void)sqlite3_bind_int(statement, index, v); }
-    void operator()(std::int16_t v) const { (void)sqlite3_bind_int(statement, index, v); }
-    void operator()(std::int32_t v) const { (void)sqlite3_bind_int(statement, index, v); }
-    void operator()(double v) const { (void)sqlite3_bind_double(statement, index, v); }
-    void operator()(DateTime v) const { (void)sqlite3_bind_double(statement, index, v.days); }
-    void operator()(const std::string& v) const {
-      (void)sqlite3_bind_text(statement, index, v.data(), static_cast<int>(v.size()), textLifetime);
-    }
-  };
-  std::visit(Binder{statement, index, textLifetime}, value.data());
-}
+  void operator()(std::monostate) const { (void)sqlite3_bind_null(statement, index); }
+  void operator()(bool v) const { (void)sqlite3_bind_int(statement, index, v ? -1 : 0); }
+  void operator()(std::uint8_t v) const { (void)sqlite3_bind_int(statement, index, v); }
+  void operator()(std::int16_t v) const { (void)sqlite3_bind_int(statement, index, v); }
+  void operator()(std::int32_t v) const { (void)sqlite3_bind_int(statement, index, v); }
+  void operator()(double v) const { (void)sqlite3_bind_double(statement, index, v); }
+  void operator()(DateTime v) const { (void)sqlite3_bind_double(statement, index, v.days); }
+  void operator()(const std::string& v) const {
+    (void)sqlite3_bind_text(statement, index, v.data(), static_cast<int>(v.size()), SQLITE_STATIC);
+  }
+};
 
 /// A whole number of an expression that outgrew the field type of its column.
 Value integerValue(std::int64_t number, DataType type) {
@@ -48,11 +44,7 @@ Value integerValue(std::int64_t number, DataType type) {
 }  // namespace
 
 void Statement::bind(int index, const Value& value) {
-  bindValue(handle_.get(), index, value, SQLITE_STATIC);
-}
-
-void Statement::bindCopy(int index, const Value& value) {
-  bindValue(handle_.get(), index, value, SQLITE_TRANSIENT);
+  std::visit(Binder{handle_.get(), index}, value.data());
 }
 
 void Statement::bind(int index, std::int64_t value) {

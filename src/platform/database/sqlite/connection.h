@@ -23,7 +23,6 @@ class Statement {
 
   /// Binds the value of placeholder ?index. Text must stay where it is until the statement has run.
   void bind(int index, const Value& value);
-  void bindCopy(int index, const Value& value);  ///< the same, text being copied
   void bind(int index, std::int64_t value);
 
   /// SQLITE_ROW, SQLITE_DONE, or the extended code of a failure; the statement is reset then.

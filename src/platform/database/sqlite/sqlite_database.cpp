@@ -21,6 +21,16 @@ const Value& parameterValue(const SqliteDatabase::Parameters& parameters, std::s
   throw Error(err::dbTooFewParameters, "Parameter '" + std::string(name) + "' has no value");
 }
 
+/// Whether convertForField would give the value back.
+bool isStoredAsIs(const Value& value, const FieldDef& field) {
+  if (const auto* text = std::get_if<std::string>(&value.data())) {
+    // No text has more characters than bytes.
+    return field.type == DataType::Memo ||
+           (field.type == DataType::Text && text->size() <= static_cast<std::size_t>(field.size));
+  }
+  return field.type == DataType::Long && std::holds_alternative<std::int32_t>(value.data());
+}
+
 std::string_view trimmedName(std::string_view name) {
   while (!name.empty() && (name.front() == ' ' || name.front() == '[')) name.remove_prefix(1);
   while (!name.empty() && (name.back() == ' ' || name.back() == ']')) name.remove_suffix(1);
@@ -155,31 +165,29 @@ Prepared& SqliteDatabase::prepared(std::string_view source) {
   return translate(name->second);
 }
 
-void SqliteDatabase::bind(Prepared& prepared, const Parameters& parameters) const {
+void SqliteDatabase::bind(Prepared& prepared, const Parameters& parameters) {
   const dialect::Translation& translation = *prepared.translation;
+  converted_.clear();  // each value twice at most, and what was bound must stay where it is
+  converted_.reserve(2 * translation.slots.size());
+  const auto convert = [&](const Value& value, const FieldDef& field) -> const Value& {
+    if (isStoredAsIs(value, field)) return value;
+    return converted_.emplace_back(convertForField(value, field.type, field.size));
+  };
   int index = 0;
   for (const dialect::Slot& slot : translation.slots) {
-    ++index;
-    const auto store = [&](const Value& value, const std::optional<FieldDef>& field, bool stays) {
-      if (field) {
-        prepared.statement.bindCopy(index, convertForField(value, field->type, field->size));
-      } else if (stays) {
-        prepared.statement.bind(index, value);
-      } else {
-        prepared.statement.bindCopy(index, value);
-      }
-    };
+    const Value* value = nullptr;
     if (slot.literal) {
-      store(scanned_.literals[*slot.literal], slot.convertTo, true);
-      continue;
-    }
-    Value value = parameterValue(parameters, slot.parameter);
-    for (const FieldDef& declared : translation.parameters) {
-      if (equalNoCase(declared.name, slot.parameter)) {
-        value = convertForField(value, declared.type, declared.size);
+      value = &scanned_.literals[*slot.literal];
+    } else {
+      value = &parameterValue(parameters, slot.parameter);
+      for (const FieldDef& declared : translation.parameters) {
+        if (!equalNoCase(declared.name, slot.parameter)) continue;
+        value = &convert(*value, declared);
+        break;
       }
     }
-    store(value, slot.convertTo, false);
+    if (slot.convertTo) value = &convert(*value, *slot.convertTo);
+    prepared.statement.bind(++index, *value);
   }
 }
 
@@ -203,9 +211,12 @@ int SqliteDatabase::execute(std::string_view sql) {
   return session_->guarded([&] {
     std::shared_ptr<const dialect::Translation> translation;
     const int code = withPrepared(sql, false, {}, [&](Prepared& prepared) {
-      translation = prepared.translation;
       const int result = prepared.statement.step();
-      if (result == SQLITE_DONE) prepared.statement.reset();
+      if (result == SQLITE_DONE) {
+        prepared.statement.reset();
+      } else {
+        translation = prepared.translation;
+      }
       return result;
     });
     if (code != SQLITE_DONE) failChange(code, translation->table);

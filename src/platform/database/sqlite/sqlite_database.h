@@ -89,7 +89,8 @@ class SqliteDatabase final : public Database, public std::enable_shared_from_thi
   Prepared& prepared(std::string_view source);
   Prepared& translate(std::string_view sql);
   std::optional<std::string> textOfName(std::string_view name);
-  void bind(Prepared& prepared, const Parameters& parameters) const;
+  /// Binds the values of all slots, which stay in scanned_, converted_ and `parameters`.
+  void bind(Prepared& prepared, const Parameters& parameters);
   void schemaChanged();
   /// Ends a step that changed definitions, the catalog knowing of it.
   void finish(Step& step);
@@ -105,6 +106,7 @@ class SqliteDatabase final : public Database, public std::enable_shared_from_thi
   std::string path_;
   mutable std::optional<OpenFile> file_;
   dialect::Scanned scanned_;
+  std::vector<Value> converted_;
   std::uint64_t generation_ = 0;
 };
 

@@ -25,9 +25,10 @@ class StatementCache {
  public:
   /// The statement of that text, or nullptr.
   [[nodiscard]] Prepared* find(std::string_view key) {
+    if (!entries_.empty() && entries_.front().first == key) return &entries_.front().second;
     const auto found = positions_.find(key);
     if (found == positions_.end()) return nullptr;
-    if (found->second != entries_.begin()) entries_.splice(entries_.begin(), entries_, found->second);
+    entries_.splice(entries_.begin(), entries_, found->second);
     return &found->second->second;
   }
 
