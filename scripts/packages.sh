@@ -27,6 +27,7 @@ test_packages=("${build_packages[@]}" libgtest-dev clang-14 libclang-rt-14-dev c
 tidy_packages=("${test_packages[@]}" clang-tidy-14)
 windows_packages=(cmake ninja-build g++-mingw-w64-i686-posix mingw-w64-tools libwine-dev libwine
   libcli11-dev nlohmann-json3-dev)
+automation_packages=(mmdebstrap)
 bench_packages=("${build_packages[@]}" libbenchmark-dev)
 
 # Configures and builds a preset; quiet unless it fails.

@@ -4,9 +4,8 @@
 #include "platform/database/database.h"
 #include "platform/database/sqlite/engine.h"
 #include "platform/driver/library_driver.h"
-#include "platform/ui/console_prompts.h"
-
-#include <iostream>
+#include "platform/ui/prompts.h"
+#include "platform/ui/system_prompts.h"
 
 namespace voxa {
 
@@ -16,8 +15,8 @@ struct ProcessLibrary {
   SystemClock clock;
   std::unique_ptr<DatabaseEngine> engine = makeSqliteEngine(clock);
   LibraryDriver driver;
-  ConsolePrompts prompts{std::cin, std::cerr, ConsolePrompts::isTerminal()};
-  Library library{{*engine, driver, prompts, clock}};
+  std::unique_ptr<Prompts> prompts = makeSystemPrompts();
+  Library library{{*engine, driver, *prompts, clock}};
 };
 
 }  // namespace

@@ -33,6 +33,10 @@ class Recordset {
   virtual void moveNext() = 0;      ///< 3021 when already at eof. Abandons an edit that was begun
   virtual void movePrevious() = 0;  ///< 3021 when already at bof
   [[nodiscard]] virtual std::size_t recordCount() const = 0;
+  /// Moves to the first row, or the next one behind the current, that satisfies a condition on the fields of
+  /// its table; false when there is none, and the current row stays. 3251 for rows that cannot be changed.
+  virtual bool findFirst(std::string_view condition) = 0;
+  virtual bool findNext(std::string_view condition) = 0;
 
   [[nodiscard]] virtual std::size_t fieldCount() const = 0;
   /// Definition of a field of the result: name, type, size; for a column of a table all it has.

@@ -116,6 +116,25 @@ void SqliteRecordset::movePrevious() {
   });
 }
 
+/// The rows that satisfy the condition are asked for once, by their numbers.
+bool SqliteRecordset::find(std::string_view condition, std::ptrdiff_t from) {
+  return database_->session().guarded([&] {
+    if (!editable()) throw Error(err::dbNotSupported, "Rows of this query cannot be searched");
+    const std::string sql =
+        "select * from [" + translation_->table + "] where (" + std::string(condition) + ")";
+    const auto found = database_->openRecordset(sql, {});
+    std::vector<std::int64_t> numbers = dynamic_cast<const SqliteRecordset&>(*found).rowids_;
+    std::sort(numbers.begin(), numbers.end());
+    for (std::ptrdiff_t row = from; row < static_cast<std::ptrdiff_t>(rows_); ++row) {
+      const auto at = static_cast<std::size_t>(row);
+      if (isDeleted(at) || !std::binary_search(numbers.begin(), numbers.end(), rowids_[at])) continue;
+      moveTo(row, 1);
+      return true;
+    }
+    return false;
+  });
+}
+
 void SqliteRecordset::requireCurrent() const {
   if (eof() || bof()) throw Error(err::dbNoCurrentRecord, "There is no current record");
   if (isDeleted(static_cast<std::size_t>(position_))) throw rowGone();

@@ -35,6 +35,9 @@ class SqliteRecordset final : public Recordset {
   void movePrevious() override;
   [[nodiscard]] std::size_t recordCount() const override { return rows_ - deleted_; }
 
+  bool findFirst(std::string_view condition) override { return find(condition, 0); }
+  bool findNext(std::string_view condition) override { return find(condition, position_ + 1); }
+
   [[nodiscard]] std::size_t fieldCount() const override { return columns().size(); }
   [[nodiscard]] const FieldDef& field(std::size_t index) const override;
   [[nodiscard]] std::size_t fieldIndex(std::string_view name) const override;
@@ -55,6 +58,7 @@ class SqliteRecordset final : public Recordset {
   [[nodiscard]] bool editable() const { return !translation_->table.empty(); }
   [[nodiscard]] bool isDeleted(std::size_t row) const;
   void moveTo(std::ptrdiff_t row, std::ptrdiff_t direction);
+  bool find(std::string_view condition, std::ptrdiff_t from);
   void requireCurrent() const;
   void requireEditable() const;
   void checkColumn(std::size_t index) const;

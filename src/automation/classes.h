@@ -1,0 +1,18 @@
+#pragma once
+
+#include <unknwn.h>
+
+#include <span>
+
+namespace voxa::automation {
+
+/// A class that callers create by name: "KORVA." and its name.
+struct CreatableClass {
+  const CLSID* id;
+  const wchar_t* name;
+  IUnknown* (*make)();  ///< uncounted
+};
+
+[[nodiscard]] std::span<const CreatableClass> creatableClasses();
+
+}  // namespace voxa::automation

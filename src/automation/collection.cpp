@@ -1,0 +1,150 @@
+#include <limits>
+
+#include "data_objects.h"
+#include "platform/text.h"
+
+namespace voxa::automation {
+
+namespace {
+
+/// For Each: the objects as they were when it began.
+class Enumerator final : public IEnumVARIANT {
+ public:
+  explicit Enumerator(std::vector<IDispatch*> objects) : objects_(std::move(objects)) {}
+  Enumerator(const Enumerator&) = delete;
+  Enumerator& operator=(const Enumerator&) = delete;
+
+  STDMETHODIMP QueryInterface(REFIID wanted, void** out) override {
+    if (out == nullptr) return E_POINTER;
+    *out = wanted == IID_IUnknown || wanted == IID_IEnumVARIANT ? this : nullptr;
+    if (*out == nullptr) return E_NOINTERFACE;
+    AddRef();
+    return S_OK;
+  }
+  STDMETHODIMP_(ULONG) AddRef() override { return ++references_; }
+  STDMETHODIMP_(ULONG) Release() override {
+    const ULONG left = --references_;
+    if (left == 0) delete this;
+    return left;
+  }
+  STDMETHODIMP Next(ULONG wanted, VARIANT* out, ULONG* fetched) override {
+    if (out == nullptr) return E_POINTER;
+    ULONG count = 0;
+    for (; count < wanted && at_ < objects_.size(); ++count, ++at_) {
+      ::VariantInit(&out[count]);
+      out[count].vt = VT_DISPATCH;
+      out[count].pdispVal = objects_[at_];
+      objects_[at_]->AddRef();
+    }
+    if (fetched != nullptr) *fetched = count;
+    return count == wanted ? S_OK : S_FALSE;
+  }
+  STDMETHODIMP Skip(ULONG count) override {
+    const std::size_t left = objects_.size() - at_;
+    at_ += std::min<std::size_t>(count, left);
+    return count <= left ? S_OK : S_FALSE;
+  }
+  STDMETHODIMP Reset() override {
+    at_ = 0;
+    return S_OK;
+  }
+  STDMETHODIMP Clone(IEnumVARIANT** out) override {
+    if (out == nullptr) return E_POINTER;
+    *out = nullptr;
+    return guarded(IID_IEnumVARIANT, [&] {
+      auto* copy = new Enumerator(objects_);
+      for (IDispatch* object : objects_) object->AddRef();
+      copy->at_ = at_;
+      copy->AddRef();
+      *out = copy;
+    });
+  }
+
+ private:
+  ~Enumerator() {
+    for (IDispatch* object : objects_) object->Release();
+  }
+
+  std::vector<IDispatch*> objects_;  // counted
+  std::size_t at_ = 0;
+  ULONG references_ = 0;
+  ModuleUse use_;
+};
+
+class CollectionObject final : public Object<::ICollection> {
+ public:
+  explicit CollectionObject(CollectionSource source) : source_(std::move(source)) {}
+
+  STDMETHODIMP get_Item(VARIANT index, IDispatch** object) override {
+    return give(object, [&] { return source_.item(position(fromVariant(index))); });
+  }
+  STDMETHODIMP get_Count(long* count) override {
+    return give(count, [&] { return static_cast<std::int32_t>(source_.count()); });
+  }
+  STDMETHODIMP get__NewEnum(IUnknown** enumerator) override {
+    return give(enumerator, [&]() -> IUnknown* {
+      std::vector<IDispatch*> objects(source_.count());
+      for (std::size_t i = 0; i < objects.size(); ++i) {
+        objects[i] = source_.item(i);
+        objects[i]->AddRef();
+      }
+      return new Enumerator(std::move(objects));
+    });
+  }
+  STDMETHODIMP Append(IDispatch* object) override {
+    return call([&] {
+      if (object == nullptr) throw Error(err::objectNotSet, "Object variable not set");
+      if (!source_.append) refuse();
+      source_.append(object);
+    });
+  }
+  STDMETHODIMP Delete(BSTR name) override {
+    return call([&] {
+      if (!source_.remove) refuse();
+      source_.remove(fromBstr(name));
+    });
+  }
+
+ private:
+  [[noreturn]] static void refuse() {
+    throw Error(err::dbInvalidOperation, "This collection cannot be changed");
+  }
+
+  [[nodiscard]] std::size_t position(const Value& index) const {
+    if (index.isText()) return source_.find(index.toText());
+    const std::int32_t number = index.toInt32();
+    if (number < 0 || static_cast<std::size_t>(number) >= source_.count()) {
+      throw Error(err::dbNotInCollection, "The collection has no item number " + std::to_string(number));
+    }
+    return static_cast<std::size_t>(number);
+  }
+
+  CollectionSource source_;
+};
+
+}  // namespace
+
+::ICollection* makeCollection(CollectionSource source) {
+  return new CollectionObject(std::move(source));
+}
+
+std::size_t findName(const std::string& name, std::size_t count,
+                     const std::function<std::string(std::size_t)>& nameAt) {
+  for (std::size_t i = 0; i < count; ++i) {
+    if (equalNoCase(nameAt(i), name)) return i;
+  }
+  throw Error(err::dbNotInCollection, "The collection has no item '" + name + "'");
+}
+
+void* objectBehind(IUnknown* object, REFIID privateId, const char* what) {
+  if (object == nullptr) throw Error(err::objectNotSet, "Object variable not set");
+  IUnknown* own = nullptr;
+  if (FAILED(object->QueryInterface(privateId, reinterpret_cast<void**>(&own)))) {
+    throw Error(err::typeMismatch,
+                std::string("Type mismatch: the object is no ") + what + " of this library");
+  }
+  object->Release();  // the identifier gives no interface, only the place of the object that the caller holds
+  return own;
+}
+
+}  // namespace voxa::automation

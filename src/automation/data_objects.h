@@ -1,0 +1,59 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "korva.h"
+#include "object.h"
+#include "platform/database/database.h"
+
+namespace voxa::automation {
+
+// The data objects: the database engine's seam in the shape that callers of that engine's own automation
+// objects know. All are handed out uncounted.
+
+/// The object of an open database, the same for everybody while somebody holds it; nullptr for none.
+[[nodiscard]] ::IDatabase* databaseObject(const std::shared_ptr<Database>& database);
+
+[[nodiscard]] ::IRecordset* makeRecordset(std::unique_ptr<Recordset> rows);
+
+[[nodiscard]] ::ITableDef* makeTableDef(std::shared_ptr<TableDef> definition);
+/// The definition behind a caller's object; `err::typeMismatch` when it is none of this library's.
+[[nodiscard]] TableDef& definitionBehind(IUnknown* object);
+
+[[nodiscard]] ::IRelation* makeRelation(std::shared_ptr<Relation> relation);
+[[nodiscard]] const Relation& relationBehind(IUnknown* object);
+
+/// A query of that database.
+[[nodiscard]] ::IQueryDef* makeQueryDef(std::shared_ptr<Database> database, const QueryDef& query);
+
+/// A column of a definition; foreignName: of a relation's column, "" otherwise.
+[[nodiscard]] ::IField* makeDefinedField(const FieldDef& definition, const std::string& foreignName = "");
+struct DefinedField {
+  FieldDef definition;
+  std::string foreignName;
+};
+[[nodiscard]] const DefinedField& fieldBehind(IUnknown* object);
+
+/// What a collection is over. Members that are not set are refused with 3219.
+struct CollectionSource {
+  std::function<std::size_t()> count;
+  /// The object at a position below count, uncounted.
+  std::function<IDispatch*(std::size_t)> item;
+  /// Position of a name in any case; raises `err::dbNotInCollection` for another.
+  std::function<std::size_t(const std::string&)> find;
+  std::function<void(IDispatch*)> append;
+  std::function<void(const std::string&)> remove;
+};
+[[nodiscard]] ::ICollection* makeCollection(CollectionSource source);
+
+/// The position of a name in any case among those of `count` things.
+[[nodiscard]] std::size_t findName(const std::string& name, std::size_t count,
+                                   const std::function<std::string(std::size_t)>& nameAt);
+
+/// The C++ object behind a caller's, found by an identifier that no other library knows.
+[[nodiscard]] void* objectBehind(IUnknown* object, REFIID privateId, const char* what);
+
+}  // namespace voxa::automation

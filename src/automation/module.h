@@ -1,0 +1,25 @@
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+
+namespace voxa::automation {
+
+/// Counts what keeps the library loaded: living objects, and locks of the class factories.
+class ModuleUse {
+ public:
+  ModuleUse();
+  ~ModuleUse();
+  ModuleUse(const ModuleUse&) = delete;
+  ModuleUse& operator=(const ModuleUse&) = delete;
+};
+
+[[nodiscard]] bool isModuleUsed();
+void lockModule(bool lock);
+
+/// The library itself, and its full path.
+[[nodiscard]] HMODULE moduleHandle();
+[[nodiscard]] std::wstring modulePath();
+
+}  // namespace voxa::automation

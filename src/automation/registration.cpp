@@ -1,0 +1,125 @@
+// Registration of the server for all users of the machine or for the one who registers it.
+
+#include <oaidl.h>
+
+#include <string>
+
+#include "classes.h"
+#include "korva.h"
+#include "module.h"
+
+// In the import library, but not in the compiler's headers.
+extern "C" {
+HRESULT WINAPI RegisterTypeLibForUser(ITypeLib* library, OLECHAR* path, OLECHAR* helpFolder);
+HRESULT WINAPI UnRegisterTypeLibForUser(REFGUID id, WORD major, WORD minor, LCID language, SYSKIND kind);
+}
+
+namespace voxa::automation {
+
+namespace {
+
+constexpr const wchar_t* classesKey = L"Software\\Classes\\";
+
+std::wstring textOf(const GUID& id) {
+  wchar_t text[40] = {};
+  (void)::StringFromGUID2(id, text, 40);
+  return text;
+}
+
+/// The keys below Software\Classes of one user or of the machine.
+class Registry {
+ public:
+  explicit Registry(bool forUser) : root_(forUser ? HKEY_CURRENT_USER : HKEY_LOCAL_MACHINE) {}
+
+  void set(const std::wstring& key, const wchar_t* name, const std::wstring& value) {
+    if (result_ != ERROR_SUCCESS) return;
+    HKEY opened = nullptr;
+    result_ = ::RegCreateKeyExW(root_, (classesKey + key).c_str(), 0, nullptr, 0, KEY_WRITE, nullptr, &opened,
+                                nullptr);
+    if (result_ != ERROR_SUCCESS) return;
+    const auto* bytes = reinterpret_cast<const BYTE*>(value.c_str());
+    result_ = ::RegSetValueExW(opened, name, 0, REG_SZ, bytes,
+                               static_cast<DWORD>((value.size() + 1) * sizeof(wchar_t)));
+    (void)::RegCloseKey(opened);
+  }
+  void remove(const std::wstring& key) {
+    const LSTATUS result = ::RegDeleteTreeW(root_, (classesKey + key).c_str());
+    if (result != ERROR_SUCCESS && result != ERROR_FILE_NOT_FOUND) result_ = result;
+  }
+  [[nodiscard]] HRESULT result() const { return HRESULT_FROM_WIN32(static_cast<DWORD>(result_)); }
+
+ private:
+  HKEY root_;
+  LSTATUS result_ = ERROR_SUCCESS;
+};
+
+HRESULT registerTypeLibrary(bool forUser, const std::wstring& path) {
+  ITypeLib* library = nullptr;
+  HRESULT result = ::LoadTypeLibEx(path.c_str(), REGKIND_NONE, &library);
+  if (FAILED(result)) return result;
+  std::wstring writable = path;
+  result = forUser ? ::RegisterTypeLibForUser(library, writable.data(), nullptr)
+                   : ::RegisterTypeLib(library, writable.data(), nullptr);
+  library->Release();
+  return result;
+}
+
+HRESULT unregisterTypeLibrary(bool forUser) {
+  const HRESULT result = forUser ? ::UnRegisterTypeLibForUser(LIBID_KORVA, 1, 0, LOCALE_NEUTRAL, SYS_WIN32)
+                                 : ::UnRegisterTypeLib(LIBID_KORVA, 1, 0, LOCALE_NEUTRAL, SYS_WIN32);
+  return result == TYPE_E_REGISTRYACCESS ? S_OK : result;  // was not registered
+}
+
+HRESULT install(bool forUser) {
+  const std::wstring path = modulePath();
+  Registry registry(forUser);
+  for (const CreatableClass& made : creatableClasses()) {
+    const std::wstring name = std::wstring(L"KORVA.") + made.name;
+    const std::wstring key = L"CLSID\\" + textOf(*made.id);
+    registry.set(key, nullptr, name);
+    registry.set(key + L"\\InprocServer32", nullptr, path);
+    registry.set(key + L"\\InprocServer32", L"ThreadingModel", L"Apartment");
+    registry.set(key + L"\\ProgID", nullptr, name);
+    registry.set(key + L"\\TypeLib", nullptr, textOf(LIBID_KORVA));
+    registry.set(name, nullptr, name);
+    registry.set(name + L"\\CLSID", nullptr, textOf(*made.id));
+  }
+  const HRESULT result = registry.result();
+  return FAILED(result) ? result : registerTypeLibrary(forUser, path);
+}
+
+HRESULT uninstall(bool forUser) {
+  Registry registry(forUser);
+  for (const CreatableClass& made : creatableClasses()) {
+    registry.remove(L"CLSID\\" + textOf(*made.id));
+    registry.remove(std::wstring(L"KORVA.") + made.name);
+  }
+  const HRESULT result = registry.result();
+  const HRESULT typeLibrary = unregisterTypeLibrary(forUser);
+  return FAILED(result) ? result : typeLibrary;
+}
+
+/// Registers all or nothing.
+HRESULT installWholly(bool forUser) {
+  const HRESULT result = install(forUser);
+  if (FAILED(result)) (void)uninstall(forUser);
+  return result;
+}
+
+}  // namespace
+
+}  // namespace voxa::automation
+
+STDAPI DllRegisterServer() {
+  return voxa::automation::installWholly(false);
+}
+
+STDAPI DllUnregisterServer() {
+  return voxa::automation::uninstall(false);
+}
+
+/// `regsvr32 /n /i:user VOXA.dll` registers for the user alone.
+STDAPI DllInstall(BOOL install, PCWSTR commandLine) {
+  const bool forUser = commandLine != nullptr && std::wstring(commandLine) == L"user";
+  return install != FALSE ? voxa::automation::installWholly(forUser) : voxa::automation::uninstall(forUser);
+}

@@ -1,0 +1,79 @@
+// What the operating system asks of an automation server: class factories, and whether it may be unloaded.
+
+#include "classes.h"
+#include "object.h"
+
+namespace voxa::automation {
+
+namespace {
+
+class ClassFactory final : public IClassFactory {
+ public:
+  explicit ClassFactory(const CreatableClass& made) : made_(made) {}
+  ClassFactory(const ClassFactory&) = delete;
+  ClassFactory& operator=(const ClassFactory&) = delete;
+
+  STDMETHODIMP QueryInterface(REFIID wanted, void** out) override {
+    if (out == nullptr) return E_POINTER;
+    *out = wanted == IID_IUnknown || wanted == IID_IClassFactory ? this : nullptr;
+    if (*out == nullptr) return E_NOINTERFACE;
+    AddRef();
+    return S_OK;
+  }
+  STDMETHODIMP_(ULONG) AddRef() override { return ++references_; }
+  STDMETHODIMP_(ULONG) Release() override {
+    const ULONG left = --references_;
+    if (left == 0) delete this;
+    return left;
+  }
+  STDMETHODIMP CreateInstance(IUnknown* outer, REFIID wanted, void** out) override {
+    if (out == nullptr) return E_POINTER;
+    *out = nullptr;
+    if (outer != nullptr) return CLASS_E_NOAGGREGATION;
+    HRESULT result = E_FAIL;
+    const HRESULT failure = guarded(IID_IClassFactory, [&] {
+      IUnknown* const object = made_.make();
+      object->AddRef();
+      result = object->QueryInterface(wanted, out);
+      object->Release();
+    });
+    return FAILED(failure) ? failure : result;
+  }
+  STDMETHODIMP LockServer(BOOL lock) override {
+    lockModule(lock != FALSE);
+    return S_OK;
+  }
+
+ private:
+  ~ClassFactory() = default;
+
+  const CreatableClass& made_;
+  ULONG references_ = 0;
+  ModuleUse use_;
+};
+
+}  // namespace
+
+}  // namespace voxa::automation
+
+STDAPI DllGetClassObject(REFCLSID classId, REFIID wanted, void** out) {
+  using namespace voxa::automation;
+  if (out == nullptr) return E_POINTER;
+  *out = nullptr;
+  for (const CreatableClass& made : creatableClasses()) {
+    if (*made.id != classId) continue;
+    HRESULT result = E_FAIL;
+    const HRESULT failure = guarded(IID_IClassFactory, [&] {
+      auto* const factory = new ClassFactory(made);
+      factory->AddRef();
+      result = factory->QueryInterface(wanted, out);
+      factory->Release();
+    });
+    return FAILED(failure) ? failure : result;
+  }
+  return CLASS_E_CLASSNOTAVAILABLE;
+}
+
+STDAPI DllCanUnloadNow() {
+  return voxa::automation::isModuleUsed() ? S_FALSE : S_OK;
+}

@@ -1,0 +1,97 @@
+#include "messages/strings.h"
+
+#include "app/library.h"
+#include "service_objects.h"
+
+namespace voxa::automation {
+
+namespace {
+
+/// A property of a foreign object, by name; Null when it has none of that name.
+Value property(IDispatch& object, const wchar_t* name) {
+  LPOLESTR wanted = const_cast<LPOLESTR>(name);
+  DISPID id = DISPID_UNKNOWN;
+  if (FAILED(object.GetIDsOfNames(IID_NULL, &wanted, 1, LOCALE_USER_DEFAULT, &id))) return {};
+  DISPPARAMS none{};
+  OwnVariant value;
+  const HRESULT result =
+      object.Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_PROPERTYGET | DISPATCH_METHOD, &none, &value,
+                    nullptr, nullptr);
+  return FAILED(result) ? Value() : fromVariant(*value);
+}
+
+bool hasMember(IDispatch& object, const wchar_t* name) {
+  LPOLESTR wanted = const_cast<LPOLESTR>(name);
+  DISPID id = DISPID_UNKNOWN;
+  return SUCCEEDED(object.GetIDsOfNames(IID_NULL, &wanted, 1, LOCALE_USER_DEFAULT, &id));
+}
+
+/// The name of a foreign object's type, "" when it does not tell.
+std::string typeName(IDispatch& object) {
+  ITypeInfo* info = nullptr;
+  if (FAILED(object.GetTypeInfo(0, LOCALE_USER_DEFAULT, &info)) || info == nullptr) return {};
+  BSTR name = nullptr;
+  (void)info->GetDocumentation(MEMBERID_NIL, &name, nullptr, nullptr, nullptr);
+  info->Release();
+  std::string out = fromBstr(name);
+  ::SysFreeString(name);
+  return out;
+}
+
+/// The error object of a client. Some hosts do not tell its type; then its members do.
+bool isErrorObject(IDispatch& object) {
+  const std::string type = typeName(object);
+  if (!type.empty()) return type == "ErrObject" || type == "IErrObject" || type == "_ErrObject";
+  return hasMember(object, L"Number") && hasMember(object, L"Description") && hasMember(object, L"Raise");
+}
+
+/// What display adds to a message: an error object gives its number and description, everything else its
+/// value.
+DisplayArgument displayArgument(const VARIANT& argument) {
+  if (isMissing(argument)) return {};
+  OwnVariant own;
+  if (SUCCEEDED(::VariantCopyInd(&own, const_cast<VARIANT*>(&argument))) && own->vt == VT_DISPATCH && own->pdispVal != nullptr) {
+    IDispatch& object = *own->pdispVal;
+    if (isErrorObject(object)) {
+      return ErrorInfo{property(object, L"Number").toInt32(), property(object, L"Description").toText()};
+    }
+  }
+  return fromVariant(argument);
+}
+
+class StringsObject final : public Object<::IStrings>, public Shared<StringsObject> {
+ public:
+  STDMETHODIMP Initialize() override {
+    return call([] { strings().Initialize(); });
+  }
+  STDMETHODIMP createDB(short* status) override {
+    return give(status, [] { return strings().createDB(); });
+  }
+  STDMETHODIMP insert(BSTR mnem, BSTR textEng, short width, BSTR context, BSTR sType, VARIANT fontSize,
+                      VARIANT_BOOL fontBold, short* status) override {
+    return give(status, [&] {
+      const double size = isMissing(fontSize) ? 7.8 : fromVariant(fontSize).toDouble();
+      return strings().insert(fromBstr(mnem), fromBstr(textEng), width, fromBstr(context), fromBstr(sType),
+                              static_cast<float>(size), fontBold != 0);
+    });
+  }
+  STDMETHODIMP read(BSTR mnem, BSTR* text) override {
+    return give(text, [&] { return strings().read(fromBstr(mnem)); });
+  }
+  STDMETHODIMP display(BSTR mnem, BSTR method, VARIANT arg, long msgStyle) override {
+    return call([&] {
+      strings().display(fromBstr(mnem), fromBstr(method), displayArgument(arg), static_cast<int>(msgStyle));
+    });
+  }
+
+ private:
+  static Strings& strings() { return library().Strings(); }
+};
+
+}  // namespace
+
+::IStrings* stringsObject() {
+  return StringsObject::get();
+}
+
+}  // namespace voxa::automation

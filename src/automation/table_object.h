@@ -1,0 +1,70 @@
+#pragma once
+
+#include "app/itable.h"
+#include "app/library.h"
+#include "app/qdb.h"
+#include "enumerations.h"
+#include "service_objects.h"
+
+namespace voxa::automation {
+
+/// ITable, the other face of a table object.
+class TableContract final : public Dual<::ITable> {
+ public:
+  /// The object whose face it is, and the table behind both.
+  TableContract(IUnknown& object, voxa::ITable& table) : object_(object), table_(table) {}
+
+  STDMETHODIMP QueryInterface(REFIID wanted, void** out) override {
+    return object_.QueryInterface(wanted, out);
+  }
+  STDMETHODIMP_(ULONG) AddRef() override { return object_.AddRef(); }
+  STDMETHODIMP_(ULONG) Release() override { return object_.Release(); }
+
+  STDMETHODIMP get_Name(BSTR* name) override;
+  STDMETHODIMP put_Name(BSTR name) override;
+  STDMETHODIMP getDB(::IDatabase** database) override;
+  STDMETHODIMP create(short* status) override;
+  STDMETHODIMP createFields(::ITableDef* td) override;
+  STDMETHODIMP createIndexes(::ITableDef* td) override;
+  STDMETHODIMP createRelations(short* status) override;
+  STDMETHODIMP insertDefaultRecs() override;
+  STDMETHODIMP setTableFlagsD(VARIANT_BOOL value, short* status) override;
+
+ private:
+  IUnknown& object_;
+  voxa::ITable& table_;
+};
+
+/// A table object: its own interface and ITable over the table that an accessor of QDB hands out.
+template <typename Class, typename Interface, auto accessor>
+class TableObject : public Object<Interface>, public Shared<Class> {
+ public:
+  STDMETHODIMP get_Name(BSTR* name) override {
+    return this->give(name, [] { return table().Name(); });
+  }
+  [[nodiscard]] ::ITable* contract() { return &contract_; }
+
+ protected:
+  [[nodiscard]] static auto& table() { return (library().QDB().*accessor)(); }
+
+  void* furtherInterface(REFIID wanted) override {
+    return wanted == __uuidof(::ITable) ? static_cast<::ITable*>(&contract_) : nullptr;
+  }
+
+ private:
+  TableContract contract_{*static_cast<Interface*>(this), table()};
+};
+
+// The table objects, uncounted, as a caller creates them by name or finds them in QDB.
+[[nodiscard]] ::ICardholder* cardholderObject();
+[[nodiscard]] ::IReader* readerObject();
+[[nodiscard]] ::IDailyProgram* dailyProgramObject();
+[[nodiscard]] ::IHolidays* holidaysObject();
+[[nodiscard]] ::IWeeklyProgram* weeklyProgramObject();
+[[nodiscard]] ::IAccessGroup* accessGroupObject();
+[[nodiscard]] ::IStation* stationObject();
+[[nodiscard]] ::IAlarm* alarmObject();
+[[nodiscard]] ::IBadgeFormat* badgeFormatObject();
+[[nodiscard]] ::IJournal* journalObject();
+
+}  // namespace voxa::automation

@@ -1,0 +1,126 @@
+#include "type_information.h"
+
+#include <cstring>
+#include <map>
+
+#include "conversion.h"
+#include "module.h"
+#include "platform/error.h"
+
+namespace voxa::automation {
+
+namespace {
+
+struct Less {
+  bool operator()(const GUID& a, const GUID& b) const { return std::memcmp(&a, &b, sizeof a) < 0; }
+};
+
+using Known = std::map<GUID, std::shared_ptr<const TypeInformation>, Less>;
+
+Known& known() {
+  static Known types;
+  return types;
+}
+
+void require(HRESULT result) {
+  if (FAILED(result)) {
+    throw Error(err::internalError,
+                "The type library in VOXA.dll cannot be read (" + std::to_string(result) + ")");
+  }
+}
+
+VARTYPE typeOf(const TYPEDESC& type) {
+  switch (type.vt) {
+    case VT_PTR: {
+      const VARTYPE inner = type.lptdesc->vt;
+      const bool simple = inner == VT_I2 || inner == VT_I4 || inner == VT_BOOL || inner == VT_BSTR;
+      return static_cast<VARTYPE>(simple ? inner | VT_BYREF : VT_EMPTY);
+    }
+    case VT_VARIANT:
+    case VT_USERDEFINED:
+      return VT_EMPTY;
+    default:
+      return type.vt;
+  }
+}
+
+bool isObject(const TYPEDESC& type) {
+  // An object is handed out through a pointer to its pointer.
+  return type.vt == VT_PTR && (type.lptdesc->vt == VT_PTR || type.lptdesc->vt == VT_DISPATCH);
+}
+
+TypeInformation::Member memberOf(const FUNCDESC& function) {
+  TypeInformation::Member out{function.memid, function.invkind, {}, false};
+  for (SHORT i = 0; i < function.cParams; ++i) {
+    const ELEMDESC& parameter = function.lprgelemdescParam[i];
+    if ((parameter.paramdesc.wParamFlags & PARAMFLAG_FRETVAL) != 0) {
+      out.returnsObject = isObject(parameter.tdesc);
+    } else {
+      out.arguments.push_back(typeOf(parameter.tdesc));
+    }
+  }
+  return out;
+}
+
+std::shared_ptr<const TypeInformation> load(REFIID interfaceId) {
+  ITypeLib* library = nullptr;
+  require(::LoadTypeLibEx(modulePath().c_str(), REGKIND_NONE, &library));
+  auto out = std::make_shared<TypeInformation>();
+  ITypeInfo* info = nullptr;
+  const HRESULT found = library->GetTypeInfoOfGuid(interfaceId, &info);
+  library->Release();
+  require(found);
+  // A dual interface is described twice: the vtable side has its functions, results as last argument.
+  out->info = info;
+  HREFTYPE vtableSide = 0;
+  ITypeInfo* interface_ = nullptr;
+  require(info->GetRefTypeOfImplType(static_cast<UINT>(-1), &vtableSide));
+  require(info->GetRefTypeInfo(vtableSide, &interface_));
+  TYPEATTR* attributes = nullptr;
+  require(interface_->GetTypeAttr(&attributes));
+  const WORD functions = attributes->cFuncs;
+  interface_->ReleaseTypeAttr(attributes);
+  for (UINT i = 0; i < functions; ++i) {
+    FUNCDESC* function = nullptr;
+    require(interface_->GetFuncDesc(i, &function));
+    out->members.push_back(memberOf(*function));
+    interface_->ReleaseFuncDesc(function);
+  }
+  interface_->Release();
+  return out;
+}
+
+}  // namespace
+
+TypeInformation::~TypeInformation() {
+  if (info != nullptr) info->Release();
+}
+
+const TypeInformation::Member* TypeInformation::find(DISPID id, WORD flags) const {
+  for (const Member& member : members) {
+    if (member.id == id && (member.kind & flags) != 0) return &member;
+  }
+  return nullptr;
+}
+
+std::shared_ptr<const TypeInformation> typeInformation(REFIID interfaceId) {
+  std::shared_ptr<const TypeInformation>& entry = known()[interfaceId];
+  if (!entry) entry = load(interfaceId);
+  return entry;
+}
+
+void forgetTypeInformation() {
+  known().clear();
+}
+
+std::string className(REFIID interfaceId) {
+  const auto type = typeInformation(interfaceId);
+  BSTR name = nullptr;
+  require(type->info->GetDocumentation(MEMBERID_NIL, &name, nullptr, nullptr, nullptr));
+  std::string out = fromBstr(name);
+  ::SysFreeString(name);
+  // ITable is known by that name; of the others only the interface begins with I.
+  return out == "ITable" ? out : out.substr(1);
+}
+
+}  // namespace voxa::automation
