@@ -4,6 +4,7 @@
 
 #include "files/seq_file.h"
 #include "platform/datetime.h"
+#include "platform/text.h"
 
 namespace voxa {
 
@@ -38,13 +39,15 @@ StationResult readStationResult(Library& library, const std::string& path) {
   file.Name(path);
   file.fopen("r");
   StationResult result;
+  // Places are counted in the file's own characters, whatever the driver wrote into the others.
+  const auto line = [&] { return toCp1252(file.flineInput()); };
   if (!file.fEOF()) {
-    const std::string first = file.flineInput();
+    const std::string first = line();
     for (std::size_t i = 0; i < first.size() && i < result.statuses.size(); ++i) {
       result.statuses[i] = first[i];
     }
   }
-  while (!file.fEOF()) takeDateLine(file.flineInput(), result);
+  while (!file.fEOF()) takeDateLine(line(), result);
   file.fclose();
   return result;
 }

@@ -129,6 +129,11 @@ TEST_F(Language, JoinsGroupsAndOrders) {
       {"select Id from T where Id in (select Tid from U) and Id not in (select Uid from V)", "1"},
       {"select Id from T as a where exists (select * from T where T.Name = a.Name and T.Id <> a.Id)", "2;3"},
       {"select Name from T where Small = (select max(Small) from T)", "Éric"},
+      {"select Id, (select top 1 Kind from U where U.Tid = T.Id order by 1 desc) from T where Id = 1", "1|B"},
+      // A query within another is ordered and grouped by its own fields.
+      {"select Id from T where 1 = (select Id from U order by Name)", "!3061"},
+      {"select Id from T where 1 = (select T.Id + U.Id from U order by 1)", "!3061"},
+      {"select Id from T where exists (select count(*) from U group by T.Name)", "!3061"},
   });
   EXPECT_EQ(db_.columns("select *, Id + 1, Name as N, T.At, 1 from T where Id > 0 order by Id"),
             "Id,Name,Code,Small,Tiny,Flag,Real,T.At,Note,Expr1009,N,T.At,Expr1012/T");

@@ -118,6 +118,7 @@ Writer::Query Writer::select(const syntax::Select& select, Scope* outer) {
 
   std::vector<std::string> groups;
   std::set<std::string> grouped;
+  scope.outer = nullptr;  // SQLite groups and orders by a query's own columns alone
   for (const auto& group : select.groupBy) {
     const Term term = write(*group, scope);
     groups.push_back(sortKey(term));
@@ -126,9 +127,11 @@ Writer::Query Writer::select(const syntax::Select& select, Scope* outer) {
   scope.groups = std::move(grouped);
   scope.ungroupedCount = 0;
   scope.aggregatesAllowed = true;
+  scope.outer = outer;
   items(select, out);
   std::string having = select.having ? " HAVING " + condition(*select.having, scope) : "";
-  std::string order = this->order(select, out);
+  scope.outer = nullptr;
+  std::string order = this->order(select, out, outer != nullptr);
   out.grouped = scope.aggregated || !groups.empty() || select.having != nullptr;
   if (out.grouped && scope.ungroupedCount > 0) {
     throw Error(err::dbNotAggregated, "The field \"" + scope.ungrouped +
@@ -153,8 +156,9 @@ Writer::Query Writer::select(const syntax::Select& select, Scope* outer) {
 void Writer::items(const syntax::Select& select, Query& out) {
   Scope& scope = out.scope;
   std::vector<bool> renamed;
-  const auto add = [&](Term term, std::string name, bool fromColumn) {
+  const auto add = [&](Term term, const syntax::Expression* source, std::string name, bool fromColumn) {
     out.items.push_back(std::move(term));
+    out.sources.push_back(source);
     out.names.push_back(std::move(name));
     renamed.push_back(fromColumn);
   };
@@ -165,7 +169,7 @@ void Writer::items(const syntax::Select& select, Query& out) {
         if (!item.starQualifier.empty() && !equalNoCase(item.starQualifier, scope.tables[i].alias)) continue;
         found = true;
         for (const FieldDef& field : scope.tables[i].definition->fields) {
-          add(*column(scope.tables[i].alias, field.name, scope), field.name, true);
+          add(*column(scope.tables[i].alias, field.name, scope), nullptr, field.name, true);
         }
       }
       if (!found) fail(item.position, "this is none of the statement's tables");
@@ -176,7 +180,7 @@ void Writer::items(const syntax::Select& select, Query& out) {
     std::string name = !item.alias.empty() ? std::string(item.alias)
                        : plainColumn       ? term.field->name
                                            : "Expr" + std::to_string(1000 + out.items.size());
-    add(std::move(term), std::move(name), plainColumn);
+    add(std::move(term), item.expression.get(), std::move(name), plainColumn);
   }
   // Columns of the same name are told apart by their tables.
   const std::vector<std::string> plain = out.names;
@@ -187,7 +191,8 @@ void Writer::items(const syntax::Select& select, Query& out) {
   }
 }
 
-std::string Writer::order(const syntax::Select& select, Query& out) {
+/// within: another query is around this one; columns of its cannot be ordered by, under a number neither.
+std::string Writer::order(const syntax::Select& select, Query& out, bool within) {
   std::string sql;
   for (const syntax::OrderItem& item : select.orderBy) {
     Term term;
@@ -200,7 +205,8 @@ std::string Writer::order(const syntax::Select& select, Query& out) {
       if (!read || position == 0 || position > out.items.size()) {
         fail(item.expression->position, "the result has no column of that number");
       }
-      term = out.items[position - 1];
+      const syntax::Expression* source = out.sources[position - 1];
+      term = source != nullptr && within ? write(*source, out.scope) : out.items[position - 1];
     } else {
       term = write(*item.expression, out.scope);
     }

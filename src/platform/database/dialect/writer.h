@@ -65,7 +65,8 @@ class Writer {
   struct Query {
     Scope scope;
     std::vector<Term> items;
-    std::vector<std::string> names;  ///< the result's names of the items
+    std::vector<const syntax::Expression*> sources;  ///< of the items; none for a column of a star
+    std::vector<std::string> names;                  ///< the result's names of the items
     bool distinct = false;
     bool grouped = false;  ///< its rows are no rows of a table
     std::string rest;      ///< from FROM on
@@ -120,7 +121,7 @@ class Writer {
   std::string from(const syntax::Source& source, Scope& scope, Conditions& filter);
   std::string allOf(const Conditions& conditions, Scope& scope);
   void items(const syntax::Select& select, Query& out);
-  std::string order(const syntax::Select& select, Query& out);
+  std::string order(const syntax::Select& select, Query& out, bool within);
 
   std::string_view sql_;
   const Schema& schema_;

@@ -3,6 +3,7 @@
 #include <sqlite3.h>
 
 #include <array>
+#include <cerrno>
 #include <cstdint>
 #include <filesystem>
 #include <memory>
@@ -68,20 +69,31 @@ std::string databasePath(std::string_view path) {
   return native;
 }
 
-void createDatabaseFile(const std::string& path, std::string_view given, const Session& session) {
+void createDatabaseFile(std::string_view given, const Session& session) {
+  // Made under another name: whoever is killed meanwhile leaves no file that is half a database.
+  const std::string begun = std::string(given) + "~new";
   try {
-    files::createNew(given);
+    if (files::exists(given)) throw fileError(EEXIST, std::string(given));
+    (void)files::removeRegular(begun);
+    files::createNew(begun);
   } catch (const Error& error) {
     throw createFailure(error);
   }
   try {
-    Connection connection(path, session.options, session.clock);
-    // There is no earlier state to keep, and the first commit waits for the disk, these pages included.
-    connection.run("PRAGMA journal_mode=OFF; PRAGMA synchronous=OFF; BEGIN; PRAGMA application_id=" +
-                   std::to_string(applicationId) + "; CREATE TABLE " + Catalog::queryTable +
-                   " (Name TEXT COLLATE " + dialect::collation + " PRIMARY KEY, Sql TEXT NOT NULL); COMMIT");
-  } catch (const Error&) {
-    files::remove(given);
+    {
+      Connection connection(databasePath(begun), session.options, session.clock);
+      // There is no earlier state to keep, and the first commit waits for the disk, these pages included.
+      connection.run("PRAGMA journal_mode=OFF; PRAGMA synchronous=OFF; BEGIN; PRAGMA application_id=" +
+                     std::to_string(applicationId) + "; CREATE TABLE " + Catalog::queryTable +
+                     " (Name TEXT COLLATE " + dialect::collation +
+                     " PRIMARY KEY, Sql TEXT NOT NULL); COMMIT");
+    }
+    // That of a database of this name that somebody deleted must not be rolled back into this one.
+    (void)files::removeRegular(std::string(given) + "-journal");
+    files::rename(begun, given);
+  } catch (const Error& error) {
+    (void)files::removeRegular(begun);
+    if (error.number() == err::fileExists) throw createFailure(error);  // somebody was first
     throw;
   }
 }

@@ -10,10 +10,10 @@ struct Session;
 /// Full native path of a database file.
 [[nodiscard]] std::string databasePath(std::string_view path);
 
-/// Makes a new file of that full path a database without tables; none stays behind when that fails.
-/// 3204 when it exists, 3051 when the place does not allow it, 3026 when the disk is full.
-/// given: the path as the caller gave it, for the error.
-void createDatabaseFile(const std::string& path, std::string_view given, const Session& session);
+/// Makes a database without tables; there is the whole file or none, whatever stops it. 3204 when a file of
+/// that name exists, 3051 when the place does not allow it, 3026 when the disk is full.
+/// given: the path as the caller gave it.
+void createDatabaseFile(std::string_view given, const Session& session);
 
 /// Raises 3024 when the file is missing, 3051 when it cannot be read, 3343 when its first bytes are not those
 /// of a database of this engine. Only reads: nothing else may touch a file that is none of ours.

@@ -58,9 +58,8 @@ class SqliteEngine final : public DatabaseEngine {
 
   std::shared_ptr<Database> create(std::string_view path) override {
     return session_->guarded([&] {
-      const std::string full = databasePath(path);
-      createDatabaseFile(full, path, *session_);
-      return std::make_shared<SqliteDatabase>(session_, full);
+      createDatabaseFile(path, *session_);
+      return std::make_shared<SqliteDatabase>(session_, databasePath(path));
     });
   }
 
