@@ -2,7 +2,6 @@
 // command files and keeps the flags in hand-written SQLite.
 
 #include <cstdio>
-#include <fstream>
 #include <memory>
 
 #include "app/qdb.h"
@@ -19,7 +18,7 @@ constexpr const char* name = "weekly-download";
 constexpr int programs = 31;
 constexpr std::int16_t stations = 2;
 
-void fill(const Installation& installation) {
+void fill(Installation& installation) {
   Transaction transaction(installation.engine());
   Database& database = installation.db();
   database.execute("insert into Stations (Id, Name, Active) values (2, 'Annex', True)");
@@ -31,10 +30,7 @@ void fill(const Installation& installation) {
         number + ", 'Program " + number + "', 1, 1, 1, 1, 1, 1, 1, 1)");
   }
   transaction.commit();
-  // What the driver found when it asked the stations: three controllers that answer.
-  for (std::int16_t station = 1; station <= stations; ++station) {
-    std::ofstream("RS00" + std::to_string(station) + ".OUT") << "111XXXXXXXXXXXXX\r\n";
-  }
+  installation.driver().statuses = "111XXXXXXXXXXXXX";
 }
 
 /// The rival's download: flags set at once, then a file, two calls and a cleared flag for each program.

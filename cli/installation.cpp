@@ -19,6 +19,7 @@ namespace voxa::cli {
 namespace {
 
 constexpr const char* mainDatabase = "KRV.mdb";
+constexpr const char* messageStore = "I18N.MDB";
 
 Answer answerNamed(const std::string& name) {
   for (const Answer answer : {Answer::abort, Answer::retry, Answer::ignore, Answer::yes, Answer::no}) {
@@ -95,12 +96,28 @@ void Installation::fillCatalogue() {
   if (insertHostTexts(strings()) == 0) transaction.commit();
 }
 
+void Installation::removeBegun(const std::string& name) const {
+  if (!files::exists(name)) return;
+  try {
+    const auto database = engine_->open(name);
+    const bool begun = database->tableNames().empty();
+    database->close();
+    if (begun) files::remove(name);
+  } catch (const Error&) {
+    // Then it is something else, and whoever needs its place says so.
+  }
+}
+
 void Installation::create() {
   std::error_code failure;
-  std::filesystem::create_directories(callersFile(settings.folder), failure);
+  const std::filesystem::path made = callersFile(settings.folder);
+  if (std::filesystem::create_directories(made, failure)) {
+    std::filesystem::permissions(made, std::filesystem::perms::owner_all, failure);
+  }
   if (failure) throw Refusal("the folder " + settings.folder + " cannot be made: " + failure.message());
   enterFolder();
   lock_ = std::make_unique<InstallationLock>();
+  for (const char* name : {messageStore, Journal::dbName, mainDatabase}) removeBegun(name);
   if (files::exists(mainDatabase)) throw Refusal(folder_ + " holds an installation already");
   start();
   fillCatalogue();
@@ -108,11 +125,15 @@ void Installation::create() {
   com().IniFile = folder_ + "\\S001.ini";
   com().logFileName = folder_ + "\\COM.LOG";
   com().Chemin = folder_;
-  const bool journalKept = files::exists(Journal::dbName);
-  const bool failed =
-      qdb().createDB() != 0 || (journalKept ? qdb().Journal().openDB() : qdb().Journal().createDB()) != 0;
-  if (failed || prompts_.failuresShown() > 0)
+  const auto require = [this](bool done) {
+    if (done && prompts_.failuresShown() == 0) return;
     throw Refusal("the installation in " + folder_ + " is not complete");
+  };
+  Journal& journal = qdb().Journal();
+  require(files::exists(Journal::dbName) || journal.createDB() == 0);
+  if (journal.DB()) journal.DB()->close();  // an open one would be put aside for a new one
+  // The main database last, as what says that there is an installation: a killed 'init' can be repeated.
+  require(qdb().createDB() == 0 && journal.openDB() == 0);
 }
 
 void Installation::leave() {

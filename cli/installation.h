@@ -66,6 +66,8 @@ class Installation {
   void requireInstallation() const;
   void start();
   void fillCatalogue();
+  // A database without a table is what an 'init' that was killed had come to.
+  void removeBegun(const std::string& name) const;
 
   std::unique_ptr<InstallationLock> lock_;  // let go last
   std::string callersFolder_;

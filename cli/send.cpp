@@ -7,6 +7,7 @@
 #include "comm/com.h"
 #include "commands.h"
 #include "files/seq_file.h"
+#include "hidden_pins.h"
 #include "installation.h"
 #include "lookup.h"
 #include "platform/files.h"
@@ -27,6 +28,7 @@ void sendCommand(Installation& installation, const std::string& text, const Comp
 
 struct LogOptions {
   std::string tail;
+  bool showPins = false;
   bool json = false;
 };
 
@@ -41,7 +43,7 @@ void showLog(Installation& installation, const LogOptions& options) {
   if (files::exists(log.Name())) {
     log.fopen("r");
     while (!log.fEOF()) {
-      lines.push_back(log.flineInput());
+      lines.push_back(options.showPins ? log.flineInput() : withoutPin(log.flineInput()));
       if (lines.size() > most) lines.pop_front();
     }
     log.fclose();
@@ -71,6 +73,7 @@ void addSendCommands(CLI::App& app, Installation& installation) {
   auto* log = app.add_subcommand("log", "Show the communication log");
   auto options = std::make_shared<LogOptions>();
   log->add_option("--tail", options->tail, "Only so many lines at its end");
+  log->add_flag("--show-pins", options->showPins, "With the personal codes that were sent");
   log->add_flag("--json", options->json, "As a JSON array");
   log->footer("Example:\n  voxa log --tail 20");
   log->callback([&installation, options] { showLog(installation, *options); });

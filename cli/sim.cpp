@@ -7,6 +7,7 @@
 
 #include "commands.h"
 #include "held_programs.h"
+#include "hidden_pins.h"
 #include "installation.h"
 #include "lookup.h"
 #include "platform/text.h"
@@ -22,6 +23,7 @@ namespace {
 struct ControllerOptions {
   std::string station, address, speed;
   std::string type = "QSX3";
+  bool showPins = false;
   bool json = false;
 };
 
@@ -109,7 +111,8 @@ void showController(Installation& installation, site::Site& site, const Controll
   for (const auto& holiday : snapshot.holidays) holidays.add({holiday.slot, dateText(holiday)});
   TableOutput cards({"Number", "Code", "Weekly", "Doors", "Pin", "Supervisor", "Until", "Credit", "Lifts"});
   for (const auto& card : snapshot.cards) {
-    cards.add({card.number, card.code, valueOf(card.weekly), doorsText(card), card.pin, card.supervisor,
+    const std::string pin = options.showPins || card.pin.empty() ? card.pin : "****";
+    cards.add({card.number, card.code, valueOf(card.weekly), doorsText(card), pin, card.supervisor,
                card.validUntil
                    ? Value(dateText({0, card.validUntil->day, card.validUntil->month, card.validUntil->year}))
                    : Value(),
@@ -124,7 +127,8 @@ void showController(Installation& installation, site::Site& site, const Controll
   }
   TableOutput received({"Received", "Line", "Refused"});
   for (const auto& line : snapshot.received) {
-    received.add({momentText(line.at), line.text, line.reason.empty() ? Value() : Value(line.reason)});
+    const std::string text = options.showPins ? line.text : withoutPin(line.text);
+    received.add({momentText(line.at), text, line.reason.empty() ? Value() : Value(line.reason)});
   }
   const std::pair<const char*, const TableOutput*> tables[] = {
       {"Daily programs", &daily}, {"Weekly programs", &weekly}, {"Holidays", &holidays},
@@ -234,6 +238,7 @@ void addSimulatorCommands(CLI::App& app, Installation& installation) {
   auto* show = group->add_subcommand("show", "Show what a controller holds");
   auto shown = std::make_shared<ControllerOptions>();
   addPlaceOptions(*show, *shown);
+  show->add_flag("--show-pins", shown->showPins, "With the personal codes");
   show->add_flag("--json", shown->json, "As a JSON object");
   show->footer("Example:\n  voxa sim controller show --station Local --address 1");
   show->callback(

@@ -18,7 +18,11 @@ struct Cell {
 Cell shown(const Value& value) {
   if (value.isNull()) return {"-"};
   if (const auto* flag = std::get_if<bool>(&value.data())) return {*flag ? "yes" : "no"};
-  return {value.toText(), !value.isText() && !std::holds_alternative<DateTime>(value.data())};
+  std::string text = value.toText();
+  // What a terminal would take for a command: no text of this installation has any, somebody else's might.
+  std::replace_if(
+      text.begin(), text.end(), [](unsigned char c) { return c < ' ' || c == 0x7F; }, '?');
+  return {std::move(text), !value.isText() && !std::holds_alternative<DateTime>(value.data())};
 }
 
 nlohmann::ordered_json toJson(const Value& value) {

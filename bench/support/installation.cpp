@@ -24,6 +24,15 @@ std::string makeFolder(const std::string& parent) {
 
 }  // namespace
 
+std::int16_t IdleDriver::call(ComCommandsEnum command, std::int16_t station, std::int16_t controller) {
+  if (onCall) onCall(command, station, controller);
+  if (command == CmReadDate && controller == 0) {
+    const std::string number = std::to_string(1000 + station).substr(1);
+    std::ofstream("RS" + number + ".OUT", std::ios::binary) << statuses << "\r\n";
+  }
+  return 100;
+}
+
 Installation::Installation()
     : previousFolder_(std::filesystem::current_path().string()),
       folder_(makeFolder(previousFolder_)),
@@ -84,8 +93,7 @@ void Installation::addReaders() {
                  std::to_string(n % positions + 1) + ")");
   }
   transaction.commit();
-  // What the driver found when it asked the station.
-  std::ofstream(folder_ + "/RS001.OUT") << std::string(controllers, '1') << "\r\n";
+  driver_.statuses.assign(controllers, '1');
 }
 
 std::string Installation::copyDatabase() const {

@@ -16,13 +16,12 @@ namespace voxa::bench {
 /// A driver that does nothing, unless a benchmark gives it something to do, and says that it succeeded.
 class IdleDriver : public Driver {
  public:
-  std::int16_t call(ComCommandsEnum command, std::int16_t station, std::int16_t controller) override {
-    if (onCall) onCall(command, station, controller);
-    return 100;
-  }
+  std::int16_t call(ComCommandsEnum command, std::int16_t station, std::int16_t controller) override;
   [[nodiscard]] int lastError() const override { return 0; }
 
   std::function<void(ComCommandsEnum, std::int16_t station, std::int16_t controller)> onCall;
+  /// The status line of what it finds when it is asked for the dates of a station.
+  std::string statuses = "XXXXXXXXXXXXXXXX";
 };
 
 /// An installation in a folder of its own below the current one, which is the current one as long as the

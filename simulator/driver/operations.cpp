@@ -8,6 +8,7 @@
 #include "driver/result_file.h"
 #include "site/failure.h"
 #include "site/memory.h"
+#include "site/private_file.h"
 #include "site/results.h"
 
 namespace driver {
@@ -25,6 +26,7 @@ std::int16_t send(site::Storage& storage, int station, int address, const Line::
 }
 
 void writeDump(const std::string& dump) {
+  site::makePrivate(dumpFile);
   std::ofstream stream(dumpFile, std::ios::binary | std::ios::trunc);
   stream << dump;
   stream.close();

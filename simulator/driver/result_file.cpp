@@ -6,6 +6,7 @@
 
 #include "driver/ini.h"
 #include "site/failure.h"
+#include "site/private_file.h"
 #include "site/results.h"
 
 namespace driver {
@@ -49,6 +50,7 @@ void ResultFile::failed(int address, std::int16_t result) {
 void ResultFile::write(int station) const {
   const std::filesystem::path name = stationFile("RS", station, ".OUT");
   const std::filesystem::path whole = stationFile("RS", station, ".TMP");
+  site::makePrivate(whole);
   std::ofstream stream(whole, std::ios::binary | std::ios::trunc);
   stream << statuses_ << "\r\n" << dates_;
   stream.close();

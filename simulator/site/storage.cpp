@@ -2,10 +2,10 @@
 
 #include <sqlite3.h>
 
-#include <fstream>
 #include <system_error>
 
 #include "site/failure.h"
+#include "site/private_file.h"
 
 namespace site {
 
@@ -78,11 +78,7 @@ bool Row::isNull(int column) const {
 Storage::Storage(const std::filesystem::path& file) : name_(file.string()) {
   // The file is made private while it is still empty; what SQLite puts beside it takes over its permissions.
   std::error_code error;
-  if (std::filesystem::file_size(file, error) == 0 || error) {
-    std::ofstream(file, std::ios::app);
-    std::filesystem::permissions(
-        file, std::filesystem::perms::owner_read | std::filesystem::perms::owner_write, error);
-  }
+  if (std::filesystem::file_size(file, error) == 0 || error) makePrivate(file);
   const std::u8string utf8 = file.u8string();
   open(reinterpret_cast<const char*>(utf8.c_str()));
 }

@@ -184,8 +184,7 @@ std::int16_t Com::ResetRSOUT(std::int16_t StationID, std::int16_t ControllerAddr
   if (ControllerAddr != CmToEachController && ControllerAddr != CmToAllControllers) {
     return Send(CmReadDate, StationID, ControllerAddr, true);
   }
-  const std::string resultFile = resultFileName(StationID);
-  if (files::exists(resultFile)) files::remove(resultFile);
+  removeResultFile(StationID);
   return Send(CmReadDate, StationID, CmToEachController, true);
 }
 

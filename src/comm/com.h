@@ -53,7 +53,8 @@ class Com {
   /// Asks whether to abort when controllers of the component are marked as not answering; true: abort.
   bool MsgChooseAbort(ComponentType compType = CTActiveStations, const std::string& compName = "");
   /// Reads the dates of a station's controllers, of all active stations when none is given, and writes what
-  /// answered into ComStatus. controllerID changes nothing: a station is read as a whole.
+  /// answered into ComStatus. Only what the driver leaves during the read counts: the result file of an
+  /// earlier one is deleted first. controllerID changes nothing: a station is read as a whole.
   void UpdateComStatus(std::optional<std::int16_t> StationID = {},
                        std::optional<std::int16_t> controllerID = {});
   void updateDBComStatus(std::int16_t StationID, std::int16_t controllerID, std::int16_t Status,
@@ -97,6 +98,7 @@ class Com {
   void storeStation(std::int16_t station, const StationResult& result);
   [[nodiscard]] std::vector<Target> notAnswering(ComponentType compType, const std::string& compName);
   [[nodiscard]] std::string resultFileName(std::int16_t station) const;
+  void removeResultFile(std::int16_t station) const;  // if there is one
   [[nodiscard]] std::shared_ptr<Database> database();
   /// One event into the log, on disk when this returns: a driver that never comes back is in it, and calls
   /// within a call keep their order. withCommands: followed by the command file; last: by an empty line.

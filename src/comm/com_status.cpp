@@ -42,6 +42,11 @@ std::string Com::resultFileName(std::int16_t station) const {
   return Chemin + "\\RS" + zeroPadded(station, 3) + ".OUT";
 }
 
+void Com::removeResultFile(std::int16_t station) const {
+  const std::string resultFile = resultFileName(station);
+  if (files::exists(resultFile)) files::remove(resultFile);
+}
+
 bool Com::TestSend(std::int16_t StationID, std::int16_t controllerID) {
   std::string query = "select * From ComStatus where StationID =" + std::to_string(StationID);
   if (controllerID != CmToEachController) query += " and CtrAddr = " + std::to_string(controllerID);
@@ -86,8 +91,9 @@ void Com::UpdateComStatus(std::optional<std::int16_t> StationID,
 
 void Com::updateStation(std::int16_t station) {
   library_.QDB().Stations().createIniFile(station);
+  if (!inhibitCom) removeResultFile(station);  // that of an earlier read would pass for the answer
   const std::int16_t result = Send(CmReadDate, station, CmToEachController);
-  // After a read that failed as a whole, and has said so, the file is that of an earlier one.
+  // A read that failed as a whole, and has said so, tells nothing about single controllers.
   if (result != 0 && result != perController) return;
   const std::string resultFile = resultFileName(station);
   if (inhibitCom && !files::exists(resultFile)) return;  // nobody was ever asked

@@ -1,5 +1,7 @@
 #include "comm/station.h"
 
+#include <algorithm>
+
 #include "comm/com.h"
 #include "files/command_file.h"
 #include "files/seq_file.h"
@@ -30,8 +32,24 @@ FailureMessage cantFind(const char* method, const Value& what) {
   return {"msgCantFindStation", method, what};
 }
 
-std::string text(const Value& value) {
-  return value.isNull() ? "" : value.toText();
+/// A text for a line of the ini file. A line break in it would begin a line that tells the driver something
+/// else, such as what file to send.
+std::string iniText(const Value& value) {
+  const std::string text = value.isNull() ? "" : value.toText();
+  if (std::any_of(text.begin(), text.end(), [](unsigned char c) { return c < ' ' || c == 0x7F; })) {
+    throw Error(err::invalidArgument, "Invalid argument: a control character in a station's texts");
+  }
+  return text;
+}
+
+/// The name of a file that the driver opens: one of the working folder, wherever the database came from.
+std::string fileOfFolder(const Value& value) {
+  std::string name = iniText(value);
+  if (name.find_first_of("/\\:") != std::string::npos || name == "..") {
+    throw Error(err::invalidArgument,
+                "Invalid argument: the modem's ini file is a file of the working folder, not " + name);
+  }
+  return name;
 }
 
 }  // namespace
@@ -128,30 +146,38 @@ std::string Station::GetCompar(std::int16_t Id, std::int16_t ControllerAddr) {
   return parameters;
 }
 
+std::vector<std::string> Station::iniLines(const Recordset& row, std::int16_t timeOutDelay,
+                                           std::int32_t Speed) {
+  std::vector<std::string> lines = {
+      "NAM:" + iniText(row.get("Name")), "COM:" + std::to_string(row.get("ComPort").toInt32() + 1),
+      "BDR:" + (Speed != 0 ? std::to_string(Speed) : row.get("ComSpeed").toText())};
+  if (const std::string phone = iniText(row.get("Phone")); !phone.empty()) lines.push_back("TEL:" + phone);
+  if (const std::string modem = fileOfFolder(row.get("ModemIniFile")); !modem.empty()) {
+    lines.push_back("MDM:" + modem);
+  }
+  lines.push_back("CFL:" + library_.CommandFile().fileName());
+  lines.push_back("OUT:" +
+                  (timeOutDelay != 0 ? std::to_string(timeOutDelay) : row.get("TimeoutDelay").toText()));
+  lines.push_back("TMP:" + row.get("WaitingDelay").toText());
+  lines.emplace_back("OPT:2");
+  if (const std::string controllers = getControllerList(row.get("Id").toInt16()); !controllers.empty()) {
+    lines.push_back("TER:" + controllers);
+  }
+  return lines;
+}
+
 std::int16_t Station::createIniFile(std::int16_t Id, std::int16_t timeOutDelay, std::int32_t Speed) {
+  const bool found = !gen_.openWhere("Id = " + std::to_string(Id));
+  std::vector<std::string> lines;
+  if (found) lines = iniLines(*gen_.currentRecordset(), timeOutDelay, Speed);
   SeqFile file(library_);
   file.Name("S" + zeroPadded(Id, 3) + ".ini");
   file.fopen("w");
-  if (gen_.openWhere("Id = " + std::to_string(Id))) {
-    library_.report(cantFind("Station.createIniFile", Id));
-    file.fclose();
-    return -1;
-  }
-  const Recordset& row = *gen_.currentRecordset();
-  file.fprint("NAM:" + text(row.get("Name")));
-  file.fprint("COM:" + std::to_string(row.get("ComPort").toInt32() + 1));
-  file.fprint("BDR:" + (Speed != 0 ? std::to_string(Speed) : row.get("ComSpeed").toText()));
-  if (const std::string phone = text(row.get("Phone")); !phone.empty()) file.fprint("TEL:" + phone);
-  if (const std::string modem = text(row.get("ModemIniFile")); !modem.empty()) file.fprint("MDM:" + modem);
-  file.fprint("CFL:" + library_.CommandFile().fileName());
-  file.fprint("OUT:" + (timeOutDelay != 0 ? std::to_string(timeOutDelay) : row.get("TimeoutDelay").toText()));
-  file.fprint("TMP:" + row.get("WaitingDelay").toText());
-  file.fprint("OPT:2");
-  if (const std::string controllers = getControllerList(Id); !controllers.empty()) {
-    file.fprint("TER:" + controllers);
-  }
+  for (const std::string& line : lines) file.fprint(line);
   file.fclose();
-  return 0;
+  if (found) return 0;
+  library_.report(cantFind("Station.createIniFile", Id));
+  return -1;
 }
 
 std::string Station::getControllerList(std::int16_t Id) {

@@ -141,11 +141,9 @@ void createNew(std::string_view path) {
 }
 
 void makeFolder(std::string_view path) {
-  const std::string found = native(path);
-  std::error_code error;
-  if (fs::create_directory(asPath(found), error)) return;
-  if (!error || errnoOf(error) == EEXIST) throw fileError(EISDIR, std::string(path));
-  throw creationError(errnoOf(error), path);
+  const int error = createFolder(native(path));
+  if (error == EEXIST) throw fileError(EISDIR, std::string(path));
+  if (error != 0) throw creationError(error, path);
 }
 
 std::vector<std::string> list(std::string_view folder) {

@@ -32,7 +32,8 @@ void copy(std::string_view from, std::string_view to);
 /// Creates an empty file that only its owner can read or write; 58 when it exists, 76 when its folder does
 /// not.
 void createNew(std::string_view path);
-void makeFolder(std::string_view path);  ///< one folder; 75 when it exists, 76 when its parent does not
+/// One folder that only its owner can use; 75 when it exists, 76 when its parent does not.
+void makeFolder(std::string_view path);
 /// Names of the regular files in a folder, sorted; 76 when there is no such folder.
 [[nodiscard]] std::vector<std::string> list(std::string_view folder);
 [[nodiscard]] std::string currentFolder();  ///< absolute, native separators, without a trailing one

@@ -13,6 +13,8 @@ enum class Open { read, write, append, createNew };
 /// Opens a file for bytes as they are, not inherited by other programs; a file that is created belongs to
 /// its owner alone. nullptr on failure, with the reason in `error`. Folders fail with EISDIR.
 [[nodiscard]] std::FILE* openFile(const std::string& path, Open how, int& error);
+/// Creates a folder that belongs to its owner alone; EEXIST when there is something of that name.
+[[nodiscard]] int createFolder(const std::string& path);
 /// Writes what the C library still holds, and waits until the device has it.
 [[nodiscard]] int flushToDevice(std::FILE* file);
 /// Renames in one step; EEXIST when `to` exists, EXDEV when it is on another file system.

@@ -102,6 +102,10 @@ std::FILE* openFile(const std::string& path, Open how, int& error) {
   return file;
 }
 
+int createFolder(const std::string& path) {
+  return ::mkdir(path.c_str(), S_IRWXU) != 0 ? errno : 0;
+}
+
 int flushToDevice(std::FILE* file) {
   return std::fflush(file) != 0 || ::fsync(::fileno(file)) != 0 ? errno : 0;
 }

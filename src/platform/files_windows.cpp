@@ -1,3 +1,4 @@
+#include <direct.h>
 #include <fcntl.h>
 #include <io.h>
 #include <share.h>
@@ -72,6 +73,10 @@ std::FILE* openFile(const std::string& path, Open how, int& error) {
     ::_close(descriptor);
   }
   return file;
+}
+
+int createFolder(const std::string& path) {
+  return ::_wmkdir(wide(path).c_str()) != 0 ? errno : 0;
 }
 
 int flushToDevice(std::FILE* file) {

@@ -174,7 +174,7 @@ succeeds daily list
 plant=doors
 # holds NUMBERS STATION ADDRESS: the cards that a controller has, each followed by a blank.
 holds() {
-  voxa sim controller show --station "$2" --address "$3" >out 2>err
+  voxa sim controller show --station "$2" --address "$3" --show-pins >out 2>err
   local held
   held=$(awk '/^Cards$/ { getline; on = 1; next } /^$/ { on = 0 } on { printf "%s ", $1 }' out)
   [ "$held" = "$1" ] || fail "$2 $3 holds '$held' instead of '$1'"

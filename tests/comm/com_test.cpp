@@ -260,18 +260,18 @@ TEST_F(ComTest, TheStatusTableHoldsWhatTheResultFilesSay) {
       {"1\r\n    1   17302412", "1.1=1" + none},  // and in a date line
       {"1\r\n    1   9999999999\r\n    1   0130290224\r\n    1   0000010101", "1.1=1@29/02/2024 01:30:00 "},
       {"\x01\x02\xff\r\n\r\n", ""},
+      {"\351\3771\r\n\351   00030130290224", "1.3=1@29/02/2024 01:30:00 "},  // one place each
       {"", ""}};
   for (const auto& [file, rows] : files) {
     db().execute("delete from ComStatus");
-    write("RS001.OUT", file);
+    driver.resultFiles[1] = file;
     com.UpdateComStatus(std::int16_t{1});
     EXPECT_EQ(table(), rows) << file;
   }
   calls();
   status(9, 1, 1);
   status(1, 5, 1);
-  write("RS001.OUT", "XX1");
-  write("RS007.OUT", "2");
+  driver.resultFiles = {{1, "XX1"}, {7, "2"}};
   driver.answer = [](const auto& call) { return call.station == 7 ? 4 : 100; };
   com.UpdateComStatus(std::int16_t{1});  // adds to the station's rows
   EXPECT_EQ(query("select count(*) from ComStatus"), "3");
@@ -279,15 +279,21 @@ TEST_F(ComTest, TheStatusTableHoldsWhatTheResultFilesSay) {
   EXPECT_EQ(calls(), "0:1,0 0:1,0 0:7,0");
   EXPECT_EQ(table(), "1.3=1" + none + "7.1=-1" + none);
   errors();
-  // A read that failed as a whole leaves the status alone: the result file is that of an earlier read.
-  write("RS007.OUT", "1");
+  // A read that failed as a whole leaves the status alone, and nobody takes an earlier read's file for its.
+  driver.resultFiles[7] = "1";
   answerAll(101);
   EXPECT_FALSE(com.TestCom(CTStation, "Annex"));
   EXPECT_EQ(errors(), "|<msgError> 101: ");
-  // One that succeeded has left a file, unless communications are inhibited.
-  std::filesystem::remove("RS007.OUT");
+  driver.resultFiles.clear();
+  EXPECT_FALSE(com.TestCom(CTStation, "Annex"));
+  EXPECT_FALSE(std::filesystem::exists("RS007.OUT"));
+  errors();
+  // One that succeeded has left a file. While communications are inhibited, the last one stands.
   com.inhibitCom = true;
   com.UpdateComStatus(std::int16_t{7});
+  write("RS007.OUT", "X2");
+  com.UpdateComStatus(std::int16_t{7});
+  EXPECT_EQ(query("select Status from ComStatus where StationID = 7 and CtrAddr = 2"), "-1");
   EXPECT_EQ(boxes(), Lines{});
   com.inhibitCom = false;
   answerAll(100);
@@ -298,8 +304,7 @@ TEST_F(ComTest, TheStatusTableHoldsWhatTheResultFilesSay) {
 }
 
 TEST_F(ComTest, ComponentsAreTestedAndAskedAbout) {
-  write("RS001.OUT", "XX1");
-  write("RS007.OUT", "1121");
+  driver.resultFiles = {{1, "XX1"}, {7, "1121"}};
   const struct {
     ComponentType type;
     const char* name;
@@ -332,7 +337,7 @@ TEST_F(ComTest, ComponentsAreTestedAndAskedAbout) {
   prompts.answers = {Answer::retry, Answer::retry};
   int asked = 0;
   driver.answer = [&](const auto&) {
-    if (++asked == 3) write("RS007.OUT", "1111");
+    if (++asked == 3) driver.resultFiles[7] = "1111";
     return 100;
   };
   EXPECT_FALSE(com.MsgChooseAbort());
@@ -340,7 +345,7 @@ TEST_F(ComTest, ComponentsAreTestedAndAskedAbout) {
   EXPECT_EQ(asked, 4);
 
   // A person who aborted is asked again.
-  write("RS007.OUT", "2");
+  driver.resultFiles[7] = "2";
   bool tested = false;
   prompts.answers = {Answer::abort, Answer::ignore};
   EXPECT_FALSE(com.readyToSend(CTStation, "Annex", &tested));

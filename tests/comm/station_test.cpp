@@ -118,6 +118,16 @@ TEST_F(StationTest, TheIniFileAndTheSpeedsOfALine) {
   EXPECT_EQ(stations.createIniFile(12, 3000, 9600), 0);
   EXPECT_EQ(oneLine(textOf("S012.ini")),
             "NAM:Far|COM:3|BDR:9600|TEL:0123|MDM:m.ini|CFL:COMMAND.TXT|OUT:3000|TMP:100|OPT:2|");
+  // A row that would tell the driver more than a station, as somebody else's database may hold it.
+  const std::string before = textOf("S012.ini");
+  for (const char* row :
+       {"Name = 'Far\r\nCFL:/etc/passwd'", "Phone = '1\nTER:1'", "ModemIniFile = '/etc/m.ini'",
+        "ModemIniFile = '..\\m.ini'", "ModemIniFile = 'c:m.ini'", "ModemIniFile = '..'"}) {
+    Transaction transaction(*engine);
+    db().execute(std::string("update Stations set ") + row + " where Id = 12");
+    EXPECT_THROW(stations.createIniFile(12), Error) << row;
+    EXPECT_EQ(textOf("S012.ini"), before) << row;
+  }
 
   // A new speed is broadcast at every other one.
   const struct {

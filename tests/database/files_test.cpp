@@ -110,5 +110,16 @@ TEST_F(DatabaseFiles, OpeningTwiceKeepsTheLocksOfTheFirst) {
   engine->commit();
 }
 
+TEST_F(DatabaseFiles, ThatDoMoreThanTheirStatementsAreNoneOfOurs) {
+  createTables();
+  db->close();
+  sqlite3* raw = nullptr;
+  ASSERT_EQ(sqlite3_open(file.c_str(), &raw), SQLITE_OK);
+  const char* trigger = "create trigger t after update on Stations begin delete from Stations; end";
+  ASSERT_EQ(sqlite3_exec(raw, trigger, nullptr, nullptr, nullptr), SQLITE_OK);
+  ASSERT_EQ(sqlite3_close(raw), SQLITE_OK);
+  EXPECT_EQ(openFailure(file), err::dbNotADatabase);
+}
+
 }  // namespace
 }  // namespace voxa

@@ -64,5 +64,25 @@ TEST(DriverTest, TheEnvironmentNamesTheOnlyPlace) {
   EXPECT_EQ(driver.call(CmReadDate, 1, 2), 102);
 }
 
+TEST(DriverTest, AWorkingFolderThatOthersCanWriteGivesNoLibrary) {
+  const TemporaryFolder folder;
+  const auto program = std::filesystem::read_symlink("/proc/self/exe").parent_path();
+  const std::string path = folder / "libWorkingFolder.so";
+  std::filesystem::copy_file(program / "libTwoExports.so", path);
+  const auto before = std::filesystem::current_path();
+  std::filesystem::current_path(folder.path());
+  LibraryDriver driver("WorkingFolder");
+  for (const std::string& open : {path, folder.path()}) {
+    const auto rights = std::filesystem::status(open).permissions();
+    std::filesystem::permissions(open, std::filesystem::perms::others_write,
+                                 std::filesystem::perm_options::add);
+    EXPECT_NE(failure(driver, CmReadDate, err::fileNotFound).find("others can write"), std::string::npos)
+        << open;
+    std::filesystem::permissions(open, rights);
+  }
+  EXPECT_EQ(driver.call(CmReadDate, 1, 2), 102);
+  std::filesystem::current_path(before);
+}
+
 }  // namespace
 }  // namespace voxa

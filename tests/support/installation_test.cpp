@@ -31,9 +31,12 @@ std::int16_t RecordingDriver::call(ComCommandsEnum command, std::int16_t station
   calls.push_back(
       {command, stationId, controllerAddr, command == CmSendCommand ? contents("COMMAND.TXT") : ""});
   const std::int16_t result = answer(calls.back());
-  if (command == CmReadDate && controllerAddr == 0 && result == 100 && resultFile) {
-    std::string number = std::to_string(1000 + stationId).substr(1);
-    std::ofstream("RS" + number + ".OUT", std::ios::binary) << *resultFile << "\r\n";
+  if (command != CmReadDate || controllerAddr != 0) return result;
+  const std::string name = "RS" + std::to_string(1000 + stationId).substr(1) + ".OUT";
+  if (const auto own = resultFiles.find(stationId); own != resultFiles.end()) {
+    std::ofstream(name, std::ios::binary) << own->second;
+  } else if (result == 100 && resultFile) {
+    std::ofstream(name, std::ios::binary) << *resultFile << "\r\n";
   }
   return result;
 }

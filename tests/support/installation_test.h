@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -42,6 +43,8 @@ class RecordingDriver : public Driver {
   int systemError = 0;
   /// What a successful read of a whole station's dates leaves in its result file; none: no file.
   std::optional<std::string> resultFile = "XXXXXXXXXXXXXXXX";
+  /// What any read of a station's dates leaves in its result file, byte by byte, before that.
+  std::map<std::int16_t, std::string> resultFiles;
 };
 
 /// A clock that stands still until a wait moves it.

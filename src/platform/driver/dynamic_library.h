@@ -17,8 +17,9 @@ class DynamicLibrary {
     int lastError = 0;  ///< the operating system's last-error value behind the call, 0 when it set none
   };
 
-  /// Loads the library. `err::fileNotFound` when there is none, saying where it was looked for, or when it
-  /// would not load, with the loader's own message.
+  /// Loads the library. `err::fileNotFound` when there is none, saying where it was looked for, when it would
+  /// not load, with the loader's own message, or, on Linux, when the one in the working folder is another
+  /// user's or can be written by others.
   explicit DynamicLibrary(const std::string& name);
 
   /// The export of that name, or nullptr.

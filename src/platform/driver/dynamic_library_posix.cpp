@@ -1,4 +1,6 @@
 #include <dlfcn.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <cstdlib>
@@ -25,6 +27,16 @@ void* load(const std::string& path) {
 std::string loaderMessage() {
   const char* message = ::dlerror();
   return message == nullptr ? "unknown error" : message;
+}
+
+/// Whether only this user and the administrator can have put the file there. Asked of the working folder,
+/// which may be anybody's: what is loaded runs with this user's rights.
+bool isOwn(const fs::path& path) {
+  struct stat info {};
+  if (::stat(path.c_str(), &info) != 0) return false;
+  const bool ours = info.st_uid == 0 || info.st_uid == ::geteuid();
+  // In a folder with the sticky bit nobody can replace the files of others.
+  return ours && ((info.st_mode & S_IWOTH) == 0 || (S_ISDIR(info.st_mode) && (info.st_mode & S_ISVTX) != 0));
 }
 
 /// Calls with errno cleared, and keeps what it was set to.
@@ -57,6 +69,9 @@ DynamicLibrary::DynamicLibrary(const std::string& name) {
     for (const std::string& fileName : fileNames) {
       const fs::path path = folder / fileName;
       if (!fs::is_regular_file(path, ignored)) continue;
+      if (folder != programFolder && !(isOwn(path) && isOwn(folder))) {
+        failLoad(name, path.string() + " is somebody else's, or others can write it or its folder");
+      }
       handle_ = load(path);
       if (handle_ == nullptr) failLoad(name, loaderMessage());
       return;

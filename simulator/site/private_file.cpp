@@ -1,0 +1,14 @@
+#include "site/private_file.h"
+
+#include <fstream>
+
+namespace site {
+
+void makePrivate(const std::filesystem::path& file) {
+  using std::filesystem::perms;
+  std::ofstream(file, std::ios::app);
+  std::error_code noSuchRights;
+  std::filesystem::permissions(file, perms::owner_read | perms::owner_write, noSuchRights);
+}
+
+}  // namespace site

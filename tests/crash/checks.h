@@ -1,0 +1,32 @@
+#pragma once
+
+#include <filesystem>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace voxa::crash {
+
+class Plant;
+
+/// What is wrong, in words; what is not wrong but to be known, counted.
+struct Findings {
+  std::vector<std::string> wrong;
+  std::map<std::string, int> seen;
+};
+
+/// Rows of the journal, and of a copy it was saved to, by their data. None without a journal.
+[[nodiscard]] std::map<std::string, int> journalRows(const std::filesystem::path& folder);
+/// Data of the transactions in the memories of the controllers.
+[[nodiscard]] std::vector<std::string> onControllers(const std::filesystem::path& site);
+
+/// Looks at an installation in which an operation was attempted `runs` times since Plant::remember:
+/// - every database opens and is whole by its engine's own word, relations included;
+/// - each recorded transaction is in the journal or on its controller; a row comes once an attempt at most,
+/// and
+///   only while its controller had not cleared it;
+/// - a block of cards is there with all its cards or with none;
+/// - what is not marked to be sent is on every controller as its row says.
+void check(const Plant& plant, int runs, Findings& findings);
+
+}  // namespace voxa::crash
