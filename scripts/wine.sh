@@ -54,7 +54,7 @@ wine_prepare() {
       printf 'Wine builtin DLL\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0'
       tail -c +97 "$from"
     } >"$wine_root/usr/lib/i386-linux-gnu/wine/i386-windows/zlib1.dll"
-    mkdir -p "$wine_root"/{proc,dev,tmp,root,voxa}
+    mkdir -p "$wine_root"/{proc,dev,tmp,root,build}
     touch "$wine_root/ready"
   fi
   _wine_runs || _wine_emulator
@@ -63,7 +63,7 @@ wine_prepare() {
     return 1
   }
   if [ ! -e "$wine_root/root/.wine/system.reg" ]; then
-    wine_run "$wine_root/voxa" wineboot --init 2>/dev/null
+    wine_run "$PWD/build" wineboot --init 2>/dev/null
     wine_stop
   fi
 }
@@ -73,17 +73,17 @@ wine_stop() {
   chroot "$wine_root" env -i HOME=/root /usr/lib/wine/wineserver32 -k || true
 }
 
-# Runs a Windows program in the root: wine_run FOLDER PROGRAM ARGUMENT... FOLDER is the current folder of the
-# program, where it is Z:\voxa.
+# Runs a Windows program in the root: wine_run FOLDER PROGRAM ARGUMENT... FOLDER, below build, is the current
+# folder of the program. All of build is Z:\build: Wine's server lives on and knows the first run's places only.
 wine_run() {
-  local folder=$1
+  local folder=${1#"$PWD/build"}
   shift
   unshare --mount --propagation private sh -euc '
-    root=$1; folder=$2; shift 2
+    root=$1; build=$2; folder=$3; shift 3
     mount --bind /dev "$root/dev"
     mount -t proc proc "$root/proc"
-    [ "$folder" = "$root/voxa" ] || mount --bind "$folder" "$root/voxa"
+    mount --bind "$build" "$root/build"
     exec chroot "$root" env -i HOME=/root WINEARCH=win32 WINEDEBUG=-all VOXA_PROMPTS=console LC_ALL=C.UTF-8 \
-      sh -c "cd /voxa && exec /usr/lib/wine/wine \"\$@\"" sh "$@"
-  ' sh "$wine_root" "$folder" "$@"
+      sh -c "cd \"/build/\$1\" && shift && exec /usr/lib/wine/wine \"\$@\"" sh "$folder" "$@"
+  ' sh "$wine_root" "$PWD/build" "$folder" "$@"
 }

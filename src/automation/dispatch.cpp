@@ -151,6 +151,7 @@ HRESULT invoke(IDispatch* object, const TypeInformation& type, DISPID member, WO
   HRESULT outcome = typed.convert(*arguments, *found, badArgument);
   if (FAILED(outcome)) return outcome;
   outcome = type.info->Invoke(object, member, flags, typed.params(), result, exception, badArgument);
+  if (outcome == E_NOINTERFACE) return DISP_E_TYPEMISMATCH;  // an object of another kind
   if (FAILED(outcome)) return outcome;
   return typed.writeBack();
 }

@@ -114,6 +114,12 @@ class JournalObject final : public TableObject<JournalObject, ::IJournal, &QDB::
   STDMETHODIMP getLastCardCode(BSTR readerName, BSTR* code) override {
     return give(code, [&] { return table().getLastCardCode(fromBstr(readerName)); });
   }
+  STDMETHODIMP openDB(short* status) override {
+    return give(status, [] { return table().openDB(); });
+  }
+  STDMETHODIMP createDB(short* status) override {
+    return give(status, [] { return table().createDB(); });
+  }
 };
 
 }  // namespace

@@ -50,7 +50,8 @@ bool isErrorObject(IDispatch& object) {
 DisplayArgument displayArgument(const VARIANT& argument) {
   if (isMissing(argument)) return {};
   OwnVariant own;
-  if (SUCCEEDED(::VariantCopyInd(&own, const_cast<VARIANT*>(&argument))) && own->vt == VT_DISPATCH && own->pdispVal != nullptr) {
+  if (SUCCEEDED(::VariantCopyInd(&own, const_cast<VARIANT*>(&argument))) && own->vt == VT_DISPATCH &&
+      own->pdispVal != nullptr) {
     IDispatch& object = *own->pdispVal;
     if (isErrorObject(object)) {
       return ErrorInfo{property(object, L"Number").toInt32(), property(object, L"Description").toText()};

@@ -1,0 +1,52 @@
+#!/usr/bin/env bash
+# Drives VOXA.dll from real 32-bit clients under Wine: the scripts beside this file by the script host, and
+# the early-bound client. Needs root, the Windows build in build/windows-x86 and the Wine of scripts/wine.sh.
+# Usage: run.sh [NAME...]; all of them without a name.
+set -euo pipefail
+cd "$(dirname "$0")/../.."
+. scripts/wine.sh
+wine_prepare
+trap wine_stop EXIT
+build=build/windows-x86
+work=$PWD/build/automation
+failures=0
+
+# A folder with the binaries and nothing else.
+new_folder() {
+  rm -rf "${work:?}/$1"
+  mkdir -p "$work/$1"
+  cp "$build"/{VOXA.dll,TLXP32.dll,voxa.exe,client.exe} "$work/$1"
+}
+
+# A client has passed when its last line says so: the script host ends with 0 after an error, too.
+passes() {
+  local name=$1
+  shift
+  wine_run "$work/$name" "$@" >"$work/$name/out.txt" 2>"$work/$name/err.txt" || true
+  if [ "$(tail -n 1 "$work/$name/out.txt" | tr -d '\r')" = passed ]; then
+    echo "Automation: $name passed"
+  else
+    echo "Automation: $name FAILED"
+    cat "$work/$name/out.txt" "$work/$name/err.txt"
+    failures=$((failures + 1))
+  fi
+}
+
+run() {
+  local name=$1
+  new_folder "$name"
+  wine_run "$work/$name" regsvr32 /s VOXA.dll
+  case $name in
+    client) passes client client.exe ;;
+    *)
+      cat tests/automation/{check,installation,"$name"}.vbs >"$work/$name/$name.vbs"
+      passes "$name" cscript //nologo "$name.vbs"
+      ;;
+  esac
+}
+
+names=("$@")
+[ ${#names[@]} -gt 0 ] || names=(story values client)
+for name in "${names[@]}"; do run "$name"; done
+wine_run "$work/$name" regsvr32 /u /s VOXA.dll
+exit "$((failures > 0))"

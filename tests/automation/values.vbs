@@ -1,0 +1,141 @@
+' Arguments, results and errors as scripts give and get them.
+Dim com: Set com = glob.Com
+Dim rows, item
+
+' Properties, in any type that converts; one place for all who ask.
+com.CheckDelay = "12"
+Equal "CheckDelay", CreateObject("KORVA.Glob").Com.CheckDelay, 12
+IsTrue "two objects, one container", CreateObject("KORVA.Glob").QDB Is qdb
+IsTrue "created by its own name", CreateObject("KORVA.QDB") Is qdb
+IsTrue "two names of one table object", qdb.Stations Is CreateObject("KORVA.Station")
+Equal "AppDB as it was given", com.AppDB, here & "\KRV.mdb"
+
+' Results by reference: into variables of any kind, not into values.
+Dim id, address: id = Empty: address = "7"
+db.Execute "insert into Readers (Id, Name, StationId, ControllerAddress, [Position]) values (3, 'North', 1, 5, 2)"
+Equal "found", qdb.Readers.getControllerAddr("North", id, address), 0
+Equal "station", id, 1
+Equal "address", address, 5
+Equal "type of the result", VarType(address), 2
+Equal "by number", qdb.Readers.getControllerAddrID(3, (id), (address)), 0
+Equal "not found", qdb.Readers.getControllerAddr("South", id, address), -1
+Dim active
+Equal "optional by reference", qdb.Stations.getId(qdb.Stations.getName(1), active), 1
+Equal "active", active, True
+Equal "left out", qdb.Stations.getId(qdb.Stations.getName(1)), 1
+Equal "a joined text", qdb.Stations.GetCompar(1, 5), "1054800"
+Dim newModel: newModel = True
+Equal "by reference alone", qdb.Holidays.getFreeId(newModel), 1
+
+' Default members, For Each, finding, definitions.
+Equal "table by default member", qdb("stations").Name, "Stations"
+Set rows = db.OpenRecordset("select * from Readers")
+rows.AddNew: rows("Id") = 4: rows("Name") = "East": rows("StationId") = 1
+rows("ControllerAddress") = 6: rows.Fields("Position").Value = 1: rows.Update
+rows.FindFirst "Name = 'east'"
+Equal "found", rows.NoMatch, False
+Equal "its number", rows(0), 4
+rows.FindFirst "Name = 'West'"
+Equal "not found", rows.NoMatch, True
+Equal "stays", rows("Name"), "East"
+rows.MoveFirst
+rows.FindNext "[Position] = 1"
+Equal "next", rows("Name"), "East"
+rows.Edit: rows("Name") = "Far east": rows.CancelUpdate
+Equal "cancelled", rows("Name"), "East"
+rows.Delete
+On Error Resume Next
+item = rows("Name").Value: Failed 3167, "rows(""Name"").Value"
+On Error GoTo 0
+rows.MoveFirst: Equal "left", rows("Name"), "North"
+rows.MoveNext: Equal "end", rows.EOF, True
+Dim field, names: names = ""
+For Each field In db.TableDefs("ComStatus").Fields: names = names & field.Name & field.Type & " ": Next
+Equal "columns", names, "StationID3 CtrAddr3 Status3 Date8 "
+Dim td: Set td = db.CreateTableDef("Visits")
+td.Fields.Append td.CreateField("Id", 3)
+Dim who: Set who = td.CreateField("Who", 10, 5): who.Required = True: td.Fields.Append who
+Dim key: Set key = td.CreateIndex("Key"): key.Primary = True
+key.Fields.Append key.CreateField("Id"): td.Indexes.Append key
+db.TableDefs.Append td
+Equal "primary key", db.TableDefs("Visits").Indexes(0).Primary, True
+db.Execute "insert into Visits (Id, Who) values (1, 'Ann')"
+Dim draft: Set draft = db.CreateTableDef("Draft")
+qdb.tables("Holidays").createFields draft
+qdb.tables("Holidays").createIndexes draft
+Equal "a definition that is filled", draft.Fields(0).Name & draft.Indexes.Count, "Id2"
+Dim query: Set query = db.CreateQueryDef("VisitsOf", "PARAMETERS [p] Text; select * from Visits where Who = [p]")
+query.Parameters("p") = "Ann"
+Equal "stored query", query.OpenRecordset().RecordCount, 1
+Equal "relations", db.Relations("ReaderStation").ForeignTable, "Readers"
+Equal "integrity", db.Relations("ReaderStation").Fields(0).ForeignName, "StationId"
+
+' Errors by number.
+On Error Resume Next
+Set item = qdb.tables("BadgeFormat"): Failed 5, "qdb.tables(""BadgeFormat"")"
+com.Send 9, 1: Failed 5, "com.Send 9, 1"
+com.TestCom 3: Failed 5, "com.TestCom 3"
+qdb.Journal.readTransactions 7, "": Failed 5, "qdb.Journal.readTransactions 7, """""
+db.Execute "insert into Visits (Id, Who) values (1, 'Bob')": Failed 3022, "db.Execute ""insert into Visits (Id, Who) values (1, 'Bob')"""
+db.Execute "insert into Visits (Id, Who) values (2, 'Barbara')": Failed 3163, "db.Execute ""insert into Visits (Id, Who) values (2, 'Barbara')"""
+db.Execute "insert into Visits (Id) values (3)": Failed 3314, "db.Execute ""insert into Visits (Id) values (3)"""
+db.OpenRecordset "select * from Nobody": Failed 3078, "db.OpenRecordset ""select * from Nobody"""
+Equal "the engine's collection", db.Errors(0).Number, 3078
+db.Execute "delete * from Visits; delete * from Readers": Failed 3075, "db.Execute ""delete * from Visits; delete * from Readers"""
+db.Execute "update Readers set StationId = 9": Failed 3201, "db.Execute ""update Readers set StationId = 9"""
+Set item = db.TableDefs("Nobody"): Failed 3265, "db.TableDefs(""Nobody"")"
+Set item = rows.Fields(99): Failed 3265, "rows.Fields(99)"
+rows.MoveNext: Failed 3021, "rows.MoveNext"
+db.OpenRecordset("select Name from Readers group by Name").FindFirst "Name = 'x'": Failed 3251, "db.OpenRecordset(""select Name from Readers group by Name"").FindFirst ""Name = 'x'"""
+rows.Fields.Append who: Failed 3219, "rows.Fields.Append who"
+rows.MoveFirst: rows.Edit: rows("Id") = "many": Failed 3421, "rows.MoveFirst: rows.Edit: rows(""Id"") = ""many"""
+qdb.tables("Holidays").createFields CreateObject("Scripting.Dictionary"): Failed 13, "qdb.tables(""Holidays"").createFields CreateObject(""Scripting.Dictionary"")"
+td.Fields.Append rows: Failed 13, "td.Fields.Append rows"
+com.CheckDelay = Null: Failed 13, "com.CheckDelay = Null"
+com.CheckDelay = "many": Failed 13, "com.CheckDelay = ""many"""
+com.CheckDelay = Array(1, 2): Failed 13, "com.CheckDelay = Array(1, 2)"
+com.CheckDelay = 40000: Failed 6, "com.CheckDelay = 40000"
+qdb.Stations.getName: Failed 450, "qdb.Stations.getName"
+qdb.Stations.getName 1, True, 3: Failed 450, "qdb.Stations.getName 1, True, 3"
+qdb.Stations.nothing: Failed 438, "qdb.Stations.nothing"
+On Error GoTo 0
+
+' A file: items are read as the type of the variable.
+Dim file: Set file = CreateObject("KORVA.SeqFile")
+file.Name = here & "\list.txt"
+file.fopen "w": file.fprint "12,first"
+file.fclose
+file.fopen "r"
+item = 0
+file.finput item: Equal "number", item, 12
+item = "": file.finput item: Equal "text", item, "first"
+Equal "end", file.fEOF, True
+On Error Resume Next
+file.flineInput: Failed 62, "file.flineInput"
+On Error GoTo 0
+file.fclose: Equal "closed", file.ch, 0
+
+' The catalogue: a script's error object tells its number and description.
+Equal "insert", glob.Strings.insert("msgHello", "Hello", 0, "a test", "Message", 9.5), 0
+Equal "read", glob.Strings.read("MSGHELLO"), "Hello"
+On Error Resume Next
+Err.Raise 1234, "me", "A sentence"
+glob.Strings.display "msgHello", "values.vbs", Err
+glob.Strings.display "msgHello", , , 64
+On Error GoTo 0
+
+' Objects that were closed or let go.
+Set who = rows.Fields("Name")
+rows.Close
+On Error Resume Next
+rows.MoveFirst: Failed 3420, "rows.MoveFirst"
+item = who.Value: Failed 3420, "who.Value"
+On Error GoTo 0
+Set rows = Nothing: Set glob = Nothing: Set qdb = Nothing
+Equal "the database is open while somebody holds it", db.OpenRecordset("Visits").RecordCount, 1
+db.Close
+On Error Resume Next
+db.OpenRecordset "Visits": Failed 3420, "db.OpenRecordset ""Visits"""
+db.Execute "delete * from Visits": Failed 3420, "db.Execute ""delete * from Visits"""
+On Error GoTo 0
+Finish
