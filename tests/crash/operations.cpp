@@ -221,6 +221,7 @@ int create(const Plant& plant) {
   Library library({*engine, driver, prompts, clock});
   const Glob glob(library);
   glob.Initialize(folder + "\\KRV.mdb", folder + "\\S001.ini", folder + "\\COM.LOG", folder);
+  prompts.boxes.clear();  // after a kill there may be nothing to open, which is said and no failure
   bool good =
       glob.QDB().createDB() == 0 && (fs::exists(Journal::dbName) || glob.QDB().Journal().createDB() == 0);
   for (const auto& box : prompts.boxes) {
