@@ -8,24 +8,12 @@ namespace voxa::automation {
 namespace {
 
 /// For Each: the objects as they were when it began.
-class Enumerator final : public IEnumVARIANT {
+class Enumerator final : public Counted<IEnumVARIANT> {
  public:
   explicit Enumerator(std::vector<IDispatch*> objects) : objects_(std::move(objects)) {}
-  Enumerator(const Enumerator&) = delete;
-  Enumerator& operator=(const Enumerator&) = delete;
 
   STDMETHODIMP QueryInterface(REFIID wanted, void** out) override {
-    if (out == nullptr) return E_POINTER;
-    *out = wanted == IID_IUnknown || wanted == IID_IEnumVARIANT ? this : nullptr;
-    if (*out == nullptr) return E_NOINTERFACE;
-    AddRef();
-    return S_OK;
-  }
-  STDMETHODIMP_(ULONG) AddRef() override { return ++references_; }
-  STDMETHODIMP_(ULONG) Release() override {
-    const ULONG left = --references_;
-    if (left == 0) delete this;
-    return left;
+    return answer(wanted == IID_IUnknown || wanted == IID_IEnumVARIANT ? this : nullptr, out);
   }
   STDMETHODIMP Next(ULONG wanted, VARIANT* out, ULONG* fetched) override {
     if (out == nullptr) return E_POINTER;
@@ -61,14 +49,12 @@ class Enumerator final : public IEnumVARIANT {
   }
 
  private:
-  ~Enumerator() {
+  ~Enumerator() override {
     for (IDispatch* object : objects_) object->Release();
   }
 
   std::vector<IDispatch*> objects_;  // counted
   std::size_t at_ = 0;
-  ULONG references_ = 0;
-  ModuleUse use_;
 };
 
 class CollectionObject final : public Object<::ICollection> {

@@ -6,9 +6,9 @@
 #include <utility>
 
 #include "conversion.h"
+#include "counted.h"
 #include "dispatch.h"
 #include "failure.h"
-#include "module.h"
 #include "platform/error.h"
 
 namespace voxa::automation {
@@ -76,30 +76,20 @@ class Dual : public Interface {
   }
 };
 
-/// What every automation object shares beside its interface: the count of its references, error information.
-/// Objects are made with new and end with their last reference. One thread.
+/// A dual interface whose errors say more than a number.
 template <typename Interface>
-class Object : public Dual<Interface>, public ISupportErrorInfo {
+class Reporting : public Dual<Interface>, public ISupportErrorInfo {};
+
+/// What every automation object shares. Objects are made with new and end with their last reference.
+template <typename Interface>
+class Object : public Counted<Reporting<Interface>> {
  public:
   STDMETHODIMP QueryInterface(REFIID wanted, void** out) override {
-    if (out == nullptr) return E_POINTER;
-    *out = nullptr;
     if (wanted == IID_IUnknown || wanted == IID_IDispatch || wanted == __uuidof(Interface)) {
-      *out = static_cast<Interface*>(this);
-    } else if (wanted == IID_ISupportErrorInfo) {
-      *out = static_cast<ISupportErrorInfo*>(this);
-    } else {
-      *out = furtherInterface(wanted);
+      return this->answer(static_cast<Interface*>(this), out);
     }
-    if (*out == nullptr) return E_NOINTERFACE;
-    AddRef();
-    return S_OK;
-  }
-  STDMETHODIMP_(ULONG) AddRef() override { return ++references_; }
-  STDMETHODIMP_(ULONG) Release() override {
-    const ULONG left = --references_;
-    if (left == 0) delete this;
-    return left;
+    if (wanted == IID_ISupportErrorInfo) return this->answer(static_cast<ISupportErrorInfo*>(this), out);
+    return this->answer(furtherInterface(wanted), out);
   }
   STDMETHODIMP InterfaceSupportsErrorInfo(REFIID asked) override {
     return asked == __uuidof(Interface) || furtherInterface(asked) != nullptr ? S_OK : S_FALSE;
@@ -108,10 +98,6 @@ class Object : public Dual<Interface>, public ISupportErrorInfo {
  protected:
   /// An interface beside the first, of the same object; nullptr for none. Not counted yet.
   virtual void* furtherInterface(REFIID) { return nullptr; }
-
- private:
-  ULONG references_ = 0;
-  ModuleUse use_;
 };
 
 /// The one living object of a class, made when there is none: whoever asks for one of the library's service

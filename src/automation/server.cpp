@@ -7,24 +7,12 @@ namespace voxa::automation {
 
 namespace {
 
-class ClassFactory final : public IClassFactory {
+class ClassFactory final : public Counted<IClassFactory> {
  public:
   explicit ClassFactory(const CreatableClass& made) : made_(made) {}
-  ClassFactory(const ClassFactory&) = delete;
-  ClassFactory& operator=(const ClassFactory&) = delete;
 
   STDMETHODIMP QueryInterface(REFIID wanted, void** out) override {
-    if (out == nullptr) return E_POINTER;
-    *out = wanted == IID_IUnknown || wanted == IID_IClassFactory ? this : nullptr;
-    if (*out == nullptr) return E_NOINTERFACE;
-    AddRef();
-    return S_OK;
-  }
-  STDMETHODIMP_(ULONG) AddRef() override { return ++references_; }
-  STDMETHODIMP_(ULONG) Release() override {
-    const ULONG left = --references_;
-    if (left == 0) delete this;
-    return left;
+    return answer(wanted == IID_IUnknown || wanted == IID_IClassFactory ? this : nullptr, out);
   }
   STDMETHODIMP CreateInstance(IUnknown* outer, REFIID wanted, void** out) override {
     if (out == nullptr) return E_POINTER;
@@ -45,11 +33,7 @@ class ClassFactory final : public IClassFactory {
   }
 
  private:
-  ~ClassFactory() = default;
-
   const CreatableClass& made_;
-  ULONG references_ = 0;
-  ModuleUse use_;
 };
 
 }  // namespace
