@@ -5,6 +5,7 @@
 #include <iostream>
 #include <map>
 
+#include "card_table.h"
 #include "card_values.h"
 #include "commands.h"
 #include "csv.h"
@@ -150,10 +151,8 @@ class Import {
 
 void importCards(Installation& installation, const std::string& path) {
   installation.openForSending();
-  Import import(installation);
-  import.read(readCsv(contentsOf(installation.callersFile(path))));
-  import.write();
-  std::cout << import.cards() << " cards imported, to be sent with 'voxa download cards'\n";
+  const std::size_t cards = importCardTable(installation, contentsOf(installation.callersFile(path)));
+  std::cout << cards << " cards imported, to be sent with 'voxa download cards'\n";
 }
 
 std::string lineOf(const Recordset& row, const GroupNames& groups, bool showPins) {
@@ -178,11 +177,7 @@ struct ExportOptions {
 
 void exportCards(Installation& installation, const ExportOptions& options) {
   installation.open();
-  std::string text = std::string("number,name,code,group,") + (options.showPins ? "pin," : "") +
-                     "until,credit,supervisor,valid\r\n";
-  const GroupNames groups(installation);
-  const auto rows = installation.rows("select * from Cardholders where Deleted = false order by CardNum");
-  for (; !rows->eof(); rows->moveNext()) text += lineOf(*rows, groups, options.showPins);
+  const auto [text, cards] = cardTable(installation, options.showPins);
   if (options.path.empty()) {
     std::cout << text << std::flush;
     if (!std::cout) throw Refusal("the table cannot be written");
@@ -191,10 +186,28 @@ void exportCards(Installation& installation, const ExportOptions& options) {
   files::Stream file(installation.callersFile(options.path), files::Stream::Mode::write);
   file.write(text);
   file.close();
-  std::cout << rows->recordCount() << " cards exported\n";
+  std::cout << cards << " cards exported\n";
 }
 
 }  // namespace
+
+std::size_t importCardTable(Installation& installation, std::string_view text) {
+  Import import(installation);
+  import.read(readCsv(text));
+  import.write();
+  return import.cards();
+}
+
+CardTable cardTable(const Installation& installation, bool showPins) {
+  CardTable table;
+  table.text =
+      std::string("number,name,code,group,") + (showPins ? "pin," : "") + "until,credit,supervisor,valid\r\n";
+  const GroupNames groups(installation);
+  const auto rows = installation.rows("select * from Cardholders where Deleted = false order by CardNum");
+  for (; !rows->eof(); rows->moveNext()) table.text += lineOf(*rows, groups, showPins);
+  table.cards = rows->recordCount();
+  return table;
+}
 
 void addImportCommands(CLI::App& app, Installation& installation) {
   auto* import = app.add_subcommand("import", "Read a table of cards")->require_subcommand(1);

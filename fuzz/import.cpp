@@ -1,11 +1,10 @@
-// Tables of cards, as the command imports them: all or none, and an export of them is imported alike.
+// Tables of cards: imported all or none, and an export of them is imported alike.
 
-#include <CLI/CLI.hpp>
-#include <filesystem>
+#include <cstdint>
 #include <iostream>
 
 #include "app/qdb.h"
-#include "commands.h"
+#include "card_table.h"
 #include "csv.h"
 #include "installation.h"
 #include "platform/temporary_folder.h"
@@ -18,56 +17,38 @@ namespace {
 class Cards {
  public:
   Cards() {
-    std::cout.setstate(std::ios::badbit);  // what the commands tell is of no interest
+    std::cout.setstate(std::ios::badbit);  // what is told of bad lines is of no interest
     std::cerr.setstate(std::ios::badbit);
     installation_.settings.folder = folder_.path();
     installation_.create();
-    installation_.leave();
   }
 
-  void check(const std::string& table) {
-    put(table_, table);
-    const bool imported = run({"import", "cards", table_});
-    const auto records = cli::readCsv(table);
-    const std::size_t cards = imported ? records.size() - 1 : 0;
-    require(count() == cards, "a table is imported wholly or not at all");
-    if (!imported) return installation_.leave();
-    installation_.leave();
-    require(run({"export", "cards", "--show-pins", again_}), "cards can be exported");
-    const std::string exported = bytesOf(again_);
-    empty();
-    require(run({"import", "cards", again_}), "an exported table can be imported");
-    installation_.leave();
-    require(run({"export", "cards", "--show-pins", again_}), "cards can be exported again");
-    require(bytesOf(again_) == exported, "cards come back as they were");
-    empty();
+  void check(std::string_view table) {
+    const bool imported = import(table);
+    const cli::CardTable exported = take();
+    require(exported.cards == (imported ? cli::readCsv(table).size() - 1 : 0),
+            "a table is imported wholly or not at all");
+    require(import(exported.text), "an exported table can be imported");
+    require(take().text == exported.text, "cards come back as they were");
   }
 
  private:
-  /// Whether the command did what it was to do; the installation stays open.
-  bool run(std::vector<std::string> arguments) {
-    CLI::App app;
-    cli::addImportCommands(app, installation_);
-    std::reverse(arguments.begin(), arguments.end());
+  bool import(std::string_view table) {
     try {
-      app.parse(arguments);
+      (void)cli::importCardTable(installation_, table);
       return true;
     } catch (const cli::Refusal&) {
       return false;
     }
   }
-  [[nodiscard]] std::size_t count() const {
-    return installation_.rows("select Id from Cardholders")->recordCount();
-  }
-  void empty() {
+  /// The cards, which are gone then.
+  cli::CardTable take() {
+    cli::CardTable table = cli::cardTable(installation_, true);
     installation_.qdb().DB()->execute("delete from Cardholders");
-    installation_.leave();
+    return table;
   }
 
   TemporaryFolder folder_;
-  TemporaryFolder files_;
-  std::string table_ = files_ / "table.csv";
-  std::string again_ = files_ / "again.csv";
   cli::Installation installation_;
 };
 
