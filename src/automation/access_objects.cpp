@@ -9,9 +9,6 @@ namespace {
 
 class CardholderObject final : public TableObject<CardholderObject, ::ICardholder, &QDB::Cardholders> {
  public:
-  STDMETHODIMP setTableFlagsD(VARIANT_BOOL flagD, short* status) override {
-    return give(status, [&] { return table().setTableFlagsD(flagD != 0); });
-  }
   STDMETHODIMP download(short Id, short* status) override {
     return give(status, [&] { return table().download(Id); });
   }
@@ -61,9 +58,6 @@ class AccessGroupObject final : public TableObject<AccessGroupObject, ::IAccessG
   STDMETHODIMP getFreeId(short* Id) override {
     return give(Id, [] { return table().getFreeId(); });
   }
-  STDMETHODIMP setTableFlagsD(VARIANT_BOOL flagD, short* status) override {
-    return give(status, [&] { return table().setTableFlagsD(flagD != 0); });
-  }
   STDMETHODIMP getId(BSTR Name, short* Id) override {
     return give(Id, [&] { return table().getId(fromBstr(Name)); });
   }
@@ -86,9 +80,6 @@ class BadgeFormatObject final : public TableObject<BadgeFormatObject, ::IBadgeFo
  public:
   STDMETHODIMP getFreeId(short* Id) override {
     return give(Id, [] { return table().getFreeId(); });
-  }
-  STDMETHODIMP setTableFlagsD(VARIANT_BOOL flagD, short* status) override {
-    return give(status, [&] { return table().setTableFlagsD(flagD != 0); });
   }
   STDMETHODIMP CreateTable() override {
     return call([] { table().CreateTable(); });

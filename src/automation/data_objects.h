@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -29,8 +30,13 @@ namespace voxa::automation {
 /// A query of that database.
 [[nodiscard]] ::IQueryDef* makeQueryDef(std::shared_ptr<Database> database, const QueryDef& query);
 
-/// A column of a definition; foreignName: of a relation's column, "" otherwise.
-[[nodiscard]] ::IField* makeDefinedField(const FieldDef& definition, const std::string& foreignName = "");
+/// Bits of the Attributes of a field and of a relation, as callers of the engine's own objects know them.
+inline constexpr std::int32_t autoIncrementAttribute = 16;
+inline constexpr std::int32_t cascadeUpdateAttribute = 256;
+inline constexpr std::int32_t cascadeDeleteAttribute = 4096;
+
+/// A column of a definition.
+[[nodiscard]] ::IField* makeDefinedField(const FieldDef& definition);
 struct DefinedField {
   FieldDef definition;
   std::string foreignName;

@@ -191,12 +191,13 @@ class DatabaseObject final : public Object<::IDatabase> {
   STDMETHODIMP CreateRelation(BSTR name, BSTR table, BSTR foreignTable, long attributes,
                               ::IRelation** relation) override {
     return give(relation, [&] {
-      return makeRelation(std::make_shared<Relation>(Relation{.name = fromBstr(name),
-                                                              .table = fromBstr(table),
-                                                              .foreignTable = fromBstr(foreignTable),
-                                                              .fields = {},
-                                                              .cascadeUpdate = (attributes & 256) != 0,
-                                                              .cascadeDelete = (attributes & 4096) != 0}));
+      return makeRelation(
+          std::make_shared<Relation>(Relation{.name = fromBstr(name),
+                                              .table = fromBstr(table),
+                                              .foreignTable = fromBstr(foreignTable),
+                                              .fields = {},
+                                              .cascadeUpdate = (attributes & cascadeUpdateAttribute) != 0,
+                                              .cascadeDelete = (attributes & cascadeDeleteAttribute) != 0}));
     });
   }
   STDMETHODIMP CreateQueryDef(BSTR name, BSTR sql, ::IQueryDef** query) override {

@@ -12,10 +12,6 @@ constexpr GUID indexId = {0xc77d0fa1, 0x6c1e, 0x4a2b, {0x9b, 0x1c, 0x0d, 0x9c, 0
 constexpr GUID tableId = {0xc77d0fa1, 0x6c1e, 0x4a2b, {0x9b, 0x1c, 0x0d, 0x9c, 0x8b, 0x6f, 0x4e, 0x13}};
 constexpr GUID relationId = {0xc77d0fa1, 0x6c1e, 0x4a2b, {0x9b, 0x1c, 0x0d, 0x9c, 0x8b, 0x6f, 0x4e, 0x14}};
 
-constexpr std::int32_t autoIncrementAttribute = 16;
-constexpr std::int32_t cascadeUpdateAttribute = 256;
-constexpr std::int32_t cascadeDeleteAttribute = 4096;
-
 /// A definition that was read from a file says what the file holds; it is not the way to change it.
 class DefinedFieldObject final : public Object<::IField> {
  public:
@@ -291,8 +287,8 @@ class RelationObject final : public Object<::IRelation> {
 
 }  // namespace
 
-::IField* makeDefinedField(const FieldDef& definition, const std::string& foreignName) {
-  return new DefinedFieldObject({definition, foreignName});
+::IField* makeDefinedField(const FieldDef& definition) {
+  return new DefinedFieldObject({definition, ""});
 }
 
 const DefinedField& fieldBehind(IUnknown* object) {

@@ -12,9 +12,6 @@ class StationObject final : public TableObject<StationObject, ::IStation, &QDB::
   STDMETHODIMP getFreeId(short* Id) override {
     return give(Id, [] { return table().getFreeId(); });
   }
-  STDMETHODIMP setTableFlagsD(VARIANT_BOOL flagD, short* status) override {
-    return give(status, [&] { return table().setTableFlagsD(flagD != 0); });
-  }
   STDMETHODIMP getId(BSTR stationName, VARIANT_BOOL* isActive, short* Id) override {
     return give(Id, [&] {
       Flag active(isActive);
@@ -54,9 +51,6 @@ class ReaderObject final : public TableObject<ReaderObject, ::IReader, &QDB::Rea
   STDMETHODIMP getFreeId(short* Id) override {
     return give(Id, [] { return table().getFreeId(); });
   }
-  STDMETHODIMP setTableFlagsD(VARIANT_BOOL flagD, short* status) override {
-    return give(status, [&] { return table().setTableFlagsD(flagD != 0); });
-  }
   STDMETHODIMP getControllerAddr(BSTR readerName, short* StationID, short* ControllerAddr,
                                  short* status) override {
     if (StationID == nullptr || ControllerAddr == nullptr) return E_POINTER;
@@ -80,12 +74,7 @@ class ReaderObject final : public TableObject<ReaderObject, ::IReader, &QDB::Rea
   }
 };
 
-class AlarmObject final : public TableObject<AlarmObject, ::IAlarm, &QDB::Alarms> {
- public:
-  STDMETHODIMP setTableFlagsD(VARIANT_BOOL flagD, short* status) override {
-    return give(status, [&] { return table().setTableFlagsD(flagD != 0); });
-  }
-};
+class AlarmObject final : public TableObject<AlarmObject, ::IAlarm, &QDB::Alarms> {};
 
 }  // namespace
 

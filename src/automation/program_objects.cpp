@@ -20,9 +20,6 @@ class WeeklyProgramObject final
   STDMETHODIMP getFreeId(BSTR ProgType, short* ProgNum) override {
     return give(ProgNum, [&] { return table().getFreeId(fromBstr(ProgType)); });
   }
-  STDMETHODIMP setTableFlagsD(VARIANT_BOOL flagD, short* status) override {
-    return give(status, [&] { return table().setTableFlagsD(flagD != 0); });
-  }
   STDMETHODIMP getName(BSTR ProgType, short ProgNum, BSTR* name) override {
     return give(name, [&] { return table().getName(fromBstr(ProgType), ProgNum); });
   }
@@ -53,9 +50,6 @@ class DailyProgramObject final
   STDMETHODIMP getFreeId(short* Id) override {
     return give(Id, [] { return table().getFreeId(); });
   }
-  STDMETHODIMP setTableFlagsD(VARIANT_BOOL flagD, short* status) override {
-    return give(status, [&] { return table().setTableFlagsD(flagD != 0); });
-  }
   STDMETHODIMP download(short Id, ::ComponentType compType, BSTR compName, short Params,
                         VARIANT_BOOL* AlreadyComTested, short* status) override {
     return give(status, [&] {
@@ -79,9 +73,6 @@ class HolidaysObject final : public TableObject<HolidaysObject, ::IHolidays, &QD
       Flag newModel(withNewVRMD1);
       return table().getFreeId(newModel.value());
     });
-  }
-  STDMETHODIMP setTableFlagsD(VARIANT_BOOL flagD, short* status) override {
-    return give(status, [&] { return table().setTableFlagsD(flagD != 0); });
   }
   STDMETHODIMP download(short Id, ::ComponentType compType, BSTR compName, short Params,
                         short* status) override {

@@ -68,7 +68,8 @@ class RowField final : public Object<::IField> {
     return give(rule, [&] { return definition().validationRule; });
   }
   STDMETHODIMP get_Attributes(long* attributes) override {
-    return give(attributes, [&] { return std::int32_t{definition().autoIncrement ? 16 : 0}; });
+    return give(attributes,
+                [&] { return std::int32_t{definition().autoIncrement ? autoIncrementAttribute : 0}; });
   }
   STDMETHODIMP get_ForeignName(BSTR* name) override {
     return give(name, [] { return std::string(); });

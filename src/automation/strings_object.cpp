@@ -7,23 +7,24 @@ namespace voxa::automation {
 
 namespace {
 
-/// A property of a foreign object, by name; Null when it has none of that name.
-Value property(IDispatch& object, const wchar_t* name) {
+/// A member of a foreign object; DISPID_UNKNOWN when it has none of that name.
+DISPID memberOf(IDispatch& object, const wchar_t* name) {
   LPOLESTR wanted = const_cast<LPOLESTR>(name);
   DISPID id = DISPID_UNKNOWN;
-  if (FAILED(object.GetIDsOfNames(IID_NULL, &wanted, 1, LOCALE_USER_DEFAULT, &id))) return {};
+  return SUCCEEDED(object.GetIDsOfNames(IID_NULL, &wanted, 1, LOCALE_USER_DEFAULT, &id)) ? id
+                                                                                         : DISPID_UNKNOWN;
+}
+
+/// A property of a foreign object, by name; Null when it has none of that name.
+Value property(IDispatch& object, const wchar_t* name) {
+  const DISPID id = memberOf(object, name);
+  if (id == DISPID_UNKNOWN) return {};
   DISPPARAMS none{};
   OwnVariant value;
   const HRESULT result =
       object.Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_PROPERTYGET | DISPATCH_METHOD, &none, &value,
                     nullptr, nullptr);
   return FAILED(result) ? Value() : fromVariant(*value);
-}
-
-bool hasMember(IDispatch& object, const wchar_t* name) {
-  LPOLESTR wanted = const_cast<LPOLESTR>(name);
-  DISPID id = DISPID_UNKNOWN;
-  return SUCCEEDED(object.GetIDsOfNames(IID_NULL, &wanted, 1, LOCALE_USER_DEFAULT, &id));
 }
 
 /// The name of a foreign object's type, "" when it does not tell.
@@ -42,7 +43,10 @@ std::string typeName(IDispatch& object) {
 bool isErrorObject(IDispatch& object) {
   const std::string type = typeName(object);
   if (!type.empty()) return type == "ErrObject" || type == "IErrObject" || type == "_ErrObject";
-  return hasMember(object, L"Number") && hasMember(object, L"Description") && hasMember(object, L"Raise");
+  for (const wchar_t* member : {L"Number", L"Description", L"Raise"}) {
+    if (memberOf(object, member) == DISPID_UNKNOWN) return false;
+  }
+  return true;
 }
 
 /// What display adds to a message: an error object gives its number and description, everything else its

@@ -42,7 +42,10 @@ class TableObject : public Object<Interface>, public Shared<Class> {
   STDMETHODIMP get_Name(BSTR* name) override {
     return this->give(name, [] { return table().Name(); });
   }
-  [[nodiscard]] ::ITable* contract() { return &contract_; }
+  /// The member of that name, which every interface but the journal's has.
+  virtual STDMETHODIMP setTableFlagsD(VARIANT_BOOL flagD, short* status) {
+    return this->give(status, [&] { return table().setTableFlagsD(flagD != 0); });
+  }
 
  protected:
   [[nodiscard]] static auto& table() { return (library().QDB().*accessor)(); }
