@@ -1,5 +1,5 @@
 // Finding one row by SQL text, each time with another number in it, beside a prepared statement that is
-// bound, stepped and reset.
+// bound, stepped to the end and reset.
 
 #include <benchmark/benchmark.h>
 
@@ -48,7 +48,7 @@ std::vector<std::string> makeTexts() {
 }
 
 Row limited(const char* name, const Times& times) {
-  return {name, "us", times.ours * 1e6, times.rival * 1e6, 2};
+  return {name, "us", times.ours * 1e6, times.rival * 1e6, 1.5};
 }
 
 Rows measure(const Harness& harness) {
@@ -68,9 +68,11 @@ Rows measure(const Harness& harness) {
   Numbers rivalNumbers;
   const auto statement = sqlite.prepare("SELECT Name FROM Cardholders WHERE CardNum = ?1");
   const auto findPlainly = [&](int number) {
+    // To the end of the result, as ours reads it: until then nobody knows whether there is another row.
     sqlite3_bind_int(statement.get(), 1, number);
     if (sqlite3_step(statement.get()) != SQLITE_ROW) throw std::runtime_error("The rival finds no row");
     std::string name = text(statement, 0);
+    if (sqlite3_step(statement.get()) != SQLITE_DONE) throw std::runtime_error("The rival finds two rows");
     sqlite3_reset(statement.get());
     return name;
   };

@@ -12,6 +12,7 @@
 
 #include "platform/error.h"
 #include "support/harness.h"
+#include "support/instructions.h"
 
 namespace {
 
@@ -56,11 +57,13 @@ int report(const std::string& file, std::vector<std::string> names) {
 int main(int argc, char** argv) {
   const std::vector<std::string> arguments(argv + 1, argv + argc);
   try {
-    if (arguments.size() == 3 && arguments[0] == traceOption) {
+    if (arguments.size() >= 3 && (arguments[0] == traceOption || arguments[0] == countOption)) {
+      const Traced side = arguments[2] == "ours" ? Traced::ours : Traced::rival;
+      const Harness harness = arguments[0] == traceOption
+                                  ? Harness(side)
+                                  : Harness(side, arguments.size() > 3 ? std::stoi(arguments[3]) : 0);
       Rows ignored;
-      return measure(arguments[1], Harness(arguments[2] == "ours" ? Traced::ours : Traced::rival), ignored)
-                 ? 0
-                 : 1;
+      return measure(arguments[1], harness, ignored) ? 0 : 1;
     }
     if (arguments.empty() || arguments[0].starts_with('-')) {
       std::cerr << "Usage: bench_report OUT.json [BENCHMARK...]\nBenchmarks:";

@@ -90,6 +90,11 @@ class Statements : public DatabaseTest, private dialect::Schema {
     const Scan scan([&](auto& out) { dialect::scan(other, out); });
     if (scan.error != 0 || scan.result.key != key) return;  // a mark stood in a name in brackets
     const Translated again = translate(other);
+    // What GROUP BY lists is told by its literals, too.
+    const auto byLiterals = [](const Translated& one) {
+      return one.error == err::dbNotAggregated || !one.result.sameLiterals.empty();
+    };
+    if (byLiterals(translated) || byLiterals(again)) return;
     require(again.error == translated.error && same(again.result, translated.result),
             "statements of one key have one translation");
   }

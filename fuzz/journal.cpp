@@ -30,7 +30,7 @@ class Memories : public test::JournalTest {
     const auto last = journal().DB()->openRecordset("select top 1 * from Journal order by Id desc");
     if (!last->eof()) {
       require(last->get("TransactionData").toText() == expected.data, "the row holds the line's data");
-      require(last->get("Date") == Value(*parseDateTime(expected.date)), "the row holds the line's date");
+      require(last->get("Date") == Value(expected.date), "the row holds the line's date");
     }
     clear();
   }
@@ -39,7 +39,7 @@ class Memories : public test::JournalTest {
   struct Expected {
     std::size_t rows = 0;
     bool faults = false;
-    std::string date;  // of the last row
+    DateTime date;  // of the last row
     std::string data;
   };
 
@@ -58,8 +58,7 @@ class Memories : public test::JournalTest {
       expected.date = line.date;
       expected.data = fromCp1252(line.data);
       const std::string again = zeroPadded(line.controller, 2) + text[2] + std::string(line.type) +
-                                formatDateTime(*parseDateTime(line.date), "ddmmyyhhnn") +
-                                std::string(line.data);
+                                formatDateTime(line.date, "ddmmyyhhnn") + std::string(line.data);
       require(text.starts_with(again), "a transaction says what its line says");
     }
     return expected;

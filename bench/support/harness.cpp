@@ -8,11 +8,14 @@
 #include <utility>
 #include <vector>
 
+#include "support/instructions.h"
+
 namespace voxa::bench {
 
 namespace {
 
 constexpr double secondsOfRepeated = 0.02;
+constexpr int countedRuns = 1000;
 
 class LastTime : public benchmark::BenchmarkReporter {
  public:
@@ -87,6 +90,10 @@ std::map<std::string, Measure>& registry() {
 
 Times Harness::compare(const Side& ours, const Side& rival, Pace pace, int rounds) const {
   if (traced_) return {};
+  if (counted_) {
+    if (comparison_-- == 0) count(*counted_ == Traced::ours ? ours : rival, pace);
+    return {};
+  }
   Contest contest(pace);
   contest.enter("ours", ours);
   contest.enter("rival", rival);
@@ -104,8 +111,18 @@ Times Harness::compare(const Side& ours, const Side& rival, Pace pace, int round
   return {median(std::move(ourTimes)), median(std::move(rivalTimes))};
 }
 
+void Harness::count(const Side& side, Pace pace) const {
+  const int runs = pace == Pace::once ? 1 : countedRuns;
+  for (const bool warm : {false, true}) {
+    if (side.prepare) side.prepare();
+    if (warm) countBegin();
+    for (int run = 0; run < runs; ++run) side.work();
+    if (warm) countEnd();
+  }
+}
+
 double Harness::time(const Side& ours) const {
-  if (traced_) return {};
+  if (traced_ || counted_) return {};
   Contest contest(Pace::repeated);
   contest.enter("ours", ours);
   std::vector<double> times;
@@ -115,6 +132,7 @@ double Harness::time(const Side& ours) const {
 
 SystemCalls Harness::countSystemCalls(const std::string& benchmark, const std::function<void()>& ours,
                                       const std::function<void()>& rival) const {
+  if (counted_) return {};
   if (!traced_) return {trace(benchmark, Traced::ours), trace(benchmark, Traced::rival)};
   const auto& work = *traced_ == Traced::ours ? ours : rival;
   work();

@@ -25,13 +25,17 @@ struct Times {
 };
 
 /// Runs the measurements of a benchmark. Either measures times and has system calls counted in processes of
-/// their own, or is such a process: then it runs only the work whose calls are counted.
+/// their own, or is such a process: then it runs only the work whose calls, or instructions, are counted.
 class Harness {
  public:
   /// traced: the side whose system calls this process is watched for; none in the process that reports.
   explicit Harness(std::optional<Traced> traced = {}) : traced_(traced) {}
+  /// A process whose instructions are counted in one comparison (from 0) of a benchmark, for one side.
+  Harness(Traced counted, int comparison) : counted_(counted), comparison_(comparison) {}
 
   static constexpr int usualRounds = 25;
+  /// Whether instructions are counted: a benchmark does with less work then, of the same kind.
+  [[nodiscard]] bool counts() const { return counted_.has_value(); }
 
   /// Times both sides in turns, after one round that does not count.
   [[nodiscard]] Times compare(const Side& ours, const Side& rival, Pace pace = Pace::repeated,
@@ -45,7 +49,11 @@ class Harness {
                                              const std::function<void()>& rival) const;
 
  private:
+  void count(const Side& side, Pace pace) const;
+
   std::optional<Traced> traced_;
+  std::optional<Traced> counted_;
+  mutable int comparison_ = 0;  ///< that are to be passed over before the one that is counted
 };
 
 /// A benchmark's whole work: builds what it needs, measures, and returns its rows. An exception is a failure

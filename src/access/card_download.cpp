@@ -88,13 +88,15 @@ bool CardDownload::sendTo(const GrantedController& controller, std::int32_t id, 
     return complete_ = false;
   }
   if (controller.twoPrograms()) twoPrograms_.add(com.getName(controller.station, controller.address));
+  // Of one moment, and the file locked once; the send ends it before the driver is called.
+  const Reading reading(*library_.QDB().DB());
   if (!com.TestSend(controller.station, controller.address)) return complete_ = false;
   CommandFile& file = library_.CommandFile();
   file.fopen();
   writeCardRecord(card, controller.rights(), liftOutputs(*library_.QDB().DB(), id, controller),
                   controller.type, file);
   file.fclose();
-  const std::int16_t result = com.Send(CmSendCommand, controller.station, controller.address);
+  const std::int16_t result = com.sendTested(controller.station, controller.address);
   if (status == 0) status = result;
   return result == 0;
 }

@@ -80,16 +80,32 @@ std::int16_t Com::sendChecked(ComCommandsEnum command, Target target, bool silen
   if (command < CmReadDate || command > CmDisconnect) {
     throw Error(err::invalidArgument, "Invalid argument: no such command");
   }
-  if (!skipsTest(command, target.controller) && !TestSend(target.station, target.controller)) {
-    return target.controller != CmToEachController ? std::int16_t{0}
-                                                   : sendToAnswering(command, target.station);
+  if (skipsTest(command, target.controller)) return sendNow(command, target, silence, autodetection, false);
+  const Reading reading(*database());
+  if (TestSend(target.station, target.controller)) {
+    return sendNow(command, target, silence, autodetection, true);
   }
+  database()->endReading();
+  return target.controller != CmToEachController ? std::int16_t{0} : sendToAnswering(command, target.station);
+}
+
+std::int16_t Com::sendTested(std::int16_t StationID, std::int16_t ControllerAddr) {
+  return library_.attempt({"msgUnexpecErr", "Com.send"}, [&] {
+    return sendNow(CmSendCommand, {StationID, ControllerAddr}, false, false, true);
+  });
+}
+
+std::int16_t Com::sendNow(ComCommandsEnum command, Target target, bool silence, bool autodetection,
+                          bool tested) {
+  const bool needsActive = !autodetection && command != CmConnect && command != CmDisconnect;
+  const bool active = needsActive && tested && isInUse(target.station);
+  if (tested) database()->endReading();
   const std::int16_t driverAddress = toDriverAddress(target.controller);
   log(std::string(driverNames[command]) + "(" + std::to_string(target.station) + "," +
           std::to_string(driverAddress) + ")",
       command == CmSendCommand && library_.CommandFile().isFull, false);
-  const bool needsActive = !autodetection && command != CmConnect && command != CmDisconnect;
-  if (needsActive && !library_.QDB().Stations().isActive(target.station)) {
+  // Not asked yet, or no: which the question tells of.
+  if (needsActive && !active && !library_.QDB().Stations().isActive(target.station)) {
     const char* mnemonic = command == CmSendCommand ? "msgDownloadToUnactive" : "msgSendToUnactive";
     errorList +=
         crLf + library_.Strings().read(mnemonic) + " (" + getName(target.station, target.controller) + ")";
@@ -105,6 +121,12 @@ std::int16_t Com::sendChecked(ComCommandsEnum command, Target target, bool silen
   const std::int16_t reported = dateOfStation && isComFailure(result) ? perController : result;
   recordFailure(reported, command, target, driverAddress);
   return reported;
+}
+
+bool Com::isInUse(std::int16_t station) {
+  const auto row =
+      database()->openRecordset("select Active from Stations where Id = " + std::to_string(station));
+  return !row->eof() && row->get("Active").toBool();
 }
 
 std::int16_t Com::callDriver(ComCommandsEnum command, Target target, std::int16_t driverAddress) {

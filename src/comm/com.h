@@ -48,6 +48,9 @@ class Com {
                     bool Silence = false, bool Autodetection = false);
   /// Whether the controller (0: every controller of the station) may be addressed after the last check.
   [[nodiscard]] bool TestSend(std::int16_t StationID, std::int16_t controllerID);
+  /// Send(CmSendCommand) to a controller of which TestSend has just said that it may be addressed. Ends a
+  /// Reading that both are part of before the driver is called.
+  std::int16_t sendTested(std::int16_t StationID, std::int16_t ControllerAddr);
   /// Refreshes the status of the component's controllers; true when none is marked as not answering.
   bool TestCom(ComponentType compType = CTActiveStations, const std::string& compName = "");
   /// Asks whether to abort when controllers of the component are marked as not answering; true: abort.
@@ -90,7 +93,10 @@ class Com {
   };
 
   std::int16_t sendChecked(ComCommandsEnum command, Target target, bool silence, bool autodetection);
+  /// Behind the test whether the target answers. tested: it was made within a Reading, which ends here.
+  std::int16_t sendNow(ComCommandsEnum command, Target target, bool silence, bool autodetection, bool tested);
   std::int16_t sendToAnswering(ComCommandsEnum command, std::int16_t station);
+  [[nodiscard]] bool isInUse(std::int16_t station);  ///< without a word about a missing one
   std::int16_t callDriver(ComCommandsEnum command, Target target, std::int16_t driverAddress);
   void recordFailure(std::int16_t result, ComCommandsEnum command, Target target, std::int16_t driverAddress);
   std::int16_t eachActiveStation(ComCommandsEnum command, std::int16_t address);

@@ -48,11 +48,11 @@ void Com::removeResultFile(std::int16_t station) const {
 }
 
 bool Com::TestSend(std::int16_t StationID, std::int16_t controllerID) {
-  std::string query = "select * From ComStatus where StationID =" + std::to_string(StationID);
+  std::string query = "select Status From ComStatus where StationID =" + std::to_string(StationID);
   if (controllerID != CmToEachController) query += " and CtrAddr = " + std::to_string(controllerID);
   const auto rows = database()->openRecordset(query);
   for (; !rows->eof(); rows->moveNext()) {
-    if (rows->get("Status") == Value(notAnswered)) return false;
+    if (rows->get(std::size_t{0}) == Value(notAnswered)) return false;
     if (controllerID != CmToEachController) return true;
   }
   return true;

@@ -20,8 +20,7 @@ CommandFile::~CommandFile() {
 void CommandFile::fopen() {
   // A new file where that is possible: one that is emptied and written again some file systems take to the
   // disk at once, and downloads write by the thousand what nobody needs after a crash.
-  (void)files::removeRegular(file_.Name());
-  file_.fopen("w");
+  file_.fopenNew();
   isFull = false;
 }
 

@@ -62,13 +62,20 @@ auto SeqFile::access(const char* mnemonic, Work&& work) {
 }
 
 void SeqFile::fopen(const std::string& mode) {
+  open(mode == "r"   ? files::Stream::Mode::read
+       : mode == "w" ? files::Stream::Mode::write
+                     : files::Stream::Mode::append);
+}
+
+void SeqFile::fopenNew() {
+  open(files::Stream::Mode::replace);
+}
+
+void SeqFile::open(files::Stream::Mode mode) {
   abandon();
   ch_ = library_.takeFileNumber();
-  const auto streamMode = mode == "r"   ? files::Stream::Mode::read
-                          : mode == "w" ? files::Stream::Mode::write
-                                        : files::Stream::Mode::append;
   try {
-    stream_.emplace(name_, streamMode);
+    stream_.emplace(name_, mode);
   } catch (const Error&) {
     stream_.reset();  // the number stays taken, and the next access says what is wrong
   }
@@ -97,7 +104,10 @@ bool SeqFile::fEOF() {
 }
 
 void SeqFile::fprint(const std::string& text) {
-  access("msgCantWrite", [&] { opened(stream_).write(toCp1252(text) + "\r\n"); });
+  access("msgCantWrite", [&] {
+    std::string line = toCp1252(text);
+    opened(stream_).write(line += "\r\n");
+  });
 }
 
 void SeqFile::finput(Value& var) {
@@ -106,6 +116,10 @@ void SeqFile::finput(Value& var) {
 
 std::string SeqFile::flineInput(std::size_t limit) {
   return access("msgCantRead", [&] { return fromCp1252(opened(stream_).readLine(limit)); });
+}
+
+void SeqFile::flineInput1252(std::string& line, std::size_t limit) {
+  access("msgCantRead", [&] { opened(stream_).readLine(line, limit); });
 }
 
 void SeqFile::appendFile(const std::string& fileName) {

@@ -30,6 +30,8 @@ class SeqFile {
   /// mode, to the letter: "r" reads, "w" empties and writes, anything else appends (creating the file when
   /// it is missing). An open file is closed first, as the destructor does it.
   void fopen(const std::string& mode = "");
+  /// Opens a new file of that name for writing, the old one deleted where that is possible.
+  void fopenNew();
   /// What was written is in the file when this returns; a failure is raised like that of a write.
   void fclose();
   [[nodiscard]] bool fEOF();
@@ -39,11 +41,14 @@ class SeqFile {
   void finput(Value& var);
   /// limit: greatest number of characters; what a longer line has beyond them is passed over.
   [[nodiscard]] std::string flineInput(std::size_t limit = std::string::npos);
+  /// The same line as it stands in the file, in code page 1252. line: its memory is used again.
+  void flineInput1252(std::string& line, std::size_t limit);
   /// Copies the lines of another file to the end of this one, which must be open for writing.
   void appendFile(const std::string& fileName);
 
  private:
   void abandon();
+  void open(files::Stream::Mode mode);
   template <typename Work>
   auto access(const char* mnemonic, Work&& work);
 

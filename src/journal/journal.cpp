@@ -16,6 +16,7 @@ std::int16_t Journal::createDB() {
 void Journal::createFile() {
   database_ = library_.engine().create(dbName);
   create();
+  (void)database_->tableDef(Name());  // raises what create tells of and passes over: a journal is its table
 }
 
 void Journal::createFields(TableDef& td) {

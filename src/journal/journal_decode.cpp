@@ -27,15 +27,16 @@ std::string Journal::decodeFile(std::int16_t stationId, const std::string& baseN
   Transaction transaction(engine);
   JournalRows rows(library_, database(), stationId);
   UndecodedLines undecoded;
+  std::string line;
   for (std::size_t number = 1; !dump.fEOF(); ++number) {
-    const std::string text = dump.flineInput(UndecodedLines::longestLine);
-    if (text.empty()) continue;
-    const std::string line = toCp1252(text);
+    dump.flineInput1252(line, UndecodedLines::longestLine);
+    if (line.empty()) continue;
     const std::string_view fault = rows.add(line);
     if (!fault.empty()) {
-      undecoded.add(number, fault, text);
+      undecoded.add(number, fault, fromCp1252(line));
     } else if (hasMore(line)) {
-      undecoded.add(number, "more than a transaction, whose first 23 characters are in the journal", text);
+      undecoded.add(number, "more than a transaction, whose first 23 characters are in the journal",
+                    fromCp1252(line));
     }
   }
   const std::string keptIn = baseName + ".BAD";

@@ -74,13 +74,7 @@ std::string_view decodeLine(std::string_view line, JournalLine& out) {
                        .hour = number(12),
                        .minute = number(14)};
   if (twoDigitYear < 0 || !isValid(when)) return "no such date or time";
-  out.date = when.year < 2000 ? "dd/mm/19yy hh:nn" : "dd/mm/20yy hh:nn";
-  const auto put = [&](std::size_t at, std::size_t from) { line.copy(&out.date[at], 2, from); };
-  put(0, 5);
-  put(3, 7);
-  put(8, 9);
-  put(11, 11);
-  put(14, 13);
+  out.date = toDateTime(when);
   out.data = line.substr(15, 8);
   if (!isText(out.data)) return "the data holds an apostrophe or a control character";
   return "";

@@ -1,8 +1,9 @@
 #pragma once
 
 #include <cstdint>
-#include <string>
 #include <string_view>
+
+#include "platform/value.h"
 
 namespace voxa {
 
@@ -13,7 +14,7 @@ struct JournalLine {
 
   std::int16_t controller = 0;  ///< address on its station
   std::string_view type;        ///< two digits
-  std::string date;             ///< "dd/mm/yyyy hh:mm", year in full
+  DateTime date;                ///< to the minute
   std::string_view data;        ///< eight characters, none of them a control character or an apostrophe
   /// Door of the controller, 1 to 4, that the type code names; 0 when it names none: then the transaction
   /// belongs to the door of the line before.

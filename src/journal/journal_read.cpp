@@ -95,7 +95,7 @@ std::string Journal::getLastCardCode(const std::string& readerName) {
         "WHERE (((Journal.TransactionType)='10' Or (Journal.TransactionType)='12' Or "
         "(Journal.TransactionType)='11' Or (Journal.TransactionType)='13') AND "
         "((Format([Date],'dd/mm/yyyy'))=Format(Now(),'dd/mm/yyyy'))) and ReaderName = '" +
-        readerName + "' ORDER BY Journal.Date DESC");
+        readerName + "' ORDER BY Journal.Date DESC, Journal.Id DESC");  // the later one of a minute
     if (last->eof()) return;
     const Value data = last->get("TransactionData");
     last->remove();

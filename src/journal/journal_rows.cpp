@@ -14,44 +14,52 @@ namespace {
 
 constexpr std::size_t cardNumbers = 10'000;  // 0 to 9999, as four digits hold them
 
-constexpr std::string_view insertInto =
-    "insert into Journal ([Date], StationId, StationName, ReaderId, ReaderName,"
-    "TransactionType, CardholderName, TransactionData ) values ( '";
+/// The statement of a station's rows. A station's name stands in it as it is: one that breaks the statement
+/// makes the insert fail.
+std::string insertOf(std::int16_t stationId, const std::string& stationName) {
+  return "parameters pDate datetime, pReader long, pReaderName memo, pType memo, pCardholder memo, pData "
+         "memo; "
+         "insert into Journal ([Date], StationId, StationName, ReaderId, ReaderName, TransactionType, "
+         "CardholderName, TransactionData) values (pDate, " +
+         std::to_string(stationId) + ", '" + stationName +
+         "', pReader, pReaderName, pType, pCardholder, pData)";
+}
+/// The places of the parameters.
+enum Column : std::size_t { date, readerId, readerName, type, cardholderName, data, columns };
 
-/// The first characters of a name, apostrophes doubled for a text literal.
-std::string nameLiteral(std::string_view name) {
-  std::string out;
-  int characters = 0;
-  for (const char c : name) {
-    const bool startsCharacter = (static_cast<unsigned char>(c) & 0xC0U) != 0x80U;
+/// The first characters of a name, as many as its column takes.
+std::string cut(std::string_view name) {
+  std::size_t end = 0;
+  for (int characters = 0; end < name.size(); ++end) {
+    const bool startsCharacter = (static_cast<unsigned char>(name[end]) & 0xC0U) != 0x80U;
     if (startsCharacter && ++characters > cardholderNameSize) break;
-    out.append(c == '\'' ? 2 : 1, c);
   }
-  return out;
+  return std::string(name.substr(0, end));
 }
 
 }  // namespace
 
 JournalRows::JournalRows(Library& library, Database& journal, std::int16_t stationId)
-    : library_(library), journal_(journal), stationId_(stationId), sql_(insertInto) {
-  const std::string id = std::to_string(stationId);
+    : library_(library), journal_(journal), stationId_(stationId), row_(columns) {
   const std::string name = library_.QDB().Stations().getName(stationId, true);
-  station_ = id + ",'" + (name.empty() ? id : name) + "',";
+  sql_ = insertOf(stationId, name.empty() ? std::to_string(stationId) : name);
 }
 
-const std::string& JournalRows::cardholder(std::string_view cardNumber) {
+JournalRows::~JournalRows() = default;
+
+const Value& JournalRows::cardholder(std::string_view cardNumber) {
   const std::int16_t number = digitsToNumber(cardNumber);
-  if (number < 0) return noCard_ = nameLiteral(fromCp1252(cardNumber));
+  if (number < 0) return noCard_ = cut(fromCp1252(cardNumber));
   if (cardholders_.empty()) cardholders_.resize(cardNumbers);
-  std::optional<std::string>& known = cardholders_[static_cast<std::size_t>(number)];
-  if (!known) {
+  Value& known = cardholders_[static_cast<std::size_t>(number)];
+  if (known.isNull()) {
     const std::string name = library_.QDB().Cardholders().getNameByCardNum(number);
-    known = nameLiteral(name.empty() ? cardNumber : name);
+    known = cut(name.empty() ? cardNumber : name);
   }
-  return *known;
+  return known;
 }
 
-const std::string& JournalRows::reader(std::int16_t controller, std::int16_t position) {
+const JournalRows::Door& JournalRows::reader(std::int16_t controller, std::int16_t position) {
   constexpr int positions = 5;
   const auto [entry, isNew] = readers_.try_emplace(controller * positions + position);
   if (isNew) {
@@ -62,7 +70,7 @@ const std::string& JournalRows::reader(std::int16_t controller, std::int16_t pos
       name = readers.getName(id, true);
       if (name.empty()) name = std::to_string(id);
     }
-    entry->second = std::to_string(id) + ",'" + name + "','";
+    entry->second = {std::int32_t{id}, std::move(name)};
   }
   return entry->second;
 }
@@ -75,12 +83,15 @@ std::string_view JournalRows::add(std::string_view line) {
     return fault;
   }
   if (line_.position != 0) position_ = line_.position;
-  sql_.resize(insertInto.size());
-  sql_.append(line_.date).append("',").append(station_).append(reader(line_.controller, position_));
-  sql_.append(line_.type).append("','");
-  if (line_.ofCard) sql_.append(cardholder(line_.cardNumber()));
-  sql_.append("','").append(fromCp1252(line_.data)).append("')");
-  journal_.execute(sql_);
+  const Door& door = reader(line_.controller, position_);
+  row_[date] = line_.date;
+  row_[readerId] = door.id;
+  row_[readerName] = door.name;
+  row_[type] = line_.type;
+  row_[cardholderName] = line_.ofCard ? cardholder(line_.cardNumber()) : noName_;
+  row_[data] = fromCp1252(line_.data);
+  if (!insert_) insert_ = journal_.prepare(sql_);
+  (void)insert_->execute(row_);
   return "";
 }
 

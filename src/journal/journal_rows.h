@@ -1,16 +1,18 @@
 #pragma once
 
 #include <cstdint>
-#include <optional>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
 
 #include "journal/journal_line.h"
+#include "platform/value.h"
 
 namespace voxa {
 
+class Command;
 class Database;
 class Library;
 
@@ -22,25 +24,33 @@ inline constexpr int cardholderNameSize = 40;
 class JournalRows {
  public:
   JournalRows(Library& library, Database& journal, std::int16_t stationId);
+  ~JournalRows();
 
   /// Inserts the transaction that a line starts with. line: code page 1252. Returns why there is none, ""
   /// when it was inserted. A failing insert is raised.
   [[nodiscard]] std::string_view add(std::string_view line);
 
  private:
-  const std::string& cardholder(std::string_view cardNumber);
-  const std::string& reader(std::int16_t controller, std::int16_t position);
+  struct Door {
+    Value id;
+    Value name;
+  };
+
+  const Value& cardholder(std::string_view cardNumber);
+  const Door& reader(std::int16_t controller, std::int16_t position);
 
   Library& library_;
   Database& journal_;
-  std::int16_t stationId_;
-  std::string station_;  // id and name, as the statement has them
-  JournalLine line_;
   std::string sql_;
-  std::int16_t position_ = 0;                            // of the line before, 0 when that is not known
-  std::vector<std::optional<std::string>> cardholders_;  // by card number, apostrophes doubled
-  std::unordered_map<int, std::string> readers_;         // by controller and position: id and name
-  std::string noCard_;
+  std::unique_ptr<Command> insert_;  // of sql_, prepared for the first row
+  std::int16_t stationId_;
+  JournalLine line_;
+  std::vector<Value> row_;                 // the values of insert_
+  std::int16_t position_ = 0;              // of the line before, 0 when that is not known
+  std::vector<Value> cardholders_;         // names by card number, Null until they are asked for
+  std::unordered_map<int, Door> readers_;  // by controller and position
+  Value noCard_;
+  Value noName_ = "";
 };
 
 }  // namespace voxa

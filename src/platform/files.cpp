@@ -8,6 +8,7 @@
 
 #include "platform/error.h"
 #include "platform/files_platform.h"
+#include "platform/text.h"
 
 namespace voxa::files {
 namespace {
@@ -35,22 +36,47 @@ Error creationError(int error, std::string_view path) {
   return fileError(error, std::string(path));
 }
 
-File open(std::string_view path, Open how) {
+/// name: the path as native() gives it.
+File open(const std::string& name, std::string_view path, Open how) {
   int error = 0;
-  File file(openFile(native(path), how, error), &std::fclose);
+  File file(openFile(name, how, error), &std::fclose);
   if (!file) throw how == Open::read ? fileError(error, std::string(path)) : creationError(error, path);
   return file;
 }
 
-/// A new file beside another, deleted again unless it took that one's name.
+bool removeNativeRegular(const std::string& name) {
+  const fs::path found = asPath(name);
+  std::error_code error;
+  return fs::is_regular_file(fs::symlink_status(found, error)) && fs::remove(found, error);
+}
+
+/// Deletes what processes that were killed while they copied to a target have left beside it.
+void removeLeftovers(const fs::path& target) {
+  const std::string prefix = asText(target.filename()) + '~';
+  const fs::path folder = target.has_parent_path() ? target.parent_path() : ".";
+  std::error_code error;  // a folder that cannot be looked through keeps them
+  for (fs::directory_iterator i(folder, error), end; !error && i != end; i.increment(error)) {
+    const std::string name = asText(i->path().filename());
+    if (name.size() > prefix.size() && equalNoCase(name.substr(0, prefix.size()), prefix) &&
+        name.find_first_not_of("0123456789", prefix.size()) == std::string::npos) {
+      const File leftover(takeOver(asText(i->path())), &std::fclose);
+      std::error_code kept;  // the next copy tries again
+      if (leftover) fs::remove(i->path(), kept);
+    }
+  }
+}
+
+/// A new file beside another, deleted again unless it took that one's name. It stays open until then, as
+/// what tells it from a leftover.
 class TemporaryFile {
  public:
   explicit TemporaryFile(std::string_view target) : target_(target), file_(nullptr, &std::fclose) {
+    removeLeftovers(asPath(native(target)));
     int error = EEXIST;
     for (int n = 0; error == EEXIST && n < 1000; ++n) {
       path_ = native(target) + '~' + std::to_string(n);
       error = 0;
-      file_.reset(openFile(path_, Open::createNew, error));
+      file_.reset(openOwned(path_, error));
     }
     if (!file_) throw creationError(error, target);
   }
@@ -63,14 +89,13 @@ class TemporaryFile {
   TemporaryFile& operator=(const TemporaryFile&) = delete;
 
   void fillFrom(std::string_view source) {
-    const File in = open(source, Open::read);
+    const File in = open(native(source), source, Open::read);
     std::array<char, 65536> bytes;  // NOLINT(cppcoreguidelines-pro-type-member-init): read into before use
     while (const auto n = std::fread(bytes.data(), 1, bytes.size(), in.get())) {
       if (std::fwrite(bytes.data(), 1, n, file_.get()) != n) throw fileError(errno, target_);
     }
     if (std::ferror(in.get()) != 0) throw fileError(errno, std::string(source));
     if (const int error = flushToDevice(file_.get()); error != 0) throw fileError(error, target_);
-    if (std::fclose(file_.release()) != 0) throw fileError(errno, target_);
   }
   void replaceTarget() {
     std::error_code error;
@@ -110,9 +135,7 @@ void remove(std::string_view path) {
 }
 
 bool removeRegular(std::string_view path) {
-  const fs::path found = asPath(native(path));
-  std::error_code error;
-  return fs::is_regular_file(fs::symlink_status(found, error)) && fs::remove(found, error);
+  return removeNativeRegular(native(path));
 }
 
 void rename(std::string_view from, std::string_view to) {
@@ -136,8 +159,31 @@ void copy(std::string_view from, std::string_view to) {
   copied.replaceTarget();
 }
 
+std::optional<OwnedFile> OwnedFile::create(std::string_view path, std::string_view text) {
+  int error = 0;
+  OwnedFile file(path, openOwned(native(path), error));
+  if (error == EEXIST) return std::nullopt;
+  if (!file.file_) throw creationError(error, path);
+  const bool written = std::fwrite(text.data(), 1, text.size(), file.file_.get()) == text.size();
+  if (error = written ? flushToDevice(file.file_.get()) : errno; error != 0) {
+    file.remove();
+    throw fileError(error, std::string(path));
+  }
+  return file;
+}
+
+std::optional<OwnedFile> OwnedFile::takeOver(std::string_view path) {
+  OwnedFile file(path, files::takeOver(native(path)));
+  return file.file_ ? std::optional(std::move(file)) : std::nullopt;
+}
+
+void OwnedFile::remove() {
+  files::remove(path_);
+  file_.reset();
+}
+
 void createNew(std::string_view path) {
-  (void)open(path, Open::createNew);
+  (void)open(native(path), path, Open::createNew);
 }
 
 void makeFolder(std::string_view path) {
@@ -159,8 +205,13 @@ std::vector<std::string> list(std::string_view folder) {
 }
 
 Stream::Stream(std::string_view path, Mode mode) : path_(path), mode_(mode) {
-  const Open how = mode == Mode::read ? Open::read : mode == Mode::write ? Open::write : Open::append;
-  file_.reset(open(path, how).release());
+  const Open how = mode == Mode::read ? Open::read : mode == Mode::append ? Open::append : Open::write;
+  const std::string name = native(path);
+  if (mode == Mode::replace) {
+    (void)removeNativeRegular(name);
+    mode_ = Mode::write;
+  }
+  file_.reset(open(name, path, how).release());
 }
 
 void Stream::requireOpen(bool reading) const {
@@ -198,9 +249,9 @@ void Stream::skipLineFeed() {
   if (fill() && buffer_[next_] == '\n') ++next_;
 }
 
-std::string Stream::readLine(std::size_t limit) {
+void Stream::readLine(std::string& line, std::size_t limit) {
   requireMore();
-  std::string line;
+  line.clear();
   while (fill()) {
     const auto begin = buffer_.begin() + static_cast<std::ptrdiff_t>(next_);
     const auto end = std::find_if(begin, buffer_.end(), [](char c) { return c == '\r' || c == '\n'; });
@@ -212,6 +263,11 @@ std::string Stream::readLine(std::size_t limit) {
     if (buffer_[next_ - 1] == '\r') skipLineFeed();
     break;
   }
+}
+
+std::string Stream::readLine(std::size_t limit) {
+  std::string line;
+  readLine(line, limit);
   return line;
 }
 

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdio>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -38,12 +39,36 @@ void makeFolder(std::string_view path);
 [[nodiscard]] std::vector<std::string> list(std::string_view folder);
 [[nodiscard]] std::string currentFolder();  ///< absolute, native separators, without a trailing one
 
+/// A small file that says whether the process that made it is still at work: it is its own for as long as
+/// this object lives, and nobody's when the process has ended, without a word even. Deleting it is remove().
+class OwnedFile {
+ public:
+  /// Creates it with that text, which is on the device then; none when there is a file of that name.
+  [[nodiscard]] static std::optional<OwnedFile> create(std::string_view path, std::string_view text);
+  /// Of one that is nobody's; none when a process has it or there is no such file.
+  [[nodiscard]] static std::optional<OwnedFile> takeOver(std::string_view path);
+
+  [[nodiscard]] const std::string& path() const { return path_; }
+  void remove();  ///< the last that can be done with it
+
+ private:
+  struct Closer {
+    void operator()(std::FILE* f) const { (void)std::fclose(f); }
+  };
+  OwnedFile(std::string_view path, std::FILE* file) : path_(path), file_(file) {}
+
+  std::string path_;
+  std::unique_ptr<std::FILE, Closer> file_;
+};
+
 /// An open text file, bytes as they are. Movable; the destructor closes and, having no one to tell, ignores
 /// a failure: call close() where a failed write must be known. A file it creates is its owner's alone.
 /// Reading what is open for writing, or the reverse, raises 54; any use after close() raises 52.
 class Stream {
  public:
-  enum class Mode { read, write, append };  ///< write empties or creates, append creates when missing
+  /// write empties or creates, append creates when missing; replace is write, into a new file where the old
+  /// one can be deleted.
+  enum class Mode { read, write, append, replace };
 
   /// 53 when a file to read is missing, 76 when the folder of a file to write is.
   Stream(std::string_view path, Mode mode);
@@ -52,6 +77,7 @@ class Stream {
   /// Next line without its end (CR LF, LF or CR); of a line longer than `limit` bytes only so many, the rest
   /// being passed over. Raises 62 at the end of the file.
   [[nodiscard]] std::string readLine(std::size_t limit = std::string::npos);
+  void readLine(std::string& line, std::size_t limit);  ///< the same into a text whose memory is used again
   /// Next item up to a comma or line end, blanks around it dropped, double quotes around it removed (commas
   /// inside quotes belong to the item). Raises 62 at the end of the file.
   [[nodiscard]] std::string readItem();

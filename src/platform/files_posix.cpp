@@ -1,5 +1,6 @@
 #include <dirent.h>
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -99,6 +100,33 @@ std::FILE* openFile(const std::string& path, Open how, int& error) {
     error = errno;
   }
   if (file == nullptr) ::close(descriptor);
+  return file;
+}
+
+std::FILE* openOwned(const std::string& path, int& error) {
+  std::FILE* file = openFile(path, Open::createNew, error);
+  if (file == nullptr) return nullptr;
+  // Between its creation and the lock another process may have taken it over. Where the file system has no
+  // locks, none can.
+  const bool taken = ::flock(::fileno(file), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+  struct stat info {};
+  if (!taken && ::fstat(::fileno(file), &info) == 0 && info.st_nlink > 0) return file;
+  (void)std::fclose(file);
+  error = EEXIST;
+  return nullptr;
+}
+
+std::FILE* takeOver(const std::string& path) {
+  const int descriptor = ::open(path.c_str(), O_RDWR | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
+  if (descriptor < 0) return nullptr;
+  struct stat locked {};
+  struct stat named {};
+  // The name may be another file's by now: its owner renamed it, and the next one took the name.
+  const bool owned = ::flock(descriptor, LOCK_EX | LOCK_NB) == 0 && ::fstat(descriptor, &locked) == 0 &&
+                     ::lstat(path.c_str(), &named) == 0 && S_ISREG(named.st_mode) &&
+                     locked.st_dev == named.st_dev && locked.st_ino == named.st_ino;
+  std::FILE* file = owned ? ::fdopen(descriptor, "rb") : nullptr;
+  if (file == nullptr) (void)::close(descriptor);
   return file;
 }
 

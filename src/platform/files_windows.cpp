@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdint>
 #include <filesystem>
 #include <system_error>
 
@@ -24,6 +25,32 @@ std::wstring wide(const std::string& path) {
 bool isFolder(const std::wstring& path) {
   const DWORD attributes = ::GetFileAttributesW(path.c_str());
   return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
+int errnoOf(DWORD code) {
+  return std::error_code(static_cast<int>(code), std::system_category()).default_error_condition().value();
+}
+
+/// Opens for writing a file that nobody else has open for writing, or can open so.
+std::FILE* openAlone(const std::string& path, DWORD disposition, const char* mode, int& error) {
+  HANDLE file =
+      ::CreateFileW(wide(path).c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_DELETE,
+                    nullptr, disposition, FILE_ATTRIBUTE_NORMAL | FILE_FLAG_OPEN_REPARSE_POINT, nullptr);
+  if (file == INVALID_HANDLE_VALUE) {
+    const DWORD code = ::GetLastError();
+    error = code == ERROR_FILE_EXISTS ? EEXIST : errnoOf(code);
+    return nullptr;
+  }
+  const int descriptor = ::_open_osfhandle(reinterpret_cast<std::intptr_t>(file), _O_BINARY | _O_NOINHERIT);
+  std::FILE* stream = descriptor < 0 ? nullptr : ::_fdopen(descriptor, mode);
+  if (stream != nullptr) return stream;
+  error = errno;
+  if (descriptor < 0) {
+    (void)::CloseHandle(file);
+  } else {
+    ::_close(descriptor);
+  }
+  return nullptr;
 }
 
 }  // namespace
@@ -75,6 +102,15 @@ std::FILE* openFile(const std::string& path, Open how, int& error) {
   return file;
 }
 
+std::FILE* openOwned(const std::string& path, int& error) {
+  return openAlone(path, CREATE_NEW, "wb", error);
+}
+
+std::FILE* takeOver(const std::string& path) {
+  int error = 0;
+  return openAlone(path, OPEN_EXISTING, "rb", error);
+}
+
 int createFolder(const std::string& path) {
   return ::_wmkdir(wide(path).c_str()) != 0 ? errno : 0;
 }
@@ -88,7 +124,7 @@ int renameNew(const std::string& from, const std::string& to) {
   const DWORD code = ::GetLastError();
   if (code == ERROR_ALREADY_EXISTS || code == ERROR_FILE_EXISTS) return EEXIST;
   if (code == ERROR_NOT_SAME_DEVICE) return EXDEV;
-  return std::error_code(static_cast<int>(code), std::system_category()).default_error_condition().value();
+  return errnoOf(code);
 }
 
 }  // namespace voxa::files

@@ -1,5 +1,8 @@
 #include "app/qdb.h"
 
+#include <sys/resource.h>
+
+#include <csignal>
 #include <filesystem>
 
 #include "app/itable.h"
@@ -106,6 +109,24 @@ TEST_F(QDBTest, CreateDBOverTheOpenDatabaseAsksAndHeedsTheAnswers) {
   EXPECT_TRUE(glob->QDB().Journal().DB()->isOpen());
   const auto saved = engine->open("Saved.mdb");
   EXPECT_FALSE(saved->openRecordset("select * from Stations where Name = 'kept'")->eof());
+}
+
+TEST_F(QDBTest, AJournalThatGetsNoTableIsAnError) {
+  ASSERT_EQ(glob->Strings().createDB(), 0);
+  rlimit before{};
+  ::getrlimit(RLIMIT_FSIZE, &before);
+  const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+  std::int16_t status = -1;
+  for (rlim_t room = 0; status != 0 && room < 100'000; room += 1024) {
+    std::filesystem::remove(Journal::dbName);
+    const rlimit small{.rlim_cur = room, .rlim_max = before.rlim_max};
+    ::setrlimit(RLIMIT_FSIZE, &small);
+    status = glob->QDB().Journal().createDB();
+    ::setrlimit(RLIMIT_FSIZE, &before);
+    EXPECT_EQ(status == 0, boxes().empty()) << room;
+  }
+  std::signal(SIGXFSZ, handler);
+  EXPECT_EQ(glob->QDB().Journal().DB()->tableNames(), Strings_{"Journal"});
 }
 
 TEST_F(QDBTest, SaveAndRestoreGoThroughAClosedFile) {

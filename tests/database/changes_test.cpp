@@ -32,7 +32,15 @@ TEST_F(Changes, WhatBreaksADefinitionHasItsNumberAndNamesThePlace) {
     EXPECT_EQ(executeFailure(sql), number) << sql << ": " << lastDescription;
     EXPECT_NE(lastDescription.find(names), std::string::npos) << lastDescription;
   }
-  EXPECT_EQ(failure([&] { (void)db->openRecordset("Nowhere"); }) / 1000, 3);
+  const std::vector<std::pair<const char*, int>> sources = {{"Nowhere", err::dbUnknownTable},
+                                                            {" [No where] ", err::dbUnknownTable},
+                                                            {"select", err::dbSyntax},
+                                                            {"selct Id", err::dbSyntax},
+                                                            {"", err::dbSyntax},
+                                                            {"5", err::dbSyntax}};
+  for (const auto& [source, error] : sources) {
+    EXPECT_EQ(failure([&, name = source] { (void)db->openRecordset(name); }), error) << source;
+  }
   EXPECT_EQ(countOf("Stations"), 2);
   EXPECT_EQ(countOf("Readers where Name = 'éLAN' and Position = 1 and Note is null"), 1);
 }
@@ -63,11 +71,50 @@ TEST_F(Changes, StatementsThatDifferInLiteralsAreOne) {
   for (int i = 1; i < 30; ++i) run(i);
   EXPECT_EQ(preparedStatements(*db), before);
   EXPECT_EQ(valueOf("select Note from Readers where Position = 29"), Value("n29"));
+  // What GROUP BY lists is told by its literals, too, whichever statement of the text came first.
+  const auto grouping = [&](const char* shown, const char* others) {
+    return failure([&] {
+      (void)db->openRecordset("select Left(Name, " + std::string(shown) +
+                              ") from Stations group by Left(Name, 1), Left(Name, " + others + ")");
+    });
+  };
+  for (int i = 0; i < 2; ++i) {
+    EXPECT_EQ(grouping("1", "2"), 0);
+    EXPECT_EQ(grouping("2", "2"), 0);
+    EXPECT_EQ(grouping("2", "3"), err::dbNotAggregated);
+  }
   // More texts than are kept: the oldest go, and come back when asked for.
   for (int i = 0; i < 300; ++i)
     (void)db->openRecordset("select Id as x" + std::to_string(i) + " from Readers");
   run(31);
   EXPECT_EQ(countOf("Readers"), 31);
+}
+
+TEST_F(Changes, CommandsRunWithOtherValuesEachTime) {
+  const auto add = db->prepare(
+      "parameters pName memo, pSince datetime, pId long; "
+      "insert into Stations (Id, Name, Since, Active) values (pId, pName, pSince, 'True')");
+  const Value since = DateTime{40000.5};
+  EXPECT_EQ(add->execute({"East's", since, 3}), 1);
+  EXPECT_EQ(add->execute({"West", "01/02/2020", "4"}), 1);  // converted as literals are
+  EXPECT_EQ(valueOf("select Since from Stations where Name = 'East''s' and Active"), since);
+  EXPECT_EQ(valueOf("select Id from Stations where Since = #2/1/2020#"), Value(std::int16_t{4}));
+
+  EXPECT_EQ(failure([&] { return add->execute({"West", since, 5}); }), err::dbDuplicate);
+  EXPECT_EQ(failure([&] { return add->execute({"Longer than ten", since, 5}); }), err::dbTextTooLong);
+  EXPECT_EQ(failure([&] { return add->execute({"Fifth", since}); }), err::dbTooFewParameters);
+  EXPECT_EQ(failure([&] { return db->prepare("select * from Stations"); }), err::dbSelectExecuted);
+  EXPECT_EQ(countOf("Stations"), 4);
+
+  db->addField("Stations", {"Phone", DataType::Text, 5, "none"});  // another schema than it was made for
+  EXPECT_EQ(add->execute({"Fifth", since, 5}), 1);
+  EXPECT_EQ(valueOf("select Phone from Stations where Id = 5"), Value("none"));
+  engine->begin();
+  EXPECT_EQ(add->execute({"Sixth", since, 6}), 1);
+  engine->rollback();
+  EXPECT_EQ(countOf("Stations"), 5);
+  db->close();
+  EXPECT_EQ(failure([&] { return add->execute({"Sixth", since, 6}); }), err::dbInvalidObject);
 }
 
 TEST_F(Changes, NumberedFieldsCountOnFromAGivenValue) {

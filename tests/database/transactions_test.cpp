@@ -3,6 +3,7 @@
 #include <sys/resource.h>
 
 #include <filesystem>
+#include <functional>
 
 #include "database/fixture.h"
 #include "platform/database/sqlite/functions.h"
@@ -138,6 +139,46 @@ TEST_F(Transactions, LocksOfOthersAreWaitedForAndThenTold) {
 TEST_F(Transactions, OpenRowsHoldNoLock) {
   const auto rows = db->openRecordset("Stations");
   EXPECT_EQ(inOtherProcess([](Database& other) { other.execute("update Stations set Active = True"); }), 0);
+}
+
+TEST_F(Transactions, ReadingTogetherIsOfOneMomentAndEndsWithTheFirstChange) {
+  const auto changeElsewhere = [&] {
+    return inOtherProcess([](Database& other) { other.execute("update Stations set Active = not Active"); });
+  };
+  {
+    const Reading reading(*db);
+    const Reading again(*db);
+    EXPECT_EQ(countOf("Stations where Active"), 1);
+    EXPECT_EQ(changeElsewhere(), err::dbLocked);
+    db->endReading();
+    EXPECT_EQ(changeElsewhere(), 0);
+    db->endReading();
+  }
+  const std::function<void()> changes[] = {[&] { db->execute("delete from Readers"); },
+                                           [&] {
+                                             const auto rows = db->openRecordset("Readers");
+                                             rows->addNew();
+                                             rows->set("Name", "Door");
+                                             rows->update();
+                                           },
+                                           [&] {
+                                             db->createTable({"More", {{"Id", DataType::Long}}, {}});
+                                           },
+                                           [&] { Transaction(*engine).commit(); }};
+  for (const auto& change : changes) {
+    db->beginReading();
+    EXPECT_EQ(countOf("Stations"), 2);
+    change();
+    EXPECT_EQ(changeElsewhere(), 0);
+    db->endReading();
+  }
+  EXPECT_EQ(countOf("Readers"), 1);
+  EXPECT_EQ(db->tableNames().size(), 3U);
+  engine->begin();  // within a transaction it is the transaction that decides
+  { const Reading reading(*db); }
+  db->execute("delete from Readers");
+  engine->rollback();
+  EXPECT_EQ(countOf("Readers"), 1);
 }
 
 TEST_F(Transactions, CommittedStateSurvivesAKilledProcess) {

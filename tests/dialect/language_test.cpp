@@ -119,6 +119,11 @@ TEST_F(Language, JoinsGroupsAndOrders) {
       {"select avg(Small), min(Name), count(Note), sum(Flag) from T", "0.0|anna|1|-1"},
       {"select Id from T group by Name", "!3122"},
       {"select Name, count(*) from T", "!3122"},
+      {"select Left(Name, 2) from T group by Left(Name, 1)", "!3122"},
+      {"select Left(Name, 2) & 'n', count(*) from T group by Left(Name, 1), Left(Name, 2) having count(*) > "
+       "1",
+       "ann|2"},
+      {"parameters p Integer, q Integer; select Left(Name, p) from T group by Left(Name, q)", "!3122"},
       {"select distinct Name from T order by Name", "anna;Éric"},
       {"select distinctrow T.Name from T inner join U on T.Id = U.Tid", "Éric"},
       {"select top 2 Id from T order by Id desc;", "3;2"},

@@ -86,10 +86,10 @@ TEST_F(JournalTest, TheLastUnknownCardOfToday) {
   const std::string missing =
       "Can't find a new card code. Pass your card, and read again.|(Journal.getLastCardCode)";
   memory =
-      "05 10231226235900000001\r\n"  // yesterday
-      "05 10241226090000000002\r\n05 10241226100000000003\r\n"
-      "05 12241226110000000004\r\n"   // at another door
-      "05 20241226120000000005\r\n";  // a known card
+      "05 10231226235900000001\r\n"                             // yesterday
+      "05 10241226100000000002\r\n05 10241226100000000003\r\n"  // in one minute
+      "05 12241226110000000004\r\n"                             // at another door
+      "05 20241226120000000005\r\n";                            // a known card
   EXPECT_EQ(journal().getLastCardCode("Front"), "00000003");
   EXPECT_EQ(rows().find("00000003"), std::string::npos);
   memory = "";

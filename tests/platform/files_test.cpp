@@ -7,6 +7,7 @@
 #include <csignal>
 #include <filesystem>
 
+#include "platform/files_platform.h"
 #include "temporary_folder.h"
 
 namespace voxa {
@@ -99,6 +100,23 @@ TEST_F(FilesTest, AFailedCopyLeavesTheTargetAsItWas) {
   EXPECT_EQ(errorOf([&] { return files::copy(folder_ / "none", folder_ / "to"), 0; }), err::fileNotFound);
   EXPECT_EQ(errorOf([&] { return files::copy(folder_ / "from", folder_ / "no/to"), 0; }), err::pathNotFound);
   EXPECT_EQ(errorOf([&] { return files::copy(folder_ / "from", folder_.path()), 0; }), err::pathAccess);
+}
+
+TEST_F(FilesTest, TheNextCopyDeletesWhatKilledOnesLeft) {
+  put(folder_ / "from", "new");
+  int error = 0;
+  std::FILE* underWay = files::openOwned(folder_ / "to~3", error);  // a copy of another process
+  ASSERT_NE(underWay, nullptr);
+  for (int n = 0; n < 1000; ++n) {
+    if (n != 3) put(folder_ / ("to~" + std::to_string(n)), "half");
+  }
+  for (const char* name : {"to~new", "to~", "to~1x", "toe~1"}) put(folder_ / name, "somebody's");
+  std::filesystem::create_symlink("from", (folder_ / "to~1000"));
+  files::copy(folder_ / "from", folder_ / "to");
+  EXPECT_EQ(bytesOf(folder_ / "to"), "new");
+  EXPECT_EQ(files::list(folder_.path()),
+            (std::vector<std::string>{"from", "to", "toe~1", "to~", "to~1000", "to~1x", "to~3", "to~new"}));
+  std::fclose(underWay);
 }
 
 TEST_F(FilesTest, ReadsLinesWhateverEndsThem) {

@@ -61,6 +61,14 @@ class Recordset {
   virtual void remove() = 0;
 };
 
+/// A statement that changes rows, for many runs with other values: nothing of its text is read again.
+class Command {
+ public:
+  virtual ~Command() = default;
+  /// Runs it as Database::execute does. values: those of its declared parameters, in their order.
+  virtual int execute(const std::vector<Value>& values) = 0;
+};
+
 /// One open database file. Calls after close() raise 3420.
 class Database {
  public:
@@ -75,10 +83,19 @@ class Database {
   /// Runs one INSERT, UPDATE or DELETE statement, or the stored query of that name; wholly or not at all.
   /// Returns the number of rows it touched. Text behind the statement's end is an error (3075).
   virtual int execute(std::string_view sql) = 0;
+  /// The same statement for many runs; its values are parameters that it declares, or literals.
+  [[nodiscard]] virtual std::unique_ptr<Command> prepare(std::string_view sql) = 0;
   /// Opens the rows of a SELECT statement, of the table of that name, or of the stored query of that name.
   /// parameters: values for the query's declared parameters, by name; a parameter without one raises 3061.
   [[nodiscard]] virtual std::unique_ptr<Recordset> openRecordset(
       std::string_view source, const std::vector<std::pair<std::string, Value>>& parameters = {}) = 0;
+
+  /// What is read from here to endReading() is of one moment, and the file is locked once for all of it.
+  /// Others wait with their changes meanwhile, so it must end before anything that may take long: a driver
+  /// call, a question to a person. A change of this program's own, or a transaction, ends it too. Within a
+  /// transaction, and while one is running already, it does nothing.
+  virtual void beginReading() = 0;
+  virtual void endReading() = 0;  ///< whoever began it; without one nothing
 
   [[nodiscard]] virtual std::vector<std::string> tableNames() const = 0;  ///< in order of creation
   /// The definition as the file holds it; 3078 when there is no such table.
@@ -118,6 +135,18 @@ class DatabaseEngine {
 
   /// What the last failed call reported, first entry first; a later failure replaces it.
   [[nodiscard]] virtual const std::vector<ErrorInfo>& errors() const = 0;
+};
+
+/// Reads together from here to its end, unless that comes before (Database::beginReading).
+class Reading {
+ public:
+  explicit Reading(Database& database) : database_(database) { database_.beginReading(); }
+  ~Reading() { database_.endReading(); }
+  Reading(const Reading&) = delete;
+  Reading& operator=(const Reading&) = delete;
+
+ private:
+  Database& database_;
 };
 
 /// A transaction that is rolled back unless committed. Joins one that is already running: then the outer

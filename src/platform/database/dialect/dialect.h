@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "platform/database/dialect/lexer.h"
@@ -13,7 +14,8 @@
 namespace voxa::dialect {
 
 /// The engine's SQL language, turned into SQLite's. Work is split so that a statement is translated once:
-/// scan() is cheap and done for every call, translate() only when the scanned key is new.
+/// scan() is cheap and done for every call, translate() only when the scanned key is new, or known with a
+/// translation that does not hold for the literals.
 
 /// A statement with its literals taken out.
 struct Scanned {
@@ -51,6 +53,9 @@ struct Slot {
   std::optional<FieldDef> convertTo;
 };
 
+/// Indexes into Scanned::literals, two and two.
+using LiteralPairs = std::vector<std::pair<std::size_t, std::size_t>>;
+
 struct Translation {
   enum class Kind { select, insert, update, remove };
   Kind kind = Kind::select;
@@ -69,6 +74,10 @@ struct Translation {
   std::vector<std::string> sourceFields;
   /// update: the fields that are set.
   std::vector<std::string> updatedFields;
+  /// Literals that were the same, so that an expression was what GROUP BY lists. For a statement of the same
+  /// key in which they differ this is no translation.
+  LiteralPairs sameLiterals;
+  [[nodiscard]] bool holdsFor(const std::vector<Value>& literals) const;
 };
 
 /// Translates one statement. Errors: 3075 syntax (also text behind the end, a second statement included),

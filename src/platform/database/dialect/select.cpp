@@ -99,6 +99,29 @@ std::string Writer::allOf(const Conditions& conditions, Scope& scope) {
   return joined(texts, " AND ");
 }
 
+Group Writer::groupOf(const Term& term, std::size_t firstSlot) const {
+  return {withoutNumbers(term.sql), firstSlot, slots_.size() - firstSlot};
+}
+
+/// Whether GROUP BY lists the term, literals and parameters included.
+bool Writer::isGrouped(const Group& term, const Scope& scope) {
+  return std::any_of(scope.groups.begin(), scope.groups.end(), [&](const Group& group) {
+    if (group.shape != term.shape || group.slotCount != term.slotCount) return false;
+    LiteralPairs pairs;
+    for (std::size_t i = 0; i < group.slotCount; ++i) {
+      const Slot& one = slots_[group.firstSlot + i];
+      const Slot& other = slots_[term.firstSlot + i];
+      if (one.parameter != other.parameter || one.literal.has_value() != other.literal.has_value())
+        return false;
+      if (!one.literal) continue;
+      if (literals_[*one.literal] != literals_[*other.literal]) return false;
+      pairs.emplace_back(*one.literal, *other.literal);
+    }
+    sameLiterals_.insert(sameLiterals_.end(), pairs.begin(), pairs.end());
+    return true;
+  });
+}
+
 Writer::Query Writer::select(const syntax::Select& select, Scope* outer) {
   Query out;
   Scope& scope = out.scope;
@@ -117,12 +140,18 @@ Writer::Query Writer::select(const syntax::Select& select, Scope* outer) {
   if (!filter.empty()) out.rest += " WHERE " + allOf(filter, scope);
 
   std::vector<std::string> groups;
-  std::set<std::string> grouped;
+  std::vector<Group> grouped;
+  if (!select.groupBy.empty() && literals_.empty()) {
+    Scanned scanned;
+    scan(sql_, scanned);
+    literals_ = std::move(scanned.literals);
+  }
   scope.outer = nullptr;  // SQLite groups and orders by a query's own columns alone
   for (const auto& group : select.groupBy) {
+    const std::size_t firstSlot = slots_.size();
     const Term term = write(*group, scope);
     groups.push_back(sortKey(term));
-    grouped.insert(withoutNumbers(term.sql));
+    grouped.push_back(groupOf(term, firstSlot));
   }
   scope.groups = std::move(grouped);
   scope.ungroupedCount = 0;

@@ -31,6 +31,7 @@ class Translator {
         break;
     }
     out_.parameters = statement_.parameters;
+    out_.sameLiterals = writer_.sameLiterals();
     return std::move(out_);
   }
 
@@ -149,6 +150,11 @@ class Translator {
 };
 
 }  // namespace
+
+bool Translation::holdsFor(const std::vector<Value>& literals) const {
+  return std::all_of(sameLiterals.begin(), sameLiterals.end(),
+                     [&](const auto& pair) { return literals[pair.first] == literals[pair.second]; });
+}
 
 Translation translate(std::string_view sql, const Schema& schema) {
   return Translator(sql, schema).run();

@@ -47,9 +47,11 @@ std::string collated(const std::string& operand) {
 std::string withoutNumbers(const std::string& sql) {
   std::string out;
   bool number = false;
+  bool name = false;  // between the quotes of a name, which may have the sign of a placeholder in it
   for (const char c : sql) {
+    if (c == '"') name = !name;
     if (!(number && c >= '0' && c <= '9')) out += c;
-    number = c == '?' || (number && c >= '0' && c <= '9');
+    number = !name && (c == '?' || (number && c >= '0' && c <= '9'));
   }
   return out;
 }
@@ -120,8 +122,11 @@ void Writer::makeComparable(std::vector<Term>& terms) {
 Term Writer::write(const Expression& e, Scope& scope) {
   if (scope.groups.empty()) return any(e, scope);
   const int before = scope.ungroupedCount;
+  const std::size_t firstSlot = slots_.size();
   Term term = any(e, scope);
-  if (scope.groups.contains(withoutNumbers(term.sql))) scope.ungroupedCount = before;
+  if (scope.ungroupedCount != before && isGrouped(groupOf(term, firstSlot), scope)) {
+    scope.ungroupedCount = before;
+  }
   return term;
 }
 

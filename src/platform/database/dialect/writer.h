@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <optional>
-#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -33,6 +32,13 @@ struct ScopeTable {
       prefix;  ///< what stands before a column's name in SQLite: the quoted alias and a dot, or nothing
 };
 
+/// A GROUP BY expression: its text without the numbers of its placeholders, and which placeholders they are.
+struct Group {
+  std::string shape;
+  std::size_t firstSlot = 0;
+  std::size_t slotCount = 0;
+};
+
 /// The names that an expression may use: the tables of its SELECT, and those of the SELECT around it.
 struct Scope {
   std::vector<ScopeTable> tables;
@@ -41,7 +47,7 @@ struct Scope {
   bool aggregatesAllowed = false;
   bool aggregated = false;       ///< an aggregate was written
   bool insideAggregate = false;  ///< an aggregate's argument is being written
-  std::set<std::string> groups;  ///< GROUP BY expressions, without the numbers of their placeholders
+  std::vector<Group> groups;     ///< what GROUP BY lists
   int ownColumns = 0;            ///< columns written of this scope's tables
   int outerColumns = 0;          ///< columns written in this scope of tables outside
   int ungroupedCount = 0;        ///< columns written outside of aggregates and groups
@@ -92,8 +98,14 @@ class Writer {
 
   [[noreturn]] void fail(std::size_t position, const std::string& what) const;
 
+  /// Translation::sameLiterals of what was written.
+  [[nodiscard]] const LiteralPairs& sameLiterals() const { return sameLiterals_; }
+
  private:
   Term placeholder(Slot slot, DataType type);
+  /// The group of a term that was written and of the placeholders in it.
+  [[nodiscard]] Group groupOf(const Term& term, std::size_t firstSlot) const;
+  bool isGrouped(const Group& term, const Scope& scope);
   Term name(const syntax::Expression& e, Scope& scope);
   std::optional<Term> column(std::string_view qualifier, std::string_view name, Scope& scope) const;
   Term any(const syntax::Expression& e, Scope& scope);
@@ -127,6 +139,8 @@ class Writer {
   const Schema& schema_;
   const std::vector<FieldDef>& parameters_;
   std::vector<Slot>& slots_;
+  std::vector<Value> literals_;  ///< of a statement that groups
+  LiteralPairs sameLiterals_;
 };
 
 /// `"name"`, quotes inside doubled.

@@ -122,6 +122,26 @@ std::int64_t Connection::number(const std::string& sql) {
   return statement.integer(0);
 }
 
+void Connection::beginReading() {
+  if (inTransaction()) return;
+  if (!begin_) {
+    begin_ = prepare("BEGIN");
+    rollback_ = prepare("ROLLBACK");
+  }
+  const int code = begin_->step();
+  begin_->reset();
+  if (code != SQLITE_DONE) fail(code);
+  reading_ = true;
+}
+
+void Connection::endReading() noexcept {
+  if (!reading_) return;
+  reading_ = false;
+  if (!inTransaction()) return;  // SQLite ended it after a failure
+  (void)rollback_->step();
+  rollback_->reset();
+}
+
 void Connection::fail(int code) {
   if (pending_->error) {
     const Error error = *pending_->error;
@@ -135,7 +155,9 @@ void Connection::fail(int code) {
   throw fileFailure(code, handle_ ? message() : sqlite3_errstr(code), path_);
 }
 
-Step::Step(Connection& connection) : connection_(connection), nested_(connection.inTransaction()) {
+Step::Step(Connection& connection) : connection_(connection) {
+  connection_.endReading();
+  nested_ = connection_.inTransaction();
   connection_.run(nested_ ? "SAVEPOINT step" : "BEGIN IMMEDIATE");
 }
 

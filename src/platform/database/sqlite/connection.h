@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -54,8 +55,17 @@ class Connection {
   /// texts that were translated with the definitions of that schema.
   [[nodiscard]] Statement prepareForSchema(std::string_view sql) { return prepare(sql, false); }
 
+  /// Whether statements may write the schema's text (PRAGMA writable_schema, no text to parse).
+  void allowSchemaWrites(bool allowed) {
+    (void)sqlite3_db_config(handle_.get(), SQLITE_DBCONFIG_WRITABLE_SCHEMA, allowed ? 1 : 0, nullptr);
+  }
   void run(const std::string& sql);                           ///< statements without a result
   [[nodiscard]] std::int64_t number(const std::string& sql);  ///< first column of the only row
+
+  /// Spares the locks of each statement when several only read. Nothing where a transaction runs.
+  void beginReading();
+  /// Ends what beginReading began; a failure has nothing to undo and is met again by the next statement.
+  void endReading() noexcept;
 
   [[nodiscard]] bool readOnly() const { return sqlite3_db_readonly(handle_.get(), "main") == 1; }
   [[nodiscard]] bool inTransaction() const { return sqlite3_get_autocommit(handle_.get()) == 0; }
@@ -79,6 +89,9 @@ class Connection {
   std::string path_;
   std::unique_ptr<PendingError> pending_ = std::make_unique<PendingError>();
   std::unique_ptr<sqlite3, Closer> handle_;
+  std::optional<Statement> begin_;
+  std::optional<Statement> rollback_;
+  bool reading_ = false;
   std::size_t prepared_ = 0;
 };
 
@@ -94,7 +107,7 @@ class Step {
 
  private:
   Connection& connection_;
-  bool nested_;
+  bool nested_ = false;
   bool open_ = true;
 };
 

@@ -86,7 +86,10 @@ class SqliteEngine final : public DatabaseEngine {
         throw Error(err::dbInvalidArgument, "A transaction is running already; transactions do not nest");
       }
       try {
-        for (SqliteDatabase* database : session_->open) database->connection().run("BEGIN");
+        for (SqliteDatabase* database : session_->open) {
+          database->endReading();
+          database->connection().run("BEGIN");
+        }
       } catch (const Error&) {
         session_->abandonTransaction();
         throw;

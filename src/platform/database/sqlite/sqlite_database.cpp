@@ -14,6 +14,37 @@ namespace {
 /// Times that a statement is translated again because another user keeps changing the schema.
 constexpr int schemaRetries = 20;
 
+/// A statement whose text is read once, for as long as the database is open.
+class SqliteCommand final : public Command {
+ public:
+  SqliteCommand(std::shared_ptr<SqliteDatabase> database, std::string_view sql)
+      : database_(std::move(database)), sql_(sql), change_(database_->translateChange(sql_)) {}
+
+  int execute(const std::vector<Value>& values) override { return database_->run(change_, sql_, values); }
+
+ private:
+  std::shared_ptr<SqliteDatabase> database_;
+  std::string sql_;
+  SqliteDatabase::Change change_;
+};
+
+/// What a slot is bound to: the value, and what was declared of it if it is a parameter's.
+using Input = std::pair<const Value*, const FieldDef*>;
+
+/// rows: whether the statement has to give rows.
+void requireKind(const dialect::Translation& translation, bool rows) {
+  if (rows == (translation.kind == dialect::Translation::Kind::select)) return;
+  if (rows) throw Error(err::dbInvalidOperation, "A query that changes rows has no rows to open");
+  throw Error(err::dbSelectExecuted, "A query that selects rows cannot be executed");
+}
+
+/// Which of the declared parameters a slot's is; the translation makes slots of no others.
+std::size_t declaredIndex(const dialect::Translation& translation, std::string_view name) {
+  const auto found = std::find_if(translation.parameters.begin(), translation.parameters.end(),
+                                  [&](const FieldDef& declared) { return equalNoCase(declared.name, name); });
+  return static_cast<std::size_t>(found - translation.parameters.begin());
+}
+
 const Value& parameterValue(const SqliteDatabase::Parameters& parameters, std::string_view name) {
   for (const auto& [given, value] : parameters) {
     if (equalNoCase(given, name)) return value;
@@ -35,6 +66,27 @@ std::string_view trimmedName(std::string_view name) {
   while (!name.empty() && (name.front() == ' ' || name.front() == '[')) name.remove_prefix(1);
   while (!name.empty() && (name.back() == ' ' || name.back() == ']')) name.remove_suffix(1);
   return name;
+}
+
+/// Whether a source can be nothing but a name: one word that begins no statement, or what brackets hold.
+bool isBareName(std::string_view source) {
+  dialect::Lexer lexer(source);
+  dialect::Token token;
+  dialect::Token behind;
+  lexer.next(token);
+  lexer.next(behind);
+  if (behind.kind != dialect::TokenKind::end) return false;
+  constexpr std::string_view beginnings[] = {"select", "insert", "update", "delete", "parameters"};
+  return token.kind == dialect::TokenKind::bracketed ||
+         (token.kind == dialect::TokenKind::word &&
+          std::none_of(std::begin(beginnings), std::end(beginnings),
+                       [&](std::string_view word) { return equalNoCase(token.text, word); }));
+}
+
+/// The prepared statement of a source that was scanned, unless its literals need another translation.
+Prepared* findPrepared(StatementCache& translated, const dialect::Scanned& scanned) {
+  Prepared* found = translated.find(scanned.key);
+  return found != nullptr && found->translation->holdsFor(scanned.literals) ? found : nullptr;
 }
 
 }  // namespace
@@ -100,8 +152,17 @@ Statement& SqliteDatabase::rowStatement(const std::string& sql) {
   return open.own.add(sql, {nullptr, open.connection.prepare(sql)}).statement;
 }
 
+void SqliteDatabase::beginReading() {
+  session_->guarded([&] { file().connection.beginReading(); });
+}
+
+void SqliteDatabase::endReading() {
+  if (file_) file_->connection.endReading();
+}
+
 void SqliteDatabase::change(Statement& statement, std::string_view table) {
   settle();
+  endReading();
   const int code = statement.step();
   if (code != SQLITE_DONE) failChange(code, table);
   statement.reset();
@@ -139,6 +200,9 @@ Prepared& SqliteDatabase::translate(std::string_view sql) {
   open.catalog.refresh();
   auto translation = std::make_shared<const dialect::Translation>(dialect::translate(sql, open.catalog));
   Statement statement = open.connection.prepareForSchema(translation->sql);
+  if (Prepared* former = open.translated.find(scanned_.key)) {
+    return *former = {std::move(translation), std::move(statement)};
+  }
   return open.translated.add(scanned_.key, {std::move(translation), std::move(statement)});
 }
 
@@ -147,7 +211,7 @@ Prepared& SqliteDatabase::prepared(std::string_view source) {
   std::optional<Error> unscannable;
   try {
     dialect::scan(source, scanned_);
-    if (Prepared* found = open.translated.find(scanned_.key)) return *found;
+    if (Prepared* found = findPrepared(open.translated, scanned_)) return *found;
   } catch (const Error& error) {
     unscannable = error;  // a name may hold what a statement may not
   }
@@ -156,39 +220,82 @@ Prepared& SqliteDatabase::prepared(std::string_view source) {
     std::optional<std::string> text = textOfName(source);
     if (!text) {
       if (unscannable) throw *unscannable;
+      if (isBareName(source)) {
+        throw Error(err::dbUnknownTable,
+                    "There is no table or query \"" + std::string(trimmedName(source)) + "\"");
+      }
       return translate(source);
     }
     name = open.names.emplace(source, std::move(*text)).first;
   }
   dialect::scan(name->second, scanned_);
-  if (Prepared* found = open.translated.find(scanned_.key)) return *found;
+  if (Prepared* found = findPrepared(open.translated, scanned_)) return *found;
   return translate(name->second);
 }
 
-void SqliteDatabase::bind(Prepared& prepared, const Parameters& parameters) {
-  const dialect::Translation& translation = *prepared.translation;
+template <typename InputOf>
+void SqliteDatabase::bind(Prepared& prepared, InputOf&& inputOf) {
+  const std::vector<dialect::Slot>& slots = prepared.translation->slots;
   converted_.clear();  // each value twice at most, and what was bound must stay where it is
-  converted_.reserve(2 * translation.slots.size());
+  converted_.reserve(2 * slots.size());
   const auto convert = [&](const Value& value, const FieldDef& field) -> const Value& {
     if (isStoredAsIs(value, field)) return value;
     return converted_.emplace_back(convertForField(value, field.type, field.size));
   };
-  int index = 0;
-  for (const dialect::Slot& slot : translation.slots) {
-    const Value* value = nullptr;
-    if (slot.literal) {
-      value = &scanned_.literals[*slot.literal];
-    } else {
-      value = &parameterValue(parameters, slot.parameter);
-      for (const FieldDef& declared : translation.parameters) {
-        if (!equalNoCase(declared.name, slot.parameter)) continue;
-        value = &convert(*value, declared);
-        break;
-      }
-    }
-    if (slot.convertTo) value = &convert(*value, *slot.convertTo);
-    prepared.statement.bind(++index, *value);
+  for (std::size_t i = 0; i < slots.size(); ++i) {
+    const auto [input, declared] = inputOf(i);
+    const Value* value = input;
+    if (declared != nullptr) value = &convert(*value, *declared);
+    if (slots[i].convertTo) value = &convert(*value, *slots[i].convertTo);
+    prepared.statement.bind(static_cast<int>(i) + 1, *value);
   }
+}
+
+SqliteDatabase::Change SqliteDatabase::translateChange(std::string_view sql) {
+  OpenFile& open = file();
+  open.catalog.refresh();
+  dialect::scan(sql, scanned_);
+  auto translation = std::make_shared<const dialect::Translation>(dialect::translate(sql, open.catalog));
+  requireKind(*translation, false);
+  Change change{{translation, open.connection.prepareForSchema(translation->sql)}, scanned_.literals, {}};
+  for (const dialect::Slot& slot : translation->slots) {
+    change.parameters.push_back(slot.literal ? 0 : declaredIndex(*translation, slot.parameter));
+  }
+  return change;
+}
+
+int SqliteDatabase::run(Change& change, std::string_view sql, const std::vector<Value>& values) {
+  return session_->guarded([&] {
+    endReading();
+    for (int attempt = 0;; ++attempt) {
+      OpenFile& open = file();
+      const dialect::Translation& translation = *change.prepared.translation;
+      if (values.size() != translation.parameters.size()) {
+        throw Error(err::dbTooFewParameters,
+                    "The statement has " + std::to_string(translation.parameters.size()) +
+                        " parameters and was given " + std::to_string(values.size()) + " values");
+      }
+      bind(change.prepared, [&](std::size_t i) -> Input {
+        if (const auto& literal = translation.slots[i].literal) return {&change.literals[*literal], nullptr};
+        const std::size_t parameter = change.parameters[i];
+        return {&values[parameter], &translation.parameters[parameter]};
+      });
+      const int code = change.prepared.statement.step();
+      if (code == SQLITE_DONE) {
+        change.prepared.statement.reset();
+        ++generation_;
+        return open.connection.changes();
+      }
+      if ((code & 0xff) != SQLITE_SCHEMA || attempt == schemaRetries) failChange(code, translation.table);
+      schemaChanged();
+      change = translateChange(sql);
+    }
+  });
+}
+
+std::unique_ptr<Command> SqliteDatabase::prepare(std::string_view sql) {
+  return session_->guarded(
+      [&] { return std::unique_ptr<Command>(std::make_unique<SqliteCommand>(shared_from_this(), sql)); });
 }
 
 template <typename Run>
@@ -196,11 +303,14 @@ int SqliteDatabase::withPrepared(std::string_view source, bool rows, const Param
                                  Run&& run) {
   for (int attempt = 0;; ++attempt) {
     Prepared& statement = prepared(source);
-    if (rows != (statement.translation->kind == dialect::Translation::Kind::select)) {
-      if (rows) throw Error(err::dbInvalidOperation, "A query that changes rows has no rows to open");
-      throw Error(err::dbSelectExecuted, "A query that selects rows cannot be executed");
-    }
-    bind(statement, parameters);
+    const dialect::Translation& translation = *statement.translation;
+    requireKind(translation, rows);
+    bind(statement, [&](std::size_t i) -> Input {
+      const dialect::Slot& slot = translation.slots[i];
+      if (slot.literal) return {&scanned_.literals[*slot.literal], nullptr};
+      return {&parameterValue(parameters, slot.parameter),
+              &translation.parameters[declaredIndex(translation, slot.parameter)]};
+    });
     const int code = run(statement);
     if ((code & 0xff) != SQLITE_SCHEMA || attempt == schemaRetries) return code;
     schemaChanged();
@@ -209,6 +319,7 @@ int SqliteDatabase::withPrepared(std::string_view source, bool rows, const Param
 
 int SqliteDatabase::execute(std::string_view sql) {
   return session_->guarded([&] {
+    endReading();
     std::shared_ptr<const dialect::Translation> translation;
     const int code = withPrepared(sql, false, {}, [&](Prepared& prepared) {
       const int result = prepared.statement.step();

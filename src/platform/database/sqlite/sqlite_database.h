@@ -33,6 +33,9 @@ class SqliteDatabase final : public Database, public std::enable_shared_from_thi
   [[nodiscard]] bool isOpen() const override { return file_.has_value(); }
 
   int execute(std::string_view sql) override;
+  [[nodiscard]] std::unique_ptr<Command> prepare(std::string_view sql) override;
+  void beginReading() override;
+  void endReading() override;
   [[nodiscard]] std::unique_ptr<Recordset> openRecordset(std::string_view source,
                                                          const Parameters& parameters) override;
 
@@ -54,6 +57,15 @@ class SqliteDatabase final : public Database, public std::enable_shared_from_thi
   [[nodiscard]] Connection& connection() const { return opened().connection; }  ///< 3420 when closed
   /// Statement of the engine's own on the rows of a table, prepared once; holds until the next call.
   Statement& rowStatement(const std::string& sql);
+  /// What a command runs: a statement that changes rows, not shared with others of the same text.
+  struct Change {
+    Prepared prepared;
+    std::vector<Value> literals;
+    std::vector<std::size_t> parameters;  ///< for each slot that is no literal the declared one that it is
+  };
+  Change translateChange(std::string_view sql);
+  /// Runs it with the values of its declared parameters; again, translated anew, when the schema has changed.
+  int run(Change& change, std::string_view sql, const std::vector<Value>& values);
   /// Runs a statement that changes rows of `table`, whole or not at all; the error names what broke.
   void change(Statement& statement, std::string_view table);
   /// Counts the changes made through this database: rows read at another count may be stale.
@@ -89,8 +101,10 @@ class SqliteDatabase final : public Database, public std::enable_shared_from_thi
   Prepared& prepared(std::string_view source);
   Prepared& translate(std::string_view sql);
   std::optional<std::string> textOfName(std::string_view name);
-  /// Binds the values of all slots, which stay in scanned_, converted_ and `parameters`.
-  void bind(Prepared& prepared, const Parameters& parameters);
+  /// Binds the values of all slots, which stay where they are, or in converted_. inputOf: from a slot's
+  /// number to its value and, for a parameter, what was declared (else nullptr).
+  template <typename InputOf>
+  void bind(Prepared& prepared, InputOf&& inputOf);
   void schemaChanged();
   /// Ends a step that changed definitions, the catalog knowing of it.
   void finish(Step& step);

@@ -25,14 +25,10 @@ bool showsFieldsOnly(const dialect::Translation& translation) {
 class ReadTogether {
  public:
   explicit ReadTogether(Connection& connection) : connection_(connection), own_(!connection.inTransaction()) {
-    if (own_) connection_.run("BEGIN");
+    if (own_) connection_.beginReading();
   }
   ~ReadTogether() {
-    try {
-      if (own_ && connection_.inTransaction()) connection_.run("ROLLBACK");
-    } catch (const Error&) {
-      // Nothing was written; the next statement meets what is wrong with the file.
-    }
+    if (own_) connection_.endReading();
   }
   ReadTogether(const ReadTogether&) = delete;
   ReadTogether& operator=(const ReadTogether&) = delete;
