@@ -4,6 +4,7 @@
 #include <iostream>
 #include <system_error>
 
+#include "access/card_block.h"
 #include "app/qdb.h"
 #include "comm/com.h"
 #include "host_texts.h"
@@ -73,6 +74,7 @@ void Installation::openForSending() {
   requireInstallation();
   lock_ = std::make_unique<InstallationLock>();
   open();
+  eraseUnfinishedBlocks(*library_);
 }
 
 void Installation::open() {

@@ -4,6 +4,7 @@
 #include <limits>
 #include <optional>
 
+#include "access/card_block.h"
 #include "access/card_doors.h"
 #include "access/card_download.h"
 #include "access/cardholder.h"
@@ -65,6 +66,8 @@ class Batch {
   void insert(bool groupMode);
   /// 0, or notTaken at the first controller that does not take the block.
   std::int16_t send();
+  /// The block is in the table: nothing of it is to be taken back any more.
+  void settle();
   /// Takes the block back from the controllers that have it, or part of it.
   void takeBack();
   void reportLeftOut();
@@ -84,6 +87,7 @@ class Batch {
   std::string lastCode_;
   std::int16_t cards_;
   std::int16_t group_;
+  std::optional<CardBlock> block_;
   std::vector<GrantedController> reached_;
   Names inactiveStations_;
   Names twoPrograms_;
@@ -127,7 +131,13 @@ std::int16_t Batch::send() {
   const std::int32_t firstId = first->get("id").toInt32();
   Com& com = library_.Com();
   bool everywhere = true;
-  for (const GrantedController& controller : controllersOf(database(), group_)) {
+  const std::vector<GrantedController> controllers = controllersOf(database(), group_);
+  std::vector<ControllerPlace> places;
+  for (const GrantedController& controller : controllers) {
+    if (controller.active) places.emplace_back(controller.station, controller.address);
+  }
+  if (!places.empty() && !com.inhibitCom) block_.emplace(library_, firstNum_, lastNum_, places);
+  for (const GrantedController& controller : controllers) {
     if (!controller.active) inactiveStations_.add(controller.stationName);
     if (!controller.active || !com.TestSend(controller.station, controller.address)) {
       everywhere = false;
@@ -147,20 +157,26 @@ std::int16_t Batch::send() {
   return 0;
 }
 
+void Batch::settle() {
+  // A note that cannot be removed says nothing wrong: all its cards are in the table.
+  if (block_) library_.attempt([&] { block_->settle(); });
+  library_.error().clear();
+}
+
 void Batch::takeBack() {
+  std::vector<std::int32_t> numbers;
+  for (std::int32_t number = firstNum_; number <= lastNum_; ++number) numbers.push_back(number);
+  std::vector<ControllerPlace> open;
   for (const GrantedController& controller : reached_) {
-    const std::int16_t status = library_.attempt([&] {
-      CommandFile& file = library_.CommandFile();
-      file.fopen();
-      for (std::int32_t number = firstNum_; number <= lastNum_; ++number) file.fprint(clearCardLine(number));
-      file.fclose();
-      return library_.Com().Send(CmSendCommand, controller.station, controller.address);
-    });
-    if (status == 0) continue;
-    library_.Com().errorList += "\r\n" + library_.Strings().read("msgCantSendCommand") + " (" +
-                                library_.Com().getName(controller.station, controller.address) + "): 09" +
-                                zeroPadded(firstNum_, 4) + " - " + zeroPadded(lastNum_, 4);
+    const ControllerPlace place{controller.station, controller.address};
+    if (!eraseCards(library_, place, numbers)) open.push_back(place);
   }
+  if (!block_) return;
+  // When this fails, more controllers than necessary stay noted.
+  library_.attempt([&] {
+    if (!open.empty()) const CardBlock rest(library_, firstNum_, lastNum_, open);
+    block_->settle();
+  });
 }
 
 void Batch::reportLeftOut() {
@@ -176,6 +192,7 @@ void Batch::reportLeftOut() {
 
 std::int16_t Cardholder::createGroup(std::int32_t firstCardNum, const std::string& firstCardCode,
                                      std::int16_t nCards, std::int16_t accessGroupId, bool GroupMode) {
+  eraseUnfinishedBlocks(library_);
   std::optional<Batch> batch;
   bool clash = false;
   const std::int16_t status = library_.attempt([&]() -> std::int16_t {
@@ -188,7 +205,10 @@ std::int16_t Cardholder::createGroup(std::int32_t firstCardNum, const std::strin
     transaction.commit();
     return 0;
   });
-  if (status == 0) batch->reportLeftOut();
+  if (status == 0) {
+    batch->settle();
+    batch->reportLeftOut();
+  }
   if (status == 0 || clash) return status;
   const ErrorInfo error = library_.error();
   if (batch) batch->takeBack();

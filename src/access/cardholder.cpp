@@ -3,6 +3,7 @@
 #include <optional>
 
 #include "access/access_group.h"
+#include "access/card_block.h"
 #include "access/card_download.h"
 #include "access/card_record.h"
 #include "app/qdb.h"
@@ -114,6 +115,7 @@ std::int16_t Cardholder::download(std::int16_t Id) {
 std::int16_t Cardholder::generalDownload(ComponentType compType, const std::string& compName,
                                          std::int16_t Params, bool* AlreadyComTested) {
   if (!library_.Com().readyToSend(compType, compName, AlreadyComTested)) return 0;
+  eraseUnfinishedBlocks(library_);
   CardScope scope;
   std::int16_t station = 0;
   if (compType == CTStation) {

@@ -35,7 +35,8 @@ class Cardholder : public Table {
   /// Creates nCards cards with consecutive numbers and codes in an access group and downloads them, all or
   /// nothing. firstCardCode: up to 8 digits. GroupMode: the names are the codes, else "Card" and the number.
   /// 0; 1 when a number or code is in use, by a deleted card too (shown); -1 a controller did not take them,
-  /// or an error's number (both shown, and no card is left, in the table or on a controller).
+  /// or an error's number (both shown, and no card is left, in the table or on a controller). What a process
+  /// that is killed meanwhile leaves on controllers, the next createGroup or generalDownload erases first.
   std::int16_t createGroup(std::int32_t firstCardNum, const std::string& firstCardCode, std::int16_t nCards,
                            std::int16_t accessGroupId, bool GroupMode = false);
 

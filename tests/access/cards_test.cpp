@@ -5,6 +5,7 @@
 #include "app/qdb.h"
 #include "comm/com.h"
 #include "platform/error.h"
+#include "platform/files.h"
 #include "support/installation_test.h"
 
 namespace voxa {
@@ -277,17 +278,36 @@ TEST_F(CardsTest, ABlockOfCardsIsAllOrNothing) {
   }
   // The second controller refuses: the first is cleared of the block again.
   driver.calls.clear();
-  driver.answer = [](const auto& call) { return std::int16_t(call.station == 2 ? 4 : 100); };
+  std::string noted;
+  driver.answer = [&](const auto& call) {
+    if (noted.empty()) noted = textOf("CardBlock0.txt");
+    EXPECT_FALSE(files::OwnedFile::takeOver("CardBlock0.txt"));  // the batch is under way
+    return std::int16_t(call.station == 2 ? 4 : 100);
+  };
   EXPECT_EQ(cards().createGroup(30, "30", 2, 1, true), -1);
   EXPECT_TRUE(sentTo(1).ends_with("\r\n\r\n09003000000000\r\n09003100000000\r\n\r\n")) << sentTo(1);
   EXPECT_EQ(boxes().size(), 1U);
   EXPECT_EQ(query("select count(*) from Cardholders"), "2");
+  EXPECT_EQ(noted, "30,31\r\n1,1\r\n2,5\r\nend\r\n");
+  EXPECT_EQ(textOf("CardBlock1.txt"), "30,31\r\n2,5\r\nend\r\n");
+
+  // The second controller, and what killed batches left, are cleared before the next one: 61 has its row.
+  write("CardBlock2.txt", "60,62\r\n1,1\r\n3,1\r\nend\r\n");
+  write("CardBlock3.txt", "1,9\r\n1,1\r\n");  // not at its end: nothing was sent
+  card(61, "61", 1);
+  driver.calls.clear();
 
   // A station that is not in use, and a controller that the person goes on without, are caught up with later.
   driver.answer = [](const auto&) { return std::int16_t{100}; };
   grant(1, 3, 3);
   EXPECT_EQ(cards().createGroup(40, "40", 1, 1, true), 0);
   EXPECT_EQ(query("select Name from Cardholders where CardNum = 40 and CardCodeFlagD = True"), "00000040");
+  EXPECT_TRUE(sentTo(1).starts_with("09006000000000\r\n09006200000000\r\n\r\n090040")) << sentTo(1);
+  EXPECT_TRUE(sentTo(2).starts_with("09003000000000\r\n09003100000000\r\n\r\n090040")) << sentTo(2);
+  EXPECT_EQ(textOf("CardBlock0.txt"), "60,62\r\n3,1\r\nend\r\n");  // of the station that is not in use
+  for (const char* gone : {"CardBlock1.txt", "CardBlock2.txt", "CardBlock3.txt"}) {
+    EXPECT_FALSE(files::exists(gone)) << gone;
+  }
   EXPECT_EQ(boxes().size(), 1U);
 }
 

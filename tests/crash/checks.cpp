@@ -193,7 +193,7 @@ void checkBatch(const Plant& plant, const Sides& sides, Findings& findings) {
              return card.number >= plant.batchFirst && card.number <= last;
            }) != nullptr;
   });
-  if (stray) ++findings.seen["blocks of cards on controllers and in no table"];
+  if (stray) ++findings.seen["blocks of cards on controllers and in no table until the next command"];
 }
 
 }  // namespace
@@ -219,6 +219,22 @@ std::vector<std::string> onControllers(const fs::path& folder) {
     }
   }
   return held;
+}
+
+void checkStrays(const Plant& plant, Findings& findings) {
+  const Sides sides(plant);
+  std::set<int> known;
+  for (const auto rows = sides.rows("select CardNum from Cardholders where Deleted = false"); !rows->eof();
+       rows->moveNext()) {
+    known.insert(rows->get("CardNum").toInt32());
+  }
+  for (const site::Snapshot& controller : sides.controllers) {
+    for (const auto& card : controller.cards) {
+      if (known.contains(card.number)) continue;
+      findings.wrong.push_back("card " + std::to_string(card.number) + " is in no table and on " +
+                               nameOf(controller));
+    }
+  }
 }
 
 void check(const Plant& plant, int runs, Findings& findings) {

@@ -28,5 +28,7 @@ struct Findings {
 /// - a block of cards is there with all its cards or with none;
 /// - what is not marked to be sent is on every controller as its row says.
 void check(const Plant& plant, int runs, Findings& findings);
+/// Looks for cards on controllers that are in no table: after a kill the next command erases them.
+void checkStrays(const Plant& plant, Findings& findings);
 
 }  // namespace voxa::crash

@@ -91,6 +91,14 @@ class Harness {
   // Whatever happened, the next attempt succeeds.
   double complete(const Operation& operation, int runs) {
     plant_.clearFaults();
+    if (!operation.next.empty()) {
+      const auto which = plant_.below(static_cast<int>(operation.next.size()));
+      const auto& command = operation.next[static_cast<std::size_t>(which)];
+      const Ended next = plant_.run([&] { return plant_.become(command); }, {});
+      if (next.crashed || next.status != 0) findings_.wrong.push_back("the next command fails: " + next.said);
+      checkStrays(plant_, findings_);
+      if (!fine(operation, "next: " + command.front())) return 0;
+    }
     const bool wasDone = operation.done(plant_);
     const Ended ended = suffer(operation, {});
     if (!operation.done(plant_)) findings_.wrong.push_back("cannot be done afterwards: " + ended.said);

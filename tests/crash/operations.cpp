@@ -222,12 +222,9 @@ int create(const Plant& plant) {
   const Glob glob(library);
   glob.Initialize(folder + "\\KRV.mdb", folder + "\\S001.ini", folder + "\\COM.LOG", folder);
   prompts.boxes.clear();  // after a kill there may be nothing to open, which is said and no failure
-  bool good =
+  const bool good =
       glob.QDB().createDB() == 0 && (fs::exists(Journal::dbName) || glob.QDB().Journal().createDB() == 0);
-  for (const auto& box : prompts.boxes) {
-    std::cerr << box.prompt << '\n';
-    good = good && (box.style & style::critical) == 0;  // a table that cannot be built is only told of
-  }
+  for (const auto& box : prompts.boxes) std::cerr << box.prompt << '\n';
   return good ? 0 : 1;
 }
 
@@ -246,7 +243,18 @@ void createWhole(const Plant& plant, Findings& findings) {
 const std::vector<Operation>& operations() {
   static const std::vector<Operation> all = {
       {"init", prepareInit, init, initDone, nothingMore, true, true},
-      {"card batch", prepareBatch, batch, batchDone, nothingMore, true, true},
+      {"card batch",
+       prepareBatch,
+       batch,
+       batchDone,
+       nothingMore,
+       true,
+       true,
+       {{"read"},
+        {"status"},
+        {"download", "cards"},
+        {"card", "batch", "--first-number", "200", "--first-code", "200", "--count", "2", "--group",
+         "Cars"}}},
       {"download", prepareDownload, download, downloadDone, nothingMore, true, true},
       {"read", prepareRead, read, readDone, nothingMore, true, true},
       {"db restore", prepareRestore, restore, restoreDone, restoreWhole, true, false},

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <string>
 #include <vector>
 
 #include "crash/checks.h"
@@ -21,6 +22,9 @@ struct Operation {
   bool command;  ///< a command of voxa, whose start does nothing yet; otherwise a call of the library
   /// Whether it can be killed several times in a row; otherwise it begins from what prepare() made.
   bool repeats;
+  /// Commands, one of which comes next and leaves no card on a controller that is in no table. None: the
+  /// operation itself is attempted again at once.
+  std::vector<std::vector<std::string>> next = {};
 };
 
 [[nodiscard]] const std::vector<Operation>& operations();

@@ -1,0 +1,160 @@
+#include "access/card_block.h"
+
+#include <charconv>
+#include <set>
+
+#include "access/card_record.h"
+#include "app/qdb.h"
+#include "comm/com.h"
+#include "comm/station.h"
+#include "files/command_file.h"
+#include "files/conversions.h"
+#include "messages/strings.h"
+#include "platform/database/database.h"
+#include "platform/text.h"
+
+namespace voxa {
+
+namespace {
+
+constexpr std::string_view namePrefix = "CardBlock";
+constexpr std::string_view nameSuffix = ".txt";
+constexpr std::string_view lastLine = "end";
+
+std::string pathOf(Library& library, std::string_view name) {
+  return library.Com().Chemin + "\\" + std::string(name);
+}
+
+bool isNote(std::string_view name) {
+  return name.size() > namePrefix.size() + nameSuffix.size() && name.starts_with(namePrefix) &&
+         name.ends_with(nameSuffix);
+}
+
+struct Note {
+  std::int16_t first = 0;
+  std::int16_t last = 0;
+  std::vector<ControllerPlace> places;
+};
+
+std::pair<std::int16_t, std::int16_t> twoNumbers(const std::string& line) {
+  std::pair<std::int16_t, std::int16_t> numbers;
+  const char* const end = line.data() + line.size();
+  const auto comma = std::from_chars(line.data(), end, numbers.first).ptr;
+  if (comma != end) (void)std::from_chars(comma + 1, end, numbers.second);
+  return numbers;
+}
+
+/// None when its writer did not come to the end: then nothing was sent.
+std::optional<Note> read(const std::string& path) {
+  std::vector<std::pair<std::int16_t, std::int16_t>> lines;
+  bool complete = false;
+  for (files::Stream in(path, files::Stream::Mode::read); !in.atEnd() && !complete;) {
+    const std::string line = in.readLine();
+    complete = line == lastLine;
+    if (!complete) lines.push_back(twoNumbers(line));
+  }
+  if (!complete || lines.empty()) return std::nullopt;
+  return Note{lines[0].first, lines[0].second, {lines.begin() + 1, lines.end()}};
+}
+
+bool canBeAsked(Library& library, const ControllerPlace& place) {
+  const auto inUse = library.QDB().DB()->openRecordset(
+      "select Id from Stations where Active = true and Id = " + std::to_string(place.first));
+  return !inUse->eof() && library.Com().TestSend(place.first, place.second);
+}
+
+/// The numbers of the block that no card of the table has on the controller.
+std::vector<std::int32_t> strays(Library& library, const Note& note, const ControllerPlace& place) {
+  Database& database = *library.QDB().DB();
+  std::set<std::int16_t> groups;
+  for (const auto rows = database.openRecordset(
+           "select a.AccessGroupId from AccGroupReaders as a, Readers as r where a.ReaderId = r.Id and "
+           "r.StationId = " +
+           std::to_string(place.first) + " and r.ControllerAddress = " + std::to_string(place.second));
+       !rows->eof(); rows->moveNext()) {
+    groups.insert(nullToInt(rows->get(std::size_t{0})));
+  }
+  std::set<std::int32_t> kept;
+  for (const auto rows = database.openRecordset(
+           "select CardNum, AccessGroupId from Cardholders where Deleted = false and CardNum between " +
+           std::to_string(note.first) + " and " + std::to_string(note.last));
+       !rows->eof(); rows->moveNext()) {
+    if (groups.contains(nullToInt(rows->get("AccessGroupId")))) kept.insert(rows->get("CardNum").toInt32());
+  }
+  std::vector<std::int32_t> numbers;
+  for (std::int32_t card = note.first; card <= note.last; ++card) {
+    if (!kept.contains(card)) numbers.push_back(card);
+  }
+  return numbers;
+}
+
+/// Whether no controller failed; those that are still to be asked stay noted.
+bool finish(Library& library, files::OwnedFile& file) {
+  bool good = true;
+  if (const std::optional<Note> note = read(file.path())) {
+    std::vector<ControllerPlace> open;
+    for (const ControllerPlace& place : note->places) {
+      const std::vector<std::int32_t> numbers = strays(library, *note, place);
+      if (numbers.empty()) continue;
+      const bool asked = canBeAsked(library, place);
+      if (asked && eraseCards(library, place, numbers)) continue;
+      good = good && !asked;
+      open.push_back(place);
+    }
+    if (!open.empty() && open.size() == note->places.size()) return good;
+    if (!open.empty()) const CardBlock rest(library, note->first, note->last, open);
+  }
+  file.remove();
+  return good;
+}
+
+}  // namespace
+
+bool eraseCards(Library& library, const ControllerPlace& place, const std::vector<std::int32_t>& numbers) {
+  const auto [station, address] = place;
+  Com& com = library.Com();
+  bool confirmed = false;
+  library.attempt([&, station = station, address = address] {
+    if (!com.TestSend(station, address)) return;  // it would be passed over without a word
+    CommandFile& file = library.CommandFile();
+    file.fopen();
+    for (const std::int32_t number : numbers) file.fprint(clearCardLine(number));
+    file.fclose();
+    confirmed = com.Send(CmSendCommand, station, address) == 0;
+  });
+  if (confirmed) return true;
+  com.errorList += "\r\n" + library.Strings().read("msgCantSendCommand") + " (" +
+                   com.getName(station, address) + "): 09" + zeroPadded(numbers.front(), 4) + " - " +
+                   zeroPadded(numbers.back(), 4);
+  return false;
+}
+
+CardBlock::CardBlock(Library& library, std::int32_t first, std::int32_t last,
+                     const std::vector<ControllerPlace>& places) {
+  const auto line = [](std::int32_t one, std::int32_t other) {
+    return std::to_string(one) + "," + std::to_string(other) + "\r\n";
+  };
+  std::string text = line(first, last);
+  for (const auto& [station, address] : places) text += line(station, address);
+  text += std::string(lastLine) + "\r\n";
+  for (int n = 0; !note_; ++n) {
+    note_ = files::OwnedFile::create(
+        pathOf(library, std::string(namePrefix) + std::to_string(n) + std::string(nameSuffix)), text);
+  }
+}
+
+void eraseUnfinishedBlocks(Library& library) {
+  Com& com = library.Com();
+  if (com.inhibitCom || !library.QDB().DB() || !files::folderExists(com.Chemin)) return;
+  bool good = true;
+  library.attempt({"msgUnexpecErr", "Cardholders.createGroup"}, [&] {
+    for (const std::string& name : files::list(com.Chemin)) {
+      if (!isNote(name)) continue;
+      if (auto note = files::OwnedFile::takeOver(pathOf(library, name)))
+        good = finish(library, *note) && good;
+    }
+  });
+  if (!good) library.report({"msgCantSendCommand", "Cardholders.createGroup", Value(com.popErrorList())});
+}
+
+}  // namespace voxa
