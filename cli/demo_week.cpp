@@ -101,8 +101,10 @@ std::vector<Presentation> demoWeek(const Installation& installation, std::size_t
   std::generate(minutes.begin(), minutes.end(), [&] { return week.minute(); });
   std::sort(minutes.begin(), minutes.end());
   std::vector<Presentation> presentations;
+  presentations.reserve(count);
   for (const int minute : minutes) presentations.push_back(week.presentation(minute));
   return presentations;
+  presentations.reserve(count);
 }
 
 }  // namespace voxa::cli

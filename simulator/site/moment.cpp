@@ -29,7 +29,8 @@ Moment now() {
 
 std::int64_t toSeconds(const Moment& moment) {
   const auto days = std::chrono::sys_days(calendar(moment.date)).time_since_epoch().count();
-  return days * secondsPerDay + moment.hour * 3600 + moment.minute * 60 + moment.second;
+  return days * secondsPerDay + std::int64_t{moment.hour} * 3600 + std::int64_t{moment.minute} * 60 +
+         moment.second;
 }
 
 Moment fromSeconds(std::int64_t seconds) {

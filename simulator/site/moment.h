@@ -9,7 +9,7 @@ struct Date {
   int year = 1980;
   int month = 1;
   int day = 1;
-  auto operator<=>(const Date&) const = default;
+  auto operator<=>(const Date&) const = default;  // NOLINT(modernize-use-nullptr)
 };
 
 /// A time on the clock on the wall: no time zone, every day has 24 hours.

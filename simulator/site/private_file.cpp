@@ -6,7 +6,7 @@ namespace site {
 
 void makePrivate(const std::filesystem::path& file) {
   using std::filesystem::perms;
-  std::ofstream(file, std::ios::app);
+  const std::ofstream created(file, std::ios::app);
   std::error_code noSuchRights;
   std::filesystem::permissions(file, perms::owner_read | perms::owner_write, noSuchRights);
 }

@@ -105,9 +105,10 @@ void Batch::insert(bool groupMode) {
   for (std::int16_t i = 0; i < cards_; ++i) {
     const std::int16_t number = cardNumber(firstNum_ + i);
     const std::string code = addToCardCode(firstCode_, i);
-    database().execute("insert into Cardholders (Name, cardNum, CardCode,AccessGroupId)  values ('" +
-                       (groupMode ? code : prefix + zeroPadded(number, 4)) + "'," + std::to_string(number) +
-                       ", '" + code + "'," + std::to_string(group_) + ")");
+    std::string sql = "insert into Cardholders (Name, cardNum, CardCode,AccessGroupId)  values ('";
+    sql += groupMode ? code : prefix + zeroPadded(number, 4);
+    sql.append("',").append(std::to_string(number)).append(", '").append(code);
+    database().execute(sql.append("',").append(std::to_string(group_)).append(")"));
   }
 }
 

@@ -87,7 +87,7 @@ class Library {
   template <typename Body>
   std::int16_t attempt(const FailureMessage& message, Body&& body) {
     bool failed = true;
-    const std::int16_t status = attempt([&] {
+    const auto status = attempt([&] {
       if constexpr (std::is_void_v<std::invoke_result_t<Body>>) {
         std::forward<Body>(body)();
         failed = false;

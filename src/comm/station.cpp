@@ -35,7 +35,7 @@ FailureMessage cantFind(const char* method, const Value& what) {
 /// A text for a line of the ini file. A line break in it would begin a line that tells the driver something
 /// else, such as what file to send.
 std::string iniText(const Value& value) {
-  const std::string text = value.isNull() ? "" : value.toText();
+  std::string text = value.isNull() ? "" : value.toText();
   if (std::any_of(text.begin(), text.end(), [](unsigned char c) { return c < ' ' || c == 0x7F; })) {
     throw Error(err::invalidArgument, "Invalid argument: a control character in a station's texts");
   }

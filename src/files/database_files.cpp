@@ -1,5 +1,7 @@
 #include "files/database_files.h"
 
+#include <algorithm>
+
 #include "app/library.h"
 #include "files/ufile.h"
 #include "messages/strings.h"
@@ -32,9 +34,10 @@ UFile saveDialog(Library& library) {
 void closeDatabaseFile(Library& library, const std::string& name) {
   const bool bare = name.find_first_of("\\/") == std::string::npos;
   const std::string wanted = toUpper(files::native(bare ? files::currentFolder() + "\\" + name : name));
-  const auto open = library.engine().databases();
-  for (auto it = open.rbegin(); it != open.rend(); ++it) {
-    if (toUpper((*it)->name()) == wanted) (*it)->close();
+  auto open = library.engine().databases();
+  std::reverse(open.begin(), open.end());  // the youngest first
+  for (const auto& database : open) {
+    if (toUpper(database->name()) == wanted) database->close();
   }
 }
 

@@ -26,7 +26,7 @@ enum class DataType : std::uint8_t {
 /// day. Conversions and formats are in datetime.h.
 struct DateTime {
   double days = 0;
-  friend auto operator<=>(const DateTime&, const DateTime&) = default;
+  friend auto operator<=>(const DateTime&, const DateTime&) = default;  // NOLINT(modernize-use-nullptr)
 };
 
 /// One database or automation value: Null, boolean, byte, 16-bit, 32-bit, double, date-time or text (UTF-8).
@@ -39,7 +39,8 @@ class Value {
   template <typename T>
   requires(std::same_as<T, bool> || std::same_as<T, std::uint8_t> || std::same_as<T, std::int16_t> ||
            std::same_as<T, std::int32_t> || std::same_as<T, double> || std::same_as<T, DateTime>) Value(T v)
-      : data_(v) {}                                     // NOLINT(google-explicit-constructor)
+      : data_(v) {}  // NOLINT(google-explicit-constructor)
+  // NOLINTNEXTLINE(performance-unnecessary-value-param): it is moved
   Value(std::string v) : data_(std::move(v)) {}         // NOLINT(google-explicit-constructor)
   Value(std::string_view v) : data_(std::string(v)) {}  // NOLINT(google-explicit-constructor)
   Value(const char* v) : data_(std::string(v)) {}       // NOLINT(google-explicit-constructor)

@@ -29,8 +29,9 @@ struct Binder {
 
 /// A whole number of an expression that outgrew the field type of its column.
 Value integerValue(std::int64_t number, DataType type) {
-  const auto fits = [number]<typename T>(T) {
-    return number >= std::numeric_limits<T>::min() && number <= std::numeric_limits<T>::max();
+  const auto fits = [number](auto ofType) {
+    using Limits = std::numeric_limits<decltype(ofType)>;
+    return number >= Limits::min() && number <= Limits::max();
   };
   if (type == DataType::Boolean) return number != 0;
   if (type == DataType::Byte && fits(std::uint8_t{})) return static_cast<std::uint8_t>(number);
