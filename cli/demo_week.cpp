@@ -104,7 +104,6 @@ std::vector<Presentation> demoWeek(const Installation& installation, std::size_t
   presentations.reserve(count);
   for (const int minute : minutes) presentations.push_back(week.presentation(minute));
   return presentations;
-  presentations.reserve(count);
 }
 
 }  // namespace voxa::cli
