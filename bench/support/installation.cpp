@@ -28,7 +28,7 @@ std::int16_t IdleDriver::call(ComCommandsEnum command, std::int16_t station, std
   if (onCall) onCall(command, station, controller);
   if (command == CmReadDate && controller == 0) {
     const std::string number = std::to_string(1000 + station).substr(1);
-    std::ofstream("RS" + number + ".OUT", std::ios::binary) << statuses << "\r\n";
+    std::ofstream(folder + "/RS" + number + ".OUT", std::ios::binary) << statuses << "\r\n";
   }
   return 100;
 }
@@ -37,6 +37,7 @@ Installation::Installation()
     : previousFolder_(std::filesystem::current_path().string()),
       folder_(makeFolder(previousFolder_)),
       databasePath_(folder_ + "/main.mdb") {
+  driver_.folder = folder_;
   std::filesystem::current_path(folder_);
   restart();
   require(glob_->Strings().createDB() == 0, "Cannot create the message store");

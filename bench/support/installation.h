@@ -20,6 +20,7 @@ class IdleDriver : public Driver {
   [[nodiscard]] int lastError() const override { return 0; }
 
   std::function<void(ComCommandsEnum, std::int16_t station, std::int16_t controller)> onCall;
+  std::string folder;  ///< of the result files
   /// The status line of what it finds when it is asked for the dates of a station.
   std::string statuses = "XXXXXXXXXXXXXXXX";
 };
