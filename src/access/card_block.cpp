@@ -6,7 +6,6 @@
 #include "access/card_record.h"
 #include "app/qdb.h"
 #include "comm/com.h"
-#include "comm/station.h"
 #include "files/command_file.h"
 #include "files/conversions.h"
 #include "messages/strings.h"
@@ -58,9 +57,7 @@ std::optional<Note> read(const std::string& path) {
 }
 
 bool canBeAsked(Library& library, const ControllerPlace& place) {
-  const auto inUse = library.QDB().DB()->openRecordset(
-      "select Id from Stations where Active = true and Id = " + std::to_string(place.first));
-  return !inUse->eof() && library.Com().TestSend(place.first, place.second);
+  return library.Com().isInUse(place.first) && library.Com().TestSend(place.first, place.second);
 }
 
 /// The numbers of the block that no card of the table has on the controller.

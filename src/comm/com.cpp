@@ -123,9 +123,9 @@ std::int16_t Com::sendNow(ComCommandsEnum command, Target target, bool silence, 
   return reported;
 }
 
-bool Com::isInUse(std::int16_t station) {
+bool Com::isInUse(std::int16_t StationID) {
   const auto row =
-      database()->openRecordset("select Active from Stations where Id = " + std::to_string(station));
+      database()->openRecordset("select Active from Stations where Id = " + std::to_string(StationID));
   return !row->eof() && row->get("Active").toBool();
 }
 

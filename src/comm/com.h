@@ -48,6 +48,8 @@ class Com {
                     bool Silence = false, bool Autodetection = false);
   /// Whether the controller (0: every controller of the station) may be addressed after the last check.
   [[nodiscard]] bool TestSend(std::int16_t StationID, std::int16_t controllerID);
+  /// Whether the station is there and in use; without a word when it is not.
+  [[nodiscard]] bool isInUse(std::int16_t StationID);
   /// Send(CmSendCommand) to a controller of which TestSend has just said that it may be addressed. Ends a
   /// Reading that both are part of before the driver is called.
   std::int16_t sendTested(std::int16_t StationID, std::int16_t ControllerAddr);
@@ -96,7 +98,6 @@ class Com {
   /// Behind the test whether the target answers. tested: it was made within a Reading, which ends here.
   std::int16_t sendNow(ComCommandsEnum command, Target target, bool silence, bool autodetection, bool tested);
   std::int16_t sendToAnswering(ComCommandsEnum command, std::int16_t station);
-  [[nodiscard]] bool isInUse(std::int16_t station);  ///< without a word about a missing one
   std::int16_t callDriver(ComCommandsEnum command, Target target, std::int16_t driverAddress);
   void recordFailure(std::int16_t result, ComCommandsEnum command, Target target, std::int16_t driverAddress);
   std::int16_t eachActiveStation(ComCommandsEnum command, std::int16_t address);
