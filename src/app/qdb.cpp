@@ -93,9 +93,11 @@ void QDB::buildTables() {
   Transaction transaction(library_.engine());
   for (ITable* table : registry_) {
     if (table->Name() == journal_->Name()) continue;
-    table->create();
-    // Here rather than last: the file's whole schema is read again for every column that is added.
-    if (table == dailyPrograms_.get()) dailyPrograms_->provideFourZones();
+    if (table == dailyPrograms_.get()) {
+      dailyPrograms_->createWithFourZones();
+    } else {
+      table->create();
+    }
     table->insertDefaultRecs();
   }
   createComStatus(*database_);

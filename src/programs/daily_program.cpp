@@ -25,13 +25,30 @@ std::string timeField(const Value& bound) {
   return time == "2359" ? "2400" : time;
 }
 
+FieldDef furtherField(const char* bound) {
+  FieldDef field;
+  field.name = bound;
+  field.size = timeSize;
+  field.defaultValue = "23:59";
+  field.allowZeroLength = true;
+  return field;
+}
+
 }  // namespace
+
+void DailyProgram::createWithFourZones() {
+  fourZones_ = true;
+  create();
+  fourZones_ = false;
+}
 
 void DailyProgram::createFields(TableDef& td) {
   addField(td, "Id", DataType::Integer);
   addField(td, "Name", DataType::Text, 50);
   for (const char* bound : bounds) addField(td, bound, DataType::Text, timeSize);
   addField(td, "DailyProgramFlagD", DataType::Boolean);
+  if (!fourZones_) return;
+  for (const char* bound : furtherBounds) td.fields.push_back(furtherField(bound));
 }
 
 void DailyProgram::createIndexes(TableDef& td) {
@@ -53,13 +70,7 @@ void DailyProgram::insertDefaultRecs() {
 void DailyProgram::provideFourZones() {
   const TableDef present = database().tableDef(Name());
   for (const char* bound : furtherBounds) {
-    if (present.field(bound) != nullptr) continue;
-    FieldDef field;
-    field.name = bound;
-    field.size = timeSize;
-    field.defaultValue = "23:59";
-    field.allowZeroLength = true;
-    database().addField(Name(), field);
+    if (present.field(bound) == nullptr) database().addField(Name(), furtherField(bound));
   }
 }
 

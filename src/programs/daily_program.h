@@ -28,6 +28,8 @@ class DailyProgram : public Table {
   std::int16_t generalDownload(ComponentType compType = CTActiveStations, const std::string& compName = "",
                                bool* AlreadyComTested = nullptr);
 
+  /// create() with the columns of provideFourZones.
+  void createWithFourZones();
   /// Adds the columns of the third and fourth interval, `Start3Interval` to `End4Interval`, where the open
   /// database lacks them; both intervals are empty then. A failure is raised.
   void provideFourZones();
@@ -35,6 +37,9 @@ class DailyProgram : public Table {
   void createFields(TableDef& td) override;
   void createIndexes(TableDef& td) override;
   void insertDefaultRecs() override;  ///< a failure is raised
+
+ private:
+  bool fourZones_ = false;
 };
 
 }  // namespace voxa

@@ -86,14 +86,26 @@ TEST_F(ProgramsTest, CommandLines) {
   EXPECT_EQ(flags(), "3 / / ");
   EXPECT_EQ(boxes(), (Lines{"Can't find daily program 50|(DailyProgram.download)",
                             "Can't find weekly program 31|(WeeklyProgram.download)"}));
-  daily.provideFourZones();
-  daily.provideFourZones();  // once more changes nothing
   db().execute("update DailyPrograms set Start3Interval = '20:15', Start4Interval = '00:00' where Id = 3");
   for (const std::int16_t zones : {1, 2}) {
     glob->Com().pDailyPrograms4Zones = zones;
     EXPECT_EQ(download("D", 3, DLFull), 0);
     EXPECT_EQ(sent(), zones == 1 ? "310300000600200024002015240000002400||" : "31030000060020002400||");
   }
+}
+
+TEST_F(ProgramsTest, AnOlderDatabaseGetsTheFurtherIntervals) {
+  Com& com = glob->Com();
+  com.AppDB = folder + "\\old.mdb";
+  library->engine().create(com.AppDB)->close();
+  library->QDB().openCommonDB();
+  daily.create();
+  daily.insertDefaultRecs();
+  com.pDailyPrograms4Zones = 1;
+  for (int opened = 0; opened < 2; ++opened) library->QDB().openCommonDB();
+  EXPECT_EQ(query("select Start3Interval from DailyPrograms where Id = 1"), "23:59");
+  EXPECT_EQ(db().tableDef("DailyPrograms").fields.size(), 11U);
+  EXPECT_TRUE(boxes().empty());
 }
 
 TEST_F(ProgramsTest, NamesAndFreeNumbers) {

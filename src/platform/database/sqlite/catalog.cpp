@@ -15,8 +15,9 @@ std::int64_t Catalog::currentVersion() const {
   return version;
 }
 
-void Catalog::refresh() {
+bool Catalog::refresh() {
   if (version_ && *version_ != currentVersion()) version_.reset();
+  return version_.has_value();
 }
 
 const std::vector<std::unique_ptr<TableDef>>& Catalog::tables() const {

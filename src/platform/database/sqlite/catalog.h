@@ -19,8 +19,8 @@ class Catalog final : public dialect::Schema {
  public:
   explicit Catalog(Connection& connection) : connection_(connection) {}
 
-  /// Forgets what was read if the schema has changed since, by this or another user.
-  void refresh();
+  /// Forgets what was read if the schema has changed since, by this or another user. Whether it still holds.
+  bool refresh();
   /// Forgets what was read: after changes here and after a rollback, which may bring a version number back.
   void invalidate() { version_.reset(); }
   // What is the only change since the definitions were read spares reading all of them again:

@@ -124,7 +124,7 @@ void SqliteDatabase::abandon() {
 void SqliteDatabase::rolledBack() {
   ++generation_;
   if (!file_) return;
-  file_->relationsUnread = false;
+  file_->unwritten.clear();
   file_->catalog.invalidate();
   file_->names.clear();
 }
@@ -136,7 +136,12 @@ SqliteDatabase::OpenFile& SqliteDatabase::opened() const {
 
 SqliteDatabase::OpenFile& SqliteDatabase::file() const {
   OpenFile& open = opened();
-  if (open.relationsUnread) readRelations(open);
+  if (!open.unwritten.empty()) {
+    Step step(open.connection);
+    writeRelations(open.unwritten);
+    step.release();
+    open.unwritten.clear();
+  }
   return open;
 }
 

@@ -86,9 +86,9 @@ class SqliteDatabase final : public Database, public std::enable_shared_from_thi
     Catalog catalog;
     StatementCache translated;
     StatementCache own;
-    /// Relations were added in this transaction that SQLite has not read: it reads the whole schema again
-    /// for each, so that those which follow each other wait for the last.
-    bool relationsUnread = false;
+    /// Relations of this transaction that the file has not yet: those which follow each other are written at
+    /// once, since SQLite reads the whole schema again after it.
+    std::vector<Relation> unwritten;
     /// Texts that names of tables and queries stand for. Queries cannot change, and a table that is gone
     /// shows when its text runs.
     std::unordered_map<std::string, std::string> names;
@@ -96,7 +96,7 @@ class SqliteDatabase final : public Database, public std::enable_shared_from_thi
 
   OpenFile& opened() const;  ///< 3420 when closed
   OpenFile& file() const;    ///< the same, SQLite knowing all relations: for all that changes rows
-  void readRelations(OpenFile& open) const;
+  void writeRelations(const std::vector<Relation>& relations) const;
   /// The statement that a text, a table name or a query name stands for, its literals in scanned_.
   Prepared& prepared(std::string_view source);
   Prepared& translate(std::string_view sql);
@@ -109,7 +109,6 @@ class SqliteDatabase final : public Database, public std::enable_shared_from_thi
   /// Ends a step that changed definitions, the catalog knowing of it.
   void finish(Step& step);
   const TableDef& definition(std::string_view table) const;
-  void addConstraint(const std::string& table, const std::string& constraint);
   /// Runs `run`, which gives an SQLite code, on the prepared source; again when the schema has changed.
   /// rows: whether the statement has to give rows.
   template <typename Run>

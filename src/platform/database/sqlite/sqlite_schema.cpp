@@ -52,7 +52,7 @@ std::string violation(const Relation& relation) {
 
 const TableDef& SqliteDatabase::definition(std::string_view table) const {
   OpenFile& open = opened();
-  open.catalog.refresh();
+  if (!open.catalog.refresh()) (void)file();
   if (const TableDef* found = open.catalog.table(table)) return *found;
   throw Error(err::dbUnknownTable, "There is no table '" + std::string(table) + "'");
 }
@@ -194,36 +194,40 @@ void SqliteDatabase::createRelation(const Relation& relation) {
       open.connection.run("CREATE INDEX " + ddl::quoteName(ddl::relationIndexName(exact)) + " ON " +
                           ddl::quoteName(foreign.name) + " (" + ddl::quoteNames(foreignFields) + ")");
     }
-    addConstraint(foreign.name, ddl::foreignKey(exact));
-    if (!session_->inTransaction) readRelations(open);
+    if (!session_->inTransaction) writeRelations({exact});
     open.catalog.add(exact);
     finish(step);
-    open.relationsUnread = session_->inTransaction;
+    if (session_->inTransaction) open.unwritten.push_back(std::move(exact));
   });
 }
 
 /// SQLite adds constraints to a table only with the table itself; changing the schema's text is the way that
-/// its documentation gives for what leaves the rows as they are.
-void SqliteDatabase::addConstraint(const std::string& table, const std::string& constraint) {
-  Connection& connection = opened().connection;
-  connection.allowSchemaWrites(true);
+/// its documentation gives for what leaves the rows as they are. Then SQLite reads the schema again, and so
+/// do other users, who see it by the version's step.
+void SqliteDatabase::writeRelations(const std::vector<Relation>& relations) const {
+  OpenFile& open = opened();
+  open.connection.allowSchemaWrites(true);
   try {
-    connection.run("UPDATE sqlite_schema SET sql = substr(sql, 1, length(sql) - 1) || " +
-                   ddl::quoteText(", " + constraint + ")") +
-                   " WHERE type = 'table' AND name = " + ddl::quoteText(table));
+    Statement append = open.connection.prepare(
+        "UPDATE sqlite_schema SET sql = substr(sql, 1, length(sql) - 1) || ?1 WHERE type = 'table' AND name "
+        "= ?2");
+    for (const Relation& relation : relations) {
+      const Value constraint = ", " + ddl::foreignKey(relation) + ")";
+      const Value table = relation.foreignTable;
+      append.bind(1, constraint);
+      append.bind(2, table);
+      const int code = append.step();
+      if (code != SQLITE_DONE) open.connection.fail(code);
+      append.reset();
+    }
   } catch (...) {
-    connection.allowSchemaWrites(false);
+    open.connection.allowSchemaWrites(false);
     throw;
   }
-  connection.allowSchemaWrites(false);
-}
-
-/// Makes SQLite read the schema again, other users too: they see it by the version's step.
-void SqliteDatabase::readRelations(OpenFile& open) const {
+  open.connection.allowSchemaWrites(false);
   const std::int64_t version = open.connection.number("PRAGMA schema_version");
   open.connection.run("PRAGMA schema_version=" + std::to_string(version + 1));
   open.connection.run("PRAGMA writable_schema=RESET");
-  open.relationsUnread = false;
   open.catalog.versionChanged();
 }
 
