@@ -1,14 +1,16 @@
 #include "comm/station_result.h"
 
+#include <algorithm>
 #include <charconv>
 
 #include "files/seq_file.h"
 #include "platform/datetime.h"
-#include "platform/text.h"
 
 namespace voxa {
 
 namespace {
+
+constexpr std::size_t dateLineSize = 18;  // characters that are read of it
 
 // `width` characters from the 1-based `position`, blanks around the number allowed; -1 when it is none.
 int numberAt(std::string_view line, std::size_t position, std::size_t width) {
@@ -40,14 +42,15 @@ StationResult readStationResult(Library& library, const std::string& path) {
   file.fopen("r");
   StationResult result;
   // Places are counted in the file's own characters, whatever the driver wrote into the others.
-  const auto line = [&] { return toCp1252(file.flineInput()); };
+  std::string line;
   if (!file.fEOF()) {
-    const std::string first = line();
-    for (std::size_t i = 0; i < first.size() && i < result.statuses.size(); ++i) {
-      result.statuses[i] = first[i];
-    }
+    file.flineInput1252(line, result.statuses.size());
+    std::copy(line.begin(), line.end(), result.statuses.begin());
   }
-  while (!file.fEOF()) takeDateLine(line(), result);
+  while (!file.fEOF()) {
+    file.flineInput1252(line, dateLineSize);
+    takeDateLine(line, result);
+  }
   file.fclose();
   return result;
 }

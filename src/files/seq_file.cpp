@@ -114,8 +114,8 @@ void SeqFile::finput(Value& var) {
   access("msgCantRead", [&] { var = readAs(fromCp1252(opened(stream_).readItem()), var); });
 }
 
-std::string SeqFile::flineInput(std::size_t limit) {
-  return access("msgCantRead", [&] { return fromCp1252(opened(stream_).readLine(limit)); });
+std::string SeqFile::flineInput() {
+  return access("msgCantRead", [&] { return fromCp1252(opened(stream_).readLine()); });
 }
 
 void SeqFile::flineInput1252(std::string& line, std::size_t limit) {

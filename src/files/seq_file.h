@@ -39,9 +39,9 @@ class SeqFile {
   /// Reads the next item, up to a comma or line end, as the type that `var` holds; into a Null `var` as a
   /// number when it reads as one, else as text.
   void finput(Value& var);
-  /// limit: greatest number of characters; what a longer line has beyond them is passed over.
-  [[nodiscard]] std::string flineInput(std::size_t limit = std::string::npos);
-  /// The same line as it stands in the file, in code page 1252. line: its memory is used again.
+  [[nodiscard]] std::string flineInput();
+  /// The same line as it stands in the file, in code page 1252. line: its memory is used again. limit:
+  /// greatest number of characters; what a longer line has beyond them is passed over.
   void flineInput1252(std::string& line, std::size_t limit);
   /// Copies the lines of another file to the end of this one, which must be open for writing.
   void appendFile(const std::string& fileName);

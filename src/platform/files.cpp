@@ -265,9 +265,9 @@ void Stream::readLine(std::string& line, std::size_t limit) {
   }
 }
 
-std::string Stream::readLine(std::size_t limit) {
+std::string Stream::readLine() {
   std::string line;
-  readLine(line, limit);
+  readLine(line, std::string::npos);
   return line;
 }
 

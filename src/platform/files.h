@@ -74,10 +74,11 @@ class Stream {
   Stream(std::string_view path, Mode mode);
 
   void write(std::string_view bytes);  ///< buffered; a failure may be raised by this or a later call
-  /// Next line without its end (CR LF, LF or CR); of a line longer than `limit` bytes only so many, the rest
-  /// being passed over. Raises 62 at the end of the file.
-  [[nodiscard]] std::string readLine(std::size_t limit = std::string::npos);
-  void readLine(std::string& line, std::size_t limit);  ///< the same into a text whose memory is used again
+  /// Next line without its end (CR LF, LF or CR). Raises 62 at the end of the file.
+  [[nodiscard]] std::string readLine();
+  /// The same into a text whose memory is used again; of a line longer than `limit` bytes only so many, the
+  /// rest being passed over.
+  void readLine(std::string& line, std::size_t limit);
   /// Next item up to a comma or line end, blanks around it dropped, double quotes around it removed (commas
   /// inside quotes belong to the item). Raises 62 at the end of the file.
   [[nodiscard]] std::string readItem();
