@@ -235,6 +235,11 @@ TEST_F(CardsTest, AReaderJoinsTheDefaultGroupAndGetsItsCards) {
 }
 
 TEST_F(CardsTest, NumbersAndCodesAreLookedUp) {
+  EXPECT_EQ(groups().DefaultName(), query("select Name from AccessGroups where Id = 0"));
+  EXPECT_EQ(groups().getId("staff"), 1);
+  EXPECT_TRUE(boxes().empty());
+  EXPECT_EQ(groups().getId("Nobody"), -1);
+  EXPECT_EQ(boxes(), std::vector<std::string>{"Can't find access group Nobody|(AccessGroups.getId)"});
   card(1, "00000123", 1);
   card(2, "2", 1, "Deleted = True");
   EXPECT_EQ(cards().getNameByCardNum(1), "Holder 1");

@@ -23,6 +23,8 @@ TEST_F(JournalTest, WhatALineSays) {
       // An event without a door of its own is at that of the line before, on the first line at none.
       {"05 05241226180500000000\r\n05 10241226180500000001\r\n\r\n05 99241226180500000002\r\n",
        "24/12/2026 18:05:00|3|North|-1||05||00000000\n" + row("10||00000001") + row("99||00000002")},
+      {"05 10241226180500000001\r\n05 13241226180500000002\r\n",
+       row("10||00000001") + "24/12/2026 18:05:00|3|North|-1||13||00000002\n"},
       {good + "\r" + good + "   \r" + good, row(goodRow) + row(goodRow) + row(goodRow)},
       {"", ""},
   };
