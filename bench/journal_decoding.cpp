@@ -200,7 +200,7 @@ class PlainJournal {
   }
 
   const Reader& readerAt(int controller, int position) {
-    auto& reader = readers_.at(static_cast<std::size_t>(controller * 5 + position));
+    auto& reader = readers_.at(static_cast<std::size_t>(controller) * 5 + static_cast<std::size_t>(position));
     if (!reader) {
       sqlite3_bind_int(reader_.get(), 1, stationId);
       sqlite3_bind_int(reader_.get(), 2, controller);
@@ -232,7 +232,7 @@ class PlainJournal {
   std::optional<PlainSqlite> journal_;
   PlainSqlite::Statement insert_;
   std::array<std::optional<std::string>, cards + 1> names_;
-  std::array<std::optional<Reader>, 100 * 5> readers_;
+  std::array<std::optional<Reader>, 500> readers_;
 };
 
 /// Whether two journals hold the same rows, their dates to the minute.

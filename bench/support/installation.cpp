@@ -98,7 +98,7 @@ void Installation::addReaders() {
 }
 
 std::string Installation::copyDatabase() const {
-  const std::string copy = folder_ + "/rival.mdb";
+  std::string copy = folder_ + "/rival.mdb";
   std::filesystem::copy_file(databasePath_, copy);
   return copy;
 }
