@@ -47,8 +47,9 @@ class Memories : public test::JournalTest {
     Expected expected;
     write("memory", bytes);
     files::Stream lines("memory", files::Stream::Mode::read);
+    std::string text;
     while (!lines.atEnd()) {
-      const std::string text = lines.readLine(UndecodedLines::longestLine);
+      lines.readLine(text, UndecodedLines::longestLine);
       if (text.empty()) continue;
       JournalLine line;
       const bool decoded = decodeLine(text, line).empty();

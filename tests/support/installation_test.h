@@ -60,9 +60,11 @@ class StillClock : public Clock {
 /// A test inside a temporary folder of its own, which is the current and the working folder, over the real
 /// database engine.
 class InstallationTest : public ::testing::Test {
+ public:
+  ~InstallationTest() override;
+
  protected:
   InstallationTest();
-  ~InstallationTest() override;
 
   /// A new context over the same folder, as a second process or a later one has it.
   void restart();
