@@ -88,15 +88,11 @@ void Catalog::update(const std::string& table) {
   version_ = version;
 }
 
-void Catalog::created(const std::vector<std::string>& statements) {
+void Catalog::add(const TableDef& table) {
   if (!version_) return;
   version_.reset();
   const std::int64_t version = currentVersion();
-  ddl::Table table = ddl::readTable(statements.front());
-  for (auto index = statements.begin() + 1; index != statements.end(); ++index) {
-    if (auto read = ddl::readIndex(*index, table)) table.definition.indexes.push_back(std::move(*read));
-  }
-  tables_.push_back(std::make_unique<TableDef>(std::move(table.definition)));
+  tables_.push_back(std::make_unique<TableDef>(table));
   version_ = version;
 }
 

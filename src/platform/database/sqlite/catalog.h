@@ -25,10 +25,9 @@ class Catalog final : public dialect::Schema {
   void invalidate() { version_.reset(); }
   // What is the only change since the definitions were read spares reading all of them again:
   void update(const std::string& table);  ///< a table that was changed
-  /// A new table, by the statements that made it: the file holds their text.
-  void created(const std::vector<std::string>& statements);
-  void add(const Relation& relation);  ///< a new relation, its tables and fields spelt as in the file
-  void versionChanged();               ///< nothing but the schema's version
+  void add(const TableDef& table);        ///< a new table, normalised
+  void add(const Relation& relation);     ///< a new relation, its tables and fields spelt as in the file
+  void versionChanged();                  ///< nothing but the schema's version
 
   [[nodiscard]] const TableDef* table(std::string_view name) const override;
   [[nodiscard]] const std::vector<std::unique_ptr<TableDef>>& tables() const;  ///< in order of creation

@@ -40,8 +40,8 @@ void checkName(std::string_view name);
 [[nodiscard]] TableDef normalised(const TableDef& definition);
 [[nodiscard]] FieldDef normalised(const FieldDef& field);
 
-/// CREATE TABLE and CREATE INDEX statements of a normalised definition.
-[[nodiscard]] std::vector<std::string> createTable(const TableDef& definition);
+/// CREATE TABLE and CREATE INDEX statements of a normalised definition, parted by ";".
+[[nodiscard]] std::string createTable(const TableDef& definition);
 /// A field's part of CREATE TABLE, and what ALTER TABLE adds.
 [[nodiscard]] std::string column(const FieldDef& field, const std::vector<IndexDef>& indexes);
 /// The constraint to add to the foreign table of a relation.

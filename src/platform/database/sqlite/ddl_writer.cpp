@@ -213,25 +213,24 @@ std::string column(const FieldDef& field, const std::vector<IndexDef>& indexes) 
   return text;
 }
 
-std::vector<std::string> createTable(const TableDef& definition) {
+std::string createTable(const TableDef& definition) {
   std::string table = "CREATE TABLE " + quoteName(definition.name) + " (";
   bool numbered = false;
   for (const FieldDef& field : definition.fields) {
     table += (&field == &definition.fields.front() ? "" : ", ") + column(field, definition.indexes);
     numbered = numbered || field.autoIncrement;
   }
-  std::vector<std::string> statements(1);
+  std::string indexes;
   for (const IndexDef& index : definition.indexes) {
     if (!index.primary) {
-      statements.push_back(std::string("CREATE ") + (index.unique ? "UNIQUE " : "") + "INDEX " +
-                           quoteName(definition.name + "." + index.name) + " ON " +
-                           quoteName(definition.name) + " (" + quoteNames(index.fields) + ")");
+      indexes += std::string("; CREATE ") + (index.unique ? "UNIQUE " : "") + "INDEX " +
+                 quoteName(definition.name + "." + index.name) + " ON " + quoteName(definition.name) + " (" +
+                 quoteNames(index.fields) + ")";
     } else if (!numbered) {
       table += "," + constraint(index.name) + " PRIMARY KEY (" + quoteNames(index.fields) + ")";
     }
   }
-  statements.front() = table + ")";
-  return statements;
+  return table + ")" + indexes;
 }
 
 std::string foreignKey(const Relation& relation) {

@@ -91,11 +91,8 @@ void SqliteDatabase::createTable(const TableDef& definition) {
     if (textOfName(table.name) || equalNoCase(table.name, Catalog::queryTable)) {
       throw Error(err::dbTableExists, "A table or query '" + table.name + "' exists already");
     }
-    const std::vector<std::string> statements = ddl::createTable(table);
-    std::string all;
-    for (const std::string& statement : statements) all += statement + ";";
-    open.connection.run(all);
-    open.catalog.created(statements);
+    open.connection.run(ddl::createTable(table));
+    open.catalog.add(table);
     finish(step);
   });
 }
@@ -211,10 +208,14 @@ void SqliteDatabase::writeRelations(const std::vector<Relation>& relations) cons
     Statement append = open.connection.prepare(
         "UPDATE sqlite_schema SET sql = substr(sql, 1, length(sql) - 1) || ?1 WHERE type = 'table' AND name "
         "= ?2");
-    for (const Relation& relation : relations) {
-      const Value constraint = ", " + ddl::foreignKey(relation) + ")";
-      const Value table = relation.foreignTable;
-      append.bind(1, constraint);
+    std::string constraints;
+    for (auto relation = relations.begin(); relation != relations.end(); ++relation) {
+      constraints += ", " + ddl::foreignKey(*relation);
+      const auto next = relation + 1;
+      if (next != relations.end() && next->foreignTable == relation->foreignTable) continue;
+      const Value end = std::exchange(constraints, {}) + ")";
+      const Value table = relation->foreignTable;
+      append.bind(1, end);
       append.bind(2, table);
       const int code = append.step();
       if (code != SQLITE_DONE) open.connection.fail(code);
