@@ -209,10 +209,10 @@ std::map<std::string, int> journalRows(const fs::path& folder) {
   return rows;
 }
 
-std::vector<std::string> onControllers(const fs::path& folder) {
+std::vector<std::string> onControllers(const fs::path& siteFolder) {
   constexpr std::size_t dataStart = 15;
   std::vector<std::string> held;
-  site::Site site(folder);
+  site::Site site(siteFolder);
   for (const auto& info : site.list()) {
     for (const std::string& record : site.snapshot(info.station, info.address).memory.records) {
       held.push_back(record.substr(dataStart));

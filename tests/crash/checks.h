@@ -18,7 +18,7 @@ struct Findings {
 /// Rows of the journal, and of a copy it was saved to, by their data. None without a journal.
 [[nodiscard]] std::map<std::string, int> journalRows(const std::filesystem::path& folder);
 /// Data of the transactions in the memories of the controllers.
-[[nodiscard]] std::vector<std::string> onControllers(const std::filesystem::path& site);
+[[nodiscard]] std::vector<std::string> onControllers(const std::filesystem::path& siteFolder);
 
 /// Looks at an installation in which an operation was attempted `runs` times since Plant::remember:
 /// - every database opens and is whole by its engine's own word, relations included;
