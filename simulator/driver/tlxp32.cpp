@@ -1,5 +1,10 @@
 #include "driver/tlxp32.h"
 
+#if defined(_WIN32)
+#include <windows.h>
+#else
+#include <cerrno>
+#endif
 #include <exception>
 #include <memory>
 
@@ -17,6 +22,16 @@ site::Storage& currentSite() {
   return file->get();
 }
 
+// The result says what became of the operation; an error of the system on the way to it, such as a file that
+// need not be there, is nobody's concern, and the caller would show it.
+void clearSystemError() {
+#if defined(_WIN32)
+  ::SetLastError(0);
+#else
+  errno = 0;
+#endif
+}
+
 // Runs one operation as one transaction. No exception leaves the library.
 template <typename Operation, typename... Arguments>
 std::int16_t run(Operation operation, Arguments... arguments) {
@@ -25,6 +40,7 @@ std::int16_t run(Operation operation, Arguments... arguments) {
     site::Transaction transaction(storage);
     const std::int16_t result = operation(storage, arguments...);
     transaction.commit();
+    clearSystemError();
     return result;
   } catch (const std::exception&) {
     return site::result::storageFailed;

@@ -243,6 +243,18 @@ succeeds sim controller fault --station Local --address 1 --none
 holds "11 12 20 " Local 1
 succeeds download cards
 holds "12 20 " Local 1
+succeeds card invalidate 12 --reader Front
+holds "20 " Local 1
+succeeds download cards --station Local --full
+holds "12 20 " Local 1
+refuses "Card number already in use" card batch --first-number 12 --first-code 900 --count 3 --group 1
+grep -q "DLL Error" err && fail "a driver that answers has left an error of the system"
+succeeds group list
+shows "Porte été (Always)"
+succeeds lift list
+shows "Top"
+succeeds reader list --json
+shows "Porte été"
 succeeds card add New --number 11 --code 77 --group 0 --until 1/1/2027
 succeeds sim controller add --station Annex --address 6
 succeeds reader add Side --station Annex --address 6 --position 1
