@@ -234,7 +234,7 @@ class Random {
     }
     const bool turned = oneIn(3) && type != DataType::Boolean;  // a number where a text is, or the reverse
     const DataType own = turned && type == DataType::Text ? DataType::Double : type;
-    const Cell cell = randomCell(own);
+    Cell cell = randomCell(own);
     return {literal(cell, own, turned && own == type), cell.null ? type : own,
             [cell](const Rows&) { return cell; }};
   }

@@ -68,7 +68,7 @@ TEST_F(ReadAutoTest, AFailureIsLoggedAndTheRunGoesOn) {
     if (c.failing == CmConnect) db().execute("update Stations set Name = 'N''th' where Id = 3");
     driver.answer = [&](const RecordingDriver::Call& call) -> std::int16_t {
       const std::int16_t result = answer(call);
-      return call.command == c.failing && call.station == 3 ? 3 : result;
+      return call.command == c.failing && call.station == 3 ? std::int16_t{3} : result;
     };
     driver.calls.clear();
     EXPECT_EQ(journal().readAuto(), c.result);

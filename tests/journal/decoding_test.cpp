@@ -55,8 +55,8 @@ TEST_F(JournalTest, ALineThatIsNoTransactionIsKeptAndTheOthersAreTaken) {
       {"05 10241226186000081200", noDate},
       {"05 10241226180500'81200", "the data holds an apostrophe or a control character"},
       {good + good, "more than a transaction, whose first 23 characters are in the journal", true},
-      {std::string(10'000'000, '\0'), "the controller address is not two digits"},
-      {std::string(10'000'000, '0'), noDate},
+      {std::string(8'000'000, '\0'), "the controller address is not two digits"},
+      {std::string(8'000'000, '0'), noDate},
   };
   for (const auto& c : cases) {
     memory = good + "\r\n" + c.line + "\r\n05 05241226180500081200\r\n";

@@ -87,7 +87,7 @@ TEST_F(ProgramsTest, CommandLines) {
   EXPECT_EQ(boxes(), (Lines{"Can't find daily program 50|(DailyProgram.download)",
                             "Can't find weekly program 31|(WeeklyProgram.download)"}));
   db().execute("update DailyPrograms set Start3Interval = '20:15', Start4Interval = '00:00' where Id = 3");
-  for (const std::int16_t zones : {1, 2}) {
+  for (const std::int16_t zones : {std::int16_t{1}, std::int16_t{2}}) {
     glob->Com().pDailyPrograms4Zones = zones;
     EXPECT_EQ(download("D", 3, DLFull), 0);
     EXPECT_EQ(sent(), zones == 1 ? "310300000600200024002015240000002400||" : "31030000060020002400||");
