@@ -2,6 +2,7 @@
 
 #include <sstream>
 
+#include "platform/database/sqlite/errors.h"
 #include "platform/error.h"
 #include "platform/text.h"
 
@@ -108,6 +109,8 @@ std::string BenchDatabase::run(std::string_view sql, const Parameters& parameter
   sqlite3_stmt* raw = nullptr;
   const char* tail = nullptr;
   if (sqlite3_prepare_v2(db_.get(), translation.sql.c_str(), -1, &raw, &tail) != SQLITE_OK || *tail != '\0') {
+    const Error error = fileFailure(SQLITE_ERROR, sqlite3_errmsg(db_.get()), "");
+    if (error.number() == err::dbSyntax) throw Error(error);
     throw Error(1, std::string(sqlite3_errmsg(db_.get())) + " in " + translation.sql);
   }
   const std::unique_ptr<sqlite3_stmt, int (*)(sqlite3_stmt*)> statement(raw, sqlite3_finalize);

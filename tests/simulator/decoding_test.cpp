@@ -95,9 +95,7 @@ TEST_F(Decoding, aVrmd1TakesItsOwnForms) {
   send({"09001300000000"});
   EXPECT_EQ(look().cards.size(), 1U);
   for (const char* wrong : {"09001200001234", "33001203", "09;02;0012;00001234", "09;01;12;00001234",
-                            "49;01;0012;", "09;01;0012:00001234",
-                            "04399902040608"
-                            "00000000"}) {
+                            "49;01;0012;", "09;01;0012:00001234", "0439990204060800000000"}) {
     EXPECT_NE(reason(wrong), "") << wrong;
   }
 }
@@ -145,11 +143,9 @@ TEST_F(Decoding, aWrongLineIsKeptWithItsReasonAndChangesNothing) {
                             "3600125",
                             "37001",
                             "37001304",
-                            "\x7F",
-                            "\x7F"
-                            "4",
-                            "\x7F"
-                            "11"}) {
+                            "\177",
+                            "\1774",
+                            "\17711"}) {
     EXPECT_NE(reason(wrong), "") << wrong;
   }
   EXPECT_EQ(reason("33001300"), "unknown card");

@@ -18,9 +18,11 @@ std::string readFile(const std::filesystem::path& file);
 
 /// A folder of its own as current folder, with the site in it. Station 1, unless a test says otherwise.
 class SimulatorTest : public testing::Test {
+ public:
+  ~SimulatorTest() override;
+
  protected:
   SimulatorTest();
-  ~SimulatorTest() override;
 
   void ini(const std::string& ter, int speed = 4800, int station = 1);
   /// Adds the controller and writes the ini file that lists addresses 1 up to it.

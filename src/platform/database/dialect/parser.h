@@ -86,7 +86,6 @@ class Parser {
   std::vector<std::size_t> literals_;  ///< for each token the literals before it
   std::size_t at_ = 0;
   int nesting_ = 0;
-  int deepest_ = 0;  ///< greatest depth of the expressions read in the present query
   bool rule_ = false;
 };
 

@@ -14,11 +14,7 @@ namespace {
 
 /// Of the text itself: parentheses, signs, calls within one another.
 constexpr int greatestNesting = 100;
-/// Symbols that SQLite's parser may have on its stack of a hundred, some being left to the statement around.
-constexpr int greatestDepth = 90;
-/// Symbols that a query within an expression adds to those of its own expressions.
-constexpr int queryDepth = 10;
-/// Of the tree with each operator: below the thousand that SQLite allows.
+/// Of the tree with each operator. SQLite allows a thousand of what is written for it, which may be more.
 constexpr int greatestHeight = 900;
 
 struct BinaryOperator {
@@ -56,30 +52,6 @@ std::optional<Operator> comparisonOperator(char symbol) {
       return Operator::greaterOrEqual;
     default:
       return std::nullopt;
-  }
-}
-
-/// Whether `left` op ... is written as one more link of the chain that `left` is.
-bool continues(const Expression& left, Operator op) {
-  if (left.kind != Expression::Kind::binary) return false;
-  const auto family = [](Operator o) { return o == Operator::subtract ? Operator::add : o; };
-  const Operator o = family(op);
-  return family(left.op) == o && (o == Operator::logicalAnd || o == Operator::logicalOr ||
-                                  o == Operator::add || o == Operator::concatenate);
-}
-
-/// Symbols that wait on the stack while an operand of the expression is read.
-int symbolsBefore(const Expression& e) {
-  switch (e.kind) {
-    case Expression::Kind::logicalNot:
-    case Expression::Kind::negative:
-      return 3;
-    case Expression::Kind::binary:
-      return e.op == Operator::like ? 10 : 5;
-    case Expression::Kind::call:
-      return 8;
-    default:
-      return 7;
   }
 }
 
@@ -124,14 +96,9 @@ syntax::ExpressionPtr Parser::make(Expression::Kind kind, std::size_t position) 
 }
 
 void Parser::adopt(Expression& parent, ExpressionPtr child) const {
-  const bool link =
-      parent.arguments.empty() && parent.kind == Expression::Kind::binary && continues(*child, parent.op);
-  parent.depth = std::max(parent.depth, child->depth + (link ? 0 : symbolsBefore(parent)));
   parent.height = std::max(parent.height, child->height + 1);
   parent.arguments.push_back(std::move(child));
-  if (parent.depth > greatestDepth || parent.height > greatestHeight) {
-    failSyntax(sql_, parent.position, "the statement is nested too deeply");
-  }
+  if (parent.height > greatestHeight) failSyntax(sql_, parent.position, "the statement is nested too deeply");
 }
 
 syntax::ExpressionPtr Parser::binary(Operator op, std::size_t position, ExpressionPtr left,
@@ -145,18 +112,13 @@ syntax::ExpressionPtr Parser::binary(Operator op, std::size_t position, Expressi
 
 syntax::ExpressionPtr Parser::expression() {
   const Nesting level(*this);
-  ExpressionPtr out = chain(loosestLogic);
-  deepest_ = std::max(deepest_, out->depth);
-  return out;
+  return chain(loosestLogic);
 }
 
 syntax::ExpressionPtr Parser::subquery(Expression::Kind kind, std::size_t position) {
   const Nesting level(*this);
   auto out = make(kind, position);
-  const int outside = std::exchange(deepest_, 0);
   out->select = select();
-  out->depth = std::exchange(deepest_, outside) + queryDepth;
-  if (out->depth > greatestDepth) failSyntax(sql_, position, "the statement is nested too deeply");
   return out;
 }
 

@@ -67,7 +67,6 @@ struct Expression {
   std::size_t literal = 0;
   std::size_t position = 0;  ///< in the statement, for messages
   int height = 1;            ///< levels of the tree from here down
-  int depth = 1;             ///< room that it takes on the stack of SQLite's parser, in symbols
   std::string_view qualifier;
   std::string_view name;
   std::vector<ExpressionPtr> arguments;

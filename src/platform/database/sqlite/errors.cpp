@@ -156,6 +156,10 @@ Error fileFailure(int code, const std::string& text, const std::string& path) {
     case SQLITE_NOMEM:
       return Error(err::outOfMemory, "Out of memory");
     default:
+      // The one is the bound of its parser, the other that of the tree.
+      if (text == "parser stack overflow" || text.starts_with("Expression tree is too large")) {
+        return Error(err::dbSyntax, "The statement is nested too deeply");
+      }
       return Error(err::dbInvalidArgument, "The database refused the call: " + text);
   }
 }
