@@ -298,7 +298,7 @@ TEST_F(Language, TurnsValidationRulesIntoConditions) {
   expectRule("In ('a?','it''s')", t, R"("Ty" IN ('a?', 'it''s'))");
   expectRule("<>\"\" and not like \"x*\"", t, R"("Ty" <> '' AND NOT (vx_like("Ty", 'x*')))");
   expectRule("Len([Ty]) = 2", t, R"(length("Ty") = 2)");
-  for (const char* rule : {"", ">=", ">0;", "[Other] > 1", "Soundex([Ty]) = 1"}) {
+  for (const char* rule : {"", ">=", ">0;", "[Other] > 1", "Soundex([Ty]) = 1", "in (select <1)"}) {
     try {
       ADD_FAILURE() << rule << " became " << dialect::translateRule(rule, t);
     } catch (const Error& error) {

@@ -86,7 +86,8 @@ class Parser {
   std::vector<std::size_t> literals_;  ///< for each token the literals before it
   std::size_t at_ = 0;
   int nesting_ = 0;
-  bool rule_ = false;
+  bool rule_ = false;          ///< the text is a validation rule
+  bool impliesField_ = false;  ///< where an operand is missing, the rule's field is meant
 };
 
 }  // namespace voxa::dialect

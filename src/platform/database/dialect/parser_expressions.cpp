@@ -82,7 +82,7 @@ Parser::Nesting::Nesting(Parser& parser) : parser_(parser) {
 }
 
 syntax::ExpressionPtr Parser::rule() {
-  rule_ = true;
+  rule_ = impliesField_ = true;
   ExpressionPtr out = expression();
   if (current().kind != TokenKind::end) fail("an operator or the end of the rule is missing");
   return out;
@@ -116,6 +116,7 @@ syntax::ExpressionPtr Parser::expression() {
 }
 
 syntax::ExpressionPtr Parser::subquery(Expression::Kind kind, std::size_t position) {
+  if (rule_) failSyntax(sql_, position, "a validation rule holds no query");
   const Nesting level(*this);
   auto out = make(kind, position);
   out->select = select();
@@ -124,13 +125,12 @@ syntax::ExpressionPtr Parser::subquery(Expression::Kind kind, std::size_t positi
 
 std::vector<syntax::ExpressionPtr> Parser::expressions() {
   // Inside of a list a value stands for itself in a rule, too.
-  const bool rule = rule_;
-  rule_ = false;
+  const bool implies = std::exchange(impliesField_, false);
   std::vector<ExpressionPtr> out;
   do {
     out.push_back(expression());
   } while (skipSymbol(','));
-  rule_ = rule;
+  impliesField_ = implies;
   return out;
 }
 
@@ -166,7 +166,7 @@ syntax::ExpressionPtr Parser::condition() {
   const auto subject = [this] { return make(Expression::Kind::subject, current().position); };
   const bool operandMissing = comparisonOperator(current().symbol).has_value() || atWord("in") ||
                               atWord("between") || atWord("like") || atWord("is");
-  ExpressionPtr left = rule_ && operandMissing ? subject() : chain(loosestArithmetic);
+  ExpressionPtr left = impliesField_ && operandMissing ? subject() : chain(loosestArithmetic);
   const std::size_t begin = left->position;
   bool compared = false;
   for (;;) {
@@ -175,7 +175,7 @@ syntax::ExpressionPtr Parser::condition() {
     if (at_ == before) break;
     compared = true;
   }
-  if (rule_ && !compared && isPlainValue(*left)) {
+  if (impliesField_ && !compared && isPlainValue(*left)) {
     left = binary(Operator::equal, begin, subject(), std::move(left));
   }
   return left;
