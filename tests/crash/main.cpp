@@ -66,6 +66,7 @@ class Harness {
 
   void begin(const Operation& operation) {
     ++rounds_;
+    if (rounds_ % 1000 == 0) std::cout << rounds_ << " rounds begun, " << failed_ << " failed" << std::endl;
     plant_.renew();
     plant_.batchFirst = 0;
     operation.prepare(plant_);
