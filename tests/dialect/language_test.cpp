@@ -269,7 +269,7 @@ TEST_F(Language, KeysAStatementAlikeWhateverWasReadBefore) {
       "a=1 and b=2|a='1' and b=2|a=1 and b='2'|a=1 and b=2 or c=3|a=1 or b=2 or c=3|a=1 or b=2or c=.5|"
       "a=1 order by f('x'), 2|a=1 order by f(3), 'x'|a=1 order by f(3), 2|a=1 order by f(3|a=1|"
       "f(1, 2)|f(1), 2|a=1 )2|a=1 ,2|a=1 ,2, 3|a=1and'x'and b=2|a=1and\x07"
-      "and b=2");
+      "and b=2|a= 1|a=  1");
   for (std::string sql; std::getline(statements, sql, '|');) {
     dialect::Scanned fresh;
     const auto scanned = [&](dialect::Scanned& out) {

@@ -24,7 +24,7 @@ Lexer repeat(std::string_view sql, Scanned& out) {
     if (!sql.substr(at).starts_with(between)) break;
     Lexer ahead(sql, stop.state, at + between.size());
     ahead.next(token);
-    if (!token.isLiteral()) break;
+    if (!token.isLiteral() || token.position != at + between.size()) break;
     Value literal = literalValue(token);
     if (markOf(literal) != out.key[stop.mark]) break;
     out.literals.push_back(std::move(literal));
