@@ -189,6 +189,7 @@ TEST_F(Language, RefusesWhatItCannotRead) {
       {"select top 5 percent Id from T", "!3075"},
       {"select Id from T union select Id from U", "!3075"},
       {"select Id from T where count(*) > 1", "!3075"},
+      {"select 1 from T having count(*) > 1", "!3075"},
       {"select Id from T a, U a", "!3075"},
       {"drop table T", "!3075"},
       {"select Id from [Nowhere]", "!3078"},

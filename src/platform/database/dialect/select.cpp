@@ -158,10 +158,13 @@ Writer::Query Writer::select(const syntax::Select& select, Scope* outer) {
   scope.aggregatesAllowed = true;
   scope.outer = outer;
   items(select, out);
+  if (select.having && groups.empty() && !scope.aggregated) {
+    fail(select.having->position, "HAVING needs GROUP BY or an aggregate function among what is selected");
+  }
   std::string having = select.having ? " HAVING " + condition(*select.having, scope) : "";
   scope.outer = nullptr;
   std::string order = this->order(select, out, outer != nullptr);
-  out.grouped = scope.aggregated || !groups.empty() || select.having != nullptr;
+  out.grouped = scope.aggregated || !groups.empty();
   if (out.grouped && scope.ungroupedCount > 0) {
     throw Error(err::dbNotAggregated, "The field \"" + scope.ungrouped +
                                           "\" is neither in GROUP BY nor part of an aggregate function");
