@@ -127,6 +127,22 @@ TEST_F(Rows, DeletedRowsAreSkippedOnceLeft) {
   EXPECT_EQ(countOf("Readers"), 0);
 }
 
+TEST_F(Rows, AreFoundByAConditionInTheirOwnOrder) {
+  addReaders(4);
+  const auto rows = db->openRecordset("select Id, Name from Readers order by Id desc");
+  EXPECT_TRUE(rows->findFirst("Id < 4"));
+  EXPECT_EQ(rows->get("Id"), Value(3));
+  EXPECT_TRUE(rows->findNext("Id in (1, 3)"));
+  EXPECT_FALSE(rows->findNext("Id > 0"));
+  EXPECT_EQ(rows->get("Id"), Value(1)) << "the current row stays";
+  EXPECT_TRUE(rows->findFirst("Id = 2"));
+  rows->remove();
+  EXPECT_FALSE(rows->findFirst("Id = 2"));
+  EXPECT_EQ(failure([&] { (void)rows->findFirst("Name = 'O'Brien'"); }), err::dbSyntax);
+  const auto counted = db->openRecordset("select count(*) as n from Readers");
+  EXPECT_EQ(failure([&] { (void)counted->findFirst("n = 3"); }), err::dbNotSupported);
+}
+
 TEST_F(Rows, ManyAreFetchedAsTheyAreVisited) {
   addReaders(1000);
   const auto rows = db->openRecordset("select * from Readers order by Id desc");
