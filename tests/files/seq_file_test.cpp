@@ -32,7 +32,7 @@ TEST_F(SeqFileTest, LinesAreWrittenAppendedAndRead) {
   file.fopen("w");
   file.fprint("\xc3\xa9,7");  // one byte in the file
   file.fopen("R");            // closes, then appends like any mode but "r" and "w"
-  write("other", "b\n40000,True");
+  write("other", "b\n40000,True\nx,2.5,4,70000,1.5,2/1/2026");
   file.appendFile("other");
   write("other", "");
   file.appendFile("other");
@@ -47,11 +47,13 @@ TEST_F(SeqFileTest, LinesAreWrittenAppendedAndRead) {
   EXPECT_EQ(textOf("other"), "closed by its end\r\n");
   file.fclose();
   EXPECT_EQ(file.ch(), 0);
-  EXPECT_EQ(textOf("f.txt"), "\xe9,7\r\nb\r\n40000,True\r\n");
+  EXPECT_EQ(textOf("f.txt"), "\xe9,7\r\nb\r\n40000,True\r\nx,2.5,4,70000,1.5,2/1/2026\r\n");
 
   file.fopen("r");
-  const Value wanted[] = {"\xc3\xa9", std::int16_t{7}, "b", std::int32_t{40000}, true};
-  const Value variables[] = {"", std::int16_t{0}, "", {}, false};
+  const Value wanted[] = {"\xc3\xa9",      std::int16_t{7},     "b", std::int32_t{40000}, true, "x", 2.5,
+                          std::uint8_t{4}, std::int32_t{70000}, 1.5, DateTime{46024}};
+  const Value variables[] = {"",  std::int16_t{0}, "", {}, false, {}, {}, std::uint8_t{0}, std::int32_t{0},
+                             0.0, DateTime{}};
   for (std::size_t i = 0; i < std::size(wanted); ++i) {
     Value item = variables[i];
     EXPECT_FALSE(file.fEOF());
