@@ -74,34 +74,33 @@ void Catalog::insert(const std::vector<Relation>& relations, std::size_t owner) 
   relations_.insert(next, relations.begin(), relations.end());
 }
 
-void Catalog::update(const std::string& table) {
+/// Follows the only change since the definitions were read, if they still hold; when that fails they do not.
+template <typename Change>
+void Catalog::follow(Change&& change) {
   if (!version_) return;
   version_.reset();
   const std::int64_t version = currentVersion();
-  for (ddl::Table& changed : read("tbl_name = " + ddl::quoteText(table))) {
-    const std::size_t owner = place(table);
-    if (owner == tables_.size()) tables_.push_back(std::make_unique<TableDef>());
-    *tables_[owner] = std::move(changed.definition);
-    std::erase_if(relations_, [&](const Relation& relation) { return relation.foreignTable == table; });
-    insert(changed.relations, owner);
-  }
+  change();
   version_ = version;
+}
+
+void Catalog::update(const std::string& table) {
+  follow([&] {
+    for (ddl::Table& changed : read("tbl_name = " + ddl::quoteText(table))) {
+      const std::size_t owner = place(table);
+      *tables_.at(owner) = std::move(changed.definition);
+      std::erase_if(relations_, [&](const Relation& relation) { return relation.foreignTable == table; });
+      insert(changed.relations, owner);
+    }
+  });
 }
 
 void Catalog::add(const TableDef& table) {
-  if (!version_) return;
-  version_.reset();
-  const std::int64_t version = currentVersion();
-  tables_.push_back(std::make_unique<TableDef>(table));
-  version_ = version;
+  follow([&] { tables_.push_back(std::make_unique<TableDef>(table)); });
 }
 
 void Catalog::add(const Relation& relation) {
-  if (!version_) return;
-  version_.reset();
-  const std::int64_t version = currentVersion();
-  insert({relation}, place(relation.foreignTable));
-  version_ = version;
+  follow([&] { insert({relation}, place(relation.foreignTable)); });
 }
 
 void Catalog::versionChanged() {

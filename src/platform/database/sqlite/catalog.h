@@ -38,6 +38,8 @@ class Catalog final : public dialect::Schema {
 
  private:
   void load() const;
+  template <typename Change>
+  void follow(Change&& change);
   std::vector<ddl::Table> read(const std::string& condition) const;
   std::int64_t currentVersion() const;
   std::size_t place(const std::string& table) const;  ///< index in tables_, their number when it is in none

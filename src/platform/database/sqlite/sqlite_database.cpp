@@ -200,15 +200,19 @@ std::optional<std::string> SqliteDatabase::textOfName(std::string_view name) {
   return sql;
 }
 
-Prepared& SqliteDatabase::translate(std::string_view sql) {
+Prepared SqliteDatabase::translate(std::string_view sql) {
   OpenFile& open = file();
   open.catalog.refresh();
   auto translation = std::make_shared<const dialect::Translation>(dialect::translate(sql, open.catalog));
   Statement statement = open.connection.prepareForSchema(translation->sql);
-  if (Prepared* former = open.translated.find(scanned_.key)) {
-    return *former = {std::move(translation), std::move(statement)};
-  }
-  return open.translated.add(scanned_.key, {std::move(translation), std::move(statement)});
+  return {std::move(translation), std::move(statement)};
+}
+
+Prepared& SqliteDatabase::translateScanned(std::string_view sql) {
+  Prepared made = translate(sql);
+  StatementCache& translated = opened().translated;
+  if (Prepared* former = translated.find(scanned_.key)) return *former = std::move(made);
+  return translated.add(scanned_.key, std::move(made));
 }
 
 Prepared& SqliteDatabase::prepared(std::string_view source) {
@@ -229,13 +233,13 @@ Prepared& SqliteDatabase::prepared(std::string_view source) {
         throw Error(err::dbUnknownTable,
                     "There is no table or query \"" + std::string(trimmedName(source)) + "\"");
       }
-      return translate(source);
+      return translateScanned(source);
     }
     name = open.names.emplace(source, std::move(*text)).first;
   }
   dialect::scan(name->second, scanned_);
   if (Prepared* found = findPrepared(open.translated, scanned_)) return *found;
-  return translate(name->second);
+  return translateScanned(name->second);
 }
 
 template <typename InputOf>
@@ -257,14 +261,13 @@ void SqliteDatabase::bind(Prepared& prepared, InputOf&& inputOf) {
 }
 
 SqliteDatabase::Change SqliteDatabase::translateChange(std::string_view sql) {
-  OpenFile& open = file();
-  open.catalog.refresh();
+  Prepared made = translate(sql);
   dialect::scan(sql, scanned_);
-  auto translation = std::make_shared<const dialect::Translation>(dialect::translate(sql, open.catalog));
-  requireKind(*translation, false);
-  Change change{{translation, open.connection.prepareForSchema(translation->sql)}, scanned_.literals, {}};
-  for (const dialect::Slot& slot : translation->slots) {
-    change.parameters.push_back(slot.literal ? 0 : declaredIndex(*translation, slot.parameter));
+  Change change{std::move(made), scanned_.literals, {}};
+  const dialect::Translation& translation = *change.prepared.translation;
+  requireKind(translation, false);
+  for (const dialect::Slot& slot : translation.slots) {
+    change.parameters.push_back(slot.literal ? 0 : declaredIndex(translation, slot.parameter));
   }
   return change;
 }

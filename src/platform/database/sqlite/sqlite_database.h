@@ -99,7 +99,9 @@ class SqliteDatabase final : public Database, public std::enable_shared_from_thi
   void writeRelations(const std::vector<Relation>& relations) const;
   /// The statement that a text, a table name or a query name stands for, its literals in scanned_.
   Prepared& prepared(std::string_view source);
-  Prepared& translate(std::string_view sql);
+  Prepared translate(std::string_view sql);
+  /// The same, kept for the key in scanned_, in place of one whose literals were others.
+  Prepared& translateScanned(std::string_view sql);
   std::optional<std::string> textOfName(std::string_view name);
   /// Binds the values of all slots, which stay where they are, or in converted_. inputOf: from a slot's
   /// number to its value and, for a parameter, what was declared (else nullptr).
