@@ -117,7 +117,7 @@ bool eraseCards(Library& library, const ControllerPlace& place, const std::vecto
     file.fopen();
     for (const std::int32_t number : numbers) file.fprint(clearCardLine(number));
     file.fclose();
-    confirmed = com.Send(CmSendCommand, station, address) == 0;
+    confirmed = com.sendTested(station, address) == 0;
   });
   if (confirmed) return true;
   com.errorList += "\r\n" + library.Strings().read("msgCantSendCommand") + " (" +
