@@ -6,11 +6,9 @@
 #include "access/card_record.h"
 #include "comm/com.h"
 #include "comm/row_download.h"
-#include "files/command_file.h"
 #include "files/conversions.h"
 #include "messages/strings.h"
 #include "platform/database/database.h"
-#include "platform/text.h"
 
 namespace voxa {
 
@@ -34,7 +32,7 @@ std::string commandLine(const Recordset& row, std::int16_t readerNumber, bool is
   std::string line = "04";
   if (isVRMD1) line += technologyPart(nullToInt(row.get("Techno")), readerNumber);
   for (const char* column : {"Pos_Site", "Size_Site", "Pos_Card"}) {
-    line += zeroPadded(nullToInt(row.get(column)), 2);
+    line += numberField(nullToInt(row.get(column)), 0, 2, column);
   }
   line += row.get("SystemCard").toBool() ? "04" : "08";
   std::string site = controllerCode(row.get("Val_Site").toText());
@@ -85,6 +83,7 @@ std::int16_t BadgeFormat::download(std::int16_t BadgeFormatID, std::int16_t& Rea
   if (!library_.Com().readyToSend(compType, compName, AlreadyComTested)) return 0;
   RowDownload what;
   what.condition = "Id = " + std::to_string(BadgeFormatID);
+  what.row = "Badge format " + std::to_string(BadgeFormatID);
   what.number = BadgeFormatID;
   what.notFoundMnemonic = "msgCantFindBadgeFormat";
   what.notFoundMethod = "BadgeFormat.download";
@@ -92,9 +91,7 @@ std::int16_t BadgeFormat::download(std::int16_t BadgeFormatID, std::int16_t& Rea
   what.failureMethod = "BadgeFormat.download";
   what.alwaysShowsFailure = false;
   what.clearsFlags = false;
-  what.writeLines = [&](const Recordset& row, CommandFile& file) {
-    file.fprint(commandLine(row, ReaderNumber, isVRMD1));
-  };
+  what.lines = [&](const Recordset& row) { return std::vector{commandLine(row, ReaderNumber, isVRMD1)}; };
   return downloadRow(library_, gen_, what, {compType, compName}, Params);
 }
 

@@ -113,17 +113,17 @@ void Batch::insert(bool groupMode) {
 }
 
 void Batch::writeBlock(const GrantedController& controller, const std::vector<std::int16_t>& lifts) {
-  CommandFile& file = library_.CommandFile();
-  file.fopen();
   CardRecord card;
   for (const CardPart part : {cardCodePart, accessGroupPart, validatedPart}) card.parts.set(part);
   const CardRights rights = controller.rights();
+  std::vector<std::string> block;
   for (std::int16_t i = 0; i < cards_; ++i) {
     card.number = firstNum_ + i;
     card.code = addToCardCode(firstCode_, i);
-    writeCardRecord(card, rights, lifts, controller.type, file);
+    for (std::string& line : cardLines(card, rights, lifts, controller.type))
+      block.push_back(std::move(line));
   }
-  file.fclose();
+  library_.CommandFile().write(block);
 }
 
 std::int16_t Batch::send() {
@@ -135,7 +135,11 @@ std::int16_t Batch::send() {
   const std::vector<GrantedController> controllers = controllersOf(database(), group_);
   std::vector<ControllerPlace> places;
   for (const GrantedController& controller : controllers) {
-    if (controller.active) places.emplace_back(controller.station, controller.address);
+    if (!controller.active) continue;
+    if (const std::string fault = faultOf(database(), group_, controller); !fault.empty()) {
+      throw Error(err::invalidArgument, "Invalid argument: " + fault);
+    }
+    places.emplace_back(controller.station, controller.address);
   }
   if (!places.empty() && !com.inhibitCom) block_.emplace(library_, firstNum_, lastNum_, places);
   for (const GrantedController& controller : controllers) {
@@ -144,7 +148,7 @@ std::int16_t Batch::send() {
       everywhere = false;
       continue;
     }
-    if (controller.twoPrograms()) twoPrograms_.add(com.getName(controller.station, controller.address));
+    if (controller.twoPrograms()) twoPrograms_.add(shutSides(database(), group_, controller));
     writeBlock(controller, liftOutputs(database(), firstId, controller));
     reached_.push_back(controller);
     if (com.Send(CmSendCommand, controller.station, controller.address) != 0) return notTaken;

@@ -113,10 +113,9 @@ bool eraseCards(Library& library, const ControllerPlace& place, const std::vecto
   bool confirmed = false;
   library.attempt([&, station = station, address = address] {
     if (!com.TestSend(station, address)) return;  // it would be passed over without a word
-    CommandFile& file = library.CommandFile();
-    file.fopen();
-    for (const std::int32_t number : numbers) file.fprint(clearCardLine(number));
-    file.fclose();
+    std::vector<std::string> lines;
+    for (const std::int32_t number : numbers) lines.push_back(clearCardLine(number));
+    library.CommandFile().write(lines);
     confirmed = com.sendTested(station, address) == 0;
   });
   if (confirmed) return true;

@@ -2,8 +2,10 @@
 
 #include <algorithm>
 
+#include "comm/reader.h"
 #include "files/conversions.h"
 #include "platform/database/database.h"
+#include "platform/text.h"
 
 namespace voxa {
 
@@ -18,6 +20,36 @@ bool grants(const std::vector<GrantedDoor>& doors, int door, std::int16_t progra
     granted = true;
   }
   return granted;
+}
+
+bool isOfCards(const Value& family) {
+  return !family.isNull() && equalNoCase(family.toText(), "C");
+}
+
+bool isFirstDoor(std::int16_t position) {
+  return position == 1 || position == 3;
+}
+
+bool isSecondDoor(std::int16_t position) {
+  return position == 2 || position == 4;
+}
+
+std::string groupName(Database& database, std::int16_t accessGroupId) {
+  const auto row =
+      database.openRecordset("select Name from AccessGroups where Id = " + std::to_string(accessGroupId));
+  return row->eof() ? std::to_string(accessGroupId) : row->get("Name").toText();
+}
+
+/// "access group Staff, Local Controller 1: Side" of the sides of that access; "" when there is none.
+std::string named(Database& database, std::int16_t accessGroupId, const GrantedController& controller,
+                  DoorSide::Access access) {
+  std::string readers;
+  for (const DoorSide& side : sidesOf(database, accessGroupId, controller)) {
+    if (side.access == access) readers += (readers.empty() ? "" : ", ") + side.reader;
+  }
+  if (readers.empty()) return readers;
+  return "access group " + groupName(database, accessGroupId) + ", " + controller.stationName +
+         " Controller " + std::to_string(controller.address) + ": " + readers;
 }
 
 }  // namespace
@@ -35,8 +67,9 @@ bool GrantedController::twoPrograms() const {
 
 std::vector<GrantedController> controllersOf(Database& database, std::int16_t accessGroupId) {
   const auto rows = database.openRecordset(
-      "SELECT r.Id, r.ControllerAddress, r.ControllerType, r.Position, a.WeeklyProgNum, s.Id, s.Name, "
-      "s.Active FROM AccGroupReaders AS a, Readers AS r, Stations AS s Where (((r.id) = [a].[readerId]) And "
+      "SELECT r.Id, r.ControllerAddress, r.ControllerType, r.Position, a.WeeklyProgType, a.WeeklyProgNum, "
+      "s.Id, s.Name, s.Active FROM AccGroupReaders AS a, Readers AS r, Stations AS s Where (((r.id) = "
+      "[a].[readerId]) And "
       "((s.id) = [r].[StationID]) And ((a.accessGroupId) = " +
       std::to_string(accessGroupId) + ")) ORDER BY s.Id, r.ControllerAddress, r.Position ");
   std::vector<GrantedController> controllers;
@@ -53,10 +86,70 @@ std::vector<GrantedController> controllersOf(Database& database, std::int16_t ac
                              type.isNull() ? "" : type.toText(),
                              {}});
     }
-    controllers.back().doors.push_back(
-        {nullToInt(rows->get("Position")), nullToInt(rows->get("WeeklyProgNum"))});
+    const Value program = rows->get("WeeklyProgNum");
+    controllers.back().doors.push_back({nullToInt(rows->get("Position")), nullToInt(program),
+                                        rows->get("r.Id").toInt32(),
+                                        !program.isNull() && isOfCards(rows->get("WeeklyProgType"))});
   }
   return controllers;
+}
+
+std::string faultOf(Database& database, std::int16_t accessGroupId, const GrantedController& controller) {
+  const bool addressed = addressFault("", controller.address).empty();
+  for (const GrantedDoor& door : controller.doors) {
+    if (addressed && door.byProgramOfCards) continue;
+    const auto row = database.openRecordset(
+        "select r.Name, r.ControllerAddress, a.WeeklyProgNum from Readers r, AccGroupReaders a where "
+        "a.ReaderId = r.Id and r.Id = " +
+        std::to_string(door.reader) + " and a.AccessGroupId = " + std::to_string(accessGroupId));
+    const bool revoked = row->eof();  // meanwhile
+    const std::string reader = revoked ? std::to_string(door.reader) : row->get("Name").toText();
+    if (!addressed)
+      return addressFault(reader, revoked ? Value(controller.address) : row->get("ControllerAddress"));
+    return "the access group " + groupName(database, accessGroupId) + " opens " + reader +
+           (revoked || row->get("WeeklyProgNum").isNull() ? " by no weekly program"
+                                                          : " by a weekly program of another family") +
+           ": grant it again with a program of family C";
+  }
+  return "";
+}
+
+std::vector<DoorSide> sidesOf(Database& database, std::int16_t accessGroupId,
+                              const GrantedController& controller) {
+  std::vector<DoorSide> sides;
+  const bool told = faultOf(database, accessGroupId, controller).empty();
+  const CardRights rights = controller.rights();
+  for (const auto rows = database.openRecordset(
+           "select Id, Name, Position from Readers where StationId = " + std::to_string(controller.station) +
+           " and (ControllerAddress = " + std::to_string(controller.address) +
+           (controller.address == 0 ? " or ControllerAddress is null" : "") + ") order by Position");
+       !rows->eof(); rows->moveNext()) {
+    const std::int32_t reader = rows->get("Id").toInt32();
+    const std::int16_t position = nullToInt(rows->get("Position"));
+    const auto door = std::find_if(controller.doors.begin(), controller.doors.end(),
+                                   [&](const GrantedDoor& granted) { return granted.reader == reader; });
+    const bool granted = door != controller.doors.end();
+    const bool opens = told && ((isFirstDoor(position) && rights.firstDoor) ||
+                                (isSecondDoor(position) && rights.secondDoor));
+    if (!granted && !opens) continue;
+    using Access = DoorSide::Access;
+    sides.push_back({rows->get("Name").toText(),
+                     !opens    ? Access::shut
+                     : granted ? Access::opens
+                               : Access::otherSide,
+                     granted ? door->weeklyProgram : rights.weeklyProgram});
+  }
+  return sides;
+}
+
+std::string shutSides(Database& database, std::int16_t accessGroupId, const GrantedController& controller) {
+  return named(database, accessGroupId, controller, DoorSide::Access::shut) + " stays shut";
+}
+
+std::string openOtherSides(Database& database, std::int16_t accessGroupId,
+                           const GrantedController& controller) {
+  const std::string sides = named(database, accessGroupId, controller, DoorSide::Access::otherSide);
+  return sides.empty() ? sides : sides + " opens too, the other side of a granted door";
 }
 
 std::vector<std::int16_t> liftOutputs(Database& database, std::int32_t cardholderId,

@@ -14,14 +14,16 @@ class Database;
 struct GrantedDoor {
   std::int16_t position = 0;  ///< the reader's place on the controller, 1 to 4
   std::int16_t weeklyProgram = 0;
+  std::int32_t reader = 0;
+  bool byProgramOfCards = true;  ///< the link names a weekly program, of family C
 };
 
 /// A controller with doors that an access group grants.
 struct GrantedController {
   std::int16_t station = 0;
   std::string stationName;
-  bool active = false;  ///< the station
-  std::int16_t address = 0;
+  bool active = false;       ///< the station
+  std::int16_t address = 0;  ///< 1 to 16, unless the reader's row is wrong
   std::string type;
   std::vector<GrantedDoor> doors;  ///< by position
 
@@ -35,6 +37,35 @@ struct GrantedController {
 
 /// The controllers of an access group by station and address.
 [[nodiscard]] std::vector<GrantedController> controllersOf(Database& database, std::int16_t accessGroupId);
+
+/// Why the controller cannot be told of the group's cards, naming the reader and the group; "" when it can.
+/// An address that is none of a controller's would reach the whole line; a link without a program of family C
+/// would be sent as "always", or as the program of that number in the other family.
+[[nodiscard]] std::string faultOf(Database& database, std::int16_t accessGroupId,
+                                  const GrantedController& controller);
+
+/// A reader of a controller as a group's cards meet it. Positions 1 and 3, 2 and 4 are the two sides of one
+/// door, which the controller opens or keeps shut as a whole.
+struct DoorSide {
+  enum class Access : std::uint8_t {
+    opens,      ///< as it is granted
+    otherSide,  ///< not granted, but the other side is: it opens too
+    shut        ///< granted, but the controller keeps it shut
+  };
+  std::string reader;
+  Access access = Access::opens;
+  std::int16_t weeklyProgram = 0;  ///< of the side that is granted
+};
+/// Those that are granted or open, by position.
+[[nodiscard]] std::vector<DoorSide> sidesOf(Database& database, std::int16_t accessGroupId,
+                                            const GrantedController& controller);
+/// "access group Staff, Local Controller 1: Side stays shut", of a controller with two programs.
+[[nodiscard]] std::string shutSides(Database& database, std::int16_t accessGroupId,
+                                    const GrantedController& controller);
+/// "access group Staff, Local Controller 1: Front out opens too, the other side of a granted door"; ""
+/// without any.
+[[nodiscard]] std::string openOtherSides(Database& database, std::int16_t accessGroupId,
+                                         const GrantedController& controller);
 
 /// The lift outputs that a cardholder's group may use on a controller.
 [[nodiscard]] std::vector<std::int16_t> liftOutputs(Database& database, std::int32_t cardholderId,

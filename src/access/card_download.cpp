@@ -8,6 +8,7 @@
 #include "app/qdb.h"
 #include "comm/com.h"
 #include "files/command_file.h"
+#include "files/conversions.h"
 #include "platform/database/database.h"
 
 namespace voxa {
@@ -59,27 +60,28 @@ std::int16_t CardDownload::sendCard(std::int32_t id, const CardParts& anyway) {
     return -1;
   }
   const Recordset& row = *cards_.currentRecordset();
-  CardRecord card(row);
-  const bool flagged = card.parts.any();
-  card.parts |= anyway;
-  if (card.parts.none()) return 0;
-  const auto group = row.get("AccessGroupId");
-  Sent sent{id, true, cards_.currentValues(), card.parts};
-  // The number of a deleted card that another card has now is that one's business.
-  std::int16_t status = 0;
-  if (!card.deleted || !numberIsTaken(card)) {
-    for (const GrantedController& controller :
-         controllersOf(*library_.QDB().DB(), group.isNull() ? std::int16_t{0} : group.toInt16())) {
-      sent.everywhere = sendTo(controller, id, card, status) && sent.everywhere;
+  Sending sending{id, nullToInt(row.get("AccessGroupId")), CardRecord(row)};
+  const bool flagged = sending.card.parts.any();
+  sending.card.parts |= anyway;
+  if (sending.card.parts.none()) return 0;
+  Sent sent{id, true, cards_.currentValues(), sending.card.parts};
+  if (!isNobodys(sending.card)) {
+    for (const GrantedController& controller : controllersOf(*library_.QDB().DB(), sending.group)) {
+      sent.everywhere = sendTo(controller, sending) && sent.everywhere;
     }
   }
   if (flagged || !sent.everywhere) sent_.push_back(std::move(sent));
-  return status;
+  return sending.status;
 }
 
-// Whether the controller has it all now, or needs nothing; keeps the first failure in `status`.
-bool CardDownload::sendTo(const GrantedController& controller, std::int32_t id, const CardRecord& card,
-                          std::int16_t& status) {
+void CardDownload::refuse(Sending& sending, const std::string& why) {
+  library_.Com().errorList += "\r\nCardholder " + std::to_string(sending.id) + ": " + why;
+  if (sending.status == 0) sending.status = err::invalidArgument;
+  complete_ = false;
+}
+
+// Whether the controller has it all now, or needs nothing.
+bool CardDownload::sendTo(const GrantedController& controller, Sending& sending) {
   // Of a card that is sent to some controllers only, the flags stay as they are for the others.
   if (!scope_.covers(controller)) return true;
   Com& com = library_.Com();
@@ -87,26 +89,41 @@ bool CardDownload::sendTo(const GrantedController& controller, std::int32_t id, 
     inactiveStations_.add(controller.stationName);
     return complete_ = false;
   }
-  if (controller.twoPrograms()) twoPrograms_.add(com.getName(controller.station, controller.address));
+  Database& database = *library_.QDB().DB();
+  if (const std::string fault = faultOf(database, sending.group, controller); !fault.empty()) {
+    refuse(sending, fault);
+    return false;
+  }
+  if (controller.twoPrograms()) tellOfTwoPrograms(controller, sending.group);
   // Of one moment, and the file locked once; the send ends it before the driver is called.
-  const Reading reading(*library_.QDB().DB());
+  const Reading reading(database);
   if (!com.TestSend(controller.station, controller.address)) return complete_ = false;
-  CommandFile& file = library_.CommandFile();
-  file.fopen();
-  writeCardRecord(card, controller.rights(), liftOutputs(*library_.QDB().DB(), id, controller),
-                  controller.type, file);
-  file.fclose();
+  library_.CommandFile().write(cardLines(sending.card, controller.rights(),
+                                         liftOutputs(database, sending.id, controller), controller.type));
   const std::int16_t result = com.sendTested(controller.station, controller.address);
-  if (status == 0) status = result;
+  if (sending.status == 0) sending.status = result;
   return result == 0;
 }
 
-bool CardDownload::numberIsTaken(const CardRecord& deleted) {
-  return !library_.QDB()
-              .DB()
-              ->openRecordset("select id from Cardholders where cardNum = " + std::to_string(deleted.number) +
-                              " and Deleted = false")
-              ->eof();
+void CardDownload::tellOfTwoPrograms(const GrantedController& controller, std::int16_t group) {
+  if (!conflicts_.emplace(group, controller.station, controller.address).second) return;
+  twoPrograms_.add(shutSides(*library_.QDB().DB(), group, controller));
+}
+
+// Whether there is nothing to send of it: a deleted card whose number another card has now, which is that
+// one's business, or none that a controller could know. Raises what two live cards have in common.
+bool CardDownload::isNobodys(const CardRecord& card) {
+  if (card.deleted && card.number == 0) return true;
+  const auto holders = library_.QDB().DB()->openRecordset(
+      "select Name from Cardholders where CardNum = " + std::to_string(card.number) + " and Deleted = false");
+  if (card.deleted) return !holders->eof();
+  std::string names;
+  for (; !holders->eof(); holders->moveNext()) {
+    names += (names.empty() ? "" : " and ") + holders->get("Name").toText();
+  }
+  if (holders->recordCount() <= 1) return false;
+  throw Error(err::invalidArgument, "the card number " + std::to_string(card.number) + " is that of " +
+                                        names + ": none of them is sent until each has a number of its own");
 }
 
 void CardDownload::finish() {

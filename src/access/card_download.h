@@ -2,7 +2,9 @@
 
 #include <cstdint>
 #include <optional>
+#include <set>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "access/card_record.h"
@@ -35,6 +37,10 @@ struct CardScope {
 /// Sends cards, one after the other, to the controllers of their access groups, and keeps the flags in step:
 /// a card's flags are cleared when every controller of its group has what the row said, and they are set
 /// when a part that was sent anyway did not arrive everywhere. A failed card does not stop the next.
+///
+/// What cannot be right is not sent, named in `Com.errorList`, and keeps its flags: a card whose number no
+/// line can hold or another live card has too, and at a controller a group's link that names no program of
+/// cards or a reader whose address is no controller's.
 class CardDownload {
  public:
   CardDownload(Library& library, const CardScope& scope);
@@ -51,7 +57,8 @@ class CardDownload {
   [[nodiscard]] bool reported() const { return reported_; }
   /// The stations with controllers that were not sent to since the line is not in use.
   [[nodiscard]] const Names& inactiveStations() const { return inactiveStations_; }
-  /// Controllers at which a granted door stays shut: the group grants the doors under two programs.
+  /// Group and door of each that stays shut though it is granted: its controller's doors are granted under
+  /// two programs.
   [[nodiscard]] const Names& twoPrograms() const { return twoPrograms_; }
   /// Whether every card reached every controller that it concerns.
   [[nodiscard]] bool complete() const { return complete_; }
@@ -65,9 +72,17 @@ class CardDownload {
   };
 
   std::int16_t sendCard(std::int32_t id, const CardParts& anyway);
-  bool sendTo(const GrantedController& controller, std::int32_t id, const CardRecord& card,
-              std::int16_t& status);
-  bool numberIsTaken(const CardRecord& deleted);
+  /// A card on its way.
+  struct Sending {
+    std::int32_t id;
+    std::int16_t group;
+    CardRecord card;
+    std::int16_t status = 0;  ///< first failure
+  };
+  bool sendTo(const GrantedController& controller, Sending& sending);
+  void refuse(Sending& sending, const std::string& why);
+  bool isNobodys(const CardRecord& card);
+  void tellOfTwoPrograms(const GrantedController& controller, std::int16_t group);
   void fail(std::int16_t status);
   void writeFlags(const Sent& card);
 
@@ -80,6 +95,7 @@ class CardDownload {
   bool complete_ = true;
   Names inactiveStations_;
   Names twoPrograms_;
+  std::set<std::tuple<std::int16_t, std::int16_t, std::int16_t>> conflicts_;  ///< group, station, address
 };
 
 }  // namespace voxa

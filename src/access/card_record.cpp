@@ -2,7 +2,6 @@
 
 #include <array>
 
-#include "files/command_file.h"
 #include "files/conversions.h"
 #include "platform/database/database.h"
 #include "platform/datetime.h"
@@ -20,34 +19,28 @@ constexpr std::size_t codeLength = 8;
 constexpr const char* clearingCode = "00000000";
 constexpr const char* noDate = "000000";
 
-std::string digits(std::int32_t number, int width, const char* what) {
-  std::string text = zeroPadded(number, width);
-  if (number < 0 || text.size() > static_cast<std::size_t>(width)) {
-    throw Error(err::overflow, "Overflow: " + std::string(what) + " " + std::to_string(number) +
-                                   " is not a number of " + std::to_string(width) + " digits");
-  }
-  return text;
-}
-
 // Spells the lines of one card for one kind of controller.
 class Lines {
  public:
-  Lines(std::int32_t cardNum, bool separated, CommandFile& file)
-      : number_(digits(cardNum, 4, "card number")), separated_(separated), file_(file) {}
+  Lines(std::int32_t cardNum, bool separated)
+      : number_(numberField(cardNum, 1, 4, "card number")), separated_(separated) {}
 
-  void print(const std::string& command, const std::string& value) {
-    file_.fprint(separated_ ? command + ";01;" + number_ + ";" + value : command + number_ + value);
+  void add(const std::string& command, const std::string& value) {
+    lines_.push_back(separated_ ? command + ";01;" + number_ + ";" + value : command + number_ + value);
   }
   void supervisor(bool on) {
-    if (separated_) return print("49", on ? "1" : "0");
-    print("49", on ? "" : "0");
+    if (separated_) return add("49", on ? "1" : "0");
+    add("49", on ? "" : "0");
   }
-  void lift(std::int16_t output) { file_.fprint("37" + number_ + digits(output, 2, "lift output")); }
+  void lift(std::int16_t output) {
+    lines_.push_back("37" + number_ + numberField(output, 1, 2, "lift output"));
+  }
+  std::vector<std::string> take() { return std::move(lines_); }
 
  private:
   std::string number_;
   bool separated_;
-  CommandFile& file_;
+  std::vector<std::string> lines_;
 };
 
 }  // namespace
@@ -99,31 +92,32 @@ std::string convertCardCode(std::string_view code) {
   return std::string(codeLength - converted.size(), ' ') + converted;
 }
 
-void writeCardRecord(const CardRecord& card, const CardRights& rights,
-                     const std::vector<std::int16_t>& liftOutputs, std::string_view controllerType,
-                     CommandFile& file) {
-  Lines lines(card.number, controllerType == "VRMD1", file);
+std::vector<std::string> cardLines(const CardRecord& card, const CardRights& rights,
+                                   const std::vector<std::int16_t>& liftOutputs,
+                                   std::string_view controllerType) {
+  Lines lines(card.number, controllerType == "VRMD1");
   // A card that is gone, or has no code any more, must not be left with the old one.
   if (card.deleted || (card.parts[cardCodePart] && card.code.empty())) {
-    lines.print("09", clearingCode);
-    return;
+    lines.add("09", clearingCode);
+    return lines.take();
   }
   const auto digit = [&](bool door) { return card.validated && door ? "1" : "0"; };
-  if (card.parts[cardCodePart]) lines.print("09", convertCardCode(card.code));
-  if (card.parts[accessGroupPart]) lines.print("33", digits(rights.weeklyProgram, 2, "weekly program"));
+  if (card.parts[cardCodePart]) lines.add("09", convertCardCode(card.code));
+  if (card.parts[accessGroupPart]) lines.add("33", numberField(rights.weeklyProgram, 0, 2, "weekly program"));
   if (card.parts[validatedPart]) {
-    lines.print("16", digit(rights.firstDoor));
-    lines.print("17", digit(rights.secondDoor));
+    lines.add("16", digit(rights.firstDoor));
+    lines.add("17", digit(rights.secondDoor));
   }
-  if (card.parts[pinCodePart]) lines.print("19", digits(card.pinCode, 4, "personal code"));
+  if (card.parts[pinCodePart]) lines.add("19", numberField(card.pinCode, 0, 4, "personal code"));
   if (card.parts[supervisorPart]) lines.supervisor(card.supervisor);
   if (card.parts[validationDatePart]) {
-    lines.print("35", card.validationDate.isNull()
-                          ? noDate
-                          : formatDateTime(card.validationDate.toDateTime(), "ddmmyy"));
+    lines.add("35", card.validationDate.isNull()
+                        ? noDate
+                        : formatDateTime(card.validationDate.toDateTime(), "ddmmyy"));
   }
-  if (card.parts[creditPart]) lines.print("36", digits(card.credit, 2, "credit"));
+  if (card.parts[creditPart]) lines.add("36", numberField(card.credit, 0, 2, "credit"));
   for (const std::int16_t output : liftOutputs) lines.lift(output);
+  return lines.take();
 }
 
 }  // namespace voxa

@@ -10,7 +10,6 @@
 
 namespace voxa {
 
-class CommandFile;
 class Recordset;
 
 /// The parts of a card's record that are sent separately, each with a FlagD column of its own.
@@ -61,15 +60,15 @@ struct CardRights {
 /// The same with blanks on the left to 8 characters, as a card's code goes into its line.
 [[nodiscard]] std::string convertCardCode(std::string_view code);
 
-/// Writes the lines of one card for one controller, those of `parts` only:
+/// The lines of one card for one controller, those of `parts` only:
 ///   09 code, 33 weekly program (two digits), 16 and 17 first and second door (0 or 1), 19 personal code
 ///   (four digits), 49 supervisor, 35 last valid day (ddmmyy, 000000 without), 36 credit (two digits), each
 ///   with the card number in four digits behind the command; then 37 with each lift output (two digits).
 /// A VRMD1 controller wants the command, the record version 01, the number and the value separated by ";",
-/// the lift lines excepted. A number that its width cannot hold raises `err::overflow`: it would be read as
-/// another card's line.
-void writeCardRecord(const CardRecord& card, const CardRights& rights,
-                     const std::vector<std::int16_t>& liftOutputs, std::string_view controllerType,
-                     CommandFile& file);
+/// the lift lines excepted. A number that its width cannot hold, and a card without a number, raise
+/// `err::overflow`: the line would be read as another card's.
+[[nodiscard]] std::vector<std::string> cardLines(const CardRecord& card, const CardRights& rights,
+                                                 const std::vector<std::int16_t>& liftOutputs,
+                                                 std::string_view controllerType);
 
 }  // namespace voxa

@@ -75,7 +75,10 @@ std::string Cardholder::getNameByCardNum(std::int16_t cardNum) {
 }
 
 bool Cardholder::getCardNumInUse(std::int16_t cardNum) {
-  return getCardNumId(cardNum) != 0;
+  bool inUse = false;  // asked by itself: an Id above 32,767 is no result of getCardNumId
+  lookUp("select id from Cardholders where cardNum = " + std::to_string(cardNum) + " and Deleted = false",
+         {"msgCantFindCardholder", "Cardholders.getCardNumInUse"}, true, [&](Recordset&) { inUse = true; });
+  return inUse;
 }
 
 bool Cardholder::getCardCodeInUse(std::int32_t cardCode) {
@@ -89,10 +92,7 @@ std::int16_t Cardholder::getFreeCardNum() {
 std::int16_t Cardholder::invalidate(std::int16_t cardNum, ComponentType compType,
                                     const std::string& compName) {
   return library_.attempt({"msgCantWriteCommand", "Cardholders.invalidate"}, [&] {
-    CommandFile& file = library_.CommandFile();
-    file.fopen();
-    file.fprint(clearCardLine(cardNum));
-    file.fclose();
+    library_.CommandFile().write({clearCardLine(cardNum)});
     return library_.Com().sendToComp(CmSendCommand, compType, compName);
   });
 }

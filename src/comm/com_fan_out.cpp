@@ -59,10 +59,7 @@ std::int16_t Com::sendToComp(ComCommandsEnum command, ComponentType compType, co
 std::int16_t Com::sendCommand(const std::string& commandCode, ComponentType compType,
                               const std::string& compName) {
   const std::int16_t result = library_.attempt([&] {
-    CommandFile& file = library_.CommandFile();
-    file.fopen();
-    file.fprint(commandCode);
-    file.fclose();
+    library_.CommandFile().write({commandCode});
     return sendToComp(CmSendCommand, compType, compName);
   });
   if (result != 0) library_.report({"msgCantSendCommand", "Com.SendCommand", Value(popErrorList())});

@@ -111,4 +111,14 @@ std::string Reader::getName(std::int16_t Id, bool noMessage) {
   return name;
 }
 
+std::string addressFault(const std::string& readerName, const Value& controllerAddress) {
+  constexpr std::int32_t lastAddress = 16;
+  const std::int32_t address = controllerAddress.isNull() ? 0 : controllerAddress.toInt32();
+  if (address >= 1 && address <= lastAddress) return "";
+  return "the reader " + readerName + " has " +
+         (controllerAddress.isNull() ? "no controller address"
+                                     : "the controller address " + std::to_string(address)) +
+         ": it has to be one of 1 to 16";
+}
+
 }  // namespace voxa

@@ -36,4 +36,8 @@ class Reader : public Table {
                             std::int16_t& ControllerAddr);
 };
 
+/// Why a reader's controller cannot be addressed by itself, "" when it can. Addresses are 1 to 16; 0 and 95
+/// would reach the whole line, and others another reader's controller.
+[[nodiscard]] std::string addressFault(const std::string& readerName, const Value& controllerAddress);
+
 }  // namespace voxa

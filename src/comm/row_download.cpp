@@ -4,6 +4,7 @@
 #include "app/library.h"
 #include "app/qdb.h"
 #include "comm/com.h"
+#include "comm/reader.h"
 #include "files/command_file.h"
 #include "platform/database/database.h"
 
@@ -11,13 +12,22 @@ namespace voxa {
 
 namespace {
 
+// Of a reader that there is: sending to one that there is not tells so itself.
+void requireAddress(Database& database, const Component& component) {
+  if (component.type != CTReader) return;
+  const auto reader = database.openRecordset(
+      "parameters pName memo; select Name, ControllerAddress from Readers where Name = pName",
+      {{"pName", component.name}});
+  if (reader->eof()) return;
+  const std::string fault = addressFault(reader->get("Name").toText(), reader->get("ControllerAddress"));
+  if (!fault.empty()) throw Error(err::invalidArgument, "Invalid argument: " + fault);
+}
+
 std::int16_t sendRow(Library& library, GenTable& rows, const RowDownload& what, const Component& component,
                      std::vector<Value>& sent) {
   sent = rows.currentValues();
-  CommandFile& file = library.CommandFile();
-  file.fopen();
-  what.writeLines(*rows.currentRecordset(), file);
-  file.fclose();
+  requireAddress(*library.QDB().DB(), component);
+  library.CommandFile().write(what.lines(*rows.currentRecordset()));
   return library.Com().sendToComp(CmSendCommand, component.type, component.name);
 }
 
@@ -45,6 +55,8 @@ std::int16_t downloadRow(Library& library, GenTable& rows, const RowDownload& wh
   if (status == 0) return what.clearsFlags ? rows.clearFlagsOfSent(what.condition, sent) : status;
   if (what.alwaysShowsFailure || (params & DLNoMessage) == 0) {
     library.report({"msgCantDownload", what.failureMethod, Value(library.Com().popErrorList())});
+  } else if (library.error().number != 0) {
+    library.Com().errorList += "\r\n" + what.row + ": " + library.error().description;
   }
   library.error().clear();
   return status;

@@ -3,12 +3,12 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "comm/com_types.h"
 
 namespace voxa {
 
-class CommandFile;
 class GenTable;
 class Library;
 class Recordset;
@@ -23,6 +23,7 @@ struct Component {
 /// command file to one component.
 struct RowDownload {
   std::string condition;         ///< finds the row
+  std::string row;               ///< names it in the error list, "Daily program 7"
   std::int16_t number;           ///< the row's number as a person knows it
   const char* notFoundMnemonic;  ///< message for a missing row,
   const char* notFoundMethod;    ///< its method text,
@@ -30,12 +31,15 @@ struct RowDownload {
   const char* failureMethod;     ///< method text of "msgCantDownload"
   bool alwaysShowsFailure;       ///< whether DLNoMessage is not heeded
   bool clearsFlags;              ///< whether a successful send clears the row's FlagD columns
-  std::function<void(const Recordset&, CommandFile&)> writeLines;  ///< the row's command lines
+  /// The row's command lines; raises what makes it a row that no line can hold.
+  std::function<std::vector<std::string>(const Recordset&)> lines;
 };
 
 /// Sends one row when its flags, or DLFull in `params`, say so. 0 when it was sent or nothing had to be; else
 /// notFoundResult, the result of the send, or an error's number. A failed row keeps its flags, and so does a
-/// row that was changed while it was being sent.
+/// row that was changed while it was being sent. Nothing is written of a row that cannot be right, nor to a
+/// reader whose address is that of a whole line; what is wrong is shown, with DLNoMessage left in
+/// `Com.errorList`.
 std::int16_t downloadRow(Library& library, GenTable& rows, const RowDownload& what,
                          const Component& component, std::int16_t params);
 

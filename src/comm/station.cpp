@@ -201,10 +201,7 @@ void Station::SendSpeed(std::int16_t StationID, std::int32_t Speed) {
   for (const LineSpeed& candidate : lineSpeeds) {
     if (candidate.bitsPerSecond == Speed) continue;
     createIniFile(StationID, 0, candidate.bitsPerSecond);
-    CommandFile& file = library_.CommandFile();
-    file.fopen();
-    for (int repeat = 0; repeat < 3; ++repeat) file.fprint(command);
-    file.fclose();
+    library_.CommandFile().write({command, command, command});
     library_.Com().Send(CmSendCommand, StationID, CmToAllControllers);
   }
 }

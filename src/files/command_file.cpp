@@ -36,4 +36,10 @@ void CommandFile::fclose() {
   file_.fclose();
 }
 
+void CommandFile::write(const std::vector<std::string>& lines) {
+  fopen();
+  for (const std::string& line : lines) fprint(line);
+  fclose();
+}
+
 }  // namespace voxa

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "files/seq_file.h"
 
@@ -28,6 +29,7 @@ class CommandFile {
   void fopen();
   void fprint(const std::string& text);  ///< one command line; "" is not written
   void fclose();
+  void write(const std::vector<std::string>& lines);  ///< fopen, fprint of each line, fclose
 
  private:
   SeqFile file_;

@@ -2,11 +2,10 @@
 
 #include "comm/com.h"
 #include "comm/row_download.h"
-#include "files/command_file.h"
+#include "files/conversions.h"
 #include "messages/strings.h"
 #include "platform/database/database.h"
 #include "platform/datetime.h"
-#include "platform/text.h"
 
 namespace voxa {
 
@@ -84,6 +83,7 @@ std::int16_t DailyProgram::download(std::int16_t Id, ComponentType compType, con
   if (!library_.Com().readyToSend(compType, compName, AlreadyComTested)) return 0;
   RowDownload what;
   what.condition = "Id = " + std::to_string(Id);
+  what.row = "Daily program " + std::to_string(Id);
   what.number = Id;
   what.notFoundMnemonic = "msgCantFindDailyProg";
   what.notFoundMethod = "DailyProgram.download";
@@ -91,13 +91,13 @@ std::int16_t DailyProgram::download(std::int16_t Id, ComponentType compType, con
   what.failureMethod = "DailyProgram.download";
   what.alwaysShowsFailure = false;
   what.clearsFlags = true;
-  what.writeLines = [&](const Recordset& row, CommandFile& file) {
-    std::string line = "31" + zeroPadded(Id, 2);
+  what.lines = [&](const Recordset& row) {
+    std::string line = "31" + numberField(Id, 1, 2, "daily program number");
     for (const char* bound : bounds) line += timeField(row.get(bound));
     if (library_.Com().pDailyPrograms4Zones == 1) {
       for (const char* bound : furtherBounds) line += timeField(row.get(bound));
     }
-    file.fprint(line);
+    return std::vector{line};
   };
   return downloadRow(library_, gen_, what, {compType, compName}, Params);
 }

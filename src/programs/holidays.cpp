@@ -2,7 +2,7 @@
 
 #include "comm/com.h"
 #include "comm/row_download.h"
-#include "files/command_file.h"
+#include "files/conversions.h"
 #include "platform/database/database.h"
 #include "platform/datetime.h"
 #include "platform/text.h"
@@ -44,6 +44,7 @@ std::int16_t Holidays::download(std::int16_t Id, ComponentType compType, const s
                                 std::int16_t Params) {
   RowDownload what;
   what.condition = "Id = " + std::to_string(Id);
+  what.row = "Holiday " + std::to_string(Id);
   what.number = Id;
   what.notFoundMnemonic = "msgCantFindHolidays";
   what.notFoundMethod = "Holidays.download";
@@ -51,8 +52,9 @@ std::int16_t Holidays::download(std::int16_t Id, ComponentType compType, const s
   what.failureMethod = "Holidays.download";
   what.alwaysShowsFailure = false;
   what.clearsFlags = true;
-  what.writeLines = [&](const Recordset& row, CommandFile& file) {
-    file.fprint(slotLine(Id, dateField(row)));
+  what.lines = [&](const Recordset& row) {
+    (void)numberField(Id, 1, 2, "holiday number");
+    return std::vector{slotLine(Id, dateField(row))};
   };
   return downloadRow(library_, gen_, what, {compType, compName}, Params);
 }

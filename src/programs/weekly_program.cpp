@@ -3,11 +3,9 @@
 #include "app/qdb.h"
 #include "comm/com.h"
 #include "comm/row_download.h"
-#include "files/command_file.h"
 #include "files/conversions.h"
 #include "messages/strings.h"
 #include "platform/database/database.h"
-#include "platform/text.h"
 #include "programs/daily_program.h"
 
 namespace voxa {
@@ -16,7 +14,7 @@ namespace {
 
 constexpr std::int16_t alwaysProgram = 0;
 constexpr int days = 7;
-constexpr std::int16_t wholeDay = 1;  // the daily program that every day may use
+constexpr const char* wholeDay = "01";  // the daily program that every day may use
 constexpr const char* wholeDayDefinition = "31010000240024002400";
 
 std::string dayColumn(int day) {
@@ -25,17 +23,21 @@ std::string dayColumn(int day) {
 
 // The program's line, and the whole day's definition behind it when a day (a holiday does not count) uses
 // that one, so that the controller holds what the line refers to.
-void writeProgram(const std::string& progType, std::int16_t progNum, const Recordset& row,
-                  CommandFile& file) {
-  std::string line = (progType == "C" ? "32" : "42") + zeroPadded(progNum, 2);
+std::vector<std::string> programLines(const std::string& progType, std::int16_t progNum,
+                                      const Recordset& row) {
+  const auto day = [&](const std::string& column) {
+    return numberField(nullToInt(row.get(column)), 0, 2, "number of a day's program");
+  };
+  std::string line = (progType == "C" ? "32" : "42") + numberField(progNum, 1, 2, "weekly program number");
   bool usesWholeDay = false;
-  for (int day = 1; day <= days; ++day) {
-    const std::int16_t program = nullToInt(row.get(dayColumn(day)));
+  for (int number = 1; number <= days; ++number) {
+    const std::string program = day(dayColumn(number));
     usesWholeDay = usesWholeDay || program == wholeDay;
-    line += zeroPadded(program, 2);
+    line += program;
   }
-  file.fprint(line + zeroPadded(nullToInt(row.get("DailyProgHolidays")), 2));
-  if (usesWholeDay) file.fprint(wholeDayDefinition);
+  std::vector<std::string> lines = {line + day("DailyProgHolidays")};
+  if (usesWholeDay) lines.emplace_back(wholeDayDefinition);
+  return lines;
 }
 
 }  // namespace
@@ -115,6 +117,7 @@ std::int16_t WeeklyProgram::download(const std::string& ProgType, std::int16_t P
   if (!library_.Com().readyToSend(compType, compName, AlreadyComTested)) return 0;
   RowDownload what;
   what.condition = " ProgType = '" + ProgType + "' and ProgNum = " + std::to_string(ProgNum);
+  what.row = "Weekly program " + ProgType + " " + std::to_string(ProgNum);
   what.number = ProgNum;
   what.notFoundMnemonic = "msgCantFindWeeklyProg";
   what.notFoundMethod = "WeeklyProgram.download";
@@ -122,9 +125,7 @@ std::int16_t WeeklyProgram::download(const std::string& ProgType, std::int16_t P
   what.failureMethod = "WeeklyPrograms.download";
   what.alwaysShowsFailure = true;
   what.clearsFlags = true;
-  what.writeLines = [&](const Recordset& row, CommandFile& file) {
-    writeProgram(ProgType, ProgNum, row, file);
-  };
+  what.lines = [&](const Recordset& row) { return programLines(ProgType, ProgNum, row); };
   return downloadRow(library_, gen_, what, {compType, compName}, Params);
 }
 

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "access/access_group.h"
+#include "access/card_doors.h"
 #include "access/cardholder.h"
 #include "app/qdb.h"
 #include "comm/com.h"
@@ -111,8 +112,54 @@ TEST_F(CardsTest, AValueThatIsNoCardLineIsRefusedAndStaysFlagged) {
   EXPECT_EQ(boxes(), std::vector<std::string>{"Can't find cardholder 99|(Cardholder.downloadI)"});
 }
 
+TEST_F(CardsTest, RowsThatCannotBeRightAreRefusedByNameAndStayFlagged) {
+  program("E", 3);
+  card(1, "1", 1, "CardCodeFlagD = True");
+  const struct {
+    const char *wrong, *right, *named;
+    bool elsewhere;  // the other controller is sent to
+  } cases[] = {
+      {"update Readers set ControllerAddress = Null where Id = 2",
+       "update Readers set ControllerAddress = 5 where Id = 2", "Back has no controller address", true},
+      {"update Readers set ControllerAddress = 0 where Id = 2",
+       "update Readers set ControllerAddress = 5 where Id = 2", "Back has the controller address 0", true},
+      {"update Readers set ControllerAddress = 95 where Id = 2",
+       "update Readers set ControllerAddress = 5 where Id = 2", "Back has the controller address 95", true},
+      {"update AccGroupReaders set WeeklyProgNum = Null where ReaderId = 2",
+       "update AccGroupReaders set WeeklyProgNum = 3 where ReaderId = 2",
+       "Staff opens Back by no weekly program", true},
+      {"update AccGroupReaders set WeeklyProgType = 'E' where ReaderId = 2",
+       "update AccGroupReaders set WeeklyProgType = 'C' where ReaderId = 2",
+       "by a weekly program of another family", true},
+      {"update Cardholders set CardNum = 0", "update Cardholders set CardNum = 1", "card number 0", false},
+      {"update Cardholders set CardNum = Null", "update Cardholders set CardNum = 1", "card number 0", false},
+      {"insert into Cardholders (CardNum, Name, CardCode, AccessGroupId) values (1, 'Other', '2', 0)",
+       "delete from Cardholders where Name = 'Other'", "the card number 1 is that of Holder 1 and Other",
+       false}};
+  for (const auto& c : cases) {
+    db().execute(c.wrong);
+    driver.calls.clear();
+    EXPECT_NE(cards().generalDownload(), 0) << c.wrong;
+    EXPECT_EQ(driver.sent(), c.elsewhere ? "090001       1\r\n\r\n" : "") << c.wrong;
+    EXPECT_EQ(sentTo(2), "") << c.wrong;
+    EXPECT_EQ(flagged(), "1") << c.wrong;
+    const auto shown = boxes();
+    ASSERT_EQ(shown.size(), 1U) << c.wrong;
+    EXPECT_NE(shown[0].find(c.named), std::string::npos) << shown[0];
+    if (c.elsewhere) {
+      driver.calls.clear();
+      EXPECT_EQ(cards().createGroup(50, "50", 1, 1), err::invalidArgument);
+      EXPECT_EQ(driver.count(CmSendCommand), 0U);
+      boxes();
+    }
+    db().execute(c.right);
+  }
+  EXPECT_EQ(query("select count(*) from Cardholders"), "1");
+}
+
 TEST_F(CardsTest, TwoProgramsOnAControllerKeepTheSecondDoorShut) {
   addReader(4, "Side", 1, 1, 2);
+  addReader(5, "Front out", 1, 1, 3);
   grant(1, 4, 4);
   card(1, "1", 1, "AccessGroupIdFlagD = True, ValidatedFlagD = True");
   EXPECT_EQ(cards().download(1), 0);
@@ -120,7 +167,11 @@ TEST_F(CardsTest, TwoProgramsOnAControllerKeepTheSecondDoorShut) {
   EXPECT_EQ(
       boxes(),
       std::vector<std::string>{
-          "Two different weekly programs used on a same controller (Local Controller 1  -  Front  -  Side)"});
+          "Two different weekly programs used on a same controller (access group Staff, Local Controller 1: "
+          "Side stays shut)"});
+  const auto controller = controllersOf(db(), 1).front();
+  EXPECT_EQ(openOtherSides(db(), 1, controller),
+            "access group Staff, Local Controller 1: Front out opens too, the other side of a granted door");
   EXPECT_EQ(driver.count(CmSendCommand), 2U);  // one file a controller
 }
 
@@ -246,6 +297,8 @@ TEST_F(CardsTest, NumbersAndCodesAreLookedUp) {
   EXPECT_EQ(cards().getNameByCardNum(2), "");
   EXPECT_FALSE(cards().getCardNumInUse(2));
   EXPECT_EQ(cards().getFreeCardNum(), 3);
+  db().execute("update Cardholders set Id = 40000 where CardNum = 1");
+  EXPECT_TRUE(cards().getCardNumInUse(1));
   EXPECT_TRUE(cards().getCardCodeInUse(123));
   EXPECT_FALSE(cards().getCardCodeInUse(124));
   EXPECT_EQ(cards().invalidate(12, CTReader, "Back"), 0);

@@ -1,7 +1,9 @@
 #include <filesystem>
 
 #include "comm/com.h"
+#include "platform/error.h"
 #include "programs/daily_program.h"
+#include "programs/holidays.h"
 #include "programs/weekly_program.h"
 #include "support/installation_test.h"
 
@@ -92,6 +94,29 @@ TEST_F(ProgramsTest, CommandLines) {
     EXPECT_EQ(download("D", 3, DLFull), 0);
     EXPECT_EQ(sent(), zones == 1 ? "310300000600200024002015240000002400||" : "31030000060020002400||");
   }
+}
+
+TEST_F(ProgramsTest, ANumberThatItsLineCannotHoldIsNotSent) {
+  addDaily(100, "Hundred", "'08:00', '12:00', '13:30', '23:58'");
+  addWeekly("C", 100, "1, 1, 1, 1, 1, 1, 1, 1");
+  addWeekly("C", 5, "100, 1, 1, 1, 1, 1, 1, 1");
+  db().execute("insert into Holidays values (100, 'Far', #12/25/2026#, True, True)");
+  const std::string before = flags();
+  EXPECT_EQ(download("D", 100), err::overflow);
+  EXPECT_EQ(download("C", 100), err::overflow);
+  EXPECT_EQ(download("C", 5), err::overflow);
+  EXPECT_EQ(library->QDB().Holidays().download(100), err::overflow);
+  EXPECT_EQ(boxes().size(), 4U);
+  // A reader whose address would reach the whole line.
+  addReader(1, "Door", 1, 95, 1);
+  bool tested = true;
+  EXPECT_EQ(daily.download(2, CTReader, "Door", DLNoMessage, &tested), err::invalidArgument);
+  EXPECT_EQ(oneLine(glob->Com().popErrorList()),
+            "|Daily program 2: Invalid argument: the reader Door has the controller address 95: it has to be "
+            "one of 1 to 16");
+  EXPECT_EQ(sent(), "");
+  EXPECT_EQ(flags(), before);
+  EXPECT_TRUE(boxes().empty());
 }
 
 TEST_F(ProgramsTest, AnOlderDatabaseGetsTheFurtherIntervals) {
