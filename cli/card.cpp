@@ -44,17 +44,6 @@ void addCard(Installation& installation, const CardOptions& options) {
   std::cout << "Card " << *values.number << ": " << *values.name << '\n';
 }
 
-// What the controllers have to erase before the card has its new number or group.
-void letForget(Installation& installation, std::int16_t group, std::int32_t number,
-               const CardValues& values) {
-  const bool newNumber = values.number && *values.number != number;
-  std::vector<ReachedController> kept;
-  if (!newNumber) kept = reachOf(installation, values.group.value_or(group));
-  ForgetCards forget(installation);
-  forget.on(without(reachOf(installation, group), kept), {number});
-  forget.send();
-}
-
 void setCard(Installation& installation, const CardOptions& options) {
   installation.openForSending();
   const auto row = cardNamed(installation, options.card);
@@ -62,14 +51,22 @@ void setCard(Installation& installation, const CardOptions& options) {
   TakenByCards(installation, row->get("Id").toInt32()).requireFree(values);
   const Value held = row->get("AccessGroupId");
   const std::int16_t group = held.isNull() ? std::int16_t{0} : held.toInt16();
-  const bool moves = values.number || (values.group && *values.group != group);
-  if (moves) letForget(installation, group, row->get("CardNum").toInt32(), values);
+  const std::int32_t number = row->get("CardNum").toInt32();
+  // A controller that keeps the card under its old number or code opens to whoever has the number, or the
+  // card of that code, next.
+  const bool another = (values.number && *values.number != number) ||
+                       (values.code && !isCode(row->get("CardCode"), *values.code));
+  const bool moves = another || (values.group && *values.group != group);
+  if (moves) {
+    std::vector<ReachedController> kept;
+    if (!another) kept = reachOf(installation, *values.group);
+    ForgetCards forget(installation);
+    forget.on(without(reachOf(installation, group), kept), {number});
+    forget.send();
+  }
   row->edit();
   values.set(*row);
-  if (values.number ||
-      (moves && !without(reachOf(installation, *values.group), reachOf(installation, group)).empty())) {
-    markWhole(*row);
-  }
+  if (moves) markWhole(*row);
   row->update();
 }
 
@@ -192,7 +189,9 @@ void addCardCommands(CLI::App& app, Installation& installation) {
   set->add_option("--supervisor", changed->texts.supervisor, "Whether it is a supervisor's card: yes or no");
   set->add_option("--valid", changed->texts.valid, "Whether it opens anything: yes or no");
   set->footer(
-      "Controllers that its new group does not reach erase the card at once, and have to answer.\n"
+      "The controllers erase a card at once that gets another number or code, those that its new group does "
+      "not\n"
+      "reach one that gets another group; they have to answer.\n"
       "Example:\n  voxa card set 12 --group Visitors --valid no");
   set->callback([&installation, changed] { setCard(installation, *changed); });
 

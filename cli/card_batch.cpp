@@ -82,6 +82,7 @@ void deleteCard(Installation& installation, const std::string& numberOrName) {
   const std::int16_t number = card->get("CardNum").toInt16();
   const Download download = tested(installation, {});
   const std::vector<std::string> holders = holdersOf(installation, *card);
+  markWhole(installation, {number});
   if (installation.qdb().Cardholders().delete_(number) != 0) return;  // the reason has been shown
   card->edit();
   card->set("Deleted", true);
@@ -100,6 +101,7 @@ void invalidateCard(Installation& installation, const std::string& text, const C
   const std::int16_t number = cardNumber(text);
   const Component component = chosen(installation, choice);
   const Download download = tested(installation, component);
+  markWhole(installation, {number});
   const int failures = installation.prompts().failuresShown();
   const std::int16_t status =
       installation.qdb().Cardholders().invalidate(number, component.type, component.name);
@@ -113,7 +115,7 @@ void invalidateCard(Installation& installation, const std::string& text, const C
   if (!download.leftOut().empty()) {
     throw Refusal("these controllers did not answer and still hold the card:" + listed(download.leftOut()));
   }
-  std::cout << "Erased card " << number << "; a full download gives it back\n";
+  std::cout << "Erased card " << number << "; the next download gives it back\n";
 }
 
 }  // namespace
@@ -138,7 +140,7 @@ void addCardClearingCommands(CLI::App& group, Installation& installation) {
   deleting->callback([&installation, deleted] { deleteCard(installation, *deleted); });
 
   auto* invalidate = group.add_subcommand(
-      "invalidate", "Erase a card number on controllers; the card itself stays as it is");
+      "invalidate", "Erase a card number on controllers; its card stays, marked to be sent again");
   auto number = std::make_shared<std::string>();
   auto choice = std::make_shared<ComponentChoice>();
   invalidate->add_option("NUMBER", *number, "The card number")->required();

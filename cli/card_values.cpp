@@ -95,6 +95,10 @@ std::string cardCode(const std::string& text) {
   return code;
 }
 
+bool isCode(const Value& held, const std::string& code) {
+  return !held.isNull() && padded(toUpper(held.toText())) == code;
+}
+
 GroupNames::GroupNames(const Installation& installation) {
   const auto rows = installation.rows("select Id, Name from AccessGroups order by Id");
   for (; !rows->eof(); rows->moveNext()) {
@@ -148,16 +152,25 @@ void CardValues::set(Recordset& row) const {
   put("Supervisor", supervisor, supervisorPart);
 }
 
-void markRights(Recordset& row) {
-  for (const CardPart part : {cardCodePart, accessGroupPart, validatedPart}) row.set(flagColumn(part), true);
-}
-
 void markWhole(Recordset& row) {
-  markRights(row);
+  for (const CardPart part : {cardCodePart, accessGroupPart, validatedPart}) row.set(flagColumn(part), true);
   if (!row.get("PINCode").isNull()) row.set(flagColumn(pinCodePart), true);
   if (!row.get("ValidationDate").isNull()) row.set(flagColumn(validationDatePart), true);
   if (!row.get("Credit").isNull()) row.set(flagColumn(creditPart), true);
   if (row.get("Supervisor").toBool()) row.set(flagColumn(supervisorPart), true);
+}
+
+void markWhole(Installation& installation, const std::set<std::int32_t>& numbers) {
+  Transaction transaction(installation.library().engine());
+  const auto cards =
+      installation.rows("select * from Cardholders where Deleted = false and CardNum is not null");
+  for (; !cards->eof(); cards->moveNext()) {
+    if (!numbers.contains(cards->get("CardNum").toInt32())) continue;
+    cards->edit();
+    markWhole(*cards);
+    cards->update();
+  }
+  transaction.commit();
 }
 
 TakenByCards::TakenByCards(const Installation& installation, std::int32_t ownId) {

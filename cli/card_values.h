@@ -25,6 +25,9 @@ class Installation;
 /// Refusal for any other text, and for zeros alone, with which a controller erases a card.
 [[nodiscard]] std::string cardCode(const std::string& text);
 
+/// Whether a row's code, however it is written, is that one.
+[[nodiscard]] bool isCode(const Value& held, const std::string& code);
+
 /// The access groups by number and name.
 class GroupNames {
  public:
@@ -59,10 +62,13 @@ struct CardValues {
   void set(Recordset& row) const;
 };
 
-/// Marks code, rights and validity of a row that is being edited or added.
-void markRights(Recordset& row);
-/// The same for controllers that may know nothing of the card: also what else it has of its own.
+/// Marks a row that is being edited or added as a whole: code, rights, validity, and what else it has of its
+/// own. Whatever gives a card to a controller gives it all of that: one that has erased the card meanwhile
+/// would open without the last day, the personal code and the credit.
 void markWhole(Recordset& row);
+/// Marks the live cards of these numbers so, on the disk, before a controller is made to erase them: they
+/// come back whole whatever happens on the way.
+void markWhole(Installation& installation, const std::set<std::int32_t>& numbers);
 
 /// The numbers, codes and names that cards have. Deleted cards keep their code and name; their number is free
 /// once every controller has erased it.

@@ -7,8 +7,10 @@
 #include "access/card_record.h"
 #include "access/cardholder.h"
 #include "app/qdb.h"
+#include "card_values.h"
 #include "comm/com.h"
 #include "download.h"
+#include "forget_cards.h"
 #include "installation.h"
 #include "messages/strings.h"
 
@@ -28,11 +30,11 @@ std::set<std::int16_t> markedGroups(const Installation& installation) {
   return groups;
 }
 
-std::set<std::int16_t> markedCards(const Installation& installation, const std::string& condition) {
-  std::set<std::int16_t> cards;
+std::set<std::int32_t> markedCards(const Installation& installation, const std::string& condition) {
+  std::set<std::int32_t> cards;
   const auto rows = installation.rows("select * from Cardholders where " + condition);
   for (; !rows->eof(); rows->moveNext()) {
-    if (CardRecord(*rows).parts.any()) cards.insert(rows->get("Id").toInt16());
+    if (CardRecord(*rows).parts.any()) cards.insert(rows->get("Id").toInt32());
   }
   return cards;
 }
@@ -55,6 +57,8 @@ DownloadCount Download::sendGroups(bool full) {
   // Each group is tested again; the person has answered for all of them.
   if (!leftOut_.empty()) installation_.prompts().assume(Answer::ignore);
   for (const std::int16_t id : groups) {
+    const std::vector<std::int32_t> cards = cardsOf(installation_, id).live;
+    markWhole(installation_, {cards.begin(), cards.end()});
     const std::int16_t status = installation_.qdb().AccessGroups().download(id, DLFull);
     const bool waits = leftOut_.empty() && markedGroups(installation_).contains(id);
     ++(status != 0 || waits ? count.failed : count.sent);
@@ -69,8 +73,8 @@ DownloadCount Download::sendCards(bool full) {
   const auto live = installation_.rows("select Id from Cardholders where Deleted = false")->recordCount();
   const auto marked = markedCards(installation_, "Deleted = false").size();
   // Those that a controller has yet to erase; a component alone is not sent them.
-  const std::set<std::int16_t> deleted =
-      everywhere ? markedCards(installation_, "Deleted = true") : std::set<std::int16_t>{};
+  const std::set<std::int32_t> deleted =
+      everywhere ? markedCards(installation_, "Deleted = true") : std::set<std::int32_t>{};
   const auto chosen = (full ? live : marked) + deleted.size();
   bool tested = true;
   bool failed = false;
@@ -80,7 +84,7 @@ DownloadCount Download::sendCards(bool full) {
   }
   // One by one, since a download of all passes them over.
   CardDownload erasing(installation_.library(), {});
-  for (const std::int16_t id : deleted) erasing.send(id, {});
+  for (const std::int32_t id : deleted) erasing.send(id, {});
   erasing.finish();
   if (erasing.status() != 0 && !erasing.reported()) {
     installation_.strings().display("msgCantDownload", "voxa download",

@@ -56,7 +56,7 @@ CardsOfGroup cardsOf(const Installation& installation, std::int16_t group) {
   return cards;
 }
 
-void markGroup(Installation& installation, std::int16_t group, bool toNewControllers) {
+void markGroup(Installation& installation, std::int16_t group) {
   const std::string id = std::to_string(group);
   const auto cards =
       installation.rows("select * from Cardholders where Deleted = false and AccessGroupId = " + id);
@@ -67,11 +67,7 @@ void markGroup(Installation& installation, std::int16_t group, bool toNewControl
   row->update();
   for (; !cards->eof(); cards->moveNext()) {
     cards->edit();
-    if (toNewControllers) {
-      markWhole(*cards);
-    } else {
-      markRights(*cards);
-    }
+    markWhole(*cards);
     cards->update();
   }
 }
@@ -89,7 +85,11 @@ void ForgetCards::on(const std::vector<GrantedController>& controllers,
 void ForgetCards::send() {
   if (erasing_.empty() || installation_.com().inhibitCom) return;
   requireAnswers();
-  markCards();
+  std::set<std::int32_t> numbers;
+  for (const auto& [place, erasing] : erasing_) {
+    numbers.insert(erasing.numbers.begin(), erasing.numbers.end());
+  }
+  markWhole(installation_, numbers);
   std::string failures;
   for (const auto& [place, erasing] : erasing_) {
     if (!erase(erasing)) failures += installation_.com().popErrorList();
@@ -121,29 +121,10 @@ void ForgetCards::requireAnswers() {
                 "\nNothing is changed: they must erase the cards first.");
 }
 
-// Before anything is erased, so that a card which is erased and stays is sent again whatever happens.
-void ForgetCards::markCards() {
-  std::set<std::int32_t> numbers;
-  for (const auto& [place, erasing] : erasing_) {
-    numbers.insert(erasing.numbers.begin(), erasing.numbers.end());
-  }
-  Transaction transaction(installation_.library().engine());
-  const auto cards =
-      installation_.rows("select * from Cardholders where Deleted = false and CardNum is not null");
-  for (; !cards->eof(); cards->moveNext()) {
-    if (!numbers.contains(cards->get("CardNum").toInt32())) continue;
-    cards->edit();
-    markWhole(*cards);
-    cards->update();
-  }
-  transaction.commit();
-}
-
 bool ForgetCards::erase(const Erasing& erasing) {
-  CommandFile& file = installation_.library().CommandFile();
-  file.fopen();
-  for (const std::int32_t number : erasing.numbers) file.fprint(clearCardLine(number));
-  file.fclose();
+  std::vector<std::string> lines;
+  for (const std::int32_t number : erasing.numbers) lines.push_back(clearCardLine(number));
+  installation_.library().CommandFile().write(lines);
   const GrantedController& controller = erasing.controller;
   return installation_.com().Send(CmSendCommand, controller.station, controller.address) == 0;
 }

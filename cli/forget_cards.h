@@ -36,9 +36,8 @@ struct CardsOfGroup {
 };
 [[nodiscard]] CardsOfGroup cardsOf(const Installation& installation, std::int16_t group);
 
-/// Marks a group that has cards, and these, after a change of its doors. toNewControllers: the cards as a
-/// whole, since there are controllers that know nothing of them; else their code, rights and validity.
-void markGroup(Installation& installation, std::int16_t group, bool toNewControllers);
+/// Marks a group that has cards, and these as a whole, after a change of its doors.
+void markGroup(Installation& installation, std::int16_t group);
 
 /// Cards that controllers are to erase now. To be sent before the rows change.
 class ForgetCards {
@@ -58,7 +57,6 @@ class ForgetCards {
     std::set<std::int32_t> numbers;
   };
   void requireAnswers();
-  void markCards();
   bool erase(const Erasing& erasing);
 
   Installation& installation_;

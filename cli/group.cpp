@@ -2,6 +2,8 @@
 
 #include <CLI/CLI.hpp>
 #include <iostream>
+#include <map>
+#include <set>
 
 #include "access/access_group.h"
 #include "app/qdb.h"
@@ -38,26 +40,51 @@ void addGroup(Installation& installation, const std::string& name) {
   std::cout << "Access group " << id << ": " << name << '\n';
 }
 
+/// The doors of a group as its cards meet them: "Front (Office), Back (Office, the other side), Side (stays
+/// shut)".
+std::string doorsText(Installation& installation, std::int16_t group,
+                      const std::map<std::int16_t, std::string>& programs) {
+  Database& database = *installation.qdb().DB();
+  std::string text;
+  for (const GrantedController& controller : controllersOf(database, group)) {
+    for (const DoorSide& side : sidesOf(database, group, controller)) {
+      const auto program = programs.find(side.weeklyProgram);
+      const std::string hours =
+          program == programs.end() ? std::to_string(side.weeklyProgram) : program->second;
+      text += (text.empty() ? "" : ", ") + side.reader + " (";
+      switch (side.access) {
+        case DoorSide::Access::opens:
+          text += hours + ")";
+          break;
+        case DoorSide::Access::otherSide:
+          text += hours + ", the other side)";
+          break;
+        case DoorSide::Access::shut:
+          text += "stays shut)";
+          break;
+      }
+    }
+  }
+  return text;
+}
+
 void listGroups(Installation& installation, bool json) {
   installation.open();
-  std::map<std::int16_t, std::string> doors;
-  std::map<std::int16_t, bool> marked;
-  const auto links = installation.rows(
-      "select AccGroupReaders.AccessGroupId, AccGroupReaders.FlagD, Readers.Name as Reader, "
-      "WeeklyPrograms.Name as Program from WeeklyPrograms inner join (Readers inner join AccGroupReaders "
-      "on Readers.Id = AccGroupReaders.ReaderId) on WeeklyPrograms.ProgType = AccGroupReaders.WeeklyProgType "
-      "and WeeklyPrograms.ProgNum = AccGroupReaders.WeeklyProgNum order by AccGroupReaders.ReaderId");
-  for (; !links->eof(); links->moveNext()) {
-    const std::int16_t group = links->get("AccessGroupId").toInt16();
-    std::string& text = doors[group];
-    text += (text.empty() ? "" : ", ") + links->get("Reader").toText() + " (" +
-            links->get("Program").toText() + ")";
-    marked[group] = marked[group] || links->get("FlagD").toBool();
+  std::map<std::int16_t, std::string> programs;
+  for (const auto rows = installation.rows("select ProgNum, Name from WeeklyPrograms where ProgType = 'C'");
+       !rows->eof(); rows->moveNext()) {
+    programs[rows->get("ProgNum").toInt16()] = rows->get("Name").toText();
+  }
+  std::set<std::int16_t> marked;
+  for (const auto links = installation.rows("select AccessGroupId from AccGroupReaders where FlagD = true");
+       !links->eof(); links->moveNext()) {
+    marked.insert(links->get("AccessGroupId").toInt16());
   }
   std::map<std::int16_t, std::int32_t> cards;
   const auto holders = installation.rows(
-      "select AccessGroupId, count(*) as Cards from Cardholders where Deleted = false group by "
-      "AccessGroupId");
+      "select AccessGroupId, count(*) as Cards from Cardholders where Deleted = false and AccessGroupId is "
+      "not "
+      "null group by AccessGroupId");
   for (; !holders->eof(); holders->moveNext()) {
     cards[holders->get("AccessGroupId").toInt16()] = holders->get("Cards").toInt32();
   }
@@ -65,19 +92,24 @@ void listGroups(Installation& installation, bool json) {
   const auto rows = installation.rows("select * from AccessGroups order by Id");
   for (; !rows->eof(); rows->moveNext()) {
     const std::int16_t id = rows->get("Id").toInt16();
-    table.add({id, rows->get("Name"), cards[id], doors[id], rows->get("FlagD").toBool() || marked[id]});
+    table.add({id, rows->get("Name"), cards[id], doorsText(installation, id, programs),
+               rows->get("FlagD").toBool() || marked.contains(id)});
   }
   table.print(std::cout, json);
 }
 
-// Doors of one controller under two programs: some of them stay shut.
-void warnOfTwoPrograms(Installation& installation, std::int16_t group) {
-  for (const ReachedController& reached : reachOf(installation, group)) {
-    if (!reached.controller.twoPrograms()) continue;
-    const std::string name =
-        installation.com().getName(reached.controller.station, reached.controller.address);
-    installation.strings().display("msgTwoWeeklyProgOnController", "voxa group grant",
-                                   Value("(" + name + ")"), style::exclamation);
+/// Tells what a group's doors do that its links do not say: those of one controller under two programs stay
+/// shut in part, and of a door whose one side is granted the other opens, too.
+void tellOfDoors(Installation& installation, std::int16_t group) {
+  Database& database = *installation.qdb().DB();
+  for (const GrantedController& controller : controllersOf(database, group)) {
+    if (controller.twoPrograms()) {
+      installation.strings().display("msgTwoWeeklyProgOnController", "voxa group grant",
+                                     Value("(" + shutSides(database, group, controller) + ")"),
+                                     style::exclamation);
+    }
+    const std::string sides = openOtherSides(database, group, controller);
+    if (!sides.empty()) std::cerr << "Mind: " << sides << '\n';
   }
 }
 
@@ -88,7 +120,7 @@ void grant(Installation& installation, const GroupOptions& options) {
   const auto program = installation.rows("select ProgNum, Name from WeeklyPrograms where ProgType = 'C'");
   moveToNumberOrName(*program, "ProgNum", options.program, "msgCantFindWeeklyProg");
   linkReader(installation, group, reader, program->get("ProgNum").toInt16());
-  warnOfTwoPrograms(installation, group);
+  tellOfDoors(installation, group);
 }
 
 void revoke(Installation& installation, const GroupOptions& options) {
@@ -113,12 +145,11 @@ void revoke(Installation& installation, const GroupOptions& options) {
   forget.send();
   Transaction transaction(installation.library().engine());
   link->remove();
-  markGroup(installation, group, false);
+  markGroup(installation, group);
   transaction.commit();
 }
 
 void moveCards(Installation& installation, std::int16_t from, std::int16_t to) {
-  const bool toNewControllers = !without(reachOf(installation, to), reachOf(installation, from)).empty();
   const auto cards =
       installation.rows("select * from Cardholders where AccessGroupId = " + std::to_string(from));
   CardValues moved;
@@ -130,7 +161,7 @@ void moveCards(Installation& installation, std::int16_t from, std::int16_t to) {
       cards->set("AccessGroupId", defaultGroup);
     } else {
       moved.set(*cards);
-      if (toNewControllers) markWhole(*cards);
+      markWhole(*cards);
     }
     cards->update();
   }
@@ -187,7 +218,9 @@ void addGroupCommands(CLI::App& app, Installation& installation) {
   granting->add_option("--program", granted->program, "Name or number of a weekly program of family C")
       ->required();
   granting->footer(
-      "A controller knows one weekly program for a card: its doors with another one stay shut.\n"
+      "A controller knows one weekly program for a card: its doors with another one stay shut. Positions 1 "
+      "and 3, "
+      "2\nand 4 are the two sides of one door: granting one side opens the other, too.\n"
       "Example:\n  voxa group grant Staff \"Front door\" --program Office");
   granting->callback([&installation, granted] { grant(installation, *granted); });
 

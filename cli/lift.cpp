@@ -94,7 +94,7 @@ void grantLift(Installation& installation, const LiftOptions& options) {
   found.granting->set("AccessGroup", found.group);
   found.granting->set("LiftNum", found.lift->get("Id"));
   found.granting->update();
-  if (!found.controller.empty()) markGroup(installation, found.group, false);
+  if (!found.controller.empty()) markGroup(installation, found.group);
   transaction.commit();
   if (found.controller.empty()) {
     std::cerr << "The group opens no door of that controller yet, which therefore does not know its cards.\n";
@@ -113,7 +113,7 @@ void revokeLift(Installation& installation, const LiftOptions& options) {
   forget.send();
   Transaction transaction(installation.library().engine());
   found.granting->remove();
-  if (!found.controller.empty()) markGroup(installation, found.group, true);
+  if (!found.controller.empty()) markGroup(installation, found.group);
   transaction.commit();
 }
 

@@ -1,7 +1,5 @@
 #include "links.h"
 
-#include <algorithm>
-
 #include "access/access_group.h"
 #include "app/qdb.h"
 #include "forget_cards.h"
@@ -24,7 +22,6 @@ std::unique_ptr<Recordset> linkOf(const Installation& installation, std::int16_t
 void linkReader(Installation& installation, std::int16_t group, std::int32_t reader, std::int16_t program) {
   const bool cards = !cardsOf(installation, group).live.empty();
   Transaction transaction(installation.library().engine());
-  const auto before = reachOf(installation, group);
   const auto link = linkOf(installation, group, reader);
   if (link->eof()) {
     link->addNew();
@@ -37,23 +34,34 @@ void linkReader(Installation& installation, std::int16_t group, std::int32_t rea
   link->set("WeeklyProgNum", program);
   link->set("FlagD", cards);
   link->update();
-  markGroup(installation, group, reachOf(installation, group).size() > before.size());
+  markGroup(installation, group);
+  transaction.commit();
+}
+
+bool isKnownController(const Installation& installation, std::int16_t station, std::int16_t address,
+                       std::int32_t otherThan) {
+  return !installation
+              .rows("select Id from Readers where StationId = " + std::to_string(station) +
+                    " and ControllerAddress = " + std::to_string(address) + " and Id <> " +
+                    std::to_string(otherThan))
+              ->eof();
+}
+
+void markProgramsForNewController(Installation& installation) {
+  Transaction transaction(installation.library().engine());
+  Database& database = *installation.qdb().DB();
+  database.execute("update DailyPrograms set DailyProgramFlagD = True where Id <> 0");
+  database.execute("update WeeklyPrograms set WeeklyProgramFlagD = True where ProgNum <> 0");
+  database.execute("update Holidays set HolidayFlagD = True");
   transaction.commit();
 }
 
 void linkNewReader(Installation& installation, std::int16_t reader) {
-  const auto row = installation.rows("select * from Readers where Id = " + std::to_string(reader));
   // Without cards there is nothing to send, and no controller to ask for.
   if (cardsOf(installation, defaultGroup).live.empty()) {
     return linkReader(installation, defaultGroup, reader, always);
   }
-  const auto reach = reachOf(installation, defaultGroup);
-  const bool known = std::any_of(reach.begin(), reach.end(), [&](const ReachedController& reached) {
-    return reached.controller.station == row->get("StationId").toInt16() &&
-           reached.controller.address == row->get("ControllerAddress").toInt16();
-  });
-  // The download below adds code, rights and validity to what is marked: a new controller wants all of it.
-  if (!known) markGroup(installation, defaultGroup, true);
+  markGroup(installation, defaultGroup);
   installation.qdb().AccessGroups().addReaderToDefaultGroup(reader);
 }
 

@@ -31,6 +31,8 @@ void addReader(Installation& installation, const ReaderOptions& options) {
   const std::int16_t position = numberWithin("the position", options.position, 1, 4);
   const std::int16_t id = installation.qdb().Readers().getFreeId();
   if (id == -1) throw Refusal("the installation holds all the readers it can (998)");
+  const bool newController = !isKnownController(installation, stationId, address, id);
+  Transaction transaction(installation.library().engine());
   const auto rows = installation.rows("select * from Readers");
   rows->addNew();
   rows->set("Id", id);
@@ -40,10 +42,15 @@ void addReader(Installation& installation, const ReaderOptions& options) {
   rows->set("ControllerAddress", address);
   rows->set("Position", position);
   rows->update();
+  if (newController) markProgramsForNewController(installation);
+  transaction.commit();
   // The driver learns from the station's file which controllers are on the line.
   installation.qdb().Stations().createIniFile(stationId);
   linkNewReader(installation, id);
   std::cout << "Reader " << id << ": " << options.name << '\n';
+  if (newController) {
+    std::cout << "Its controller is new: 'voxa download all' sends it the programs and holidays\n";
+  }
 }
 
 void listReaders(Installation& installation, bool json) {
@@ -76,7 +83,10 @@ void addReaderCommands(CLI::App& app, Installation& installation) {
   add->add_option("--type", options->type, "Type of its controller")
       ->check(CLI::IsMember({"QSX3", "VRMD1"}))
       ->capture_default_str();
-  add->footer("Example:\n  voxa reader add \"Front door\" --station Local --address 1 --position 1");
+  add->footer(
+      "Positions 1 and 3, 2 and 4 are the two sides of one door: an access group that may pass one side may "
+      "pass "
+      "the\nother.\nExample:\n  voxa reader add \"Front door\" --station Local --address 1 --position 1");
   add->callback([&installation, options] { addReader(installation, *options); });
 
   auto* list = group->add_subcommand("list", "List the readers");
