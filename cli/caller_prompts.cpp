@@ -26,7 +26,13 @@ Answer CallerPrompts::messageBox(const std::string& prompt, int style, const std
 
 std::string CallerPrompts::chooseFile(const FileDialog& dialog) {
   proposeFile(dialog.save ? toSave_ : toOpen_);
-  return ConsolePrompts::chooseFile(dialog);
+  FileDialog asked = dialog;
+  // The library proposes the file that is to be saved; a line left empty must not mean that very file.
+  if (isProtected_(asked.proposedName)) asked.proposedName.clear();
+  const std::string chosen = ConsolePrompts::chooseFile(asked);
+  if (chosen.empty() || !isProtected_(chosen)) return chosen;
+  messageBox(chosen + " belongs to the installation: name another file", style::okOnly | style::critical, "");
+  return "";
 }
 
 }  // namespace voxa::cli

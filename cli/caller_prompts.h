@@ -1,6 +1,7 @@
 #pragma once
 
 #include <deque>
+#include <functional>
 #include <string>
 
 #include "platform/ui/console_prompts.h"
@@ -16,6 +17,8 @@ class CallerPrompts : public ConsolePrompts {
   void prepare(Answer answer) { prepared_.push_back(answer); }
   /// The file that the next dialogs choose, "" to ask: to save into, to open.
   void files(const std::string& toSave, const std::string& toOpen);
+  /// The files that no dialog may choose, those of the installation.
+  void protect(std::function<bool(const std::string&)> isProtected) { isProtected_ = std::move(isProtected); }
 
   /// How many messages about failures were shown: after one the command has failed, whatever else it did.
   [[nodiscard]] int failuresShown() const { return failuresShown_; }
@@ -28,6 +31,7 @@ class CallerPrompts : public ConsolePrompts {
   std::deque<Answer> prepared_;
   std::string toSave_;
   std::string toOpen_;
+  std::function<bool(const std::string&)> isProtected_ = [](const std::string&) { return false; };
   int failuresShown_ = 0;
 };
 

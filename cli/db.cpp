@@ -6,31 +6,56 @@
 #include "app/qdb.h"
 #include "commands.h"
 #include "installation.h"
+#include "installation_files.h"
+#include "platform/files.h"
 #include "refusal.h"
 
 namespace voxa::cli {
 
 namespace {
 
-void save(Installation& installation, const std::string& file) {
-  installation.openForSending();
-  installation.prompts().files(installation.callersFile(file), "");
-  if (installation.qdb().saveDB() != 0) throw Refusal("the database was not saved");
-  std::cout << "Saved as " << file << '\n';
+struct FileOptions {
+  std::string file, saveFirst;
+  bool force = false;
+};
+
+/// Lets the library write the file without asking again.
+void mayWrite(Installation& installation, const std::string& file, bool force) {
+  requireMayWrite(installation, file, force);
+  if (files::exists(file)) installation.prompts().prepare(Answer::yes);
 }
 
-void restore(Installation& installation, const std::string& file, const std::string& saveFirst) {
+void save(Installation& installation, const FileOptions& options) {
+  installation.openForSending();
+  const std::string file = installation.callersFile(options.file);
+  mayWrite(installation, file, options.force);
+  installation.prompts().files(file, "");
+  if (installation.qdb().saveDB() != 0) throw Refusal("the database was not saved");
+  std::cout << "Saved as " << options.file << '\n';
+}
+
+void restore(Installation& installation, const FileOptions& options) {
   installation.openForSending();
   CallerPrompts& prompts = installation.prompts();
-  prompts.files(saveFirst.empty() ? "" : installation.callersFile(saveFirst), installation.callersFile(file));
+  const std::string file = installation.callersFile(options.file);
+  if (isFileOfInstallation(installation.folder(), file)) {
+    throw Refusal(options.file + " belongs to the installation: name a saved database");
+  }
+  const bool asks = ConsolePrompts::isTerminal();
+  if (!asks && !installation.settings.answersYes()) {
+    throw Refusal(
+        "a restore replaces the database with all its cards: without a terminal to ask on it needs --yes");
+  }
   // The first question is whether to save the present database. Only a person can name a file for it now.
-  if (!saveFirst.empty()) {
+  if (!options.saveFirst.empty()) {
     prompts.prepare(Answer::yes);
-  } else if (installation.settings.yes || !ConsolePrompts::isTerminal()) {
+    mayWrite(installation, installation.callersFile(options.saveFirst), options.force);
+  } else if (installation.settings.yes || !asks) {
     prompts.prepare(Answer::no);
   }
+  prompts.files(options.saveFirst.empty() ? "" : installation.callersFile(options.saveFirst), file);
   if (installation.qdb().restoreDB() != 0) throw Refusal("the database was not restored");
-  std::cout << "Restored from " << file
+  std::cout << "Restored from " << options.file
             << ". The controllers may hold other programs: voxa download all --full\n";
 }
 
@@ -40,18 +65,22 @@ void addDatabaseCommands(CLI::App& app, Installation& installation) {
   auto* group = app.add_subcommand("db", "Copies of the main database")->require_subcommand(1);
 
   auto* saving = group->add_subcommand("save", "Save a copy");
-  auto target = std::make_shared<std::string>();
-  saving->add_option("FILE", *target, "File of the copy")->required();
+  auto target = std::make_shared<FileOptions>();
+  saving->add_option("FILE", target->file, "File of the copy")->required();
+  saving->add_flag("--force", target->force, "Replace the file when it exists");
   saving->footer("Example:\n  voxa db save backup.mdb");
   saving->callback([&installation, target] { save(installation, *target); });
 
   auto* restoring = group->add_subcommand("restore", "Put a copy in place of the main database");
-  auto source = std::make_shared<std::string>();
-  auto first = std::make_shared<std::string>();
-  restoring->add_option("FILE", *source, "The copy")->required();
-  restoring->add_option("--save-first", *first, "File to save the present database to");
-  restoring->footer("Example:\n  voxa db restore backup.mdb --save-first present.mdb");
-  restoring->callback([&installation, source, first] { restore(installation, *source, *first); });
+  auto source = std::make_shared<FileOptions>();
+  restoring->add_option("FILE", source->file, "The copy")->required();
+  auto* saveFirst =
+      restoring->add_option("--save-first", source->saveFirst, "File to save the present database to");
+  restoring->add_flag("--force", source->force, "Replace that file when it exists")->needs(saveFirst);
+  restoring->footer(
+      "It asks before it replaces the database; without a terminal it needs --yes.\n"
+      "Example:\n  voxa db restore backup.mdb --save-first present.mdb");
+  restoring->callback([&installation, source] { restore(installation, *source); });
 }
 
 }  // namespace voxa::cli

@@ -10,6 +10,7 @@
 #include "commands.h"
 #include "csv.h"
 #include "installation.h"
+#include "installation_files.h"
 #include "messages/strings.h"
 #include "platform/datetime.h"
 #include "platform/files.h"
@@ -172,6 +173,7 @@ std::string lineOf(const Recordset& row, const GroupNames& groups, bool showPins
 
 struct ExportOptions {
   std::string path;
+  bool force = false;
   bool showPins = false;
 };
 
@@ -183,7 +185,9 @@ void exportCards(Installation& installation, const ExportOptions& options) {
     if (!std::cout) throw Refusal("the table cannot be written");
     return;
   }
-  files::Stream file(installation.callersFile(options.path), files::Stream::Mode::write);
+  const std::string path = installation.callersFile(options.path);
+  requireMayWrite(installation, path, options.force);
+  files::Stream file(path, files::Stream::Mode::write);
   file.write(text);
   file.close();
   std::cout << cards << " cards exported\n";
@@ -225,6 +229,7 @@ void addImportCommands(CLI::App& app, Installation& installation) {
   auto options = std::make_shared<ExportOptions>();
   cards->add_option("FILE", options->path, "File of the table; standard output without one");
   cards->add_flag("--show-pins", options->showPins, "With the personal codes");
+  cards->add_flag("--force", options->force, "Replace the file when it exists");
   cards->footer("Example:\n  voxa export cards staff.csv");
   cards->callback([&installation, options] { exportCards(installation, *options); });
 }

@@ -8,6 +8,7 @@
 #include "app/qdb.h"
 #include "comm/com.h"
 #include "host_texts.h"
+#include "installation_files.h"
 #include "journal/journal.h"
 #include "messages/strings.h"
 #include "platform/database/sqlite/engine.h"
@@ -58,6 +59,7 @@ void Installation::start() {
   }
   library_ = std::make_unique<Library>(Library::Seams{*engine_, driver_, prompts_, clock_});
   glob_ = std::make_unique<Glob>(*library_);
+  prompts_.protect([this](const std::string& path) { return isFileOfInstallation(folder_, path); });
   com().inhibitCom = settings.inhibit;
   com().writeLog = !settings.noLog;
   com().pDailyPrograms4Zones = settings.fourZones ? 1 : 0;

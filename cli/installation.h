@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <memory>
 #include <string>
 #include <vector>
@@ -11,6 +12,7 @@
 #include "platform/clock.h"
 #include "platform/database/database.h"
 #include "platform/driver/library_driver.h"
+#include "platform/text.h"
 
 namespace voxa::cli {
 
@@ -22,6 +24,12 @@ struct Settings {
   bool inhibit = false;              ///< no driver is called
   bool noLog = false;
   bool fourZones = false;  ///< four intervals a day instead of two
+
+  /// Whether questions are answered with Yes before they are asked.
+  [[nodiscard]] bool answersYes() const {
+    return yes || std::any_of(answers.begin(), answers.end(),
+                              [](const std::string& name) { return equalNoCase(name, "yes"); });
+  }
 };
 
 /// One installation folder and the library over it. Its folder becomes the current folder of the process,

@@ -164,11 +164,25 @@ shows "08:00-12:00 13:00-18:00 19:00-20:00"
 # Copies of the database; the copy is not overwritten by the restore.
 succeeds db save copy.mdb
 succeeds daily add Extra --first none
-succeeds db restore copy.mdb
+refuses "needs --yes" db restore copy.mdb
+succeeds daily list
+shows Extra
+succeeds --yes db restore copy.mdb
 succeeds daily list
 grep -q Extra out && fail "the restored database is not the copy"
-refuses "not restored" db restore plant/COM.LOG
+refuses "not restored" --yes db restore /dev/null
 succeeds daily list
+# No command writes one of its files over another, by whatever name.
+ln -s plant/KRV.mdb link.mdb
+ln plant/Journal.MDB hard.mdb
+for file in plant/krv.MDB link.mdb hard.mdb plant/I18N.MDB 'plant\S001.ini' plant/site/new plant/../plant/J.DAT; do
+  refuses "belongs to the installation" --yes export cards "$file"
+  refuses "belongs to the installation" --yes db save "$file" --force
+  refuses "belongs to the installation" --yes db restore copy.mdb --save-first "$file"
+done
+refuses "belongs to the installation" --yes db restore hard.mdb
+refuses "--force" db save copy.mdb
+succeeds db save copy.mdb --force
 
 # Cards: who loses a door is erased there before the database forgets that it was there.
 plant=doors
@@ -276,6 +290,7 @@ for line in "3: Card number already in use (40: line 2)" "4: text behind" "5: A 
   "8: 3 fields" "9: the last day" "10: Error 5"; do
   grep -qF "line $line" err || fail "not named: line $line"
 done
+refuses "--force" export cards before.csv
 succeeds export cards after.csv
 cmp before.csv after.csv || fail "a bad table was imported in part"
 succeeds export cards pins.csv --show-pins
@@ -320,6 +335,49 @@ shows "\"Cardholder\": \"Zoë O'Quill\""
 succeeds journal --type refused --csv
 [ "$(wc -l <out)" = 1 ] || fail "a transaction of another type is shown"
 refuses "Can't find reader" journal --reader Barier
+
+# A new controller gets all programs and holidays. Two sides of one door are told of, and so is one that stays shut.
+succeeds sim controller add --station Annex --address 9
+succeeds reader add Lab --station Annex --address 9 --position 1
+succeeds group grant Crew Lab --program Staff
+succeeds holiday add "New year" --date 01/01/2027 --each-year
+succeeds download all
+succeeds sim controller show --station Annex --address 9
+shows "01/01 every year"
+grep -qE '^C +1 +2 2 2 2 2 0 0, holidays 0' out || fail "a new controller lacks a weekly program"
+succeeds reader add "Lab out" --station Annex --address 9 --position 3
+succeeds group grant Crew Lab --program Staff
+grep -q "Crew, Annex Controller 9: Lab out opens too" err || fail "the other side of a door opens without a word"
+succeeds group list
+shows "Lab (Staff), Lab out (Staff, the other side)"
+succeeds group grant Crew "Lab out" --program Always
+grep -q "Crew, Annex Controller 9: Lab, Lab out stays shut" err || fail "a door is shut without a word"
+succeeds group list
+shows "Lab (stays shut), Lab out (stays shut)"
+succeeds group revoke Crew "Lab out"
+
+# A card that was erased comes back whole; one that gets another code is erased under the old one first.
+succeeds card add Old --number 800 --code 800 --group Crew --until 1/1/2026
+succeeds download all
+expired() {
+  swipe --card 800 --at "2026-12-24 18:05"
+  shows "last valid day is past"
+}
+succeeds card invalidate 800
+succeeds group grant Crew Barrier --program Always
+succeeds download groups --full
+expired
+succeeds sim controller fault --station Annex --address 9 --after 1
+refuses "Can't send command" card delete 800
+succeeds sim controller fault --station Annex --address 9 --none
+succeeds download groups --full
+expired
+succeeds sim controller fault --station Annex --address 9 --silent
+refuses "Annex Controller 9" card set 800 --code 801
+succeeds sim controller fault --station Annex --address 9 --none
+succeeds card set 800 --code 801
+swipe --code 800
+shows "no card of this code"
 
 "$program" demo story >out 2>err </dev/null || fail "the demonstration"
 shows "Every controller holds what the database says."

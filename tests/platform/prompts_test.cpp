@@ -21,14 +21,15 @@ TEST(PromptsTest, DefaultButtonBelongsToTheBox) {
   EXPECT_EQ(defaultAnswer(style::okOnly + style::exclamation + style::secondDefault), Answer::ok);
 }
 
-TEST(PromptsTest, WithoutATerminalTheDefaultIsTakenAndSaid) {
+TEST(PromptsTest, WithoutATerminalTheLeastIsDoneAndSaid) {
   std::istringstream in("n\n");
   std::ostringstream out;
   ConsolePrompts prompts(in, out, false);
-  EXPECT_EQ(prompts.messageBox("Delete?\r\nAll of it\x1B[2J", style::yesNo, "Cards"), Answer::yes);
-  EXPECT_EQ(out.str(), "[Cards]\nDelete?\nAll of it [2J\nNo terminal to ask on: taking Yes.\n");
-  prompts.assume(Answer::no);
-  EXPECT_EQ(prompts.messageBox("Delete?", style::yesNo, ""), Answer::no);
+  EXPECT_EQ(prompts.messageBox("Delete?\r\nAll of it\x1B[2J", style::yesNo, "Cards"), Answer::no);
+  EXPECT_EQ(out.str(), "[Cards]\nDelete?\nAll of it [2J\nNo terminal to ask on: taking No.\n");
+  EXPECT_EQ(prompts.messageBox("Replace?", style::yesNoCancel, ""), Answer::cancel);
+  prompts.assume(Answer::yes);
+  EXPECT_EQ(prompts.messageBox("Delete?", style::yesNo, ""), Answer::yes);
   EXPECT_EQ(prompts.messageBox("Again?", style::abortRetryIgnore, ""), Answer::abort);
   EXPECT_EQ(prompts.chooseFile({}), "");
 }
@@ -44,7 +45,7 @@ TEST(PromptsTest, AsksUntilAButtonIsNamed) {
   EXPECT_EQ(prompts.messageBox("Save?", style::yesNo + style::secondDefault, ""), Answer::no);
   // The end of input closes the box.
   EXPECT_EQ(prompts.messageBox("Save?", style::yesNoCancel, ""), Answer::cancel);
-  EXPECT_EQ(prompts.messageBox("Save?", style::yesNo, ""), Answer::yes);
+  EXPECT_EQ(prompts.messageBox("Save?", style::yesNo, ""), Answer::no);
 }
 
 TEST(PromptsTest, FileChoicesMustBeAllowed) {

@@ -20,6 +20,15 @@ std::string_view trimmed(std::string_view text) {
   return text.substr(first, text.find_last_not_of(" \t\r") - first + 1);
 }
 
+/// What a box is answered with when nobody is there: nothing is replaced or deleted that a person has not
+/// said so of.
+Answer leastAnswer(const std::vector<Answer>& buttons) {
+  for (const Answer least : {Answer::cancel, Answer::no, Answer::abort}) {
+    if (has(buttons, least)) return least;
+  }
+  return buttons.front();
+}
+
 /// "Yes, No or Cancel"
 std::string listed(const std::vector<Answer>& buttons) {
   std::string out;
@@ -62,7 +71,7 @@ Answer ConsolePrompts::ask(const std::vector<Answer>& buttons, Answer byDefault)
   for (;;) {
     show(listed(buttons) + "? [" + std::string(buttonText(byDefault)) + "] ");
     const auto line = readLine();
-    if (!line) return has(buttons, Answer::cancel) ? Answer::cancel : byDefault;
+    if (!line) return leastAnswer(buttons);
     if (line->empty()) return byDefault;
     for (const Answer button : buttons) {
       const std::string_view text = buttonText(button);
@@ -82,10 +91,10 @@ Answer ConsolePrompts::messageBox(const std::string& prompt, int style, const st
     show("Taking " + std::string(buttonText(answer)) + ".\n");
     return answer;
   }
-  const Answer byDefault = defaultAnswer(style);
-  if (interactive_) return ask(buttons, byDefault);
-  show("No terminal to ask on: taking " + std::string(buttonText(byDefault)) + ".\n");
-  return byDefault;
+  if (interactive_) return ask(buttons, defaultAnswer(style));
+  const Answer least = leastAnswer(buttons);
+  show("No terminal to ask on: taking " + std::string(buttonText(least)) + ".\n");
+  return least;
 }
 
 /// Whether the dialog may return the path; says why not.

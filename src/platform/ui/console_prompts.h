@@ -10,8 +10,9 @@
 
 namespace voxa {
 
-/// Boxes and dialogs as lines of text. With a person at a terminal it asks; without one it takes the default
-/// button, and the file set beforehand, and says so.
+/// Boxes and dialogs as lines of text. With a person at a terminal it asks; without one it takes the button
+/// that does least (Cancel, No or Abort, of those that the box has; never Yes), and the file set beforehand,
+/// and says so.
 class ConsolePrompts : public Prompts {
  public:
   /// Reads answers from `in`, writes boxes to `out`; both must outlive this object. interactive: whether

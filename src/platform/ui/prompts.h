@@ -44,8 +44,8 @@ class Prompts {
  public:
   virtual ~Prompts() = default;
   /// Shows `prompt` (lines separated by CR LF) under `title` with the buttons, icon and default button of
-  /// `style`, waits, and returns the button pressed; cancel when the person closed the box and it has a
-  /// Cancel button, else the default button.
+  /// `style`, waits, and returns the button pressed; when the person closed the box, or there is none, one
+  /// that does nothing: Cancel, No or Abort where the box has it.
   virtual Answer messageBox(const std::string& prompt, int style, const std::string& title) = 0;
   /// Returns the path chosen, or "" when none was.
   virtual std::string chooseFile(const FileDialog& dialog) = 0;
