@@ -1,4 +1,4 @@
-# Sourced by the other scripts: brings the Debian packages that a step needs.
+# Sourced by the other scripts: brings the Debian packages that a step needs, builds, finds a place for the tests.
 
 # Installs those of the named packages that are missing; needs root (or sudo) only then.
 ensure_packages() {
@@ -29,6 +29,11 @@ windows_packages=(cmake ninja-build g++-mingw-w64-i686-posix mingw-w64-tools lib
   libcli11-dev nlohmann-json3-dev)
 automation_packages=(mmdebstrap)
 bench_packages=("${build_packages[@]}" libbenchmark-dev)
+
+# What the tests write is nobody's after them: kept in memory, where that is possible, no disk is waited for.
+use_memory() {
+  if [ -d /dev/shm ] && [ -w /dev/shm ]; then export TMPDIR=/dev/shm; fi
+}
 
 # Configures and builds a preset; quiet unless it fails.
 build_preset() {
