@@ -1,6 +1,7 @@
 // voxa db: copies of the main database.
 
 #include <CLI/CLI.hpp>
+#include <filesystem>
 #include <iostream>
 
 #include "app/qdb.h"
@@ -37,7 +38,11 @@ void save(Installation& installation, const FileOptions& options) {
 void restore(Installation& installation, const FileOptions& options) {
   installation.openForSending();
   CallerPrompts& prompts = installation.prompts();
-  const std::string file = installation.callersFile(options.file);
+  // A link that the person names is followed, since only files themselves are opened as databases.
+  std::error_code noSuchFile;
+  const std::string given = installation.callersFile(options.file);
+  const std::filesystem::path found = std::filesystem::canonical(given, noSuchFile);
+  const std::string file = noSuchFile ? given : found.string();
   if (isFileOfInstallation(installation.folder(), file)) {
     throw Refusal(options.file + " belongs to the installation: name a saved database");
   }

@@ -49,6 +49,9 @@ void Installation::enterFolder() {
   std::filesystem::current_path(callersFile(settings.folder), failure);
   if (failure) throw Refusal("the folder " + settings.folder + " cannot be entered: " + failure.message());
   folder_ = files::currentFolder();
+  if (const std::string fault = files::folderFault(folder_, settings.trustGroup); !fault.empty()) {
+    throw Refusal(fault);
+  }
 }
 
 void Installation::start() {
@@ -113,12 +116,11 @@ void Installation::removeBegun(const std::string& name) const {
 }
 
 void Installation::create() {
-  std::error_code failure;
-  const std::filesystem::path made = callersFile(settings.folder);
-  if (std::filesystem::create_directories(made, failure)) {
-    std::filesystem::permissions(made, std::filesystem::perms::owner_all, failure);
+  try {
+    files::makeFolders(callersFile(settings.folder));
+  } catch (const Error& failure) {
+    throw Refusal("the folder " + settings.folder + " cannot be made: " + failure.description());
   }
-  if (failure) throw Refusal("the folder " + settings.folder + " cannot be made: " + failure.message());
   enterFolder();
   lock_ = std::make_unique<InstallationLock>();
   for (const char* name : {messageStore, Journal::dbName, mainDatabase}) removeBegun(name);

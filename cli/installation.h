@@ -23,7 +23,8 @@ struct Settings {
   bool yes = false;                  ///< Yes to every question, Ignore where controllers do not answer
   bool inhibit = false;              ///< no driver is called
   bool noLog = false;
-  bool fourZones = false;  ///< four intervals a day instead of two
+  bool fourZones = false;   ///< four intervals a day instead of two
+  bool trustGroup = false;  ///< a folder that its group can write is taken
 
   /// Whether questions are answered with Yes before they are asked.
   [[nodiscard]] bool answersYes() const {

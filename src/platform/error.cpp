@@ -40,6 +40,9 @@ Error fileError(int errnoValue, const std::string& path) {
     case EPERM:
     case EROFS:
       return make(err::permissionDenied, "Permission denied");
+    case ELOOP:
+      return make(err::pathAccess,
+                  "Path/file access error, a link, a pipe or a device in the place of a file");
     case EISDIR:
       return make(err::pathAccess, "Path/file access error");
     case ENOTDIR:

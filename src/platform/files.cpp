@@ -37,9 +37,9 @@ Error creationError(int error, std::string_view path) {
 }
 
 /// name: the path as native() gives it.
-File open(const std::string& name, std::string_view path, Open how) {
+File open(const std::string& name, std::string_view path, Open how, bool any = false) {
   int error = 0;
-  File file(openFile(name, how, error), &std::fclose);
+  File file(openFile(name, how, any, error), &std::fclose);
   if (!file) throw how == Open::read ? fileError(error, std::string(path)) : creationError(error, path);
   return file;
 }
@@ -89,7 +89,7 @@ class TemporaryFile {
   TemporaryFile& operator=(const TemporaryFile&) = delete;
 
   void fillFrom(std::string_view source) {
-    const File in = open(native(source), source, Open::read);
+    const File in = open(native(source), source, Open::read, true);
     std::array<char, 65536> bytes;  // NOLINT(cppcoreguidelines-pro-type-member-init): read into before use
     while (const auto n = std::fread(bytes.data(), 1, bytes.size(), in.get())) {
       if (std::fwrite(bytes.data(), 1, n, file_.get()) != n) throw fileError(errno, target_);
@@ -124,6 +124,11 @@ bool exists(std::string_view path) {
 bool folderExists(std::string_view path) {
   std::error_code error;
   return fs::is_directory(asPath(native(path)), error);
+}
+
+bool isPlain(std::string_view path) {
+  std::error_code error;
+  return fs::is_regular_file(fs::symlink_status(asPath(native(path)), error));
 }
 
 void remove(std::string_view path) {
@@ -192,6 +197,15 @@ void makeFolder(std::string_view path) {
   if (error != 0) throw creationError(error, path);
 }
 
+void makeFolders(std::string_view path) {
+  const fs::path folder = asPath(native(path));
+  std::error_code error;
+  if (fs::is_directory(folder, error)) return;
+  const fs::path parent = folder.has_filename() ? folder.parent_path() : folder.parent_path().parent_path();
+  if (!parent.empty() && parent != folder) makeFolders(asText(parent));
+  if (!fs::is_directory(folder, error)) makeFolder(path);
+}
+
 std::vector<std::string> list(std::string_view folder) {
   std::vector<std::string> names;
   std::error_code error;
@@ -204,14 +218,14 @@ std::vector<std::string> list(std::string_view folder) {
   return names;
 }
 
-Stream::Stream(std::string_view path, Mode mode) : path_(path), mode_(mode) {
+Stream::Stream(std::string_view path, Mode mode, Kind kind) : path_(path), mode_(mode) {
   const Open how = mode == Mode::read ? Open::read : mode == Mode::append ? Open::append : Open::write;
   const std::string name = native(path);
   if (mode == Mode::replace) {
     (void)removeNativeRegular(name);
     mode_ = Mode::write;
   }
-  file_.reset(open(name, path, how).release());
+  file_.reset(open(name, path, how, kind == Kind::any).release());
 }
 
 void Stream::requireOpen(bool reading) const {

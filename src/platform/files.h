@@ -12,7 +12,8 @@ namespace voxa {
 
 /// The file system seam. Paths are UTF-8 text composed with "\" (or "/"), relative ones start at the
 /// process's current folder, and existing files and folders are found without regard to case, on every
-/// platform. Failures raise the Error of fileError (error.h), its description naming the path as given.
+/// platform. What the administrator creates in another account's folder belongs to that account. Failures
+/// raise the Error of fileError (error.h), its description naming the path as given.
 namespace files {
 
 /// The path as the platform wants it: separators replaced, every component that exists without regard to
@@ -21,7 +22,14 @@ namespace files {
 
 [[nodiscard]] bool exists(std::string_view path);        ///< a file or folder of that name
 [[nodiscard]] bool folderExists(std::string_view path);  ///< a folder of that name
-void remove(std::string_view path);                      ///< deletes one file; 53 when there is none
+/// A regular file by that very name: no link, folder, pipe or device.
+[[nodiscard]] bool isPlain(std::string_view path);
+/// Why another account could change what is in a folder of this one's, and how to mend it; "" when none can
+/// but the administrator. The administrator may work in any one account's folder. trustGroup: the folder's
+/// group may write it. The folders above count: who can rename them can put another in their place. Windows:
+/// always "".
+[[nodiscard]] std::string folderFault(std::string_view folder, bool trustGroup);
+void remove(std::string_view path);  ///< deletes one file; 53 when there is none
 /// Deletes the file of that name if it is a regular one, and says whether it did: a link, a device or a
 /// folder stays, as does what may not be deleted.
 bool removeRegular(std::string_view path);
@@ -35,6 +43,8 @@ void copy(std::string_view from, std::string_view to);
 void createNew(std::string_view path);
 /// One folder that only its owner can use; 75 when it exists, 76 when its parent does not.
 void makeFolder(std::string_view path);
+/// The same with those above it that are missing; nothing when it exists.
+void makeFolders(std::string_view path);
 /// Names of the regular files in a folder, sorted; 76 when there is no such folder.
 [[nodiscard]] std::vector<std::string> list(std::string_view folder);
 [[nodiscard]] std::string currentFolder();  ///< absolute, native separators, without a trailing one
@@ -69,9 +79,12 @@ class Stream {
   /// write empties or creates, append creates when missing; replace is write, into a new file where the old
   /// one can be deleted.
   enum class Mode { read, write, append, replace };
+  /// plain: a link is not followed, and a pipe or device not opened (75): the system's own files, which
+  /// somebody else may have put something in the place of. any: what a person named.
+  enum class Kind { plain, any };
 
   /// 53 when a file to read is missing, 76 when the folder of a file to write is.
-  Stream(std::string_view path, Mode mode);
+  Stream(std::string_view path, Mode mode, Kind kind = Kind::plain);
 
   void write(std::string_view bytes);  ///< buffered; a failure may be raised by this or a later call
   /// Next line without its end (CR LF, LF or CR). Raises 62 at the end of the file.

@@ -11,8 +11,9 @@ namespace voxa::files {
 enum class Open { read, write, append, createNew };
 
 /// Opens a file for bytes as they are, not inherited by other programs; a file that is created belongs to
-/// its owner alone. nullptr on failure, with the reason in `error`. Folders fail with EISDIR.
-[[nodiscard]] std::FILE* openFile(const std::string& path, Open how, int& error);
+/// its owner alone. nullptr on failure, with the reason in `error`. Folders fail with EISDIR; links, pipes
+/// and devices with ELOOP, unless `any`.
+[[nodiscard]] std::FILE* openFile(const std::string& path, Open how, bool any, int& error);
 /// Creates a file that is this process's for as long as it is open: takeOver fails meanwhile, and it can be
 /// renamed and deleted. Otherwise as Open::createNew; EEXIST also when another process is just taking it
 /// over.

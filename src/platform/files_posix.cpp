@@ -37,11 +37,34 @@ std::string findName(const std::string& folder, const std::string& name) {
   return found;
 }
 
+/// How much of the front of a path is a folder that exists with the backslashes in it.
+std::size_t literalFront(const std::string& path) {
+  const std::size_t first = path.find('\\');
+  for (std::size_t end = path.rfind('\\'); end > first; end = path.rfind('\\', end - 1)) {
+    if (present(path.substr(0, end))) return end;
+  }
+  return 0;
+}
+
+/// The administrator's work in another account's folder is that account's.
+void giveToOwnerOfFolder(int descriptor, const struct stat& file, const std::string& path) {
+  if (::geteuid() != 0 || file.st_uid != 0 || file.st_nlink != 1) return;
+  const auto slash = path.find_last_of('/');
+  const std::string above = slash == std::string::npos ? "." : slash == 0 ? "/" : path.substr(0, slash);
+  struct stat folder {};
+  if (::stat(above.c_str(), &folder) != 0 || folder.st_uid == 0 || (folder.st_mode & S_ISVTX) != 0) return;
+  (void)::fchown(descriptor, folder.st_uid, folder.st_gid);
+}
+
 }  // namespace
 
 std::string native(std::string_view path) {
   std::string given(path);
-  std::replace(given.begin(), given.end(), '\\', '/');
+  if (given.find('\\') != std::string::npos) {
+    // A file or folder whose own name has a backslash is itself, not one in a folder beside it.
+    if (present(given)) return given;
+    std::replace(given.begin() + static_cast<std::ptrdiff_t>(literalFront(given)), given.end(), '\\', '/');
+  }
   if (given.empty() || present(given)) return given;
 
   std::string found;
@@ -68,8 +91,42 @@ std::string currentFolder() {
   return folder;
 }
 
-std::FILE* openFile(const std::string& path, Open how, int& error) {
-  int flags = O_CLOEXEC;
+std::string folderFault(std::string_view folder, bool trustGroup) {
+  std::error_code failure;
+  std::filesystem::path path = std::filesystem::canonical(native(folder), failure);
+  struct stat own {};
+  if (failure || ::stat(path.c_str(), &own) != 0)
+    return "the folder " + std::string(folder) + " cannot be looked at";
+  const uid_t user = ::geteuid();
+  if (own.st_uid != user && user != 0) {
+    return "the folder " + path.string() +
+           " belongs to another account, which could change what is in it: work in one of "
+           "your own";
+  }
+  for (bool above = false;; above = true) {
+    struct stat info {};
+    if (::stat(path.c_str(), &info) != 0) return "the folder " + path.string() + " cannot be looked at";
+    if (info.st_uid != 0 && info.st_uid != user && info.st_uid != own.st_uid) {
+      return "the folder " + path.string() +
+             " belongs to another account, which could put another in the place of what is "
+             "below it";
+    }
+    // In a folder above with the sticky bit nobody can rename what is another's.
+    const bool sticky = above && (info.st_mode & S_ISVTX) != 0;
+    if (!sticky && (info.st_mode & S_IWOTH) != 0) {
+      return "everybody can write the folder " + path.string() + ": take that away with chmod o-w";
+    }
+    if (!sticky && (info.st_mode & S_IWGRP) != 0 && !trustGroup) {
+      return "the group can write the folder " + path.string() +
+             ": take that away with chmod g-w, or say with --trust-group that it is to be trusted";
+    }
+    if (path == path.parent_path()) return "";
+    path = path.parent_path();
+  }
+}
+
+std::FILE* openFile(const std::string& path, Open how, bool any, int& error) {
+  int flags = O_CLOEXEC | (any ? 0 : O_NOFOLLOW | O_NONBLOCK);
   const char* mode = "wb";
   switch (how) {
     case Open::read:
@@ -89,13 +146,17 @@ std::FILE* openFile(const std::string& path, Open how, int& error) {
   }
   const int descriptor = ::open(path.c_str(), flags, S_IRUSR | S_IWUSR);
   if (descriptor < 0) {
-    error = errno;
+    error = errno == ENXIO ? ELOOP : errno;  // a pipe that nobody reads
     return nullptr;
   }
   struct stat info {};
   std::FILE* file = nullptr;
-  if (::fstat(descriptor, &info) == 0 && S_ISDIR(info.st_mode)) {
+  const bool known = ::fstat(descriptor, &info) == 0;
+  if (known && S_ISREG(info.st_mode) && (flags & O_CREAT) != 0) giveToOwnerOfFolder(descriptor, info, path);
+  if (known && S_ISDIR(info.st_mode)) {
     error = EISDIR;
+  } else if (!any && !(known && S_ISREG(info.st_mode))) {
+    error = ELOOP;
   } else if ((file = ::fdopen(descriptor, mode)) == nullptr) {
     error = errno;
   }
@@ -104,7 +165,7 @@ std::FILE* openFile(const std::string& path, Open how, int& error) {
 }
 
 std::FILE* openOwned(const std::string& path, int& error) {
-  std::FILE* file = openFile(path, Open::createNew, error);
+  std::FILE* file = openFile(path, Open::createNew, false, error);
   if (file == nullptr) return nullptr;
   // Between its creation and the lock another process may have taken it over. Where the file system has no
   // locks, none can.
@@ -131,7 +192,15 @@ std::FILE* takeOver(const std::string& path) {
 }
 
 int createFolder(const std::string& path) {
-  return ::mkdir(path.c_str(), S_IRWXU) != 0 ? errno : 0;
+  if (::mkdir(path.c_str(), S_IRWXU) != 0) return errno;
+  const int made = ::open(path.c_str(), O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+  struct stat info {};
+  if (made >= 0 && ::fstat(made, &info) == 0) {
+    info.st_nlink = 1;  // one for each folder in it, and its own
+    giveToOwnerOfFolder(made, info, path);
+  }
+  if (made >= 0) (void)::close(made);
+  return 0;
 }
 
 int flushToDevice(std::FILE* file) {

@@ -137,6 +137,10 @@ std::string codePointName(char32_t c) {
   }
 }
 
+bool isControl(char32_t c) {
+  return c < 0x20 || (c >= 0x7F && c < 0xA0);
+}
+
 /// The byte of a character in code page 1252, or -1.
 int cp1252Byte(char32_t c) {
   if (c < 0x80 || (c >= 0xA0 && c <= 0xFF)) return static_cast<int>(c);
@@ -232,6 +236,20 @@ bool isUtf8(std::string_view text) {
     if (decode(text, i) >= brokenByte) return false;
   }
   return true;
+}
+
+bool hasControls(std::string_view text) {
+  for (std::size_t i = 0; i < text.size();) {
+    if (isControl(decode(text, i))) return true;
+  }
+  return false;
+}
+
+std::string terminalText(std::string_view text) {
+  return mapped(text, [](char32_t c) -> char32_t {
+    if (c == '\n' || c == '\t') return c;
+    return isControl(c) || c >= brokenByte ? '?' : c;
+  });
 }
 
 std::string zeroPadded(std::int64_t number, int width) {

@@ -26,6 +26,12 @@ namespace voxa {
 /// Whether the bytes are well-formed UTF-8.
 [[nodiscard]] bool isUtf8(std::string_view text);
 
+/// Whether a text holds a control character: C0, DEL or C1 (U+0080 to U+009F).
+[[nodiscard]] bool hasControls(std::string_view text);
+/// The text as it may be written to a terminal: what one would obey (control characters, line feeds and tabs
+/// excepted) and bytes that are no UTF-8 become "?".
+[[nodiscard]] std::string terminalText(std::string_view text);
+
 /// A number in decimal, padded with zeros on the left to `width` digits; a longer number keeps its digits,
 /// a negative one its sign in front of the padded digits (the format "00" of automation clients).
 [[nodiscard]] std::string zeroPadded(std::int64_t number, int width);

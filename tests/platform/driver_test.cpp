@@ -62,6 +62,9 @@ TEST(DriverTest, TheEnvironmentNamesTheOnlyPlace) {
   std::filesystem::copy_file(program / "libTwoExports.so", path,
                              std::filesystem::copy_options::overwrite_existing);
   EXPECT_EQ(driver.call(CmReadDate, 1, 2), 102);
+  const NamedDriver relative("driver.so");
+  LibraryDriver another("TwoExports");
+  EXPECT_NE(failure(another, CmReadDate, err::fileNotFound).find("whole path"), std::string::npos);
 }
 
 TEST(DriverTest, AWorkingFolderThatOthersCanWriteGivesNoLibrary) {
@@ -72,14 +75,19 @@ TEST(DriverTest, AWorkingFolderThatOthersCanWriteGivesNoLibrary) {
   const auto before = std::filesystem::current_path();
   std::filesystem::current_path(folder.path());
   LibraryDriver driver("WorkingFolder");
+  using std::filesystem::perms;
   for (const std::string& open : {path, folder.path()}) {
-    const auto rights = std::filesystem::status(open).permissions();
-    std::filesystem::permissions(open, std::filesystem::perms::others_write,
-                                 std::filesystem::perm_options::add);
-    EXPECT_NE(failure(driver, CmReadDate, err::fileNotFound).find("others can write"), std::string::npos)
-        << open;
-    std::filesystem::permissions(open, rights);
+    for (const perms wider : {perms::others_write, perms::group_write}) {
+      const auto rights = std::filesystem::status(open).permissions();
+      std::filesystem::permissions(open, wider, std::filesystem::perm_options::add);
+      EXPECT_NE(failure(driver, CmReadDate, err::fileNotFound).find("others can write"), std::string::npos)
+          << open;
+      std::filesystem::permissions(open, rights);
+    }
   }
+  std::filesystem::create_symlink(path, folder / "libLinked.so");
+  LibraryDriver linked("Linked");
+  EXPECT_NE(failure(linked, CmReadDate, err::fileNotFound).find("a link"), std::string::npos);
   EXPECT_EQ(driver.call(CmReadDate, 1, 2), 102);
   std::filesystem::current_path(before);
 }

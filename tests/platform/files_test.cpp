@@ -40,6 +40,65 @@ TEST_F(FilesTest, FindsExistingNamesInAnyCase) {
   EXPECT_FALSE(files::exists(""));
 }
 
+TEST_F(FilesTest, AFolderWhoseNameHasABackslashIsItself) {
+  std::filesystem::create_directories(folder_ / "pl/ant");
+  std::filesystem::create_directories(folder_ / "pl\\ant");
+  put(folder_ / "pl/ant/KRV.mdb", "composed");
+  EXPECT_EQ(files::native(folder_ / "pl\\ant\\krv.MDB"), folder_ / "pl\\ant/krv.MDB");
+  put(folder_ / "pl\\ant/KRV.mdb", "literal");
+  EXPECT_EQ(files::native(folder_ / "pl\\ant\\krv.MDB"), folder_ / "pl\\ant/KRV.mdb");
+  EXPECT_EQ(files::native(folder_ / "pl/ant\\krv.MDB"), folder_ / "pl/ant/KRV.mdb");
+}
+
+TEST_F(FilesTest, NothingIsOpenedThroughALinkAndNoPipeIsWaitedFor) {
+  put(folder_ / "mine.txt", "mine");
+  std::filesystem::create_symlink(folder_ / "mine.txt", folder_ / "S001.ini");
+  std::filesystem::create_symlink(folder_ / "none.txt", folder_ / "COM.LOG");
+  ASSERT_EQ(::mkfifo((folder_ / "COMMAND.TXT").c_str(), 0600), 0);
+  for (const char* name : {"S001.ini", "COM.LOG", "COMMAND.TXT"}) {
+    for (const auto mode : {Stream::Mode::read, Stream::Mode::write, Stream::Mode::append}) {
+      EXPECT_EQ(errorOf([&] { return Stream(folder_ / name, mode), 0; }), err::pathAccess) << name;
+    }
+    EXPECT_FALSE(files::isPlain(folder_ / name));
+  }
+  EXPECT_EQ(bytesOf(folder_ / "mine.txt"), "mine");
+  EXPECT_FALSE(files::exists(folder_ / "none.txt"));
+  EXPECT_EQ(Stream(folder_ / "S001.ini", Stream::Mode::read, Stream::Kind::any).readLine(), "mine");
+}
+
+TEST_F(FilesTest, AFolderIsTakenWhereOneAccountAloneCanWrite) {
+  const std::string inner = folder_ / "plant";
+  files::makeFolders(inner + "/a/b");
+  EXPECT_EQ(modeOf(inner + "/a"), 0700U);
+  EXPECT_EQ(files::folderFault(inner, false), "");
+  const std::pair<const char*, mode_t> wider[] = {{"everybody can write", 0707},
+                                                  {"the group can write", 0770}};
+  for (const auto& [fault, mode] : wider) {
+    for (const std::string& changed : {inner, std::string(folder_.path())}) {
+      ASSERT_EQ(::chmod(changed.c_str(), mode), 0);
+      EXPECT_NE(files::folderFault(inner, false).find(fault), std::string::npos) << changed;
+      EXPECT_EQ(files::folderFault(inner, true).empty(), mode == 0770);
+      ASSERT_EQ(::chmod(changed.c_str(), 0700), 0);
+    }
+  }
+  if (::geteuid() != 0) return;
+  // The administrator may work in an operator's folder, whose files stay that one's; below a stranger's he
+  // may not.
+  constexpr uid_t operatorId = 4711;
+  ASSERT_EQ(::chown(inner.c_str(), operatorId, operatorId), 0);
+  EXPECT_EQ(files::folderFault(inner, false), "");
+  put(folder_ / "saved.mdb", "saved");
+  files::copy(folder_ / "saved.mdb", inner + "/KRV.mdb");
+  files::makeFolder(inner + "/Backup");
+  for (const char* made : {"/KRV.mdb", "/Backup"}) {
+    struct stat info {};
+    ASSERT_EQ(::stat((inner + made).c_str(), &info), 0);
+    EXPECT_EQ(info.st_uid, operatorId) << made;
+  }
+  ASSERT_EQ(::chown((inner + "/a").c_str(), operatorId + 1, operatorId), 0);
+  EXPECT_NE(files::folderFault(inner + "/a/b", false), "");
+}
+
 TEST_F(FilesTest, RelativePathsStartAtTheCurrentFolder) {
   const auto before = std::filesystem::current_path();
   std::filesystem::current_path(folder_.path());
@@ -154,7 +213,7 @@ TEST_F(FilesTest, StreamsAppendAndEmpty) {
 }
 
 TEST_F(FilesTest, StreamFailuresAreRaised) {
-  Stream full("/dev/full", Stream::Mode::write);
+  Stream full("/dev/full", Stream::Mode::write, Stream::Kind::any);
   full.write("x");
   EXPECT_EQ(errorOf([&] { return full.close(), 0; }), err::diskFull);
   EXPECT_EQ(errorOf([&] { return full.write("x"), 0; }), err::badFileNumber);

@@ -26,7 +26,7 @@ TEST(PromptsTest, WithoutATerminalTheLeastIsDoneAndSaid) {
   std::ostringstream out;
   ConsolePrompts prompts(in, out, false);
   EXPECT_EQ(prompts.messageBox("Delete?\r\nAll of it\x1B[2J", style::yesNo, "Cards"), Answer::no);
-  EXPECT_EQ(out.str(), "[Cards]\nDelete?\nAll of it [2J\nNo terminal to ask on: taking No.\n");
+  EXPECT_EQ(out.str(), "[Cards]\nDelete?\nAll of it?[2J\nNo terminal to ask on: taking No.\n");
   EXPECT_EQ(prompts.messageBox("Replace?", style::yesNoCancel, ""), Answer::cancel);
   prompts.assume(Answer::yes);
   EXPECT_EQ(prompts.messageBox("Delete?", style::yesNo, ""), Answer::yes);

@@ -1,4 +1,5 @@
 #include <dlfcn.h>
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -29,14 +30,47 @@ std::string loaderMessage() {
   return message == nullptr ? "unknown error" : message;
 }
 
-/// Whether only this user and the administrator can have put the file there. Asked of the working folder,
-/// which may be anybody's: what is loaded runs with this user's rights.
-bool isOwn(const fs::path& path) {
+/// An open file or folder, closed at the end.
+class Descriptor {
+ public:
+  explicit Descriptor(int number) : number_(number) {}
+  ~Descriptor() {
+    if (number_ >= 0) (void)::close(number_);
+  }
+  Descriptor(const Descriptor&) = delete;
+  Descriptor& operator=(const Descriptor&) = delete;
+  [[nodiscard]] int get() const { return number_; }
+
+ private:
+  int number_;
+};
+
+/// Whether only this user and the administrator can have put it there, and can change it.
+bool isOwn(const Descriptor& opened, mode_t kind) {
   struct stat info {};
-  if (::stat(path.c_str(), &info) != 0) return false;
+  if (::fstat(opened.get(), &info) != 0 || (info.st_mode & S_IFMT) != kind) return false;
   const bool ours = info.st_uid == 0 || info.st_uid == ::geteuid();
-  // In a folder with the sticky bit nobody can replace the files of others.
-  return ours && ((info.st_mode & S_IWOTH) == 0 || (S_ISDIR(info.st_mode) && (info.st_mode & S_ISVTX) != 0));
+  return ours && (info.st_mode & (S_IWGRP | S_IWOTH)) == 0;
+}
+
+/// Loads a file that is to run with this user's rights, if only he and the administrator can have put it
+/// where it is. What is looked at is what is loaded: it is opened once, whatever stands under its name
+/// afterwards.
+void* loadOwn(const std::string& name, const fs::path& path) {
+  const Descriptor folder(::open(path.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  const Descriptor file(
+      ::openat(folder.get(), path.filename().c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+  if (!isOwn(folder, S_IFDIR) || !isOwn(file, S_IFREG)) {
+    failLoad(name, path.string() +
+                       " or its folder is somebody else's, a link, or others can write it: have both owned "
+                       "and written by you alone (chmod go-w)");
+  }
+  // The loader takes a library that it has under the same name: none has been loaded under this one.
+  static int loads = 0;
+  std::string unique = "/proc/self/fd/";
+  for (int i = 0; i < loads; ++i) unique += "./";
+  ++loads;
+  return load(unique + std::to_string(file.get()));
 }
 
 /// Calls with errno cleared, and keeps what it was set to.
@@ -53,11 +87,17 @@ DynamicLibrary::Result run(DynamicLibrary::Entry entry, Arguments... arguments) 
 DynamicLibrary::DynamicLibrary(const std::string& name) {
   std::error_code ignored;
   if (const char* path = std::getenv("VOXA_DRIVER"); path != nullptr && *path != '\0') {
-    if (!fs::exists(path, ignored)) {
+    // A relative one would be whatever the working folder, perhaps a stranger's, holds under that name.
+    if (!fs::path(path).is_absolute()) {
+      throw Error(err::fileNotFound,
+                  "VOXA_DRIVER names the driver library by its whole path, not " + std::string(path));
+    }
+    const fs::path found = fs::canonical(path, ignored);
+    if (found.empty()) {
       throw Error(err::fileNotFound,
                   "File not found: the driver library " + std::string(path) + " named by VOXA_DRIVER");
     }
-    handle_ = load(fs::absolute(path));
+    handle_ = loadOwn(name, found);
     if (handle_ == nullptr) failLoad(name, loaderMessage());
     return;
   }
@@ -68,11 +108,8 @@ DynamicLibrary::DynamicLibrary(const std::string& name) {
   for (const fs::path& folder : {programFolder, workingFolder}) {
     for (const std::string& fileName : fileNames) {
       const fs::path path = folder / fileName;
-      if (!fs::is_regular_file(path, ignored)) continue;
-      if (folder != programFolder && !(isOwn(path) && isOwn(folder))) {
-        failLoad(name, path.string() + " is somebody else's, or others can write it or its folder");
-      }
-      handle_ = load(path);
+      if (!fs::exists(fs::symlink_status(path, ignored))) continue;
+      handle_ = folder == programFolder ? load(path) : loadOwn(name, path);
       if (handle_ == nullptr) failLoad(name, loaderMessage());
       return;
     }

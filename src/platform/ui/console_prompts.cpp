@@ -49,13 +49,14 @@ std::string folderOf(const std::string& path) {
 ConsolePrompts::ConsolePrompts(std::istream& in, std::ostream& out, bool interactive)
     : in_(in), out_(out), interactive_(interactive) {}
 
-/// Writes lines with any kind of line end; other control characters could make the terminal act.
+/// Writes lines with any kind of line end.
 void ConsolePrompts::show(std::string_view lines) {
+  std::string text;
   for (std::size_t i = 0; i < lines.size(); ++i) {
-    const auto c = static_cast<unsigned char>(lines[i]);
-    if (c == '\r' && i + 1 < lines.size() && lines[i + 1] == '\n') continue;
-    out_ << (c == '\r' || c == '\n' ? '\n' : c < 0x20 || c == 0x7F ? ' ' : lines[i]);
+    if (lines[i] == '\r' && i + 1 < lines.size() && lines[i + 1] == '\n') continue;
+    text += lines[i] == '\r' ? '\n' : lines[i];
   }
+  out_ << terminalText(text);
 }
 
 std::optional<std::string> ConsolePrompts::readLine() {

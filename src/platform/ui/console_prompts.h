@@ -20,6 +20,8 @@ class ConsolePrompts : public Prompts {
   ConsolePrompts(std::istream& in, std::ostream& out, bool interactive);
   /// Whether the process's standard input and error output are a terminal.
   [[nodiscard]] static bool isTerminal();
+  /// Whether that one is: 0 standard input, 1 standard output, 2 error output.
+  [[nodiscard]] static bool isTerminal(int descriptor);
 
   /// From now on every box that has this button is answered with it, unasked. Of several the first counts.
   void assume(Answer answer) { assumed_.push_back(answer); }

@@ -5,7 +5,11 @@
 namespace voxa {
 
 bool ConsolePrompts::isTerminal() {
-  return ::isatty(STDIN_FILENO) == 1 && ::isatty(STDERR_FILENO) == 1;
+  return isTerminal(STDIN_FILENO) && isTerminal(STDERR_FILENO);
+}
+
+bool ConsolePrompts::isTerminal(int descriptor) {
+  return ::isatty(descriptor) == 1;
 }
 
 }  // namespace voxa

@@ -1,13 +1,15 @@
 #include <io.h>
 
-#include <cstdio>
-
 #include "platform/ui/console_prompts.h"
 
 namespace voxa {
 
 bool ConsolePrompts::isTerminal() {
-  return ::_isatty(::_fileno(stdin)) != 0 && ::_isatty(::_fileno(stderr)) != 0;
+  return isTerminal(0) && isTerminal(2);
+}
+
+bool ConsolePrompts::isTerminal(int descriptor) {
+  return ::_isatty(descriptor) != 0;
 }
 
 }  // namespace voxa

@@ -102,7 +102,8 @@ void checkDatabaseFile(const std::string& path, std::string_view given) {
   const std::string name(given);
   if (!files::exists(given)) throw Error(err::dbFileNotFound, "Could not find the database: " + name);
   Header header{};
-  const int code = files::folderExists(given) ? SQLITE_CANTOPEN : readHeader(path, header);
+  // What is behind a link is somebody else's file, and a pipe would be waited for.
+  const int code = files::isPlain(given) ? readHeader(path, header) : SQLITE_CANTOPEN;
   if (code == SQLITE_IOERR_SHORT_READ || (code == SQLITE_OK && !isOurs(header))) {
     throw Error(err::dbNotADatabase, "The file is no database of this system: " + name);
   }
