@@ -56,8 +56,8 @@ void createBatch(Installation& installation, const BatchOptions& options) {
       "select Id from Cardholders where CardCodeFlagD = true and CardNum = " + std::to_string(first) +
       " and Deleted = false");
   if (!download.leftOut().empty() && !waiting->eof()) {
-    throw Refusal("these controllers did not answer, and the cards stay marked for those of the group:" +
-                  listed(download.leftOut()));
+    throw Leftover("these controllers did not answer, and the cards stay marked for those of the group:" +
+                   listed(download.leftOut()));
   }
 }
 
@@ -92,8 +92,8 @@ void deleteCard(Installation& installation, const std::string& numberOrName) {
   card->update();
   std::cout << "Deleted card " << number << ": " << card->get("Name").toText() << '\n';
   if (holders.empty()) return;
-  throw Refusal("these controllers still hold the card; a later 'voxa download cards' makes them erase it:" +
-                listed(holders));
+  throw Leftover("these controllers still hold the card; a later 'voxa download cards' makes them erase it:" +
+                 listed(holders));
 }
 
 void invalidateCard(Installation& installation, const std::string& text, const ComponentChoice& choice) {
@@ -113,7 +113,7 @@ void invalidateCard(Installation& installation, const std::string& text, const C
     return;
   }
   if (!download.leftOut().empty()) {
-    throw Refusal("these controllers did not answer and still hold the card:" + listed(download.leftOut()));
+    throw Leftover("these controllers did not answer and still hold the card:" + listed(download.leftOut()));
   }
   std::cout << "Erased card " << number << "; the next download gives it back\n";
 }

@@ -14,6 +14,7 @@ namespace voxa::cli {
 namespace {
 
 constexpr std::int16_t lastNumber = 9999;
+constexpr std::int16_t lastPin = 9999;
 constexpr std::size_t codeLength = 8;
 constexpr std::size_t nameLength = 50;
 constexpr const char* none = "none";
@@ -37,15 +38,21 @@ std::string cardName(const std::string& text) {
   if (lengthInCharacters(text) > nameLength) {
     throw Error(err::dbTextTooLong, "The name has more than 50 characters: " + text);
   }
-  if (std::any_of(text.begin(), text.end(), [](unsigned char c) { return c < ' ' || c == 0x7F; })) {
-    throw Refusal("a name is one line without control characters");
-  }
   return text;
 }
 
 Value numberOrNone(const std::string& what, const std::string& text, std::int16_t greatest) {
   if (equalNoCase(text, none)) return {};
   return numberWithin(what, text, 1, greatest);
+}
+
+/// Not repeated when it is refused: a personal code that was mistyped is nearly one.
+Value personalCode(const std::string& text) {
+  try {
+    return numberOrNone("the personal code", text, lastPin);
+  } catch (const Refusal&) {
+    throw Refusal("the personal code is a number from 1 to 9999, or none");
+  }
 }
 
 Value dayOrNone(const std::string& text) {
@@ -80,9 +87,7 @@ void read(std::optional<Result>& into, const std::optional<std::string>& text, R
 }  // namespace
 
 std::int16_t cardNumber(const std::string& text) {
-  const std::int16_t number = number16("the card number", text);
-  if (number >= 1 && number <= lastNumber) return number;
-  throw Error(err::overflow, "Overflow: the card number '" + text + "' is not one of 1 to 9999");
+  return numberWithin("the card number", text, 1, lastNumber);
 }
 
 std::string cardCode(const std::string& text) {
@@ -123,7 +128,7 @@ CardValues::CardValues(const CardTexts& texts, const GroupNames& groups) {
   read(code, texts.code, cardCode);
   read(group, texts.group,
        [&](const std::string& text) { return groups.id(filled("the access group", text)); });
-  read(pin, texts.pin, [](const std::string& text) { return numberOrNone("the personal code", text, 9999); });
+  read(pin, texts.pin, personalCode);
   read(until, texts.until, dayOrNone);
   read(credit, texts.credit, [](const std::string& text) { return numberOrNone("the credit", text, 99); });
   read(supervisor, texts.supervisor, [](const std::string& text) { return yesOrNo("supervisor", text); });

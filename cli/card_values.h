@@ -19,7 +19,7 @@ class Installation;
 
 // What people write about cards, on the command line and in files, as the columns of "Cardholders".
 
-/// A number that the controllers can hold, 1 to 9999; overflow (error 6) for any other number.
+/// A number that the controllers can hold, 1 to 9999; a Refusal for any other.
 [[nodiscard]] std::int16_t cardNumber(const std::string& text);
 /// 1 to 8 characters 0-9 and A-F in any case as they are stored: upper-case, zeros on the left to 8. A
 /// Refusal for any other text, and for zeros alone, with which a controller erases a card.

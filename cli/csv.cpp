@@ -71,6 +71,14 @@ class Reader {
   std::size_t line_ = 1;
 };
 
+/// Whether a spreadsheet would calculate the text, or one apostrophe is to be told from those that are its
+/// own.
+bool isFormula(const std::string& text) {
+  const std::size_t first = text.find_first_not_of('\'');
+  return first != std::string::npos &&
+         std::string_view("=+-@\t\r").find(text[first]) != std::string_view::npos;
+}
+
 }  // namespace
 
 std::vector<CsvRecord> readCsv(std::string_view text) {
@@ -84,13 +92,18 @@ std::vector<CsvRecord> readCsv(std::string_view text) {
 }
 
 std::string csvField(const std::string& text) {
-  if (text.find_first_of(",\"\r\n") == std::string::npos) return text;
+  const std::string safe = isFormula(text) ? "'" + text : text;
+  if (safe.find_first_of(",\"\r\n") == std::string::npos) return safe;
   std::string quoted = "\"";
-  for (const char c : text) {
+  for (const char c : safe) {
     if (c == '"') quoted += '"';
     quoted += c;
   }
   return quoted + '"';
+}
+
+std::string csvText(const std::string& field) {
+  return field.starts_with('\'') && isFormula(field) ? field.substr(1) : field;
 }
 
 }  // namespace voxa::cli

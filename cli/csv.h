@@ -19,7 +19,10 @@ struct CsvRecord {
 /// The records of a text, empty lines left out. A faulty record is its first line only.
 [[nodiscard]] std::vector<CsvRecord> readCsv(std::string_view text);
 
-/// The field in quotes where it needs them.
+/// The field as it is written: in quotes where it needs them, and behind an apostrophe when a spreadsheet
+/// would take it for a formula (it begins with = + - @, a tab or a carriage return).
 [[nodiscard]] std::string csvField(const std::string& text);
+/// The text of a field that was read: without that apostrophe.
+[[nodiscard]] std::string csvText(const std::string& field);
 
 }  // namespace voxa::cli

@@ -36,7 +36,7 @@ constexpr Column columns[] = {
 
 std::string contentsOf(const std::string& path) {
   std::string text;
-  files::Stream file(path, files::Stream::Mode::read);
+  files::Stream file(path, files::Stream::Mode::read, files::Stream::Kind::any);
   while (!file.atEnd()) text += file.readLine() + "\n";
   constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
   if (text.starts_with(byteOrderMark)) text.erase(0, byteOrderMark.size());
@@ -73,7 +73,7 @@ CardTexts textsOf(const CsvRecord& record, const std::vector<const Column*>& ord
   for (std::size_t i = 0; i < order.size(); ++i) {
     if (!isUtf8(record.fields[i])) throw Refusal(std::string(order[i]->name) + " is not UTF-8");
     const bool isName = order[i]->text == &CardTexts::name;
-    std::string text = isName ? record.fields[i] : CLI::detail::trim_copy(record.fields[i]);
+    std::string text = csvText(isName ? record.fields[i] : CLI::detail::trim_copy(record.fields[i]));
     if (order[i]->mandatory || !text.empty()) texts.*(order[i]->text) = std::move(text);
   }
   return texts;
@@ -181,13 +181,12 @@ void exportCards(Installation& installation, const ExportOptions& options) {
   installation.open();
   const auto [text, cards] = cardTable(installation, options.showPins);
   if (options.path.empty()) {
-    std::cout << text << std::flush;
-    if (!std::cout) throw Refusal("the table cannot be written");
+    std::cout << text;
     return;
   }
   const std::string path = installation.callersFile(options.path);
   requireMayWrite(installation, path, options.force);
-  files::Stream file(path, files::Stream::Mode::write);
+  files::Stream file(path, files::Stream::Mode::write, files::Stream::Kind::any);
   file.write(text);
   file.close();
   std::cout << cards << " cards exported\n";

@@ -137,23 +137,22 @@ void showJournal(Installation& installation, const JournalOptions& options) {
   const auto journal = installation.qdb().Journal().DB();
   if (!journal) throw Refusal("the journal of " + installation.folder() + " (Journal.MDB) cannot be opened");
   const Filter filter(options);
-  TableOutput table(columns);
-  if (options.csv) std::cout << csvLine({columns.begin(), columns.end()});
   bool any = false;
-  for (const auto rows = filter.rows(*journal); !rows->eof(); rows->moveNext()) {
-    if (!filter.wants(*rows)) continue;
-    any = true;
-    if (options.csv) {
-      std::cout << csvLine(cellsOf(*rows));
-    } else {
-      table.add(cellsOf(*rows));
+  const auto eachRow = [&](const auto& row) {
+    for (const auto rows = filter.rows(*journal); !rows->eof(); rows->moveNext()) {
+      if (!filter.wants(*rows)) continue;
+      any = true;
+      row(cellsOf(*rows));
     }
+  };
+  if (options.csv) {
+    std::cout << csvLine({columns.begin(), columns.end()});
+    eachRow([](const std::vector<Value>& cells) { std::cout << csvLine(cells); });
+  } else {
+    printList(std::cout, columns, options.json, eachRow);
   }
   // A journal keeps the names of readers that are gone; a name that is in neither is a mistake.
   if (!any && !options.reader.empty()) (void)readerNamed(installation, options.reader);
-  if (!options.csv) table.print(std::cout, options.json);
-  std::cout.flush();
-  if (!std::cout) throw Refusal("the journal cannot be written");
 }
 
 }  // namespace

@@ -2,6 +2,8 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <charconv>
+#include <limits>
 
 #include "access/badge_format.h"
 #include "app/qdb.h"
@@ -13,13 +15,17 @@ namespace voxa::cli {
 
 namespace {
 
-template <typename Convert>
-auto converted(const std::string& what, const std::string& text, Convert convert) {
-  try {
-    return convert(Value(text));
-  } catch (const Error& failure) {
-    throw Error(failure.number(), failure.description() + ": " + what + " '" + text + "'");
+template <typename Number>
+Number whole(const std::string& what, const std::string& text, Number least, Number greatest) {
+  Number number = 0;
+  const char* const end = text.data() + text.size();
+  const auto [read, failure] = std::from_chars(text.data(), end, number);
+  if (text.empty() || failure == std::errc::invalid_argument || read != end) {
+    throw Refusal(what + " is a whole number, not " + (text.empty() ? "nothing" : text));
   }
+  if (failure == std::errc() && number >= least && number <= greatest) return number;
+  throw Refusal(what + " is a number from " + std::to_string(least) + " to " + std::to_string(greatest) +
+                ", not " + text);
 }
 
 bool isNumber(const std::string& text) {
@@ -29,23 +35,23 @@ bool isNumber(const std::string& text) {
 }  // namespace
 
 std::int16_t number16(const std::string& what, const std::string& text) {
-  return converted(what, text, [](const Value& value) { return value.toInt16(); });
+  using Limits = std::numeric_limits<std::int16_t>;
+  return whole(what, text, Limits::min(), Limits::max());
 }
 
 std::int32_t number32(const std::string& what, const std::string& text) {
-  return converted(what, text, [](const Value& value) { return value.toInt32(); });
+  using Limits = std::numeric_limits<std::int32_t>;
+  return whole(what, text, Limits::min(), Limits::max());
 }
 
 std::int16_t numberWithin(const std::string& what, const std::string& text, std::int16_t least,
                           std::int16_t greatest) {
-  const std::int16_t number = number16(what, text);
-  if (number >= least && number <= greatest) return number;
-  throw Refusal(what + " is a number from " + std::to_string(least) + " to " + std::to_string(greatest) +
-                ", not " + text);
+  return whole(what, text, least, greatest);
 }
 
 std::string checkedName(const std::string& name) {
   if (name.empty()) throw Refusal("msgDBMandField", "(the name)");
+  if (hasControls(name)) throw Refusal("a name is one line without control characters");
   (void)toCp1252(name);
   return name;
 }

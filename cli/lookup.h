@@ -21,15 +21,16 @@ class Installation;
 // What people write on the command line, as numbers and rows. Names are compared row by row and never become
 // part of a statement.
 
-/// what: how a failure names the number ("the port"). Overflow (error 6) outside the range of the type, type
-/// mismatch (13) when it is no number.
+/// what: how a Refusal names the number ("the port"): for a text that is no whole number, a fraction
+/// included, and for one outside the range.
 [[nodiscard]] std::int16_t number16(const std::string& what, const std::string& text);
 [[nodiscard]] std::int32_t number32(const std::string& what, const std::string& text);
-/// The same within bounds; a Refusal outside them.
+/// The same within bounds.
 [[nodiscard]] std::int16_t numberWithin(const std::string& what, const std::string& text, std::int16_t least,
                                         std::int16_t greatest);
 
-/// The name itself, unless it is empty or has characters that the controllers' files cannot hold (error 5).
+/// The name itself, unless it is empty, has control characters, or characters that the controllers' files
+/// cannot hold (error 5).
 [[nodiscard]] std::string checkedName(const std::string& name);
 /// The same for a station or reader; a Refusal for a name with an apostrophe too: the journal's statements
 /// carry these names as they are, so that nothing of such a door could ever be read.

@@ -4,6 +4,8 @@
 
 #include "commands.h"
 #include "installation.h"
+#include "refusal.h"
+#include "terminal_filter.h"
 
 namespace {
 
@@ -15,6 +17,7 @@ void addGlobalOptions(CLI::App& app, voxa::cli::Settings& settings) {
       ->check(CLI::IsMember({"abort", "retry", "ignore", "yes", "no", "cancel"}, CLI::ignore_case));
   app.add_flag("--inhibit", settings.inhibit, "Call no driver, as if every send succeeded");
   app.add_flag("--no-log", settings.noLog, "Write no communication log (COM.LOG)");
+  app.add_flag("--trust-group", settings.trustGroup, "Also work in a folder that its group can write");
   app.add_flag("--four-zones", settings.fourZones, "The controllers work with four intervals a day");
 }
 
@@ -28,16 +31,61 @@ std::string calledCommand(const CLI::App& app) {
   return name;
 }
 
+/// What a caller learns from the exit status; the same in all commands.
+enum Status : int {
+  done = 0,
+  failed = 1,
+  misused = 2,
+  left = 3  ///< done, with something left that needs a person
+};
+
+/// The deepest command that was named.
+const CLI::App& deepest(const CLI::App& app) {
+  const CLI::App* command = &app;
+  while (!command->get_subcommands().empty()) command = command->get_subcommands().front();
+  return *command;
+}
+
+/// Tells what is wrong with the command line; the commands there are, when none of them was named.
+int explainUsage(const CLI::App& app, const CLI::ParseError& problem) {
+  if (app.exit(problem) == 0) return done;
+  const CLI::App& at = deepest(app);
+  const auto known = at.get_subcommands([](const CLI::App* /*command*/) { return true; });
+  if (known.empty()) return misused;
+  std::cerr << "Commands of " << calledCommand(app) << ":";
+  for (const CLI::App* command : known) std::cerr << ' ' << command->get_name();
+  std::cerr << '\n';
+  return misused;
+}
+
+int run(CLI::App& app, voxa::cli::Installation& installation, int argc, char** argv) {
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& problem) {
+    return explainUsage(app, problem);
+  } catch (const voxa::cli::Leftover&) {
+    installation.explainFailure(calledCommand(app));
+    return left;
+  } catch (...) {
+    installation.explainFailure(calledCommand(app));
+    return failed;
+  }
+  return installation.prompts().failuresShown() > 0 ? failed : done;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
-  constexpr int failed = 1;
-  constexpr int misused = 2;
   CLI::App app("Door access control: programs of time, their download to the controllers", "voxa");
   try {
+    const voxa::cli::TerminalFilter output(std::cout, 1);
+    const voxa::cli::TerminalFilter errors(std::cerr, 2);
     voxa::cli::Installation installation;
+    app.set_version_flag("--version", "voxa " VOXA_VERSION);
     app.require_subcommand(1);
     app.fallthrough();
+    app.footer(
+        "Exit status: 0 done, 1 failed, 2 wrong usage, 3 done, with something left that needs a person.");
     addGlobalOptions(app, installation.settings);
     voxa::cli::addInitCommand(app, installation);
     voxa::cli::addStationCommands(app, installation);
@@ -59,15 +107,11 @@ int main(int argc, char** argv) {
     voxa::cli::addDatabaseCommands(app, installation);
     voxa::cli::addSimulatorCommands(app, installation);
     voxa::cli::addDemoCommand(app, installation);
-    try {
-      app.parse(argc, argv);
-    } catch (const CLI::ParseError& problem) {
-      return app.exit(problem) == 0 ? 0 : misused;
-    } catch (...) {
-      installation.explainFailure(calledCommand(app));
-      return failed;
-    }
-    return installation.prompts().failuresShown() > 0 ? failed : 0;
+    const int status = run(app, installation, argc, argv);
+    std::cout.flush();
+    if (std::cout) return status;
+    std::cerr << "voxa: the output cannot be written\n";
+    return failed;
   } catch (const std::exception& failure) {
     std::cerr << "voxa: " << failure.what() << '\n';
     return failed;

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <chrono>
-#include <iostream>
+#include <cstdio>
 #include <string>
 
 #include "platform/ui/console_prompts.h"
@@ -13,7 +13,7 @@ class Progress {
  public:
   Progress(std::string what, std::size_t total) : what_(std::move(what)), total_(total) {}
   ~Progress() {
-    if (shown_) std::cerr << '\n';
+    if (shown_) std::fputc('\n', stderr);
   }
   Progress(const Progress&) = delete;
   Progress& operator=(const Progress&) = delete;
@@ -21,7 +21,8 @@ class Progress {
     ++done_;
     if (!terminal_ || std::chrono::steady_clock::now() < next_) return;
     next_ = std::chrono::steady_clock::now() + std::chrono::milliseconds(100);
-    std::cerr << '\r' << what_ << ' ' << done_ << " of " << total_ << std::flush;
+    // Past the filter of the terminal, which lets no carriage return through.
+    std::fprintf(stderr, "\r%s %zu of %zu", what_.c_str(), done_, total_);
     shown_ = true;
   }
 

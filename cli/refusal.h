@@ -22,4 +22,11 @@ class Refusal : public std::runtime_error {
   std::string mnemonic_;
 };
 
+/// The same of a command that has done its work, when something is left that needs a person: a controller
+/// that did not answer, a line that is not in use.
+class Leftover : public Refusal {
+ public:
+  using Refusal::Refusal;
+};
+
 }  // namespace voxa::cli

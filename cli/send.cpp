@@ -32,31 +32,38 @@ struct LogOptions {
   bool json = false;
 };
 
-void showLog(Installation& installation, const LogOptions& options) {
-  installation.open();
-  const std::size_t most = options.tail.empty()
-                               ? std::string::npos
-                               : static_cast<std::size_t>(numberWithin("--tail", options.tail, 0, 32767));
-  std::deque<std::string> lines;
+/// Hands each line of the log to `line`, or the last ones.
+void eachLogLine(Installation& installation, const LogOptions& options,
+                 const std::function<void(const std::string&)>& line) {
   SeqFile log(installation.library());
   log.Name(installation.com().logFileName);
-  if (files::exists(log.Name())) {
-    log.fopen("r");
-    while (!log.fEOF()) {
-      lines.push_back(options.showPins ? log.flineInput() : withoutPin(log.flineInput()));
-      if (lines.size() > most) lines.pop_front();
+  if (!files::exists(log.Name())) return;
+  const bool all = options.tail.empty();
+  const auto most = all ? 0 : static_cast<std::size_t>(numberWithin("--tail", options.tail, 0, 32767));
+  std::deque<std::string> last;
+  log.fopen("r");
+  while (!log.fEOF()) {
+    std::string text = log.flineInput();
+    if (!options.showPins) text = withoutPin(std::move(text));
+    if (all) {
+      line(text);
+      continue;
     }
-    log.fclose();
+    last.push_back(std::move(text));
+    if (last.size() > most) last.pop_front();
   }
-  TableOutput table({"Line"});
-  for (const std::string& line : lines) {
-    if (options.json) {
-      table.add({line});
-    } else {
-      std::cout << line << '\n';
-    }
+  log.fclose();
+  for (const std::string& text : last) line(text);
+}
+
+void showLog(Installation& installation, const LogOptions& options) {
+  installation.open();
+  if (!options.json) {
+    return eachLogLine(installation, options, [](const std::string& line) { std::cout << line << '\n'; });
   }
-  if (options.json) table.print(std::cout, true);
+  printList(std::cout, {"Line"}, true, [&](const auto& row) {
+    eachLogLine(installation, options, [&](const std::string& line) { row({line}); });
+  });
 }
 
 }  // namespace

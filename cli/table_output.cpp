@@ -18,11 +18,11 @@ struct Cell {
 Cell shown(const Value& value) {
   if (value.isNull()) return {"-"};
   if (const auto* flag = std::get_if<bool>(&value.data())) return {*flag ? "yes" : "no"};
+  // A line feed or tab would break the columns.
   std::string text = value.toText();
-  // What a terminal would take for a command: no text of this installation has any, somebody else's might.
   std::replace_if(
-      text.begin(), text.end(), [](unsigned char c) { return c < ' ' || c == 0x7F; }, '?');
-  return {std::move(text), !value.isText() && !std::holds_alternative<DateTime>(value.data())};
+      text.begin(), text.end(), [](char c) { return c == '\n' || c == '\t'; }, '?');
+  return {terminalText(text), !value.isText() && !std::holds_alternative<DateTime>(value.data())};
 }
 
 nlohmann::ordered_json toJson(const Value& value) {
@@ -41,49 +41,69 @@ std::string padded(const Cell& cell, std::size_t width) {
   return cell.number ? blanks + cell.text : cell.text + blanks;
 }
 
-}  // namespace
-
-void TableOutput::print(std::ostream& out, bool json) const {
-  if (json) {
-    printJson(out, this->json());
-  } else {
-    printAligned(out);
-  }
+nlohmann::ordered_json toObject(const std::vector<std::string>& columns, const std::vector<Value>& cells) {
+  auto object = nlohmann::ordered_json::object();
+  for (std::size_t i = 0; i < columns.size(); ++i) object[columns[i]] = toJson(cells[i]);
+  return object;
 }
 
-void TableOutput::printAligned(std::ostream& out) const {
-  std::vector<std::vector<Cell>> lines(1);
-  for (const std::string& column : columns_) lines.front().push_back({column});
-  for (const auto& row : rows_) {
-    std::vector<Cell>& line = lines.emplace_back();
-    for (const Value& value : row) line.push_back(shown(value));
-  }
-  std::vector<std::size_t> widths(columns_.size());
-  for (const auto& line : lines) {
+std::string jsonText(const nlohmann::ordered_json& value) {
+  return value.dump(2, ' ', false, nlohmann::json::error_handler_t::replace);
+}
+
+void printAligned(std::ostream& out, const std::vector<std::string>& columns, const ListRows& rows) {
+  std::vector<std::size_t> widths;
+  for (const std::string& column : columns) widths.push_back(lengthInCharacters(column));
+  rows([&](const std::vector<Value>& cells) {
     for (std::size_t i = 0; i < widths.size(); ++i) {
-      widths[i] = std::max(widths[i], lengthInCharacters(line[i].text));
+      widths[i] = std::max(widths[i], lengthInCharacters(shown(cells[i]).text));
     }
-  }
-  for (const auto& line : lines) {
-    std::string text;
-    for (std::size_t i = 0; i < widths.size(); ++i) text += padded(line[i], widths[i]) + "  ";
+  });
+  std::string text;
+  const auto cell = [&](const Cell& shownCell, std::size_t i) {
+    text += padded(shownCell, widths[i]) + "  ";
+  };
+  const auto end = [&] {
     text.erase(text.find_last_not_of(' ') + 1);
     out << text << '\n';
-  }
+    text.clear();
+  };
+  for (std::size_t i = 0; i < columns.size(); ++i) cell({columns[i]}, i);
+  end();
+  rows([&](const std::vector<Value>& cells) {
+    for (std::size_t i = 0; i < widths.size(); ++i) cell(shown(cells[i]), i);
+    end();
+  });
+}
+
+}  // namespace
+
+void printList(std::ostream& out, const std::vector<std::string>& columns, bool json, const ListRows& rows) {
+  if (!json) return printAligned(out, columns, rows);
+  bool any = false;
+  rows([&](const std::vector<Value>& cells) {
+    std::string text = jsonText(toObject(columns, cells));
+    for (std::size_t at = 0; (at = text.find('\n', at)) != std::string::npos; ++at) text.insert(at + 1, "  ");
+    out << (any ? ",\n  " : "[\n  ") << text;
+    any = true;
+  });
+  out << (any ? "\n]\n" : "[]\n");
+}
+
+void TableOutput::print(std::ostream& out, bool json) const {
+  printList(out, columns_, json, [this](const auto& row) {
+    for (const auto& cells : rows_) row(cells);
+  });
 }
 
 nlohmann::ordered_json TableOutput::json() const {
   auto list = nlohmann::ordered_json::array();
-  for (const auto& row : rows_) {
-    auto object = nlohmann::ordered_json::object();
-    for (std::size_t i = 0; i < columns_.size(); ++i) object[columns_[i]] = toJson(row[i]);
-    list.push_back(std::move(object));
-  }
+  for (const auto& cells : rows_) list.push_back(toObject(columns_, cells));
   return list;
 }
 
 void printJson(std::ostream& out, const nlohmann::ordered_json& value) {
-  out << value.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
+  out << jsonText(value) << '\n';
 }
 
 }  // namespace voxa::cli

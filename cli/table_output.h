@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <iosfwd>
 #include <nlohmann/json_fwd.hpp>
 #include <string>
@@ -9,8 +10,15 @@
 
 namespace voxa::cli {
 
-/// A list for a person, in aligned columns, or for a program, as a JSON array of objects whose keys are the
-/// column names.
+/// The rows of a list: hands the cells of each, one for each column, to its argument.
+using ListRows = std::function<void(const std::function<void(const std::vector<Value>&)>&)>;
+
+/// Prints a list for a person, in aligned columns, or for a program, as a JSON array of objects whose keys
+/// are the column names. Rows are written as they come, so that a list may be longer than the memory; for
+/// aligned columns they are asked for twice, once for the widths.
+void printList(std::ostream& out, const std::vector<std::string>& columns, bool json, const ListRows& rows);
+
+/// A list that is short enough to be held.
 class TableOutput {
  public:
   explicit TableOutput(std::vector<std::string> columns) : columns_(std::move(columns)) {}
@@ -23,8 +31,6 @@ class TableOutput {
   [[nodiscard]] nlohmann::ordered_json json() const;
 
  private:
-  void printAligned(std::ostream& out) const;
-
   std::vector<std::string> columns_;
   std::vector<std::vector<Value>> rows_;
 };

@@ -130,9 +130,9 @@ grep -qE '^ *0 +Default +0 +0 +8 +0 +0 +00000000 +no +yes$' out || fail "the def
 
 # Bad input changes nothing.
 stations=$(count station)
-refuses "Error 6" reader add Side --station Local --address 70000 --position 1
-refuses "Error 6" daily set 70000 --first none
-refuses "Error 13" station add Side --port two
+refuses "from 1 to 16" reader add Side --station Local --address 70000 --position 1
+refuses "from -32768 to 32767" daily set 70000 --first none
+refuses "a whole number" station add Side --port two
 refuses "from 1 to 16" reader add Side --station Local --address 17 --position 1
 refuses "Can't find station Nowhere" download all --station Nowhere
 refuses "Can't find daily program" weekly set Staff --days Ofice
@@ -274,7 +274,7 @@ succeeds sim controller add --station Annex --address 6
 succeeds reader add Side --station Annex --address 6 --position 1
 holds "11 " Annex 6
 grep -q "01/01/2027" out || fail "a new reader's controller does not know the last day"
-refuses "Error 6" card add Far --number 10000 --code 78 --group 0
+refuses "from 1 to 9999" card add Far --number 10000 --code 78 --group 0
 refuses "not zero" card add Zero --code 0 --group 0
 refuses "Card code already in use" card add Twin --code 0077 --group 0
 refuses "2029" card set New --until 1/1/2030
