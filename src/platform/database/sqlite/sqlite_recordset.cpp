@@ -246,6 +246,7 @@ void SqliteRecordset::edit() {
   database_->session().guarded([&] {
     requireEditable();
     requireCurrent();
+    database_->lockForChanges();
     startEditing(Mode::edit);
   });
 }
@@ -290,6 +291,7 @@ void SqliteRecordset::update() {
 
 /// Runs a change of this result's own, which makes its other rows no staler than they were.
 void SqliteRecordset::change(Statement& statement) {
+  database_->beginChange();
   const bool fresh = generation_ == database_->generation();
   database_->change(statement, translation_->table);
   if (fresh) generation_ = database_->generation();
