@@ -81,11 +81,31 @@ std::int16_t QDB::openDB() {
   return 0;
 }
 
+/// Opens `Com.AppDB` after the file of the open database was closed; when that fails, as has been told, the
+/// database that was open.
+void QDB::reopen(const std::string& name) {
+  if (openCommonDB() == 0 || !database_ || database_->isOpen()) return;
+  library_.attempt([&] { database_ = library_.engine().open(name); });
+  library_.error().clear();
+}
+
+/// saveBeforeReplace, behind which a database that nothing may replace is open again, whatever failed.
+bool QDB::mayReplace(const Database& database, const char* mnemonic, bool overwriteAllowed,
+                     const std::function<void()>& openAgain) {
+  try {
+    if (!saveBeforeReplace(library_, database.name(), mnemonic, overwriteAllowed)) return true;
+  } catch (...) {
+    openAgain();
+    throw;
+  }
+  openAgain();
+  return false;
+}
+
 bool QDB::confirmReplace() {
-  if (!database_) return true;
-  const bool cancelled = saveBeforeReplace(library_, database_->name(), "msgCreateSaveDBYN", true);
-  if (cancelled) openCommonDB();
-  return !cancelled;
+  const std::shared_ptr<Database> current = database_;
+  if (!current || !current->isOpen()) return true;
+  return mayReplace(*current, "msgCreateSaveDBYN", true, [&] { reopen(current->name()); });
 }
 
 void QDB::buildTables() {
@@ -109,14 +129,11 @@ std::int16_t QDB::createDB() {
   return library_.attempt({"msgCantCreateDB", "QDB.createDB"}, [&]() -> std::int16_t {
     if (!confirmReplace()) return -1;
     const BusyPointer busy(library_.prompts());
+    database_.reset();
     database_ = library_.engine().create(library_.Com().AppDB);
     buildTables();
     if (const auto journal = journal_->DB(); journal && journal->isOpen()) {
-      if (saveBeforeReplace(library_, journal->name(), "msgJourSaveYN", false)) {
-        journal_->openDB();
-      } else {
-        journal_->createFile();
-      }
+      if (mayReplace(*journal, "msgJourSaveYN", false, [&] { journal_->openDB(); })) journal_->createFile();
     }
     return 0;
   });
@@ -125,11 +142,11 @@ std::int16_t QDB::createDB() {
 std::int16_t QDB::throughClosedFile(const char* method,
                                     const std::function<std::int16_t(const std::string&)>& work) {
   std::int16_t status = 0;
+  const std::string name = database_ ? database_->name() : "";
   if (database_) {
-    status =
-        library_.attempt({"", method, Value(library_.Com().AppDB)}, [&] { return work(database_->name()); });
+    status = library_.attempt({"", method, Value(library_.Com().AppDB)}, [&] { return work(name); });
   }
-  openCommonDB();
+  reopen(name);
   return status;
 }
 

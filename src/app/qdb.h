@@ -68,6 +68,9 @@ class QDB {
  private:
   void registerTable(ITable& table);
   bool confirmReplace();  // true when a new database may be created
+  bool mayReplace(const Database& database, const char* mnemonic, bool overwriteAllowed,
+                  const std::function<void()>& openAgain);
+  void reopen(const std::string& name);
   void buildTables();
   std::int16_t throughClosedFile(const char* method,
                                  const std::function<std::int16_t(const std::string&)>& work);

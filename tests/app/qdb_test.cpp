@@ -111,6 +111,27 @@ TEST_F(QDBTest, CreateDBOverTheOpenDatabaseAsksAndHeedsTheAnswers) {
   EXPECT_FALSE(saved->openRecordset("select * from Stations where Name = 'kept'")->eof());
 }
 
+TEST_F(QDBTest, ADatabaseThatCannotBePutAsideIsOpenAgain) {
+  createInstallation();
+  addStation(2, "Kept");
+  const std::string nowhere = folder + "\\nowhere\\Saved.mdb";
+  const struct {
+    std::int16_t (QDB::*operation)();
+    std::deque<Answer> answers;
+  } failing[] = {{&QDB::createDB, {Answer::yes}}, {&QDB::saveDB, {}}, {&QDB::restoreDB, {Answer::yes}}};
+  for (const auto& c : failing) {
+    prompts.answers = c.answers;
+    prompts.choices = {nowhere};
+    EXPECT_EQ((glob->QDB().*c.operation)(), err::pathNotFound);
+    ASSERT_TRUE(glob->QDB().DB()->isOpen());
+    EXPECT_EQ(query("select Name from Stations where Id = 2"), "Kept");
+  }
+  prompts.answers = {Answer::no, Answer::yes, Answer::yes};  // a new database; the journal is to be saved
+  prompts.choices = {nowhere};
+  EXPECT_EQ(glob->QDB().createDB(), err::pathNotFound);
+  EXPECT_TRUE(glob->QDB().Journal().DB()->isOpen());
+}
+
 TEST_F(QDBTest, AJournalThatGetsNoTableIsAnError) {
   ASSERT_EQ(glob->Strings().createDB(), 0);
   rlimit before{};
