@@ -15,7 +15,7 @@ namespace voxa::cli {
 
 std::vector<ReachedController> reachOf(Installation& installation, std::int16_t group) {
   std::vector<ReachedController> reach;
-  for (GrantedController& controller : controllersOf(*installation.qdb().DB(), group)) {
+  for (GrantedController& controller : controllersOf(installation.qdb().database(), group)) {
     ReachedController& reached = reach.emplace_back();
     const auto outputs = installation.rows(
         "select Alarms.Num from LiftGroup inner join Alarms on LiftGroup.LiftNum = Alarms.Id "
@@ -127,7 +127,7 @@ void ForgetCards::markCards() {
   for (const auto& [place, erasing] : erasing_) {
     numbers.insert(erasing.numbers.begin(), erasing.numbers.end());
   }
-  Transaction transaction(installation_.library().engine());
+  Transaction transaction(installation_.library().engine(), installation_.qdb().database());
   const auto cards =
       installation_.rows("select * from Cardholders where Deleted = false and CardNum is not null");
   for (; !cards->eof(); cards->moveNext()) {

@@ -30,6 +30,7 @@ constexpr std::int16_t defaultGroup = 0;
 void addGroup(Installation& installation, const std::string& name) {
   installation.open();
   const std::int16_t id = installation.qdb().AccessGroups().getFreeId();
+  if (id == -1) throw Refusal("the installation has no free number for an access group");
   const auto rows = installation.rows("select * from AccessGroups");
   rows->addNew();
   rows->set("Id", id);
@@ -111,7 +112,7 @@ void revoke(Installation& installation, const GroupOptions& options) {
     forget.on({controller}, cards.deleted);
   }
   forget.send();
-  Transaction transaction(installation.library().engine());
+  Transaction transaction(installation.library().engine(), installation.qdb().database());
   link->remove();
   markGroup(installation, group, false);
   transaction.commit();
@@ -153,7 +154,7 @@ void deleteGroup(Installation& installation, const GroupOptions& options) {
   forget.on(without(before, reachOf(installation, target)), cards.live);
   forget.on(without(before, {}), cards.deleted);
   forget.send();
-  Transaction transaction(installation.library().engine());
+  Transaction transaction(installation.library().engine(), installation.qdb().database());
   moveCards(installation, group, target);
   installation.rows("select * from AccessGroups where Id = " + std::to_string(group))->remove();
   transaction.commit();

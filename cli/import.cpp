@@ -100,7 +100,7 @@ class Import {
 
   void write() {
     Progress progress("Importing", cards_.size());
-    Transaction transaction(installation_.library().engine());
+    Transaction transaction(installation_.library().engine(), installation_.qdb().database());
     const auto rows = installation_.rows("select * from Cardholders where Id = 0");
     for (const CardValues& card : cards_) {
       rows->addNew();

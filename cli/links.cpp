@@ -23,7 +23,7 @@ std::unique_ptr<Recordset> linkOf(const Installation& installation, std::int16_t
 
 void linkReader(Installation& installation, std::int16_t group, std::int32_t reader, std::int16_t program) {
   const bool cards = !cardsOf(installation, group).live.empty();
-  Transaction transaction(installation.library().engine());
+  Transaction transaction(installation.library().engine(), installation.qdb().database());
   const auto before = reachOf(installation, group);
   const auto link = linkOf(installation, group, reader);
   if (link->eof()) {

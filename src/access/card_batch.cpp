@@ -73,7 +73,7 @@ class Batch {
   void reportLeftOut();
 
  private:
-  [[nodiscard]] Database& database() { return *library_.QDB().DB(); }
+  [[nodiscard]] Database& database() { return library_.QDB().database(); }
   [[nodiscard]] std::string numbers() const {
     return "cardNum between " + std::to_string(firstNum_) + " and " + std::to_string(lastNum_);
   }
@@ -194,13 +194,21 @@ void Batch::reportLeftOut() {
 std::int16_t Cardholder::createGroup(std::int32_t firstCardNum, const std::string& firstCardCode,
                                      std::int16_t nCards, std::int16_t accessGroupId, bool GroupMode) {
   eraseUnfinishedBlocks(library_);
+  std::int16_t status = 0;
+  // Also what a failing send shows: its cards are not to stay on the controllers until somebody has read it.
+  library_.showLater(
+      [&] { status = createBatch(firstCardNum, firstCardCode, nCards, accessGroupId, GroupMode); });
+  return status;
+}
+
+std::int16_t Cardholder::createBatch(std::int32_t firstCardNum, const std::string& firstCardCode,
+                                     std::int16_t nCards, std::int16_t accessGroupId, bool GroupMode) {
   std::optional<Batch> batch;
   bool clash = false;
   const std::int16_t status = library_.attempt([&]() -> std::int16_t {
     batch.emplace(library_, firstCardNum, firstCardCode, nCards, accessGroupId);
-    (void)database();
     if ((clash = batch->clashes())) return inUse;
-    Transaction transaction(library_.engine());
+    Transaction transaction(library_.engine(), database());
     batch->insert(GroupMode);
     if (const std::int16_t failed = batch->send(); failed != 0) return failed;
     transaction.commit();

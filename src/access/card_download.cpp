@@ -69,7 +69,7 @@ std::int16_t CardDownload::sendCard(std::int32_t id, const CardParts& anyway) {
   std::int16_t status = 0;
   if (!card.deleted || !numberIsTaken(card)) {
     for (const GrantedController& controller :
-         controllersOf(*library_.QDB().DB(), group.isNull() ? std::int16_t{0} : group.toInt16())) {
+         controllersOf(library_.QDB().database(), group.isNull() ? std::int16_t{0} : group.toInt16())) {
       sent.everywhere = sendTo(controller, id, card, status) && sent.everywhere;
     }
   }
@@ -89,11 +89,11 @@ bool CardDownload::sendTo(const GrantedController& controller, std::int32_t id, 
   }
   if (controller.twoPrograms()) twoPrograms_.add(com.getName(controller.station, controller.address));
   // Of one moment, and the file locked once; the send ends it before the driver is called.
-  const Reading reading(*library_.QDB().DB());
+  const Reading reading(library_.QDB().database());
   if (!com.TestSend(controller.station, controller.address)) return complete_ = false;
   CommandFile& file = library_.CommandFile();
   file.fopen();
-  writeCardRecord(card, controller.rights(), liftOutputs(*library_.QDB().DB(), id, controller),
+  writeCardRecord(card, controller.rights(), liftOutputs(library_.QDB().database(), id, controller),
                   controller.type, file);
   file.fclose();
   const std::int16_t result = com.sendTested(controller.station, controller.address);
@@ -103,16 +103,16 @@ bool CardDownload::sendTo(const GrantedController& controller, std::int32_t id, 
 
 bool CardDownload::numberIsTaken(const CardRecord& deleted) {
   return !library_.QDB()
-              .DB()
-              ->openRecordset("select id from Cardholders where cardNum = " + std::to_string(deleted.number) +
-                              " and Deleted = false")
+              .database()
+              .openRecordset("select id from Cardholders where cardNum = " + std::to_string(deleted.number) +
+                             " and Deleted = false")
               ->eof();
 }
 
 void CardDownload::finish() {
   if (sent_.empty()) return;
   const std::int16_t status = library_.attempt({"msgUnexpecErr", "Cardholder.downloadI"}, [&] {
-    Transaction transaction(library_.engine());
+    Transaction transaction(library_.engine(), library_.QDB().database());
     for (const Sent& card : sent_) writeFlags(card);
     transaction.commit();
   });

@@ -54,6 +54,10 @@ QDB::~QDB() {
   }
 }
 
+Database& QDB::database() const {
+  return *requireOpen(database_);
+}
+
 void QDB::registerTable(ITable& table) {
   registry_.push_back(&table);
 }
@@ -110,7 +114,7 @@ bool QDB::confirmReplace() {
 
 void QDB::buildTables() {
   // One transaction: a crash in the middle leaves no half-built tables, and the disk is waited for once.
-  Transaction transaction(library_.engine());
+  Transaction transaction(library_.engine(), *database_);
   for (ITable* table : registry_) {
     if (table->Name() == journal_->Name()) continue;
     if (table == dailyPrograms_.get()) {
@@ -131,7 +135,7 @@ std::int16_t QDB::createDB() {
     const BusyPointer busy(library_.prompts());
     database_.reset();
     database_ = library_.engine().create(library_.Com().AppDB);
-    buildTables();
+    library_.showLater([&] { buildTables(); });
     if (const auto journal = journal_->DB(); journal && journal->isOpen()) {
       if (mayReplace(*journal, "msgJourSaveYN", false, [&] { journal_->openDB(); })) journal_->createFile();
     }

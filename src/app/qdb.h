@@ -35,6 +35,8 @@ class QDB {
 
   /// The open main database; empty when none is open.
   [[nodiscard]] std::shared_ptr<Database> DB() const { return database_; }
+  /// The same for whoever cannot do without: raises `err::objectNotSet` when none is open.
+  [[nodiscard]] Database& database() const;
 
   [[nodiscard]] ::voxa::Cardholder& Cardholders() { return *cardholders_; }
   [[nodiscard]] ::voxa::Reader& Readers() { return *readers_; }

@@ -101,7 +101,7 @@ void Com::updateStation(std::int16_t station) {
 }
 
 void Com::storeStation(std::int16_t station, const StationResult& result) {
-  Transaction transaction(library_.engine());
+  Transaction transaction(library_.engine(), *database());
   for (std::int16_t address = 1; address <= StationResult::controllers; ++address) {
     if (result.answered(address)) {
       updateDBComStatus(station, address, answered, result.date(address).value_or(noDate()));

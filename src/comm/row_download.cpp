@@ -52,10 +52,8 @@ std::int16_t downloadRow(Library& library, GenTable& rows, const RowDownload& wh
 
 std::int16_t downloadEach(Library& library, const std::string& query,
                           const std::function<std::int16_t(const Recordset&)>& download) {
-  const auto database = library.QDB().DB();
-  if (!database) throw Error(err::objectNotSet, "No database is open");
   std::int16_t first = 0;
-  const auto rows = database->openRecordset(query);
+  const auto rows = library.QDB().database().openRecordset(query);
   for (; !rows->eof(); rows->moveNext()) {
     const std::int16_t status = download(*rows);
     if (first == 0) first = status;

@@ -74,8 +74,10 @@ void Station::createIndexes(TableDef& td) {
 }
 
 void Station::insertDefaultRecs() {
-  database().execute("Insert into Stations ( Id, Name, Active ) values (" + std::to_string(getFreeId()) +
-                     ", '" + library_.Strings().read("nameStationLocal") + "', True )");
+  const std::int16_t id = getFreeId();
+  if (id == -1) throw Error(err::overflow, "Overflow: there is no free station number");
+  database().execute("Insert into Stations ( Id, Name, Active ) values (" + std::to_string(id) + ", '" +
+                     library_.Strings().read("nameStationLocal") + "', True )");
 }
 
 std::int16_t Station::getFreeId() {

@@ -74,9 +74,7 @@ class Journal::AutoRun {
 };
 
 Database& Journal::AutoRun::database() const {
-  const auto database = library_.QDB().DB();
-  if (!database) throw Error(err::objectNotSet, "No database is open");
-  return *database;
+  return library_.QDB().database();
 }
 
 std::int16_t Journal::AutoRun::disconnect() {

@@ -24,7 +24,7 @@ std::string Journal::decodeFile(std::int16_t stationId, const std::string& baseN
   SeqFile dump(library_);
   dump.Name(dumpFile);
   dump.fopen("r");
-  Transaction transaction(engine);
+  Transaction transaction(engine, database());
   JournalRows rows(library_, database(), stationId);
   UndecodedLines undecoded;
   std::string line;

@@ -34,7 +34,8 @@ Journal::Source Journal::sourceOf(ComponentType compType, const std::string& com
 std::string Journal::takeIn(const Source& source) {
   const std::string baseName = makeFileName(source);
   rotateFile(baseName);
-  std::string undecoded = decodeFile(source.station, baseName);
+  std::string undecoded;
+  library_.showLater([&] { undecoded = decodeFile(source.station, baseName); });
   archiveFile(baseName);
   return undecoded;
 }

@@ -6,6 +6,7 @@
 #include "comm/com.h"
 #include "platform/error.h"
 #include "platform/files.h"
+#include "programs/daily_program.h"
 #include "support/installation_test.h"
 
 namespace voxa {
@@ -314,6 +315,38 @@ TEST_F(CardsTest, ABlockOfCardsIsAllOrNothing) {
     EXPECT_FALSE(files::exists(gone)) << gone;
   }
   EXPECT_EQ(boxes().size(), 1U);
+}
+
+TEST_F(CardsTest, AnotherProgramThatChangesTheFileIsWaitedFor) {
+  card(1, "1", 1, "CardCodeFlagD = True");
+  glob->Com().inhibitCom = true;
+  const auto meanwhile = [&](const char* file, const std::function<std::int16_t()>& work) {
+    whileChangedElsewhere(file, [&] { EXPECT_EQ(work(), 0); });
+    EXPECT_EQ(boxes(), std::vector<std::string>());
+  };
+  meanwhile("KRV.mdb", [&] { return cards().download(1); });
+  EXPECT_EQ(flagged(), "0");
+  meanwhile("KRV.mdb", [&] { return cards().setTableFlagsD(true); });
+  EXPECT_EQ(flagged(), "1");
+  meanwhile("KRV.mdb", [&] { return glob->QDB().DailyPrograms().download(1); });
+  EXPECT_EQ(query("select DailyProgramFlagD from DailyPrograms where Id = 1"), "False");
+  meanwhile("KRV.mdb", [&] { return groups().download(1, DLFull); });
+  meanwhile("I18N.MDB", [&] { return glob->insertStrings(), std::int16_t{0}; });
+}
+
+TEST_F(CardsTest, ABatchThatFailsIsTakenBackBeforeAnybodyIsTold) {
+  driver.answer = [](const auto& call) -> std::int16_t {
+    if (call.station == 2) throw Error(err::fileNotFound, "No driver");
+    return 100;
+  };
+  std::string sentBeforeBox;
+  watched.beforeBox = [&] {
+    if (sentBeforeBox.empty()) sentBeforeBox = sentTo(1);
+  };
+  EXPECT_EQ(cards().createGroup(30, "30", 2, 1), -1);
+  EXPECT_TRUE(sentBeforeBox.ends_with("\r\n\r\n09003000000000\r\n09003100000000\r\n\r\n"));
+  EXPECT_EQ(query("select count(*) from Cardholders"), "0");
+  EXPECT_GT(boxes().size(), 1U);
 }
 
 }  // namespace
