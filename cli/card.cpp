@@ -32,7 +32,7 @@ struct ListOptions {
 
 void addCard(Installation& installation, const CardOptions& options) {
   installation.openForSending();
-  CardValues values(options.texts, GroupNames(installation));
+  CardValues values(options.texts, GroupNames(installation), installation.clock());
   TakenByCards taken(installation);
   taken.requireFree(values);
   if (!values.number) values.number = taken.freeNumber();
@@ -58,7 +58,7 @@ void letForget(Installation& installation, std::int16_t group, std::int32_t numb
 void setCard(Installation& installation, const CardOptions& options) {
   installation.openForSending();
   const auto row = cardNamed(installation, options.card);
-  const CardValues values(options.texts, GroupNames(installation));
+  const CardValues values(options.texts, GroupNames(installation), installation.clock());
   TakenByCards(installation, row->get("Id").toInt32()).requireFree(values);
   const Value held = row->get("AccessGroupId");
   const std::int16_t group = held.isNull() ? std::int16_t{0} : held.toInt16();

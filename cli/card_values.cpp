@@ -3,8 +3,10 @@
 #include <algorithm>
 
 #include "access/card_record.h"
+#include "comm/controller_date.h"
 #include "installation.h"
 #include "lookup.h"
+#include "platform/clock.h"
 #include "platform/datetime.h"
 #include "platform/text.h"
 #include "refusal.h"
@@ -48,16 +50,15 @@ Value numberOrNone(const std::string& what, const std::string& text, std::int16_
   return numberWithin(what, text, 1, greatest);
 }
 
-Value dayOrNone(const std::string& text) {
+Value dayOrNone(const std::string& text, const Clock& clock) {
   if (equalNoCase(text, none)) return {};
-  const auto day = parseDateTime(text);
+  const auto day = parseDateTime(text, &clock);
   if (!day || day->days < 1 || toShortText(*day) != shortDate(*day)) {
     throw Refusal("the last day is a date such as 31/12/2027 or 2027-12-31, not " + text);
   }
-  // The controllers are told two digits of the year.
-  const int year = toCivil(*day).year;
-  if (year != fullYear(year % 100)) {
-    throw Refusal("the last day is in the years 1930 to 2029, not " + text);
+  if (!controllersRead(*day, clock.now())) {
+    throw Refusal("the controllers would take " + text +
+                  " for a day of another century: the last day is within 50 years of today");
   }
   return *day;
 }
@@ -113,14 +114,14 @@ std::int16_t GroupNames::id(const std::string& nameOrNumber) const {
   throw Refusal("msgCantFindAccessGroup", nameOrNumber);
 }
 
-CardValues::CardValues(const CardTexts& texts, const GroupNames& groups) {
+CardValues::CardValues(const CardTexts& texts, const GroupNames& groups, const Clock& clock) {
   read(name, texts.name, cardName);
   read(number, texts.number, cardNumber);
   read(code, texts.code, cardCode);
   read(group, texts.group,
        [&](const std::string& text) { return groups.id(filled("the access group", text)); });
   read(pin, texts.pin, [](const std::string& text) { return numberOrNone("the personal code", text, 9999); });
-  read(until, texts.until, dayOrNone);
+  read(until, texts.until, [&](const std::string& text) { return dayOrNone(text, clock); });
   read(credit, texts.credit, [](const std::string& text) { return numberOrNone("the credit", text, 99); });
   read(supervisor, texts.supervisor, [](const std::string& text) { return yesOrNo("supervisor", text); });
   read(valid, texts.valid, [](const std::string& text) { return yesOrNo("valid", text); });

@@ -10,8 +10,9 @@
 #include "platform/value.h"
 
 namespace voxa {
+class Clock;
 class Recordset;
-}
+}  // namespace voxa
 
 namespace voxa::cli {
 
@@ -48,7 +49,8 @@ struct CardTexts {
 /// The same, checked.
 struct CardValues {
   CardValues() = default;
-  CardValues(const CardTexts& texts, const GroupNames& groups);  ///< a Refusal or Error for what is wrong
+  /// A Refusal or Error for what is wrong. clock: tells the century of a year of two digits.
+  CardValues(const CardTexts& texts, const GroupNames& groups, const Clock& clock);
 
   std::optional<std::string> name, code;
   std::optional<std::int16_t> number, group;

@@ -120,7 +120,7 @@ class Import {
   void readLine(const CsvRecord& record, const std::vector<const Column*>& order) {
     const std::string line = "line " + std::to_string(record.line);
     try {
-      CardValues card(textsOf(record, order), groups_);
+      CardValues card(textsOf(record, order), groups_, installation_.clock());
       taken_.requireFree(card);
       taken_.take(card, line);
       cards_.push_back(std::move(card));

@@ -12,6 +12,7 @@
 #include "comm/com.h"
 #include "files/command_file.h"
 #include "messages/strings.h"
+#include "platform/clock.h"
 #include "platform/database/database.h"
 #include "platform/text.h"
 
@@ -121,7 +122,7 @@ void Batch::writeBlock(const GrantedController& controller, const std::vector<st
   for (std::int16_t i = 0; i < cards_; ++i) {
     card.number = firstNum_ + i;
     card.code = addToCardCode(firstCode_, i);
-    writeCardRecord(card, rights, lifts, controller.type, file);
+    writeCardRecord(card, rights, lifts, controller.type, library_.clock().now(), file);
   }
   file.fclose();
 }

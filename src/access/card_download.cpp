@@ -8,6 +8,7 @@
 #include "app/qdb.h"
 #include "comm/com.h"
 #include "files/command_file.h"
+#include "platform/clock.h"
 #include "platform/database/database.h"
 
 namespace voxa {
@@ -94,7 +95,7 @@ bool CardDownload::sendTo(const GrantedController& controller, std::int32_t id, 
   CommandFile& file = library_.CommandFile();
   file.fopen();
   writeCardRecord(card, controller.rights(), liftOutputs(library_.QDB().database(), id, controller),
-                  controller.type, file);
+                  controller.type, library_.clock().now(), file);
   file.fclose();
   const std::int16_t result = com.sendTested(controller.station, controller.address);
   if (status == 0) status = result;

@@ -2,10 +2,10 @@
 
 #include <array>
 
+#include "comm/controller_date.h"
 #include "files/command_file.h"
 #include "files/conversions.h"
 #include "platform/database/database.h"
-#include "platform/datetime.h"
 #include "platform/text.h"
 
 namespace voxa {
@@ -101,7 +101,7 @@ std::string convertCardCode(std::string_view code) {
 
 void writeCardRecord(const CardRecord& card, const CardRights& rights,
                      const std::vector<std::int16_t>& liftOutputs, std::string_view controllerType,
-                     CommandFile& file) {
+                     DateTime today, CommandFile& file) {
   Lines lines(card.number, controllerType == "VRMD1", file);
   // A card that is gone, or has no code any more, must not be left with the old one.
   if (card.deleted || (card.parts[cardCodePart] && card.code.empty())) {
@@ -118,9 +118,8 @@ void writeCardRecord(const CardRecord& card, const CardRights& rights,
   if (card.parts[pinCodePart]) lines.print("19", digits(card.pinCode, 4, "personal code"));
   if (card.parts[supervisorPart]) lines.supervisor(card.supervisor);
   if (card.parts[validationDatePart]) {
-    lines.print("35", card.validationDate.isNull()
-                          ? noDate
-                          : formatDateTime(card.validationDate.toDateTime(), "ddmmyy"));
+    lines.print("35", card.validationDate.isNull() ? noDate
+                                                   : controllerDate(card.validationDate.toDateTime(), today));
   }
   if (card.parts[creditPart]) lines.print("36", digits(card.credit, 2, "credit"));
   for (const std::int16_t output : liftOutputs) lines.lift(output);

@@ -67,9 +67,9 @@ struct CardRights {
 ///   with the card number in four digits behind the command; then 37 with each lift output (two digits).
 /// A VRMD1 controller wants the command, the record version 01, the number and the value separated by ";",
 /// the lift lines excepted. A number that its width cannot hold raises `err::overflow`: it would be read as
-/// another card's line.
+/// another card's line; so does a last day that they would take for another one `today` (controller_date.h).
 void writeCardRecord(const CardRecord& card, const CardRights& rights,
                      const std::vector<std::int16_t>& liftOutputs, std::string_view controllerType,
-                     CommandFile& file);
+                     DateTime today, CommandFile& file);
 
 }  // namespace voxa

@@ -26,8 +26,9 @@ struct JournalLine {
 };
 
 /// Decodes the first 23 characters of a line. Returns why they are no transaction, "" when they are one.
-/// The views of `out` are into `line`; after a failure `out` is of no use.
-[[nodiscard]] std::string_view decodeLine(std::string_view line, JournalLine& out);
+/// The views of `out` are into `line`; after a failure `out` is of no use. today: tells the century
+/// (fullYear).
+[[nodiscard]] std::string_view decodeLine(std::string_view line, DateTime today, JournalLine& out);
 
 /// Whether there is more in the line than a transaction and blanks.
 [[nodiscard]] bool hasMore(std::string_view line);

@@ -50,7 +50,7 @@ class CardsTest : public test::InstallationTest {
   std::string flagged() {
     return query(
         "select count(*) from Cardholders where CardCodeFlagD = True or AccessGroupIdFlagD = True or "
-        "ValidatedFlagD = True or PINCodeFlagD = True or CreditFlagD = True");
+        "ValidatedFlagD = True or PINCodeFlagD = True or CreditFlagD = True or ValidationDateFlagD = True");
   }
   std::string sentTo(int station) {
     std::string all;
@@ -100,13 +100,14 @@ TEST_F(CardsTest, AValueThatIsNoCardLineIsRefusedAndStaysFlagged) {
   } cases[] = {{12345, "1", "CardCodeFlagD = True"},
                {7, "12G4", "CardCodeFlagD = True"},
                {8, "8", "PINCode = 12345, PINCodeFlagD = True"},
-               {9, "9", "Credit = -1, CreditFlagD = True"}};
+               {9, "9", "Credit = -1, CreditFlagD = True"},
+               {10, "10", "ValidationDate = #12/31/2090#, ValidationDateFlagD = True"}};
   for (const auto& c : cases) {
     card(c.number, c.code, 1, c.flags);
     EXPECT_NE(cards().download(cards().getCardNumId(static_cast<std::int16_t>(c.number))), 0) << c.number;
     EXPECT_EQ(boxes().size(), 1U);
   }
-  EXPECT_EQ(flagged(), "4");
+  EXPECT_EQ(flagged(), "5");
   EXPECT_EQ(driver.count(CmSendCommand), 0U);
   EXPECT_EQ(cards().download(99), -1);
   EXPECT_EQ(boxes(), std::vector<std::string>{"Can't find cardholder 99|(Cardholder.downloadI)"});

@@ -143,7 +143,7 @@ refuses "already in use" reader add Twin --station Local --address 1 --position 
 refuses "no time of day" daily set Office --first 8:00-12:00
 refuses "ends before it starts" daily set Office --first 12:00-08:00
 refuses "is no date" holiday add Never --date 31/02/2027
-refuses "cannot tell the year" holiday add Late --date 01/01/2030
+refuses "cannot tell the year" holiday add Late --date 01/01/2090
 refuses "already in use" holiday add christmas --date 24/12/2026
 refuses "from 0 to 32" badge set 0 --card-position 33
 refuses "hexadecimal" badge set 0 --site 12G4
@@ -195,14 +195,14 @@ succeeds group grant Cars Garage --program 0
 succeeds lift add Top --station Local --address 1 --num 3
 succeeds lift grant 1 Top
 succeeds card batch --first-number 10 --first-code 500 --count 3 --group 1
-succeeds card add "O'Neil, \"Al\"" --code ab12 --group 1 --pin 42 --until 31/12/2027 --credit 5 --supervisor
+succeeds card add "O'Neil, \"Al\"" --code ab12 --group 1 --pin 42 --until 31/12/2031 --credit 5 --supervisor
 succeeds card list
 shows 0000AB12
 grep -q 0042 out && fail "a personal code is shown unasked"
 succeeds download all
 shows "Cards: 1 sent, 3 unchanged"
 holds "1 10 11 12 " Local 1
-grep -qE '^ *1 +0000:;12 +0 +1 2 +0042 +yes +31/12/2027 +5 +3$' out || fail "the whole card"
+grep -qE '^ *1 +0000:;12 +0 +1 2 +0042 +yes +31/12/2031 +5 +3$' out || fail "the whole card"
 succeeds sim controller fault --station Local --address 1 --silent
 refuses "Local Controller 1" card set 10 --group Cars
 refuses "Local Controller 1" card set 10 --number 9
@@ -222,7 +222,7 @@ succeeds lift revoke 1 Top
 holds "" Local 1
 succeeds download all
 holds "11 12 20 " Local 1
-grep -qE '^ *20 +0000:;12 +0 +1 2 +0042 +yes +31/12/2027 +5$' out || fail "the whole card under its new number"
+grep -qE '^ *20 +0000:;12 +0 +1 2 +0042 +yes +31/12/2031 +5$' out || fail "the whole card under its new number"
 succeeds group revoke 1 Front
 succeeds station set Annex --inactive
 refuses "the line is not in use" group revoke Cars Garage
@@ -263,7 +263,7 @@ grep -q "01/01/2027" out || fail "a new reader's controller does not know the la
 refuses "Error 6" card add Far --number 10000 --code 78 --group 0
 refuses "not zero" card add Zero --code 0 --group 0
 refuses "Card code already in use" card add Twin --code 0077 --group 0
-refuses "2029" card set New --until 1/1/2030
+refuses "another century" card set New --until 1/1/2090
 succeeds group delete 1 --move-cards-to Cars
 holds "" Local 1
 

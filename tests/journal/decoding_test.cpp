@@ -34,6 +34,12 @@ TEST_F(JournalTest, WhatALineSays) {
     EXPECT_EQ(rows(), c.rows) << c.memory;
     journal().DB()->execute("delete from Journal");
   }
+  clock.moment = toDateTime({2031, 6, 15});
+  driver.resultFile = "XXXX1XXXXXXXXXXX\r\n    05  0405010231";
+  memory = "05 11010230000100081200";
+  EXPECT_EQ(read(), 0);
+  EXPECT_EQ(rows(), "01/02/2030 00:01:00|3|North|9|Side|11||00081200\n");
+  EXPECT_EQ(query("select [Date] from ComStatus where CtrAddr = 5"), "01/02/2031 04:05:00");
   EXPECT_TRUE(boxes().empty());
 }
 

@@ -241,7 +241,7 @@ Prepared& SqliteDatabase::prepared(std::string_view source) {
   OpenFile& open = file();
   std::optional<Error> unscannable;
   try {
-    dialect::scan(source, scanned_);
+    dialect::scan(source, scanned_, &session_->clock);
     if (Prepared* found = findPrepared(open.translated, scanned_)) return *found;
   } catch (const Error& error) {
     unscannable = error;  // a name may hold what a statement may not
@@ -259,7 +259,7 @@ Prepared& SqliteDatabase::prepared(std::string_view source) {
     }
     name = open.names.emplace(source, std::move(*text)).first;
   }
-  dialect::scan(name->second, scanned_);
+  dialect::scan(name->second, scanned_, &session_->clock);
   if (Prepared* found = findPrepared(open.translated, scanned_)) return *found;
   return translateScanned(name->second);
 }
@@ -271,7 +271,7 @@ void SqliteDatabase::bind(Prepared& prepared, InputOf&& inputOf) {
   converted_.reserve(2 * slots.size());
   const auto convert = [&](const Value& value, const FieldDef& field) -> const Value& {
     if (isStoredAsIs(value, field)) return value;
-    return converted_.emplace_back(convertForField(value, field.type, field.size));
+    return converted_.emplace_back(convertForField(value, field.type, field.size, &session_->clock));
   };
   for (std::size_t i = 0; i < slots.size(); ++i) {
     const auto [input, declared] = inputOf(i);
@@ -284,7 +284,7 @@ void SqliteDatabase::bind(Prepared& prepared, InputOf&& inputOf) {
 
 SqliteDatabase::Change SqliteDatabase::translateChange(std::string_view sql) {
   Prepared made = translate(sql);
-  dialect::scan(sql, scanned_);
+  dialect::scan(sql, scanned_, &session_->clock);
   Change change{std::move(made), scanned_.literals, {}};
   const dialect::Translation& translation = *change.prepared.translation;
   requireKind(translation, false);

@@ -88,7 +88,7 @@ class SqliteDatabase final : public Database, public std::enable_shared_from_thi
   /// What exists while the file is open. In this order, so that statements go before the connection.
   struct OpenFile {
     OpenFile(const std::string& path, const Session& session)
-        : connection(path, session.options, session.clock), catalog(connection) {}
+        : connection(path, session.options, session.clock), catalog(connection, session.clock) {}
     Connection connection;
     Catalog catalog;
     StatementCache translated;

@@ -268,7 +268,7 @@ void SqliteRecordset::set(std::size_t index, const Value& value) {
       throw Error(err::dbNotUpdatable, "Column '" + field.name + "' is an expression and cannot be set");
     }
     try {
-      edited_[index] = convertForField(value, field.type, field.size);
+      edited_[index] = convertForField(value, field.type, field.size, &database_->session().clock);
     } catch (const Error& error) {
       throw Error(error.number(), "Field '" + field.name + "' of table '" + translation_->table +
                                       "': " + error.description());

@@ -86,13 +86,13 @@ void SqliteDatabase::finish(Step& step) {
 void SqliteDatabase::createTable(const TableDef& definition) {
   session_->guarded([&] {
     OpenFile& open = file();
-    const TableDef table = ddl::normalised(definition);
+    const TableDef table = ddl::normalised(definition, session_->clock);
     beginChange();
     Step step(open.connection);
     if (textOfName(table.name) || equalNoCase(table.name, Catalog::queryTable)) {
       throw Error(err::dbTableExists, "A table or query '" + table.name + "' exists already");
     }
-    open.connection.run(ddl::createTable(table));
+    open.connection.run(ddl::createTable(table, session_->clock));
     open.catalog.add(table);
     finish(step);
   });
@@ -101,7 +101,7 @@ void SqliteDatabase::createTable(const TableDef& definition) {
 void SqliteDatabase::addField(std::string_view table, const FieldDef& definition) {
   session_->guarded([&] {
     OpenFile& open = file();
-    const FieldDef field = ddl::normalised(definition);
+    const FieldDef field = ddl::normalised(definition, session_->clock);
     beginChange();
     Step step(open.connection);
     const TableDef owner = this->definition(table);
@@ -118,7 +118,7 @@ void SqliteDatabase::addField(std::string_view table, const FieldDef& definition
                                        "' needs a value, and the rows there would have none");
     }
     open.connection.run("ALTER TABLE " + ddl::quoteName(owner.name) + " ADD COLUMN " +
-                        ddl::column(field, {}));
+                        ddl::column(field, {}, session_->clock));
     open.catalog.update(owner.name);
     finish(step);
     ++generation_;
