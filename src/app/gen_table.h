@@ -22,7 +22,7 @@ struct TableDef;
 /// A FlagD column is a boolean column whose name ends in "FlagD", in any case: True means that the row, or
 /// that part of it, must still be sent to the controllers.
 ///
-/// Every member but appendField and openWhere shows its failures and raises none.
+/// Every member but appendField, openWhere and currentValues shows its failures and raises none.
 class GenTable {
  public:
   GenTable(Library& library, ITable& table);

@@ -68,7 +68,9 @@ TEST_F(StringsTest, ATextThatCannotBeWrittenKeepsNoOtherOut) {
 
 TEST_F(StringsTest, ABoxIsMadeOfWhatThereIs) {
   createInstallation();
-  strings().display("", "X.y");
+  db().beginReading();
+  EXPECT_EQ(query("select Name from Stations"), "Local");
+  strings().display("", "X.y");  // nobody waits for the file until it is read
   strings().display("msgCantOpen", "X.y", Value(std::int16_t{7}), 48);
   EXPECT_EQ(prompts.boxes[0].style, 16);
   EXPECT_EQ(prompts.boxes[1].style, 48);
