@@ -147,7 +147,7 @@ std::int16_t QDB::throughClosedFile(const char* method,
                                     const std::function<std::int16_t(const std::string&)>& work) {
   std::int16_t status = 0;
   const std::string name = database_ ? database_->name() : "";
-  if (database_) {
+  if (database_ && database_->isOpen()) {
     status = library_.attempt({"", method, Value(library_.Com().AppDB)}, [&] { return work(name); });
   }
   reopen(name);
