@@ -53,9 +53,8 @@ std::int16_t digitsToNumber(std::string_view text) {
   return static_cast<std::int16_t>(number);
 }
 
-bool hasMore(std::string_view line) {
-  return line.size() > JournalLine::width &&
-         line.find_first_not_of(' ', JournalLine::width) != std::string_view::npos;
+bool isBlank(std::string_view line) {
+  return line.find_first_not_of(" \t\x1A") == std::string_view::npos;
 }
 
 std::string_view decodeLine(std::string_view line, JournalLine& out) {
