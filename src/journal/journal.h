@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "app/table.h"
@@ -45,8 +46,10 @@ class Journal : public Table {
 
   /// Reads the controller of one reader (CTReader) or all controllers of one station (CTStation) and clears
   /// what was read. 0: everything is in the journal. Every failure is shown. Otherwise: -1 when the person
-  /// aborted or a reader's controller does not answer; the result of the driver call that failed; 13 when
-  /// lines could not be decoded (the rest is in the journal, the memory cleared); the number of an error.
+  /// aborted, a reader's controller does not answer, or `compType` is another: what was read of all stations
+  /// belongs to none of them, stays on the controllers and goes nowhere; the result of the driver call that
+  /// failed; 13 when lines could not be decoded (the rest is in the journal, the memory cleared); the number
+  /// of an error.
   std::int16_t readTransactions(ComponentType compType, const std::string& compName);
   /// Reads and clears every controller of every station, dialling the stations that have a telephone number
   /// and hanging up afterwards. Failures go to the progress log "Log.txt", made anew, and the run goes on
@@ -67,15 +70,15 @@ class Journal : public Table {
   /// What tells the reads on request from those of a run.
   struct Route {
     std::function<std::int16_t(ComCommandsEnum)> send;
-    /// Asked once the memory was read; raises what is wrong.
-    std::function<Source()> source;
+    /// Asked once the memory was read; none ends the read.
+    std::function<std::optional<Source>()> source;
     /// Tells of a failure: mnemonic, detail, and the current error, which it clears.
     std::function<void(const char*, const std::string&)> fail;
   };
 
   std::int16_t transfer(const Route& route);
   std::string takeIn(const Source& source);
-  Source sourceOf(ComponentType compType, const std::string& compName);
+  std::optional<Source> sourceOf(ComponentType compType, const std::string& compName);
 
   [[nodiscard]] static std::string makeFileName(const Source& source);
   static void rotateFile(const std::string& baseName);
