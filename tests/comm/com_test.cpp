@@ -1,7 +1,11 @@
 #include "comm/com.h"
 
+#include <algorithm>
+#include <array>
 #include <filesystem>
+#include <new>
 
+#include "comm/station_result.h"
 #include "files/command_file.h"
 #include "messages/strings.h"
 #include "platform/driver/library_driver.h"
@@ -301,6 +305,16 @@ TEST_F(ComTest, TheStatusTableHoldsWhatTheResultFilesSay) {
   const auto shown = boxes();
   ASSERT_EQ(shown.size(), 1U);
   EXPECT_TRUE(shown[0].ends_with("|(Com.UpdateComStatus)")) << shown[0];
+}
+
+TEST_F(ComTest, ADateLineOfNoControllerWritesNowhere) {
+  // Made where a date of controller 0 would stand in the statuses, and one of 17 behind the object.
+  alignas(StationResult) std::array<unsigned char, sizeof(StationResult) + 16> memory{};
+  write("RS001.OUT", "1\r\n    0   0130290224\r\n    17  0130290224");
+  const auto* result = new (memory.data()) StationResult(readStationResult(*library, "RS001.OUT"));
+  EXPECT_TRUE(result->answered(1));
+  EXPECT_TRUE(
+      std::all_of(memory.begin() + sizeof(StationResult), memory.end(), [](int b) { return b == 0; }));
 }
 
 TEST_F(ComTest, ComponentsAreTestedAndAskedAbout) {
