@@ -8,6 +8,7 @@
 #include "platform/datetime.h"
 #include "platform/text.h"
 #include "refusal.h"
+#include "transaction_type.h"
 
 namespace voxa::cli {
 
@@ -86,7 +87,7 @@ std::int16_t cardNumber(const std::string& text) {
 }
 
 std::string cardCode(const std::string& text) {
-  std::string code = toUpper(filled("the code", text));
+  std::string code = toUpper(shownCode(filled("the code", text)));
   if (code.size() > codeLength || code.find_first_not_of("0123456789ABCDEF") != std::string::npos) {
     throw Refusal("a card code is 1 to 8 characters 0 to 9 and A to F, not " + text);
   }
@@ -173,7 +174,7 @@ TakenByCards::TakenByCards(const Installation& installation, std::int32_t ownId)
       numbers_[number.toInt32()] = who;
     }
     if (const Value code = rows->get("CardCode"); !code.isNull())
-      codes_[padded(toUpper(code.toText()))] = who;
+      codes_[padded(toUpper(shownCode(code.toText())))] = who;
     names_[toLower(rows->get("Name").toText())] = who;
   }
 }

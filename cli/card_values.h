@@ -21,8 +21,9 @@ class Installation;
 
 /// A number that the controllers can hold, 1 to 9999; overflow (error 6) for any other number.
 [[nodiscard]] std::int16_t cardNumber(const std::string& text);
-/// 1 to 8 characters 0-9 and A-F in any case as they are stored: upper-case, zeros on the left to 8. A
-/// Refusal for any other text, and for zeros alone, with which a controller erases a card.
+/// 1 to 8 characters 0-9 and A-F in any case, or ":" to "?" as controllers spell A-F, as they are stored:
+/// upper-case letters, zeros on the left to 8. A Refusal for any other text, and for zeros alone, with which
+/// a controller erases a card.
 [[nodiscard]] std::string cardCode(const std::string& text);
 
 /// The access groups by number and name.

@@ -82,7 +82,7 @@ std::string controllerCode(std::string_view code) {
   std::string converted;
   for (const char c : code) {
     const bool upper = c >= 'A' && c <= 'F';
-    if (c >= '0' && c <= '9') {
+    if (c >= '0' && c <= '?') {
       converted += c;
     } else if (upper || (c >= 'a' && c <= 'f')) {
       converted += static_cast<char>(c - (upper ? 'A' : 'a') + ':');

@@ -34,7 +34,7 @@ struct CardRecord {
   explicit CardRecord(const Recordset& row);  ///< of a row with all columns of "Cardholders"
 
   std::int32_t number = 0;  ///< 1 to 9999 on the controllers
-  std::string code;         ///< up to 8 characters 0-9, A-F; "" for a card that has none
+  std::string code;         ///< up to 8 characters 0-9, A-F or ":" to "?"; "" for a card that has none
   bool deleted = false;
   bool validated = true;
   std::int16_t pinCode = 0;
@@ -55,8 +55,8 @@ struct CardRights {
 [[nodiscard]] std::string clearCardLine(std::int32_t cardNum);
 
 /// A code, of a card or a site, as the controllers spell it: digits as they are, the letters A to F (in any
-/// case) as the six characters behind 9, ":" to "?". Any other character, or more than eight, raises
-/// `err::invalidArgument`.
+/// case) as the six characters behind 9, ":" to "?". These stay as they are: in the codes of unknown cards
+/// the controllers spell so, too. Any other character, or more than eight, raises `err::invalidArgument`.
 [[nodiscard]] std::string controllerCode(std::string_view code);
 /// The same with blanks on the left to 8 characters, as a card's code goes into its line.
 [[nodiscard]] std::string convertCardCode(std::string_view code);

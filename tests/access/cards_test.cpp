@@ -88,6 +88,10 @@ TEST_F(CardsTest, EachFlaggedPartIsALine) {
   db().execute("delete * from LiftGroup");
   EXPECT_EQ(cards().download(1), 0);
   EXPECT_EQ(sentTo(1), "1600120\r\n1700120\r\n4900120\r\n350012000000\r\n\r\n");
+  card(13, ":;<=>?4F", 1, "CardCodeFlagD = True");  // as a controller spells the code of an unknown card
+  driver.calls.clear();
+  EXPECT_EQ(cards().download(2), 0);
+  EXPECT_EQ(sentTo(1), "090013:;<=>?4?\r\n\r\n");
   EXPECT_TRUE(boxes().empty());
 }
 

@@ -263,6 +263,7 @@ grep -q "01/01/2027" out || fail "a new reader's controller does not know the la
 refuses "Error 6" card add Far --number 10000 --code 78 --group 0
 refuses "not zero" card add Zero --code 0 --group 0
 refuses "Card code already in use" card add Twin --code 0077 --group 0
+refuses "Card code already in use" card add Twin --code "0000:;12" --group 0
 refuses "2029" card set New --until 1/1/2030
 succeeds group delete 1 --move-cards-to Cars
 holds "" Local 1
