@@ -148,7 +148,10 @@ void readComponent(Installation& installation, const Component& component) {
   const int failures = installation.prompts().failuresShown();
   const std::int16_t status = installation.qdb().Journal().readTransactions(component.type, component.name);
   if (installation.prompts().failuresShown() != failures) return;
-  if (status != 0) throw Refusal("nothing was read: no controller answers, or reading was aborted");
+  if (status != 0) {
+    throw Refusal("nothing was read: no controller answers, or reading was aborted" +
+                  installation.com().popErrorList());
+  }
   std::string silent;
   for (const std::string& name : silentControllers(installation, component)) silent += "\n  " + name;
   if (!silent.empty()) throw Refusal("these controllers did not answer and were not read:" + silent);

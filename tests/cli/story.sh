@@ -80,6 +80,12 @@ refuses "aborted" --answer abort download daily
 refuses "stays marked" --yes download daily
 succeeds daily list --json
 shows '"ToSend": true'
+# One of which the driver says nothing is not known to answer.
+succeeds sim controller fault --station Annex --address 5 --result-file garbage
+for command in status clock "--yes download daily --full"; do
+  # shellcheck disable=SC2086
+  refuses "Annex Controller 5" $command
+done
 succeeds sim controller fault --station Annex --address 5 --after 1
 refuses "Can't download parameters" download daily --full --station Annex
 succeeds sim controller fault --station Annex --address 5 --none
@@ -203,6 +209,8 @@ succeeds download all
 shows "Cards: 1 sent, 3 unchanged"
 holds "1 10 11 12 " Local 1
 grep -qE '^ *1 +0000:;12 +0 +1 2 +0042 +yes +31/12/2027 +5 +3$' out || fail "the whole card"
+succeeds sim controller fault --station Local --address 1 --result-file garbage
+refuses "Local Controller 1" card set 10 --group Cars
 succeeds sim controller fault --station Local --address 1 --silent
 refuses "Local Controller 1" card set 10 --group Cars
 refuses "Local Controller 1" card set 10 --number 9
