@@ -68,6 +68,8 @@ class Com {
                        std::optional<std::int16_t> controllerID = {});
   void updateDBComStatus(std::int16_t StationID, std::int16_t controllerID, std::int16_t Status,
                          DateTime mDate);
+  /// A controller has just answered, whatever the last test found: what is sent does not pass it over.
+  void noteAnswer(std::int16_t StationID, std::int16_t controllerID);
   /// "Local Controller 3  -  Front door": station, controller unless 0 or 95, the controller's readers.
   [[nodiscard]] std::string getName(std::int16_t StationID, std::int16_t ControllerAddr);
   /// A fresh, silent date read of the controller, or of the station without its old result file.

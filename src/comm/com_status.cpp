@@ -79,6 +79,12 @@ void Com::updateDBComStatus(std::int16_t StationID, std::int16_t controllerID, s
   rows->update();
 }
 
+void Com::noteAnswer(std::int16_t StationID, std::int16_t controllerID) {
+  if (TestSend(StationID, controllerID)) return;
+  updateDBComStatus(StationID, controllerID, answered, noDate());
+  answering_[StationID].insert(controllerID);
+}
+
 void Com::UpdateComStatus(std::optional<std::int16_t> StationID,
                           std::optional<std::int16_t> /*controllerID*/) {
   (void)refresh(StationID);

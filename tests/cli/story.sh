@@ -323,6 +323,14 @@ succeeds read --station Annex
 shows "2 transactions added"
 succeeds read --reader Barrier
 shows "0 transactions added"
+# One silent controller of two: the other's transaction comes once.
+succeeds sim controller fault --station Annex --address 5 --silent
+swipe --card 700 --at "2026-12-25 18:08"
+for added in 1 0 0; do
+  refuses "Annex Controller 5" read --station Annex
+  shows "$added transactions added"
+done
+succeeds sim controller fault --station Annex --address 5 --none
 succeeds journal --since 24/12/2026 --until 2026-12-24 --reader barrier --card 0700 --type granted --json
 [ "$(grep -cE '"Date": "24/12/2026 18:0[567]"' out)" = 4 ] || fail "transactions were lost, or others are shown"
 shows "\"Cardholder\": \"Zoë O'Quill\""
