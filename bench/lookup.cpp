@@ -81,6 +81,7 @@ Rows measure(const Harness& harness) {
 
   const Times alone = harness.compare(ours, rival);
   installation.engine().begin();
+  database.lockForChanges();
   sqlite.run("BEGIN");
   const Times together = harness.compare(ours, rival);
   installation.engine().rollback();

@@ -60,9 +60,11 @@ void setFields(Recordset& row, const BadgeOptions& options) {
 void createFormats(Installation& installation) {
   installation.open();
   if (hasBadgeFormats(installation)) throw Refusal("the installation has badge formats already");
-  Transaction transaction(installation.library().engine());
-  installation.qdb().BadgeFormat().CreateTable();
-  transaction.commit();
+  installation.library().showLater([&] {
+    Transaction transaction(installation.library().engine(), installation.qdb().database());
+    installation.qdb().BadgeFormat().CreateTable();
+    transaction.commit();
+  });
 }
 
 void addFormat(Installation& installation, BadgeOptions options) {
@@ -71,6 +73,7 @@ void addFormat(Installation& installation, BadgeOptions options) {
   options.newName = options.name;
   if (!options.site) options.site = "";
   const std::int16_t id = installation.qdb().BadgeFormat().getFreeId();
+  if (id == -1) throw Refusal("the installation has no free number for a badge format");
   rows->addNew();
   rows->set("Id", id);
   setFields(*rows, options);
@@ -91,8 +94,8 @@ void setFormat(Installation& installation, const BadgeOptions& options) {
 void restoreDefault(Installation& installation) {
   installation.open();
   (void)badgeFormats(installation);
-  Transaction transaction(installation.library().engine());
-  Database& database = *installation.qdb().DB();
+  Transaction transaction(installation.library().engine(), installation.qdb().database());
+  Database& database = installation.qdb().database();
   database.execute("delete from BadgeFormat where Id = 0");
   installation.qdb().BadgeFormat().insertDefaultRecs();
   database.execute("update BadgeFormat set BadgeFormatFlagD = True where Id = 0");

@@ -13,6 +13,7 @@
 #include "platform/text.h"
 #include "refusal.h"
 #include "table_output.h"
+#include "transaction_type.h"
 
 namespace voxa::cli {
 
@@ -32,7 +33,7 @@ struct ListOptions {
 
 void addCard(Installation& installation, const CardOptions& options) {
   installation.openForSending();
-  CardValues values(options.texts, GroupNames(installation));
+  CardValues values(options.texts, GroupNames(installation), installation.clock());
   TakenByCards taken(installation);
   taken.requireFree(values);
   if (!values.number) values.number = taken.freeNumber();
@@ -47,7 +48,7 @@ void addCard(Installation& installation, const CardOptions& options) {
 void setCard(Installation& installation, const CardOptions& options) {
   installation.openForSending();
   const auto row = cardNamed(installation, options.card);
-  const CardValues values(options.texts, GroupNames(installation));
+  const CardValues values(options.texts, GroupNames(installation), installation.clock());
   TakenByCards(installation, row->get("Id").toInt32()).requireFree(values);
   const Value held = row->get("AccessGroupId");
   const std::int16_t group = held.isNull() ? std::int16_t{0} : held.toInt16();
@@ -118,15 +119,16 @@ void listCards(Installation& installation, const ListOptions& options) {
 void findCards(Installation& installation, const ListOptions& options) {
   installation.open();
   const std::string text = toLower(options.text);
-  const auto equals = [&](const Value& value) {
-    if (value.isNull() || text.empty()) return false;
+  const std::string code = toLower(shownCode(options.text));
+  const auto equals = [](const Value& value, const std::string& wanted) {
+    if (value.isNull() || wanted.empty()) return false;
     const auto significant = [](const std::string& digits) {
       return digits.substr(std::min(digits.find_first_not_of('0'), digits.size()));
     };
-    return significant(toLower(value.toText())) == significant(text);
+    return significant(toLower(shownCode(value.toText()))) == significant(wanted);
   };
   const TableOutput table = tableOf(installation, options, "Deleted = false", [&](const Recordset& row) {
-    return equals(row.get("CardNum")) || equals(row.get("CardCode")) ||
+    return equals(row.get("CardNum"), text) || equals(row.get("CardCode"), code) ||
            toLower(row.get("Name").toText()).find(text) != std::string::npos;
   });
   if (table.empty()) throw Refusal("msgCantFindCardholder", options.text);

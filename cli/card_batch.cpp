@@ -69,7 +69,7 @@ std::vector<std::string> holdersOf(Installation& installation, const Recordset& 
   Com& com = installation.com();
   if (com.inhibitCom) return names;
   for (const GrantedController& controller :
-       controllersOf(*installation.qdb().DB(), group.isNull() ? std::int16_t{0} : group.toInt16())) {
+       controllersOf(installation.qdb().database(), group.isNull() ? std::int16_t{0} : group.toInt16())) {
     if (controller.active && com.TestSend(controller.station, controller.address)) continue;
     names.push_back(com.getName(controller.station, controller.address));
   }

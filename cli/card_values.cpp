@@ -3,11 +3,14 @@
 #include <algorithm>
 
 #include "access/card_record.h"
+#include "comm/controller_date.h"
 #include "installation.h"
 #include "lookup.h"
+#include "platform/clock.h"
 #include "platform/datetime.h"
 #include "platform/text.h"
 #include "refusal.h"
+#include "transaction_type.h"
 
 namespace voxa::cli {
 
@@ -22,6 +25,11 @@ constexpr const char* none = "none";
 std::string padded(std::string code) {
   code.insert(0, codeLength - std::min(codeLength, code.size()), '0');
   return code;
+}
+
+/// A row's code, which other programs spell as they like, as cardCode has it.
+std::string storedCode(const Value& code) {
+  return padded(toUpper(shownCode(code.toText())));
 }
 
 bool isDigits(const std::string& text) {
@@ -55,16 +63,15 @@ Value personalCode(const std::string& text) {
   }
 }
 
-Value dayOrNone(const std::string& text) {
+Value dayOrNone(const std::string& text, const Clock& clock) {
   if (equalNoCase(text, none)) return {};
-  const auto day = parseDateTime(text);
+  const auto day = parseDateTime(text, &clock);
   if (!day || day->days < 1 || toShortText(*day) != shortDate(*day)) {
     throw Refusal("the last day is a date such as 31/12/2027 or 2027-12-31, not " + text);
   }
-  // The controllers are told two digits of the year.
-  const int year = toCivil(*day).year;
-  if (year != fullYear(year % 100)) {
-    throw Refusal("the last day is in the years 1930 to 2029, not " + text);
+  if (!controllersRead(*day, clock.now())) {
+    throw Refusal("the controllers would take " + text +
+                  " for a day of another century: the last day is within 50 years of today");
   }
   return *day;
 }
@@ -91,7 +98,7 @@ std::int16_t cardNumber(const std::string& text) {
 }
 
 std::string cardCode(const std::string& text) {
-  std::string code = toUpper(filled("the code", text));
+  std::string code = toUpper(shownCode(filled("the code", text)));
   if (code.size() > codeLength || code.find_first_not_of("0123456789ABCDEF") != std::string::npos) {
     throw Refusal("a card code is 1 to 8 characters 0 to 9 and A to F, not " + text);
   }
@@ -101,7 +108,7 @@ std::string cardCode(const std::string& text) {
 }
 
 bool isCode(const Value& held, const std::string& code) {
-  return !held.isNull() && padded(toUpper(held.toText())) == code;
+  return !held.isNull() && storedCode(held) == code;
 }
 
 GroupNames::GroupNames(const Installation& installation) {
@@ -122,14 +129,14 @@ std::int16_t GroupNames::id(const std::string& nameOrNumber) const {
   throw Refusal("msgCantFindAccessGroup", nameOrNumber);
 }
 
-CardValues::CardValues(const CardTexts& texts, const GroupNames& groups) {
+CardValues::CardValues(const CardTexts& texts, const GroupNames& groups, const Clock& clock) {
   read(name, texts.name, cardName);
   read(number, texts.number, cardNumber);
   read(code, texts.code, cardCode);
   read(group, texts.group,
        [&](const std::string& text) { return groups.id(filled("the access group", text)); });
   read(pin, texts.pin, personalCode);
-  read(until, texts.until, dayOrNone);
+  read(until, texts.until, [&](const std::string& text) { return dayOrNone(text, clock); });
   read(credit, texts.credit, [](const std::string& text) { return numberOrNone("the credit", text, 99); });
   read(supervisor, texts.supervisor, [](const std::string& text) { return yesOrNo("supervisor", text); });
   read(valid, texts.valid, [](const std::string& text) { return yesOrNo("valid", text); });
@@ -166,7 +173,7 @@ void markWhole(Recordset& row) {
 }
 
 void markWhole(Installation& installation, const std::set<std::int32_t>& numbers) {
-  Transaction transaction(installation.library().engine());
+  Transaction transaction(installation.library().engine(), installation.qdb().database());
   const auto cards =
       installation.rows("select * from Cardholders where Deleted = false and CardNum is not null");
   for (; !cards->eof(); cards->moveNext()) {
@@ -191,7 +198,7 @@ TakenByCards::TakenByCards(const Installation& installation, std::int32_t ownId)
       numbers_[number.toInt32()] = who;
     }
     if (const Value code = rows->get("CardCode"); !code.isNull())
-      codes_[padded(toUpper(code.toText()))] = who;
+      codes_[storedCode(code)] = who;
     names_[toLower(rows->get("Name").toText())] = who;
   }
 }

@@ -10,8 +10,9 @@
 #include "platform/value.h"
 
 namespace voxa {
+class Clock;
 class Recordset;
-}
+}  // namespace voxa
 
 namespace voxa::cli {
 
@@ -21,8 +22,9 @@ class Installation;
 
 /// A number that the controllers can hold, 1 to 9999; a Refusal for any other.
 [[nodiscard]] std::int16_t cardNumber(const std::string& text);
-/// 1 to 8 characters 0-9 and A-F in any case as they are stored: upper-case, zeros on the left to 8. A
-/// Refusal for any other text, and for zeros alone, with which a controller erases a card.
+/// 1 to 8 characters 0-9 and A-F in any case, or ":" to "?" as controllers spell A-F, as they are stored:
+/// upper-case letters, zeros on the left to 8. A Refusal for any other text, and for zeros alone, with which
+/// a controller erases a card.
 [[nodiscard]] std::string cardCode(const std::string& text);
 
 /// Whether a row's code, however it is written, is that one.
@@ -51,7 +53,8 @@ struct CardTexts {
 /// The same, checked.
 struct CardValues {
   CardValues() = default;
-  CardValues(const CardTexts& texts, const GroupNames& groups);  ///< a Refusal or Error for what is wrong
+  /// A Refusal or Error for what is wrong. clock: tells the century of a year of two digits.
+  CardValues(const CardTexts& texts, const GroupNames& groups, const Clock& clock);
 
   std::optional<std::string> name, code;
   std::optional<std::int16_t> number, group;

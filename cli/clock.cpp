@@ -5,6 +5,7 @@
 
 #include "comm/com.h"
 #include "commands.h"
+#include "download.h"
 #include "installation.h"
 #include "lookup.h"
 #include "refusal.h"
@@ -18,8 +19,11 @@ void setClocks(Installation& installation, const ComponentChoice& choice) {
   Com& com = installation.com();
   const Component component = chosen(installation, choice);
   // A controller that is passed over keeps its wrong clock without a word, so none is.
-  if (!com.TestCom(component.type, component.name) && !com.inhibitCom) {
-    throw Refusal("not every controller answers: no clock was set (see voxa status)");
+  const bool allAnswer = com.TestCom(component.type, component.name);
+  std::string silent;
+  for (const std::string& name : silentControllers(installation, component)) silent += "\n  " + name;
+  if ((!allAnswer || !silent.empty()) && !com.inhibitCom) {
+    throw Refusal("not every controller answers: no clock was set (see voxa status)" + silent);
   }
   if (com.sendToComp(CmSendDate, component.type, component.name) != 0) {
     throw Refusal("msgCantSendDate", com.popErrorList());

@@ -98,7 +98,9 @@ class Access {
   }
 
   std::size_t journalRows() {
-    return installation_.qdb().Journal().DB()->openRecordset("select Id from Journal")->recordCount();
+    return requireOpen(installation_.qdb().Journal().DB())
+        ->openRecordset("select Id from Journal")
+        ->recordCount();
   }
 
   void compare() {

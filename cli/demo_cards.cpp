@@ -186,7 +186,7 @@ void fillDemoCards(Installation& installation) {
   for (const DemoGroup& group : groups) {
     std::int16_t id = 0;
     {
-      Transaction transaction(installation.library().engine());
+      Transaction transaction(installation.library().engine(), installation.qdb().database());
       id = addGroup(installation, group);
       if (*group.firstCode == '\0') addCards(installation, group, id);
       transaction.commit();
@@ -197,7 +197,7 @@ void fillDemoCards(Installation& installation) {
       throw Refusal(std::string("the cards of ") + group.name + " were not taken");
     }
   }
-  Transaction transaction(installation.library().engine());
+  Transaction transaction(installation.library().engine(), installation.qdb().database());
   changeBlockCards(installation);
   addHolidays(installation);
   addBadgeFormat(installation);

@@ -124,7 +124,7 @@ void addControllers(Installation& installation, site::Site& site) {
 }  // namespace
 
 void fillDemoInstallation(Installation& installation, site::Site& site) {
-  Transaction transaction(installation.library().engine());
+  Transaction transaction(installation.library().engine(), installation.qdb().database());
   addAnnex(installation);
   addReaders(installation);
   addPrograms(installation);

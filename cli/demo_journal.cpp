@@ -87,7 +87,7 @@ class Doors {
 class Found {
  public:
   Found(Installation& installation, Doors& doors) {
-    const auto journal = installation.qdb().Journal().DB();
+    const auto journal = requireOpen(installation.qdb().Journal().DB());
     const auto rows = journal->openRecordset("select * from Journal order by Id");
     for (; !rows->eof(); rows->moveNext()) {
       JournalEntry entry = entryOf(*rows);

@@ -93,32 +93,21 @@ bool marked(const Recordset& row, const Kind& kind) {
 
 std::vector<std::string> silentControllers(Installation& installation, const Component& component) {
   std::vector<std::string> names;
-  const auto rows = installation.rows("select StationID, CtrAddr from ComStatus where Status = -1");
-  for (; !rows->eof(); rows->moveNext()) {
-    const std::int16_t station = rows->get("StationID").toInt16();
-    const std::int16_t address = rows->get("CtrAddr").toInt16();
-    bool concerned = component.type == CTActiveStations;
-    if (component.type == CTStation) {
-      concerned = stationNamed(installation, component.name)->get("Id").toInt16() == station;
-    }
-    if (component.type == CTReader) {
-      const auto reader = readerNamed(installation, component.name);
-      concerned = reader->get("StationId").toInt16() == station &&
-                  reader->get("ControllerAddress").toInt16() == address;
-    }
-    if (concerned) names.push_back(installation.com().getName(station, address));
+  for (const auto& [station, address] : installation.com().notKnownToAnswer(component.type, component.name)) {
+    names.push_back(installation.com().getName(station, address));
   }
   return names;
 }
 
 bool Download::ready() {
   const int failures = installation_.prompts().failuresShown();
-  const bool goOn = installation_.com().readyToSend(component_.type, component_.name, nullptr);
-  if (installation_.prompts().failuresShown() != failures) {
+  const bool goOn = installation_.com().readyToSendToKnown(component_.type, component_.name);
+  leftOut_ = silentControllers(installation_, component_);
+  // What broke the test is told; without a controller to leave out for it, it was not one station's fault.
+  if (installation_.prompts().failuresShown() != failures && leftOut_.empty()) {
     throw Refusal("the controllers cannot be tested: nothing was sent");
   }
   installation_.com().popErrorList();  // the question has named the controllers
-  leftOut_ = silentControllers(installation_, component_);
   return goOn;
 }
 

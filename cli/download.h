@@ -22,7 +22,7 @@ struct DownloadCount {
   int failed = 0;
 };
 
-/// Names of the component's controllers that did not answer the last test.
+/// Names of the component's controllers that did not answer the last test, or of which it says nothing.
 [[nodiscard]] std::vector<std::string> silentControllers(Installation& installation,
                                                          const Component& component);
 
@@ -34,8 +34,8 @@ class Download {
   Download(Installation& installation, Component component)
       : installation_(installation), component_(std::move(component)) {}
 
-  /// Tests the component's controllers; false when the person chose to send nothing. A Refusal when the test
-  /// itself fails.
+  /// Tests the component's controllers; false when the person chose to send nothing. Those of a station that
+  /// cannot be tested count as not answering; a Refusal when the test fails altogether.
   [[nodiscard]] bool ready();
   /// Sends the marked programs, or all of them when `full`. Failures have been shown. Groups are sent to all
   /// their controllers only: a download to one component passes them over, and leaves the marks of cards.
@@ -45,7 +45,7 @@ class Download {
   /// controllers that did not answer, are passed over. The mark stays: who works with the format is not
   /// known.
   DownloadCount sendBadgeFormat(const Recordset& format, bool full);
-  /// Names of the controllers that did not answer the test.
+  /// Names of the controllers that are not known to answer.
   [[nodiscard]] const std::vector<std::string>& leftOut() const { return leftOut_; }
 
  private:

@@ -15,7 +15,7 @@ namespace voxa::cli {
 
 std::vector<ReachedController> reachOf(Installation& installation, std::int16_t group) {
   std::vector<ReachedController> reach;
-  for (GrantedController& controller : controllersOf(*installation.qdb().DB(), group)) {
+  for (GrantedController& controller : controllersOf(installation.qdb().database(), group)) {
     ReachedController& reached = reach.emplace_back();
     const auto outputs = installation.rows(
         "select Alarms.Num from LiftGroup inner join Alarms on LiftGroup.LiftNum = Alarms.Id "
@@ -104,13 +104,17 @@ void ForgetCards::requireAnswers() {
   Com& com = installation_.com();
   const int failures = installation_.prompts().failuresShown();
   std::set<std::int16_t> tested;
+  for (const auto& [place, erasing] : erasing_) {
+    if (erasing.controller.active && tested.insert(place.first).second) com.UpdateComStatus(place.first);
+  }
+  const auto unknown = com.notKnownToAnswer(CTActiveStations, "");
   std::string silent;
   for (const auto& [place, erasing] : erasing_) {
-    const auto [station, address] = place;
     const bool active = erasing.controller.active;
-    if (active && tested.insert(station).second) com.UpdateComStatus(station);
-    if (active && com.TestSend(station, address)) continue;
-    silent += "\n  " + com.getName(station, address) + (active ? "" : ": the line is not in use");
+    const bool answers = com.TestSend(place.first, place.second) &&
+                         std::find(unknown.begin(), unknown.end(), place) == unknown.end();
+    if (active && answers) continue;
+    silent += "\n  " + com.getName(place.first, place.second) + (active ? "" : ": the line is not in use");
   }
   (void)com.popErrorList();  // of the test: it names the same controllers
   if (installation_.prompts().failuresShown() != failures) {

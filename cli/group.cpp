@@ -32,6 +32,7 @@ constexpr std::int16_t defaultGroup = 0;
 void addGroup(Installation& installation, const std::string& name) {
   installation.open();
   const std::int16_t id = installation.qdb().AccessGroups().getFreeId();
+  if (id == -1) throw Refusal("the installation has no free number for an access group");
   const auto rows = installation.rows("select * from AccessGroups");
   rows->addNew();
   rows->set("Id", id);
@@ -44,7 +45,7 @@ void addGroup(Installation& installation, const std::string& name) {
 /// shut)".
 std::string doorsText(Installation& installation, std::int16_t group,
                       const std::map<std::int16_t, std::string>& programs) {
-  Database& database = *installation.qdb().DB();
+  Database& database = installation.qdb().database();
   std::string text;
   for (const GrantedController& controller : controllersOf(database, group)) {
     for (const DoorSide& side : sidesOf(database, group, controller)) {
@@ -101,7 +102,7 @@ void listGroups(Installation& installation, bool json) {
 /// Tells what a group's doors do that its links do not say: those of one controller under two programs stay
 /// shut in part, and of a door whose one side is granted the other opens, too.
 void tellOfDoors(Installation& installation, std::int16_t group) {
-  Database& database = *installation.qdb().DB();
+  Database& database = installation.qdb().database();
   for (const GrantedController& controller : controllersOf(database, group)) {
     if (controller.twoPrograms()) {
       installation.strings().display("msgTwoWeeklyProgOnController", "voxa group grant",
@@ -143,7 +144,7 @@ void revoke(Installation& installation, const GroupOptions& options) {
     forget.on({controller}, cards.deleted);
   }
   forget.send();
-  Transaction transaction(installation.library().engine());
+  Transaction transaction(installation.library().engine(), installation.qdb().database());
   link->remove();
   markGroup(installation, group);
   transaction.commit();
@@ -184,7 +185,7 @@ void deleteGroup(Installation& installation, const GroupOptions& options) {
   forget.on(without(before, reachOf(installation, target)), cards.live);
   forget.on(without(before, {}), cards.deleted);
   forget.send();
-  Transaction transaction(installation.library().engine());
+  Transaction transaction(installation.library().engine(), installation.qdb().database());
   moveCards(installation, group, target);
   installation.rows("select * from AccessGroups where Id = " + std::to_string(group))->remove();
   transaction.commit();

@@ -4,6 +4,7 @@
 #include <iostream>
 
 #include "app/qdb.h"
+#include "comm/controller_date.h"
 #include "commands.h"
 #include "download.h"
 #include "installation.h"
@@ -22,15 +23,14 @@ struct HolidayOptions {
   bool eachYear = false;
 };
 
-DateTime holidayDate(const std::string& text, bool eachYear) {
-  const auto date = parseDateTime(text);
+DateTime holidayDate(const std::string& text, bool eachYear, const Clock& clock) {
+  const auto date = parseDateTime(text, &clock);
   if (!date || text.find(':') != std::string::npos) {
     throw Refusal("'" + text + "' is no date: write day, month and year as 25/12/2026");
   }
   // The controllers know a year by its last two digits, and 00 means every year to them.
   const int year = toCivil(*date).year;
-  const int lastDigits = year % 100;
-  if (eachYear || (lastDigits != 0 && fullYear(lastDigits) == year)) return *date;
+  if (eachYear || (year % 100 != 0 && controllersRead(*date, clock.now()))) return *date;
   throw Refusal("the controllers cannot tell the year " + std::to_string(year) + " from another");
 }
 
@@ -54,7 +54,7 @@ void addHoliday(Installation& installation, const HolidayOptions& options) {
   rows->addNew();
   rows->set("Id", slot);
   rows->set("Name", checkedName(options.name));
-  rows->set("Date", holidayDate(options.date, options.eachYear));
+  rows->set("Date", holidayDate(options.date, options.eachYear, installation.clock()));
   rows->set("EachYear", options.eachYear);
   rows->set("HolidayFlagD", true);
   rows->update();

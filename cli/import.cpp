@@ -101,7 +101,7 @@ class Import {
 
   void write() {
     Progress progress("Importing", cards_.size());
-    Transaction transaction(installation_.library().engine());
+    Transaction transaction(installation_.library().engine(), installation_.qdb().database());
     const auto rows = installation_.rows("select * from Cardholders where Id = 0");
     for (const CardValues& card : cards_) {
       rows->addNew();
@@ -121,7 +121,7 @@ class Import {
   void readLine(const CsvRecord& record, const std::vector<const Column*>& order) {
     const std::string line = "line " + std::to_string(record.line);
     try {
-      CardValues card(textsOf(record, order), groups_);
+      CardValues card(textsOf(record, order), groups_, installation_.clock());
       taken_.requireFree(card);
       taken_.take(card, line);
       cards_.push_back(std::move(card));

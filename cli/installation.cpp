@@ -37,7 +37,7 @@ Installation::Installation() : callersFolder_(files::currentFolder()), engine_(m
 Installation::~Installation() = default;
 
 std::unique_ptr<Recordset> Installation::rows(const std::string& sql) const {
-  return glob_->QDB().DB()->openRecordset(sql);
+  return glob_->QDB().database().openRecordset(sql);
 }
 
 std::string Installation::callersFile(const std::string& path) const {
@@ -99,8 +99,10 @@ void Installation::fillCatalogue() {
     throw Refusal("the message texts (I18N.MDB) cannot be created in " + folder_);
   }
   glob_->insertStrings();
-  Transaction transaction(*engine_);
-  if (insertHostTexts(strings()) == 0) transaction.commit();
+  library_->showLater([&] {
+    Transaction transaction(*engine_, strings().database());
+    if (insertHostTexts(strings()) == 0) transaction.commit();
+  });
 }
 
 void Installation::removeBegun(const std::string& name) const {

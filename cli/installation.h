@@ -61,6 +61,7 @@ class Installation {
   [[nodiscard]] Com& com() { return glob_->Com(); }
   [[nodiscard]] Strings& strings() { return glob_->Strings(); }
   [[nodiscard]] Library& library() { return *library_; }
+  [[nodiscard]] const Clock& clock() const { return clock_; }
   [[nodiscard]] std::unique_ptr<Recordset> rows(const std::string& sql) const;
   [[nodiscard]] const std::string& folder() const { return folder_; }  ///< its full path
 

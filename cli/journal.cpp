@@ -30,8 +30,8 @@ struct JournalOptions {
 };
 
 /// The first moment behind what is written: a day is meant as a whole, a time as a whole minute.
-DateTime behind(const std::string& text) {
-  CivilTime end = toCivil(writtenMoment(text));
+DateTime behind(const std::string& text, const Clock& clock) {
+  CivilTime end = toCivil(writtenMoment(text, clock));
   const bool day = text.find(':') == std::string::npos;
   end.second = 0;
   constexpr double minute = 1.0 / (24 * 60);
@@ -45,9 +45,9 @@ std::string withoutZeros(const std::string& digits) {
 
 class Filter {
  public:
-  explicit Filter(const JournalOptions& options) : options_(options) {
-    if (!options.since.empty()) since_ = writtenMoment(options.since);
-    if (!options.until.empty()) until_ = behind(options.until);
+  Filter(const JournalOptions& options, const Clock& clock) : options_(options) {
+    if (!options.since.empty()) since_ = writtenMoment(options.since, clock);
+    if (!options.until.empty()) until_ = behind(options.until, clock);
     requireType(options.type);
   }
 
@@ -136,7 +136,7 @@ void showJournal(Installation& installation, const JournalOptions& options) {
   installation.open();
   const auto journal = installation.qdb().Journal().DB();
   if (!journal) throw Refusal("the journal of " + installation.folder() + " (Journal.MDB) cannot be opened");
-  const Filter filter(options);
+  const Filter filter(options, installation.clock());
   bool any = false;
   const auto eachRow = [&](const auto& row) {
     for (const auto rows = filter.rows(*journal); !rows->eof(); rows->moveNext()) {

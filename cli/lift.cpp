@@ -89,7 +89,7 @@ void grantLift(Installation& installation, const LiftOptions& options) {
   installation.openForSending();
   const GroupLift found = groupLift(installation, options);
   if (!found.granting->eof()) return;
-  Transaction transaction(installation.library().engine());
+  Transaction transaction(installation.library().engine(), installation.qdb().database());
   found.granting->addNew();
   found.granting->set("AccessGroup", found.group);
   found.granting->set("LiftNum", found.lift->get("Id"));
@@ -111,7 +111,7 @@ void revokeLift(Installation& installation, const LiftOptions& options) {
   ForgetCards forget(installation);
   forget.on(found.controller, cardsOf(installation, found.group).live);
   forget.send();
-  Transaction transaction(installation.library().engine());
+  Transaction transaction(installation.library().engine(), installation.qdb().database());
   found.granting->remove();
   if (!found.controller.empty()) markGroup(installation, found.group);
   transaction.commit();

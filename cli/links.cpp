@@ -21,7 +21,7 @@ std::unique_ptr<Recordset> linkOf(const Installation& installation, std::int16_t
 
 void linkReader(Installation& installation, std::int16_t group, std::int32_t reader, std::int16_t program) {
   const bool cards = !cardsOf(installation, group).live.empty();
-  Transaction transaction(installation.library().engine());
+  Transaction transaction(installation.library().engine(), installation.qdb().database());
   const auto link = linkOf(installation, group, reader);
   if (link->eof()) {
     link->addNew();
@@ -48,8 +48,8 @@ bool isKnownController(const Installation& installation, std::int16_t station, s
 }
 
 void markProgramsForNewController(Installation& installation) {
-  Transaction transaction(installation.library().engine());
-  Database& database = *installation.qdb().DB();
+  Transaction transaction(installation.library().engine(), installation.qdb().database());
+  Database& database = installation.qdb().database();
   database.execute("update DailyPrograms set DailyProgramFlagD = True where Id <> 0");
   database.execute("update WeeklyPrograms set WeeklyProgramFlagD = True where ProgNum <> 0");
   database.execute("update Holidays set HolidayFlagD = True");

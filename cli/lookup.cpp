@@ -95,7 +95,7 @@ std::unique_ptr<Recordset> readerNamed(Installation& installation, const std::st
 }
 
 bool hasBadgeFormats(Installation& installation) {
-  const auto tables = installation.qdb().DB()->tableNames();
+  const auto tables = installation.qdb().database().tableNames();
   return std::find(tables.begin(), tables.end(), installation.qdb().BadgeFormat().Name()) != tables.end();
 }
 

@@ -5,8 +5,8 @@
 
 namespace voxa::cli {
 
-DateTime writtenMoment(const std::string& text) {
-  const auto moment = parseDateTime(text);
+DateTime writtenMoment(const std::string& text, const Clock& clock) {
+  const auto moment = parseDateTime(text, &clock);
   if (moment && moment->days >= 1) return *moment;  // a time alone is of day 0
   throw Refusal("'" + text + "' is no date: write 24/12/2026 or \"24/12/2026 18:05\"");
 }

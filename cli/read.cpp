@@ -12,7 +12,6 @@
 #include "app/qdb.h"
 #include "comm/com.h"
 #include "commands.h"
-#include "download.h"
 #include "files/seq_file.h"
 #include "installation.h"
 #include "journal/journal.h"
@@ -41,12 +40,18 @@ std::string_view entryText(std::string_view line) {
   return line.substr(moment + separator.size());
 }
 
+/// What stands for a mnemonic in the progress log.
+std::string logText(Installation& installation, const char* mnemonic) {
+  const std::string text = installation.strings().read(mnemonic);
+  return text.empty() ? mnemonic : text;
+}
+
 /// "Reading controller 3 of 6" on a terminal, once a run has taken a second. The run is one call, so this
 /// looks into its progress log meanwhile, from a thread of its own.
 class RunProgress {
  public:
   RunProgress(Installation& installation, std::size_t controllers)
-      : begin_(installation.strings().read("LogControllerStart")), controllers_(controllers) {
+      : begin_(logText(installation, "LogControllerStart")), controllers_(controllers) {
     if (ConsolePrompts::isTerminal()) thread_ = std::thread([this] { watch(); });
   }
   ~RunProgress() {
@@ -95,20 +100,22 @@ std::int32_t journalRows(Installation& installation) {
       .toInt32();
 }
 
-/// What the progress log says about controllers that failed.
+/// What the progress log says about lines and controllers that failed.
 std::string failuresOfRun(Installation& installation) {
-  Strings& strings = installation.strings();
-  const std::string begin = strings.read("LogControllerStart");
+  std::vector<std::string> begins;
+  for (const char* mnemonic : {"LogControllerStart", "LogConnect", "LogDisconnect"}) {
+    begins.push_back(logText(installation, mnemonic));
+  }
   std::vector<std::string> failures;
   for (const char* mnemonic :
        {"msgCantTransferTransac", "msgCantDeleteBuf", "msgUICantConnect", "msgUICantDisconnect"}) {
-    failures.push_back(strings.read(mnemonic));
+    failures.push_back(logText(installation, mnemonic));
   }
   SeqFile log(installation.library());
   log.Name(progressLog);
   log.fopen("r");
   std::string told;
-  std::string controller;
+  std::string about;  // the controller, or the station whose line it is
   bool failed = false;
   while (!log.fEOF()) {
     const std::string line = log.flineInput();
@@ -117,41 +124,59 @@ std::string failuresOfRun(Installation& installation) {
       if (failed) told += "\n    " + line;
       continue;
     }
-    if (entry.starts_with(begin)) controller = entry.substr(begin.size());
+    for (const std::string& begin : begins) {
+      if (entry.starts_with(begin)) about = entry.substr(begin.size());
+    }
     failed = std::any_of(failures.begin(), failures.end(),
                          [&](const std::string& text) { return entry.starts_with(text); });
-    if (failed) told.append("\n ").append(controller).append(": ").append(entry);
+    if (failed) told.append("\n ").append(about).append(": ").append(entry);
   }
   return told;
 }
 
+/// Of the stations that a run reads: those in use, and those that it dials.
 std::size_t controllerCount(const Installation& installation) {
   return installation
-      .rows("select distinct StationId, ControllerAddress from Readers where ControllerAddress is not null")
+      .rows(
+          "select distinct StationId, ControllerAddress from Readers inner join Stations on "
+          "Readers.StationId = Stations.Id where ControllerAddress is not null and "
+          "(Active = true or Phone <> '')")
       ->recordCount();
 }
 
 void readAll(Installation& installation) {
-  // A controller that did not answer at the last test is passed over when it is to clear what was read.
-  installation.com().UpdateComStatus();
+  installation.com().UpdateComStatus();  // writes the ini files, which a restored database may want otherwise
   (void)installation.com().popErrorList();
   std::int16_t status = 0;
   {
     const RunProgress progress(installation, controllerCount(installation));
     status = installation.qdb().Journal().readAuto();
   }
-  if (status == 0 || installation.prompts().failuresShown() > 0) return;
+  if (status == 0) return;
   throw Refusal("not every controller was read and cleared:" + failuresOfRun(installation));
 }
 
-void readComponent(Installation& installation, const Component& component) {
+// One by one: read as a whole, a station with a silent controller is never cleared, and the same
+// transactions come again and again.
+void readStation(Installation& installation, const std::string& name) {
+  const std::int16_t station = stationNamed(installation, name)->get("Id").toInt16();
+  std::string failures;
+  for (const Journal::ControllerRead& read : installation.qdb().Journal().readStation(station)) {
+    if (read.failure.empty()) continue;
+    failures += "\r\n" + installation.com().getName(station, read.controller) + ": " + read.failure;
+  }
+  if (failures.empty()) return;
+  for (std::size_t at = 0; (at = failures.find("\r\n", at)) != std::string::npos;)
+    failures.replace(at, 2, "\n  ");
+  throw Refusal("not every controller was read and cleared:" + failures);
+}
+
+void readReader(Installation& installation, const std::string& name) {
   const int failures = installation.prompts().failuresShown();
-  const std::int16_t status = installation.qdb().Journal().readTransactions(component.type, component.name);
-  if (installation.prompts().failuresShown() != failures) return;
-  if (status != 0) throw Refusal("nothing was read: no controller answers, or reading was aborted");
-  std::string silent;
-  for (const std::string& name : silentControllers(installation, component)) silent += "\n  " + name;
-  if (!silent.empty()) throw Refusal("these controllers did not answer and were not read:" + silent);
+  const std::int16_t status = installation.qdb().Journal().readTransactions(CTReader, name);
+  if (status == 0 || installation.prompts().failuresShown() != failures) return;
+  throw Refusal("nothing was read: the controller does not answer, or reading was aborted" +
+                installation.com().popErrorList());
 }
 
 void read(Installation& installation, const ReadOptions& options) {
@@ -165,8 +190,10 @@ void read(Installation& installation, const ReadOptions& options) {
   try {
     if (all) {
       readAll(installation);
+    } else if (component.type == CTStation) {
+      readStation(installation, component.name);
     } else {
-      readComponent(installation, component);
+      readReader(installation, component.name);
     }
   } catch (...) {
     tell();
@@ -186,8 +213,8 @@ void addReadCommand(CLI::App& app, Installation& installation) {
       ->excludes("--station")
       ->excludes("--reader");
   command->footer(
-      "Of all controllers each is read on its own, those behind a telephone line are dialled, and Log.txt "
-      "says\nwhat happened.\nExample:\n  voxa read --station Annex");
+      "Each controller is read on its own. Of all of them, those behind a telephone line are dialled, and "
+      "Log.txt says\nwhat happened.\nExample:\n  voxa read --station Annex");
   command->callback([&installation, options] { read(installation, *options); });
 }
 

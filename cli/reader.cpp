@@ -32,7 +32,7 @@ void addReader(Installation& installation, const ReaderOptions& options) {
   const std::int16_t id = installation.qdb().Readers().getFreeId();
   if (id == -1) throw Refusal("the installation holds all the readers it can (998)");
   const bool newController = !isKnownController(installation, stationId, address, id);
-  Transaction transaction(installation.library().engine());
+  Transaction transaction(installation.library().engine(), installation.qdb().database());
   const auto rows = installation.rows("select * from Readers");
   rows->addNew();
   rows->set("Id", id);

@@ -36,7 +36,7 @@ site::Swipe swipeOf(Installation& installation, const SwipeOptions& options) {
   if (!options.card.empty()) swipe.cardNumber = cardNumber(options.card);
   if (!options.code.empty()) swipe.code = cardCode(options.code);
   if (!options.pin.empty()) swipe.pin = options.pin;
-  if (!options.at.empty()) swipe.moment = siteMoment(writtenMoment(options.at));
+  if (!options.at.empty()) swipe.moment = siteMoment(writtenMoment(options.at, installation.clock()));
   return swipe;
 }
 

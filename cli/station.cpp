@@ -72,7 +72,8 @@ void addStation(Installation& installation, StationOptions options) {
   if (options.active) requireFreePort(installation, portFrom0(*options.port), "");
   const std::int16_t id = stations.getFreeId();
   if (id == -1) throw Refusal("the installation holds all the stations it can (998)");
-  Transaction transaction(installation.library().engine());  // of a row that the driver can be told
+  Transaction transaction(installation.library().engine(),
+                          installation.qdb().database());  // of a row that the driver can be told
   const auto rows = installation.rows("select * from Stations");
   rows->addNew();
   rows->set("Id", id);
@@ -89,7 +90,7 @@ void setStation(Installation& installation, const StationOptions& options) {
   const bool active = options.active || (row->get("Active").toBool() && !options.inactive);
   const std::int16_t port = options.port ? portFrom0(*options.port) : row->get("ComPort").toInt16();
   if (active) requireFreePort(installation, port, row->get("Name").toText());
-  Transaction transaction(installation.library().engine());
+  Transaction transaction(installation.library().engine(), installation.qdb().database());
   row->edit();
   setFields(*row, options);
   row->update();

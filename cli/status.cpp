@@ -7,6 +7,7 @@
 #include "app/qdb.h"
 #include "comm/com.h"
 #include "commands.h"
+#include "download.h"
 #include "installation.h"
 #include "messages/strings.h"
 #include "table_output.h"
@@ -62,7 +63,11 @@ void showStatus(Installation& installation, bool json) {
     allAnswer = allAnswer && (installation.settings.inhibit || state.answers == Value(true));
   }
   table.print(std::cout, json);
-  const std::string failures = installation.com().popErrorList();
+  std::string failures = installation.com().popErrorList();
+  // The driver's own words name those that did not answer, and nobody that it says nothing of.
+  for (const std::string& name : silentControllers(installation, {})) {
+    if (failures.find(name) == std::string::npos) failures += "\r\n" + name;
+  }
   if (!allAnswer) installation.strings().display("msgComErr", "voxa status", Value(failures));
 }
 

@@ -50,10 +50,10 @@ class Memories : public test::JournalTest {
     std::string text;
     while (!lines.atEnd()) {
       lines.readLine(text, UndecodedLines::longestLine);
-      if (text.empty()) continue;
+      if (text.size() < UndecodedLines::longestLine && isBlank(text)) continue;
       JournalLine line;
-      const bool decoded = decodeLine(text, line).empty();
-      expected.faults = expected.faults || !decoded || hasMore(text);
+      const bool decoded = decodeLine(text, clock.now(), line).empty();
+      expected.faults = expected.faults || !decoded;
       if (!decoded) continue;
       ++expected.rows;
       expected.date = line.date;

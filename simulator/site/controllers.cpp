@@ -107,12 +107,13 @@ Reception call(Storage& storage, Controller& controller, int lineSpeed) {
 
 void receive(Storage& storage, Controller& controller, const std::vector<std::string>& lines, bool willing) {
   const std::int64_t at = toSeconds(now());
+  const Date today = (controller.clockOffset ? controller.clock() : now()).date;
   std::optional<int> speed;
   for (const std::string& line : lines) {
     std::string reason = willing ? "" : "the controller refuses";
     if (willing) {
       try {
-        const Command command = decode(line, controller.info.type);
+        const Command command = decode(line, controller.info.type, today);
         if (const auto* change = std::get_if<SpeedChange>(&command)) {
           speed = change->speed;
         } else {

@@ -95,14 +95,20 @@ std::optional<DayMonthYear> dayMonthYear(Fields fields) {
   const std::string_view digits = fields.text(6, "date");
   fields.end();
   if (digits == noDate) return std::nullopt;
-  DayMonthYear date{value(digits.substr(0, 2), "day"), value(digits.substr(2, 2), "month"),
-                    value(digits.substr(4, 2), "year")};
-  // Year 00 is a leap year, as the recurring 29 February needs it.
-  if (!exists({fullYear(date.year), date.month, date.day})) throw Undecodable("there is no such day");
+  return DayMonthYear{value(digits.substr(0, 2), "day"), value(digits.substr(2, 2), "month"),
+                      value(digits.substr(4, 2), "year")};
+}
+
+Date existing(const Date& date) {
+  if (!exists(date)) throw Undecodable("there is no such day");
   return date;
 }
 
-Command holiday(Fields fields, bool vrmd1) {
+Date dated(const DayMonthYear& date, const Date& today) {
+  return existing({nearestYear(date.year, date.month, date.day, today), date.month, date.day});
+}
+
+Command holiday(Fields fields, bool vrmd1, const Date& today) {
   const int slot = fields.number(2, "holiday slot");
   const int slots = vrmd1 ? 60 : 20;
   if (slot < 1 || slot > slots) {
@@ -111,7 +117,12 @@ Command holiday(Fields fields, bool vrmd1) {
   const auto date = dayMonthYear(fields);
   if (!date) return EraseHoliday{slot};
   Holiday result{slot, date->day, date->month, std::nullopt};
-  if (date->year != 0) result.year = fullYear(date->year);
+  if (date->year != 0) {
+    result.year = dated(*date, today).year;
+  } else {
+    constexpr int leapYear = 2000;  // as the recurring 29 February needs one
+    (void)existing({leapYear, date->month, date->day});
+  }
   return result;
 }
 
@@ -163,7 +174,7 @@ Command cardCode(int number, Fields fields) {
 }
 
 // The line of one card behind its number, whatever stood between the parts.
-Command cardLine(std::string_view code, int number, Fields fields, bool separated) {
+Command cardLine(std::string_view code, int number, Fields fields, bool separated, const Date& today) {
   const auto setting = [&](CardField field, std::optional<int> value) -> Command {
     fields.end();
     return CardSetting{number, field, value};
@@ -185,7 +196,7 @@ Command cardLine(std::string_view code, int number, Fields fields, bool separate
   if (code == "35") {
     const auto date = dayMonthYear(fields);
     if (!date) return CardSetting{number, CardField::validUntil, std::nullopt};
-    return CardSetting{number, CardField::validUntil, packed({fullYear(date->year), date->month, date->day})};
+    return CardSetting{number, CardField::validUntil, packed(dated(*date, today))};
   }
   if (code == "19") {
     const std::string_view pin = fields.text(4, "personal code");
@@ -204,7 +215,7 @@ bool isCardCommand(std::string_view code) {
   return std::find(codes.begin(), codes.end(), code) != codes.end();
 }
 
-Command card(std::string_view code, Fields fields, bool vrmd1) {
+Command card(std::string_view code, Fields fields, bool vrmd1, const Date& today) {
   const auto separator = [&](const std::string& before) {
     if (fields.text(1, "separator") != ";") throw Undecodable("no ; behind the " + before);
   };
@@ -221,12 +232,12 @@ Command card(std::string_view code, Fields fields, bool vrmd1) {
   const int number = fields.number(4, "card number");
   if (number == 0) throw Undecodable("card number is 0000");
   if (separated) separator("card number");
-  return cardLine(code, number, fields, separated);
+  return cardLine(code, number, fields, separated, today);
 }
 
 }  // namespace
 
-Command decode(std::string_view line, std::string_view controllerType) {
+Command decode(std::string_view line, std::string_view controllerType, const Date& today) {
   const bool vrmd1 = controllerType == "VRMD1";
   Fields fields(line);
   if (!line.empty() && line.front() == speedChange) {
@@ -241,9 +252,9 @@ Command decode(std::string_view line, std::string_view controllerType) {
   if (code == "31") return dailyProgram(fields);
   if (code == "32") return weeklyProgram(fields, 'C');
   if (code == "42") return weeklyProgram(fields, 'E');
-  if (code == "34") return holiday(fields, vrmd1);
+  if (code == "34") return holiday(fields, vrmd1, today);
   if (code == "04") return badgeFormat(fields, vrmd1);
-  if (isCardCommand(code)) return card(code, fields, vrmd1);
+  if (isCardCommand(code)) return card(code, fields, vrmd1, today);
   throw Undecodable("unknown command code");
 }
 

@@ -61,8 +61,9 @@ struct SpeedChange {
 using Command = std::variant<DailyProgram, WeeklyProgram, Holiday, EraseHoliday, BadgeFormat, CardCode,
                              EraseCard, CardSetting, CardPin, CardLift, SpeedChange>;
 
-/// What the line means to a controller of that type; raises Undecodable with the reason.
-[[nodiscard]] Command decode(std::string_view line, std::string_view controllerType);
+/// What the line means to a controller of that type, and on that day, which tells the century of a date;
+/// raises Undecodable with the reason.
+[[nodiscard]] Command decode(std::string_view line, std::string_view controllerType, const Date& today);
 
 /// A card's code in the one form it is kept and compared in: eight characters, zeros for the blanks or
 /// missing characters on the left, A to F as : to ?. Nothing when it is no such code.

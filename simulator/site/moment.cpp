@@ -1,7 +1,10 @@
 #include "site/moment.h"
 
+#include <algorithm>
 #include <chrono>
+#include <cstdlib>
 #include <ctime>
+#include <limits>
 
 namespace site {
 
@@ -53,8 +56,21 @@ bool exists(const Date& date) {
   return calendar(date).ok();
 }
 
-int fullYear(int twoDigits) {
-  return twoDigits < 30 ? 2000 + twoDigits : 1900 + twoDigits;
+int nearestYear(int twoDigits, int month, int day, const Date& today) {
+  const auto days = [](const Date& date) {
+    return std::chrono::sys_days(calendar(date)).time_since_epoch().count();
+  };
+  const int first = (today.year / 100 - 1) * 100 + twoDigits;
+  int nearest = first;
+  long distance = std::numeric_limits<long>::max();
+  for (const int year : {first, first + 100, first + 200}) {
+    const Date date{year, month, day};
+    if (!exists(date)) continue;
+    const long away = std::labs(static_cast<long>(days(date) - days(today)));
+    if (away < distance) nearest = year;
+    distance = std::min(distance, away);
+  }
+  return nearest;
 }
 
 }  // namespace site

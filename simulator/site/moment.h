@@ -34,7 +34,8 @@ struct Moment {
 /// Whether the calendar has that day.
 [[nodiscard]] bool exists(const Date& date);
 
-/// 00 to 29 are 2000 to 2029, 30 to 99 are 1930 to 1999.
-[[nodiscard]] int fullYear(int twoDigits);
+/// The year that ends in the two digits and brings the day nearest to `today`; of two as near the earlier
+/// one.
+[[nodiscard]] int nearestYear(int twoDigits, int month, int day, const Date& today);
 
 }  // namespace site

@@ -89,7 +89,7 @@ std::int16_t AccessGroup::sendCards(std::int16_t id, std::int16_t readerId) {
 void AccessGroup::addReaderToDefaultGroup(std::int16_t readerId) {
   library_.attempt({"msgCantAddToDefaultGroup", "AccessGroups.addReaderToDefaultGroup"}, [&] {
     const std::string reader = std::to_string(readerId);
-    Transaction transaction(library_.engine());
+    Transaction transaction(library_.engine(), database());
     database().execute(
         "insert into AccGroupReaders ( AccessGroupId, ReaderId, WeeklyProgType, WeeklyProgNum )values ( 0, " +
         reader + ", 'C', 0 )");

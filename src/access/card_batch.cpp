@@ -12,6 +12,7 @@
 #include "comm/com.h"
 #include "files/command_file.h"
 #include "messages/strings.h"
+#include "platform/clock.h"
 #include "platform/database/database.h"
 #include "platform/text.h"
 
@@ -73,7 +74,7 @@ class Batch {
   void reportLeftOut();
 
  private:
-  [[nodiscard]] Database& database() { return *library_.QDB().DB(); }
+  [[nodiscard]] Database& database() { return library_.QDB().database(); }
   [[nodiscard]] std::string numbers() const {
     return "cardNum between " + std::to_string(firstNum_) + " and " + std::to_string(lastNum_);
   }
@@ -120,7 +121,7 @@ void Batch::writeBlock(const GrantedController& controller, const std::vector<st
   for (std::int16_t i = 0; i < cards_; ++i) {
     card.number = firstNum_ + i;
     card.code = addToCardCode(firstCode_, i);
-    for (std::string& line : cardLines(card, rights, lifts, controller.type))
+    for (std::string& line : cardLines(card, rights, lifts, controller.type, library_.clock().now()))
       block.push_back(std::move(line));
   }
   library_.CommandFile().write(block);
@@ -198,13 +199,21 @@ void Batch::reportLeftOut() {
 std::int16_t Cardholder::createGroup(std::int32_t firstCardNum, const std::string& firstCardCode,
                                      std::int16_t nCards, std::int16_t accessGroupId, bool GroupMode) {
   eraseUnfinishedBlocks(library_);
+  std::int16_t status = 0;
+  // Also what a failing send shows: its cards are not to stay on the controllers until somebody has read it.
+  library_.showLater(
+      [&] { status = createBatch(firstCardNum, firstCardCode, nCards, accessGroupId, GroupMode); });
+  return status;
+}
+
+std::int16_t Cardholder::createBatch(std::int32_t firstCardNum, const std::string& firstCardCode,
+                                     std::int16_t nCards, std::int16_t accessGroupId, bool GroupMode) {
   std::optional<Batch> batch;
   bool clash = false;
   const std::int16_t status = library_.attempt([&]() -> std::int16_t {
     batch.emplace(library_, firstCardNum, firstCardCode, nCards, accessGroupId);
-    (void)database();
     if ((clash = batch->clashes())) return inUse;
-    Transaction transaction(library_.engine());
+    Transaction transaction(library_.engine(), database());
     batch->insert(GroupMode);
     if (const std::int16_t failed = batch->send(); failed != 0) return failed;
     transaction.commit();

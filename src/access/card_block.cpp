@@ -62,7 +62,7 @@ bool canBeAsked(Library& library, const ControllerPlace& place) {
 
 /// The numbers of the block that no card of the table has on the controller.
 std::vector<std::int32_t> strays(Library& library, const Note& note, const ControllerPlace& place) {
-  Database& database = *library.QDB().DB();
+  Database& database = library.QDB().database();
   std::set<std::int16_t> groups;
   for (const auto rows = database.openRecordset(
            "select a.AccessGroupId from AccGroupReaders as a, Readers as r where a.ReaderId = r.Id and "

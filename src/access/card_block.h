@@ -2,17 +2,14 @@
 
 #include <cstdint>
 #include <optional>
-#include <utility>
 #include <vector>
 
+#include "comm/com_types.h"
 #include "platform/files.h"
 
 namespace voxa {
 
 class Library;
-
-/// Station and address of a controller.
-using ControllerPlace = std::pair<std::int16_t, std::int16_t>;
 
 /// Erases cards on a controller; whether it confirmed. Otherwise a line in `Com.errorList` tells what is
 /// still on it.

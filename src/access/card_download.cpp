@@ -9,6 +9,7 @@
 #include "comm/com.h"
 #include "files/command_file.h"
 #include "files/conversions.h"
+#include "platform/clock.h"
 #include "platform/database/database.h"
 
 namespace voxa {
@@ -66,7 +67,7 @@ std::int16_t CardDownload::sendCard(std::int32_t id, const CardParts& anyway) {
   if (sending.card.parts.none()) return 0;
   Sent sent{id, true, cards_.currentValues(), sending.card.parts};
   if (!isNobodys(sending.card)) {
-    for (const GrantedController& controller : controllersOf(*library_.QDB().DB(), sending.group)) {
+    for (const GrantedController& controller : controllersOf(library_.QDB().database(), sending.group)) {
       sent.everywhere = sendTo(controller, sending) && sent.everywhere;
     }
   }
@@ -89,7 +90,7 @@ bool CardDownload::sendTo(const GrantedController& controller, Sending& sending)
     inactiveStations_.add(controller.stationName);
     return complete_ = false;
   }
-  Database& database = *library_.QDB().DB();
+  Database& database = library_.QDB().database();
   if (const std::string fault = faultOf(database, sending.group, controller); !fault.empty()) {
     refuse(sending, fault);
     return false;
@@ -99,7 +100,8 @@ bool CardDownload::sendTo(const GrantedController& controller, Sending& sending)
   const Reading reading(database);
   if (!com.TestSend(controller.station, controller.address)) return complete_ = false;
   library_.CommandFile().write(cardLines(sending.card, controller.rights(),
-                                         liftOutputs(database, sending.id, controller), controller.type));
+                                         liftOutputs(database, sending.id, controller), controller.type,
+                                         library_.clock().now()));
   const std::int16_t result = com.sendTested(controller.station, controller.address);
   if (sending.status == 0) sending.status = result;
   return result == 0;
@@ -107,14 +109,14 @@ bool CardDownload::sendTo(const GrantedController& controller, Sending& sending)
 
 void CardDownload::tellOfTwoPrograms(const GrantedController& controller, std::int16_t group) {
   if (!conflicts_.emplace(group, controller.station, controller.address).second) return;
-  twoPrograms_.add(shutSides(*library_.QDB().DB(), group, controller));
+  twoPrograms_.add(shutSides(library_.QDB().database(), group, controller));
 }
 
 // Whether there is nothing to send of it: a deleted card whose number another card has now, which is that
 // one's business, or none that a controller could know. Raises what two live cards have in common.
 bool CardDownload::isNobodys(const CardRecord& card) {
   if (card.deleted && card.number == 0) return true;
-  const auto holders = library_.QDB().DB()->openRecordset(
+  const auto holders = library_.QDB().database().openRecordset(
       "select Name from Cardholders where CardNum = " + std::to_string(card.number) + " and Deleted = false");
   if (card.deleted) return !holders->eof();
   std::string names;
@@ -129,7 +131,7 @@ bool CardDownload::isNobodys(const CardRecord& card) {
 void CardDownload::finish() {
   if (sent_.empty()) return;
   const std::int16_t status = library_.attempt({"msgUnexpecErr", "Cardholder.downloadI"}, [&] {
-    Transaction transaction(library_.engine());
+    Transaction transaction(library_.engine(), library_.QDB().database());
     for (const Sent& card : sent_) writeFlags(card);
     transaction.commit();
   });

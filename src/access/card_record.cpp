@@ -2,9 +2,9 @@
 
 #include <array>
 
+#include "comm/controller_date.h"
 #include "files/conversions.h"
 #include "platform/database/database.h"
-#include "platform/datetime.h"
 #include "platform/text.h"
 
 namespace voxa {
@@ -75,7 +75,7 @@ std::string controllerCode(std::string_view code) {
   std::string converted;
   for (const char c : code) {
     const bool upper = c >= 'A' && c <= 'F';
-    if (c >= '0' && c <= '9') {
+    if (c >= '0' && c <= '?') {
       converted += c;
     } else if (upper || (c >= 'a' && c <= 'f')) {
       converted += static_cast<char>(c - (upper ? 'A' : 'a') + ':');
@@ -94,7 +94,7 @@ std::string convertCardCode(std::string_view code) {
 
 std::vector<std::string> cardLines(const CardRecord& card, const CardRights& rights,
                                    const std::vector<std::int16_t>& liftOutputs,
-                                   std::string_view controllerType) {
+                                   std::string_view controllerType, DateTime today) {
   Lines lines(card.number, controllerType == "VRMD1");
   // A card that is gone, or has no code any more, must not be left with the old one.
   if (card.deleted || (card.parts[cardCodePart] && card.code.empty())) {
@@ -111,9 +111,8 @@ std::vector<std::string> cardLines(const CardRecord& card, const CardRights& rig
   if (card.parts[pinCodePart]) lines.add("19", numberField(card.pinCode, 0, 4, "personal code"));
   if (card.parts[supervisorPart]) lines.supervisor(card.supervisor);
   if (card.parts[validationDatePart]) {
-    lines.add("35", card.validationDate.isNull()
-                        ? noDate
-                        : formatDateTime(card.validationDate.toDateTime(), "ddmmyy"));
+    lines.add("35", card.validationDate.isNull() ? noDate
+                                                 : controllerDate(card.validationDate.toDateTime(), today));
   }
   if (card.parts[creditPart]) lines.add("36", numberField(card.credit, 0, 2, "credit"));
   for (const std::int16_t output : liftOutputs) lines.lift(output);

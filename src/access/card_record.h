@@ -33,7 +33,7 @@ struct CardRecord {
   explicit CardRecord(const Recordset& row);  ///< of a row with all columns of "Cardholders"
 
   std::int32_t number = 0;  ///< 1 to 9999 on the controllers
-  std::string code;         ///< up to 8 characters 0-9, A-F; "" for a card that has none
+  std::string code;         ///< up to 8 characters 0-9, A-F or ":" to "?"; "" for a card that has none
   bool deleted = false;
   bool validated = true;
   std::int16_t pinCode = 0;
@@ -54,8 +54,8 @@ struct CardRights {
 [[nodiscard]] std::string clearCardLine(std::int32_t cardNum);
 
 /// A code, of a card or a site, as the controllers spell it: digits as they are, the letters A to F (in any
-/// case) as the six characters behind 9, ":" to "?". Any other character, or more than eight, raises
-/// `err::invalidArgument`.
+/// case) as the six characters behind 9, ":" to "?". These stay as they are: in the codes of unknown cards
+/// the controllers spell so, too. Any other character, or more than eight, raises `err::invalidArgument`.
 [[nodiscard]] std::string controllerCode(std::string_view code);
 /// The same with blanks on the left to 8 characters, as a card's code goes into its line.
 [[nodiscard]] std::string convertCardCode(std::string_view code);
@@ -66,9 +66,10 @@ struct CardRights {
 ///   with the card number in four digits behind the command; then 37 with each lift output (two digits).
 /// A VRMD1 controller wants the command, the record version 01, the number and the value separated by ";",
 /// the lift lines excepted. A number that its width cannot hold, and a card without a number, raise
-/// `err::overflow`: the line would be read as another card's.
+/// `err::overflow`: the line would be read as another card's; so does a last day that the controllers would
+/// take for another one `today` (controller_date.h).
 [[nodiscard]] std::vector<std::string> cardLines(const CardRecord& card, const CardRights& rights,
                                                  const std::vector<std::int16_t>& liftOutputs,
-                                                 std::string_view controllerType);
+                                                 std::string_view controllerType, DateTime today);
 
 }  // namespace voxa

@@ -51,6 +51,8 @@ class Cardholder : public Table {
   std::int16_t createRelations() override;
 
  private:
+  std::int16_t createBatch(std::int32_t firstCardNum, const std::string& firstCardCode, std::int16_t nCards,
+                           std::int16_t accessGroupId, bool GroupMode);
   std::int16_t conclude(CardDownload& download, const char* method, std::int16_t params);
 };
 

@@ -36,16 +36,18 @@ std::string GenTable::context(const char* member) const {
   return "(" + std::string(member) + ") " + table_.Name();
 }
 
-std::unique_ptr<Recordset> GenTable::open(const std::string& sql) const {
-  const auto database = table_.getDB();
-  if (!database) throw Error(err::objectNotSet, "No database is open");
-  return database->openRecordset(sql);
+Database& GenTable::database() const {
+  return *requireOpen(table_.getDB());
+}
+
+Recordset& GenTable::current() const {
+  if (!rows_) throw Error(err::objectNotSet, "No rows of table '" + table_.Name() + "' are open");
+  return *rows_;
 }
 
 void GenTable::buildTable() {
   library_.attempt({"msgCantCreateTable", table_.Name() + ".create"}, [&] {
-    const auto database = table_.getDB();
-    if (!database) throw Error(err::objectNotSet, "No database is open");
+    Database& database = this->database();
     TableDef td;
     td.name = table_.Name();
     building_ = &td;
@@ -54,7 +56,7 @@ void GenTable::buildTable() {
     for (FieldDef& field : td.fields) {
       if (isText(field.type)) field.allowZeroLength = true;
     }
-    database->createTable(td);
+    database.createTable(td);
   });
   building_ = nullptr;
 }
@@ -71,25 +73,27 @@ void GenTable::appendField(const std::string& fldName, DataType dataType, int si
 }
 
 std::int16_t GenTable::getFreeValue(const std::string& field, const std::string& condition) {
-  std::int32_t last = 0;
+  std::int16_t free = -1;
   library_.attempt({"msgUnexpecErr", context("getFreeValue")}, [&] {
-    rows_ = open("select " + field + " from " + table_.Name() +
-                 (condition.empty() ? "" : " WHERE " + condition) + " order by " + field + " asc");
+    rows_ = database().openRecordset("select " + field + " from " + table_.Name() +
+                                     (condition.empty() ? "" : " WHERE " + condition) + " order by " + field +
+                                     " asc");
+    std::int32_t last = 0;
     for (; !rows_->eof(); rows_->moveNext()) {
       const std::int32_t value = rows_->get(std::size_t{0}).toInt32();
       if (value > last + 1) break;
       last = value;
     }
-    (void)Value(last + 1).toInt16();  // raises overflow: a full 16-bit column has no free value left
+    free = Value(last + 1).toInt16();  // raises overflow: a full 16-bit column has no free value left
   });
   rows_.reset();
-  return static_cast<std::int16_t>(last + 1);
+  return free;
 }
 
 std::int16_t GenTable::getId(const std::string& condition) {
   std::int16_t id = -1;
   library_.attempt([&] {
-    rows_ = open("select Id from " + table_.Name() + " where " + condition);
+    rows_ = database().openRecordset("select Id from " + table_.Name() + " where " + condition);
     if (!rows_->eof()) id = rows_->get("Id").toInt16();
   });
   library_.error().clear();
@@ -98,85 +102,89 @@ std::int16_t GenTable::getId(const std::string& condition) {
 }
 
 bool GenTable::openWhere(const std::string& condition) {
-  rows_ = open("select * from " + table_.Name() + " WHERE " + condition);
+  rows_ = database().openRecordset("select * from " + table_.Name() + " WHERE " + condition);
   return rows_->eof();
 }
 
-std::int16_t GenTable::setTableFlagsD(bool value, const std::string& condition) {
-  const std::int16_t status = library_.attempt({"msgUnexpecErr", context("setTableFlagsD")}, [&] {
-    Transaction transaction(library_.engine());
-    rows_ = open("select * from " + table_.Name() + (condition.empty() ? "" : " WHERE " + condition));
-    for (; !rows_->eof(); rows_->moveNext()) {
-      const std::int16_t failed = setFlagsD(value);
-      if (failed != 0) return failed;
-    }
-    transaction.commit();
-    return std::int16_t{0};
+/// Up to the first row that fails, which has been shown then. One transaction: the disk is waited for once.
+std::int16_t GenTable::changeRows(const std::string& source, const std::function<std::int16_t()>& changeRow) {
+  std::int16_t status = 0;
+  const auto change = [&] {
+    Transaction transaction(library_.engine(), database());
+    rows_ = database().openRecordset(source);
+    std::int16_t failed = 0;
+    for (; failed == 0 && !rows_->eof(); rows_->moveNext()) failed = changeRow();
+    // What stands before the row that failed stays, unless a full disk undid it.
+    if (failed == 0 || library_.engine().inTransaction()) transaction.commit();
+    return failed;
+  };
+  library_.showLater([&] {
+    status = library_.attempt({"msgUnexpecErr", context("setTableFlagsD")}, change);
   });
   rows_.reset();
   return status;
 }
 
+std::int16_t GenTable::setTableFlagsD(bool value, const std::string& condition) {
+  return changeRows("select * from " + table_.Name() + (condition.empty() ? "" : " WHERE " + condition),
+                    [&] { return setFlagsD(value); });
+}
+
 std::int16_t GenTable::setFlagsD(bool value) {
-  return library_.attempt({"", table_.Name() + ".setFlagsD"}, [&] {
-    for (std::size_t i = 0; i < rows_->fieldCount(); ++i) {
-      if (!isFlagD(rows_->field(i).name) || isSet(rows_->get(i)) == value) continue;
-      if (!rows_->editing()) rows_->edit();
-      rows_->set(i, value);
-    }
-    if (rows_->editing()) rows_->update();
-  });
+  return library_.attempt({"", table_.Name() + ".setFlagsD"}, [&] { writeFlags(value); });
+}
+
+void GenTable::writeFlags(bool value) {
+  Recordset& row = current();
+  for (std::size_t i = 0; i < row.fieldCount(); ++i) {
+    if (!isFlagD(row.field(i).name) || isSet(row.get(i)) == value) continue;
+    if (!row.editing()) row.edit();
+    row.set(i, value);
+  }
+  if (row.editing()) row.update();
 }
 
 std::int16_t GenTable::fillNulls() {
   return library_.attempt({"msgUnexpecErr", context("setFlagsD")}, [&] {
-    for (std::size_t i = 0; i < rows_->fieldCount(); ++i) {
-      if (!rows_->get(i).isNull()) continue;
-      rows_->edit();
-      rows_->set(i, isText(rows_->field(i).type) ? Value("") : Value(std::int16_t{0}));
-      rows_->update();
+    Recordset& row = current();
+    for (std::size_t i = 0; i < row.fieldCount(); ++i) {
+      if (!row.get(i).isNull()) continue;
+      row.edit();
+      row.set(i, isText(row.field(i).type) ? Value("") : Value(std::int16_t{0}));
+      row.update();
     }
   });
 }
 
 std::int16_t GenTable::fillTableNulls() {
-  return library_.attempt({"msgUnexpecErr", context("setTableFlagsD")}, [&] {
-    Transaction transaction(library_.engine());
-    rows_ = open(table_.Name());
-    for (; !rows_->eof(); rows_->moveNext()) {
-      const std::int16_t failed = fillNulls();
-      if (failed != 0) return failed;
-    }
-    rows_.reset();
-    transaction.commit();
-    return std::int16_t{0};
-  });
+  return changeRows(table_.Name(), [&] { return fillNulls(); });
 }
 
 bool GenTable::getFlagDSetFound() {
   bool found = false;
   library_.attempt({"msgUnexpecErr", context("getFlagsDSet")}, [&] {
-    for (std::size_t i = 0; i < rows_->fieldCount() && !found; ++i) {
-      found = isFlagD(rows_->field(i).name) && isSet(rows_->get(i));
+    const Recordset& row = current();
+    for (std::size_t i = 0; i < row.fieldCount() && !found; ++i) {
+      found = isFlagD(row.field(i).name) && isSet(row.get(i));
     }
   });
   return found;
 }
 
 std::vector<Value> GenTable::currentValues() const {
+  const Recordset& row = current();
   std::vector<Value> values;
-  values.reserve(rows_->fieldCount());
-  for (std::size_t i = 0; i < rows_->fieldCount(); ++i) values.push_back(rows_->get(i));
+  values.reserve(row.fieldCount());
+  for (std::size_t i = 0; i < row.fieldCount(); ++i) values.push_back(row.get(i));
   return values;
 }
 
 std::int16_t GenTable::clearFlagsOfSent(const std::string& condition, const std::vector<Value>& sent) {
   return library_.attempt({"", table_.Name() + ".setFlagsD"}, [&] {
-    Transaction transaction(library_.engine());
-    if (openWhere(condition) || currentValues() != sent) return std::int16_t{0};
-    const std::int16_t failed = setFlagsD(false);
-    if (failed == 0) transaction.commit();
-    return failed;
+    Transaction transaction(library_.engine(), database());
+    if (openWhere(condition) || currentValues() != sent) return;
+    writeFlags(false);
+    transaction.commit();
   });
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -9,6 +10,7 @@
 
 namespace voxa {
 
+class Database;
 class ITable;
 class Library;
 class Recordset;
@@ -20,7 +22,7 @@ struct TableDef;
 /// A FlagD column is a boolean column whose name ends in "FlagD", in any case: True means that the row, or
 /// that part of it, must still be sent to the controllers.
 ///
-/// Every member but appendField and openWhere shows its failures and raises none.
+/// Every member but appendField, openWhere and currentValues shows its failures and raises none.
 class GenTable {
  public:
   GenTable(Library& library, ITable& table);
@@ -32,10 +34,11 @@ class GenTable {
   /// size: 0 for the type's default. defaultValue: Null for none.
   void appendField(const std::string& fldName, DataType dataType, int size, const Value& defaultValue);
 
-  /// First free positive value of an integer column among the rows that satisfy `condition` ("" for all).
-  /// After a failure 1, which is in use or not: the failure has been shown.
+  /// First free positive value of an integer column among the rows that satisfy `condition` ("" for all). -1
+  /// when there is none, or after a failure, which has been shown.
   std::int16_t getFreeValue(const std::string& field, const std::string& condition);
-  /// Sets the FlagD columns of every row that satisfies `condition` ("" for all): all rows or none.
+  /// Sets the FlagD columns of every row that satisfies `condition` ("" for all), one after the other: when a
+  /// row fails, which is shown, those before it have the new value and those behind it the old one.
   std::int16_t setTableFlagsD(bool value, const std::string& condition);
   /// Sets the FlagD columns of the current row; rows that hold the value already are not written.
   std::int16_t setFlagsD(bool value);
@@ -54,7 +57,7 @@ class GenTable {
   void buildTable();
   /// Opens the rows that satisfy `condition`; true when there is NO such row. Failures are raised.
   bool openWhere(const std::string& condition);
-  std::int16_t fillTableNulls();
+  std::int16_t fillTableNulls();  ///< of every row, as setTableFlagsD does it
 
   /// The values of the current row, to be compared later.
   [[nodiscard]] std::vector<Value> currentValues() const;
@@ -63,8 +66,11 @@ class GenTable {
   std::int16_t clearFlagsOfSent(const std::string& condition, const std::vector<Value>& sent);
 
  private:
-  [[nodiscard]] std::unique_ptr<Recordset> open(const std::string& sql) const;
+  [[nodiscard]] Database& database() const;
+  [[nodiscard]] Recordset& current() const;  // raises `err::objectNotSet` before the first query
   [[nodiscard]] std::string context(const char* member) const;
+  std::int16_t changeRows(const std::string& source, const std::function<std::int16_t()>& changeRow);
+  void writeFlags(bool value);
 
   Library& library_;
   ITable& table_;

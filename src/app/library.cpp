@@ -1,9 +1,13 @@
 #include "app/library.h"
 
+#include <exception>
+
 #include "app/qdb.h"
 #include "comm/com.h"
 #include "files/command_file.h"
 #include "messages/strings.h"
+#include "platform/database/database.h"
+#include "platform/ui/prompts.h"
 
 namespace voxa {
 
@@ -39,6 +43,32 @@ std::int16_t Library::recordFailure() {
 void Library::report(const FailureMessage& message) {
   Strings().display(message.mnemonic, message.method, message.argument);
   error_.clear();
+}
+
+void Library::show(const std::string& prompt, int style, const std::string& title) {
+  if (showingLater_ > 0) {
+    messages_.push_back({prompt, style, title});
+    return;
+  }
+  for (const auto& database : engine().databases()) database->endReading();
+  prompts().messageBox(prompt, style, title);
+}
+
+void Library::showLater(const std::function<void()>& body) {
+  std::exception_ptr failure;
+  ++showingLater_;
+  try {
+    body();
+  } catch (...) {
+    failure = std::current_exception();
+  }
+  --showingLater_;
+  while (showingLater_ == 0 && !messages_.empty()) {
+    const Message message = std::move(messages_.front());
+    messages_.pop_front();
+    show(message.prompt, message.style, message.title);
+  }
+  if (failure) std::rethrow_exception(failure);
 }
 
 std::int16_t Library::takeFileNumber() {

@@ -54,6 +54,10 @@ QDB::~QDB() {
   }
 }
 
+Database& QDB::database() const {
+  return *requireOpen(database_);
+}
+
 void QDB::registerTable(ITable& table) {
   registry_.push_back(&table);
 }
@@ -81,16 +85,36 @@ std::int16_t QDB::openDB() {
   return 0;
 }
 
+/// Opens `Com.AppDB` after the file of the open database was closed; when that fails, as has been told, the
+/// database that was open.
+void QDB::reopen(const std::string& name) {
+  if (openCommonDB() == 0 || !database_ || database_->isOpen()) return;
+  library_.attempt([&] { database_ = library_.engine().open(name); });
+  library_.error().clear();
+}
+
+/// saveBeforeReplace, behind which a database that nothing may replace is open again, whatever failed.
+bool QDB::mayReplace(const Database& database, const char* mnemonic, bool overwriteAllowed,
+                     const std::function<void()>& openAgain) {
+  try {
+    if (!saveBeforeReplace(library_, database.name(), mnemonic, overwriteAllowed)) return true;
+  } catch (...) {
+    openAgain();
+    throw;
+  }
+  openAgain();
+  return false;
+}
+
 bool QDB::confirmReplace() {
-  if (!database_) return true;
-  const bool cancelled = saveBeforeReplace(library_, database_->name(), "msgCreateSaveDBYN", true);
-  if (cancelled) openCommonDB();
-  return !cancelled;
+  const std::shared_ptr<Database> current = database_;
+  if (!current || !current->isOpen()) return true;
+  return mayReplace(*current, "msgCreateSaveDBYN", true, [&] { reopen(current->name()); });
 }
 
 void QDB::buildTables() {
   // One transaction: a crash in the middle leaves no half-built tables, and the disk is waited for once.
-  Transaction transaction(library_.engine());
+  Transaction transaction(library_.engine(), *database_);
   for (ITable* table : registry_) {
     if (table->Name() == journal_->Name()) continue;
     if (table == dailyPrograms_.get()) {
@@ -109,14 +133,11 @@ std::int16_t QDB::createDB() {
   return library_.attempt({"msgCantCreateDB", "QDB.createDB"}, [&]() -> std::int16_t {
     if (!confirmReplace()) return -1;
     const BusyPointer busy(library_.prompts());
+    database_.reset();
     database_ = library_.engine().create(library_.Com().AppDB);
-    buildTables();
+    library_.showLater([&] { buildTables(); });
     if (const auto journal = journal_->DB(); journal && journal->isOpen()) {
-      if (saveBeforeReplace(library_, journal->name(), "msgJourSaveYN", false)) {
-        journal_->openDB();
-      } else {
-        journal_->createFile();
-      }
+      if (mayReplace(*journal, "msgJourSaveYN", false, [&] { journal_->openDB(); })) journal_->createFile();
     }
     return 0;
   });
@@ -125,11 +146,11 @@ std::int16_t QDB::createDB() {
 std::int16_t QDB::throughClosedFile(const char* method,
                                     const std::function<std::int16_t(const std::string&)>& work) {
   std::int16_t status = 0;
-  if (database_) {
-    status =
-        library_.attempt({"", method, Value(library_.Com().AppDB)}, [&] { return work(database_->name()); });
+  const std::string name = database_ ? database_->name() : "";
+  if (database_ && database_->isOpen()) {
+    status = library_.attempt({"", method, Value(library_.Com().AppDB)}, [&] { return work(name); });
   }
-  openCommonDB();
+  reopen(name);
   return status;
 }
 

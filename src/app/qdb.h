@@ -35,6 +35,8 @@ class QDB {
 
   /// The open main database; empty when none is open.
   [[nodiscard]] std::shared_ptr<Database> DB() const { return database_; }
+  /// The same for whoever cannot do without: raises `err::objectNotSet` when none is open.
+  [[nodiscard]] Database& database() const;
 
   [[nodiscard]] ::voxa::Cardholder& Cardholders() { return *cardholders_; }
   [[nodiscard]] ::voxa::Reader& Readers() { return *readers_; }
@@ -68,6 +70,9 @@ class QDB {
  private:
   void registerTable(ITable& table);
   bool confirmReplace();  // true when a new database may be created
+  bool mayReplace(const Database& database, const char* mnemonic, bool overwriteAllowed,
+                  const std::function<void()>& openAgain);
+  void reopen(const std::string& name);
   void buildTables();
   std::int16_t throughClosedFile(const char* method,
                                  const std::function<std::int16_t(const std::string&)>& work);

@@ -24,9 +24,7 @@ std::int16_t Table::setTableFlagsD(bool flagD) {
 }
 
 Database& Table::database() {
-  const auto database = getDB();  // the container keeps it open while we work
-  if (!database) throw Error(err::objectNotSet, "No database is open");
-  return *database;
+  return *requireOpen(getDB());  // the container keeps it open while we work
 }
 
 std::unique_ptr<Recordset> Table::rows(const std::string& sql) {

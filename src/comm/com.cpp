@@ -42,9 +42,7 @@ bool skipsTest(ComCommandsEnum command, std::int16_t controller) {
 Com::Com(Library& library) : library_(library), inter_(library) {}
 
 std::shared_ptr<Database> Com::database() {
-  auto database = library_.QDB().DB();
-  if (!database) throw Error(err::objectNotSet, "No database is open");
-  return database;
+  return requireOpen(library_.QDB().DB());
 }
 
 void Com::log(const std::string& event, bool withCommands, bool last) {

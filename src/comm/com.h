@@ -2,8 +2,10 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -53,17 +55,21 @@ class Com {
   /// Send(CmSendCommand) to a controller of which TestSend has just said that it may be addressed. Ends a
   /// Reading that both are part of before the driver is called.
   std::int16_t sendTested(std::int16_t StationID, std::int16_t ControllerAddr);
-  /// Refreshes the status of the component's controllers; true when none is marked as not answering.
+  /// Refreshes the status of the component's controllers; true when every station could be read and no
+  /// controller is marked as not answering.
   bool TestCom(ComponentType compType = CTActiveStations, const std::string& compName = "");
   /// Asks whether to abort when controllers of the component are marked as not answering; true: abort.
   bool MsgChooseAbort(ComponentType compType = CTActiveStations, const std::string& compName = "");
   /// Reads the dates of a station's controllers, of all active stations when none is given, and writes what
-  /// answered into ComStatus. Only what the driver leaves during the read counts: the result file of an
-  /// earlier one is deleted first. controllerID changes nothing: a station is read as a whole.
+  /// answered into ComStatus. Only what the driver leaves during the read counts, whatever its result: the
+  /// result file of an earlier one is deleted first. A station that cannot be read is told by its name and
+  /// stops no other. controllerID changes nothing: a station is read as a whole.
   void UpdateComStatus(std::optional<std::int16_t> StationID = {},
                        std::optional<std::int16_t> controllerID = {});
   void updateDBComStatus(std::int16_t StationID, std::int16_t controllerID, std::int16_t Status,
                          DateTime mDate);
+  /// A controller has just answered, whatever the last test found: what is sent does not pass it over.
+  void noteAnswer(std::int16_t StationID, std::int16_t controllerID);
   /// "Local Controller 3  -  Front door": station, controller unless 0 or 95, the controller's readers.
   [[nodiscard]] std::string getName(std::int16_t StationID, std::int16_t ControllerAddr);
   /// A fresh, silent date read of the controller, or of the station without its old result file.
@@ -80,11 +86,20 @@ class Com {
   std::int16_t sendCommand(const std::string& commandCode, ComponentType compType = CTActiveStations,
                            const std::string& compName = "");
 
+  /// The component's controllers that the last test does not know to answer: those that did not, and those
+  /// with a reader on a station in use of which it says nothing, since the station's read failed as a whole
+  /// or left them out. The last may be addressed (TestSend); whoever takes nobody's silence for an answer
+  /// counts them in. While communications are inhibited only the first.
+  [[nodiscard]] std::vector<ControllerPlace> notKnownToAnswer(ComponentType compType,
+                                                              const std::string& compName);
   /// The test that precedes a download or read: tests the component and lets the person abort when a
   /// controller does not answer and communications are not inhibited. False: the person chose to abort.
   /// alreadyTested: may be null; when true nothing is tested; true afterwards unless the person chose to
   /// abort.
   [[nodiscard]] bool readyToSend(ComponentType compType, const std::string& compName, bool* alreadyTested);
+  /// The same for a caller that takes nobody's silence for an answer: a controller that is not known to
+  /// answer is marked as not answering, asked about, and passed over by what is sent.
+  [[nodiscard]] bool readyToSendToKnown(ComponentType compType, const std::string& compName);
 
  private:
   static constexpr std::int16_t perController = 247;  // the station result file tells who did not answer
@@ -101,7 +116,12 @@ class Com {
   std::int16_t callDriver(ComCommandsEnum command, Target target, std::int16_t driverAddress);
   void recordFailure(std::int16_t result, ComCommandsEnum command, Target target, std::int16_t driverAddress);
   std::int16_t eachActiveStation(ComCommandsEnum command, std::int16_t address);
-  void updateStation(std::int16_t station);
+  /// UpdateComStatus; false when a station could not be read.
+  bool refresh(std::optional<std::int16_t> onlyStation);
+  bool refreshStation(std::int16_t station);
+  bool readStation(std::int16_t station);
+  /// Marks the component's controllers that are not known to answer; false when all are marked already.
+  bool markUnknown(ComponentType compType, const std::string& compName);
   void storeStation(std::int16_t station, const StationResult& result);
   [[nodiscard]] std::vector<Target> notAnswering(ComponentType compType, const std::string& compName);
   [[nodiscard]] std::string resultFileName(std::int16_t station) const;
@@ -113,6 +133,8 @@ class Com {
 
   Library& library_;
   Inter inter_;
+  // Who answered the last refresh of a station: ComStatus keeps what an earlier one found of the others.
+  std::map<std::int16_t, std::set<std::int16_t>> answering_;
 };
 
 }  // namespace voxa

@@ -22,6 +22,10 @@ namespace {
 constexpr std::int16_t answered = 1;
 constexpr std::int16_t notAnswered = -1;
 
+FailureMessage cantRefresh() {
+  return {"msgUnexpecErr", "Com.UpdateComStatus"};
+}
+
 DateTime noDate() {
   return toDateTime({1980, 1, 1, 0, 0, 0});
 }
@@ -75,33 +79,68 @@ void Com::updateDBComStatus(std::int16_t StationID, std::int16_t controllerID, s
   rows->update();
 }
 
+void Com::noteAnswer(std::int16_t StationID, std::int16_t controllerID) {
+  if (TestSend(StationID, controllerID)) return;
+  updateDBComStatus(StationID, controllerID, answered, noDate());
+  answering_[StationID].insert(controllerID);
+}
+
 void Com::UpdateComStatus(std::optional<std::int16_t> StationID,
                           std::optional<std::int16_t> /*controllerID*/) {
-  library_.attempt({"msgUnexpecErr", "Com.UpdateComStatus"}, [&] {
+  (void)refresh(StationID);
+}
+
+bool Com::refresh(std::optional<std::int16_t> onlyStation) {
+  bool allRead = true;
+  const std::int16_t failed = library_.attempt(cantRefresh(), [&] {
     std::string query = "select Id From Stations where Active = true";
-    if (StationID) {
-      query = "Select ID From Stations where ID = " + std::to_string(*StationID);
+    if (onlyStation) {
+      query = "Select ID From Stations where ID = " + std::to_string(*onlyStation);
     } else {
       database()->execute("DELETE ComStatus.* FROM ComStatus");
     }
     const auto stations = database()->openRecordset(query);
-    for (; !stations->eof(); stations->moveNext()) updateStation(stations->get("Id").toInt16());
+    for (; !stations->eof(); stations->moveNext()) {
+      allRead = refreshStation(stations->get("Id").toInt16()) && allRead;
+    }
   });
+  return failed == 0 && allRead;
 }
 
-void Com::updateStation(std::int16_t station) {
+bool Com::refreshStation(std::int16_t station) {
+  bool read = false;
+  answering_[station].clear();
+  library_.attempt(cantRefresh(), [&] {
+    try {
+      read = readStation(station);
+    } catch (const Error& failure) {
+      throw Error(failure.number(), getName(station, CmToEachController) + ": " + failure.description());
+    }
+  });
+  return read;
+}
+
+bool Com::readStation(std::int16_t station) {
+  const bool inUse = isInUse(station);
   library_.QDB().Stations().createIniFile(station);
   if (!inhibitCom) removeResultFile(station);  // that of an earlier read would pass for the answer
-  const std::int16_t result = Send(CmReadDate, station, CmToEachController);
-  // A read that failed as a whole, and has said so, tells nothing about single controllers.
-  if (result != 0 && result != perController) return;
+  const std::int16_t sent = Send(CmReadDate, station, CmToEachController);
+  if (!inUse) return true;  // which the send has said, and nobody was asked
   const std::string resultFile = resultFileName(station);
-  if (inhibitCom && !files::exists(resultFile)) return;  // nobody was ever asked
-  storeStation(station, readStationResult(library_, resultFile));
+  const bool leftFile = files::exists(resultFile);
+  if (inhibitCom && !leftFile) return true;  // nobody was ever asked
+  // A read that failed as a whole, and has said so, tells nothing about single controllers.
+  if (!leftFile && sent != 0 && sent != perController) return false;
+  const StationResult result = readStationResult(library_, resultFile);
+  storeStation(station, result);
+  for (std::int16_t address = 1; address <= StationResult::controllers; ++address) {
+    if (result.answered(address)) answering_[station].insert(address);
+  }
+  return true;
 }
 
 void Com::storeStation(std::int16_t station, const StationResult& result) {
-  Transaction transaction(library_.engine());
+  Transaction transaction(library_.engine(), *database());
   for (std::int16_t address = 1; address <= StationResult::controllers; ++address) {
     if (result.answered(address)) {
       updateDBComStatus(station, address, answered, result.date(address).value_or(noDate()));
@@ -115,10 +154,11 @@ void Com::storeStation(std::int16_t station, const StationResult& result) {
 bool Com::TestCom(ComponentType compType, const std::string& compName) {
   bool allAnswer = false;
   library_.attempt({"msgUnexpecErr", "Com.TestCom"}, [&] {
+    bool allRead = true;
     std::string query;
     switch (compType) {
       case CTActiveStations:
-        UpdateComStatus();
+        allRead = refresh({});
         query =
             "select * From ComStatus, Stations where ComStatus.StationID = Stations.ID and "
             "abs(Stations.Active)=1 ";
@@ -126,7 +166,7 @@ bool Com::TestCom(ComponentType compType, const std::string& compName) {
       case CTStation: {
         const auto stations =
             database()->openRecordset("select * From Stations where Stations.Name = '" + compName + "'");
-        if (!stations->eof()) UpdateComStatus(stations->get("Id").toInt16());
+        if (!stations->eof()) allRead = refresh(stations->get("Id").toInt16());
         query =
             "select * From ComStatus, Stations where ComStatus.StationID = Stations.ID and "
             "abs(Stations.Active)=1 and Stations.Name = '" +
@@ -136,9 +176,7 @@ bool Com::TestCom(ComponentType compType, const std::string& compName) {
       case CTReader: {
         const auto readers =
             database()->openRecordset("select * From Readers where  Readers.Name = '" + compName + "'");
-        if (!readers->eof()) {
-          UpdateComStatus(readers->get("StationID").toInt16(), readers->get("ControllerAddress").toInt16());
-        }
+        if (!readers->eof()) allRead = refresh(readers->get("StationID").toInt16());
         query =
             "select * From ComStatus, Readers where CtrAddr = Readers.ControllerAddress and  "
             "ComStatus.StationID=[Readers].[StationID] and Readers.Name = '" +
@@ -147,7 +185,7 @@ bool Com::TestCom(ComponentType compType, const std::string& compName) {
       }
     }
     const auto rows = database()->openRecordset(query);
-    allAnswer = true;
+    allAnswer = allRead;
     for (; !rows->eof() && allAnswer; rows->moveNext()) {
       allAnswer = rows->get("Status") != Value(notAnswered);
     }
@@ -204,6 +242,60 @@ bool Com::MsgChooseAbort(ComponentType compType, const std::string& compName) {
     }
   });
   return abort;
+}
+
+std::vector<ControllerPlace> Com::notKnownToAnswer(ComponentType compType, const std::string& compName) {
+  const auto concerns = [&](ComponentType type, const Value& name) {
+    return compType == CTActiveStations || (compType == type && equalNoCase(name.toText(), compName));
+  };
+  std::set<ControllerPlace> answering;
+  std::set<ControllerPlace> silent;
+  std::set<ControllerPlace> found;
+  const auto rows = database()->openRecordset(
+      "select StationID, CtrAddr, Status, Name from ComStatus, Stations where ComStatus.StationID = "
+      "Stations.ID");
+  for (; !rows->eof(); rows->moveNext()) {
+    const ControllerPlace place{rows->get("StationID").toInt16(), rows->get("CtrAddr").toInt16()};
+    if (rows->get("Status") == Value(notAnswered)) {
+      silent.insert(place);
+      if (concerns(CTStation, rows->get("Name"))) found.insert(place);
+    } else if (!answering_.contains(place.first) || answering_[place.first].contains(place.second)) {
+      answering.insert(place);
+    }
+  }
+  const auto readers = database()->openRecordset(
+      "select StationId, ControllerAddress, Readers.Name as Reader, Stations.Name as Station, Active "
+      "from Readers inner join Stations on Readers.StationId = Stations.Id "
+      "where ControllerAddress is not null");
+  for (; !readers->eof(); readers->moveNext()) {
+    const ControllerPlace place{readers->get("StationId").toInt16(),
+                                readers->get("ControllerAddress").toInt16()};
+    if (!concerns(CTStation, readers->get("Station")) && !concerns(CTReader, readers->get("Reader")))
+      continue;
+    const bool unknown = !inhibitCom && readers->get("Active").toBool() && !answering.contains(place);
+    if (unknown || silent.contains(place)) found.insert(place);
+  }
+  return {found.begin(), found.end()};
+}
+
+bool Com::markUnknown(ComponentType compType, const std::string& compName) {
+  bool marked = false;
+  for (const auto& [station, address] : notKnownToAnswer(compType, compName)) {
+    if (!TestSend(station, address)) continue;
+    updateDBComStatus(station, address, notAnswered, noDate());
+    marked = true;
+  }
+  return marked;
+}
+
+bool Com::readyToSendToKnown(ComponentType compType, const std::string& compName) {
+  const bool allAnswer = TestCom(compType, compName);
+  if (inhibitCom) return true;
+  // A person who lets it be tested again is asked about those again that are still not known to answer.
+  for (bool ask = markUnknown(compType, compName) || !allAnswer; ask; ask = markUnknown(compType, compName)) {
+    if (MsgChooseAbort(compType, compName)) return false;
+  }
+  return true;
 }
 
 bool Com::readyToSend(ComponentType compType, const std::string& compName, bool* alreadyTested) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <utility>
 
 #include "platform/driver/driver.h"
 
@@ -14,6 +15,9 @@ enum ComSpecialController : std::int16_t {
   CmToEachController = 0,  ///< station-wide: each controller that answered, in turn
   CmToAllControllers = 95  ///< broadcast on the station's line; nobody acknowledges
 };
+
+/// Station and address of a controller.
+using ControllerPlace = std::pair<std::int16_t, std::int16_t>;
 
 /// Bit flags of every download.
 enum DownloadParams : std::int16_t {

@@ -26,7 +26,7 @@ void requireAddress(Database& database, const Component& component) {
 std::int16_t sendRow(Library& library, GenTable& rows, const RowDownload& what, const Component& component,
                      std::vector<Value>& sent) {
   sent = rows.currentValues();
-  requireAddress(*library.QDB().DB(), component);
+  requireAddress(library.QDB().database(), component);
   library.CommandFile().write(what.lines(*rows.currentRecordset()));
   return library.Com().sendToComp(CmSendCommand, component.type, component.name);
 }
@@ -64,10 +64,8 @@ std::int16_t downloadRow(Library& library, GenTable& rows, const RowDownload& wh
 
 std::int16_t downloadEach(Library& library, const std::string& query,
                           const std::function<std::int16_t(const Recordset&)>& download) {
-  const auto database = library.QDB().DB();
-  if (!database) throw Error(err::objectNotSet, "No database is open");
   std::int16_t first = 0;
-  const auto rows = database->openRecordset(query);
+  const auto rows = library.QDB().database().openRecordset(query);
   for (; !rows->eof(); rows->moveNext()) {
     const std::int16_t status = download(*rows);
     if (first == 0) first = status;

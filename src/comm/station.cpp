@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "comm/com.h"
+#include "comm/modem_file.h"
 #include "files/command_file.h"
 #include "files/seq_file.h"
 #include "messages/strings.h"
@@ -42,14 +43,14 @@ std::string iniText(const Value& value) {
   return text;
 }
 
-/// The name of a file that the driver opens: one of the working folder, wherever the database came from.
-std::string fileOfFolder(const Value& value) {
-  std::string name = iniText(value);
-  if (name.find_first_of("/\\:") != std::string::npos || name == "..") {
+std::string modemFile(const Value& value) {
+  std::string path = value.isNull() ? "" : value.toText();
+  if (const std::string_view fault = modemFileFault(path); !fault.empty()) {
     throw Error(err::invalidArgument,
-                "Invalid argument: the modem's ini file is a file of the working folder, not " + name);
+                "Invalid argument: the modem's ini file is a file on this computer, not " +
+                    std::string(fault) + " (" + path + ")");
   }
-  return name;
+  return path;
 }
 
 }  // namespace
@@ -74,8 +75,10 @@ void Station::createIndexes(TableDef& td) {
 }
 
 void Station::insertDefaultRecs() {
-  database().execute("Insert into Stations ( Id, Name, Active ) values (" + std::to_string(getFreeId()) +
-                     ", '" + library_.Strings().read("nameStationLocal") + "', True )");
+  const std::int16_t id = getFreeId();
+  if (id == -1) throw Error(err::overflow, "Overflow: there is no free station number");
+  database().execute("Insert into Stations ( Id, Name, Active ) values (" + std::to_string(id) + ", '" +
+                     library_.Strings().read("nameStationLocal") + "', True )");
 }
 
 std::int16_t Station::getFreeId() {
@@ -152,7 +155,7 @@ std::vector<std::string> Station::iniLines(const Recordset& row, std::int16_t ti
       "NAM:" + iniText(row.get("Name")), "COM:" + std::to_string(row.get("ComPort").toInt32() + 1),
       "BDR:" + (Speed != 0 ? std::to_string(Speed) : row.get("ComSpeed").toText())};
   if (const std::string phone = iniText(row.get("Phone")); !phone.empty()) lines.push_back("TEL:" + phone);
-  if (const std::string modem = fileOfFolder(row.get("ModemIniFile")); !modem.empty()) {
+  if (const std::string modem = modemFile(row.get("ModemIniFile")); !modem.empty()) {
     lines.push_back("MDM:" + modem);
   }
   lines.push_back("CFL:" + library_.CommandFile().fileName());

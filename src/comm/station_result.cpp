@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <charconv>
 
+#include "app/library.h"
 #include "files/seq_file.h"
+#include "platform/clock.h"
 #include "platform/datetime.h"
 
 namespace voxa {
@@ -23,14 +25,20 @@ int numberAt(std::string_view line, std::size_t position, std::size_t width) {
   return error == std::errc() && end == field.data() + field.size() && number >= 0 ? number : -1;
 }
 
-void takeDateLine(std::string_view line, StationResult& result) {
+void takeDateLine(std::string_view line, DateTime today, StationResult& result) {
   const int address = numberAt(line, 5, 4);
   if (address < 1 || address > StationResult::controllers) return;
   auto& date = result.dates[static_cast<std::size_t>(address - 1)];
   if (date) return;
   const int year = numberAt(line, 17, 2);
-  const CivilTime parts{year < 0 ? -1 : fullYear(year), numberAt(line, 15, 2), numberAt(line, 13, 2),
-                        numberAt(line, 9, 2),           numberAt(line, 11, 2), 0};
+  const int month = numberAt(line, 15, 2);
+  const int day = numberAt(line, 13, 2);
+  const CivilTime parts{year < 0 ? -1 : fullYear(year, month, day, today),
+                        month,
+                        day,
+                        numberAt(line, 9, 2),
+                        numberAt(line, 11, 2),
+                        0};
   if (isValid(parts)) date = toDateTime(parts);
 }
 
@@ -47,9 +55,10 @@ StationResult readStationResult(Library& library, const std::string& path) {
     file.flineInput1252(line, result.statuses.size());
     std::copy(line.begin(), line.end(), result.statuses.begin());
   }
+  const DateTime today = library.clock().now();
   while (!file.fEOF()) {
     file.flineInput1252(line, dateLineSize);
-    takeDateLine(line, result);
+    takeDateLine(line, today, result);
   }
   file.fclose();
   return result;

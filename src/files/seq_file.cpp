@@ -8,7 +8,7 @@ namespace voxa {
 
 namespace {
 
-Value readAs(const std::string& item, const Value& wanted) {
+Value readAs(const std::string& item, const Value& wanted, const Clock& clock) {
   const auto asDefault = [&]() -> Value {
     try {
       const double number = Value(item).toDouble();
@@ -32,7 +32,7 @@ Value readAs(const std::string& item, const Value& wanted) {
     case 5:
       return Value(item).toDouble();
     case 6:
-      return Value(item).toDateTime();
+      return Value(item).toDateTime(&clock);
     default:
       return item;
   }
@@ -111,7 +111,7 @@ void SeqFile::fprint(const std::string& text) {
 }
 
 void SeqFile::finput(Value& var) {
-  access("msgCantRead", [&] { var = readAs(fromCp1252(opened(stream_).readItem()), var); });
+  access("msgCantRead", [&] { var = readAs(fromCp1252(opened(stream_).readItem()), var, library_.clock()); });
 }
 
 std::string SeqFile::flineInput() {

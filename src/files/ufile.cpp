@@ -67,8 +67,9 @@ std::int16_t UFile::DlgRename(const std::string& fileName) {
   if (chosen.empty()) return -1;
   if (isProtected(library_, chosen)) return refuse();
   if (comparable(chosen) == comparable(fileName)) return 0;  // it has that name already
-  if (files::exists(chosen)) files::remove(chosen);
-  files::rename(fileName, chosen);
+  // A copy reaches another volume, too, and a file of that name is replaced by a whole one or not at all.
+  files::copy(fileName, chosen);
+  files::remove(fileName);
   return 0;
 }
 

@@ -3,7 +3,9 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
+#include <vector>
 
 #include "app/table.h"
 #include "comm/com_types.h"
@@ -45,14 +47,28 @@ class Journal : public Table {
 
   /// Reads the controller of one reader (CTReader) or all controllers of one station (CTStation) and clears
   /// what was read. 0: everything is in the journal. Every failure is shown. Otherwise: -1 when the person
-  /// aborted or a reader's controller does not answer; the result of the driver call that failed; 13 when
-  /// lines could not be decoded (the rest is in the journal, the memory cleared); the number of an error.
+  /// aborted, a reader's controller does not answer, or `compType` is another: what was read of all stations
+  /// belongs to none of them, stays on the controllers and goes nowhere; the result of the driver call that
+  /// failed; 13 when lines could not be decoded (the rest is in the journal, the memory cleared); the number
+  /// of an error.
   std::int16_t readTransactions(ComponentType compType, const std::string& compName);
-  /// Reads and clears every controller of every station, dialling the stations that have a telephone number
-  /// and hanging up afterwards. Failures go to the progress log "Log.txt", made anew, and the run goes on
-  /// with the next controller. 0, or the result of the first controller that failed, numbered as above; a
-  /// failure of the run itself is shown.
+  /// Reads and clears every controller of every station in use, dialling the stations that have a telephone
+  /// number, which are in use then, and hanging up afterwards. What is done, and failures, go to the progress
+  /// log "Log.txt", made anew, and the run goes on with the next controller. 0, or the result of the first
+  /// line that could not be dialled or controller that failed, numbered as above; a failure of the run itself
+  /// is shown.
   std::int16_t readAuto();
+
+  /// What came of reading one controller.
+  struct ControllerRead {
+    std::int16_t controller = 0;
+    std::int16_t result = 0;  ///< 0: read and cleared; else numbered as by readTransactions
+    std::string failure;      ///< what to tell of it
+  };
+  /// Reads and clears the controllers of a station one by one, in the order of their addresses. Whoever does
+  /// not answer is passed over; what the others held is in the journal, and cleared. Asks nothing and shows
+  /// nothing. A failure of the database or of the station's ini file is raised.
+  std::vector<ControllerRead> readStation(std::int16_t station);
   /// The code of the last unknown card shown at a reader today, which is read first; the row leaves the
   /// journal. "" when there is none, which is shown.
   std::string getLastCardCode(const std::string& readerName);
@@ -67,15 +83,21 @@ class Journal : public Table {
   /// What tells the reads on request from those of a run.
   struct Route {
     std::function<std::int16_t(ComCommandsEnum)> send;
-    /// Asked once the memory was read; raises what is wrong.
-    std::function<Source()> source;
+    /// Asked once the memory was read; none ends the read.
+    std::function<std::optional<Source>()> source;
     /// Tells of a failure: mnemonic, detail, and the current error, which it clears.
     std::function<void(const char*, const std::string&)> fail;
   };
 
+  /// Told of each step that is about to be done.
+  using Begins = std::function<void(ComCommandsEnum)>;
+  using Fails = std::function<void(const char* mnemonic, const std::string& detail)>;
+
+  /// One controller, when it answers; 0, or the result of what failed.
+  std::int16_t readController(const Source& source, const Begins& begins, const Fails& fails);
   std::int16_t transfer(const Route& route);
   std::string takeIn(const Source& source);
-  Source sourceOf(ComponentType compType, const std::string& compName);
+  std::optional<Source> sourceOf(ComponentType compType, const std::string& compName);
 
   [[nodiscard]] static std::string makeFileName(const Source& source);
   static void rotateFile(const std::string& baseName);

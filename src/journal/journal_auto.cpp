@@ -57,26 +57,24 @@ class Journal::AutoRun {
   std::int16_t disconnect();
 
  private:
-  void begin(std::int16_t station);
+  /// Hangs up, and dials a station that has a telephone number: what the driver said to that.
+  std::int16_t begin(std::int16_t station);
   void hangUp();
-  void dial(std::int16_t station);
+  std::int16_t dial(std::int16_t station);
   std::int16_t readController(const Source& source);
-  std::int16_t emptyController(const Source& source);
   [[nodiscard]] Database& database() const;
 
   Journal& journal_;
   Library& library_;
   Com& com_;
   ProgressLog log_;
-  std::int16_t station_ = 0;
+  std::optional<std::int16_t> station_;
   std::string stationName_;
   std::optional<std::int16_t> dialled_;
 };
 
 Database& Journal::AutoRun::database() const {
-  const auto database = library_.QDB().DB();
-  if (!database) throw Error(err::objectNotSet, "No database is open");
-  return *database;
+  return library_.QDB().database();
 }
 
 std::int16_t Journal::AutoRun::disconnect() {
@@ -97,7 +95,7 @@ void Journal::AutoRun::hangUp() {
   }
 }
 
-void Journal::AutoRun::dial(std::int16_t station) {
+std::int16_t Journal::AutoRun::dial(std::int16_t station) {
   library_.clock().wait(secondsBeforeDialling);
   log_.write("LogConnect", stationName_);
   dialled_ = station;
@@ -113,40 +111,28 @@ void Journal::AutoRun::dial(std::int16_t station) {
     library_.QDB().Stations().setActive(station, true);
   }
   library_.clock().wait(secondsAfterDialling);
+  return result;
 }
 
-void Journal::AutoRun::begin(std::int16_t station) {
+std::int16_t Journal::AutoRun::begin(std::int16_t station) {
   hangUp();
   station_ = station;
   stationName_ = library_.QDB().Stations().getName(station);
   const auto dialUp =
       database().openRecordset("Select * from Stations where Phone <>'' and ID = " + std::to_string(station));
-  if (!dialUp->eof()) dial(station);
-}
-
-std::int16_t Journal::AutoRun::emptyController(const Source& source) {
-  const auto fail = [&](const char* mnemonic, const std::string& why) {
-    std::string detail = why;
-    if (const ErrorInfo error = std::exchange(library_.error(), {}); error.number != 0) {
-      detail += "\r\nError " + std::to_string(error.number) + ": " + error.description;
-    }
-    log_.write(mnemonic, detail);
-  };
-  const auto send = [&](ComCommandsEnum command) {
-    if (command == CmResetReadPointer) log_.write("LogReset");
-    if (command == cmReadMemory) log_.write("LogReadTrans");
-    if (command == CmSendClear) log_.write("LogDelete");
-    return com_.Send(command, source.station, source.controller);
-  };
-  const std::int16_t answer = send(CmReadDate);
-  if (answer == 0) return journal_.transfer({send, [&] { return source; }, fail});
-  fail("msgCantTransferTransac", com_.popErrorList());
-  return answer;
+  return dialUp->eof() ? std::int16_t{0} : dial(station);
 }
 
 std::int16_t Journal::AutoRun::readController(const Source& source) {
   log_.write("LogControllerStart", stationName_ + " - " + std::to_string(source.controller));
-  const std::int16_t result = emptyController(source);
+  const std::int16_t result = journal_.readController(
+      source,
+      [&](ComCommandsEnum command) {
+        if (command == CmResetReadPointer) log_.write("LogReset");
+        if (command == cmReadMemory) log_.write("LogReadTrans");
+        if (command == CmSendClear) log_.write("LogDelete");
+      },
+      [&](const char* mnemonic, const std::string& why) { log_.write(mnemonic, why); });
   log_.write("LogControllerEnd");
   return result;
 }
@@ -164,9 +150,12 @@ std::int16_t Journal::AutoRun::readAll() {
     const std::int16_t station = controllers->get("StationId").toInt16();
     const Value controller = controllers->get("ControllerAddress");
     if (controller.isNull()) continue;  // a reader that is not connected yet
-    if (station != station_) begin(station);
-    const std::int16_t result = readController({station, controller.toInt16()});
-    if (first == 0) first = result;
+    const auto count = [&](std::int16_t result) {
+      if (first == 0) first = result;
+    };
+    if (station != station_) count(begin(station));
+    // A line that is not in use is nobody's failure; one that could not be dialled was told.
+    if (com_.isInUse(station)) count(readController({station, controller.toInt16()}));
   }
   hangUp();
   log_.write("LogProcessEnd");

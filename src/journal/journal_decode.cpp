@@ -24,20 +24,16 @@ std::string Journal::decodeFile(std::int16_t stationId, const std::string& baseN
   SeqFile dump(library_);
   dump.Name(dumpFile);
   dump.fopen("r");
-  Transaction transaction(engine);
+  Transaction transaction(engine, database());
   JournalRows rows(library_, database(), stationId);
   UndecodedLines undecoded;
   std::string line;
   for (std::size_t number = 1; !dump.fEOF(); ++number) {
     dump.flineInput1252(line, UndecodedLines::longestLine);
-    if (line.empty()) continue;
+    // Of a line that was cut off nobody knows whether the rest is blank.
+    if (line.size() < UndecodedLines::longestLine && isBlank(line)) continue;
     const std::string_view fault = rows.add(line);
-    if (!fault.empty()) {
-      undecoded.add(number, fault, fromCp1252(line));
-    } else if (hasMore(line)) {
-      undecoded.add(number, "more than a transaction, whose first 23 characters are in the journal",
-                    fromCp1252(line));
-    }
+    if (!fault.empty()) undecoded.add(number, fault, fromCp1252(line));
   }
   const std::string keptIn = baseName + ".BAD";
   undecoded.keep(library_, keptIn);

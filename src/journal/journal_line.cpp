@@ -53,12 +53,11 @@ std::int16_t digitsToNumber(std::string_view text) {
   return static_cast<std::int16_t>(number);
 }
 
-bool hasMore(std::string_view line) {
-  return line.size() > JournalLine::width &&
-         line.find_first_not_of(' ', JournalLine::width) != std::string_view::npos;
+bool isBlank(std::string_view line) {
+  return line.find_first_not_of(" \t\x1A") == std::string_view::npos;
 }
 
-std::string_view decodeLine(std::string_view line, JournalLine& out) {
+std::string_view decodeLine(std::string_view line, DateTime today, JournalLine& out) {
   if (line.size() < JournalLine::width) return "shorter than a transaction";
   const auto number = [&](std::size_t at) { return digitsToNumber(line.substr(at - 1, 2)); };
   out.controller = number(1);
@@ -68,9 +67,11 @@ std::string_view decodeLine(std::string_view line, JournalLine& out) {
   out.type = line.substr(3, 2);
   readType(type, out);
   const std::int16_t twoDigitYear = number(10);
-  const CivilTime when{.year = fullYear(std::max<int>(twoDigitYear, 0)),
-                       .month = number(8),
-                       .day = number(6),
+  const int month = number(8);
+  const int day = number(6);
+  const CivilTime when{.year = fullYear(std::max<int>(twoDigitYear, 0), month, day, today),
+                       .month = month,
+                       .day = day,
                        .hour = number(12),
                        .minute = number(14)};
   if (twoDigitYear < 0 || !isValid(when)) return "no such date or time";

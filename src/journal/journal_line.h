@@ -25,12 +25,14 @@ struct JournalLine {
   [[nodiscard]] std::string_view cardNumber() const { return data.substr(2, 4); }
 };
 
-/// Decodes the first 23 characters of a line. Returns why they are no transaction, "" when they are one.
-/// The views of `out` are into `line`; after a failure `out` is of no use.
-[[nodiscard]] std::string_view decodeLine(std::string_view line, JournalLine& out);
+/// Decodes the first 23 characters of a line; what a driver appends to them is its own. Returns why they are
+/// no transaction, "" when they are one. The views of `out` are into `line`; after a failure `out` is of no
+/// use. today: tells the century (fullYear).
+[[nodiscard]] std::string_view decodeLine(std::string_view line, DateTime today, JournalLine& out);
 
-/// Whether there is more in the line than a transaction and blanks.
-[[nodiscard]] bool hasMore(std::string_view line);
+/// Whether there is nothing in the line but blanks and the end marks (0x1A) that some programs put behind a
+/// text.
+[[nodiscard]] bool isBlank(std::string_view line);
 
 /// The number that a text of up to four digits is, -1 for any other text.
 [[nodiscard]] std::int16_t digitsToNumber(std::string_view text);

@@ -1,5 +1,7 @@
 // Reading on request: from a controller's memory to a cleared memory.
 
+#include <optional>
+
 #include "app/library.h"
 #include "app/qdb.h"
 #include "comm/com.h"
@@ -18,7 +20,7 @@ constexpr const char* cantTransfer = "msgCantTransferTransac";
 
 }  // namespace
 
-Journal::Source Journal::sourceOf(ComponentType compType, const std::string& compName) {
+std::optional<Journal::Source> Journal::sourceOf(ComponentType compType, const std::string& compName) {
   Source source{0, CmToEachController};
   bool found = false;
   if (compType == CTReader) {
@@ -27,14 +29,14 @@ Journal::Source Journal::sourceOf(ComponentType compType, const std::string& com
     source.station = library_.QDB().Stations().getId(compName);
     found = source.station != -1;
   }
-  if (!found) throw Error(err::invalidArgument, "Invalid argument: not a reader or a station: " + compName);
-  return source;
+  return found ? std::optional(source) : std::nullopt;
 }
 
 std::string Journal::takeIn(const Source& source) {
   const std::string baseName = makeFileName(source);
   rotateFile(baseName);
-  std::string undecoded = decodeFile(source.station, baseName);
+  std::string undecoded;
+  library_.showLater([&] { undecoded = decodeFile(source.station, baseName); });
   archiveFile(baseName);
   return undecoded;
 }
@@ -42,6 +44,7 @@ std::string Journal::takeIn(const Source& source) {
 std::int16_t Journal::transfer(const Route& route) {
   Com& com = library_.Com();
   std::int16_t partial = 0;  // the result of a read that broke off but left a file
+  bool ended = false;
   std::string undecoded;
   std::int16_t result = library_.attempt([&]() -> std::int16_t {
     if (const std::int16_t failed = route.send(CmResetReadPointer); failed != 0) return failed;
@@ -51,9 +54,15 @@ std::int16_t Journal::transfer(const Route& route) {
       partial = failed;
       route.fail(cantTransfer, com.popErrorList());
     }
-    undecoded = takeIn(route.source());
+    const std::optional<Source> source = route.source();
+    if (!source) {
+      ended = true;
+      return -1;
+    }
+    undecoded = takeIn(*source);
     return 0;
   });
+  if (ended) return result;
   if (result != 0) {
     route.fail(cantTransfer, com.popErrorList());
     return result;
@@ -71,6 +80,7 @@ std::int16_t Journal::transfer(const Route& route) {
 
 std::int16_t Journal::readTransactions(ComponentType compType, const std::string& compName) {
   Com& com = library_.Com();
+  if (compType < CTActiveStations || compType > CTStation) return -1;
   if (!com.TestCom(compType, compName) && !com.inhibitCom) {
     // Of a reader there is nothing to read when its one controller does not answer.
     if (com.MsgChooseAbort(compType, compName) || compType == CTReader) return -1;

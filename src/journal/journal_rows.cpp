@@ -5,6 +5,7 @@
 #include "app/qdb.h"
 #include "comm/reader.h"
 #include "comm/station.h"
+#include "platform/clock.h"
 #include "platform/database/database.h"
 #include "platform/text.h"
 
@@ -40,7 +41,11 @@ std::string cut(std::string_view name) {
 }  // namespace
 
 JournalRows::JournalRows(Library& library, Database& journal, std::int16_t stationId)
-    : library_(library), journal_(journal), stationId_(stationId), row_(columns) {
+    : library_(library),
+      journal_(journal),
+      stationId_(stationId),
+      today_(library.clock().now()),
+      row_(columns) {
   const std::string name = library_.QDB().Stations().getName(stationId, true);
   sql_ = insertOf(stationId, name.empty() ? std::to_string(stationId) : name);
 }
@@ -76,7 +81,7 @@ const JournalRows::Door& JournalRows::reader(std::int16_t controller, std::int16
 }
 
 std::string_view JournalRows::add(std::string_view line) {
-  const std::string_view fault = decodeLine(line, line_);
+  const std::string_view fault = decodeLine(line, today_, line_);
   if (!fault.empty()) {
     // Rather no door than the wrong one for a transaction that follows this line.
     position_ = 0;

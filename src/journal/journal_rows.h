@@ -44,6 +44,7 @@ class JournalRows {
   std::string sql_;
   std::unique_ptr<Command> insert_;  // of sql_, prepared for the first row
   std::int16_t stationId_;
+  DateTime today_;  // of the whole dump
   JournalLine line_;
   std::vector<Value> row_;                 // the values of insert_
   std::int16_t position_ = 0;              // of the line before, 0 when that is not known

@@ -9,8 +9,8 @@ namespace voxa {
 
 class Library;
 
-/// The lines of one dump that did not become, or not as a whole, rows of the journal. What they hold must not
-/// get lost: they are kept in a text file of their own, as they came, for a person to look at.
+/// The lines of one dump that did not become rows of the journal. What they hold must not get lost: they are
+/// kept in a text file of their own, as they came, for a person to look at.
 class UndecodedLines {
  public:
   /// Greatest number of characters read of a line. The dump, which is archived, has the rest.

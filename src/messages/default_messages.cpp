@@ -100,18 +100,19 @@ constexpr DefaultText defaultTexts[] = {
 
 void insertDefaultMessages(Library& library) {
   Strings& strings = library.Strings();
-  library.attempt({"msgCantInsertMessage", ""}, [&] {
-    Transaction transaction(library.engine());
+  const auto insertAll = [&] {
+    // One transaction: the disk is waited for once. A store that cannot be written at all is told of once.
+    Transaction transaction(library.engine(), strings.database());
     for (const DefaultText& text : defaultTexts) {
       const bool isName = text.context.starts_with("Table ");
-      const std::int16_t failed =
-          strings.insert(std::string(text.mnemonic), std::string(text.english),
-                         isName ? std::int16_t{2000} : std::int16_t{0}, "KORVA " + std::string(text.context),
-                         isName ? "Name" : "Message");
-      if (failed != 0) return;  // has been shown, once instead of for every text
+      (void)strings.insert(std::string(text.mnemonic), std::string(text.english),
+                           isName ? std::int16_t{2000} : std::int16_t{0},
+                           "KORVA " + std::string(text.context), isName ? "Name" : "Message");
+      if (!library.engine().inTransaction()) return;  // a full disk undid it, as has been told
     }
     transaction.commit();
-  });
+  };
+  library.showLater([&] { library.attempt({"msgCantInsertMessage", ""}, insertAll); });
 }
 
 }  // namespace voxa

@@ -4,8 +4,8 @@ namespace voxa {
 
 class Library;
 
-/// Writes the default English texts into the open message store, in their fixed order, as one transaction.
-/// Existing translations are kept. The first failing insert is shown and undoes the others.
+/// Writes the default English texts into the open message store, in their fixed order. Existing translations
+/// are kept. A text that cannot be written is told of, and the others are written all the same.
 void insertDefaultMessages(Library& library);
 
 }  // namespace voxa

@@ -29,6 +29,14 @@ Strings::Strings(Library& library) : library_(library) {
 
 Strings::~Strings() = default;
 
+bool Strings::isOpen() const {
+  return store_ && store_->isOpen();
+}
+
+Database& Strings::database() const {
+  return *requireOpen(store_);
+}
+
 void Strings::openDB() {
   const std::int16_t status = library_.attempt([&] { store_ = library_.engine().open(storeName); });
   if (status != 0) showStoreFailure("msgCantLoad");
@@ -42,8 +50,8 @@ void Strings::showStoreFailure(const char* mnem) {
   const ErrorInfo failure = library_.error();
   library_.attempt([&] {
     const double sum = failure.number + Value(failure.description).toDouble();
-    library_.prompts().messageBox(std::string(mnem) + " " + storeName + crLf + Value(sum).toText(),
-                                  style::okOnly, read("MDIkrvCaption"));
+    library_.show(std::string(mnem) + " " + storeName + crLf + Value(sum).toText(), style::okOnly,
+                  read("MDIkrvCaption"));
   });
 }
 
@@ -78,8 +86,7 @@ std::int16_t Strings::insert(const std::string& mnem, const std::string& textEng
                              const std::string& context, const std::string& sType, float fontSize,
                              bool fontBold) {
   return library_.attempt({"msgCantInsertMessage", ""}, [&] {
-    if (!store_) throw Error(err::objectNotSet, "The message store is not open");
-    const auto rows = store_->openRecordset("select * from Strings where mnemonic = '" + mnem + "'");
+    const auto rows = database().openRecordset("select * from Strings where mnemonic = '" + mnem + "'");
     if (rows->eof()) {
       rows->addNew();
       rows->set("Mnemonic", mnem);
@@ -98,7 +105,7 @@ std::int16_t Strings::insert(const std::string& mnem, const std::string& textEng
 
 std::string Strings::read(std::string_view mnem) {
   const std::string mnemonic(mnem);
-  if (!store_) return "Mnemonic " + mnemonic;
+  if (!isOpen()) return "Mnemonic " + mnemonic;
   try {
     const auto rows = store_->openRecordset("select * from Strings where Mnemonic = '" + mnemonic + "'");
     if (rows->eof()) return "";
@@ -167,7 +174,7 @@ void Strings::display(std::string_view mnem, const std::string& method, const Di
   if (!argText.empty()) prompt += " " + argText;
   appendLine(prompt, failureText);
   if (!method.empty()) appendLine(prompt, "(" + method + ")");
-  library_.prompts().messageBox(prompt, msgStyle, read("MDIkrvCaption"));
+  library_.show(prompt, msgStyle, read("MDIkrvCaption"));
 }
 
 }  // namespace voxa

@@ -24,7 +24,9 @@ class Strings {
   void Initialize() {}  ///< nothing left to do: the store is opened at creation
 
   /// Whether the store is open; when it is not, createDB makes one.
-  [[nodiscard]] bool isOpen() const { return store_ != nullptr; }
+  [[nodiscard]] bool isOpen() const;
+  /// The open store; raises `err::objectNotSet` when it is not open.
+  [[nodiscard]] Database& database() const;
 
   /// Creates the store and its table; 0, or the number of the error that stopped it.
   std::int16_t createDB();

@@ -3,7 +3,9 @@
 #include <array>
 #include <chrono>
 #include <cmath>
+#include <limits>
 
+#include "platform/clock.h"
 #include "platform/error.h"
 #include "platform/text.h"
 
@@ -61,7 +63,7 @@ class Reader {
   std::string_view rest_;
 };
 
-bool readDate(Reader& in, bool monthFirst, CivilTime& out) {
+bool readDate(Reader& in, bool monthFirst, const Clock* clock, CivilTime& out) {
   if (in.behindDigits() == '-') {
     return in.number(4, 4, out.year) && in.skip('-') && in.number(1, 2, out.month) && in.skip('-') &&
            in.number(1, 2, out.day);
@@ -70,9 +72,9 @@ bool readDate(Reader& in, bool monthFirst, CivilTime& out) {
   int& second = monthFirst ? out.day : out.month;
   if (!(in.number(1, 2, first) && in.skip('/') && in.number(1, 2, second) && in.skip('/'))) return false;
   const auto yearDigits = in.digitsAhead();
-  if (yearDigits != 2 && yearDigits != 4) return false;
+  if (yearDigits != 4 && (yearDigits != 2 || clock == nullptr)) return false;
   in.number(2, 4, out.year);
-  if (yearDigits == 2) out.year = fullYear(out.year);
+  if (yearDigits == 2) out.year = fullYear(out.year, out.month, out.day, clock->now());
   return true;
 }
 
@@ -89,14 +91,14 @@ DateTime fromValid(const CivilTime& parts) {
   return DateTime{days < 0 ? days - time : days + time};
 }
 
-std::optional<DateTime> parse(std::string_view text, bool monthFirst) {
+std::optional<DateTime> parse(std::string_view text, bool monthFirst, const Clock* clock) {
   Reader in(text);
   CivilTime parts;
   in.skipBlanks();
   if (in.behindDigits() == ':') {
     if (!readTime(in, parts)) return std::nullopt;
   } else {
-    if (!readDate(in, monthFirst, parts)) return std::nullopt;
+    if (!readDate(in, monthFirst, clock, parts)) return std::nullopt;
     const bool timeMustFollow = in.skip('T');
     const bool timeMayFollow = timeMustFollow || in.skipBlanks();
     if (timeMustFollow || (timeMayFollow && !in.done())) {
@@ -149,12 +151,12 @@ CivilTime toCivil(DateTime moment) {
           .second = seconds % 60};
 }
 
-std::optional<DateTime> parseDateTime(std::string_view text) {
-  return parse(text, false);
+std::optional<DateTime> parseDateTime(std::string_view text, const Clock* clock) {
+  return parse(text, false, clock);
 }
 
-std::optional<DateTime> parseDateLiteral(std::string_view text) {
-  return parse(text, true);
+std::optional<DateTime> parseDateLiteral(std::string_view text, const Clock* clock) {
+  return parse(text, true, clock);
 }
 
 std::string toShortText(DateTime moment) {
@@ -213,8 +215,27 @@ std::string formatDateTime(DateTime moment, std::string_view pattern) {
   return out;
 }
 
-int fullYear(int twoDigits) {
+int fullYear(int twoDigits, int month, int day, DateTime today) {
+  constexpr int windowEnd = (chrono::sys_days(chrono::year{2030} / 1 / 1) - dayZero).count();
+  if (today.days >= windowEnd) return nearestYear(twoDigits, month, day, today);
   return twoDigits < 30 ? 2000 + twoDigits : 1900 + twoDigits;
+}
+
+int nearestYear(int twoDigits, int month, int day, DateTime today) {
+  const CivilTime parts = toCivil(today);
+  const double now = toDateTime({.year = parts.year, .month = parts.month, .day = parts.day}).days;
+  const int ofThisCentury = parts.year / 100 * 100 + twoDigits;
+  int nearest = ofThisCentury;
+  double distance = std::numeric_limits<double>::infinity();
+  for (const int year : {ofThisCentury - 100, ofThisCentury, ofThisCentury + 100}) {
+    const CivilTime date{.year = year, .month = month, .day = day};
+    if (!isValid(date)) continue;
+    const double away = std::fabs(toDateTime(date).days - now);
+    if (away >= distance) continue;
+    nearest = year;
+    distance = away;
+  }
+  return nearest;
 }
 
 }  // namespace voxa

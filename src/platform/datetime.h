@@ -8,6 +8,8 @@
 
 namespace voxa {
 
+class Clock;
+
 /// A date and time of day in parts: year 100 to 9999, month 1 to 12, day 1 to 31, hour 0 to 23.
 struct CivilTime {
   int year = 1899;
@@ -28,12 +30,13 @@ struct CivilTime {
 [[nodiscard]] CivilTime toCivil(DateTime moment);
 
 /// The regional short form, fixed for this system: dd/mm/yyyy and hh:mm:ss.
-/// Accepts a date (d/m/yyyy or d/m/yy; 00-29 are 2000-2029, 30-99 are 1930-1999; also yyyy-mm-dd), a time
-/// (h:mm or h:mm:ss), or both separated by blanks or a T. Empty when the text is none of these.
-[[nodiscard]] std::optional<DateTime> parseDateTime(std::string_view text);
+/// Accepts a date (d/m/yyyy or d/m/yy; also yyyy-mm-dd), a time (h:mm or h:mm:ss), or both separated by
+/// blanks or a T. Empty when the text is none of these. clock: gives the day on which a year of two digits is
+/// read (fullYear); without it such a year is none.
+[[nodiscard]] std::optional<DateTime> parseDateTime(std::string_view text, const Clock* clock = nullptr);
 /// A date literal between number signs in a statement: like parseDateTime, but m/d/y, as the engine's
 /// language has it whatever the region.
-[[nodiscard]] std::optional<DateTime> parseDateLiteral(std::string_view text);
+[[nodiscard]] std::optional<DateTime> parseDateLiteral(std::string_view text, const Clock* clock = nullptr);
 
 /// "dd/mm/yyyy", followed by " hh:mm:ss" when the time of day is not midnight; a moment on day 0 gives the
 /// time alone.
@@ -45,7 +48,11 @@ struct CivilTime {
 /// case; m and mm mean minutes when they follow h or hh. Other characters stand for themselves.
 [[nodiscard]] std::string formatDateTime(DateTime moment, std::string_view pattern);
 
-/// Two-digit year to full year: 00-29 are 2000-2029, 30-99 are 1930-1999.
-[[nodiscard]] int fullYear(int twoDigits);
+/// The year of a date whose year has two digits, when it is read on `today`: until the end of 2029 00-29 are
+/// 2000-2029 and 30-99 are 1930-1999; from 2030 on it is nearestYear.
+[[nodiscard]] int fullYear(int twoDigits, int month, int day, DateTime today);
+/// Of the years that end in these two digits the one that brings the date nearest to `today`; of two that are
+/// as near, the earlier one. 29 February is in leap years only.
+[[nodiscard]] int nearestYear(int twoDigits, int month, int day, DateTime today);
 
 }  // namespace voxa

@@ -112,7 +112,7 @@ double finite(double number) {
   return number;
 }
 
-Value convert(const Value& value, DataType type, int size) {
+Value convert(const Value& value, DataType type, int size, const Clock* clock) {
   switch (type) {
     case DataType::Boolean:
       return value.toBool();
@@ -125,7 +125,7 @@ Value convert(const Value& value, DataType type, int size) {
     case DataType::Double:
       return finite(value.toDouble());
     case DataType::Date:
-      return checkedDate(value.toDateTime().days);
+      return checkedDate(value.toDateTime(clock).days);
     case DataType::Text:
     case DataType::Memo:
       break;
@@ -166,9 +166,9 @@ bool Value::toBool() const {
   return numberOf(*this) != 0;
 }
 
-DateTime Value::toDateTime() const {
+DateTime Value::toDateTime(const Clock* clock) const {
   if (const auto* text = std::get_if<std::string>(&data_)) {
-    const auto moment = parseDateTime(*text);
+    const auto moment = parseDateTime(*text, clock);
     if (!moment) failType(*text, "a date");
     return *moment;
   }
@@ -185,10 +185,10 @@ std::string Value::toText() const {
       data_);
 }
 
-Value convertForField(const Value& value, DataType type, int size) {
+Value convertForField(const Value& value, DataType type, int size, const Clock* clock) {
   if (value.isNull()) return type == DataType::Boolean ? Value(false) : value;
   try {
-    return convert(value, type, size);
+    return convert(value, type, size, clock);
   } catch (const Error& e) {
     if (e.number() != err::typeMismatch) throw;
     throw Error(err::dbConversion, "Data type conversion error: " + e.description());

@@ -10,6 +10,8 @@
 
 namespace voxa {
 
+class Clock;
+
 /// Field types, with the type codes that the Jet database engine publishes.
 enum class DataType : std::uint8_t {
   Boolean = 1,
@@ -56,7 +58,8 @@ class Value {
   [[nodiscard]] std::int32_t toInt32() const;
   [[nodiscard]] double toDouble() const;
   [[nodiscard]] bool toBool() const;  ///< any number but 0, "True" or "False" in any case
-  [[nodiscard]] DateTime toDateTime() const;
+  /// clock: the day on which a text is read; without it a year of two digits is no date (datetime.h).
+  [[nodiscard]] DateTime toDateTime(const Clock* clock = nullptr) const;
   /// Text: "True"/"False", decimal numbers without a leading blank (no exponent for whole numbers below
   /// 1e15), dates in the regional short form (datetime.h).
   [[nodiscard]] std::string toText() const;
@@ -72,8 +75,10 @@ class Value {
 /// The value as a field of that type stores it. Null stays Null, except in a boolean field, which is False
 /// then. Text is read as a number, boolean or regional date where the field wants one.
 /// size: greatest number of characters of a Text field (0: 255); ignored for other types.
+/// clock: the day on which it is read, for years of two digits (see toDateTime).
 /// Errors: `err::dbConversion` when the value cannot be read as the type, `err::overflow` when it is a
 /// number outside the type's range, `err::dbTextTooLong` when text is longer than size.
-[[nodiscard]] Value convertForField(const Value& value, DataType type, int size);
+[[nodiscard]] Value convertForField(const Value& value, DataType type, int size,
+                                    const Clock* clock = nullptr);
 
 }  // namespace voxa

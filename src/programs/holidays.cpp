@@ -1,8 +1,10 @@
 #include "programs/holidays.h"
 
 #include "comm/com.h"
+#include "comm/controller_date.h"
 #include "comm/row_download.h"
 #include "files/conversions.h"
+#include "platform/clock.h"
 #include "platform/database/database.h"
 #include "platform/datetime.h"
 #include "platform/text.h"
@@ -16,9 +18,17 @@ std::string slotLine(std::int16_t slot, const std::string& date) {
   return "34" + zeroPadded(slot, 2) + date;
 }
 
-std::string dateField(const Recordset& row) {
+constexpr const char* everyYear = "00";
+
+std::string dateField(const Recordset& row, DateTime today) {
   const DateTime date = row.get("Date").toDateTime();
-  return row.get("EachYear").toBool() ? formatDateTime(date, "ddmm") + "00" : formatDateTime(date, "ddmmyy");
+  if (row.get("EachYear").toBool()) return formatDateTime(date, "ddmm") + everyYear;
+  std::string field = controllerDate(date, today);
+  if (field.ends_with(everyYear)) {
+    throw Error(err::overflow, "Overflow: the controllers would take " + shortDate(date) +
+                                   " for a holiday of every year, as 00 stands for");
+  }
+  return field;
 }
 
 }  // namespace
@@ -54,7 +64,7 @@ std::int16_t Holidays::download(std::int16_t Id, ComponentType compType, const s
   what.clearsFlags = true;
   what.lines = [&](const Recordset& row) {
     (void)numberField(Id, 1, 2, "holiday number");
-    return std::vector{slotLine(Id, dateField(row))};
+    return std::vector{slotLine(Id, dateField(row, library_.clock().now()))};
   };
   return downloadRow(library_, gen_, what, {compType, compName}, Params);
 }

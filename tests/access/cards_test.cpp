@@ -7,6 +7,7 @@
 #include "comm/com.h"
 #include "platform/error.h"
 #include "platform/files.h"
+#include "programs/daily_program.h"
 #include "support/installation_test.h"
 
 namespace voxa {
@@ -50,7 +51,7 @@ class CardsTest : public test::InstallationTest {
   std::string flagged() {
     return query(
         "select count(*) from Cardholders where CardCodeFlagD = True or AccessGroupIdFlagD = True or "
-        "ValidatedFlagD = True or PINCodeFlagD = True or CreditFlagD = True");
+        "ValidatedFlagD = True or PINCodeFlagD = True or CreditFlagD = True or ValidationDateFlagD = True");
   }
   std::string sentTo(int station) {
     std::string all;
@@ -89,6 +90,10 @@ TEST_F(CardsTest, EachFlaggedPartIsALine) {
   db().execute("delete * from LiftGroup");
   EXPECT_EQ(cards().download(1), 0);
   EXPECT_EQ(sentTo(1), "1600120\r\n1700120\r\n4900120\r\n350012000000\r\n\r\n");
+  card(13, ":;<=>?4F", 1, "CardCodeFlagD = True");  // as a controller spells the code of an unknown card
+  driver.calls.clear();
+  EXPECT_EQ(cards().download(2), 0);
+  EXPECT_EQ(sentTo(1), "090013:;<=>?4?\r\n\r\n");
   EXPECT_TRUE(boxes().empty());
 }
 
@@ -100,13 +105,14 @@ TEST_F(CardsTest, AValueThatIsNoCardLineIsRefusedAndStaysFlagged) {
   } cases[] = {{12345, "1", "CardCodeFlagD = True"},
                {7, "12G4", "CardCodeFlagD = True"},
                {8, "8", "PINCode = 12345, PINCodeFlagD = True"},
-               {9, "9", "Credit = -1, CreditFlagD = True"}};
+               {9, "9", "Credit = -1, CreditFlagD = True"},
+               {10, "10", "ValidationDate = #12/31/2090#, ValidationDateFlagD = True"}};
   for (const auto& c : cases) {
     card(c.number, c.code, 1, c.flags);
     EXPECT_NE(cards().download(cards().getCardNumId(static_cast<std::int16_t>(c.number))), 0) << c.number;
     EXPECT_EQ(boxes().size(), 1U);
   }
-  EXPECT_EQ(flagged(), "4");
+  EXPECT_EQ(flagged(), "5");
   EXPECT_EQ(driver.count(CmSendCommand), 0U);
   EXPECT_EQ(cards().download(99), -1);
   EXPECT_EQ(boxes(), std::vector<std::string>{"Can't find cardholder 99|(Cardholder.downloadI)"});
@@ -367,6 +373,38 @@ TEST_F(CardsTest, ABlockOfCardsIsAllOrNothing) {
     EXPECT_FALSE(files::exists(gone)) << gone;
   }
   EXPECT_EQ(boxes().size(), 1U);
+}
+
+TEST_F(CardsTest, AnotherProgramThatChangesTheFileIsWaitedFor) {
+  card(1, "1", 1, "CardCodeFlagD = True");
+  glob->Com().inhibitCom = true;
+  const auto meanwhile = [&](const char* file, const std::function<std::int16_t()>& work) {
+    whileChangedElsewhere(file, [&] { EXPECT_EQ(work(), 0); });
+    EXPECT_EQ(boxes(), std::vector<std::string>());
+  };
+  meanwhile("KRV.mdb", [&] { return cards().download(1); });
+  EXPECT_EQ(flagged(), "0");
+  meanwhile("KRV.mdb", [&] { return cards().setTableFlagsD(true); });
+  EXPECT_EQ(flagged(), "1");
+  meanwhile("KRV.mdb", [&] { return glob->QDB().DailyPrograms().download(1); });
+  EXPECT_EQ(query("select DailyProgramFlagD from DailyPrograms where Id = 1"), "False");
+  meanwhile("KRV.mdb", [&] { return groups().download(1, DLFull); });
+  meanwhile("I18N.MDB", [&] { return glob->insertStrings(), std::int16_t{0}; });
+}
+
+TEST_F(CardsTest, ABatchThatFailsIsTakenBackBeforeAnybodyIsTold) {
+  driver.answer = [](const auto& call) -> std::int16_t {
+    if (call.station == 2) throw Error(err::fileNotFound, "No driver");
+    return 100;
+  };
+  std::string sentBeforeBox;
+  watched.beforeBox = [&] {
+    if (sentBeforeBox.empty()) sentBeforeBox = sentTo(1);
+  };
+  EXPECT_EQ(cards().createGroup(30, "30", 2, 1), -1);
+  EXPECT_TRUE(sentBeforeBox.ends_with("\r\n\r\n09003000000000\r\n09003100000000\r\n\r\n"));
+  EXPECT_EQ(query("select count(*) from Cardholders"), "0");
+  EXPECT_GT(boxes().size(), 1U);
 }
 
 }  // namespace

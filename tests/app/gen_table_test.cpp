@@ -54,6 +54,14 @@ TEST_F(GenTableTest, FirstFreeValue) {
   const auto shown = boxes();
   ASSERT_EQ(shown.size(), 1U);
   EXPECT_TRUE(shown[0].ends_with("|((getFreeValue) Odd)")) << shown[0];
+
+  engine->begin();
+  ids({});
+  for (int id = 1; id <= 32767; ++id)
+    db().execute("insert into Odd (Id) values (" + std::to_string(id) + ")");
+  engine->commit();
+  EXPECT_EQ(table.gen().getFreeValue("Id", ""), -1);  // and no number: none is free
+  EXPECT_EQ(boxes().size(), 1U);
 }
 
 TEST_F(GenTableTest, FlagsAreTheColumnsWhoseNamesEndInFlagD) {
@@ -66,6 +74,17 @@ TEST_F(GenTableTest, FlagsAreTheColumnsWhoseNamesEndInFlagD) {
   EXPECT_FALSE(table.gen().getFlagDSetFound());
   EXPECT_EQ(query("select count(*) from Odd where FlagD = true"), "1");
   EXPECT_TRUE(table.gen().openWhere("Id = 3"));
+}
+
+TEST_F(GenTableTest, RowsBeforeOneThatFailsKeepWhatTheyWereGiven) {
+  ids({1, 2, 3});
+  plain("KRV.mdb", "update Odd set FlagD = 'x' where Id = 2");
+  EXPECT_EQ(table.setTableFlagsD(true), err::typeMismatch);
+  const auto shown = boxes();
+  ASSERT_EQ(shown.size(), 1U);
+  EXPECT_TRUE(shown[0].ends_with("|(Odd.setFlagsD)")) << shown[0];
+  EXPECT_EQ(query("select count(*) from Odd where PartFlagD = true"), "1");
+  EXPECT_EQ(query("select Id from Odd where PartFlagD = true"), "1");
 }
 
 TEST_F(GenTableTest, ARowChangedWhileItWasSentKeepsItsFlags) {

@@ -1,8 +1,5 @@
 #include "app/qdb.h"
 
-#include <sys/resource.h>
-
-#include <csignal>
 #include <filesystem>
 
 #include "app/itable.h"
@@ -10,6 +7,7 @@
 #include "comm/station.h"
 #include "journal/journal.h"
 #include "messages/strings.h"
+#include "support/full_disk.h"
 #include "support/installation_test.h"
 
 namespace voxa {
@@ -111,21 +109,38 @@ TEST_F(QDBTest, CreateDBOverTheOpenDatabaseAsksAndHeedsTheAnswers) {
   EXPECT_FALSE(saved->openRecordset("select * from Stations where Name = 'kept'")->eof());
 }
 
+TEST_F(QDBTest, ADatabaseThatCannotBePutAsideIsOpenAgain) {
+  createInstallation();
+  addStation(2, "Kept");
+  const std::string nowhere = folder + "\\nowhere\\Saved.mdb";
+  const struct {
+    std::int16_t (QDB::*operation)();
+    std::deque<Answer> answers;
+  } failing[] = {{&QDB::createDB, {Answer::yes}}, {&QDB::saveDB, {}}, {&QDB::restoreDB, {Answer::yes}}};
+  for (const auto& c : failing) {
+    prompts.answers = c.answers;
+    prompts.choices = {nowhere};
+    EXPECT_EQ((glob->QDB().*c.operation)(), err::pathNotFound);
+    ASSERT_TRUE(glob->QDB().DB()->isOpen());
+    EXPECT_EQ(query("select Name from Stations where Id = 2"), "Kept");
+  }
+  prompts.answers = {Answer::no, Answer::yes, Answer::yes};  // a new database; the journal is to be saved
+  prompts.choices = {nowhere};
+  EXPECT_EQ(glob->QDB().createDB(), err::pathNotFound);
+  EXPECT_TRUE(glob->QDB().Journal().DB()->isOpen());
+}
+
 TEST_F(QDBTest, AJournalThatGetsNoTableIsAnError) {
   ASSERT_EQ(glob->Strings().createDB(), 0);
-  rlimit before{};
-  ::getrlimit(RLIMIT_FSIZE, &before);
-  const auto handler = std::signal(SIGXFSZ, SIG_IGN);
   std::int16_t status = -1;
   for (rlim_t room = 0; status != 0 && room < 100'000; room += 1024) {
     std::filesystem::remove(Journal::dbName);
-    const rlimit small{.rlim_cur = room, .rlim_max = before.rlim_max};
-    ::setrlimit(RLIMIT_FSIZE, &small);
-    status = glob->QDB().Journal().createDB();
-    ::setrlimit(RLIMIT_FSIZE, &before);
+    {
+      const test::FullDisk full(room);
+      status = glob->QDB().Journal().createDB();
+    }
     EXPECT_EQ(status == 0, boxes().empty()) << room;
   }
-  std::signal(SIGXFSZ, handler);
   EXPECT_EQ(glob->QDB().Journal().DB()->tableNames(), Strings_{"Journal"});
 }
 

@@ -80,6 +80,12 @@ refuses "aborted" --answer abort download daily
 refuses "stays marked" --yes download daily
 succeeds daily list --json
 shows '"ToSend": true'
+# One of which the driver says nothing is not known to answer.
+succeeds sim controller fault --station Annex --address 5 --result-file garbage
+for command in status clock "--yes download daily --full"; do
+  # shellcheck disable=SC2086
+  refuses "Annex Controller 5" $command
+done
 succeeds sim controller fault --station Annex --address 5 --after 1
 refuses "Can't download parameters" download daily --full --station Annex
 succeeds sim controller fault --station Annex --address 5 --none
@@ -143,7 +149,7 @@ refuses "already in use" reader add Twin --station Local --address 1 --position 
 refuses "no time of day" daily set Office --first 8:00-12:00
 refuses "ends before it starts" daily set Office --first 12:00-08:00
 refuses "is no date" holiday add Never --date 31/02/2027
-refuses "cannot tell the year" holiday add Late --date 01/01/2030
+refuses "cannot tell the year" holiday add Late --date 01/01/2090
 refuses "already in use" holiday add christmas --date 24/12/2026
 refuses "from 0 to 32" badge set 0 --card-position 33
 refuses "hexadecimal" badge set 0 --site 12G4
@@ -209,14 +215,16 @@ succeeds group grant Cars Garage --program 0
 succeeds lift add Top --station Local --address 1 --num 3
 succeeds lift grant 1 Top
 succeeds card batch --first-number 10 --first-code 500 --count 3 --group 1
-succeeds card add "O'Neil, \"Al\"" --code ab12 --group 1 --pin 42 --until 31/12/2027 --credit 5 --supervisor
+succeeds card add "O'Neil, \"Al\"" --code ab12 --group 1 --pin 42 --until 31/12/2031 --credit 5 --supervisor
 succeeds card list
 shows 0000AB12
 grep -q 0042 out && fail "a personal code is shown unasked"
 succeeds download all
 shows "Cards: 1 sent, 3 unchanged"
 holds "1 10 11 12 " Local 1
-grep -qE '^ *1 +0000:;12 +0 +1 2 +0042 +yes +31/12/2027 +5 +3$' out || fail "the whole card"
+grep -qE '^ *1 +0000:;12 +0 +1 2 +0042 +yes +31/12/2031 +5 +3$' out || fail "the whole card"
+succeeds sim controller fault --station Local --address 1 --result-file garbage
+refuses "Local Controller 1" card set 10 --group Cars
 succeeds sim controller fault --station Local --address 1 --silent
 refuses "Local Controller 1" card set 10 --group Cars
 refuses "Local Controller 1" card set 10 --number 9
@@ -236,7 +244,7 @@ succeeds lift revoke 1 Top
 holds "" Local 1
 succeeds download all
 holds "11 12 20 " Local 1
-grep -qE '^ *20 +0000:;12 +0 +1 2 +0042 +yes +31/12/2027 +5$' out || fail "the whole card under its new number"
+grep -qE '^ *20 +0000:;12 +0 +1 2 +0042 +yes +31/12/2031 +5$' out || fail "the whole card under its new number"
 succeeds group revoke 1 Front
 succeeds station set Annex --inactive
 refuses "the line is not in use" group revoke Cars Garage
@@ -277,7 +285,8 @@ grep -q "01/01/2027" out || fail "a new reader's controller does not know the la
 refuses "from 1 to 9999" card add Far --number 10000 --code 78 --group 0
 refuses "not zero" card add Zero --code 0 --group 0
 refuses "Card code already in use" card add Twin --code 0077 --group 0
-refuses "2029" card set New --until 1/1/2030
+refuses "another century" card set New --until 1/1/2090
+refuses "Card code already in use" card add Twin --code "0000:;12" --group 0
 succeeds group delete 1 --move-cards-to Cars
 holds "" Local 1
 
@@ -329,6 +338,14 @@ succeeds read --station Annex
 shows "2 transactions added"
 succeeds read --reader Barrier
 shows "0 transactions added"
+# One silent controller of two: the other's transaction comes once.
+succeeds sim controller fault --station Annex --address 5 --silent
+swipe --card 700 --at "2026-12-25 18:08"
+for added in 1 0 0; do
+  refuses "Annex Controller 5" read --station Annex
+  shows "$added transactions added"
+done
+succeeds sim controller fault --station Annex --address 5 --none
 succeeds journal --since 24/12/2026 --until 2026-12-24 --reader barrier --card 0700 --type granted --json
 [ "$(grep -cE '"Date": "24/12/2026 18:0[567]"' out)" = 4 ] || fail "transactions were lost, or others are shown"
 shows "\"Cardholder\": \"Zoë O'Quill\""

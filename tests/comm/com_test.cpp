@@ -1,7 +1,11 @@
 #include "comm/com.h"
 
+#include <algorithm>
+#include <array>
 #include <filesystem>
+#include <new>
 
+#include "comm/station_result.h"
 #include "files/command_file.h"
 #include "messages/strings.h"
 #include "platform/driver/library_driver.h"
@@ -279,10 +283,10 @@ TEST_F(ComTest, TheStatusTableHoldsWhatTheResultFilesSay) {
   EXPECT_EQ(calls(), "0:1,0 0:1,0 0:7,0");
   EXPECT_EQ(table(), "1.3=1" + none + "7.1=-1" + none);
   errors();
-  // A read that failed as a whole leaves the status alone, and nobody takes an earlier read's file for its.
+  // The file counts whatever the code was; without one nobody takes an earlier read's for it.
   driver.resultFiles[7] = "1";
   answerAll(101);
-  EXPECT_FALSE(com.TestCom(CTStation, "Annex"));
+  EXPECT_TRUE(com.TestCom(CTStation, "Annex"));
   EXPECT_EQ(errors(), "|<msgError> 101: ");
   driver.resultFiles.clear();
   EXPECT_FALSE(com.TestCom(CTStation, "Annex"));
@@ -300,7 +304,72 @@ TEST_F(ComTest, TheStatusTableHoldsWhatTheResultFilesSay) {
   com.UpdateComStatus(std::int16_t{7});
   const auto shown = boxes();
   ASSERT_EQ(shown.size(), 1U);
-  EXPECT_TRUE(shown[0].ends_with("|(Com.UpdateComStatus)")) << shown[0];
+  EXPECT_TRUE(shown[0].starts_with("Unexpected error|Error 52: Annex: ")) << shown[0];
+}
+
+TEST_F(ComTest, AStationThatCannotBeReadStopsNoOtherAndItsControllersAreUnknown) {
+  using Places = std::vector<ControllerPlace>;
+  addReader(4, "Yard", 9, 2, 1);
+  addReader(5, "Attic", 7, 4, 1);
+  db().execute("insert into Readers (Id, Name, StationId) values (6, 'Spare', 7)");
+  driver.resultFiles = {{1, "XX1"}, {7, "XX2"}};
+  EXPECT_FALSE(com.TestCom());
+  EXPECT_EQ(com.notKnownToAnswer(CTActiveStations, ""), (Places{{7, 3}, {7, 4}}));
+  EXPECT_EQ(com.notKnownToAnswer(CTReader, "Attic"), (Places{{7, 4}}));
+  EXPECT_EQ(com.notKnownToAnswer(CTStation, "Local"), Places{});
+
+  // The first station's row cannot be told to the driver, then its ini file cannot be written.
+  driver.resultFiles[7] = "XX11";
+  calls();
+  for (const bool written : {false, true}) {
+    if (written) {
+      db().execute("update Stations set ModemIniFile = '' where Id = 1");
+      std::filesystem::remove("S001.ini");
+      std::filesystem::create_directory("S001.ini");
+    } else {
+      db().execute("update Stations set ModemIniFile = '//far/m.ini' where Id = 1");
+    }
+    EXPECT_FALSE(com.TestCom());
+    EXPECT_EQ(calls(), "0:7,0");
+    EXPECT_EQ(query("select count(*) from ComStatus where StationID = 7 and Status = 1"), "2");
+    EXPECT_EQ(com.notKnownToAnswer(CTActiveStations, ""), (Places{{1, 3}}));
+    const auto shown = boxes();
+    ASSERT_EQ(shown.size(), 1U);
+    EXPECT_NE(shown[0].find(": Local: "), std::string::npos) << shown[0];
+  }
+  std::filesystem::remove("S001.ini");
+
+  // An earlier answer is none any more when the file does not name the controller, or when there is none
+  // behind a code that is not the line's. Retry asks again.
+  EXPECT_TRUE(com.TestCom());
+  EXPECT_EQ(com.notKnownToAnswer(CTReader, "Door"), Places{});
+  driver.resultFiles[1] = "XX?";
+  EXPECT_TRUE(com.TestCom(CTReader, "Door"));
+  EXPECT_EQ(com.notKnownToAnswer(CTReader, "Door"), (Places{{1, 3}}));
+  driver.resultFiles.clear();
+  answerAll(101);
+  EXPECT_FALSE(com.TestCom(CTReader, "Door"));
+  EXPECT_EQ(com.notKnownToAnswer(CTReader, "Door"), (Places{{1, 3}}));
+  prompts.answers = {Answer::retry, Answer::ignore, Answer::abort};
+  EXPECT_TRUE(com.readyToSendToKnown(CTActiveStations, ""));
+  EXPECT_NE(boxes().at(1).find("|Local Controller 3  -  Door  -  Gate|"), std::string::npos);
+  command("31");
+  calls();
+  EXPECT_EQ(com.sendToReader(CmSendCommand, "Door"), 0);
+  EXPECT_EQ(calls(), "") << "passed over";
+  EXPECT_FALSE(com.readyToSendToKnown(CTStation, "Annex"));
+  com.inhibitCom = true;
+  EXPECT_TRUE(com.readyToSendToKnown(CTStation, "Annex"));
+}
+
+TEST_F(ComTest, ADateLineOfNoControllerWritesNowhere) {
+  // Made where a date of controller 0 would stand in the statuses, and one of 17 behind the object.
+  alignas(StationResult) std::array<unsigned char, sizeof(StationResult) + 16> memory{};
+  write("RS001.OUT", "1\r\n    0   0130290224\r\n    17  0130290224");
+  const auto* result = new (memory.data()) StationResult(readStationResult(*library, "RS001.OUT"));
+  EXPECT_TRUE(result->answered(1));
+  EXPECT_TRUE(
+      std::all_of(memory.begin() + sizeof(StationResult), memory.end(), [](int b) { return b == 0; }));
 }
 
 TEST_F(ComTest, ComponentsAreTestedAndAskedAbout) {

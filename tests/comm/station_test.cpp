@@ -1,6 +1,7 @@
 #include "comm/station.h"
 
 #include "comm/com.h"
+#include "comm/modem_file.h"
 #include "comm/reader.h"
 #include "support/installation_test.h"
 
@@ -120,13 +121,41 @@ TEST_F(StationTest, TheIniFileAndTheSpeedsOfALine) {
             "NAM:Far|COM:3|BDR:9600|TEL:0123|MDM:m.ini|CFL:COMMAND.TXT|OUT:3000|TMP:100|OPT:2|");
   // A row that would tell the driver more than a station, as somebody else's database may hold it.
   const std::string before = textOf("S012.ini");
-  for (const char* row :
-       {"Name = 'Far\r\nCFL:/etc/passwd'", "Phone = '1\nTER:1'", "ModemIniFile = '/etc/m.ini'",
-        "ModemIniFile = '..\\m.ini'", "ModemIniFile = 'c:m.ini'", "ModemIniFile = '..'"}) {
+  for (const char* row : {"Name = 'Far\r\nCFL:/etc/passwd'", "Phone = '1\nTER:1'", "ModemIniFile = 'm\ni'"}) {
     Transaction transaction(*engine);
     db().execute(std::string("update Stations set ") + row + " where Id = 12");
     EXPECT_THROW(stations.createIniFile(12), Error) << row;
     EXPECT_EQ(textOf("S012.ini"), before) << row;
+  }
+  // A modem file may be a path, but no device and not on the network. The second: whether it is elsewhere.
+  const struct {
+    const char* file;
+    bool taken, elsewhere;
+  } files[] = {{"m.ini", true, false},
+               {"C:\\modem\\m.ini", true, true},
+               {"/etc/m.ini", true, true},
+               {"..\\m.ini", true, true},
+               {"console.ini", true, false},
+               {"com10.ini", true, false},
+               {"\\\\srv\\m.ini", false, true},
+               {"//srv/m.ini", false, true},
+               {"/\\?\\C:\\m", false, true},
+               {"nul", false, true},
+               {"x\\Com1 .ini", false, true},
+               {"LPT\u00B2", false, true},
+               {"aux:", false, true},
+               {"/dev/ttyS0", false, true},
+               {"../a/../../dev/tty", false, true},
+               {"/./proc/self/fd/0", false, true}};
+  for (const auto& c : files) {
+    db().execute(std::string("update Stations set ModemIniFile = '") + c.file + "' where Id = 12");
+    if (c.taken) {
+      EXPECT_EQ(stations.createIniFile(12), 0) << c.file;
+      EXPECT_NE(textOf("S012.ini").find(std::string("\nMDM:") + c.file + "\r"), std::string::npos) << c.file;
+    } else {
+      EXPECT_THROW(stations.createIniFile(12), Error) << c.file;
+    }
+    EXPECT_EQ(stationsWithModemElsewhere(db()), c.elsewhere ? Lines{"Far"} : Lines{}) << c.file;
   }
 
   // A new speed is broadcast at every other one.

@@ -127,5 +127,32 @@ TEST_F(Changes, NumberedFieldsCountOnFromAGivenValue) {
   EXPECT_EQ(valueOf("select Id from Readers where Name = 'd'"), Value(41));
 }
 
+// Everything that reads a year of two digits, in 2031 and 2079.
+TEST_F(Changes, CenturiesAreThoseOfTheEnginesClock) {
+  for (const auto& [year, text, read] :
+       {std::tuple(2031, "1/2/35", "01/02/2035"), {2079, "1/2/20", "01/02/2120"}}) {
+    const FixedClock then({year, 6, 15});
+    const auto itsEngine = makeSqliteEngine(then);
+    const auto its = itsEngine->open(file);
+    const std::string quoted = "'" + std::string(text) + "'";
+    const std::string digits = std::string(text).substr(4);
+    for (const std::string& expression :
+         {"#2/1/" + digits + "#", "CDate(" + quoted + ")", "DateSerial(" + digits + ", 2, 1)",
+          "CDate(Format(" + quoted + ", 'dd/mm/yyyy'))"}) {
+      EXPECT_EQ(
+          its->openRecordset("select " + expression + " as D from Stations where Id = 1")->get("D").toText(),
+          read)
+          << expression;
+    }
+    EXPECT_EQ(its->execute("update Stations set Since = " + quoted + " where Id = 1"), 1);
+    const auto row = its->openRecordset("select * from Stations where Since = " + quoted);
+    ASSERT_FALSE(row->eof());
+    EXPECT_EQ(row->get("Since").toText(), read);
+    row->edit();
+    row->set("Since", text);
+    EXPECT_EQ(row->get("Since").toText(), read);
+  }
+}
+
 }  // namespace
 }  // namespace voxa

@@ -1,12 +1,11 @@
-#include <signal.h>
 #include <sqlite3.h>
-#include <sys/resource.h>
 
 #include <filesystem>
 #include <functional>
 
 #include "database/fixture.h"
 #include "platform/database/sqlite/functions.h"
+#include "support/full_disk.h"
 
 namespace voxa {
 namespace {
@@ -88,17 +87,14 @@ TEST_F(Transactions, ThatTheEngineLosesAreOverForAll) {
   engine->begin();
   journal->execute("insert into Journal (Id) values (1)");
   // What a full disk does to a transaction.
-  const rlimit small{65'536, RLIM_INFINITY};
-  rlimit before{};
-  ::getrlimit(RLIMIT_FSIZE, &before);
-  ::signal(SIGXFSZ, SIG_IGN);
-  ::setrlimit(RLIMIT_FSIZE, &small);
   int number = 0;
   const std::string big(20'000, 'x');
-  for (int i = 0; i < 2000 && number == 0; ++i) {
-    number = executeFailure("insert into Readers (Name, [Note]) values ('a', '" + big + "')");
+  {
+    const test::FullDisk full(65'536);
+    for (int i = 0; i < 2000 && number == 0; ++i) {
+      number = executeFailure("insert into Readers (Name, [Note]) values ('a', '" + big + "')");
+    }
   }
-  ::setrlimit(RLIMIT_FSIZE, &before);
   EXPECT_EQ(number, err::dbDiskFull);
   EXPECT_FALSE(engine->inTransaction());
   EXPECT_EQ(failure([&] { engine->commit(); }), err::dbNoTransaction);
@@ -134,6 +130,65 @@ TEST_F(Transactions, LocksOfOthersAreWaitedForAndThenTold) {
   EXPECT_EQ(waiting->open(file)->execute("update Stations set Since = Now()"), 2);
   EXPECT_EQ(countOf("Stations where Active = True"), 2);
   ::waitpid(child, nullptr, 0);
+}
+
+// Another program changes the file while a transaction here has read it and is going to change it.
+TEST_F(Transactions, ThatReadBeforeTheyWriteWaitForOthers) {
+  for (const bool named : {false, true}) {
+    db->execute("update Stations set Active = False");
+    int ready[2];
+    ASSERT_EQ(::pipe(ready), 0);
+    const auto waiting = makeSqliteEngine(clock);
+    const auto opened = waiting->open(file);
+    const pid_t child = ::fork();
+    if (child == 0) {
+      ::_exit(errorOf([&] {
+        const auto other = makeSqliteEngine(clock);
+        const auto its = other->open(file);
+        other->begin();
+        its->execute("update Stations set Active = True");
+        (void)!::write(ready[1], "x", 1);
+        ::usleep(100'000);
+        other->commit();
+      }));
+    }
+    char byte = 0;
+    ASSERT_EQ(::read(ready[0], &byte, 1), 1);
+    EXPECT_EQ(errorOf([&] {
+                const auto transaction = named ? std::make_unique<Transaction>(*waiting, *opened)
+                                               : std::make_unique<Transaction>(*waiting);
+                const auto rows = opened->openRecordset("Stations");
+                EXPECT_EQ(rows->get("Active"), Value(named)) << "what was committed when it was read";
+                rows->edit();
+                EXPECT_EQ(rows->get("Active"), Value(true)) << "what is going to be changed";
+                rows->set("Name", "West");
+                rows->update();
+                transaction->commit();
+              }),
+              0);
+    int status = -1;
+    ::waitpid(child, &status, 0);
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(countOf("Stations where Active = True and Name = 'West'"), 1);
+  }
+}
+
+TEST_F(Transactions, LockNoFileThatTheyDoNotChange) {
+  const auto journal = engine->create(folder / "Journal.MDB");
+  journal->createTable({"Journal", {{"Id", DataType::Long}}, {}});
+  const auto changeElsewhere = [&] {
+    return inOtherProcess([](Database& other) { other.execute("update Stations set Active = True"); });
+  };
+  {
+    Transaction transaction(*engine, *journal);
+    journal->execute("insert into Journal (Id) values (1)");
+    EXPECT_EQ(countOf("Stations"), 2);
+    EXPECT_EQ(changeElsewhere(), 0);
+    transaction.commit();
+  }
+  Transaction transaction(*engine, *db);
+  EXPECT_EQ(countOf("Stations where Active = True"), 2);
+  EXPECT_EQ(changeElsewhere(), err::dbLocked);
 }
 
 TEST_F(Transactions, OpenRowsHoldNoLock) {

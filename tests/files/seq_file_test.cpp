@@ -5,6 +5,7 @@
 #include "comm/com.h"
 #include "files/command_file.h"
 #include "files/conversions.h"
+#include "support/full_disk.h"
 #include "support/installation_test.h"
 
 namespace voxa {
@@ -64,7 +65,6 @@ TEST_F(SeqFileTest, LinesAreWrittenAppendedAndRead) {
 }
 
 TEST_F(SeqFileTest, FailuresNameTheFileAndWhatFailed) {
-  std::filesystem::create_symlink("/dev/full", "full");
   std::filesystem::create_directory("folder");
   write("empty", "");
   const struct {
@@ -81,9 +81,10 @@ TEST_F(SeqFileTest, FailuresNameTheFileAndWhatFailed) {
     file.Name(c.name);
     ASSERT_NO_THROW(file.fopen(c.mode)) << c.name;
     EXPECT_NE(file.ch(), 0);
+    const test::FullDisk full;
     const Error raised = raisedBy([&] {
       if (*c.mode == 'r') (void)file.flineInput();
-      file.fprint("x");
+      file.fprint("xx");
       file.fclose();
     });
     EXPECT_EQ(raised.number(), c.number) << c.name;
@@ -111,8 +112,7 @@ TEST_F(SeqFileTest, TheCommandFileEndsInAnEmptyLine) {
   EXPECT_EQ(textOf("work/COMMAND.TXT"), "\r\n");
 
   // The next download does not fail on the write that a full disk broke off.
-  std::filesystem::remove("work/COMMAND.TXT");
-  std::filesystem::create_symlink("/dev/full", "work/COMMAND.TXT");
+  const test::FullDisk full;
   commands.fopen();
   EXPECT_EQ(raisedBy([&] { commands.fprint(std::string(1000000, '3')); }).number(), err::diskFull);
   ASSERT_NO_THROW(commands.fopen());

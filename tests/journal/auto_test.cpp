@@ -25,12 +25,21 @@ class ReadAutoTest : public JournalTest {
 
 TEST_F(ReadAutoTest, EveryControllerAndTheDialUpStations) {
   library->Strings().insert("LogProcessStart", "Start", 0, "Journal", "Message");
+  // The first station has a telephone number, a reader has no address yet, a station is not in use.
+  db().execute("update Stations set Phone = '0456' where Id = 1");
+  addReader(12, "Desk", 1, 2, 1);
+  db().execute("insert into Readers (Id, Name, StationId) values (13, 'Spare', 3)");
+  addStation(5, "Idle", false);
+  addReader(14, "Attic", 5, 1, 1);
+  com().updateDBComStatus(3, 5, -1, clock.moment);  // at an earlier test: it answers now
   std::string active;
   const auto answer = driver.answer;
   int attempts = 0;
   driver.answer = [&](const RecordingDriver::Call& call) -> std::int16_t {
     if (call.command == CmConnect) return ++attempts == 1 ? 7 : 100;  // engaged at first
-    if (call.command == CmDisconnect) active += query("select Active from Stations where Id = 4");
+    if (call.command == CmDisconnect) {
+      active += query("select Active from Stations where Id = " + std::to_string(call.station));
+    }
     return answer(call);
   };
   EXPECT_EQ(journal().readAuto(), 0);
@@ -38,13 +47,16 @@ TEST_F(ReadAutoTest, EveryControllerAndTheDialUpStations) {
     return at + "LogControllerStart " + name + "|" + at + "LogReset|" + at + "LogReadTrans|" + at +
            "LogDelete|" + at + "LogControllerEnd|";
   };
-  EXPECT_EQ(log(), "00 : Start|" + controller("00 : ", "North - 5") +
-                       "20 : LogConnect Far|20 : msgUIStationConnected|" + controller("25 : ", "Far - 1") +
-                       controller("25 : ", "Far - 2") +
-                       "25 : LogDisconnect Far|25 : msgUIStationDisconnected|25 : LogProcessEnd|");
-  EXPECT_EQ(rowCount(), 3U);
-  EXPECT_TRUE(files::exists("Backup/J00402 24Dec2026-18.05.25.DAT"));
-  EXPECT_EQ(active, "True");
+  EXPECT_EQ(log(), "00 : Start|20 : LogConnect Local|20 : msgUIStationConnected|" +
+                       controller("25 : ", "Local - 2") +
+                       "25 : LogDisconnect Local|25 : msgUIStationDisconnected|" +
+                       controller("25 : ", "North - 5") + "45 : LogConnect Far|45 : msgUIStationConnected|" +
+                       controller("50 : ", "Far - 1") + controller("50 : ", "Far - 2") +
+                       "50 : LogDisconnect Far|50 : msgUIStationDisconnected|50 : LogProcessEnd|");
+  EXPECT_EQ(rowCount(), 4U);
+  EXPECT_EQ(driver.count(CmSendClear), 4U) << "what the log says is deleted";
+  EXPECT_TRUE(files::exists("Backup/J00402 24Dec2026-18.05.50.DAT"));
+  EXPECT_EQ(active, "TrueTrue");
   EXPECT_EQ(query("select Active from Stations where Id = 4"), "False");
   EXPECT_TRUE(boxes().empty());
 }
@@ -77,6 +89,41 @@ TEST_F(ReadAutoTest, AFailureIsLoggedAndTheRunGoesOn) {
     EXPECT_EQ(driver.count(CmSendClear), c.clears);
     journal().DB()->execute("delete from Journal");
   }
+  EXPECT_TRUE(boxes().empty());
+}
+
+TEST_F(ReadAutoTest, ALineThatCannotBeDialledIsAFailureAndInhibitedCallsAreNotLogged) {
+  const auto answer = driver.answer;
+  driver.answer = [&](const auto& call) {
+    return call.command == CmConnect ? std::int16_t{7} : answer(call);
+  };
+  EXPECT_EQ(journal().readAuto(), 7);
+  EXPECT_EQ(rowCount(), 1U);
+  EXPECT_EQ(log().find("LogControllerStart Far"), std::string::npos);
+  com().inhibitCom = true;
+  (void)journal().readAuto();
+  EXPECT_EQ(log().find("LogReset"), std::string::npos);
+}
+
+TEST_F(ReadAutoTest, AStationIsReadControllerByController) {
+  addReader(12, "Shed", 3, 6, 1);
+  addReader(13, "Barn", 3, 6, 2);
+  driver.answer = [this](const RecordingDriver::Call& call) -> std::int16_t {
+    if (call.address == 45) return 2;
+    if (call.command == cmReadMemory) write("J.DAT", memory);
+    if (call.command == CmSendClear) memory = "";
+    return 100;
+  };
+  for (int time = 0; time < 3; ++time) {
+    const auto reads = journal().readStation(3);
+    ASSERT_EQ(reads.size(), 2U);
+    EXPECT_EQ(reads[0].controller * 100 + reads[0].result, 502);
+    EXPECT_NE(oneLine(reads[0].failure).find("|North Controller 5"), std::string::npos);
+    EXPECT_EQ(reads[1].controller * 100 + reads[1].result, 600);
+    EXPECT_EQ(reads[1].failure, "");
+    EXPECT_EQ(rowCount(), 1U) << "once, however often the other controller is silent";
+  }
+  EXPECT_EQ(journal().readStation(4).at(0).result, -1) << "not in use";
   EXPECT_TRUE(boxes().empty());
 }
 

@@ -25,8 +25,12 @@ TEST_F(JournalTest, WhatALineSays) {
        "24/12/2026 18:05:00|3|North|-1||05||00000000\n" + row("10||00000001") + row("99||00000002")},
       {"05 10241226180500000001\r\n05 13241226180500000002\r\n",
        row("10||00000001") + "24/12/2026 18:05:00|3|North|-1||13||00000002\n"},
-      {good + "\r" + good + "   \r" + good, row(goodRow) + row(goodRow) + row(goodRow)},
+      // What a driver appends to a transaction, blank lines and end marks are no faults.
+      {good + "\r" + good + "   \r" + good + good, row(goodRow) + row(goodRow) + row(goodRow)},
+      {good + ";x'\x07" + std::string(8'000'000, '0') + "\r\n \t\r\n" + good + "\x1A\r\n\x1A",
+       row(goodRow) + row(goodRow)},
       {"", ""},
+      {"\x1A\x1A", ""},
   };
   for (const auto& c : cases) {
     memory = c.memory;
@@ -34,7 +38,14 @@ TEST_F(JournalTest, WhatALineSays) {
     EXPECT_EQ(rows(), c.rows) << c.memory;
     journal().DB()->execute("delete from Journal");
   }
+  clock.moment = toDateTime({2031, 6, 15});
+  driver.resultFile = "XXXX1XXXXXXXXXXX\r\n    05  0405010231";
+  memory = "05 11010230000100081200";
+  EXPECT_EQ(read(), 0);
+  EXPECT_EQ(rows(), "01/02/2030 00:01:00|3|North|9|Side|11||00081200\n");
+  EXPECT_EQ(query("select [Date] from ComStatus where CtrAddr = 5"), "01/02/2031 04:05:00");
   EXPECT_TRUE(boxes().empty());
+  EXPECT_FALSE(files::exists("J00305.BAD"));
 }
 
 TEST_F(JournalTest, ALineThatIsNoTransactionIsKeptAndTheOthersAreTaken) {
@@ -42,7 +53,6 @@ TEST_F(JournalTest, ALineThatIsNoTransactionIsKeptAndTheOthersAreTaken) {
   const struct {
     std::string line;
     std::string why;
-    bool inserted = false;
   } cases[] = {
       {"05 1024122618050008120", "shorter than a transaction"},
       {"A5 10241226180500081200", "the controller address is not two digits"},
@@ -54,7 +64,7 @@ TEST_F(JournalTest, ALineThatIsNoTransactionIsKeptAndTheOthersAreTaken) {
       {"05 10241226240500081200", noDate},
       {"05 10241226186000081200", noDate},
       {"05 10241226180500'81200", "the data holds an apostrophe or a control character"},
-      {good + good, "more than a transaction, whose first 23 characters are in the journal", true},
+      {std::string(300, ' ') + "x", "the controller address is not two digits"},
       {std::string(8'000'000, '\0'), "the controller address is not two digits"},
       {std::string(8'000'000, '0'), noDate},
   };
@@ -63,9 +73,7 @@ TEST_F(JournalTest, ALineThatIsNoTransactionIsKeptAndTheOthersAreTaken) {
     driver.calls.clear();
     EXPECT_EQ(read(), 13);
     // The event behind a line that nobody can read has no known door.
-    const std::string event =
-        c.inserted ? row("05||00081200") : "24/12/2026 18:05:00|3|North|-1||05||00081200\n";
-    EXPECT_EQ(rows(), row(goodRow) + (c.inserted ? row(goodRow) : "") + event) << c.why;
+    EXPECT_EQ(rows(), row(goodRow) + "24/12/2026 18:05:00|3|North|-1||05||00081200\n") << c.why;
     EXPECT_EQ(boxes(), std::vector<std::string>{"Can't transfer transactions from controller |Lines not "
                                                 "decoded: 1, kept in J00305.BAD|line 2: " +
                                                 c.why + "|(Journal.readTransactions)"});

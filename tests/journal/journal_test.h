@@ -30,6 +30,7 @@ class JournalTest : public InstallationTest {
     };
   }
 
+  Com& com() { return library->Com(); }
   Journal& journal() { return library->QDB().Journal(); }
   std::int16_t read() { return journal().readTransactions(CTReader, "Front"); }
   /// The rows, one a line: date, station, reader, type, cardholder, data.

@@ -51,9 +51,26 @@ TEST_F(StringsTest, DefaultsTranslationsAndFallbacks) {
   EXPECT_EQ(strings().insert(std::string(51, 'm'), "x", 0, "", "Message"), err::dbTextTooLong);
 }
 
+TEST_F(StringsTest, ATextThatCannotBeWrittenKeepsNoOtherOut) {
+  glob->insertStrings();
+  EXPECT_EQ(boxes().size(), 1U);  // that there is no store, once
+  ASSERT_EQ(strings().createDB(), 0);
+  const auto store = engine->databases().front();
+  TableDef narrow = store->tableDef("Strings");
+  narrow.fields[3].size = 100;
+  store->deleteTable("Strings");
+  store->createTable(narrow);
+  glob->insertStrings();
+  const std::size_t refused = boxes().size();
+  EXPECT_EQ(refused, 2U);
+  EXPECT_EQ(store->openRecordset("Strings")->recordCount(), 60 - refused);
+}
+
 TEST_F(StringsTest, ABoxIsMadeOfWhatThereIs) {
   createInstallation();
-  strings().display("", "X.y");
+  db().beginReading();
+  EXPECT_EQ(query("select Name from Stations"), "Local");
+  strings().display("", "X.y");  // nobody waits for the file until it is read
   strings().display("msgCantOpen", "X.y", Value(std::int16_t{7}), 48);
   EXPECT_EQ(prompts.boxes[0].style, 16);
   EXPECT_EQ(prompts.boxes[1].style, 48);

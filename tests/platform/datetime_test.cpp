@@ -52,16 +52,32 @@ TEST(DateTimeTest, ParsesTheRegionalForms) {
     const auto moment = parseDateTime(text);
     return moment ? toShortText(*moment) : std::string("none");
   };
-  EXPECT_EQ(shown("1/2/29"), "01/02/2029");
-  EXPECT_EQ(shown("1/2/30"), "01/02/1930");
   EXPECT_EQ(shown(" 2024-02-29T7:05 "), "29/02/2024 07:05:00");
   EXPECT_EQ(shown("7:05:09"), "07:05:09");
   EXPECT_EQ(shown("0:00"), "00:00:00");
   for (const char* none : {"", "1/2", "12/31/1999", "29/02/2023", "1/2/123", "1/2/2000T", "1/2/2000 24:00",
-                           "7:5", "1/2/200007:05", "36526", "1/2/2000 7:05x", "1-2-2000"}) {
+                           "1/2/30", "7:5", "1/2/200007:05", "36526", "1/2/2000 7:05x", "1-2-2000"}) {
     EXPECT_EQ(shown(none), "none") << none;
   }
   EXPECT_EQ(shortDate(*parseDateLiteral("12/31/1999")), "31/12/1999");
+}
+
+TEST(DateTimeTest, AYearOfTwoDigitsIsOfTheCenturyThatItsReaderMeans) {
+  const struct {
+    CivilTime today;
+    const char* text;
+    const char* date;
+  } cases[] = {{{2029, 12, 31}, "1/2/29", "01/02/2029"}, {{2029, 12, 31}, "1/2/30", "01/02/1930"},
+               {{2030, 1, 1}, "1/2/30", "01/02/2030"},   {{2031, 6, 15}, "13/6/81", "13/06/2081"},
+               {{2031, 6, 15}, "16/6/81", "16/06/1981"}, {{2079, 6, 15}, "1/2/29", "01/02/2129"},
+               {{2079, 6, 15}, "1/8/29", "01/08/2029"},  {{2079, 6, 15}, "1/2/30", "01/02/2030"},
+               {{2079, 6, 15}, "1/1/00", "01/01/2100"},  {{2079, 6, 15}, "29/2/00", "29/02/2000"},
+               {{2079, 6, 15}, "1/2/1930", "01/02/1930"}};
+  for (const auto& c : cases) {
+    const FixedClock clock(c.today);
+    const auto moment = parseDateTime(c.text, &clock);
+    EXPECT_EQ(moment ? shortDate(*moment) : "none", c.date) << c.today.year << ' ' << c.text;
+  }
 }
 
 TEST(DateTimeTest, Formats) {

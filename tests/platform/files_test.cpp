@@ -1,13 +1,12 @@
 #include "platform/files.h"
 
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 
-#include <csignal>
 #include <filesystem>
 
 #include "platform/files_platform.h"
+#include "support/full_disk.h"
 #include "temporary_folder.h"
 
 namespace voxa {
@@ -142,15 +141,10 @@ TEST_F(FilesTest, NewFilesAreTheirOwnersAlone) {
 TEST_F(FilesTest, AFailedCopyLeavesTheTargetAsItWas) {
   put(folder_ / "from", std::string(200000, 'n'));
   put(folder_ / "To", "old");
-  rlimit before{};
-  ::getrlimit(RLIMIT_FSIZE, &before);
-  const auto handler = std::signal(SIGXFSZ, SIG_IGN);
-  const rlimit small{.rlim_cur = 100000, .rlim_max = before.rlim_max};
-  ::setrlimit(RLIMIT_FSIZE, &small);
-  const int error = errorOf([&] { return files::copy(folder_ / "from", folder_ / "to"), 0; });
-  ::setrlimit(RLIMIT_FSIZE, &before);
-  std::signal(SIGXFSZ, handler);
-  EXPECT_EQ(error, err::diskFull);
+  {
+    const test::FullDisk full(100000);
+    EXPECT_EQ(errorOf([&] { return files::copy(folder_ / "from", folder_ / "to"), 0; }), err::diskFull);
+  }
   EXPECT_EQ(bytesOf(folder_ / "To"), "old");
   EXPECT_EQ(files::list(folder_.path()), (std::vector<std::string>{"To", "from"}));
 

@@ -8,6 +8,8 @@
 #include <stdexcept>
 #include <string>
 
+#include "platform/clock.h"
+#include "platform/datetime.h"
 #include "platform/error.h"
 
 namespace voxa {
@@ -32,6 +34,14 @@ class TemporaryFolder {
 
  private:
   std::string path_;
+};
+
+/// A clock that stands where a test puts it.
+struct FixedClock : Clock {
+  explicit FixedClock(const CivilTime& parts) : moment(toDateTime(parts)) {}
+  [[nodiscard]] DateTime now() const override { return moment; }
+  void wait(int /*seconds*/) override {}
+  DateTime moment;
 };
 
 inline void put(const std::string& path, const std::string& bytes) {

@@ -1,6 +1,7 @@
 #include "programs/holidays.h"
 
 #include "comm/com.h"
+#include "platform/datetime.h"
 #include "support/installation_test.h"
 
 namespace voxa {
@@ -38,6 +39,20 @@ TEST_F(HolidaysTest, AHolidayIsOneLineAndItsFlagGoesWithASuccess) {
   }
   EXPECT_EQ(holidays().download(9), -1);
   EXPECT_EQ(boxes(), std::vector<std::string>{"Can't find holidays 9|(Holidays.download)"});
+}
+
+TEST_F(HolidaysTest, ADayThatControllersWouldTakeForAnotherIsNotSent) {
+  clock.moment = toDateTime({2079, 6, 15});
+  add(1, "#12/25/2101#, False, True");
+  add(2, "#12/25/2100#, False, True");  // 00 is every year
+  add(3, "#2/1/2029#, False, True");
+  add(4, "#12/25/2029#, True, True");
+  EXPECT_EQ(holidays().generalDownload(), err::overflow);
+  EXPECT_EQ(driver.sent(), "3401251201\r\n\r\n3404251200\r\n\r\n");
+  EXPECT_EQ(flagged(), "2");
+  clock.moment = toDateTime({2031, 6, 15});
+  EXPECT_EQ(holidays().download(3), 0);
+  EXPECT_EQ(driver.calls.back().commandFile, "3403010229\r\n\r\n");
 }
 
 TEST_F(HolidaysTest, GeneralDownloadGoesOnBehindAFailureWhoseFlagStays) {

@@ -100,6 +100,23 @@ TEST_F(Decoding, aVrmd1TakesItsOwnForms) {
   }
 }
 
+TEST_F(Decoding, aYearIsOfTheCenturyNearestToTheControllersClock) {
+  add(1);
+  const auto read = [&](int year, const char* lastDay, const char* holiday) {
+    site_.setClock(1, 1, site::toSeconds({{year, 6, 15}}) - site::toSeconds(site::now()));
+    send({"09001200001234", std::string("350012") + lastDay, std::string("3403") + holiday});
+    return std::pair(look().cards.at(0).validUntil, look().holidays.at(0).year);
+  };
+  EXPECT_EQ(read(2026, "311235", "251229"),
+            std::pair(std::optional(site::Date{2035, 12, 31}), std::optional(2029)));
+  EXPECT_EQ(read(2031, "130681", "251282"),
+            std::pair(std::optional(site::Date{2081, 6, 13}), std::optional(1982)));
+  EXPECT_EQ(read(2079, "311200", "251201"),
+            std::pair(std::optional(site::Date{2100, 12, 31}), std::optional(2101)));
+  EXPECT_EQ(read(2079, "290200", "290200"),
+            std::pair(std::optional(site::Date{2000, 2, 29}), std::optional<int>()));
+}
+
 TEST_F(Decoding, aWrongLineIsKeptWithItsReasonAndChangesNothing) {
   add(1);
   send({"09001200001234", "1600121"});

@@ -1,10 +1,14 @@
 #include "support/installation_test.h"
 
-#include <filesystem>
-#include <fstream>
-#include <sstream>
+#include <sqlite3.h>
 
 #include <algorithm>
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <future>
+#include <sstream>
+#include <thread>
 
 #include "app/qdb.h"
 #include "comm/com.h"
@@ -52,6 +56,37 @@ std::size_t RecordingDriver::count(ComCommandsEnum command) const {
       std::count_if(calls.begin(), calls.end(), [&](const Call& c) { return c.command == command; }));
 }
 
+void Watched::requireNoLock(const std::string& what) const {
+  if (engine == nullptr) return;
+  for (const auto& database : engine->databases()) {
+    sqlite3* other = nullptr;
+    if (sqlite3_open_v2(database->name().c_str(), &other, SQLITE_OPEN_READWRITE, nullptr) == SQLITE_OK) {
+      EXPECT_NE(sqlite3_exec(other, "BEGIN EXCLUSIVE; ROLLBACK", nullptr, nullptr, nullptr), SQLITE_BUSY)
+          << database->name() << " is locked: " << what;
+    }
+    sqlite3_close(other);
+  }
+}
+
+Answer Watched::messageBox(const std::string& prompt, int style, const std::string& title) {
+  requireNoLock(prompt);
+  beforeBox();
+  return prompts_.messageBox(prompt, style, title);
+}
+
+std::string Watched::chooseFile(const FileDialog& dialog) {
+  requireNoLock(dialog.title);
+  return prompts_.chooseFile(dialog);
+}
+
+std::int16_t Watched::call(ComCommandsEnum command, std::int16_t stationId, std::int16_t controllerAddr) {
+  const bool batch = std::any_of(
+      std::filesystem::directory_iterator("."), std::filesystem::directory_iterator(),
+      [](const auto& entry) { return entry.path().filename().string().starts_with("CardBlock"); });
+  if (!batch) requireNoLock(std::string(driverNames[command]));
+  return driver_.call(command, stationId, controllerAddr);
+}
+
 StillClock::StillClock() : moment(toDateTime({2026, 12, 24, 18, 5, 0})) {}
 
 InstallationTest::InstallationTest() : previousFolder_(std::filesystem::current_path().string()) {
@@ -73,7 +108,8 @@ void InstallationTest::restart() {
   glob.reset();
   library.reset();
   engine = makeSqliteEngine(clock);
-  library = std::make_unique<Library>(Library::Seams{*engine, driver, prompts, clock});
+  watched.engine = engine.get();
+  library = std::make_unique<Library>(Library::Seams{*engine, watched, watched, clock});
   glob = std::make_unique<Glob>(*library);
 }
 
@@ -107,6 +143,34 @@ std::string InstallationTest::query(const std::string& sql) {
   if (rows->eof()) return "none";
   const Value value = rows->get(std::size_t{0});
   return value.isNull() ? "Null" : value.toText();
+}
+
+void InstallationTest::plain(const std::string& file, const std::string& sql) {
+  sqlite3* other = nullptr;
+  ASSERT_EQ(sqlite3_open(file.c_str(), &other), SQLITE_OK);
+  EXPECT_EQ(
+      sqlite3_exec(other, ("PRAGMA ignore_check_constraints=ON; " + sql).c_str(), nullptr, nullptr, nullptr),
+      SQLITE_OK)
+      << sqlite3_errmsg(other);
+  sqlite3_close(other);
+}
+
+void InstallationTest::whileChangedElsewhere(const std::string& file, const std::function<void()>& work) {
+  std::promise<void> locked;
+  std::thread other([&] {
+    sqlite3* raw = nullptr;
+    EXPECT_EQ(sqlite3_open(file.c_str(), &raw), SQLITE_OK);
+    sqlite3_busy_timeout(raw, 5000);
+    EXPECT_EQ(sqlite3_exec(raw, "BEGIN IMMEDIATE; PRAGMA user_version=1", nullptr, nullptr, nullptr),
+              SQLITE_OK);
+    locked.set_value();
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    EXPECT_EQ(sqlite3_exec(raw, "COMMIT", nullptr, nullptr, nullptr), SQLITE_OK);
+    sqlite3_close(raw);
+  });
+  locked.get_future().wait();
+  work();
+  other.join();
 }
 
 std::string InstallationTest::textOf(const std::string& file) const {

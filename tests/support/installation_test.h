@@ -57,6 +57,28 @@ class StillClock : public Clock {
   DateTime moment;  // 24 December 2026, 18:05:00
 };
 
+/// The seams to a person and to the driver. Both may take long, so the test fails when one is called while a
+/// database file is locked: others wait for it. A batch of cards, which its note in the folder tells of,
+/// holds its transaction while it is sent.
+class Watched : public Prompts, public Driver {
+ public:
+  Watched(Prompts& prompts, Driver& driver) : prompts_(prompts), driver_(driver) {}
+  Answer messageBox(const std::string& prompt, int style, const std::string& title) override;
+  std::string chooseFile(const FileDialog& dialog) override;
+  void busy(bool on) override { prompts_.busy(on); }
+  std::int16_t call(ComCommandsEnum command, std::int16_t stationId, std::int16_t controllerAddr) override;
+  [[nodiscard]] int lastError() const override { return driver_.lastError(); }
+
+  DatabaseEngine* engine = nullptr;  ///< whose files are watched; none while a test itself locks them
+  std::function<void()> beforeBox = [] {};
+
+ private:
+  void requireNoLock(const std::string& what) const;
+
+  Prompts& prompts_;
+  Driver& driver_;
+};
+
 /// A test inside a temporary folder of its own, which is the current and the working folder, over the real
 /// database engine.
 class InstallationTest : public ::testing::Test {
@@ -87,11 +109,16 @@ class InstallationTest : public ::testing::Test {
   std::string calls();
   /// Prompts of the boxes shown since the last call, CR LF as "|".
   std::vector<std::string> boxes();
+  /// Runs `work` while another program changes the file, for a while.
+  void whileChangedElsewhere(const std::string& file, const std::function<void()>& work);
+  /// A statement of SQLite's own, which no rule of the tables hinders.
+  static void plain(const std::string& file, const std::string& sql);
 
   std::string folder;
   StillClock clock;
   RecordingDriver driver;
   ScriptedPrompts prompts;
+  Watched watched{prompts, driver};
   std::unique_ptr<DatabaseEngine> engine;
   std::unique_ptr<Library> library;
   std::unique_ptr<Glob> glob;

@@ -2,6 +2,15 @@
 
 namespace voxa {
 
+const std::shared_ptr<Database>& requireOpen(const std::shared_ptr<Database>& handle) {
+  if (!handle || !handle->isOpen()) throw Error(err::objectNotSet, "No database is open");
+  return handle;
+}
+
+Transaction::Transaction(DatabaseEngine& engine, Database& changed) : Transaction(engine) {
+  changed.lockForChanges();
+}
+
 Transaction::~Transaction() {
   if (!owner_ || !engine_.inTransaction()) return;
   try {

@@ -50,7 +50,7 @@ class Recordset {
 
   /// Editing: edit() or addNew(), set() for each field, update(). 3027 when the rows cannot be changed (more
   /// than one table, grouped, a read-only file); 3020 for set() or update() without edit() or addNew().
-  virtual void edit() = 0;
+  virtual void edit() = 0;    ///< within a transaction it locks the file, and the row is read again
   virtual void addNew() = 0;  ///< defaults are filled in; after update() the current row is where it was
   virtual void set(std::size_t index, const Value& value) = 0;  ///< converts: see convertForField (value.h)
   void set(std::string_view name, const Value& value) { set(fieldIndex(name), value); }
@@ -92,10 +92,14 @@ class Database {
 
   /// What is read from here to endReading() is of one moment, and the file is locked once for all of it.
   /// Others wait with their changes meanwhile, so it must end before anything that may take long: a driver
-  /// call, a question to a person. A change of this program's own, or a transaction, ends it too. Within a
-  /// transaction, and while one is running already, it does nothing.
+  /// call, a question to a person. A change of this program's own, or a transaction, ends it too. While one
+  /// is running, and in a file that a transaction has locked, it does nothing.
   virtual void beginReading() = 0;
   virtual void endReading() = 0;  ///< whoever began it; without one nothing
+  /// Within a transaction: keeps the changes of others out of this file from here to its end, so that what
+  /// is read still holds when it is changed. One who is changing the file is waited for, as a statement
+  /// waits. Outside of a transaction it does nothing.
+  virtual void lockForChanges() = 0;
 
   [[nodiscard]] virtual std::vector<std::string> tableNames() const = 0;  ///< in order of creation
   /// The definition as the file holds it; 3078 when there is no such table.
@@ -112,6 +116,9 @@ class Database {
   virtual void createQuery(const QueryDef& query) = 0;  ///< the text is checked at first use
 };
 
+/// The handle itself; raises `err::objectNotSet` when it is empty or its database is closed.
+[[nodiscard]] const std::shared_ptr<Database>& requireOpen(const std::shared_ptr<Database>& handle);
+
 /// The engine: creates and opens database files, and runs transactions over all open ones.
 class DatabaseEngine {
  public:
@@ -126,8 +133,10 @@ class DatabaseEngine {
   /// The open databases in the order they were opened.
   [[nodiscard]] virtual std::vector<std::shared_ptr<Database>> databases() const = 0;
 
-  /// One transaction over all open databases; they do not nest (a second begin raises 3001). A database
-  /// opened inside a transaction joins it. commit makes the changes of each file durable; 3034 without begin.
+  /// One transaction over all open databases, and those opened inside it; they do not nest (a second begin
+  /// raises 3001). It locks a file with its first change there, and not before: that of a row begins with
+  /// Recordset::edit. Until then, as outside of a transaction, it is no hindrance to others, and what is read
+  /// is what they have committed. commit makes the changes of each file durable; 3034 without begin.
   virtual void begin() = 0;
   virtual void commit() = 0;
   virtual void rollback() = 0;
@@ -156,6 +165,8 @@ class Transaction {
   explicit Transaction(DatabaseEngine& engine) : engine_(engine), owner_(!engine.inTransaction()) {
     if (owner_) engine_.begin();
   }
+  /// One that reads what it is going to change: `changed` is locked from its beginning.
+  Transaction(DatabaseEngine& engine, Database& changed);
   ~Transaction();
   Transaction(const Transaction&) = delete;
   Transaction& operator=(const Transaction&) = delete;

@@ -11,6 +11,10 @@
 #include "platform/database/schema.h"
 #include "platform/value.h"
 
+namespace voxa {
+class Clock;
+}
+
 namespace voxa::dialect {
 
 /// The engine's SQL language, turned into SQLite's. Work is split so that a statement is translated once:
@@ -33,7 +37,8 @@ struct Scanned {
 /// Splits a statement; `out`'s buffers are reused. Raises 3075 for text that has no tokens of the language
 /// (an open quote, a character that belongs nowhere, a date that is none). A number ends where its digits
 /// end: "1and" is a number and a word. Words (True, Null, names) stay in the key; so does the number of TOP.
-void scan(std::string_view sql, Scanned& out);
+/// clock: as parseDateLiteral takes it.
+void scan(std::string_view sql, Scanned& out, const Clock* clock = nullptr);
 
 /// What the translation asks of the open database.
 class Schema {
@@ -41,6 +46,8 @@ class Schema {
   virtual ~Schema() = default;
   /// The table of that name in any case, or nullptr.
   [[nodiscard]] virtual const TableDef* table(std::string_view name) const = 0;
+  /// The clock that scan() is given.
+  [[nodiscard]] virtual const Clock* clock() const { return nullptr; }
 };
 
 /// Where the value of a placeholder of the translated statement comes from, and how it is to be bound.
@@ -85,8 +92,10 @@ struct Translation {
 /// 3085 unknown function, 3127/3061 as the engine numbers an unknown field in INSERT (3127).
 [[nodiscard]] Translation translate(std::string_view sql, const Schema& schema);
 
-/// A validation rule (">=0 and <=32") as an SQLite condition on the quoted column; 3075 when it is none.
-[[nodiscard]] std::string translateRule(std::string_view rule, const FieldDef& field);
+/// A validation rule (">=0 and <=32") as an SQLite condition on the quoted column; 3075 when it is none. Its
+/// dates are read once, when it is translated. clock: see scan().
+[[nodiscard]] std::string translateRule(std::string_view rule, const FieldDef& field,
+                                        const Clock* clock = nullptr);
 
 /// Names that the translated text relies on and the engine must register with each connection.
 /// Collation: text compares without regard to case (compareNoCase in text.h).

@@ -210,7 +210,7 @@ void Lexer::symbol(Token& token) {
   }
 }
 
-Value literalValue(const Token& token) {
+Value literalValue(const Token& token, const Clock* clock) {
   switch (token.kind) {
     case TokenKind::integer:
     case TokenKind::real:
@@ -218,7 +218,7 @@ Value literalValue(const Token& token) {
     case TokenKind::text:
       return unquoted(token.text);
     case TokenKind::date: {
-      const auto moment = parseDateLiteral(token.text.substr(1, token.text.size() - 2));
+      const auto moment = parseDateLiteral(token.text.substr(1, token.text.size() - 2), clock);
       if (!moment) failSyntax(token.text, 0, "this is no date");
       return *moment;
     }

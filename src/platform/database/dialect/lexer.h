@@ -7,6 +7,10 @@
 
 #include "platform/value.h"
 
+namespace voxa {
+class Clock;
+}
+
 namespace voxa::dialect {
 
 enum class TokenKind : std::uint8_t { end, word, bracketed, integer, real, text, date, symbol };
@@ -63,8 +67,9 @@ class Lexer {
   LexerState state_;
 };
 
-/// The value of a literal token. 3075 for a date that is none and a number beyond all range.
-[[nodiscard]] Value literalValue(const Token& token);
+/// The value of a literal token. 3075 for a date that is none and a number beyond all range. clock: as
+/// parseDateLiteral takes it.
+[[nodiscard]] Value literalValue(const Token& token, const Clock* clock);
 
 /// Raises 3075: "Syntax error in the statement at "<the text from there on>": <what>."
 [[noreturn]] void failSyntax(std::string_view sql, std::size_t position, const std::string& what);

@@ -156,7 +156,7 @@ syntax::SelectPtr Parser::select() {
   }
   if (skipWord("top")) {
     const bool whole =
-        current().shaping && std::holds_alternative<std::int32_t>(literalValue(current()).data());
+        current().shaping && std::holds_alternative<std::int32_t>(literalValue(current(), nullptr).data());
     if (!whole) fail("TOP needs a whole number");
     out->top = current().text;
     advance();

@@ -276,7 +276,7 @@ syntax::ExpressionPtr Parser::literal() {
   out->name = token.text;
   out->type = typeOf(token.kind);
   if (out->type == DataType::Long && !token.shaping &&
-      std::holds_alternative<double>(literalValue(token).data())) {
+      std::holds_alternative<double>(literalValue(token, nullptr).data())) {
     out->type = DataType::Double;
   }
   advance();

@@ -39,7 +39,7 @@ struct ConstantText {
 
 /// Puts the literals where their placeholders are.
 std::string withConstants(const std::string& sql, const std::vector<Slot>& slots,
-                          const std::vector<Value>& literals) {
+                          const std::vector<Value>& literals, const Clock* clock) {
   std::string out;
   char quote = 0;
   for (std::size_t i = 0; i < sql.size(); ++i) {
@@ -51,8 +51,9 @@ std::string withConstants(const std::string& sql, const std::vector<Slot>& slots
           1;
       const Slot& slot = slots[number - 1];
       const Value& literal = literals[*slot.literal];
-      const Value value =
-          slot.convertTo ? convertForField(literal, slot.convertTo->type, slot.convertTo->size) : literal;
+      const Value value = slot.convertTo
+                              ? convertForField(literal, slot.convertTo->type, slot.convertTo->size, clock)
+                              : literal;
       out += std::visit(ConstantText{}, value.data());
       continue;
     }
@@ -68,9 +69,9 @@ std::string withConstants(const std::string& sql, const std::vector<Slot>& slots
 
 }  // namespace
 
-std::string translateRule(std::string_view rule, const FieldDef& field) {
+std::string translateRule(std::string_view rule, const FieldDef& field, const Clock* clock) {
   Scanned scanned;
-  scan(rule, scanned);
+  scan(rule, scanned, clock);
   const syntax::ExpressionPtr parsed = Parser(rule).rule();
   TableDef table;
   table.fields.push_back(field);
@@ -81,7 +82,7 @@ std::string translateRule(std::string_view rule, const FieldDef& field) {
   const std::vector<FieldDef> parameters;
   Writer writer(rule, schema, parameters, slots);
   try {
-    return withConstants(writer.condition(*parsed, scope), slots, scanned.literals);
+    return withConstants(writer.condition(*parsed, scope), slots, scanned.literals, clock);
   } catch (const Error& error) {
     if (error.number() == err::dbSyntax) throw;
     throw Error(err::dbSyntax,

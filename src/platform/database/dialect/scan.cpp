@@ -13,7 +13,7 @@ char markOf(const Value& literal) {
 
 /// Takes the literals up to the first difference from the statement scanned before, and what stands between
 /// them as it is in the key: statements of one kind follow each other. The lexer behind the last of them.
-Lexer repeat(std::string_view sql, Scanned& out) {
+Lexer repeat(std::string_view sql, Scanned& out, const Clock* clock) {
   Lexer lexer(sql);
   std::size_t same = 0;
   std::size_t keyed = 0;
@@ -25,7 +25,7 @@ Lexer repeat(std::string_view sql, Scanned& out) {
     Lexer ahead(sql, stop.state, at + between.size());
     ahead.next(token);
     if (!token.isLiteral() || token.position != at + between.size()) break;
-    Value literal = literalValue(token);
+    Value literal = literalValue(token, clock);
     if (markOf(literal) != out.key[stop.mark]) break;
     out.literals.push_back(std::move(literal));
     lexer = ahead;
@@ -38,16 +38,16 @@ Lexer repeat(std::string_view sql, Scanned& out) {
 
 }  // namespace
 
-void scan(std::string_view sql, Scanned& out) {
+void scan(std::string_view sql, Scanned& out, const Clock* clock) {
   out.literals.clear();
-  Lexer lexer = repeat(sql, out);
+  Lexer lexer = repeat(sql, out, clock);
   LexerState before = lexer.state();
   std::size_t copied = before.at;
   bool repeatable = true;
   Token token;
   for (lexer.next(token); token.kind != TokenKind::end; lexer.next(token)) {
     if (token.isLiteral()) {
-      const Value& literal = out.literals.emplace_back(literalValue(token));
+      const Value& literal = out.literals.emplace_back(literalValue(token, clock));
       out.key.append(sql, copied, token.position - copied);
       copied = token.position + token.text.size();
       repeatable = repeatable && token.position != 0 && Lexer::parts(sql[token.position - 1]);

@@ -143,7 +143,7 @@ Writer::Query Writer::select(const syntax::Select& select, Scope* outer) {
   std::vector<Group> grouped;
   if (!select.groupBy.empty() && literals_.empty()) {
     Scanned scanned;
-    scan(sql_, scanned);
+    scan(sql_, scanned, schema_.clock());
     literals_ = std::move(scanned.literals);
   }
   scope.outer = nullptr;  // SQLite groups and orders by a query's own columns alone

@@ -17,7 +17,7 @@ namespace voxa {
 /// at its address as long as its table exists.
 class Catalog final : public dialect::Schema {
  public:
-  explicit Catalog(Connection& connection) : connection_(connection) {}
+  Catalog(Connection& connection, const Clock& clock) : connection_(connection), clock_(clock) {}
 
   /// Forgets what was read if the schema has changed since, by this or another user. Whether it still holds.
   bool refresh();
@@ -30,6 +30,7 @@ class Catalog final : public dialect::Schema {
   void versionChanged();                  ///< nothing but the schema's version
 
   [[nodiscard]] const TableDef* table(std::string_view name) const override;
+  [[nodiscard]] const Clock* clock() const override { return &clock_; }
   [[nodiscard]] const std::vector<std::unique_ptr<TableDef>>& tables() const;  ///< in order of creation
   [[nodiscard]] const std::vector<Relation>& relations() const;
 
@@ -46,6 +47,7 @@ class Catalog final : public dialect::Schema {
   void insert(const std::vector<Relation>& relations, std::size_t owner);
 
   Connection& connection_;
+  const Clock& clock_;
   mutable std::optional<Statement> versionStatement_;
   mutable std::optional<std::int64_t> version_;
   mutable std::vector<std::unique_ptr<TableDef>> tables_;

@@ -7,6 +7,10 @@
 
 #include "platform/database/schema.h"
 
+namespace voxa {
+class Clock;
+}
+
 namespace voxa::ddl {
 
 /// Definitions as the SQLite schema keeps them. All that a TableDef says stands in the schema's own text, so
@@ -36,14 +40,15 @@ void checkName(std::string_view name);
 /// The definition as it will read back: sizes filled in, defaults converted to their field's type, what a
 /// primary index implies set. Raises 3125 for a bad name, 3191 for a field that comes twice, 3265 for an
 /// index over a field that is not there, 3001 for what cannot be (no fields, a numbered field that is no
-/// 32-bit primary key), and convertForField's errors for a default.
-[[nodiscard]] TableDef normalised(const TableDef& definition);
-[[nodiscard]] FieldDef normalised(const FieldDef& field);
+/// 32-bit primary key), and convertForField's errors for a default. clock: by which dates in it are read.
+[[nodiscard]] TableDef normalised(const TableDef& definition, const Clock& clock);
+[[nodiscard]] FieldDef normalised(const FieldDef& field, const Clock& clock);
 
 /// CREATE TABLE and CREATE INDEX statements of a normalised definition, parted by ";".
-[[nodiscard]] std::string createTable(const TableDef& definition);
+[[nodiscard]] std::string createTable(const TableDef& definition, const Clock& clock);
 /// A field's part of CREATE TABLE, and what ALTER TABLE adds.
-[[nodiscard]] std::string column(const FieldDef& field, const std::vector<IndexDef>& indexes);
+[[nodiscard]] std::string column(const FieldDef& field, const std::vector<IndexDef>& indexes,
+                                 const Clock& clock);
 /// The constraint to add to the foreign table of a relation.
 [[nodiscard]] std::string foreignKey(const Relation& relation);
 /// Name of the index that serves a relation on its foreign side.

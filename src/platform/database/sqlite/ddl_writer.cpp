@@ -134,7 +134,7 @@ void checkName(std::string_view name) {
   if (bad) throw Error(err::dbInvalidName, "'" + std::string(name) + "' is not a valid name");
 }
 
-FieldDef normalised(const FieldDef& field) {
+FieldDef normalised(const FieldDef& field, const Clock& clock) {
   checkName(field.name);
   FieldDef out = field;
   const auto refuse = [&](const std::string& why) {
@@ -153,14 +153,14 @@ FieldDef normalised(const FieldDef& field) {
   }
   if (!isText(field.type)) out.allowZeroLength = false;
   if (!field.defaultValue.isNull()) {
-    out.defaultValue = convertForField(field.defaultValue, out.type, out.size);
+    out.defaultValue = convertForField(field.defaultValue, out.type, out.size, &clock);
     const auto* number = std::get_if<double>(&out.defaultValue.data());
     if (number != nullptr && !std::isfinite(*number)) refuse("has a default that is no number");
   }
   return out;
 }
 
-TableDef normalised(const TableDef& definition) {
+TableDef normalised(const TableDef& definition, const Clock& clock) {
   checkName(definition.name);
   TableDef out = definition;
   if (out.fields.empty()) {
@@ -168,7 +168,7 @@ TableDef normalised(const TableDef& definition) {
   }
   std::vector<std::string> names;
   for (FieldDef& field : out.fields) {
-    field = normalised(field);
+    field = normalised(field, clock);
     if (contains(names, field.name)) {
       throw Error(err::dbDuplicateField,
                   "Field '" + field.name + "' is defined twice in table '" + definition.name + "'");
@@ -185,7 +185,7 @@ TableDef normalised(const TableDef& definition) {
   return out;
 }
 
-std::string column(const FieldDef& field, const std::vector<IndexDef>& indexes) {
+std::string column(const FieldDef& field, const std::vector<IndexDef>& indexes, const Clock& clock) {
   std::string text = quoteName(field.name) + " " + typeText(field);
   if (field.autoIncrement) {
     const auto primary =
@@ -208,16 +208,16 @@ std::string column(const FieldDef& field, const std::vector<IndexDef>& indexes) 
   }
   if (!field.validationRule.empty()) {
     text += constraint(field.name + std::string(rule) + field.validationRule) + " CHECK (" +
-            dialect::translateRule(field.validationRule, field) + ")";
+            dialect::translateRule(field.validationRule, field, &clock) + ")";
   }
   return text;
 }
 
-std::string createTable(const TableDef& definition) {
+std::string createTable(const TableDef& definition, const Clock& clock) {
   std::string table = "CREATE TABLE " + quoteName(definition.name) + " (";
   bool numbered = false;
   for (const FieldDef& field : definition.fields) {
-    table += (&field == &definition.fields.front() ? "" : ", ") + column(field, definition.indexes);
+    table += (&field == &definition.fields.front() ? "" : ", ") + column(field, definition.indexes, clock);
     numbered = numbered || field.autoIncrement;
   }
   std::string indexes;

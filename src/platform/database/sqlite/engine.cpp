@@ -15,12 +15,10 @@ void Session::rollback() {
   std::optional<Error> first;
   for (SqliteDatabase* database : open) {
     try {
-      Connection& connection = database->connection();
-      if (connection.inTransaction()) connection.run("ROLLBACK");
+      database->rollback();
     } catch (const Error& error) {
       if (!first) first = error;
     }
-    database->rolledBack();
   }
   if (first) throw *first;
 }
@@ -37,7 +35,7 @@ void Session::failed(const Error& error) {
   // SQLite itself undoes a whole transaction when a disk is full or memory is lacking. The transaction is
   // one over all databases, so then none of it can stay.
   const bool lost = inTransaction && std::any_of(open.begin(), open.end(), [](const SqliteDatabase* d) {
-                      return !d->connection().inTransaction();
+                      return d->lostTransaction();
                     });
   if (lost) abandonTransaction();
   errors.assign(1, {error.number(), error.description()});
@@ -85,15 +83,7 @@ class SqliteEngine final : public DatabaseEngine {
       if (session_->inTransaction) {
         throw Error(err::dbInvalidArgument, "A transaction is running already; transactions do not nest");
       }
-      try {
-        for (SqliteDatabase* database : session_->open) {
-          database->endReading();
-          database->connection().run("BEGIN");
-        }
-      } catch (const Error&) {
-        session_->abandonTransaction();
-        throw;
-      }
+      for (SqliteDatabase* database : session_->open) database->endReading();
       session_->inTransaction = true;
     });
   }
@@ -103,7 +93,7 @@ class SqliteEngine final : public DatabaseEngine {
       requireTransaction();
       try {
         for (SqliteDatabase* database : session_->open) database->settle();
-        for (SqliteDatabase* database : session_->open) database->connection().run("COMMIT");
+        for (SqliteDatabase* database : session_->open) database->commit();
       } catch (const Error&) {
         session_->abandonTransaction();
         throw;

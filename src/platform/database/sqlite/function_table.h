@@ -9,6 +9,8 @@
 
 namespace voxa {
 
+class Clock;
+
 /// A function of translated statements. What its body throws becomes the failure of the statement.
 struct SqlFunction {
   const char* name;
@@ -20,6 +22,9 @@ struct SqlFunction {
 [[nodiscard]] std::span<const SqlFunction> valueFunctions();   ///< conversions and numbers
 [[nodiscard]] std::span<const SqlFunction> textFunctions();    ///< texts, patterns, formats
 [[nodiscard]] std::span<const SqlFunction> momentFunctions();  ///< dates and times
+
+/// The engine's clock, in a function's body.
+[[nodiscard]] const Clock* clockOf(sqlite3_context* context);
 
 [[nodiscard]] inline std::string_view textOf(sqlite3_value* value) {
   const auto* bytes = reinterpret_cast<const char*>(sqlite3_value_text(value));

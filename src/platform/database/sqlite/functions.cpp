@@ -15,6 +15,7 @@ namespace {
 struct Registered {
   const SqlFunction* function = nullptr;
   PendingError* pending = nullptr;
+  const Clock* clock = nullptr;
 };
 
 constexpr int traits = SQLITE_UTF8 | SQLITE_DETERMINISTIC | SQLITE_INNOCUOUS;
@@ -58,6 +59,10 @@ void check(int code) {
 
 }  // namespace
 
+const Clock* clockOf(sqlite3_context* context) {
+  return static_cast<const Registered*>(sqlite3_user_data(context))->clock;
+}
+
 void registerFunctions(sqlite3* db, PendingError& pending, const Clock& clock) {
   check(sqlite3_create_collation_v2(db, dialect::collation, SQLITE_UTF8, nullptr, compare, nullptr));
   check(sqlite3_create_function_v2(db, "vx_now", 0, traits, const_cast<Clock*>(&clock), now, nullptr, nullptr,
@@ -65,7 +70,7 @@ void registerFunctions(sqlite3* db, PendingError& pending, const Clock& clock) {
   for (const auto table : {valueFunctions(), textFunctions(), momentFunctions()}) {
     for (const SqlFunction& function : table) {
       check(sqlite3_create_function_v2(db, function.name, function.arguments, traits,
-                                       new Registered{&function, &pending}, call, nullptr, nullptr,
+                                       new Registered{&function, &pending, &clock}, call, nullptr, nullptr,
                                        [](void* self) { delete static_cast<Registered*>(self); }));
     }
   }

@@ -1,5 +1,7 @@
+#include <algorithm>
 #include <cmath>
 
+#include "platform/clock.h"
 #include "platform/database/sqlite/function_table.h"
 #include "platform/datetime.h"
 #include "platform/error.h"
@@ -14,7 +16,7 @@ void date(sqlite3_context* context, sqlite3_value** arguments, int) {
     sqlite3_result_value(context, arguments[0]);
     return;
   }
-  const auto moment = parseDateTime(textOf(arguments[0]));
+  const auto moment = parseDateTime(textOf(arguments[0]), clockOf(context));
   if (moment) sqlite3_result_double(context, moment->days);
 }
 
@@ -44,8 +46,12 @@ void part(sqlite3_context* context, sqlite3_value** arguments, int) {
 /// the month before.
 void dateSerial(sqlite3_context* context, sqlite3_value** arguments, int) {
   const auto whole = [&](int i) { return Value(sqlite3_value_double(arguments[i])).toInt16(); };
-  const int year = whole(0);
-  const int months = (year >= 0 && year < 100 ? fullYear(year) : year) * 12 + whole(1) - 1;
+  int year = whole(0);
+  if (year >= 0 && year < 100) {
+    year = fullYear(year, std::clamp<int>(whole(1), 1, 12), std::clamp<int>(whole(2), 1, 28),
+                    clockOf(context)->now());
+  }
+  const int months = year * 12 + whole(1) - 1;
   if (months < 0) throw Error(err::overflow, "Overflow: the date is outside the years 100 to 9999");
   const CivilTime first{.year = months / 12, .month = months % 12 + 1, .day = 1};
   const DateTime moment{toDateTime(first).days + whole(2) - 1};

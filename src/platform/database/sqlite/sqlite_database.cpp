@@ -95,7 +95,6 @@ SqliteDatabase::SqliteDatabase(std::shared_ptr<Session> session, std::string pat
     : session_(std::move(session)), path_(std::move(path)), file_(std::in_place, path_, *session_) {
   // Reads the file's first pages, so that a damaged or locked file fails here.
   (void)file_->catalog.relations();
-  if (session_->inTransaction) file_->connection.run("BEGIN");
   session_->open.push_back(this);
 }
 
@@ -111,7 +110,7 @@ void SqliteDatabase::close() {
   if (!isOpen()) return;
   session_->guarded([&] {
     settle();
-    if (file_->connection.inTransaction()) file_->connection.run("COMMIT");
+    commit();
   });
   abandon();
 }
@@ -121,12 +120,21 @@ void SqliteDatabase::abandon() {
   std::erase(session_->open, this);
 }
 
-void SqliteDatabase::rolledBack() {
+void SqliteDatabase::commit() {
+  if (!opened().locked) return;
+  file_->connection.run("COMMIT");
+  file_->locked = false;
+}
+
+void SqliteDatabase::rollback() {
+  OpenFile& open = opened();
+  const bool running = open.locked && open.connection.inTransaction();
+  open.locked = false;
   ++generation_;
-  if (!file_) return;
-  file_->unwritten.clear();
-  file_->catalog.invalidate();
-  file_->names.clear();
+  open.unwritten.clear();
+  open.catalog.invalidate();
+  open.names.clear();
+  if (running) open.connection.run("ROLLBACK");
 }
 
 SqliteDatabase::OpenFile& SqliteDatabase::opened() const {
@@ -165,9 +173,23 @@ void SqliteDatabase::endReading() {
   if (file_) file_->connection.endReading();
 }
 
+void SqliteDatabase::lockForChanges() {
+  session_->guarded([&] {
+    if (session_->inTransaction) beginChange();
+  });
+}
+
+void SqliteDatabase::beginChange() {
+  OpenFile& open = opened();
+  open.connection.endReading();
+  if (!session_->inTransaction || open.locked) return;
+  open.connection.run("BEGIN IMMEDIATE");
+  open.locked = true;
+  ++generation_;  // others may have changed what was read before
+}
+
 void SqliteDatabase::change(Statement& statement, std::string_view table) {
   settle();
-  endReading();
   const int code = statement.step();
   if (code != SQLITE_DONE) failChange(code, table);
   statement.reset();
@@ -219,7 +241,7 @@ Prepared& SqliteDatabase::prepared(std::string_view source) {
   OpenFile& open = file();
   std::optional<Error> unscannable;
   try {
-    dialect::scan(source, scanned_);
+    dialect::scan(source, scanned_, &session_->clock);
     if (Prepared* found = findPrepared(open.translated, scanned_)) return *found;
   } catch (const Error& error) {
     unscannable = error;  // a name may hold what a statement may not
@@ -237,7 +259,7 @@ Prepared& SqliteDatabase::prepared(std::string_view source) {
     }
     name = open.names.emplace(source, std::move(*text)).first;
   }
-  dialect::scan(name->second, scanned_);
+  dialect::scan(name->second, scanned_, &session_->clock);
   if (Prepared* found = findPrepared(open.translated, scanned_)) return *found;
   return translateScanned(name->second);
 }
@@ -249,7 +271,7 @@ void SqliteDatabase::bind(Prepared& prepared, InputOf&& inputOf) {
   converted_.reserve(2 * slots.size());
   const auto convert = [&](const Value& value, const FieldDef& field) -> const Value& {
     if (isStoredAsIs(value, field)) return value;
-    return converted_.emplace_back(convertForField(value, field.type, field.size));
+    return converted_.emplace_back(convertForField(value, field.type, field.size, &session_->clock));
   };
   for (std::size_t i = 0; i < slots.size(); ++i) {
     const auto [input, declared] = inputOf(i);
@@ -262,7 +284,7 @@ void SqliteDatabase::bind(Prepared& prepared, InputOf&& inputOf) {
 
 SqliteDatabase::Change SqliteDatabase::translateChange(std::string_view sql) {
   Prepared made = translate(sql);
-  dialect::scan(sql, scanned_);
+  dialect::scan(sql, scanned_, &session_->clock);
   Change change{std::move(made), scanned_.literals, {}};
   const dialect::Translation& translation = *change.prepared.translation;
   requireKind(translation, false);
@@ -274,7 +296,7 @@ SqliteDatabase::Change SqliteDatabase::translateChange(std::string_view sql) {
 
 int SqliteDatabase::run(Change& change, std::string_view sql, const std::vector<Value>& values) {
   return session_->guarded([&] {
-    endReading();
+    beginChange();
     for (int attempt = 0;; ++attempt) {
       OpenFile& open = file();
       const dialect::Translation& translation = *change.prepared.translation;
@@ -327,7 +349,7 @@ int SqliteDatabase::withPrepared(std::string_view source, bool rows, const Param
 
 int SqliteDatabase::execute(std::string_view sql) {
   return session_->guarded([&] {
-    endReading();
+    beginChange();
     std::shared_ptr<const dialect::Translation> translation;
     const int code = withPrepared(sql, false, {}, [&](Prepared& prepared) {
       const int result = prepared.statement.step();

@@ -36,6 +36,7 @@ class SqliteDatabase final : public Database, public std::enable_shared_from_thi
   [[nodiscard]] std::unique_ptr<Command> prepare(std::string_view sql) override;
   void beginReading() override;
   void endReading() override;
+  void lockForChanges() override;
   [[nodiscard]] std::unique_ptr<Recordset> openRecordset(std::string_view source,
                                                          const Parameters& parameters) override;
 
@@ -66,14 +67,20 @@ class SqliteDatabase final : public Database, public std::enable_shared_from_thi
   Change translateChange(std::string_view sql);
   /// Runs it with the values of its declared parameters; again, translated anew, when the schema has changed.
   int run(Change& change, std::string_view sql, const std::vector<Value>& values);
-  /// Runs a statement that changes rows of `table`, whole or not at all; the error names what broke.
+  /// To be called before each change: lockForChanges, and the end of a reading outside of a transaction too.
+  void beginChange();
+  /// Behind beginChange: runs a statement that changes rows of `table`, whole or not at all; the error names
+  /// what broke.
   void change(Statement& statement, std::string_view table);
   /// Counts the changes made through this database: rows read at another count may be stale.
   [[nodiscard]] std::uint64_t generation() const { return generation_; }
   /// Before a commit: what the transaction put off until it was needed is done.
   void settle() { (void)file(); }
-  /// After a rollback: neither definitions, names nor rows read before can be relied on.
-  void rolledBack();
+  /// End the part of the engine's transaction that is in this file, if it has one.
+  void commit();
+  void rollback();  ///< neither definitions, names nor rows read before can be relied on then
+  /// Whether SQLite has undone that part by itself.
+  [[nodiscard]] bool lostTransaction() const { return opened().locked && !connection().inTransaction(); }
   /// Closes without the part of a transaction that is not committed.
   void abandon();
 
@@ -81,11 +88,12 @@ class SqliteDatabase final : public Database, public std::enable_shared_from_thi
   /// What exists while the file is open. In this order, so that statements go before the connection.
   struct OpenFile {
     OpenFile(const std::string& path, const Session& session)
-        : connection(path, session.options, session.clock), catalog(connection) {}
+        : connection(path, session.options, session.clock), catalog(connection, session.clock) {}
     Connection connection;
     Catalog catalog;
     StatementCache translated;
     StatementCache own;
+    bool locked = false;  ///< by the engine's transaction
     /// Relations of this transaction that the file has not yet: those which follow each other are written at
     /// once, since SQLite reads the whole schema again after it.
     std::vector<Relation> unwritten;

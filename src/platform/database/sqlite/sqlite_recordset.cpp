@@ -246,6 +246,7 @@ void SqliteRecordset::edit() {
   database_->session().guarded([&] {
     requireEditable();
     requireCurrent();
+    database_->lockForChanges();
     startEditing(Mode::edit);
   });
 }
@@ -267,7 +268,7 @@ void SqliteRecordset::set(std::size_t index, const Value& value) {
       throw Error(err::dbNotUpdatable, "Column '" + field.name + "' is an expression and cannot be set");
     }
     try {
-      edited_[index] = convertForField(value, field.type, field.size);
+      edited_[index] = convertForField(value, field.type, field.size, &database_->session().clock);
     } catch (const Error& error) {
       throw Error(error.number(), "Field '" + field.name + "' of table '" + translation_->table +
                                       "': " + error.description());
@@ -290,6 +291,7 @@ void SqliteRecordset::update() {
 
 /// Runs a change of this result's own, which makes its other rows no staler than they were.
 void SqliteRecordset::change(Statement& statement) {
+  database_->beginChange();
   const bool fresh = generation_ == database_->generation();
   database_->change(statement, translation_->table);
   if (fresh) generation_ = database_->generation();

@@ -86,12 +86,13 @@ void SqliteDatabase::finish(Step& step) {
 void SqliteDatabase::createTable(const TableDef& definition) {
   session_->guarded([&] {
     OpenFile& open = file();
-    const TableDef table = ddl::normalised(definition);
+    const TableDef table = ddl::normalised(definition, session_->clock);
+    beginChange();
     Step step(open.connection);
     if (textOfName(table.name) || equalNoCase(table.name, Catalog::queryTable)) {
       throw Error(err::dbTableExists, "A table or query '" + table.name + "' exists already");
     }
-    open.connection.run(ddl::createTable(table));
+    open.connection.run(ddl::createTable(table, session_->clock));
     open.catalog.add(table);
     finish(step);
   });
@@ -100,7 +101,8 @@ void SqliteDatabase::createTable(const TableDef& definition) {
 void SqliteDatabase::addField(std::string_view table, const FieldDef& definition) {
   session_->guarded([&] {
     OpenFile& open = file();
-    const FieldDef field = ddl::normalised(definition);
+    const FieldDef field = ddl::normalised(definition, session_->clock);
+    beginChange();
     Step step(open.connection);
     const TableDef owner = this->definition(table);
     if (owner.field(field.name) != nullptr) {
@@ -116,7 +118,7 @@ void SqliteDatabase::addField(std::string_view table, const FieldDef& definition
                                        "' needs a value, and the rows there would have none");
     }
     open.connection.run("ALTER TABLE " + ddl::quoteName(owner.name) + " ADD COLUMN " +
-                        ddl::column(field, {}));
+                        ddl::column(field, {}, session_->clock));
     open.catalog.update(owner.name);
     finish(step);
     ++generation_;
@@ -126,6 +128,7 @@ void SqliteDatabase::addField(std::string_view table, const FieldDef& definition
 void SqliteDatabase::deleteTable(std::string_view table) {
   session_->guarded([&] {
     OpenFile& open = file();
+    beginChange();
     Step step(open.connection);
     const TableDef owner = definition(table);
     for (const Relation& relation : open.catalog.relations()) {
@@ -156,6 +159,7 @@ void SqliteDatabase::createRelation(const Relation& relation) {
     if (relation.fields.empty()) {
       throw Error(err::dbInvalidArgument, "Relation '" + relation.name + "' has no fields");
     }
+    beginChange();
     Step step(open.connection);
     const TableDef primary = definition(relation.table);
     const TableDef foreign = definition(relation.foreignTable);
@@ -251,6 +255,7 @@ void SqliteDatabase::createQuery(const QueryDef& query) {
   session_->guarded([&] {
     OpenFile& open = opened();
     ddl::checkName(query.name);
+    beginChange();
     Step step(open.connection);
     if (textOfName(query.name)) {
       throw Error(err::dbObjectExists, "A table or query '" + query.name + "' exists already");

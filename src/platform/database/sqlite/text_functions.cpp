@@ -192,7 +192,7 @@ void format(sqlite3_context* context, sqlite3_value** arguments, int) {
   }
   if (type == SQLITE_TEXT) {
     const std::string_view text = textOf(arguments[0]);
-    const auto moment = parseDateTime(text);
+    const auto moment = parseDateTime(text, clockOf(context));
     const bool digits = !text.empty() && text.find_first_not_of("0123456789.+-") == std::string_view::npos;
     if (!moment && !digits) {
       returnText(context, text);

@@ -74,7 +74,8 @@ void number(sqlite3_context* context, sqlite3_value** arguments, int) {
 
 void store(sqlite3_context* context, sqlite3_value** arguments, int) {
   const auto type = static_cast<DataType>(sqlite3_value_int(arguments[1]));
-  returnValue(context, convertForField(valueOf(arguments[0]), type, sqlite3_value_int(arguments[2])));
+  returnValue(context, convertForField(valueOf(arguments[0]), type, sqlite3_value_int(arguments[2]),
+                                       clockOf(context)));
 }
 
 void text(sqlite3_context* context, sqlite3_value** arguments, int) {
