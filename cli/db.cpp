@@ -5,6 +5,7 @@
 #include <iostream>
 
 #include "app/qdb.h"
+#include "comm/modem_file.h"
 #include "commands.h"
 #include "installation.h"
 #include "installation_files.h"
@@ -35,6 +36,23 @@ void save(Installation& installation, const FileOptions& options) {
   std::cout << "Saved as " << options.file << '\n';
 }
 
+/// The driver opens the modem files that the rows name: of a database from elsewhere a person has to have
+/// seen them.
+void requireModemsHere(Installation& installation, const std::string& file) {
+  if (installation.settings.yes || !files::isPlain(file)) return;
+  std::string names;
+  try {
+    const auto backup = installation.library().engine().open(file);
+    for (const std::string& name : stationsWithModemElsewhere(*backup)) names += "\n  " + name;
+    backup->close();
+  } catch (const Error&) {
+    return;  // no database that could be restored, which the restore tells
+  }
+  if (names.empty()) return;
+  throw Refusal("these stations of " + file +
+                " have a modem file outside the installation; --yes takes it so:" + names);
+}
+
 void restore(Installation& installation, const FileOptions& options) {
   installation.openForSending();
   CallerPrompts& prompts = installation.prompts();
@@ -51,6 +69,7 @@ void restore(Installation& installation, const FileOptions& options) {
     throw Refusal(
         "a restore replaces the database with all its cards: without a terminal to ask on it needs --yes");
   }
+  requireModemsHere(installation, file);
   // The first question is whether to save the present database. Only a person can name a file for it now.
   if (!options.saveFirst.empty()) {
     prompts.prepare(Answer::yes);

@@ -9,6 +9,7 @@
 #include "comm/station.h"
 #include "commands.h"
 #include "installation.h"
+#include "links.h"
 #include "lookup.h"
 #include "messages/strings.h"
 #include "refusal.h"
@@ -91,9 +92,12 @@ void setStation(Installation& installation, const StationOptions& options) {
   const std::int16_t port = options.port ? portFrom0(*options.port) : row->get("ComPort").toInt16();
   if (active) requireFreePort(installation, port, row->get("Name").toText());
   Transaction transaction(installation.library().engine(), installation.qdb().database());
+  // Programs and holidays count as sent once the active stations have them.
+  const bool comesIntoUse = active && !row->get("Active").toBool();
   row->edit();
   setFields(*row, options);
   row->update();
+  if (comesIntoUse) markProgramsForNewController(installation);
   installation.qdb().Stations().createIniFile(row->get("Id").toInt16());
   transaction.commit();
 }

@@ -10,6 +10,10 @@ std::int16_t AccessGroup::create() {
   return links_.create();
 }
 
+std::vector<TableDef> AccessGroup::definitions() {
+  return {gen_.definition(), links_.definitions().front()};
+}
+
 void AccessGroup::createFields(TableDef& td) {
   addField(td, "Id", DataType::Integer);
   addField(td, "Name", DataType::Text, 50);

@@ -34,6 +34,7 @@ class AccessGroup : public Table {
   bool AccessGroupCheckCom(std::int16_t Id);
 
   std::int16_t create() override;  ///< builds both tables
+  [[nodiscard]] std::vector<TableDef> definitions() override;
   void createFields(TableDef& td) override;
   void createIndexes(TableDef& td) override;
   std::int16_t createRelations() override;

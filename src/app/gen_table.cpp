@@ -45,20 +45,27 @@ Recordset& GenTable::current() const {
   return *rows_;
 }
 
+TableDef GenTable::definition() {
+  TableDef td;
+  td.name = table_.Name();
+  const struct Building {
+    Building(TableDef*& place, TableDef& td) : place_(place) { place_ = &td; }
+    ~Building() { place_ = nullptr; }
+    Building(const Building&) = delete;
+    Building& operator=(const Building&) = delete;
+    TableDef*& place_;
+  } building(building_, td);
+  table_.createFields(td);
+  table_.createIndexes(td);
+  for (FieldDef& field : td.fields) {
+    if (isText(field.type)) field.allowZeroLength = true;
+  }
+  return td;
+}
+
 void GenTable::buildTable() {
-  library_.attempt({"msgCantCreateTable", table_.Name() + ".create"}, [&] {
-    Database& database = this->database();
-    TableDef td;
-    td.name = table_.Name();
-    building_ = &td;
-    table_.createFields(td);
-    table_.createIndexes(td);
-    for (FieldDef& field : td.fields) {
-      if (isText(field.type)) field.allowZeroLength = true;
-    }
-    database.createTable(td);
-  });
-  building_ = nullptr;
+  library_.attempt({"msgCantCreateTable", table_.Name() + ".create"},
+                   [&] { database().createTable(definition()); });
 }
 
 void GenTable::appendField(const std::string& fldName, DataType dataType, int size,

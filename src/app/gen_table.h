@@ -54,6 +54,8 @@ class GenTable {
   /// The rows that the last query opened, with the current row; null before the first.
   [[nodiscard]] Recordset* currentRecordset() const { return rows_.get(); }
   void currentRecordset(std::unique_ptr<Recordset> rows);
+  /// The table as buildTable makes it. A failure of the owner's createFields or createIndexes is raised.
+  [[nodiscard]] TableDef definition();
   void buildTable();
   /// Opens the rows that satisfy `condition`; true when there is NO such row. Failures are raised.
   bool openWhere(const std::string& condition);

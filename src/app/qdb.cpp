@@ -7,6 +7,7 @@
 #include "access/cardholder.h"
 #include "app/itable.h"
 #include "app/library.h"
+#include "app/main_database.h"
 #include "comm/com.h"
 #include "comm/com_status_table.h"
 #include "comm/reader.h"
@@ -159,9 +160,27 @@ std::int16_t QDB::saveDB() {
                            [&](const std::string& name) { return saveDatabaseAs(library_, name); });
 }
 
+std::vector<TableDef> QDB::definitions() {
+  std::vector<TableDef> all;
+  const auto add = [&](Table& table) {
+    for (TableDef& definition : table.definitions()) all.push_back(std::move(definition));
+  };
+  add(*stations_);
+  add(*dailyPrograms_);
+  add(*holidays_);
+  add(*weeklyPrograms_);
+  add(*readers_);
+  add(*accessGroups_);
+  add(*cardholders_);
+  add(*alarms_);
+  all.push_back(comStatusDefinition());
+  return all;
+}
+
 std::int16_t QDB::restoreDB() {
   return throughClosedFile("QDB.restoreDB", [&](const std::string& name) {
-    return restoreDatabase(library_, name, "msgReplaceSaveDBYN");
+    return restoreDatabase(library_, name, "msgReplaceSaveDBYN",
+                           [&](Database& backup) { requireMainDatabase(backup, definitions()); });
   });
 }
 

@@ -23,6 +23,7 @@ class Reader;
 class Station;
 class WeeklyProgram;
 struct FailureMessage;
+struct TableDef;
 
 /// The container: the open main database and one object per table. States: no database open, or one open;
 /// saving and restoring pass through a closed file and end with `Com.AppDB` open again.
@@ -53,6 +54,8 @@ class QDB {
   /// The registered table of that name, in any case: Stations, DailyPrograms, Holidays, WeeklyPrograms,
   /// Readers, AccessGroups, Cardholders, Journal, Alarms. Raises `err::invalidArgument` for any other name.
   [[nodiscard]] ITable& tables(std::string_view tableName) const;
+  /// What createDB makes: every table of a main database with its columns.
+  [[nodiscard]] std::vector<TableDef> definitions();
 
   /// Builds a new database at `Com.AppDB`: every registered table but the journal with its default rows, the
   /// tables that belong to them, then the relations; then a new journal in place of the open one. Asks first

@@ -19,6 +19,10 @@ std::int16_t Table::create() {
   return 0;
 }
 
+std::vector<TableDef> Table::definitions() {
+  return {gen_.definition()};
+}
+
 std::int16_t Table::setTableFlagsD(bool flagD) {
   return gen_.setTableFlagsD(flagD, "");
 }

@@ -28,6 +28,9 @@ class Table : public ITable {
   void insertDefaultRecs() override {}                   ///< none, unless a table says otherwise
   std::int16_t setTableFlagsD(bool flagD) override;
 
+  /// The tables that create() makes.
+  [[nodiscard]] virtual std::vector<TableDef> definitions();
+
  protected:
   Table(Library& library, std::string name);
 

@@ -33,13 +33,17 @@ DateTime noDate() {
 }  // namespace
 
 void createComStatus(Database& database) {
+  database.createTable(comStatusDefinition());
+}
+
+TableDef comStatusDefinition() {
   TableDef td;
   td.name = "ComStatus";
   addField(td, "StationID", DataType::Integer);
   addField(td, "CtrAddr", DataType::Integer);
   addField(td, "Status", DataType::Integer);
   addField(td, "Date", DataType::Date);
-  database.createTable(td);
+  return td;
 }
 
 std::string Com::resultFileName(std::int16_t station) const {

@@ -153,15 +153,15 @@ std::vector<std::string> Station::iniLines(const Recordset& row, std::int16_t ti
                                            std::int32_t Speed) {
   std::vector<std::string> lines = {
       "NAM:" + iniText(row.get("Name")), "COM:" + std::to_string(row.get("ComPort").toInt32() + 1),
-      "BDR:" + (Speed != 0 ? std::to_string(Speed) : row.get("ComSpeed").toText())};
+      "BDR:" + (Speed != 0 ? std::to_string(Speed) : std::to_string(row.get("ComSpeed").toInt32()))};
   if (const std::string phone = iniText(row.get("Phone")); !phone.empty()) lines.push_back("TEL:" + phone);
   if (const std::string modem = modemFile(row.get("ModemIniFile")); !modem.empty()) {
     lines.push_back("MDM:" + modem);
   }
   lines.push_back("CFL:" + library_.CommandFile().fileName());
-  lines.push_back("OUT:" +
-                  (timeOutDelay != 0 ? std::to_string(timeOutDelay) : row.get("TimeoutDelay").toText()));
-  lines.push_back("TMP:" + row.get("WaitingDelay").toText());
+  lines.push_back("OUT:" + (timeOutDelay != 0 ? std::to_string(timeOutDelay)
+                                              : std::to_string(row.get("TimeoutDelay").toInt16())));
+  lines.push_back("TMP:" + std::to_string(row.get("WaitingDelay").toInt16()));
   lines.emplace_back("OPT:2");
   if (const std::string controllers = getControllerList(row.get("Id").toInt16()); !controllers.empty()) {
     lines.push_back("TER:" + controllers);
@@ -192,7 +192,7 @@ std::string Station::getControllerList(std::int16_t Id) {
     const Value address = readers->get(std::size_t{0});
     if (address.isNull() || address == previous) continue;
     if (!list.empty()) list += ",";
-    list += address.toText();
+    list += std::to_string(address.toInt16());
     previous = address;
   }
   return list;

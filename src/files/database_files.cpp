@@ -64,7 +64,8 @@ std::int16_t saveDatabaseAs(Library& library, const std::string& name) {
   return saveDialog(library).DlgSaveAs(name);
 }
 
-std::int16_t restoreDatabase(Library& library, const std::string& name, const char* mnemonic) {
+std::int16_t restoreDatabase(Library& library, const std::string& name, const char* mnemonic,
+                             std::function<void(Database&)> requireFit) {
   Answer answer = Answer::no;
   if (files::exists(name)) {
     answer = ask(library, mnemonic, style::yesNoCancel | style::question);
@@ -74,6 +75,7 @@ std::int16_t restoreDatabase(Library& library, const std::string& name, const ch
   if (answer == Answer::yes && saveDialog(library).DlgSaveAs(name) != 0) return -1;
   UFile dialog(library);
   dialog.filter = databaseFilter;
+  dialog.requireFit = std::move(requireFit);
   return dialog.DlgRestore(name);
 }
 

@@ -1,10 +1,12 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 
 namespace voxa {
 
+class Database;
 class Library;
 
 /// The confirmation flow around replacing, saving and restoring a database file. Failing file operations are
@@ -20,8 +22,10 @@ class Library;
 [[nodiscard]] std::int16_t saveDatabaseAs(Library& library, const std::string& name);
 
 /// Asks whether to save the file first, closes it, and copies the backup the person picks over it; 0 done, -1
-/// cancelled or refused. mnemonic: of the question.
-[[nodiscard]] std::int16_t restoreDatabase(Library& library, const std::string& name, const char* mnemonic);
+/// cancelled or refused. mnemonic: of the question. requireFit: raises what makes the backup, open, unfit to
+/// take the file's place; before anything is copied.
+[[nodiscard]] std::int16_t restoreDatabase(Library& library, const std::string& name, const char* mnemonic,
+                                           std::function<void(Database&)> requireFit);
 
 /// Closes every open database of that file name; a bare name is one of the current folder.
 void closeDatabaseFile(Library& library, const std::string& name);

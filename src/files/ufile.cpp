@@ -91,7 +91,9 @@ std::int16_t UFile::DlgRestore(const std::string& newFileName) {
   if (isProtected(library_, chosen)) return refuse();
   if (files::exists(newFileName) && !confirmed("msgOverrideYN")) return -1;
   // A file that is no database must not replace one: opening it raises the engine's error first.
-  library_.engine().open(chosen)->close();
+  const auto backup = library_.engine().open(chosen);
+  requireFit(*backup);
+  backup->close();
   files::copy(chosen, newFileName);
   return 0;
 }

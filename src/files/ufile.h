@@ -1,10 +1,12 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 
 namespace voxa {
 
+class Database;
 class Library;
 
 /// File dialogs on database files. Each returns 0 when done, -1 when the person cancelled or the name was
@@ -17,6 +19,8 @@ class UFile {
   /// What the dialogs show beside their title; the callers set them.
   std::string filter;
   int flags = 0;
+  /// Raises what makes a backup unfit for DlgRestore; any database is fit unless a caller sets this.
+  std::function<void(Database&)> requireFit = [](Database&) {};
 
   std::int16_t DlgRename(const std::string& fileName);      ///< moves it to the name chosen
   std::int16_t DlgSaveAs(const std::string& fileName);      ///< copies it to the name chosen

@@ -11,19 +11,26 @@ namespace {
 
 constexpr const char* liftGroup = "LiftGroup";
 
+TableDef liftGroupDefinition() {
+  TableDef td;
+  td.name = liftGroup;
+  addField(td, "AccessGroup", DataType::Integer);
+  addField(td, "LiftNum", DataType::Long);
+  addIndex(td, "Id", {"AccessGroup", "LiftNum"}, IndexKind::primary);
+  return td;
+}
+
 }  // namespace
 
 std::int16_t Alarm::create() {
   gen_.buildTable();
-  library_.attempt({"msgCantCreateTable", std::string(liftGroup) + ".create"}, [&] {
-    TableDef td;
-    td.name = liftGroup;
-    addField(td, "AccessGroup", DataType::Integer);
-    addField(td, "LiftNum", DataType::Long);
-    addIndex(td, "Id", {"AccessGroup", "LiftNum"}, IndexKind::primary);
-    database().createTable(td);
-  });
+  library_.attempt({"msgCantCreateTable", std::string(liftGroup) + ".create"},
+                   [&] { database().createTable(liftGroupDefinition()); });
   return 0;
+}
+
+std::vector<TableDef> Alarm::definitions() {
+  return {gen_.definition(), liftGroupDefinition()};
 }
 
 void Alarm::createFields(TableDef& td) {

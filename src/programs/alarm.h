@@ -12,6 +12,7 @@ class Alarm : public Table {
   explicit Alarm(Library& library) : Table(library, "Alarms") {}
 
   std::int16_t create() override;  ///< builds both tables
+  [[nodiscard]] std::vector<TableDef> definitions() override;
   void createFields(TableDef& td) override;
   void createIndexes(TableDef& td) override;
   std::int16_t createRelations() override;

@@ -79,7 +79,7 @@ TEST_F(GenTableTest, FlagsAreTheColumnsWhoseNamesEndInFlagD) {
 TEST_F(GenTableTest, RowsBeforeOneThatFailsKeepWhatTheyWereGiven) {
   ids({1, 2, 3});
   plain("KRV.mdb", "update Odd set FlagD = 'x' where Id = 2");
-  EXPECT_EQ(table.setTableFlagsD(true), err::typeMismatch);
+  EXPECT_EQ(table.setTableFlagsD(true), err::dbConversion);
   const auto shown = boxes();
   ASSERT_EQ(shown.size(), 1U);
   EXPECT_TRUE(shown[0].ends_with("|(Odd.setFlagsD)")) << shown[0];

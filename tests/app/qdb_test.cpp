@@ -1,5 +1,7 @@
 #include "app/qdb.h"
 
+#include <sqlite3.h>
+
 #include <filesystem>
 
 #include "app/itable.h"
@@ -156,6 +158,30 @@ TEST_F(QDBTest, SaveAndRestoreGoThroughAClosedFile) {
   prompts.choices = {folder + "\\garbage.mdb"};
   EXPECT_EQ(glob->QDB().restoreDB(), err::dbNotADatabase);
   EXPECT_EQ(query("select Name from Stations where Id = 2"), "After");
+
+  // Databases that open, but are none that could take the place of the main one.
+  std::filesystem::copy_file("I18N.MDB", "texts.mdb");
+  std::filesystem::copy_file("Backup.mdb", "foreign.mdb");
+  sqlite3* raw = nullptr;
+  ASSERT_EQ(sqlite3_open("foreign.mdb", &raw), SQLITE_OK);
+  ASSERT_EQ(sqlite3_exec(raw,
+                         "PRAGMA ignore_check_constraints=ON; update Stations set WaitingDelay = '100' || "
+                         "char(13, 10) || 'CFL:/etc/passwd'",
+                         nullptr, nullptr, nullptr),
+            SQLITE_OK)
+      << sqlite3_errmsg(raw);
+  sqlite3_close(raw);
+  boxes();
+  const std::pair<const char*, const char*> unfit[] = {
+      {"texts.mdb", "it has no table Stations"},
+      {"foreign.mdb", "the column WaitingDelay of the table Stations"}};
+  for (const auto& [name, why] : unfit) {
+    prompts.answers = {Answer::no, Answer::yes};
+    prompts.choices = {folder + "\\" + name};
+    EXPECT_EQ(glob->QDB().restoreDB(), err::dbNotADatabase);
+    EXPECT_NE(boxes().back().find(why), std::string::npos);
+    EXPECT_EQ(query("select Name from Stations where Id = 2"), "After");
+  }
 
   prompts.answers = {Answer::cancel};
   EXPECT_EQ(glob->QDB().restoreDB(), -1);

@@ -107,11 +107,11 @@ TEST_F(UFileTest, RestoringSavesFirstWhenAsked) {
   EXPECT_FALSE(database->isOpen());
   write("KRV.mdb", "damaged");
   prepare({Answer::yes}, "");  // nothing chosen to save it under
-  EXPECT_EQ(restoreDatabase(*library, "KRV.mdb", "msgReplaceSaveDBYN"), -1);
+  EXPECT_EQ(restoreDatabase(*library, "KRV.mdb", "msgReplaceSaveDBYN", [](Database&) {}), -1);
   EXPECT_EQ(textOf("KRV.mdb"), "damaged");
   prepare({Answer::yes, Answer::yes}, "damaged.mdb");
   prompts.choices.emplace_back("copy.mdb");
-  EXPECT_EQ(restoreDatabase(*library, "KRV.mdb", "msgReplaceSaveDBYN"), 0);
+  EXPECT_EQ(restoreDatabase(*library, "KRV.mdb", "msgReplaceSaveDBYN", [](Database&) {}), 0);
   EXPECT_EQ(textOf("damaged.mdb"), "damaged");
   EXPECT_EQ(textOf("KRV.mdb"), textOf("copy.mdb"));
   EXPECT_EQ(styles(), (std::vector{35, 35, 36}));

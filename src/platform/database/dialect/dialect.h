@@ -77,6 +77,8 @@ struct Translation {
   /// Columns of the result: name, type, size; for a column of a table its full definition, under the name
   /// that the result gives it.
   std::vector<FieldDef> columns;
+  /// For each column whether it shows a field of a table, whose values have its type; else an expression.
+  std::vector<bool> stored;
   /// For each column the field of `table` that it shows, or "" for an expression. Empty when not editable.
   std::vector<std::string> sourceFields;
   /// update: the fields that are set.

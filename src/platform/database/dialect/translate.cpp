@@ -49,6 +49,7 @@ class Translator {
         column.type = item.type.value_or(DataType::Text);
       }
       column.name = query.names[i];
+      out_.stored.push_back(item.field != nullptr);
     }
     if (query.scope.tables.size() == 1 && !query.distinct && !query.grouped) {
       const ScopeTable& table = query.scope.tables[0];

@@ -65,6 +65,31 @@ std::string_view Statement::text(int column) const {
   return {bytes, static_cast<std::size_t>(sqlite3_column_bytes(handle_.get(), column))};
 }
 
+bool Statement::holds(int column, DataType type) const {
+  const int held = sqlite3_column_type(handle_.get(), column);
+  if (held == SQLITE_NULL) return true;
+  const auto within = [&](auto ofType) {
+    using Limits = std::numeric_limits<decltype(ofType)>;
+    return held == SQLITE_INTEGER && integer(column) >= Limits::min() && integer(column) <= Limits::max();
+  };
+  switch (type) {
+    case DataType::Text:
+    case DataType::Memo:
+      return held == SQLITE_TEXT;
+    case DataType::Byte:
+      return within(std::uint8_t{});
+    case DataType::Integer:
+      return within(std::int16_t{});
+    case DataType::Boolean:
+    case DataType::Long:
+      return within(std::int32_t{});
+    case DataType::Double:
+    case DataType::Date:
+      return held == SQLITE_FLOAT || held == SQLITE_INTEGER;
+  }
+  return false;
+}
+
 Value Statement::value(int column, DataType type) const {
   switch (sqlite3_column_type(handle_.get(), column)) {
     case SQLITE_NULL:

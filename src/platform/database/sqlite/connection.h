@@ -32,6 +32,8 @@ class Statement {
 
   [[nodiscard]] std::int64_t integer(int column) const { return sqlite3_column_int64(handle_.get(), column); }
   [[nodiscard]] std::string_view text(int column) const;
+  /// Whether the column's value is one that a field of that type can hold.
+  [[nodiscard]] bool holds(int column, DataType type) const;
   /// The column's value as a field of that type gives it; a value of another class (an expression's) as it
   /// is.
   [[nodiscard]] Value value(int column, DataType type) const;

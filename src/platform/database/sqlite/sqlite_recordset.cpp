@@ -55,15 +55,13 @@ SqliteRecordset::SqliteRecordset(std::shared_ptr<SqliteDatabase> database,
 int SqliteRecordset::read(Statement& statement) {
   const bool withRowids = editable();
   const int firstColumn = withRowids ? 1 : 0;
-  const std::vector<FieldDef>& fields = columns();
   int code = SQLITE_ROW;
   while ((code = statement.step()) == SQLITE_ROW) {
     if (withRowids) rowids_.push_back(statement.integer(0));
     ++rows_;
     if (live_ && blockRows_ == firstRows) continue;
-    int column = firstColumn;
-    if (values_.empty()) values_.reserve(fields.size());
-    for (const FieldDef& field : fields) values_.push_back(statement.value(column++, field.type));
+    if (values_.empty()) values_.reserve(columns().size());
+    take(statement, firstColumn);
     ++blockRows_;
   }
   if (code == SQLITE_DONE) statement.reset();
@@ -182,8 +180,28 @@ Value SqliteRecordset::get(std::size_t index) const {
     if (mode_ == Mode::edit && std::find(set_.begin(), set_.end(), index) != set_.end()) {
       return edited_[index];
     }
-    return values(static_cast<std::size_t>(position_))[index];
+    const Value* value = values(static_cast<std::size_t>(position_)) + index;
+    if (!misfits_.empty()) requireFit(*value, index);
+    return *value;
   });
+}
+
+void SqliteRecordset::take(Statement& statement, int firstColumn) const {
+  int column = firstColumn;
+  for (std::size_t i = 0; i < columns().size(); ++i, ++column) {
+    const FieldDef& field = columns()[i];
+    if (translation_->stored[i] && !statement.holds(column, field.type)) misfits_.push_back(values_.size());
+    values_.push_back(statement.value(column, field.type));
+  }
+}
+
+void SqliteRecordset::requireFit(const Value& value, std::size_t index) const {
+  const auto place = static_cast<std::size_t>(&value - values_.data());
+  if (!std::binary_search(misfits_.begin(), misfits_.end(), place)) return;
+  throw Error(err::dbConversion,
+              "Data type conversion error: the column " + columns()[index].name +
+                  (translation_->table.empty() ? "" : " of the table " + translation_->table) +
+                  " holds a value of another type");
 }
 
 const Value* SqliteRecordset::values(std::size_t row) const {
@@ -208,9 +226,9 @@ void SqliteRecordset::fetch(std::size_t row) const {
   const bool backwards = row + 1 == blockStart_;
   const std::size_t start = backwards ? row + 1 - std::min(row + 1, fetchRows_) : row;
   const std::size_t end = backwards ? row + 1 : std::min(rows_, row + fetchRows_);
-  const std::vector<FieldDef>& fields = columns();
 
   values_.clear();
+  misfits_.clear();
   gone_.clear();
   blockStart_ = start;
   blockRows_ = 0;
@@ -222,12 +240,11 @@ void SqliteRecordset::fetch(std::size_t row) const {
     statement.bind(1, rowids_[i]);
     const int code = statement.step();
     if (code == SQLITE_ROW) {
-      int column = 0;
-      for (const FieldDef& field : fields) values_.push_back(statement.value(column++, field.type));
+      take(statement, 0);
     } else if (code == SQLITE_DONE) {
       if (gone_.empty()) gone_.resize(end - start);
       gone_[i - start] = true;
-      values_.resize(values_.size() + fields.size());
+      values_.resize(values_.size() + columns().size());
     } else {
       connection.fail(code);
     }
@@ -319,7 +336,10 @@ void SqliteRecordset::updateRow() {
   const bool buffered = row >= blockStart_ && row - blockStart_ < blockRows_;
   for (const std::size_t index : set_) {
     if (columns()[index].autoIncrement) rowids_[row] = edited_[index].toInt32();
-    if (buffered) values_[(row - blockStart_) * columns().size() + index] = edited_[index];
+    if (!buffered) continue;
+    const std::size_t place = (row - blockStart_) * columns().size() + index;
+    values_[place] = edited_[index];
+    std::erase(misfits_, place);
   }
 }
 

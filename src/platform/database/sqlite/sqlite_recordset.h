@@ -64,6 +64,9 @@ class SqliteRecordset final : public Recordset {
   void checkColumn(std::size_t index) const;
   [[nodiscard]] Value initial(std::size_t index) const;
 
+  /// Puts the values of the row that a statement gives behind the others.
+  void take(Statement& statement, int firstColumn) const;
+  void requireFit(const Value& value, std::size_t index) const;
   const Value* values(std::size_t row) const;
   void fetch(std::size_t row) const;
   void startEditing(Mode mode);
@@ -82,6 +85,9 @@ class SqliteRecordset final : public Recordset {
 
   // The rows whose values are here: blockRows_ from blockStart_ on, one after the other.
   mutable std::vector<Value> values_;
+  /// Places in values_ of what is not of its field's type, as only another program can have written it:
+  /// asking for it raises 3421.
+  mutable std::vector<std::size_t> misfits_;
   mutable std::vector<bool> gone_;  ///< rows of the block that were deleted meanwhile; empty for none
   mutable std::size_t blockStart_ = 0;
   mutable std::size_t blockRows_ = 0;

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <vector>
+
+namespace voxa {
+
+class Database;
+struct TableDef;
+
+/// Raises `err::dbNotADatabase` for a database that cannot take the place of the main one: it lacks one of
+/// the tables or columns, has one of another type, or holds a value that is not of its column's type. Reads
+/// every row.
+void requireMainDatabase(Database& candidate, const std::vector<TableDef>& tables);
+
+}  // namespace voxa
