@@ -72,7 +72,7 @@ void BadgeFormat::insertDefaultRecs() {
 
 void BadgeFormat::CreateTable() {
   create();
-  insertDefaultRecs();
+  library_.attempt({"msgUnexpecErr", "BadgeFormat.CreateTable"}, [&] { insertDefaultRecs(); });
 }
 
 std::int16_t BadgeFormat::getFreeId() {

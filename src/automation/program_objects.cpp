@@ -95,8 +95,7 @@ class JournalObject final : public TableObject<JournalObject, ::IJournal, &QDB::
  public:
   STDMETHODIMP readTransactions(short compType, BSTR compName, short* status) override {
     return give(status, [&] {
-      return table().readTransactions(componentOf(static_cast<::ComponentType>(compType)),
-                                      fromBstr(compName));
+      return table().readTransactions(static_cast<ComponentType>(compType), fromBstr(compName));
     });
   }
   STDMETHODIMP readAuto(short* status) override {

@@ -32,6 +32,17 @@ passes() {
   fi
 }
 
+# A script tells behind "' Shown: " what the person has to see.
+shows() {
+  local text
+  sed -n "s/^' Shown: //p" "$work/$1"/*.vbs >"$work/$1/shown.txt"
+  while IFS= read -r text; do
+    grep -qF "$text" "$work/$1/err.txt" && continue
+    echo "Automation: $1 FAILED: it does not show '$text'"
+    failures=$((failures + 1))
+  done <"$work/$1/shown.txt"
+}
+
 run() {
   local name=$1
   new_folder "$name"
@@ -47,6 +58,7 @@ run() {
     *)
       cat tests/automation/{check,installation,"$name"}.vbs >"$work/$name/$name.vbs"
       passes "$name" cscript //nologo "$name.vbs"
+      shows "$name"
       ;;
   esac
 }
