@@ -75,10 +75,6 @@ void BadgeFormat::CreateTable() {
   library_.attempt({"msgUnexpecErr", "BadgeFormat.CreateTable"}, [&] { insertDefaultRecs(); });
 }
 
-std::int16_t BadgeFormat::getFreeId() {
-  return gen_.getFreeValue("Id", "");
-}
-
 std::int16_t BadgeFormat::download(std::int16_t BadgeFormatID, std::int16_t& ReaderNumber, bool& isVRMD1,
                                    ComponentType compType, const std::string& compName, std::int16_t Params,
                                    bool* AlreadyComTested) {

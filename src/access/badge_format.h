@@ -15,7 +15,6 @@ class BadgeFormat : public Table {
  public:
   explicit BadgeFormat(Library& library) : Table(library, "BadgeFormat") {}
 
-  std::int16_t getFreeId();  ///< first free `Id`
   /// Builds the table and inserts the default format, number 0; what fails is shown. On a database that has
   /// the table both do.
   void CreateTable();

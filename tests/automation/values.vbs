@@ -111,13 +111,16 @@ com.writeLog = False
 ' Shown: Error 5: Invalid argument: no such command
 ' Shown: Error 5: Invalid argument: no such component type
 
-' A second time: what is there already is told of, and nothing is raised.
+' A second time: what is there already is told of, and nothing is raised. Then what every table has.
 qdb.BadgeFormat.CreateTable: qdb.BadgeFormat.CreateTable
 For Each item In Array("Stations", "WeeklyPrograms", "AccessGroups"): qdb.tables(item).insertDefaultRecs: Next
 Equal "relations", qdb.tables("Readers").createRelations, 3012
 ' Shown: (BadgeFormat.CreateTable)
 ' Shown: (Stations.insertDefaultRecs)
 ' Shown: (WeeklyPrograms.insertDefaultRecs)
+For Each item In Array(qdb.Cardholders, qdb.Alarms, qdb.Journal)
+  Equal item.Name, item.getFreeId & item.setTableFlagsD(True), "10"
+Next
 
 ' A file: items are read as the type of the variable.
 Dim file: Set file = CreateObject("KORVA.SeqFile")
