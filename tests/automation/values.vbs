@@ -121,6 +121,9 @@ Equal "relations", qdb.tables("Readers").createRelations, 3012
 For Each item In Array(qdb.Cardholders, qdb.Alarms, qdb.Journal)
   Equal item.Name, item.getFreeId & item.setTableFlagsD(True), "10"
 Next
+For Each item In Array("VOXA.dll", "TLXP32.dll", "voxa.exe")
+  IsTrue item, CreateObject("Scripting.FileSystemObject").GetFileVersion(item) <> ""
+Next
 
 ' A file: items are read as the type of the variable.
 Dim file: Set file = CreateObject("KORVA.SeqFile")
