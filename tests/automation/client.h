@@ -6,6 +6,7 @@
 #include <cguid.h>
 #include <wrl/client.h>
 
+#include <atomic>
 #include <cstdio>
 #include <string>
 #include <vector>
@@ -14,7 +15,7 @@
 
 using Microsoft::WRL::ComPtr;
 
-inline int failures = 0;
+inline std::atomic<int> failures = 0;
 
 inline void check(bool condition, const char* what) {
   if (condition) return;
@@ -74,3 +75,4 @@ HRESULT callByName(IDispatch* object, std::vector<const wchar_t*> names, std::ve
 
 // The parts, each over the open installation.
 void callsByName(IGlob* glob);
+void otherApartments();
