@@ -45,10 +45,6 @@ std::string AccessGroup::DefaultName() {
   return name;
 }
 
-std::int16_t AccessGroup::getFreeId() {
-  return gen_.getFreeValue("Id", "");
-}
-
 std::int16_t AccessGroup::getId(const std::string& Name) {
   const std::int16_t id = gen_.getId("name = '" + Name + "'");
   if (id == -1) library_.report({"msgCantFindAccessGroup", "AccessGroups.getId", Value(Name)});

@@ -16,7 +16,6 @@ class AccessGroup : public Table {
   explicit AccessGroup(Library& library) : Table(library, "AccessGroups"), links_(library) {}
 
   [[nodiscard]] std::string DefaultName();  ///< name of group 0
-  std::int16_t getFreeId();                 ///< first free `Id`
   /// Group by name; -1 and "msgCantFindAccessGroup" when there is none.
   std::int16_t getId(const std::string& Name);
   /// Sends the code, rights and validity of every card of a group, to all its readers' controllers or to the

@@ -70,11 +70,7 @@ void BadgeFormat::insertDefaultRecs() {
 
 void BadgeFormat::CreateTable() {
   create();
-  insertDefaultRecs();
-}
-
-std::int16_t BadgeFormat::getFreeId() {
-  return gen_.getFreeValue("Id", "");
+  library_.attempt({"msgUnexpecErr", "BadgeFormat.CreateTable"}, [&] { insertDefaultRecs(); });
 }
 
 std::int16_t BadgeFormat::download(std::int16_t BadgeFormatID, std::int16_t& ReaderNumber, bool& isVRMD1,

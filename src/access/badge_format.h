@@ -15,9 +15,8 @@ class BadgeFormat : public Table {
  public:
   explicit BadgeFormat(Library& library) : Table(library, "BadgeFormat") {}
 
-  std::int16_t getFreeId();  ///< first free `Id`
-  /// Builds the table and inserts the default format, number 0. On a database that has the table the build
-  /// shows "msgCantCreateTable", and the error of the insert is raised.
+  /// Builds the table and inserts the default format, number 0; what fails is shown. On a database that has
+  /// the table both do.
   void CreateTable();
   /// Sends one format to a component when its mark, or DLFull in `Params`, says so:
   ///   04, reader number and technology (three digits; of a VRMD1 with a known `Techno` only), site position,

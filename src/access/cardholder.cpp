@@ -114,6 +114,12 @@ std::int16_t Cardholder::download(std::int16_t Id) {
 
 std::int16_t Cardholder::generalDownload(ComponentType compType, const std::string& compName,
                                          std::int16_t Params, bool* AlreadyComTested) {
+  if (compType < CTActiveStations || compType > CTStation) {
+    // Without this what is neither a reader nor a station would be every controller.
+    return library_.attempt({"msgCantDownload", "Cardholders.generalDownload"}, []() -> std::int16_t {
+      throw Error(err::invalidArgument, "Invalid argument: no such component type");
+    });
+  }
   if (!library_.Com().readyToSend(compType, compName, AlreadyComTested)) return 0;
   eraseUnfinishedBlocks(library_);
   CardScope scope;

@@ -50,8 +50,12 @@ bool Table::lookUp(const std::string& sql, const FailureMessage& notFound, bool 
   return found;
 }
 
+std::int16_t Table::getFreeId() {
+  return gen_.getFreeValue("Id", "");
+}
+
 std::int16_t Table::freeId(std::int16_t last) {
-  const std::int16_t id = gen_.getFreeValue("Id", "");
+  const std::int16_t id = Table::getFreeId();
   return id > last ? std::int16_t{-1} : id;
 }
 

@@ -27,6 +27,7 @@ class Table : public ITable {
   std::int16_t createRelations() override { return 0; }  ///< none, unless a table says otherwise
   void insertDefaultRecs() override {}                   ///< none, unless a table says otherwise
   std::int16_t setTableFlagsD(bool flagD) override;
+  std::int16_t getFreeId();  ///< first free `Id`; some tables end sooner, or have another key, and say so
 
   /// The tables that create() makes.
   [[nodiscard]] virtual std::vector<TableDef> definitions();
@@ -43,7 +44,7 @@ class Table : public ITable {
   bool lookUp(const std::string& sql, const FailureMessage& notFound, bool silent,
               const std::function<void(Recordset&)>& take);
 
-  /// getFreeId of most tables: first free `Id`, or -1 when it would exceed `last`.
+  /// getFreeId of a table that ends: first free `Id`, or -1 when it would exceed `last`.
   std::int16_t freeId(std::int16_t last);
 
   /// A relation with referential integrity from `primary`.`primaryField` to this table's `foreignField`.

@@ -48,6 +48,9 @@ class CardholderObject final : public TableObject<CardholderObject, ::ICardholde
   STDMETHODIMP getFreeCardNum(short* cardNum) override {
     return give(cardNum, [] { return table().getFreeCardNum(); });
   }
+  STDMETHODIMP getFreeId(short* Id) override {
+    return give(Id, [] { return table().getFreeId(); });
+  }
 };
 
 class AccessGroupObject final : public TableObject<AccessGroupObject, ::IAccessGroup, &QDB::AccessGroups> {

@@ -1,5 +1,6 @@
 #include "conversion.h"
 
+#include <cstring>
 #include <limits>
 
 #include "platform/error.h"
@@ -23,6 +24,35 @@ void require(HRESULT result, const char* what) {
 /// The variant as one of another type.
 void change(OwnVariant& variant, VARTYPE type) {
   require(::VariantChangeType(&variant, &variant, 0, type), "the argument has another type");
+}
+
+/// Bytes of a variable of a type that numbers, dates and booleans can be converted to; 0 for other types.
+std::size_t sizeOfValue(VARTYPE type) {
+  switch (type) {
+    case VT_I1:
+    case VT_UI1:
+      return 1;
+    case VT_I2:
+    case VT_UI2:
+    case VT_BOOL:
+      return 2;
+    case VT_I4:
+    case VT_UI4:
+    case VT_INT:
+    case VT_UINT:
+    case VT_R4:
+      return 4;
+    case VT_I8:
+    case VT_UI8:
+    case VT_R8:
+    case VT_CY:
+    case VT_DATE:
+      return 8;
+    case VT_DECIMAL:
+      return sizeof(DECIMAL);
+    default:
+      return 0;
+  }
 }
 
 Value defaultProperty(IDispatch* object) {
@@ -64,6 +94,10 @@ BSTR toBstr(const std::string& text) {
 
 Value fromVariant(const VARIANT& variant) {
   OwnVariant own;
+  if (const VARIANT& behind = variableBehind(const_cast<VARIANT&>(variant));
+      (behind.vt & VT_BYREF) != 0 && behind.byref == nullptr) {
+    throw Error(err::typeMismatch, "Type mismatch: the argument refers to nothing");
+  }
   require(::VariantCopyInd(&own, const_cast<VARIANT*>(&variant)), "the argument cannot be read");
   if (own->vt == VT_DISPATCH) return defaultProperty(own->pdispVal);
   switch (own->vt) {
@@ -141,8 +175,43 @@ VARIANT toVariant(const Value& value) {
 }
 
 bool isMissing(const VARIANT& variant) {
-  const VARIANT& inner = variant.vt == (VT_BYREF | VT_VARIANT) ? *variant.pvarVal : variant;
+  const VARIANT& inner = variableBehind(const_cast<VARIANT&>(variant));
   return (inner.vt == VT_ERROR && inner.scode == DISP_E_PARAMNOTFOUND) || inner.vt == VT_EMPTY;
+}
+
+VARIANT& variableBehind(VARIANT& argument) {
+  VARIANT* variable = &argument;
+  while (variable->vt == (VT_BYREF | VT_VARIANT) && variable->pvarVal != nullptr) {
+    variable = variable->pvarVal;
+  }
+  return *variable;
+}
+
+bool canHoldValue(const VARIANT& variable) {
+  if ((variable.vt & VT_BYREF) == 0) return true;
+  const auto type = static_cast<VARTYPE>(variable.vt & ~VT_BYREF);
+  return variable.byref != nullptr && (type == VT_BSTR || sizeOfValue(type) != 0);
+}
+
+HRESULT store(VARIANT& variable, const VARIANT& value) {
+  if ((variable.vt & VT_BYREF) == 0) return ::VariantCopy(&variable, const_cast<VARIANT*>(&value));
+  if (!canHoldValue(variable)) return DISP_E_TYPEMISMATCH;
+  const auto type = static_cast<VARTYPE>(variable.vt & ~VT_BYREF);
+  OwnVariant typed;
+  const HRESULT result = ::VariantChangeType(&typed, const_cast<VARIANT*>(&value), 0, type);
+  if (FAILED(result)) return result;
+  if (type == VT_BSTR) {
+    const BSTR text = typed->bstrVal;
+    return ::SysReAllocStringLen(variable.pbstrVal, text, ::SysStringLen(text)) ? S_OK : E_OUTOFMEMORY;
+  }
+  if (type == VT_DECIMAL) {
+    // Its first two bytes are the type, where it stands in a variant.
+    typed->vt = VT_EMPTY;
+    *variable.pdecVal = typed->decVal;
+  } else {
+    std::memcpy(variable.byref, &typed->llVal, sizeOfValue(type));
+  }
+  return S_OK;
 }
 
 }  // namespace voxa::automation

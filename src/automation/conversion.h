@@ -24,16 +24,28 @@ namespace voxa::automation {
 /// Whether an optional argument was left out.
 [[nodiscard]] bool isMissing(const VARIANT& variant);
 
+/// What an argument stands for: the caller's variant behind references to variants, else the argument itself,
+/// which may be a reference to a variable with a type of its own.
+[[nodiscard]] VARIANT& variableBehind(VARIANT& argument);
+/// Whether a value can go into the variable: a variant, or one of a type that values can be converted to.
+[[nodiscard]] bool canHoldValue(const VARIANT& variable);
+/// Puts a copy of the value into the variable, in the variable's own type if it has one; fails when that type
+/// cannot hold it.
+[[nodiscard]] HRESULT store(VARIANT& variable, const VARIANT& value);
+
 /// A variant that is cleared at the end of its life.
 class OwnVariant {
  public:
   OwnVariant() { ::VariantInit(&value_); }
+  explicit OwnVariant(const VARIANT& taken) : value_(taken) {}  ///< takes over what it holds
   ~OwnVariant() { (void)::VariantClear(&value_); }
+  OwnVariant(OwnVariant&& other) noexcept : value_(other.value_) { ::VariantInit(&other.value_); }
   OwnVariant(const OwnVariant&) = delete;
   OwnVariant& operator=(const OwnVariant&) = delete;
   [[nodiscard]] VARIANT* operator&() { return &value_; }  // NOLINT(google-runtime-operator)
   [[nodiscard]] VARIANT* operator->() { return &value_; }
   [[nodiscard]] VARIANT& operator*() { return value_; }
+  [[nodiscard]] const VARIANT& operator*() const { return value_; }
 
  private:
   VARIANT value_;

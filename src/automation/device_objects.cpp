@@ -74,7 +74,12 @@ class ReaderObject final : public TableObject<ReaderObject, ::IReader, &QDB::Rea
   }
 };
 
-class AlarmObject final : public TableObject<AlarmObject, ::IAlarm, &QDB::Alarms> {};
+class AlarmObject final : public TableObject<AlarmObject, ::IAlarm, &QDB::Alarms> {
+ public:
+  STDMETHODIMP getFreeId(short* Id) override {
+    return give(Id, [] { return table().getFreeId(); });
+  }
+};
 
 }  // namespace
 

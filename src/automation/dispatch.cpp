@@ -10,104 +10,118 @@ namespace voxa::automation {
 
 namespace {
 
-/// The arguments of one call in the types that the member wants, and the caller's variables behind them.
+/// The arguments of one call in the order and the types that the member wants, and the caller's variables
+/// behind them.
 class Arguments {
  public:
-  /// Fills the arguments; the position of one that cannot be converted goes to badArgument.
+  /// Converts all that was given, by position or by name, and fills in what was left out: nothing of it can
+  /// fail any more when the member runs. The place of an argument that is wrong goes to badArgument.
   HRESULT convert(const DISPPARAMS& given, const TypeInformation::Member& member, UINT* badArgument) {
-    params_ = given;
-    values_.assign(given.rgvarg, given.rgvarg + given.cArgs);
-    params_.rgvarg = values_.data();
-    const UINT named = given.cNamedArgs;
-    for (UINT at = named; at < given.cArgs; ++at) {
-      const UINT position = given.cArgs - 1 - at;  // the last one stands first
-      if (position >= member.arguments.size()) continue;
-      const HRESULT result = convertOne(values_[at], member.arguments[position]);
+    const std::size_t count = member.parameters.size();
+    constexpr UINT nowhere = ~0U;
+    std::vector<UINT> places(count, nowhere);
+    for (UINT at = 0; at < given.cArgs; ++at) {
+      const bool named = at < given.cNamedArgs;
+      const std::size_t position = named ? namedPosition(given.rgdispidNamedArgs[at], count)
+                                         : given.cArgs - 1 - at;  // the last one stands first
+      if (position >= count || places[position] != nowhere) {
+        if (badArgument != nullptr) *badArgument = at;
+        return named ? DISP_E_PARAMNOTFOUND : DISP_E_BADPARAMCOUNT;
+      }
+      places[position] = at;
+    }
+    values_.resize(count);
+    for (std::size_t position = 0; position < count; ++position) {
+      const TypeInformation::Parameter& parameter = member.parameters[position];
+      const UINT at = places[position];
+      if (at == nowhere && !parameter.isOptional) return DISP_E_BADPARAMCOUNT;
+      VARIANT& value = values_[count - 1 - position];
+      const HRESULT result = at == nowhere || isLeftOut(given.rgvarg[at])
+                                 ? fillIn(value, parameter)
+                                 : convertOne(value, given.rgvarg[at], parameter.type);
       if (SUCCEEDED(result)) continue;
-      if (badArgument != nullptr) *badArgument = at;
+      if (badArgument != nullptr && at != nowhere) *badArgument = at;
       return result;
     }
-    if (named == 1 && given.rgdispidNamedArgs[0] == DISPID_PROPERTYPUT && !member.arguments.empty()) {
-      return convertOne(values_[0], member.arguments.back());
-    }
+    const bool isPut = (member.kind & (INVOKE_PROPERTYPUT | INVOKE_PROPERTYPUTREF)) != 0;
+    params_ = {values_.data(), isPut ? &valueOfPut_ : nullptr, static_cast<UINT>(count), isPut ? 1U : 0U};
     return S_OK;
   }
 
   [[nodiscard]] DISPPARAMS* params() { return &params_; }
 
+  /// Puts the results by reference into the caller's variables: all that fit, even when one does not.
   HRESULT writeBack() {
+    HRESULT first = S_OK;
     for (const Reference& reference : references_) {
-      const VARIANT& variable = reference.variable;
-      HRESULT result = S_OK;
-      if (variable.vt == (VT_BYREF | VT_VARIANT)) {
-        result = ::VariantCopy(variable.pvarVal, reference.value);
-      } else {
-        // A variable with a type of its own: the value as that type, into the place it refers to.
-        OwnVariant typed;
-        const auto type = static_cast<VARTYPE>(variable.vt & ~VT_BYREF);
-        result = ::VariantChangeType(&typed, reference.value, 0, type);
-        if (SUCCEEDED(result)) result = store(*typed, variable);
-      }
-      if (FAILED(result)) return result;
+      const HRESULT result = store(*reference.variable, *reference.value);
+      if (SUCCEEDED(first)) first = result;
     }
-    return S_OK;
+    return first;
   }
 
  private:
   struct Reference {
-    VARIANT variable;  ///< as the caller gave it
+    VARIANT* variable;
     VARIANT* value;
   };
 
-  static bool isLeftOut(const VARIANT& argument) {
-    return argument.vt == VT_ERROR && argument.scode == DISP_E_PARAMNOTFOUND;
+  static std::size_t namedPosition(DISPID name, std::size_t count) {
+    return name == DISPID_PROPERTYPUT ? count - 1 : static_cast<std::size_t>(name);
   }
 
-  HRESULT convertOne(VARIANT& argument, VARTYPE wanted) {
-    const bool isReference = (argument.vt & VT_BYREF) != 0;
-    if (wanted == VT_EMPTY || argument.vt == wanted || isLeftOut(argument)) return S_OK;
-    if ((argument.vt & VT_ARRAY) != 0) return DISP_E_TYPEMISMATCH;
+  static bool isLeftOut(VARIANT& argument) {
+    const VARIANT& variable = variableBehind(argument);
+    return variable.vt == VT_ERROR && variable.scode == DISP_E_PARAMNOTFOUND;
+  }
+
+  HRESULT fillIn(VARIANT& value, const TypeInformation::Parameter& parameter) {
+    if (!parameter.isOptional) return DISP_E_PARAMNOTOPTIONAL;
     VARIANT* const local = &owned_.emplace_back();
-    HRESULT result = ::VariantCopyInd(local, &argument);
-    if (FAILED(result)) return result;
-    if (isLeftOut(*local)) {
-      argument = *local;
+    const HRESULT result = ::VariantCopy(local, const_cast<VARIANT*>(&*parameter.whenLeftOut));
+    return FAILED(result) ? result : convertOne(value, *local, parameter.type);
+  }
+
+  HRESULT convertOne(VARIANT& value, VARIANT& argument, VARTYPE wanted) {
+    VARIANT& variable = variableBehind(argument);
+    const bool isReference = (argument.vt & VT_BYREF) != 0;
+    if ((variable.vt & VT_BYREF) != 0 && variable.byref == nullptr) return E_INVALIDARG;
+    const bool wantsReference = (wanted & VT_BYREF) != 0;
+    if (wantsReference && isReference && !canHoldValue(variable)) return DISP_E_TYPEMISMATCH;
+    if (variable.vt == wanted) {
+      value = variable;
       return S_OK;
     }
-    const auto type = static_cast<VARTYPE>(wanted & ~VT_BYREF);
-    result = ::VariantChangeType(local, local, 0, type);
-    if (FAILED(result)) return result;
-    if ((wanted & VT_BYREF) == 0) {
-      argument = *local;
+    if (wanted == (VT_BYREF | VT_VARIANT) && isReference) {
+      // The member itself sees what kind of variable it is, and stores accordingly.
+      value.vt = wanted;
+      value.pvarVal = &variable;
       return S_OK;
     }
-    if (isReference) references_.push_back({argument, local});
-    argument.vt = wanted;
-    argument.byref = &local->iVal;  // every type's value stands at the same place
+    VARIANT* const local = &owned_.emplace_back();
+    const HRESULT result = convertValue(*local, variable, static_cast<VARTYPE>(wanted & ~VT_BYREF));
+    if (FAILED(result)) return result;
+    if (!wantsReference) {
+      value = *local;
+      return S_OK;
+    }
+    if (isReference) references_.push_back({&variable, local});
+    value.vt = wanted;
+    value.byref = wanted == (VT_BYREF | VT_VARIANT) ? static_cast<void*>(local)
+                                                    : &local->iVal;  // every type's value stands there
     return S_OK;
   }
 
-  static HRESULT store(VARIANT& value, const VARIANT& variable) {
-    switch (value.vt) {
-      case VT_I2:
-      case VT_BOOL:
-        *variable.piVal = value.iVal;
-        return S_OK;
-      case VT_I4:
-        *variable.plVal = value.lVal;
-        return S_OK;
-      case VT_BSTR:
-        (void)::SysReAllocStringLen(variable.pbstrVal, value.bstrVal, ::SysStringLen(value.bstrVal));
-        return S_OK;
-      case VT_R8:
-        *variable.pdblVal = value.dblVal;
-        return S_OK;
-      default:
-        return DISP_E_TYPEMISMATCH;
-    }
+  static HRESULT convertValue(VARIANT& value, VARIANT& given, VARTYPE wanted) {
+    const HRESULT result = ::VariantCopyInd(&value, &given);
+    if (FAILED(result) || wanted == VT_VARIANT) return result;
+    if ((value.vt & VT_ARRAY) != 0) return DISP_E_TYPEMISMATCH;
+    if (wanted != VT_DISPATCH) return ::VariantChangeType(&value, &value, 0, wanted);
+    return value.vt == VT_DISPATCH || value.vt == VT_UNKNOWN ? S_OK : DISP_E_TYPEMISMATCH;
   }
 
   DISPPARAMS params_{};
+  DISPID valueOfPut_ = DISPID_PROPERTYPUT;
   std::vector<VARIANT> values_;
   std::deque<OwnVariant> owned_;  // never moved, since arguments refer to them
   std::vector<Reference> references_;
@@ -119,7 +133,7 @@ HRESULT invokeOnward(IDispatch* object, const TypeInformation& type, const TypeI
                      WORD flags, DISPPARAMS& given, VARIANT* result, EXCEPINFO* exception,
                      UINT* badArgument) {
   const UINT indexes = given.cArgs - given.cNamedArgs;
-  const UINT own = std::min(indexes, static_cast<UINT>(property.arguments.size()));
+  const UINT own = std::min(indexes, static_cast<UINT>(property.parameters.size()));
   DISPPARAMS first{given.rgvarg + (given.cArgs - own), nullptr, own, 0};
   OwnVariant next;
   const HRESULT found = invoke(object, type, property.id, DISPATCH_PROPERTYGET | DISPATCH_METHOD, &first,
@@ -136,7 +150,11 @@ HRESULT invokeOnward(IDispatch* object, const TypeInformation& type, const TypeI
 HRESULT invoke(IDispatch* object, const TypeInformation& type, DISPID member, WORD flags,
                DISPPARAMS* arguments, VARIANT* result, EXCEPINFO* exception, UINT* badArgument) {
   constexpr WORD puts = DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF;
-  if (arguments == nullptr) return E_INVALIDARG;
+  if (arguments == nullptr || arguments->cNamedArgs > arguments->cArgs ||
+      (arguments->cArgs != 0 && arguments->rgvarg == nullptr) ||
+      (arguments->cNamedArgs != 0 && arguments->rgdispidNamedArgs == nullptr)) {
+    return E_INVALIDARG;
+  }
   const TypeInformation::Member* found = type.find(member, flags);
   if (found == nullptr && (flags & puts) != 0) {
     found = type.find(member, DISPATCH_PROPERTYGET | DISPATCH_METHOD);
@@ -144,7 +162,7 @@ HRESULT invoke(IDispatch* object, const TypeInformation& type, DISPID member, WO
     return invokeOnward(object, type, *found, flags, *arguments, result, exception, badArgument);
   }
   if (found == nullptr) return DISP_E_MEMBERNOTFOUND;
-  if (found->returnsObject && arguments->cNamedArgs == 0 && arguments->cArgs > found->arguments.size()) {
+  if (found->returnsObject && arguments->cNamedArgs == 0 && arguments->cArgs > found->parameters.size()) {
     return invokeOnward(object, type, *found, flags, *arguments, result, exception, badArgument);
   }
   Arguments typed;
@@ -153,7 +171,9 @@ HRESULT invoke(IDispatch* object, const TypeInformation& type, DISPID member, WO
   outcome = type.info->Invoke(object, member, flags, typed.params(), result, exception, badArgument);
   if (outcome == E_NOINTERFACE) return DISP_E_TYPEMISMATCH;  // an object of another kind
   if (FAILED(outcome)) return outcome;
-  return typed.writeBack();
+  outcome = typed.writeBack();
+  if (FAILED(outcome) && result != nullptr) (void)::VariantClear(result);
+  return outcome;
 }
 
 }  // namespace voxa::automation

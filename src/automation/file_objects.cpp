@@ -34,11 +34,14 @@ class SeqFileObject final : public Object<::ISeqFile> {
   STDMETHODIMP finput(VARIANT* var) override {
     if (var == nullptr) return E_POINTER;
     return call([&] {
-      Value value = fromVariant(*var);
+      VARIANT& variable = variableBehind(*var);
+      if (!canHoldValue(variable)) throw Error(err::typeMismatch, "Type mismatch: not a variable for values");
+      Value value = fromVariant(variable);
       file_.finput(value);
-      VARIANT read = toVariant(value);
-      (void)::VariantClear(var);
-      *var = read;
+      OwnVariant read(toVariant(value));
+      if (FAILED(store(variable, *read))) {
+        throw Error(err::overflow, "Overflow: the variable cannot hold what was read");
+      }
     });
   }
   STDMETHODIMP flineInput(BSTR* line) override {

@@ -1,12 +1,14 @@
 #include "module.h"
 
+#include <atomic>
+
 #include "type_information.h"
 
 namespace voxa::automation {
 
 namespace {
 
-long uses = 0;
+std::atomic<long> uses = 0;  // the system asks from any thread whether it may unload the library
 
 }  // namespace
 

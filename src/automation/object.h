@@ -44,6 +44,7 @@ class Dual : public Interface {
     });
   }
   STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID, DISPID* ids) override {
+    if (names == nullptr || ids == nullptr) return E_POINTER;
     HRESULT result = E_FAIL;
     const HRESULT failure =
         call([&] { result = typeInformation(__uuidof(Interface))->info->GetIDsOfNames(names, count, ids); });

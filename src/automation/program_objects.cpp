@@ -110,6 +110,9 @@ class JournalObject final : public TableObject<JournalObject, ::IJournal, &QDB::
   STDMETHODIMP createDB(short* status) override {
     return give(status, [] { return table().createDB(); });
   }
+  STDMETHODIMP getFreeId(short* Id) override {
+    return give(Id, [] { return table().getFreeId(); });
+  }
 };
 
 }  // namespace

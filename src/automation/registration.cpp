@@ -31,6 +31,12 @@ class Registry {
  public:
   explicit Registry(bool forUser) : root_(forUser ? HKEY_CURRENT_USER : HKEY_LOCAL_MACHINE) {}
 
+  [[nodiscard]] bool has(const std::wstring& key) const {
+    HKEY opened = nullptr;
+    const LSTATUS result = ::RegOpenKeyExW(root_, (classesKey + key).c_str(), 0, KEY_READ, &opened);
+    if (result == ERROR_SUCCESS) (void)::RegCloseKey(opened);
+    return result != ERROR_FILE_NOT_FOUND;
+  }
   void set(const std::wstring& key, const wchar_t* name, const std::wstring& value) {
     if (result_ != ERROR_SUCCESS) return;
     HKEY opened = nullptr;
@@ -65,9 +71,8 @@ HRESULT registerTypeLibrary(bool forUser, const std::wstring& path) {
 }
 
 HRESULT unregisterTypeLibrary(bool forUser) {
-  const HRESULT result = forUser ? ::UnRegisterTypeLibForUser(LIBID_KORVA, 1, 0, LOCALE_NEUTRAL, SYS_WIN32)
-                                 : ::UnRegisterTypeLib(LIBID_KORVA, 1, 0, LOCALE_NEUTRAL, SYS_WIN32);
-  return result == TYPE_E_REGISTRYACCESS ? S_OK : result;  // was not registered
+  return forUser ? ::UnRegisterTypeLibForUser(LIBID_KORVA, 1, 0, LOCALE_NEUTRAL, SYS_WIN32)
+                 : ::UnRegisterTypeLib(LIBID_KORVA, 1, 0, LOCALE_NEUTRAL, SYS_WIN32);
 }
 
 HRESULT install(bool forUser) {
@@ -76,9 +81,11 @@ HRESULT install(bool forUser) {
   for (const CreatableClass& made : creatableClasses()) {
     const std::wstring name = std::wstring(L"KORVA.") + made.name;
     const std::wstring key = L"CLSID\\" + textOf(*made.id);
+    registry.remove(key);  // with a ThreadingModel that an earlier version has left
     registry.set(key, nullptr, name);
+    // No ThreadingModel: all objects live in the process's main apartment, where nothing needs a lock, and
+    // the system carries the calls of other threads there.
     registry.set(key + L"\\InprocServer32", nullptr, path);
-    registry.set(key + L"\\InprocServer32", L"ThreadingModel", L"Apartment");
     registry.set(key + L"\\ProgID", nullptr, name);
     registry.set(key + L"\\TypeLib", nullptr, textOf(LIBID_KORVA));
     registry.set(name, nullptr, name);
@@ -96,7 +103,9 @@ HRESULT uninstall(bool forUser) {
   }
   const HRESULT result = registry.result();
   const HRESULT typeLibrary = unregisterTypeLibrary(forUser);
-  return FAILED(result) ? result : typeLibrary;
+  if (FAILED(result)) return result;
+  // Of one that was not registered the system says that it cannot get at the registry.
+  return registry.has(L"TypeLib\\" + textOf(LIBID_KORVA) + L"\\1.0\\0\\win32") ? typeLibrary : S_OK;
 }
 
 /// Registers all or nothing.

@@ -1,5 +1,8 @@
 #include "messages/strings.h"
 
+#include <type_traits>
+#include <utility>
+
 #include "app/library.h"
 #include "service_objects.h"
 
@@ -49,6 +52,17 @@ bool isErrorObject(IDispatch& object) {
   return true;
 }
 
+/// What a caller gave for a message, nothing when it cannot be read: the rest of the message tells more than
+/// an error about the message would.
+template <typename Read>
+std::invoke_result_t<Read> available(Read&& read) {
+  try {
+    return std::forward<Read>(read)();
+  } catch (const Error&) {
+    return {};
+  }
+}
+
 /// What display adds to a message: an error object gives its number and description, everything else its
 /// value.
 DisplayArgument displayArgument(const VARIANT& argument) {
@@ -85,7 +99,9 @@ class StringsObject final : public Object<::IStrings>, public Shared<StringsObje
   }
   STDMETHODIMP display(BSTR mnem, BSTR method, VARIANT arg, long msgStyle) override {
     return call([&] {
-      strings().display(fromBstr(mnem), fromBstr(method), displayArgument(arg), static_cast<int>(msgStyle));
+      strings().display(available([&] { return fromBstr(mnem); }),
+                        available([&] { return fromBstr(method); }),
+                        available([&] { return displayArgument(arg); }), static_cast<int>(msgStyle));
     });
   }
 

@@ -28,11 +28,17 @@ STDMETHODIMP TableContract::createIndexes(::ITableDef* td) {
 }
 
 STDMETHODIMP TableContract::createRelations(short* status) {
-  return give(status, [&] { return table_.createRelations(); });
+  return give(status, [&] {
+    return library().attempt({"msgCantCreateDBRel", table_.Name() + ".createRelations"},
+                             [&] { return table_.createRelations(); });
+  });
 }
 
 STDMETHODIMP TableContract::insertDefaultRecs() {
-  return call([&] { table_.insertDefaultRecs(); });
+  return call([&] {
+    (void)library().attempt({"msgUnexpecErr", table_.Name() + ".insertDefaultRecs"},
+                            [&] { table_.insertDefaultRecs(); });
+  });
 }
 
 STDMETHODIMP TableContract::setTableFlagsD(VARIANT_BOOL value, short* status) {

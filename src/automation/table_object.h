@@ -42,8 +42,7 @@ class TableObject : public Object<Interface>, public Shared<Class> {
   STDMETHODIMP get_Name(BSTR* name) override {
     return this->give(name, [] { return table().Name(); });
   }
-  /// The member of that name, which every interface but the journal's has.
-  virtual STDMETHODIMP setTableFlagsD(VARIANT_BOOL flagD, short* status) {
+  STDMETHODIMP setTableFlagsD(VARIANT_BOOL flagD, short* status) override {
     return this->give(status, [&] { return table().setTableFlagsD(flagD != 0); });
   }
 

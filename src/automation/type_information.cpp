@@ -3,7 +3,6 @@
 #include <cstring>
 #include <map>
 
-#include "conversion.h"
 #include "module.h"
 #include "platform/error.h"
 
@@ -30,18 +29,31 @@ void require(HRESULT result) {
 }
 
 VARTYPE typeOf(const TYPEDESC& type) {
-  switch (type.vt) {
-    case VT_PTR: {
-      const VARTYPE inner = type.lptdesc->vt;
-      const bool simple = inner == VT_I2 || inner == VT_I4 || inner == VT_BOOL || inner == VT_BSTR;
-      return static_cast<VARTYPE>(simple ? inner | VT_BYREF : VT_EMPTY);
-    }
+  if (type.vt == VT_USERDEFINED) return VT_I4;
+  if (type.vt != VT_PTR) return type.vt;
+  switch (const VARTYPE inner = type.lptdesc->vt) {
+    case VT_I2:
+    case VT_I4:
+    case VT_BOOL:
+    case VT_BSTR:
     case VT_VARIANT:
-    case VT_USERDEFINED:
-      return VT_EMPTY;
+      return static_cast<VARTYPE>(inner | VT_BYREF);
     default:
-      return type.vt;
+      return VT_DISPATCH;
   }
+}
+
+TypeInformation::Parameter parameterOf(const ELEMDESC& described) {
+  const USHORT flags = described.paramdesc.wParamFlags;
+  TypeInformation::Parameter out{
+      typeOf(described.tdesc), (flags & (PARAMFLAG_FOPT | PARAMFLAG_FHASDEFAULT)) != 0, {}};
+  if ((out.type & ~VT_BYREF) == VT_VARIANT) {
+    out.whenLeftOut->vt = VT_ERROR;
+    out.whenLeftOut->scode = DISP_E_PARAMNOTFOUND;
+  } else if ((flags & PARAMFLAG_FHASDEFAULT) != 0) {
+    require(::VariantCopy(&out.whenLeftOut, &described.paramdesc.pparamdescex->varDefaultValue));
+  }
+  return out;
 }
 
 bool isObject(const TYPEDESC& type) {
@@ -56,7 +68,7 @@ TypeInformation::Member memberOf(const FUNCDESC& function) {
     if ((parameter.paramdesc.wParamFlags & PARAMFLAG_FRETVAL) != 0) {
       out.returnsObject = isObject(parameter.tdesc);
     } else {
-      out.arguments.push_back(typeOf(parameter.tdesc));
+      out.parameters.push_back(parameterOf(parameter));
     }
   }
   return out;

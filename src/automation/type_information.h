@@ -6,16 +6,21 @@
 #include <string>
 #include <vector>
 
+#include "conversion.h"
+
 namespace voxa::automation {
 
 /// What the type library says of one interface, as far as calls by name need it.
 struct TypeInformation {
+  struct Parameter {
+    VARTYPE type;  ///< VT_BYREF included; VT_I4 of an enumeration, VT_DISPATCH of every kind of object
+    bool isOptional;
+    OwnVariant whenLeftOut;  ///< Empty, which every type has a value for, when the library tells none
+  };
   struct Member {
     DISPID id;
     INVOKEKIND kind;
-    /// Of each argument, the result apart: the type it has to have, VT_BYREF included; VT_EMPTY where the
-    /// library's own conversion is left to work (variants, enumerations, objects).
-    std::vector<VARTYPE> arguments;
+    std::vector<Parameter> parameters;  ///< the result apart
     bool returnsObject;
   };
 

@@ -33,8 +33,8 @@ TEST_F(BadgeFormatTest, TheTableKeepsItsLimitsAndTheDefaultFormat) {
   }
   db().execute("insert into BadgeFormat (Name) values ('Numbered by the engine')");
   EXPECT_EQ(query("select Id from BadgeFormat where Techno = 0 and Pos_Site = 0 and Val_Site is null"), "6");
-  EXPECT_THROW(formats().CreateTable(), Error);
-  EXPECT_EQ(boxes().size(), 1U);
+  formats().CreateTable();  // once more: the table and its default row are there
+  EXPECT_EQ(boxes().size(), 2U);
   EXPECT_EQ(query("select count(*) from BadgeFormat"), "3");
 }
 

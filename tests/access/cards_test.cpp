@@ -237,6 +237,9 @@ TEST_F(CardsTest, AGeneralDownloadGoesOnAndAComponentLeavesTheFlags) {
   EXPECT_TRUE(boxes().empty());
   db().execute("update Cardholders set CardCode = '3' where CardNum = 3");
   driver.calls.clear();
+  EXPECT_EQ(cards().generalDownload(static_cast<ComponentType>(3), "", DLFull), err::invalidArgument);
+  EXPECT_TRUE(driver.calls.empty());
+  EXPECT_EQ(boxes().size(), 1U);
   EXPECT_EQ(cards().generalDownload(CTStation, "Local", DLFull), 0);
   EXPECT_EQ(sentTo(2), "");
   EXPECT_EQ(driver.count(CmSendCommand), 3U);

@@ -32,12 +32,36 @@ passes() {
   fi
 }
 
+# A script tells behind "' Shown: " what the person has to see.
+shows() {
+  local text
+  sed -n "s/^' Shown: //p" "$work/$1"/*.vbs >"$work/$1/shown.txt"
+  while IFS= read -r text; do
+    grep -qF "$text" "$work/$1/err.txt" && continue
+    echo "Automation: $1 FAILED: it does not show '$text'"
+    failures=$((failures + 1))
+  done <"$work/$1/shown.txt"
+}
+
 run() {
   local name=$1
   new_folder "$name"
   wine_run "$work/$name" regsvr32 /s VOXA.dll
   case $name in
     client) passes client client.exe ;;
+    manifest)
+      # Without registration, which is taken back twice: the second time there is none, and that is no failure.
+      wine_run "$work/manifest" regsvr32 /u /s VOXA.dll
+      wine_run "$work/manifest" regsvr32 /u /s VOXA.dll
+      scripts/automation-reference manifest >"$work/manifest/KORVA.manifest"
+      {
+        echo '<assembly xmlns="urn:schemas-microsoft-com:asm.v1" manifestVersion="1.0">'
+        echo '<assemblyIdentity type="win32" name="client" version="1.0.0.0" processorArchitecture="x86"/>'
+        sed -n '/^<dependency>/,/<.dependency>$/p' docs/automation.md
+        echo '</assembly>'
+      } >"$work/manifest/client.exe.manifest"
+      passes manifest client.exe
+      ;;
     example)
       # As the documentation prints it: it has worked when the journal names the card.
       sed -n '/<!-- example.vbs -->/,/^```$/p' docs/automation.md | sed '1,2d;$d' >"$work/example/example.vbs"
@@ -47,12 +71,13 @@ run() {
     *)
       cat tests/automation/{check,installation,"$name"}.vbs >"$work/$name/$name.vbs"
       passes "$name" cscript //nologo "$name.vbs"
+      shows "$name"
       ;;
   esac
 }
 
 names=("$@")
-[ ${#names[@]} -gt 0 ] || names=(story values client example)
+[ ${#names[@]} -gt 0 ] || names=(story values client example manifest)
 for name in "${names[@]}"; do run "$name"; done
 wine_run "$work/$name" regsvr32 /u /s VOXA.dll
 exit "$((failures > 0))"

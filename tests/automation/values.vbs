@@ -73,9 +73,6 @@ Equal "integrity", db.Relations("ReaderStation").Fields(0).ForeignName, "Station
 ' Errors by number.
 On Error Resume Next
 Set item = qdb.tables("BadgeFormat"): Failed 5, "qdb.tables(""BadgeFormat"")"
-com.Send 9, 1: Failed 5, "com.Send 9, 1"
-com.TestCom 3: Failed 5, "com.TestCom 3"
-qdb.Journal.readTransactions 7, "": Failed 5, "qdb.Journal.readTransactions 7, """""
 db.Execute "insert into Visits (Id, Who) values (1, 'Bob')": Failed 3022, "db.Execute ""insert into Visits (Id, Who) values (1, 'Bob')"""
 db.Execute "insert into Visits (Id, Who) values (2, 'Barbara')": Failed 3163, "db.Execute ""insert into Visits (Id, Who) values (2, 'Barbara')"""
 db.Execute "insert into Visits (Id) values (3)": Failed 3314, "db.Execute ""insert into Visits (Id) values (3)"""
@@ -100,6 +97,34 @@ qdb.Stations.getName 1, True, 3: Failed 450, "qdb.Stations.getName 1, True, 3"
 qdb.Stations.nothing: Failed 438, "qdb.Stations.nothing"
 On Error GoTo 0
 
+' Numbers outside the enumerations: a status and a message, and nothing is sent.
+com.writeLog = True
+Equal "a station that is not there", com.Send(1, 9, 1), -1
+Dim sent: sent = Contents("COM.LOG")
+Equal "commands", com.Send(9, 1, 1, , True) & com.Send(65536, 1) & com.sendToActiveStations(9) & com.sendBrodcast(-1) & _
+  com.sendToStation(9, qdb.Stations.getName(1)) & com.sendToReader(9, "North"), "555555"
+Equal "components", com.sendToComp(6, -1) & com.sendCommand("31", 65537) & qdb.Cardholders.generalDownload(3, , 1, True) & _
+  qdb.Cardholders.invalidate(1, 9) & qdb.DailyPrograms.download(1, 9) & qdb.Journal.readTransactions(7, ""), "555555"
+Equal "answers", com.TestCom(9) Or com.MsgChooseAbort(9), False
+Equal "what was sent", Contents("COM.LOG"), sent
+com.writeLog = False
+' Shown: Error 5: Invalid argument: no such command
+' Shown: Error 5: Invalid argument: no such component type
+
+' A second time: what is there already is told of, and nothing is raised. Then what every table has.
+qdb.BadgeFormat.CreateTable: qdb.BadgeFormat.CreateTable
+For Each item In Array("Stations", "WeeklyPrograms", "AccessGroups"): qdb.tables(item).insertDefaultRecs: Next
+Equal "relations", qdb.tables("Readers").createRelations, 3012
+' Shown: (BadgeFormat.CreateTable)
+' Shown: (Stations.insertDefaultRecs)
+' Shown: (WeeklyPrograms.insertDefaultRecs)
+For Each item In Array(qdb.Cardholders, qdb.Alarms, qdb.Journal)
+  Equal item.Name, item.getFreeId & item.setTableFlagsD(True), "10"
+Next
+For Each item In Array("VOXA.dll", "TLXP32.dll", "voxa.exe")
+  IsTrue item, CreateObject("Scripting.FileSystemObject").GetFileVersion(item) <> ""
+Next
+
 ' A file: items are read as the type of the variable.
 Dim file: Set file = CreateObject("KORVA.SeqFile")
 file.Name = here & "\list.txt"
@@ -122,6 +147,11 @@ On Error Resume Next
 Err.Raise 1234, "me", "A sentence"
 glob.Strings.display "msgHello", "values.vbs", Err
 glob.Strings.display "msgHello", , , 64
+glob.Strings.display "msgHello", "Nothing", Nothing
+glob.Strings.display "msgHello", "Array", Array(1, 2)
+' Shown: (values.vbs)
+' Shown: (Nothing)
+' Shown: (Array)
 On Error GoTo 0
 
 ' Objects that were closed or let go.
