@@ -30,9 +30,16 @@ windows_packages=(cmake ninja-build g++-mingw-w64-i686-posix mingw-w64-tools lib
 automation_packages=(mmdebstrap)
 bench_packages=("${build_packages[@]}" libbenchmark-dev)
 
-# What the tests write is nobody's after them: kept in memory, where that is possible, no disk is waited for.
+# What the tests write is nobody's after them: kept in memory, where there is a gigabyte from which programs may be
+# run, no disk is waited for.
 use_memory() {
-  if [ -d /dev/shm ] && [ -w /dev/shm ]; then export TMPDIR=/dev/shm; fi
+  local probe free
+  probe=$(mktemp -p /dev/shm 2>/dev/null) || return 0
+  free=$(df --output=avail -k /dev/shm | tail -n 1)
+  if cp /bin/true "$probe" && chmod 700 "$probe" && "$probe" && [ "$free" -gt 1000000 ]; then
+    export TMPDIR=/dev/shm
+  fi 2>/dev/null
+  rm -f "$probe"
 }
 
 # Configures and builds a preset; quiet unless it fails.
