@@ -197,8 +197,7 @@ TakenByCards::TakenByCards(const Installation& installation, std::int32_t ownId)
     if (!number.isNull() && (!deleted || rows->get("CardCodeFlagD").toBool())) {
       numbers_[number.toInt32()] = who;
     }
-    if (const Value code = rows->get("CardCode"); !code.isNull())
-      codes_[storedCode(code)] = who;
+    if (const Value code = rows->get("CardCode"); !code.isNull()) codes_[storedCode(code)] = who;
     names_[toLower(rows->get("Name").toText())] = who;
   }
 }
