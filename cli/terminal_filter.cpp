@@ -27,7 +27,7 @@ TerminalFilter::TerminalFilter(std::ostream& stream, int descriptor) : stream_(s
 
 TerminalFilter::~TerminalFilter() {
   if (terminal_ == nullptr) return;
-  (void)sync();
+  (void)finish();
   stream_.rdbuf(terminal_);
 }
 
@@ -51,7 +51,7 @@ std::streamsize TerminalFilter::xsputn(const char* text, std::streamsize size) {
   return size;
 }
 
-int TerminalFilter::sync() {
+int TerminalFilter::finish() {
   const bool written = write(begun_);
   begun_.clear();
   return written ? terminal_->pubsync() : -1;

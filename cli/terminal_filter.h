@@ -20,10 +20,11 @@ class TerminalFilter : public std::streambuf {
  protected:
   int_type overflow(int_type c) override;
   std::streamsize xsputn(const char* text, std::streamsize size) override;
-  int sync() override;
+  int sync() override { return finish(); }
 
  private:
   bool write(std::string_view text);
+  int finish();
 
   std::ostream& stream_;
   std::streambuf* terminal_ = nullptr;  // nullptr: no terminal
