@@ -10,6 +10,7 @@
 #include "installation.h"
 #include "lookup.h"
 #include "refusal.h"
+#include "store_row.h"
 #include "table_output.h"
 
 namespace voxa::cli {
@@ -77,7 +78,7 @@ void addFormat(Installation& installation, BadgeOptions options) {
   rows->addNew();
   rows->set("Id", id);
   setFields(*rows, options);
-  rows->update();
+  storeRow(installation, *rows, "BadgeFormat", "badge format");
   std::cout << "Badge format " << id << ": " << options.name << '\n';
 }
 
@@ -87,7 +88,7 @@ void setFormat(Installation& installation, const BadgeOptions& options) {
   moveToNumberOrName(*row, "Id", options.name, "msgCantFindBadgeFormat");
   row->edit();
   setFields(*row, options);
-  row->update();
+  storeRow(installation, *row, "BadgeFormat", "badge format");
 }
 
 // The default format as it was created, to be sent again.

@@ -13,7 +13,9 @@ void CallerPrompts::files(const std::string& toSave, const std::string& toOpen) 
 
 Answer CallerPrompts::messageBox(const std::string& prompt, int style, const std::string& title) {
   if ((style & style::buttonMask) == style::okOnly) {
-    if ((style & style::iconMask) == style::critical) ++failuresShown_;
+    const bool leftover = !leftover_.empty() && prompt.starts_with(leftover_);
+    leftoverShown_ = leftoverShown_ || leftover;
+    if (!leftover && (style & style::iconMask) == style::critical) ++failuresShown_;
     return ConsolePrompts::messageBox(prompt, style, title);
   }
   if (prepared_.empty()) return ConsolePrompts::messageBox(prompt, style, title);

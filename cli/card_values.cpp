@@ -19,7 +19,6 @@ namespace {
 constexpr std::int16_t lastNumber = 9999;
 constexpr std::int16_t lastPin = 9999;
 constexpr std::size_t codeLength = 8;
-constexpr std::size_t nameLength = 50;
 constexpr const char* none = "none";
 
 std::string padded(std::string code) {
@@ -38,14 +37,6 @@ bool isDigits(const std::string& text) {
 
 const std::string& filled(const std::string& what, const std::string& text) {
   if (text.empty()) throw Refusal("msgDBMandField", "(" + what + ")");
-  return text;
-}
-
-std::string cardName(const std::string& text) {
-  (void)checkedName(text);
-  if (lengthInCharacters(text) > nameLength) {
-    throw Error(err::dbTextTooLong, "The name has more than 50 characters: " + text);
-  }
   return text;
 }
 
@@ -130,7 +121,7 @@ std::int16_t GroupNames::id(const std::string& nameOrNumber) const {
 }
 
 CardValues::CardValues(const CardTexts& texts, const GroupNames& groups, const Clock& clock) {
-  read(name, texts.name, cardName);
+  read(name, texts.name, checkedName);
   read(number, texts.number, cardNumber);
   read(code, texts.code, cardCode);
   read(group, texts.group,
@@ -193,12 +184,13 @@ TakenByCards::TakenByCards(const Installation& installation, std::int32_t ownId)
     if (!number.isNull()) everUsed_.insert(number.toInt32());
     if (rows->get("Id").toInt32() == ownId) continue;
     const bool deleted = rows->get("Deleted").toBool();
-    const std::string who = deleted ? "a deleted card" : "";
+    const std::string name = rows->get("Name").toText();
+    const std::string who = (deleted ? "a deleted card, " : "") + name;
     if (!number.isNull() && (!deleted || rows->get("CardCodeFlagD").toBool())) {
       numbers_[number.toInt32()] = who;
     }
     if (const Value code = rows->get("CardCode"); !code.isNull()) codes_[storedCode(code)] = who;
-    names_[toLower(rows->get("Name").toText())] = who;
+    names_[toLower(name)] = number.isNull() ? who : "card " + number.toText();
   }
 }
 
@@ -210,7 +202,10 @@ void TakenByCards::requireFree(const CardValues& values) const {
   };
   if (values.number) check(numbers_, *values.number, "msgCardNumInUse", std::to_string(*values.number));
   if (values.code) check(codes_, *values.code, "msgCardCodeInUse", *values.code);
-  if (values.name) check(names_, toLower(*values.name), "msgDBDuplicVal", *values.name);
+  if (!values.name) return;
+  const auto found = names_.find(toLower(*values.name));
+  if (found != names_.end())
+    throw Refusal("the name " + *values.name + " is already in use: " + found->second + " has it");
 }
 
 void TakenByCards::take(const CardValues& values, const std::string& who) {

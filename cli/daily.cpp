@@ -12,6 +12,7 @@
 #include "lookup.h"
 #include "programs/daily_program.h"
 #include "refusal.h"
+#include "store_row.h"
 #include "table_output.h"
 
 namespace voxa::cli {
@@ -59,7 +60,10 @@ Interval interval(const std::string& text) {
   const std::size_t dash = text.find('-');
   if (dash == std::string::npos) throw Refusal("'" + text + "' is no interval: write 08:00-12:00, or none");
   Interval read{timeOfDay(text.substr(0, dash)), timeOfDay(text.substr(dash + 1))};
-  if (read.start > read.end) throw Refusal("the interval " + text + " ends before it starts");
+  if (read.start > read.end) {
+    throw Refusal("the interval " + text + " ends before it starts: split it at midnight, as " + read.start +
+                  "-24:00 and 00:00-" + read.end);
+  }
   return read;
 }
 
@@ -89,7 +93,7 @@ void addDaily(Installation& installation, DailyOptions options) {
   rows->set("Name", checkedName(options.name));
   setIntervals(installation, *rows, options);
   rows->set("DailyProgramFlagD", true);
-  rows->update();
+  storeRow(installation, *rows, "DailyPrograms", "daily program");
   std::cout << "Daily program " << id << ": " << options.name << '\n';
 }
 
@@ -104,7 +108,7 @@ void setDaily(Installation& installation, const DailyOptions& options) {
     throw Refusal("the times of the built-in programs 0 (never) and 1 (the whole day) are fixed");
   }
   row->set("DailyProgramFlagD", true);
-  row->update();
+  storeRow(installation, *row, "DailyPrograms", "daily program");
 }
 
 std::string shownInterval(const Recordset& row, const IntervalColumns& of) {

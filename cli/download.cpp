@@ -193,34 +193,42 @@ struct DownloadOptions {
 
 void print(const std::string& title, const DownloadCount& count) {
   std::cout << title << ": " << count.sent << " sent, " << count.unchanged << " unchanged, " << count.failed
-            << " failed\n";
+            << " failed";
+  if (count.waiting > 0) std::cout << ", " << count.waiting << " waiting for lines that are not in use";
+  std::cout << '\n';
 }
 
-// sendAll: sends with the download what the command is about; true when something failed.
+// sendAll: sends with the download what the command is about; what became of it all.
 void download(Installation& installation, const DownloadOptions& options,
-              const std::function<bool(Download&)>& sendAll) {
+              const std::function<DownloadCount(Download&)>& sendAll) {
   Download download(installation, chosen(installation, options.component));
   if (!download.ready()) throw Refusal("aborted: nothing was sent");
-  const bool failed = sendAll(download);
-  if (!download.leftOut().empty()) {
-    std::string names;
-    for (const std::string& name : download.leftOut()) names += "\n  " + name;
-    throw Refusal("these controllers did not answer, and what was sent stays marked for them:" + names);
+  const DownloadCount count = sendAll(download);
+  std::string silent;
+  for (const std::string& name : download.leftOut()) silent += "\n  " + name;
+  if (!silent.empty())
+    silent = "these controllers did not answer, and what was sent stays marked for them:" + silent;
+  if (count.failed > 0) {
+    throw Refusal("not everything was sent: what failed stays marked" +
+                  (silent.empty() ? "" : "; " + silent));
   }
-  if (failed) throw Refusal("not everything was sent: what failed stays marked");
+  if (!silent.empty()) throw Leftover(silent);
+  if (count.waiting > 0)
+    throw Leftover("not everything was sent: what waits for a line that is not in use stays marked");
 }
 
 void downloadTables(Installation& installation, const std::vector<Programs>& kinds,
                     const DownloadOptions& options) {
   installation.openForSending();
   download(installation, options, [&](Download& to) {
-    bool failed = false;
+    DownloadCount all;
     for (const Programs programs : kinds) {
       const DownloadCount count = to.send(programs, options.full);
       print(titleOf(programs), count);
-      failed = failed || count.failed > 0;
+      all.failed += count.failed;
+      all.waiting += count.waiting;
     }
-    return failed;
+    return all;
   });
 }
 
@@ -234,7 +242,7 @@ void downloadBadgeFormat(Installation& installation, const DownloadOptions& opti
       throw Refusal("there is no reader of an active station to send it to");
     }
     print("Badge format " + format->get("Name").toText(), count);
-    return count.failed > 0;
+    return count;
   });
 }
 

@@ -20,6 +20,7 @@ struct DownloadCount {
   int sent = 0;
   int unchanged = 0;
   int failed = 0;
+  int waiting = 0;  ///< for lines that are not in use
 };
 
 /// Names of the component's controllers that did not answer the last test, or of which it says nothing.

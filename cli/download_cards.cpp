@@ -61,7 +61,7 @@ DownloadCount Download::sendGroups(bool full) {
     markWhole(installation_, {cards.begin(), cards.end()});
     const std::int16_t status = installation_.qdb().AccessGroups().download(id, DLFull);
     const bool waits = leftOut_.empty() && markedGroups(installation_).contains(id);
-    ++(status != 0 || waits ? count.failed : count.sent);
+    ++(status != 0 ? count.failed : waits ? count.waiting : count.sent);
   }
   return count;
 }
@@ -78,9 +78,13 @@ DownloadCount Download::sendCards(bool full) {
   const auto chosen = (full ? live : marked) + deleted.size();
   bool tested = true;
   bool failed = false;
+  bool inactive = false;
   if (chosen > deleted.size()) {
-    failed = cardholders.generalDownload(component_.type, component_.name, full ? DLFull : DLDefault,
-                                         &tested) != 0;
+    constexpr std::int16_t notInUse = 1;
+    const std::int16_t status =
+        cardholders.generalDownload(component_.type, component_.name, full ? DLFull : DLDefault, &tested);
+    inactive = status == notInUse;
+    failed = status != 0 && !inactive;
   }
   // One by one, since a download of all passes them over.
   CardDownload erasing(installation_.library(), {});
@@ -93,12 +97,12 @@ DownloadCount Download::sendCards(bool full) {
   failed = failed || erasing.status() != 0;
   std::size_t waiting = 0;
   if (!everywhere) {
-    waiting = failed ? chosen : 0;
+    waiting = failed || inactive ? chosen : 0;
   } else if (failed || leftOut_.empty()) {
     waiting = markedCards(installation_, "Deleted = false or Deleted = true").size();
   }
   count.sent = static_cast<int>(chosen - std::min(chosen, waiting));
-  count.failed = static_cast<int>(waiting);
+  (failed ? count.failed : count.waiting) = static_cast<int>(waiting);
   count.unchanged = static_cast<int>(live - (full ? live : marked));
   return count;
 }

@@ -17,6 +17,7 @@
 #include "messages/strings.h"
 #include "platform/ui/prompts.h"
 #include "refusal.h"
+#include "store_row.h"
 #include "table_output.h"
 
 namespace voxa::cli {
@@ -37,7 +38,7 @@ void addGroup(Installation& installation, const std::string& name) {
   rows->addNew();
   rows->set("Id", id);
   rows->set("Name", checkedName(name));
-  rows->update();
+  storeRow(installation, *rows, "AccessGroups", "access group");
   std::cout << "Access group " << id << ": " << name << '\n';
 }
 

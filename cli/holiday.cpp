@@ -12,6 +12,7 @@
 #include "platform/datetime.h"
 #include "programs/holidays.h"
 #include "refusal.h"
+#include "store_row.h"
 #include "table_output.h"
 
 namespace voxa::cli {
@@ -57,7 +58,7 @@ void addHoliday(Installation& installation, const HolidayOptions& options) {
   rows->set("Date", holidayDate(options.date, options.eachYear, installation.clock()));
   rows->set("EachYear", options.eachYear);
   rows->set("HolidayFlagD", true);
-  rows->update();
+  storeRow(installation, *rows, "Holidays", "holiday");
   std::cout << "Holiday " << slot << ": " << options.name << '\n';
 }
 

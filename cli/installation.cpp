@@ -23,6 +23,13 @@ namespace {
 constexpr const char* mainDatabase = "KRV.mdb";
 constexpr const char* messageStore = "I18N.MDB";
 
+/// Whether an error is of a file that a person named or whose rights he keeps: nothing unexpected.
+bool isOfFiles(int number) {
+  constexpr int numbers[] = {err::fileNotFound,     err::fileExists, err::diskFull,
+                             err::permissionDenied, err::pathAccess, err::pathNotFound};
+  return std::find(std::begin(numbers), std::end(numbers), number) != std::end(numbers);
+}
+
 Answer answerNamed(const std::string& name) {
   for (const Answer answer : {Answer::abort, Answer::retry, Answer::ignore, Answer::yes, Answer::no}) {
     if (equalNoCase(name, buttonText(answer))) return answer;
@@ -90,7 +97,12 @@ void Installation::open() {
     std::cerr << "voxa: the message texts of " << folder_ << " (I18N.MDB) cannot be read\n";
   }
   glob_->Initialize(folder_ + "\\" + mainDatabase, folder_ + "\\S001.ini", folder_ + "\\COM.LOG", folder_);
-  if (!qdb().DB()) throw Refusal("the installation in " + folder_ + " cannot be opened");
+  if (!qdb().DB()) {
+    throw Refusal(
+        "the installation in " + folder_ + " cannot be opened: its " + mainDatabase +
+        " is damaged, or not yours to read; a copy made with 'voxa db save' can be put in its place");
+  }
+  prompts_.takeForLeftover(strings().read("msgDownloadToUnactive"));
   prompts_.forgetFailures();  // a journal that cannot be opened has been told, and most commands need none
 }
 
@@ -164,7 +176,11 @@ void Installation::explainFailure(const std::string& command) {
     }
   } catch (...) {
     const ErrorInfo error = describeCurrentException();
-    if (glob_) {
+    if (error.number == err::dbLocked) {
+      say("another program is changing the database: try again");
+    } else if (isOfFiles(error.number)) {
+      say(error.description);
+    } else if (glob_) {
       strings().display("msgUnexpecErr", command, error);
     } else {
       say("Error " + std::to_string(error.number) + ": " + error.description);

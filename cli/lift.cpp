@@ -10,6 +10,7 @@
 #include "installation.h"
 #include "lookup.h"
 #include "refusal.h"
+#include "store_row.h"
 #include "table_output.h"
 
 namespace voxa::cli {
@@ -36,7 +37,7 @@ void addLift(Installation& installation, const LiftOptions& options) {
   alarms->set("Name", checkedName(options.name));
   alarms->set("StationId", station);
   alarms->set("ControllerAddress", numberWithin("the controller's address", options.address, 1, 16));
-  alarms->update();
+  storeRow(installation, *alarms, "Alarms", "lift output");
   std::cout << "Lift output " << id << ": " << options.name << '\n';
 }
 

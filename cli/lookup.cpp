@@ -28,6 +28,8 @@ Number whole(const std::string& what, const std::string& text, Number least, Num
                 ", not " + text);
 }
 
+constexpr std::size_t nameLength = 50;
+
 bool isNumber(const std::string& text) {
   return !text.empty() && text.find_first_not_of("0123456789") == std::string::npos;
 }
@@ -49,11 +51,23 @@ std::int16_t numberWithin(const std::string& what, const std::string& text, std:
   return whole(what, text, least, greatest);
 }
 
+std::string checkedText(const std::string& what, const std::string& text, std::size_t most) {
+  if (hasControls(text)) throw Refusal(what + " is one line without control characters");
+  if (lengthInCharacters(text) > most) {
+    throw Refusal(what + " has up to " + std::to_string(most) + " characters, not " +
+                  std::to_string(lengthInCharacters(text)));
+  }
+  try {
+    (void)toCp1252(text);
+  } catch (const Error& failure) {
+    throw Refusal(failure.description());
+  }
+  return text;
+}
+
 std::string checkedName(const std::string& name) {
   if (name.empty()) throw Refusal("msgDBMandField", "(the name)");
-  if (hasControls(name)) throw Refusal("a name is one line without control characters");
-  (void)toCp1252(name);
-  return name;
+  return checkedText("a name", name, nameLength);
 }
 
 std::string checkedPlaceName(const std::string& name) {

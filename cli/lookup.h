@@ -29,8 +29,10 @@ class Installation;
 [[nodiscard]] std::int16_t numberWithin(const std::string& what, const std::string& text, std::int16_t least,
                                         std::int16_t greatest);
 
-/// The name itself, unless it is empty, has control characters, or characters that the controllers' files
-/// cannot hold (error 5).
+/// The text itself; a Refusal when it has control characters, characters that the controllers' files cannot
+/// hold, or more than so many. what: as the Refusal names it ("a name").
+[[nodiscard]] std::string checkedText(const std::string& what, const std::string& text, std::size_t most);
+/// The same of a name, up to 50 characters, which is not empty.
 [[nodiscard]] std::string checkedName(const std::string& name);
 /// The same for a station or reader; a Refusal for a name with an apostrophe too: the journal's statements
 /// carry these names as they are, so that nothing of such a door could ever be read.

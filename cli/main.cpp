@@ -70,7 +70,8 @@ int run(CLI::App& app, voxa::cli::Installation& installation, int argc, char** a
     installation.explainFailure(calledCommand(app));
     return failed;
   }
-  return installation.prompts().failuresShown() > 0 ? failed : done;
+  if (installation.prompts().failuresShown() > 0) return failed;
+  return installation.prompts().leftoverShown() ? left : done;
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <chrono>
 #include <condition_variable>
+#include <cstdio>
 #include <fstream>
 #include <iostream>
 #include <mutex>
@@ -70,10 +71,10 @@ class RunProgress {
     std::unique_lock lock(mutex_);
     bool shown = false;
     while (!wake_.wait_for(lock, std::chrono::seconds(1), [this] { return over_; })) {
-      std::cerr << "\rReading controller " << begun() << " of " << controllers_ << std::flush;
+      std::fprintf(stderr, "\rReading controller %zu of %zu", begun(), controllers_);
       shown = true;
     }
-    if (shown) std::cerr << '\n';
+    if (shown) std::fputc('\n', stderr);
   }
   [[nodiscard]] std::size_t begun() const {
     std::size_t count = 0;
@@ -153,7 +154,7 @@ void readAll(Installation& installation) {
     status = installation.qdb().Journal().readAuto();
   }
   if (status == 0) return;
-  throw Refusal("not every controller was read and cleared:" + failuresOfRun(installation));
+  throw Leftover("not every controller was read and cleared:" + failuresOfRun(installation));
 }
 
 // One by one: read as a whole, a station with a silent controller is never cleared, and the same
@@ -168,7 +169,7 @@ void readStation(Installation& installation, const std::string& name) {
   if (failures.empty()) return;
   for (std::size_t at = 0; (at = failures.find("\r\n", at)) != std::string::npos;)
     failures.replace(at, 2, "\n  ");
-  throw Refusal("not every controller was read and cleared:" + failures);
+  throw Leftover("not every controller was read and cleared:" + failures);
 }
 
 void readReader(Installation& installation, const std::string& name) {

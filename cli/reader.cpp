@@ -12,6 +12,7 @@
 #include "links.h"
 #include "lookup.h"
 #include "refusal.h"
+#include "store_row.h"
 #include "table_output.h"
 
 namespace voxa::cli {
@@ -41,7 +42,7 @@ void addReader(Installation& installation, const ReaderOptions& options) {
   rows->set("ControllerType", options.type);
   rows->set("ControllerAddress", address);
   rows->set("Position", position);
-  rows->update();
+  storeRow(installation, *rows, "Readers", "reader");
   if (newController) markProgramsForNewController(installation);
   transaction.commit();
   // The driver learns from the station's file which controllers are on the line.

@@ -13,6 +13,7 @@
 #include "lookup.h"
 #include "messages/strings.h"
 #include "refusal.h"
+#include "store_row.h"
 #include "table_output.h"
 
 namespace voxa::cli {
@@ -57,8 +58,8 @@ void setFields(Recordset& row, const StationOptions& options) {
   if (options.newName) row.set("Name", checkedPlaceName(*options.newName));
   if (options.port) row.set("ComPort", portFrom0(*options.port));
   if (options.speed) row.set("ComSpeed", lineSpeed(*options.speed));
-  if (options.phone) row.set("Phone", *options.phone);
-  if (options.modem) row.set("ModemIniFile", *options.modem);
+  if (options.phone) row.set("Phone", checkedText("a telephone number", *options.phone, 25));
+  if (options.modem) row.set("ModemIniFile", checkedText("the modem file", *options.modem, 20));
   if (options.timeout) row.set("TimeoutDelay", numberWithin("the time-out", *options.timeout, 1, 32767));
   if (options.waiting) row.set("WaitingDelay", numberWithin("the waiting delay", *options.waiting, 0, 32767));
   if (options.active || options.inactive) row.set("Active", !options.inactive);
@@ -79,7 +80,7 @@ void addStation(Installation& installation, StationOptions options) {
   rows->addNew();
   rows->set("Id", id);
   setFields(*rows, options);
-  rows->update();
+  storeRow(installation, *rows, "Stations", "station");
   stations.createIniFile(id);
   transaction.commit();
   std::cout << "Station " << id << ": " << options.name << " on port " << *options.port << '\n';
@@ -96,7 +97,7 @@ void setStation(Installation& installation, const StationOptions& options) {
   const bool comesIntoUse = active && !row->get("Active").toBool();
   row->edit();
   setFields(*row, options);
-  row->update();
+  storeRow(installation, *row, "Stations", "station");
   if (comesIntoUse) markProgramsForNewController(installation);
   installation.qdb().Stations().createIniFile(row->get("Id").toInt16());
   transaction.commit();

@@ -9,7 +9,7 @@
 #include "commands.h"
 #include "download.h"
 #include "installation.h"
-#include "messages/strings.h"
+#include "refusal.h"
 #include "table_output.h"
 
 namespace voxa::cli {
@@ -68,7 +68,7 @@ void showStatus(Installation& installation, bool json) {
   for (const std::string& name : silentControllers(installation, {})) {
     if (failures.find(name) == std::string::npos) failures += "\r\n" + name;
   }
-  if (!allAnswer) installation.strings().display("msgComErr", "voxa status", Value(failures));
+  if (!allAnswer) throw Leftover("msgComErr", Value(failures));
 }
 
 }  // namespace

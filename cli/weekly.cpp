@@ -10,6 +10,7 @@
 #include "lookup.h"
 #include "programs/weekly_program.h"
 #include "refusal.h"
+#include "store_row.h"
 #include "table_output.h"
 
 namespace voxa::cli {
@@ -66,7 +67,7 @@ void addWeekly(Installation& installation, const WeeklyOptions& options) {
   rows->set("Name", checkedName(options.name));
   setDays(installation, *rows, options);
   rows->set("WeeklyProgramFlagD", true);
-  rows->update();
+  storeRow(installation, *rows, "WeeklyPrograms", "weekly program");
   std::cout << "Weekly program " << options.family << number << ": " << options.name << '\n';
 }
 
@@ -81,7 +82,7 @@ void setWeekly(Installation& installation, const WeeklyOptions& options) {
     throw Refusal("the days of the built-in program 0 (always) are fixed");
   }
   row->set("WeeklyProgramFlagD", true);
-  row->update();
+  storeRow(installation, *row, "WeeklyPrograms", "weekly program");
 }
 
 void listWeekly(Installation& installation, bool json) {

@@ -77,7 +77,7 @@ std::int16_t AccessGroup::sendCards(std::int16_t id, std::int16_t readerId) {
   for (; !cards->eof(); cards->moveNext()) download.send(cards->get("id").toInt32(), rightsOfCard());
   download.finish();
   if (!download.twoPrograms().empty()) {
-    library_.report({"msgTwoWeeklyProgOnController", "", Value(download.twoPrograms().inParentheses())});
+    library_.warn({"msgTwoWeeklyProgOnController", "", Value(download.twoPrograms().inParentheses())});
   }
   if (!download.inactiveStations().empty()) {
     library_.report({"msgDownloadToUnactive", "", Value(download.inactiveStations().inParentheses())});

@@ -187,7 +187,7 @@ void Batch::takeBack() {
 
 void Batch::reportLeftOut() {
   if (!twoPrograms_.empty()) {
-    library_.report({"msgTwoWeeklyProgOnController", "", Value(twoPrograms_.inParentheses())});
+    library_.warn({"msgTwoWeeklyProgOnController", "", Value(twoPrograms_.inParentheses())});
   }
   if (!inactiveStations_.empty()) {
     library_.report({"msgDownloadToUnactive", "", Value(inactiveStations_.inParentheses())});

@@ -150,7 +150,7 @@ std::int16_t Cardholder::conclude(CardDownload& download, const char* method, st
   const bool failed = download.status() != 0 && !download.reported();
   if ((params & DLNoMessage) == 0) {
     if (!download.twoPrograms().empty()) {
-      library_.report({"msgTwoWeeklyProgOnController", "", Value(download.twoPrograms().inParentheses())});
+      library_.warn({"msgTwoWeeklyProgOnController", "", Value(download.twoPrograms().inParentheses())});
     }
     if (inactive) {
       library_.report({"msgDownloadToUnactive", "", Value(download.inactiveStations().inParentheses())});

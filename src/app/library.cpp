@@ -45,6 +45,11 @@ void Library::report(const FailureMessage& message) {
   error_.clear();
 }
 
+void Library::warn(const FailureMessage& message) {
+  Strings().display(message.mnemonic, message.method, message.argument, style::exclamation);
+  error_.clear();
+}
+
 void Library::show(const std::string& prompt, int style, const std::string& title) {
   if (showingLater_ > 0) {
     messages_.push_back({prompt, style, title});

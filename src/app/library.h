@@ -105,6 +105,8 @@ class Library {
 
   /// Shows a message as critical, with the current error if there is one, and clears the error.
   void report(const FailureMessage& message);
+  /// The same as a warning: nothing failed.
+  void warn(const FailureMessage& message);
 
   /// Shows a message box, behind the end of showLater if that is running. What is read together
   /// (Database::beginReading) ends before.

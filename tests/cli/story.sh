@@ -143,7 +143,7 @@ refuses "from 1 to 16" reader add Side --station Local --address 17 --position 1
 refuses "Can't find station Nowhere" download all --station Nowhere
 refuses "Can't find daily program" weekly set Staff --days Ofice
 refuses "A mandatory field was not filled" station add ""
-refuses "DB Error 3163" station add "$(printf 'n%.0s' {1..51})"
+refuses "up to 50 characters" station add "$(printf 'n%.0s' {1..51})"
 refuses "already in use" daily add office --first none
 refuses "already in use" reader add Twin --station Local --address 1 --position 1
 refuses "no time of day" daily set Office --first 8:00-12:00
@@ -296,7 +296,7 @@ printf ',No code,,Cars,\n,"Two\nlines",C4,Cars,\n,Few,C5\n,Day,C6,Cars,31/02/202
 succeeds export cards before.csv
 refuses "7 bad lines" import cards bad.csv
 for line in "3: Card number already in use (40: line 2)" "4: text behind" "5: A mandatory" "6: a name is one line" \
-  "8: 3 fields" "9: the last day" "10: Error 5"; do
+  "8: 3 fields" "9: the last day" "10: The character"; do
   grep -qF "line $line" err || fail "not named: line $line"
 done
 refuses "--force" export cards before.csv
