@@ -63,7 +63,10 @@ void createFormats(Installation& installation) {
   if (hasBadgeFormats(installation)) throw Refusal("the installation has badge formats already");
   installation.library().showLater([&] {
     Transaction transaction(installation.library().engine(), installation.qdb().database());
-    installation.qdb().BadgeFormat().CreateTable();
+    installation.qdb().BadgeFormat().CreateTable();  // shows what it cannot make
+    if (!hasBadgeFormats(installation) || badgeFormats(installation)->eof()) {
+      throw Refusal("the badge formats could not be created: nothing is changed");
+    }
     transaction.commit();
   });
 }

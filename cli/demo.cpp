@@ -11,6 +11,7 @@
 #include "demo_access.h"
 #include "demo_check.h"
 #include "demo_compare.h"
+#include "demo_guard.h"
 #include "demo_installation.h"
 #include "download.h"
 #include "installation.h"
@@ -34,6 +35,7 @@ class DemoFolder {
       throw Refusal(path_.string() + " is not empty: the demonstration wants a folder of its own");
     }
     installation.settings.folder = path_.string();
+    if (temporary_) deleteAfterThisProcess(path_);
   }
   ~DemoFolder() {
     if (!temporary_) return;

@@ -396,11 +396,86 @@ succeeds card set 800 --code 801
 swipe --code 800
 shows "no card of this code"
 
+# Numbers are whole, names one line, and what a terminal obeys or a spreadsheet calculates goes no further.
+for wrong in "card invalidate 1.5" "card set 1 --pin 1234.5" "reader add X --station Local --address 2.5 --position 1" \
+  "card batch --first-number 300 --first-code 300 --count 2.5 --group Crew"; do
+  refuses "number" $wrong
+done
+grep -q "1234.5" err && fail "a personal code is repeated"
+refuses "split it at midnight, as 22:00-24:00 and 00:00-06:00" daily set Office --first 22:00-06:00
+plant=doors
+refuses "lift output 1 (Top) has it" lift add top --station Annex --address 5 --num 9
+plant=plant
+for kind in "station add" "group add" "daily add --first none" "reader add --station Local --address 3 --position 1" \
+  "card add --code 77A --group Crew"; do
+  refuses "control characters" $kind $'a\e]0;b'
+  refuses "control characters" $kind $'a\xc2\x9bb'
+done
+succeeds card add "=1+1" --number 900 --code 900 --group Crew
+succeeds card add "'-1" --number 901 --code 901 --group Crew
+succeeds export cards formulas.csv
+grep -q "^900,'=1+1," formulas.csv || fail "a spreadsheet would calculate a name"
+plant=third
+succeeds init
+succeeds group add Crew
+sed -i '1!{/,Crew,/!d}' formulas.csv
+succeeds import cards formulas.csv
+succeeds card list
+shows "'-1"
+grep -q " =1+1 " out || fail "a name does not come back as it was"
+printf 'nu\e[31mmber,name\r\n' >escape.csv
+script -qec "'$program' --dir third import cards escape.csv" /dev/null >out </dev/null && fail "accepted: escape.csv"
+shows "nu?[31mmber"
+plant=plant
+
+# The exit status: 0 done, 1 failed, 2 wrong usage, 3 done, with something left for a person.
+status() { # EXPECTED ARGUMENT...
+  local expected=$1
+  shift
+  voxa "$@" >out 2>err
+  local got=$?
+  [ $got = "$expected" ] || fail "status $got instead of $expected: $*"
+}
+status 0 --version
+status 2 card nonsense
+grep -q "Commands of voxa card: add list" err || fail "the commands are not named"
+voxa card list >/dev/full 2>err && fail "output that cannot be written is a success"
+succeeds sim controller fault --station Annex --address 9 --silent
+status 3 status
+status 3 --yes download daily --full
+status 3 read --station Annex
+succeeds sim controller fault --station Annex --address 9 --after 1
+status 1 download daily --full --station Annex
+succeeds sim controller fault --station Annex --address 9 --none
+succeeds download all
+succeeds station set Annex --inactive
+succeeds card set 700 --pin 77
+status 3 download cards
+succeeds station set Annex --active
+succeeds download all
+succeeds group grant Crew "Lab out" --program Always
+succeeds download all
+
+# A folder that others can write, or a link in it, is nobody's to work in.
+mkdir -m 777 open
+plant=open
+refuses "chmod o-w" init
+chmod 770 open
+refuses "--trust-group" init
+succeeds --trust-group init
+plant='pl\ant'
+mkdir "$plant"
+succeeds init
+[ -e 'pl\ant/KRV.mdb' ] || fail "an installation is in another folder than the one named"
+
 "$program" demo story >out 2>err </dev/null || fail "the demonstration"
 shows "Every controller holds what the database says."
 shows "2000 presentations, 2000 rows in the journal, 0 differences."
 grep -qF "Can't download parameters" err || fail "the demonstration shows no message"
 "$program" demo story >out 2>err </dev/null && fail "the demonstration used a folder that is not empty"
+mkdir temporary
+TMPDIR=$PWD/temporary timeout -s INT 1 "$program" demo >out 2>err </dev/null
+[ -z "$(ls temporary)" ] || fail "an interrupted demonstration leaves its folder"
 
 echo "$failures failures"
 [ "$failures" = 0 ]
