@@ -21,7 +21,9 @@ namespace files {
 
 [[nodiscard]] bool exists(std::string_view path);        ///< a file or folder of that name
 [[nodiscard]] bool folderExists(std::string_view path);  ///< a folder of that name
-void remove(std::string_view path);                      ///< deletes one file; 53 when there is none
+/// Whether that is the file's whole content; false also when it cannot be read.
+[[nodiscard]] bool holds(std::string_view path, std::string_view bytes);
+void remove(std::string_view path);  ///< deletes one file; 53 when there is none
 /// Deletes the file of that name if it is a regular one, and says whether it did: a link, a device or a
 /// folder stays, as does what may not be deleted.
 bool removeRegular(std::string_view path);

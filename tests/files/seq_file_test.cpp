@@ -114,7 +114,8 @@ TEST_F(SeqFileTest, TheCommandFileEndsInAnEmptyLine) {
   std::filesystem::remove("work/COMMAND.TXT");
   std::filesystem::create_symlink("/dev/full", "work/COMMAND.TXT");
   commands.fopen();
-  EXPECT_EQ(raisedBy([&] { commands.fprint(std::string(1000000, '3')); }).number(), err::diskFull);
+  commands.fprint(std::string(1000000, '3'));
+  EXPECT_EQ(raisedBy([&] { commands.fclose(); }).number(), err::diskFull);
   ASSERT_NO_THROW(commands.fopen());
 }
 
