@@ -1,26 +1,25 @@
 #include "installation_lock.h"
 
-#include <chrono>
-#include <thread>
+#include <string>
 
-#include "installation_lock_platform.h"
+#include "comm/line_span.h"
+#include "platform/files.h"
 #include "refusal.h"
 
 namespace voxa::cli {
 
-InstallationLock::InstallationLock() {
-  using namespace std::chrono_literals;
-  constexpr auto patience = 10s;
-  constexpr auto pause = 50ms;
-  const auto end = std::chrono::steady_clock::now() + patience;
-  while (!(handle_ = Handle::tryLock("voxa.lck"))) {
-    if (std::chrono::steady_clock::now() >= end) {
-      throw Refusal("another voxa is working on this installation: try again later");
-    }
-    std::this_thread::sleep_for(pause);
+InstallationLock::InstallationLock() : file_(files::currentFolder() + "/" + LineSpan::lockFileName) {
+  constexpr std::chrono::seconds patience{10};
+  const std::string cannot = "the installation cannot be locked: ";
+  LockFile::Outcome outcome;
+  try {
+    outcome = file_.lock(patience);
+  } catch (const Error& failure) {
+    throw Refusal(cannot + failure.description());
   }
+  if (outcome == LockFile::Outcome::noFile) throw Refusal(cannot + file_.failure().description());
+  if (outcome == LockFile::Outcome::held) return;
+  throw Refusal("this installation is in use by " + file_.holder() + ": try again when it has finished");
 }
-
-InstallationLock::~InstallationLock() = default;
 
 }  // namespace voxa::cli

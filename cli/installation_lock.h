@@ -1,25 +1,23 @@
 #pragma once
 
-#include <memory>
-#include <string>
+#include "platform/lock_file.h"
 
 namespace voxa::cli {
 
-/// The right to use the lines of an installation. The driver reads the command file and the ini files from
-/// its folder: a second command there at the same time would have its own lines sent in place of the first
-/// one's. Ends with the object, or with the process.
+/// The right to use the lines of an installation for a whole command, which the library's own spans
+/// (comm/line_span.h) lie within: a second command there at the same time would have its own lines sent in
+/// place of the first one's. Ends with the object, or with the process.
 class InstallationLock {
  public:
-  /// Takes the lock of the current folder (file "voxa.lck"), waiting some seconds for whoever holds it; a
-  /// Refusal when that is not enough or the file cannot be made.
+  /// Takes the lock of the current folder, waiting some seconds for whoever holds it; a Refusal when that is
+  /// not enough, which names him, or when the file cannot be made.
   InstallationLock();
-  ~InstallationLock();
+  ~InstallationLock() { file_.unlock(); }
   InstallationLock(const InstallationLock&) = delete;
   InstallationLock& operator=(const InstallationLock&) = delete;
 
  private:
-  struct Handle;
-  std::unique_ptr<Handle> handle_;
+  LockFile file_;
 };
 
 }  // namespace voxa::cli

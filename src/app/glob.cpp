@@ -3,6 +3,7 @@
 #include "app/library.h"
 #include "app/qdb.h"
 #include "comm/com.h"
+#include "files/command_file.h"
 #include "messages/default_messages.h"
 #include "messages/strings.h"
 
@@ -34,6 +35,7 @@ void Glob::Initialize(const std::string& AppDB, const std::string& IniFile, cons
   com.IniFile = IniFile;
   com.logFileName = LogFile;
   com.Chemin = Path;
+  library_.CommandFile().Initialize();
   library_.QDB().openDB();
 }
 

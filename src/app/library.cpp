@@ -11,7 +11,7 @@
 
 namespace voxa {
 
-Library::Library(const Seams& seams) : seams_(seams) {}
+Library::Library(const Seams& seams) : seams_(seams), prompts_(seams.prompts) {}
 
 Library::~Library() = default;
 

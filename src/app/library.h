@@ -11,6 +11,7 @@
 #include <variant>
 
 #include "platform/error.h"
+#include "platform/ui/held_prompts.h"
 #include "platform/value.h"
 
 namespace voxa {
@@ -20,7 +21,6 @@ class Com;
 class CommandFile;
 class DatabaseEngine;
 class Driver;
-class Prompts;
 class QDB;
 class Strings;
 
@@ -56,7 +56,7 @@ class Library {
 
   [[nodiscard]] DatabaseEngine& engine() const { return seams_.engine; }
   [[nodiscard]] Driver& driver() const { return seams_.driver; }
-  [[nodiscard]] Prompts& prompts() const { return seams_.prompts; }
+  [[nodiscard]] HeldPrompts& prompts() { return prompts_; }
   [[nodiscard]] Clock& clock() const { return seams_.clock; }
 
   [[nodiscard]] ::voxa::Strings& Strings();
@@ -129,6 +129,7 @@ class Library {
   std::int16_t recordFailure();  // the exception being handled becomes the current error; its number
 
   Seams seams_;
+  HeldPrompts prompts_;
   ErrorInfo error_;
   std::set<std::int16_t> fileNumbers_;
   int showingLater_ = 0;  // calls of showLater that are running

@@ -4,6 +4,7 @@
 
 #include "app/library.h"
 #include "app/qdb.h"
+#include "comm/line_span.h"
 #include "comm/station.h"
 #include "comm/station_result.h"
 #include "files/command_file.h"
@@ -96,14 +97,23 @@ std::int16_t Com::sendTested(std::int16_t StationID, std::int16_t ControllerAddr
 std::int16_t Com::sendNow(ComCommandsEnum command, Target target, bool silence, bool autodetection,
                           bool tested) {
   const bool needsActive = !autodetection && command != CmConnect && command != CmDisconnect;
-  const bool active = needsActive && tested && isInUse(target.station);
+  bool active = needsActive && tested && isInUse(target.station);
   if (tested) database()->endReading();
+  // Not asked yet, or no: which the question tells of.
+  if (needsActive && !active) active = library_.QDB().Stations().isActive(target.station);
+  const LineSpan lines(library_);
+  if (!lines.refusal().empty()) {
+    if (!silence) {
+      errorList += crLf + lines.refusal() + " (" + getName(target.station, target.controller) + ")";
+    }
+    return err::permissionDenied;
+  }
+  if (command == CmSendCommand) library_.CommandFile().restore();
   const std::int16_t driverAddress = toDriverAddress(target.controller);
   log(std::string(driverNames[command]) + "(" + std::to_string(target.station) + "," +
           std::to_string(driverAddress) + ")",
       command == CmSendCommand && library_.CommandFile().isFull, false);
-  // Not asked yet, or no: which the question tells of.
-  if (needsActive && !active && !library_.QDB().Stations().isActive(target.station)) {
+  if (needsActive && !active) {
     const char* mnemonic = command == CmSendCommand ? "msgDownloadToUnactive" : "msgSendToUnactive";
     errorList +=
         crLf + library_.Strings().read(mnemonic) + " (" + getName(target.station, target.controller) + ")";
@@ -204,6 +214,8 @@ std::int16_t Com::ResetRSOUT(std::int16_t StationID, std::int16_t ControllerAddr
   if (ControllerAddr != CmToEachController && ControllerAddr != CmToAllControllers) {
     return Send(CmReadDate, StationID, ControllerAddr, true);
   }
+  const LineSpan lines(library_);
+  lines.require();
   removeResultFile(StationID);
   return Send(CmReadDate, StationID, CmToEachController, true);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -11,6 +12,7 @@
 
 #include "comm/com_types.h"
 #include "comm/inter.h"
+#include "platform/lock_file.h"
 
 namespace voxa {
 
@@ -24,8 +26,9 @@ struct StationResult;
 ///
 /// Results are 16-bit: 0 success, -1 inactive station or unknown component, 1 to 16 communication failure,
 /// 247 a station-wide date read or send that not every controller answered, others as the driver gave them,
-/// or the number of an unexpected error that was shown. A communication failure shows nothing: it adds lines
-/// to `errorList`, which the operation that caused it reads with popErrorList and shows when it is done.
+/// 70 another process has the lines, or the number of an unexpected error that was shown. A communication
+/// failure, and lines that are in use, show nothing: they add lines to `errorList`, which the operation that
+/// caused it reads with popErrorList and shows when it is done.
 /// TestSend, updateDBComStatus, getName and ResetRSOUT raise a failure of the database or the file system.
 class Com {
  public:
@@ -42,6 +45,8 @@ class Com {
   std::string logFileName;         ///< path of the communication log
   bool inhibitCom = false;         ///< Send calls no driver operation and behaves as if it had succeeded
   bool writeLog = false;           ///< every driver call and its result goes to the log
+  /// How long a call waits while another process has the lines (line_span.h).
+  std::chrono::milliseconds linePatience{10'000};
 
   /// Runs one operation on a controller (address 1 to 16), on each controller of a station (0) or on all of
   /// its line at once (95). Controllers that did not answer at the last check are skipped without a word.
@@ -102,6 +107,10 @@ class Com {
   [[nodiscard]] bool readyToSendToKnown(ComponentType compType, const std::string& compName);
 
  private:
+  friend class LineSpan;
+  /// That of the working folder; none without one.
+  [[nodiscard]] std::optional<LockFile> lockFile();
+
   static constexpr std::int16_t perController = 247;  // the station result file tells who did not answer
 
   struct Target {
@@ -133,6 +142,9 @@ class Com {
 
   Library& library_;
   Inter inter_;
+  std::optional<LockFile> lockFile_;
+  std::string lockedFolder_;   // of lockFile_
+  bool waitedInVain_ = false;  // for the lines, the last time
   // Who answered the last refresh of a station: ComStatus keeps what an earlier one found of the others.
   std::map<std::int16_t, std::set<std::int16_t>> answering_;
 };

@@ -6,6 +6,7 @@
 #include "app/table.h"
 #include "comm/com.h"
 #include "comm/com_status_table.h"
+#include "comm/line_span.h"
 #include "comm/station.h"
 #include "comm/station_result.h"
 #include "messages/strings.h"
@@ -125,17 +126,22 @@ bool Com::refreshStation(std::int16_t station) {
 }
 
 bool Com::readStation(std::int16_t station) {
-  const bool inUse = isInUse(station);
-  library_.QDB().Stations().createIniFile(station);
-  if (!inhibitCom) removeResultFile(station);  // that of an earlier read would pass for the answer
-  const std::int16_t sent = Send(CmReadDate, station, CmToEachController);
-  if (!inUse) return true;  // which the send has said, and nobody was asked
   const std::string resultFile = resultFileName(station);
-  const bool leftFile = files::exists(resultFile);
-  if (inhibitCom && !leftFile) return true;  // nobody was ever asked
-  // A read that failed as a whole, and has said so, tells nothing about single controllers.
-  if (!leftFile && sent != 0 && sent != perController) return false;
-  const StationResult result = readStationResult(library_, resultFile);
+  const bool inUse = isInUse(station);
+  StationResult result;
+  {
+    const LineSpan lines(library_);
+    lines.require();
+    library_.QDB().Stations().createIniFile(station);
+    if (!inhibitCom) removeResultFile(station);  // that of an earlier read would pass for the answer
+    const std::int16_t sent = Send(CmReadDate, station, CmToEachController);
+    if (!inUse) return true;  // which the send has said, and nobody was asked
+    const bool leftFile = files::exists(resultFile);
+    if (inhibitCom && !leftFile) return true;  // nobody was ever asked
+    // A read that failed as a whole, and has said so, tells nothing about single controllers.
+    if (!leftFile && sent != 0 && sent != perController) return false;
+    result = readStationResult(library_, resultFile);
+  }
   storeStation(station, result);
   for (std::int16_t address = 1; address <= StationResult::controllers; ++address) {
     if (result.answered(address)) answering_[station].insert(address);

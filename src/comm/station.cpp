@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "comm/com.h"
+#include "comm/line_span.h"
 #include "comm/modem_file.h"
 #include "files/command_file.h"
 #include "files/seq_file.h"
@@ -170,6 +171,8 @@ std::vector<std::string> Station::iniLines(const Recordset& row, std::int16_t ti
 }
 
 std::int16_t Station::createIniFile(std::int16_t Id, std::int16_t timeOutDelay, std::int32_t Speed) {
+  const LineSpan whole(library_);  // a driver that is called meanwhile would read half a file
+  whole.require();
   const bool found = !gen_.openWhere("Id = " + std::to_string(Id));
   std::vector<std::string> lines;
   if (found) lines = iniLines(*gen_.currentRecordset(), timeOutDelay, Speed);
@@ -200,6 +203,8 @@ std::string Station::getControllerList(std::int16_t Id) {
 
 void Station::SendSpeed(std::int16_t StationID, std::int32_t Speed) {
   constexpr char speedChange = '\x7f';
+  const LineSpan whole(library_);  // no other process calls, or writes the ini file, at the speed in between
+  whole.require();
   const std::string command = speedChange + speedCode(Speed);
   for (const LineSpeed& candidate : lineSpeeds) {
     if (candidate.bitsPerSecond == Speed) continue;

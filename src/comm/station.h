@@ -32,8 +32,9 @@ class Station : public Table {
   std::string GetCompar(std::int16_t Id, std::int16_t ControllerAddr);
   /// Writes "S" + three-digit id + ".ini" of the current folder, which configures the driver for the line.
   /// timeOutDelay, Speed: 0 takes the row's. 0, or -1 when the station is not found (the file is empty then).
-  /// A failing write is raised, and so is a text that would begin another line or a modem's ini file that is
-  /// a device or on the network (`err::invalidArgument`); the file stays as it was then.
+  /// A failing write is raised, and so are lines that another process has (line_span.h), a text that would
+  /// begin another line, and a modem's ini file that is a device or on the network (`err::invalidArgument`);
+  /// the file stays as it was then.
   std::int16_t createIniFile(std::int16_t Id, std::int16_t timeOutDelay = 0, std::int32_t Speed = 0);
   /// Tells every controller of the line to change to a speed of 4800, 9600, 19200 or 38400 bit/s. Since they
   /// may listen at any other speed, the broadcast is made at each. Leaves the ini file at the last of them:

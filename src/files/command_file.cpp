@@ -2,11 +2,13 @@
 
 #include "app/library.h"
 #include "comm/com.h"
+#include "comm/line_span.h"
+#include "platform/files.h"
 
 namespace voxa {
 
-CommandFile::CommandFile(Library& library) : file_(library) {
-  file_.Name(library.Com().Chemin + "\\" + fileName());
+CommandFile::CommandFile(Library& library) : library_(library), file_(library) {
+  Initialize();
 }
 
 CommandFile::~CommandFile() {
@@ -17,22 +19,47 @@ CommandFile::~CommandFile() {
   }
 }
 
+void CommandFile::Initialize() {
+  file_.Name(library_.Com().Chemin + "\\" + fileName());
+}
+
 void CommandFile::fopen() {
+  text_.clear();
+  isFull = false;
+  open_ = true;
+  printed_ = false;
+  const LineSpan lines(library_, LineSpan::Take::forAMoment);
+  emptied_ = lines.refusal().empty();
+  if (!emptied_) return;  // another process is sending: the send of these lines will write them
   // A new file where that is possible: one that is emptied and written again some file systems take to the
   // disk at once, and downloads write by the thousand what nobody needs after a crash.
   file_.fopenNew();
-  isFull = false;
+  file_.fclose();
 }
 
 void CommandFile::fprint(const std::string& text) {
   if (text.empty()) return;
-  file_.fprint(text);
+  if (!open_) file_.fprint(text);  // raises that nothing is open
+  text_ += file_.lineOf(text);
   isFull = true;
+  printed_ = true;
 }
 
 void CommandFile::fclose() {
-  if (file_.ch() == 0) return;
-  file_.fprint("");
+  if (!open_) return;
+  open_ = false;
+  text_ += file_.lineOf("");
+  const LineSpan lines(library_, LineSpan::Take::forAMoment);
+  if (lines.refusal().empty()) write(!emptied_);
+}
+
+void CommandFile::write(bool anew) {
+  if (anew) {
+    file_.fopenNew();
+  } else {
+    file_.fopen();
+  }
+  file_.fprint1252(text_);
   file_.fclose();
 }
 
@@ -40,6 +67,10 @@ void CommandFile::write(const std::vector<std::string>& lines) {
   fopen();
   for (const std::string& line : lines) fprint(line);
   fclose();
+}
+
+void CommandFile::restore() {
+  if (isFull && printed_ && !files::holds(file_.Name(), text_)) write(true);
 }
 
 }  // namespace voxa

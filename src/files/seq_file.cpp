@@ -103,11 +103,16 @@ bool SeqFile::fEOF() {
   return access("msgCantRead", [&] { return opened(stream_).atEnd(); });
 }
 
+std::string SeqFile::lineOf(const std::string& text) {
+  return access("msgCantWrite", [&] { return toCp1252(text) += "\r\n"; });
+}
+
+void SeqFile::fprint1252(std::string_view lines) {
+  access("msgCantWrite", [&] { opened(stream_).write(lines); });
+}
+
 void SeqFile::fprint(const std::string& text) {
-  access("msgCantWrite", [&] {
-    std::string line = toCp1252(text);
-    opened(stream_).write(line += "\r\n");
-  });
+  fprint1252(lineOf(text));
 }
 
 void SeqFile::finput(Value& var) {

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "platform/files.h"
 #include "platform/value.h"
@@ -43,6 +44,10 @@ class SeqFile {
   /// The same line as it stands in the file, in code page 1252. line: its memory is used again. limit:
   /// greatest number of characters; what a longer line has beyond them is passed over.
   void flineInput1252(std::string& line, std::size_t limit);
+  /// A line as it goes into the file: in code page 1252, with its end. Raises what fprint would.
+  [[nodiscard]] std::string lineOf(const std::string& text);
+  /// Writes such lines.
+  void fprint1252(std::string_view lines);
   /// Copies the lines of another file to the end of this one, which must be open for writing.
   void appendFile(const std::string& fileName);
 

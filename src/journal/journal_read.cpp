@@ -5,6 +5,7 @@
 #include "app/library.h"
 #include "app/qdb.h"
 #include "comm/com.h"
+#include "comm/line_span.h"
 #include "comm/reader.h"
 #include "comm/station.h"
 #include "journal/journal.h"
@@ -43,10 +44,14 @@ std::string Journal::takeIn(const Source& source) {
 
 std::int16_t Journal::transfer(const Route& route) {
   Com& com = library_.Com();
+  // Another process that reads the same memory would take the dump for its own, or clear what this one has
+  // not read yet.
+  const LineSpan lines(library_);
   std::int16_t partial = 0;  // the result of a read that broke off but left a file
   bool ended = false;
   std::string undecoded;
   std::int16_t result = library_.attempt([&]() -> std::int16_t {
+    lines.require();
     if (const std::int16_t failed = route.send(CmResetReadPointer); failed != 0) return failed;
     setAsideDump();
     if (const std::int16_t failed = route.send(cmReadMemory); failed != 0) {

@@ -131,6 +131,16 @@ bool isPlain(std::string_view path) {
   return fs::is_regular_file(fs::symlink_status(asPath(native(path)), error));
 }
 
+bool holds(std::string_view path, std::string_view bytes) {
+  int error = 0;
+  const File file(openFile(native(path), Open::read, false, error), &std::fclose);
+  if (!file) return false;
+  (void)std::setvbuf(file.get(), nullptr, _IONBF, 0);  // it is read in one piece
+  std::string found(bytes.size() + 1, '\0');
+  found.resize(std::fread(found.data(), 1, found.size(), file.get()));
+  return found == bytes;
+}
+
 void remove(std::string_view path) {
   const fs::path found = asPath(native(path));
   std::error_code error;

@@ -29,6 +29,8 @@ namespace files {
 /// group may write it. The folders above count: who can rename them can put another in their place. Windows:
 /// always "".
 [[nodiscard]] std::string folderFault(std::string_view folder, bool trustGroup);
+/// Whether that is the file's whole content; false also when it cannot be read.
+[[nodiscard]] bool holds(std::string_view path, std::string_view bytes);
 void remove(std::string_view path);  ///< deletes one file; 53 when there is none
 /// Deletes the file of that name if it is a regular one, and says whether it did: a link, a device or a
 /// folder stays, as does what may not be deleted.

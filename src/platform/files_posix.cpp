@@ -13,6 +13,7 @@
 #include "platform/error.h"
 #include "platform/files.h"
 #include "platform/files_platform.h"
+#include "platform/files_posix.h"
 #include "platform/text.h"
 
 namespace voxa::files {
@@ -125,8 +126,31 @@ std::string folderFault(std::string_view folder, bool trustGroup) {
   }
 }
 
+int openDescriptor(const std::string& path, int flags, bool any, int& error) {
+  flags |= O_CLOEXEC | (any ? 0 : O_NOFOLLOW | O_NONBLOCK);
+  const int descriptor = ::open(path.c_str(), flags, S_IRUSR | S_IWUSR);
+  if (descriptor < 0) {
+    error = errno == ENXIO ? ELOOP : errno;  // a pipe that nobody reads
+    return -1;
+  }
+  struct stat info {};
+  error = 0;
+  if (::fstat(descriptor, &info) != 0) {
+    error = errno;
+  } else if (S_ISDIR(info.st_mode)) {
+    error = EISDIR;
+  } else if (!any && !S_ISREG(info.st_mode)) {
+    error = ELOOP;
+  } else if (S_ISREG(info.st_mode) && (flags & O_CREAT) != 0) {
+    giveToOwnerOfFolder(descriptor, info, path);
+  }
+  if (error == 0) return descriptor;
+  ::close(descriptor);
+  return -1;
+}
+
 std::FILE* openFile(const std::string& path, Open how, bool any, int& error) {
-  int flags = O_CLOEXEC | (any ? 0 : O_NOFOLLOW | O_NONBLOCK);
+  int flags = 0;
   const char* mode = "wb";
   switch (how) {
     case Open::read:
@@ -144,23 +168,13 @@ std::FILE* openFile(const std::string& path, Open how, bool any, int& error) {
       flags |= O_WRONLY | O_CREAT | O_EXCL;
       break;
   }
-  const int descriptor = ::open(path.c_str(), flags, S_IRUSR | S_IWUSR);
-  if (descriptor < 0) {
-    error = errno == ENXIO ? ELOOP : errno;  // a pipe that nobody reads
-    return nullptr;
-  }
-  struct stat info {};
-  std::FILE* file = nullptr;
-  const bool known = ::fstat(descriptor, &info) == 0;
-  if (known && S_ISREG(info.st_mode) && (flags & O_CREAT) != 0) giveToOwnerOfFolder(descriptor, info, path);
-  if (known && S_ISDIR(info.st_mode)) {
-    error = EISDIR;
-  } else if (!any && !(known && S_ISREG(info.st_mode))) {
-    error = ELOOP;
-  } else if ((file = ::fdopen(descriptor, mode)) == nullptr) {
+  const int descriptor = openDescriptor(path, flags, any, error);
+  if (descriptor < 0) return nullptr;
+  std::FILE* file = ::fdopen(descriptor, mode);
+  if (file == nullptr) {
     error = errno;
+    ::close(descriptor);
   }
-  if (file == nullptr) ::close(descriptor);
   return file;
 }
 

@@ -114,7 +114,8 @@ TEST_F(SeqFileTest, TheCommandFileEndsInAnEmptyLine) {
   // The next download does not fail on the write that a full disk broke off.
   const test::FullDisk full;
   commands.fopen();
-  EXPECT_EQ(raisedBy([&] { commands.fprint(std::string(1000000, '3')); }).number(), err::diskFull);
+  commands.fprint(std::string(1000000, '3'));
+  EXPECT_EQ(raisedBy([&] { commands.fclose(); }).number(), err::diskFull);
   ASSERT_NO_THROW(commands.fopen());
 }
 

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "platform/lock_file.h"
+
+namespace voxa {
+
+class Library;
+
+/// The lines of an installation for as long as it lives: no other process calls the driver meanwhile, or
+/// changes the files that it reads and writes in the working folder (the command file, the ini and result
+/// files of the stations, the dump of a memory). Spans may lie within one another. Messages that are shown
+/// within one appear at its end.
+///
+/// What is held is the file `lockFileName` of `Com.Chemin`. Without a working folder, or in one that cannot
+/// be written, where nobody can change those files either, there is nothing to hold and nothing is refused.
+class LineSpan {
+ public:
+  static constexpr const char* lockFileName = "voxa.lck";
+
+  /// waiting: for another process as long as `Com.linePatience` says, unless the last wait was in vain: a
+  /// thousand sends do not wait a thousand times. forAMoment: not at all, for something short.
+  enum class Take { waiting, forAMoment };
+  explicit LineSpan(Library& library, Take take = Take::waiting);
+  ~LineSpan();
+  LineSpan(const LineSpan&) = delete;
+  LineSpan& operator=(const LineSpan&) = delete;
+
+  /// Why the lines cannot be had, naming who has them; "" when they can.
+  [[nodiscard]] const std::string& refusal() const { return refusal_; }
+  /// Raises the refusal (`err::permissionDenied`), if there is one.
+  void require() const;
+
+ private:
+  Library& library_;
+  std::optional<LockFile> held_;
+  std::string refusal_;
+};
+
+}  // namespace voxa
