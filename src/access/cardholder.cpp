@@ -116,9 +116,8 @@ std::int16_t Cardholder::generalDownload(ComponentType compType, const std::stri
                                          std::int16_t Params, bool* AlreadyComTested) {
   if (compType < CTActiveStations || compType > CTStation) {
     // Without this what is neither a reader nor a station would be every controller.
-    return library_.attempt({"msgCantDownload", "Cardholders.generalDownload"}, []() -> std::int16_t {
-      throw Error(err::invalidArgument, "Invalid argument: no such component type");
-    });
+    return library_.attempt({"msgCantDownload", "Cardholders.generalDownload"},
+                            [&] { requireKnown(compType); });
   }
   if (!library_.Com().readyToSend(compType, compName, AlreadyComTested)) return 0;
   eraseUnfinishedBlocks(library_);

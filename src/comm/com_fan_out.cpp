@@ -51,9 +51,7 @@ std::int16_t Com::sendToComp(ComCommandsEnum command, ComponentType compType, co
     case CTStation:
       return sendToStation(command, compName);
   }
-  return library_.attempt({"msgUnexpecErr", "Com.sendToComp"}, [&] {
-    throw Error(err::invalidArgument, "Invalid argument: no such component type");
-  });
+  return library_.attempt({"msgUnexpecErr", "Com.sendToComp"}, [&] { requireKnown(compType); });
 }
 
 std::int16_t Com::sendCommand(const std::string& commandCode, ComponentType compType,

@@ -164,6 +164,7 @@ void Com::storeStation(std::int16_t station, const StationResult& result) {
 bool Com::TestCom(ComponentType compType, const std::string& compName) {
   bool allAnswer = false;
   library_.attempt({"msgUnexpecErr", "Com.TestCom"}, [&] {
+    requireKnown(compType);
     bool allRead = true;
     std::string query;
     switch (compType) {
@@ -236,6 +237,7 @@ std::vector<Com::Target> Com::notAnswering(ComponentType compType, const std::st
 bool Com::MsgChooseAbort(ComponentType compType, const std::string& compName) {
   bool abort = false;
   library_.attempt({"msgUnexpecErr", "Com.MsgChooseAbort"}, [&] {
+    requireKnown(compType);
     Strings& strings = library_.Strings();
     for (;;) {
       const std::vector<Target> silent = notAnswering(compType, compName);

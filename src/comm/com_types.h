@@ -4,11 +4,18 @@
 #include <utility>
 
 #include "platform/driver/driver.h"
+#include "platform/error.h"
 
 namespace voxa {
 
 /// Target of a send, download or test; with CTReader and CTStation the component is named by its `Name`.
 enum ComponentType : std::int16_t { CTActiveStations = 0, CTReader = 1, CTStation = 2 };
+
+/// Raises what an automation client is told that passes another number (`err::invalidArgument`).
+inline void requireKnown(ComponentType compType) {
+  if (compType >= CTActiveStations && compType <= CTStation) return;
+  throw Error(err::invalidArgument, "Invalid argument: no such component type");
+}
 
 /// Reserved controller addresses.
 enum ComSpecialController : std::int16_t {

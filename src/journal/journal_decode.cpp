@@ -17,10 +17,6 @@ namespace voxa {
 std::string Journal::decodeFile(std::int16_t stationId, const std::string& baseName) {
   if (!files::exists(dumpFile)) return "";
   DatabaseEngine& engine = library_.engine();
-  if (engine.inTransaction()) {
-    // Someone else would decide whether the rows stay, after the controller was cleared.
-    throw Error(err::dbInvalidArgument, "Transactions cannot be read inside a database transaction");
-  }
   SeqFile dump(library_);
   dump.Name(dumpFile);
   dump.fopen("r");

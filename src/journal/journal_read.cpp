@@ -52,6 +52,10 @@ std::int16_t Journal::transfer(const Route& route) {
   std::string undecoded;
   std::int16_t result = library_.attempt([&]() -> std::int16_t {
     lines.require();
+    if (library_.engine().inTransaction()) {
+      // Someone else would decide whether the rows stay, after the controller was cleared.
+      throw Error(err::dbInvalidArgument, "Transactions cannot be read inside a database transaction");
+    }
     if (const std::int16_t failed = route.send(CmResetReadPointer); failed != 0) return failed;
     setAsideDump();
     if (const std::int16_t failed = route.send(cmReadMemory); failed != 0) {

@@ -41,7 +41,7 @@ std::string findName(const std::string& folder, const std::string& name) {
 /// How much of the front of a path is a folder that exists with the backslashes in it.
 std::size_t literalFront(const std::string& path) {
   const std::size_t first = path.find('\\');
-  for (std::size_t end = path.rfind('\\'); end > first; end = path.rfind('\\', end - 1)) {
+  for (std::size_t end = path.find_last_of("\\/"); end > first; end = path.find_last_of("\\/", end - 1)) {
     if (present(path.substr(0, end))) return end;
   }
   return 0;
