@@ -143,8 +143,8 @@ class Com {
   Library& library_;
   Inter inter_;
   std::optional<LockFile> lockFile_;
-  std::string lockedFolder_;   // of lockFile_
-  bool waitedInVain_ = false;  // for the lines, the last time
+  std::string lockedFolder_;                            // of lockFile_
+  std::chrono::steady_clock::time_point noWaitBefore_;  // for the lines, behind a wait in vain
   // Who answered the last refresh of a station: ComStatus keeps what an earlier one found of the others.
   std::map<std::int16_t, std::set<std::int16_t>> answering_;
 };

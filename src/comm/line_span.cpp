@@ -17,6 +17,8 @@ std::optional<LockFile> Com::lockFile() {
   return lockFile_;
 }
 
+using SteadyClock = std::chrono::steady_clock;
+
 LineSpan::LineSpan(Library& library, Take take) : library_(library) {
   Com& com = library_.Com();
   std::optional<LockFile> file = com.lockFile();
@@ -24,8 +26,13 @@ LineSpan::LineSpan(Library& library, Take take) : library_(library) {
   if (file && take == Take::forAMoment) {
     outcome = file->lockForAMoment();
   } else if (file) {
-    outcome = file->lock(com.waitedInVain_ ? std::chrono::milliseconds{0} : com.linePatience);
-    com.waitedInVain_ = outcome == LockFile::Outcome::busy;
+    const bool waits = SteadyClock::now() >= com.noWaitBefore_;
+    outcome = file->lock(waits ? com.linePatience : std::chrono::milliseconds{0});
+    if (outcome != LockFile::Outcome::busy) {
+      com.noWaitBefore_ = {};
+    } else if (waits) {
+      com.noWaitBefore_ = SteadyClock::now() + com.linePatience;
+    }
   }
   if (outcome == LockFile::Outcome::busy) {
     refusal_ = "The lines are in use by " + file->holder() + ": try again when it has finished";

@@ -20,8 +20,8 @@ class LineSpan {
  public:
   static constexpr const char* lockFileName = "voxa.lck";
 
-  /// waiting: for another process as long as `Com.linePatience` says, unless the last wait was in vain: a
-  /// thousand sends do not wait a thousand times. forAMoment: not at all, for something short.
+  /// waiting: for another process as long as `Com.linePatience` says, unless a wait in vain is not longer ago
+  /// than that: a thousand sends do not wait a thousand times. forAMoment: not at all, for something short.
   enum class Take { waiting, forAMoment };
   explicit LineSpan(Library& library, Take take = Take::waiting);
   ~LineSpan();

@@ -1,5 +1,7 @@
 // Reading controllers one by one, so that what one of them held is cleared whatever becomes of the others.
 
+#include <utility>
+
 #include "app/library.h"
 #include "app/qdb.h"
 #include "comm/com.h"

@@ -196,11 +196,9 @@ class LineFaultsTest : public test::InstallationTest {
     if (operation == "week") return library->QDB().WeeklyPrograms().download("C", 3, CTStation, "Local");
     if (operation == "card") return library->QDB().Cardholders().download(1);
     if (operation == "read") return journal().readTransactions(CTReader, "Door");
-    if (operation == "command") return com.sendCommand("31", CTReader, "Door");
     return com.TestCom(CTStation, "Local") ? 1 : 0;
   }
   std::string state(const std::string& operation) {
-    if (operation == "command") return "";
     if (operation == "week" || operation == "card") {
       return query(operation == "week" ? "select WeeklyProgramFlagD from WeeklyPrograms where ProgNum = 3"
                                        : "select CardCodeFlagD from Cardholders") == "False"

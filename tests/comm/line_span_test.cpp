@@ -4,15 +4,15 @@
 #include <sys/file.h>
 #include <unistd.h>
 
-#include "comm/com.h"
+#include "comm/com_test.h"
 #include "comm/station.h"
-#include "files/command_file.h"
 #include "journal/journal.h"
 #include "platform/files.h"
-#include "support/installation_test.h"
 
 namespace voxa {
 namespace {
+
+using Lines = std::vector<std::string>;
 
 /// What another process has to do with the lock file: the same file, opened anew, is somebody else's.
 class Other {
@@ -38,19 +38,12 @@ struct WatchingPrompts : ScriptedPrompts {
   bool good = true;
 };
 
-class LineSpanTest : public test::InstallationTest {
+class LineSpanTest : public test::ComTest {
  protected:
   void SetUp() override {
-    createInstallation();
-    addReader(1, "Door", 1, 3, 1);
+    ComTest::SetUp();
     com.linePatience = std::chrono::milliseconds{20};
   }
-  void command(const std::string& line) {
-    library->CommandFile().fopen();
-    library->CommandFile().fprint(line);
-    library->CommandFile().fclose();
-  }
-  Com& com = glob->Com();
 };
 
 TEST_F(LineSpanTest, LinesThatAnotherProcessReplacedAreWrittenAnew) {
@@ -90,16 +83,15 @@ TEST_F(LineSpanTest, WhoHasTheLinesIsNamedAndNothingIsTouched) {
     command("31");
     for (const bool silent : {false, true}) {
       EXPECT_EQ(com.Send(CmSendCommand, 1, 3, silent), err::permissionDenied);
-      EXPECT_EQ(com.popErrorList(), silent ? "" : "\r\n" + busy + " (Local Controller 3  -  Door)");
+      EXPECT_EQ(com.popErrorList(), silent ? "" : "\r\n" + busy + " (Local Controller 3  -  Door  -  Gate)");
     }
     EXPECT_TRUE(boxes().empty());
     EXPECT_THROW(library->QDB().Stations().createIniFile(1), Error);
     EXPECT_THROW(library->QDB().Stations().SendSpeed(1, 9600), Error);
     EXPECT_THROW(com.ResetRSOUT(1, 0), Error);
     EXPECT_EQ(library->QDB().Journal().readAuto(), err::permissionDenied);
-    EXPECT_FALSE(com.TestCom());
-    EXPECT_EQ(boxes(), std::vector<std::string>{"Unexpected error|Error 70: Local: " + busy +
-                                                "|(Com.UpdateComStatus)"});
+    EXPECT_FALSE(com.TestCom(CTStation, "Local"));
+    EXPECT_EQ(boxes(), Lines{"Unexpected error|Error 70: Local: " + busy + "|(Com.UpdateComStatus)"});
     for (const char* name : {"COMMAND.TXT", "J.DAT", "S001.ini"}) EXPECT_EQ(textOf(name), "his");
     EXPECT_EQ(textOf("RS001.OUT"), "1");
     EXPECT_EQ(calls(), "");
@@ -111,7 +103,7 @@ TEST_F(LineSpanTest, WhoHasTheLinesIsNamedAndNothingIsTouched) {
 TEST_F(LineSpanTest, SpansLieWithinOneAnotherAndAFolderWithoutALockIsNoObstacle) {
   LockFile whole(folder + "/voxa.lck");
   ASSERT_EQ(whole.lock(std::chrono::milliseconds{0}), LockFile::Outcome::held);
-  EXPECT_TRUE(com.TestCom());
+  EXPECT_EQ(com.Send(CmReadStatus, 1, 3), 0);
   EXPECT_FALSE(isFree());
   whole.unlock();
   EXPECT_TRUE(isFree());
@@ -127,16 +119,14 @@ TEST_F(LineSpanTest, AReadIsOneSpanAndItsMessagesComeBehindIt) {
   const Glob client(own);
   client.Initialize(folder + "\\KRV.mdb", folder + "\\S001.ini", folder + "\\COM.LOG", folder);
   driver.resultFile = "XX1";
-  std::string wanted;
-  driver.answer = [&](const auto& call) -> std::int16_t {
-    EXPECT_FALSE(isFree());
-    if (call.command == cmReadMemory) write("J.DAT", "03 10241226180500081200\r\nx\r\n");
-    return call.command == cmReadMemory && wanted == "cut off" ? 3 : call.command == CmSendClear ? 4 : 100;
-  };
-  for (const char* fault : {"cut off", "not cleared"}) {
-    wanted = fault;
-    EXPECT_NE(own.QDB().Journal().readTransactions(CTReader, "Door"), 0);
-    EXPECT_TRUE(watching.good) << fault;
+  for (const bool cutOff : {true, false}) {
+    driver.answer = [&](const auto& call) -> std::int16_t {
+      EXPECT_FALSE(isFree());
+      if (call.command == cmReadMemory) write("J.DAT", "03 10241226180500081200\r\nx\r\n");
+      return call.command == (cutOff ? cmReadMemory : CmSendClear) ? 3 : 100;
+    };
+    EXPECT_EQ(own.QDB().Journal().readTransactions(CTReader, "Door"), 3);
+    EXPECT_TRUE(watching.good) << cutOff;
   }
   EXPECT_EQ(watching.boxes.size(), 3U);
 }
