@@ -11,7 +11,7 @@ namespace voxa::cli {
 InstallationLock::InstallationLock() : file_(files::currentFolder() + "/" + LineSpan::lockFileName) {
   constexpr std::chrono::seconds patience{10};
   const std::string cannot = "the installation cannot be locked: ";
-  LockFile::Outcome outcome;
+  auto outcome = LockFile::Outcome::busy;
   try {
     outcome = file_.lock(patience);
   } catch (const Error& failure) {
