@@ -114,6 +114,7 @@ bool eraseCards(Library& library, const ControllerPlace& place, const std::vecto
   library.attempt([&, station = station, address = address] {
     if (!com.TestSend(station, address)) return;  // it would be passed over without a word
     std::vector<std::string> lines;
+    lines.reserve(numbers.size());
     for (const std::int32_t number : numbers) lines.push_back(clearCardLine(number));
     library.CommandFile().write(lines);
     confirmed = com.sendTested(station, address) == 0;
