@@ -33,12 +33,6 @@ Download tested(Installation& installation, const Component& component) {
   return download;
 }
 
-std::string listed(const std::vector<std::string>& names) {
-  std::string text;
-  for (const std::string& name : names) text += "\n  " + name;
-  return text;
-}
-
 void createBatch(Installation& installation, const BatchOptions& options) {
   installation.openForSending();
   const std::int16_t first = cardNumber(options.firstNumber);
@@ -57,7 +51,7 @@ void createBatch(Installation& installation, const BatchOptions& options) {
       " and Deleted = false");
   if (!download.leftOut().empty() && !waiting->eof()) {
     throw Leftover("these controllers did not answer, and the cards stay marked for those of the group:" +
-                   listed(download.leftOut()));
+                   eachOnALine(download.leftOut()));
   }
 }
 
@@ -93,7 +87,7 @@ void deleteCard(Installation& installation, const std::string& numberOrName) {
   std::cout << "Deleted card " << number << ": " << card->get("Name").toText() << '\n';
   if (holders.empty()) return;
   throw Leftover("these controllers still hold the card; a later 'voxa download cards' makes them erase it:" +
-                 listed(holders));
+                 eachOnALine(holders));
 }
 
 void invalidateCard(Installation& installation, const std::string& text, const ComponentChoice& choice) {
@@ -113,7 +107,8 @@ void invalidateCard(Installation& installation, const std::string& text, const C
     return;
   }
   if (!download.leftOut().empty()) {
-    throw Leftover("these controllers did not answer and still hold the card:" + listed(download.leftOut()));
+    throw Leftover("these controllers did not answer and still hold the card:" +
+                   eachOnALine(download.leftOut()));
   }
   std::cout << "Erased card " << number << "; the next download gives it back\n";
 }

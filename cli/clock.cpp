@@ -20,8 +20,7 @@ void setClocks(Installation& installation, const ComponentChoice& choice) {
   const Component component = chosen(installation, choice);
   // A controller that is passed over keeps its wrong clock without a word, so none is.
   const bool allAnswer = com.TestCom(component.type, component.name);
-  std::string silent;
-  for (const std::string& name : silentControllers(installation, component)) silent += "\n  " + name;
+  const std::string silent = eachOnALine(silentControllers(installation, component));
   if ((!allAnswer || !silent.empty()) && !com.inhibitCom) {
     throw Refusal("not every controller answers: no clock was set (see voxa status)" + silent);
   }

@@ -43,7 +43,7 @@ void requireModemsHere(Installation& installation, const std::string& file) {
   std::string names;
   try {
     const auto backup = installation.library().engine().open(file);
-    for (const std::string& name : stationsWithModemElsewhere(*backup)) names += "\n  " + name;
+    names = eachOnALine(stationsWithModemElsewhere(*backup));
     backup->close();
   } catch (const Error&) {
     return;  // no database that could be restored, which the restore tells

@@ -204,8 +204,7 @@ void download(Installation& installation, const DownloadOptions& options,
   Download download(installation, chosen(installation, options.component));
   if (!download.ready()) throw Refusal("aborted: nothing was sent");
   const DownloadCount count = sendAll(download);
-  std::string silent;
-  for (const std::string& name : download.leftOut()) silent += "\n  " + name;
+  std::string silent = eachOnALine(download.leftOut());
   if (!silent.empty())
     silent = "these controllers did not answer, and what was sent stays marked for them:" + silent;
   if (count.failed > 0) {

@@ -79,9 +79,8 @@ void deleteHoliday(Installation& installation, const std::string& numberOrName) 
   row->edit();
   row->set("HolidayFlagD", true);
   row->update();
-  std::string reason = name + " stays, marked to be sent: delete it again when every controller answers";
-  for (const std::string& controller : silent) reason += "\n  " + controller;
-  throw Refusal(reason);
+  throw Refusal(name + " stays, marked to be sent: delete it again when every controller answers" +
+                eachOnALine(silent));
 }
 
 void listHolidays(Installation& installation, bool json) {

@@ -2,6 +2,7 @@
 
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 #include "platform/value.h"
 
@@ -28,5 +29,12 @@ class Leftover : public Refusal {
  public:
   using Refusal::Refusal;
 };
+
+/// Names below a sentence, each on a line of its own.
+[[nodiscard]] inline std::string eachOnALine(const std::vector<std::string>& names) {
+  std::string text;
+  for (const std::string& name : names) text += "\n  " + name;
+  return text;
+}
 
 }  // namespace voxa::cli

@@ -76,12 +76,7 @@ std::int16_t AccessGroup::sendCards(std::int16_t id, std::int16_t readerId) {
       std::to_string(id));
   for (; !cards->eof(); cards->moveNext()) download.send(cards->get("id").toInt32(), rightsOfCard());
   download.finish();
-  if (!download.twoPrograms().empty()) {
-    library_.warn({"msgTwoWeeklyProgOnController", "", Value(download.twoPrograms().inParentheses())});
-  }
-  if (!download.inactiveStations().empty()) {
-    library_.report({"msgDownloadToUnactive", "", Value(download.inactiveStations().inParentheses())});
-  }
+  tellLeftOut(library_, download.twoPrograms(), download.inactiveStations());
   if (download.complete()) database().execute("update AccGroupReaders set FlagD = False where " + links);
   return download.status();
 }

@@ -71,7 +71,7 @@ class Batch {
   void settle();
   /// Takes the block back from the controllers that have it, or part of it.
   void takeBack();
-  void reportLeftOut();
+  void reportLeftOut() { tellLeftOut(library_, twoPrograms_, inactiveStations_); }
 
  private:
   [[nodiscard]] Database& database() { return library_.QDB().database(); }
@@ -117,11 +117,12 @@ void Batch::writeBlock(const GrantedController& controller, const std::vector<st
   CardRecord card;
   for (const CardPart part : {cardCodePart, accessGroupPart, validatedPart}) card.parts.set(part);
   const CardRights rights = controller.rights();
+  const DateTime today = library_.clock().now();
   std::vector<std::string> block;
   for (std::int16_t i = 0; i < cards_; ++i) {
     card.number = firstNum_ + i;
     card.code = addToCardCode(firstCode_, i);
-    for (std::string& line : cardLines(card, rights, lifts, controller.type, library_.clock().now()))
+    for (std::string& line : cardLines(card, rights, lifts, controller.type, today))
       block.push_back(std::move(line));
   }
   library_.CommandFile().write(block);
@@ -183,15 +184,6 @@ void Batch::takeBack() {
     if (!open.empty()) const CardBlock rest(library_, firstNum_, lastNum_, open);
     block_->settle();
   });
-}
-
-void Batch::reportLeftOut() {
-  if (!twoPrograms_.empty()) {
-    library_.warn({"msgTwoWeeklyProgOnController", "", Value(twoPrograms_.inParentheses())});
-  }
-  if (!inactiveStations_.empty()) {
-    library_.report({"msgDownloadToUnactive", "", Value(inactiveStations_.inParentheses())});
-  }
 }
 
 }  // namespace

@@ -11,11 +11,16 @@ namespace voxa {
 
 namespace {
 
-// Positions 1 and 3 are the two sides of the first door, 2 and 4 those of the second.
+/// The door at a position, 1 or 2; 0 for a position that no controller has. 1 and 3 are the two sides of the
+/// first door, 2 and 4 those of the second.
+int doorAt(std::int16_t position) {
+  return position >= 1 && position <= 4 ? 2 - position % 2 : 0;
+}
+
 bool grants(const std::vector<GrantedDoor>& doors, int door, std::int16_t program) {
   bool granted = false;
   for (const GrantedDoor& reader : doors) {
-    if (reader.position != door && reader.position != door + 2) continue;
+    if (doorAt(reader.position) != door) continue;
     if (reader.weeklyProgram != program) return false;
     granted = true;
   }
@@ -24,14 +29,6 @@ bool grants(const std::vector<GrantedDoor>& doors, int door, std::int16_t progra
 
 bool isOfCards(const Value& family) {
   return !family.isNull() && equalNoCase(family.toText(), "C");
-}
-
-bool isFirstDoor(std::int16_t position) {
-  return position == 1 || position == 3;
-}
-
-bool isSecondDoor(std::int16_t position) {
-  return position == 2 || position == 4;
 }
 
 std::string groupName(Database& database, std::int16_t accessGroupId) {
@@ -129,8 +126,8 @@ std::vector<DoorSide> sidesOf(Database& database, std::int16_t accessGroupId,
     const auto door = std::find_if(controller.doors.begin(), controller.doors.end(),
                                    [&](const GrantedDoor& granted) { return granted.reader == reader; });
     const bool granted = door != controller.doors.end();
-    const bool opens = told && ((isFirstDoor(position) && rights.firstDoor) ||
-                                (isSecondDoor(position) && rights.secondDoor));
+    const int number = doorAt(position);
+    const bool opens = told && ((number == 1 && rights.firstDoor) || (number == 2 && rights.secondDoor));
     if (!granted && !opens) continue;
     using Access = DoorSide::Access;
     sides.push_back({rows->get("Name").toText(),

@@ -32,6 +32,15 @@ std::string Names::inParentheses() const {
   return text + ")";
 }
 
+void tellLeftOut(Library& library, const Names& twoPrograms, const Names& inactiveStations) {
+  if (!twoPrograms.empty()) {
+    library.warn({"msgTwoWeeklyProgOnController", "", Value(twoPrograms.inParentheses())});
+  }
+  if (!inactiveStations.empty()) {
+    library.report({"msgDownloadToUnactive", "", Value(inactiveStations.inParentheses())});
+  }
+}
+
 bool CardScope::covers(const GrantedController& controller) const {
   return (!station || *station == controller.station) && (!address || *address == controller.address);
 }

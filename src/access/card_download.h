@@ -26,6 +26,10 @@ class Names {
   std::vector<std::string> names_;
 };
 
+/// Shows what cards met at controllers that could not be told all: a warning about doors that stay shut, a
+/// failure about stations that are not in use.
+void tellLeftOut(Library& library, const Names& twoPrograms, const Names& inactiveStations);
+
 /// The controllers that a download of cards goes to: all, one station's, or one.
 struct CardScope {
   std::optional<std::int16_t> station = {};

@@ -114,7 +114,7 @@ std::int16_t Cardholder::download(std::int16_t Id) {
 
 std::int16_t Cardholder::generalDownload(ComponentType compType, const std::string& compName,
                                          std::int16_t Params, bool* AlreadyComTested) {
-  if (compType < CTActiveStations || compType > CTStation) {
+  if (!isKnown(compType)) {
     // Without this what is neither a reader nor a station would be every controller.
     return library_.attempt({"msgCantDownload", "Cardholders.generalDownload"},
                             [&] { requireKnown(compType); });
@@ -148,12 +148,7 @@ std::int16_t Cardholder::conclude(CardDownload& download, const char* method, st
   const bool inactive = !download.inactiveStations().empty();
   const bool failed = download.status() != 0 && !download.reported();
   if ((params & DLNoMessage) == 0) {
-    if (!download.twoPrograms().empty()) {
-      library_.warn({"msgTwoWeeklyProgOnController", "", Value(download.twoPrograms().inParentheses())});
-    }
-    if (inactive) {
-      library_.report({"msgDownloadToUnactive", "", Value(download.inactiveStations().inParentheses())});
-    }
+    tellLeftOut(library_, download.twoPrograms(), download.inactiveStations());
     if (failed) library_.report({"msgCantDownload", method, Value(library_.Com().popErrorList())});
   }
   return inactive ? std::int16_t{1} : download.status();

@@ -7,11 +7,13 @@
 #include "files/command_file.h"
 #include "messages/strings.h"
 #include "platform/database/database.h"
-#include "platform/ui/prompts.h"
 
 namespace voxa {
 
-Library::Library(const Seams& seams) : seams_(seams), prompts_(seams.prompts) {}
+Library::Library(const Seams& seams)
+    : seams_(seams), prompts_(seams.prompts, [this] {
+        for (const auto& database : engine().databases()) database->endReading();
+      }) {}
 
 Library::~Library() = default;
 
@@ -50,29 +52,15 @@ void Library::warn(const FailureMessage& message) {
   error_.clear();
 }
 
-void Library::show(const std::string& prompt, int style, const std::string& title) {
-  if (showingLater_ > 0) {
-    messages_.push_back({prompt, style, title});
-    return;
-  }
-  for (const auto& database : engine().databases()) database->endReading();
-  prompts().messageBox(prompt, style, title);
-}
-
 void Library::showLater(const std::function<void()>& body) {
   std::exception_ptr failure;
-  ++showingLater_;
+  prompts_.hold();
   try {
     body();
   } catch (...) {
     failure = std::current_exception();
   }
-  --showingLater_;
-  while (showingLater_ == 0 && !messages_.empty()) {
-    const Message message = std::move(messages_.front());
-    messages_.pop_front();
-    show(message.prompt, message.style, message.title);
-  }
+  prompts_.release();
   if (failure) std::rethrow_exception(failure);
 }
 

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <deque>
 #include <functional>
 #include <memory>
 #include <set>
@@ -108,9 +107,6 @@ class Library {
   /// The same as a warning: nothing failed.
   void warn(const FailureMessage& message);
 
-  /// Shows a message box, behind the end of showLater if that is running. What is read together
-  /// (Database::beginReading) ends before.
-  void show(const std::string& prompt, int style, const std::string& title);
   /// Runs `body`, which locks a database file, and then shows the messages that came up in it: others wait
   /// for the file, and a person may take a long time. No question may come up in it.
   void showLater(const std::function<void()>& body);
@@ -120,20 +116,12 @@ class Library {
   void releaseFileNumber(std::int16_t number) { fileNumbers_.erase(number); }
 
  private:
-  struct Message {
-    std::string prompt;
-    int style;
-    std::string title;
-  };
-
   std::int16_t recordFailure();  // the exception being handled becomes the current error; its number
 
   Seams seams_;
   HeldPrompts prompts_;
   ErrorInfo error_;
   std::set<std::int16_t> fileNumbers_;
-  int showingLater_ = 0;  // calls of showLater that are running
-  std::deque<Message> messages_;
   // Destroyed from the last to the first: the table objects go before what they use.
   std::unique_ptr<::voxa::Strings> strings_;
   std::unique_ptr<::voxa::Com> com_;

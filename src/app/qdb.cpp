@@ -59,7 +59,7 @@ Database& QDB::database() const {
   return *requireOpen(database_);
 }
 
-void QDB::registerTable(ITable& table) {
+void QDB::registerTable(Table& table) {
   registry_.push_back(&table);
 }
 
@@ -116,8 +116,8 @@ bool QDB::confirmReplace() {
 void QDB::buildTables() {
   // One transaction: a crash in the middle leaves no half-built tables, and the disk is waited for once.
   Transaction transaction(library_.engine(), *database_);
-  for (ITable* table : registry_) {
-    if (table->Name() == journal_->Name()) continue;
+  for (Table* table : registry_) {
+    if (table == journal_.get()) continue;
     if (table == dailyPrograms_.get()) {
       dailyPrograms_->createWithFourZones();
     } else {
@@ -126,7 +126,7 @@ void QDB::buildTables() {
     table->insertDefaultRecs();
   }
   createComStatus(*database_);
-  for (ITable* table : registry_) table->createRelations();
+  for (Table* table : registry_) table->createRelations();
   transaction.commit();
 }
 
@@ -162,17 +162,10 @@ std::int16_t QDB::saveDB() {
 
 std::vector<TableDef> QDB::definitions() {
   std::vector<TableDef> all;
-  const auto add = [&](Table& table) {
-    for (TableDef& definition : table.definitions()) all.push_back(std::move(definition));
-  };
-  add(*stations_);
-  add(*dailyPrograms_);
-  add(*holidays_);
-  add(*weeklyPrograms_);
-  add(*readers_);
-  add(*accessGroups_);
-  add(*cardholders_);
-  add(*alarms_);
+  for (Table* table : registry_) {
+    if (table == journal_.get()) continue;
+    for (TableDef& definition : table->definitions()) all.push_back(std::move(definition));
+  }
   all.push_back(comStatusDefinition());
   return all;
 }

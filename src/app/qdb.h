@@ -21,6 +21,7 @@ class Journal;
 class Library;
 class Reader;
 class Station;
+class Table;
 class WeeklyProgram;
 struct FailureMessage;
 struct TableDef;
@@ -71,7 +72,7 @@ class QDB {
   std::int16_t restoreDB();
 
  private:
-  void registerTable(ITable& table);
+  void registerTable(Table& table);
   bool confirmReplace();  // true when a new database may be created
   bool mayReplace(const Database& database, const char* mnemonic, bool overwriteAllowed,
                   const std::function<void()>& openAgain);
@@ -92,7 +93,7 @@ class QDB {
   std::unique_ptr<::voxa::Journal> journal_;
   std::unique_ptr<::voxa::Alarm> alarms_;
   std::unique_ptr<::voxa::BadgeFormat> badgeFormat_;
-  std::vector<ITable*> registry_;  // in the order of building
+  std::vector<Table*> registry_;  // in the order of building
 };
 
 }  // namespace voxa

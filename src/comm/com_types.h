@@ -11,9 +11,13 @@ namespace voxa {
 /// Target of a send, download or test; with CTReader and CTStation the component is named by its `Name`.
 enum ComponentType : std::int16_t { CTActiveStations = 0, CTReader = 1, CTStation = 2 };
 
-/// Raises what an automation client is told that passes another number (`err::invalidArgument`).
+/// Whether it is one of them: automation clients can pass any number.
+[[nodiscard]] constexpr bool isKnown(ComponentType compType) {
+  return compType >= CTActiveStations && compType <= CTStation;
+}
+/// Raises `err::invalidArgument` for any other.
 inline void requireKnown(ComponentType compType) {
-  if (compType >= CTActiveStations && compType <= CTStation) return;
+  if (isKnown(compType)) return;
   throw Error(err::invalidArgument, "Invalid argument: no such component type");
 }
 

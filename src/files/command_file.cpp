@@ -23,11 +23,16 @@ void CommandFile::Initialize() {
   file_.Name(library_.Com().Chemin + "\\" + fileName());
 }
 
-void CommandFile::fopen() {
+void CommandFile::begin() {
   text_.clear();
   isFull = false;
   open_ = true;
   printed_ = false;
+  emptied_ = false;
+}
+
+void CommandFile::fopen() {
+  begin();
   const LineSpan lines(library_, LineSpan::Take::forAMoment);
   emptied_ = lines.refusal().empty();
   if (!emptied_) return;  // another process is sending: the send of these lines will write them
@@ -64,7 +69,7 @@ void CommandFile::write(bool anew) {
 }
 
 void CommandFile::write(const std::vector<std::string>& lines) {
-  fopen();
+  begin();  // the file is not emptied first: what is sent next is written at once
   for (const std::string& line : lines) fprint(line);
   fclose();
 }

@@ -34,13 +34,15 @@ class CommandFile {
   void fopen();
   void fprint(const std::string& text);  ///< one command line; "" is not written
   void fclose();
-  void write(const std::vector<std::string>& lines);  ///< fopen, fprint of each line, fclose
+  /// fopen, fprint of each line, fclose, in one piece.
+  void write(const std::vector<std::string>& lines);
 
   /// Sees to it that the file holds what was printed since the last fopen. For the send, which has the lines
   /// (comm/line_span.h). A file that the caller made himself, setting isFull, is left as it is.
   void restore();
 
  private:
+  void begin();
   void write(bool anew);
 
   Library& library_;

@@ -16,11 +16,10 @@ namespace voxa {
 /// transactions, "" when all are.
 std::string Journal::decodeFile(std::int16_t stationId, const std::string& baseName) {
   if (!files::exists(dumpFile)) return "";
-  DatabaseEngine& engine = library_.engine();
   SeqFile dump(library_);
   dump.Name(dumpFile);
   dump.fopen("r");
-  Transaction transaction(engine, database());
+  Transaction transaction(library_.engine(), database());
   JournalRows rows(library_, database(), stationId);
   UndecodedLines undecoded;
   std::string line;

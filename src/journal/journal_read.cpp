@@ -89,7 +89,7 @@ std::int16_t Journal::transfer(const Route& route) {
 
 std::int16_t Journal::readTransactions(ComponentType compType, const std::string& compName) {
   Com& com = library_.Com();
-  if (compType < CTActiveStations || compType > CTStation) return -1;
+  if (!isKnown(compType)) return -1;
   if (!com.TestCom(compType, compName) && !com.inhibitCom) {
     // Of a reader there is nothing to read when its one controller does not answer.
     if (com.MsgChooseAbort(compType, compName) || compType == CTReader) return -1;

@@ -50,8 +50,8 @@ void Strings::showStoreFailure(const char* mnem) {
   const ErrorInfo failure = library_.error();
   library_.attempt([&] {
     const double sum = failure.number + Value(failure.description).toDouble();
-    library_.show(std::string(mnem) + " " + storeName + crLf + Value(sum).toText(), style::okOnly,
-                  read("MDIkrvCaption"));
+    library_.prompts().messageBox(std::string(mnem) + " " + storeName + crLf + Value(sum).toText(),
+                                  style::okOnly, read("MDIkrvCaption"));
   });
 }
 
@@ -174,7 +174,7 @@ void Strings::display(std::string_view mnem, const std::string& method, const Di
   if (!argText.empty()) prompt += " " + argText;
   appendLine(prompt, failureText);
   if (!method.empty()) appendLine(prompt, "(" + method + ")");
-  library_.show(prompt, msgStyle, read("MDIkrvCaption"));
+  library_.prompts().messageBox(prompt, msgStyle, read("MDIkrvCaption"));
 }
 
 }  // namespace voxa

@@ -7,13 +7,23 @@ void HeldPrompts::release() {
   while (!held_.empty()) {
     const Message message = std::move(held_.front());
     held_.pop_front();
-    (void)prompts_.messageBox(message.prompt, message.style, message.title);
+    (void)show(message.prompt, message.style, message.title);
   }
+}
+
+Answer HeldPrompts::show(const std::string& prompt, int style, const std::string& title) {
+  beforeEach_();
+  return prompts_.messageBox(prompt, style, title);
+}
+
+std::string HeldPrompts::chooseFile(const FileDialog& dialog) {
+  beforeEach_();
+  return prompts_.chooseFile(dialog);
 }
 
 Answer HeldPrompts::messageBox(const std::string& prompt, int style, const std::string& title) {
   const bool asks = (style & style::buttonMask) != style::okOnly;
-  if (depth_ == 0 || asks) return prompts_.messageBox(prompt, style, title);
+  if (depth_ == 0 || asks) return show(prompt, style, title);
   held_.push_back({prompt, style, title});
   return Answer::ok;
 }
