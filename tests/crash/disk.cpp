@@ -15,11 +15,12 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr const char* size = "size=8m";
+// The mode is that of an installation's folder: everybody could write a disk in memory otherwise.
+constexpr const char* options = "size=8m,mode=0700";
 
 bool mountPrivately(const fs::path& folder) {
   return ::unshare(CLONE_NEWNS) == 0 && ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
-         ::mount("voxa", folder.c_str(), "tmpfs", 0, size) == 0;
+         ::mount("voxa", folder.c_str(), "tmpfs", 0, options) == 0;
 }
 
 }  // namespace
@@ -47,7 +48,7 @@ bool Disk::canBeReadOnly() const {
 
 void Disk::setReadOnly(bool on) const {
   if (mounted_) {
-    if (::mount("voxa", folder_.c_str(), "tmpfs", MS_REMOUNT | (on ? MS_RDONLY : 0), size) != 0) {
+    if (::mount("voxa", folder_.c_str(), "tmpfs", MS_REMOUNT | (on ? MS_RDONLY : 0), options) != 0) {
       throw std::system_error(errno, std::generic_category(), "remount");
     }
     return;
