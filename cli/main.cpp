@@ -4,6 +4,7 @@
 
 #include "commands.h"
 #include "installation.h"
+#include "platform/ui/console_prompts.h"
 #include "refusal.h"
 #include "terminal_filter.h"
 
@@ -110,7 +111,7 @@ int main(int argc, char** argv) {
     voxa::cli::addDemoCommand(app, installation);
     const int status = run(app, installation, argc, argv);
     std::cout.flush();
-    if (std::cout) return status;
+    if (std::cout || !voxa::ConsolePrompts::hasOutput()) return status;
     std::cerr << "voxa: the output cannot be written\n";
     return failed;
   } catch (const std::exception& failure) {

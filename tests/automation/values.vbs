@@ -104,7 +104,7 @@ Dim sent: sent = Contents("COM.LOG")
 Equal "commands", com.Send(9, 1, 1, , True) & com.Send(65536, 1) & com.sendToActiveStations(9) & com.sendBrodcast(-1) & _
   com.sendToStation(9, qdb.Stations.getName(1)) & com.sendToReader(9, "North"), "555555"
 Equal "components", com.sendToComp(6, -1) & com.sendCommand("31", 65537) & qdb.Cardholders.generalDownload(3, , 1, True) & _
-  qdb.Cardholders.invalidate(1, 9) & qdb.DailyPrograms.download(1, 9) & qdb.Journal.readTransactions(7, ""), "555555"
+  qdb.Cardholders.invalidate(1, 9) & qdb.DailyPrograms.download(1, 9) & qdb.Journal.readTransactions(7, ""), "55555-1"
 Equal "answers", com.TestCom(9) Or com.MsgChooseAbort(9), False
 Equal "what was sent", Contents("COM.LOG"), sent
 com.writeLog = False

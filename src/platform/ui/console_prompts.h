@@ -22,6 +22,9 @@ class ConsolePrompts : public Prompts {
   [[nodiscard]] static bool isTerminal();
   /// Whether that one is: 0 standard input, 1 standard output, 2 error output.
   [[nodiscard]] static bool isTerminal(int descriptor);
+  /// Whether the process's standard output ends anywhere. On Windows a program without a console starts
+  /// others that have none: what they print is not lost, since nobody asked for it.
+  [[nodiscard]] static bool hasOutput();
 
   /// From now on every box that has this button is answered with it, unasked. Of several the first counts.
   void assume(Answer answer) { assumed_.push_back(answer); }

@@ -12,4 +12,8 @@ bool ConsolePrompts::isTerminal(int descriptor) {
   return ::isatty(descriptor) == 1;
 }
 
+bool ConsolePrompts::hasOutput() {
+  return true;  // a shell that closes it has asked for the output, and loses it
+}
+
 }  // namespace voxa

@@ -1,4 +1,5 @@
 #include <io.h>
+#include <windows.h>
 
 #include "platform/ui/console_prompts.h"
 
@@ -10,6 +11,10 @@ bool ConsolePrompts::isTerminal() {
 
 bool ConsolePrompts::isTerminal(int descriptor) {
   return ::_isatty(descriptor) != 0;
+}
+
+bool ConsolePrompts::hasOutput() {
+  return ::GetFileType(::GetStdHandle(STD_OUTPUT_HANDLE)) != FILE_TYPE_UNKNOWN;
 }
 
 }  // namespace voxa
