@@ -14,7 +14,11 @@ bool ConsolePrompts::isTerminal(int descriptor) {
 }
 
 bool ConsolePrompts::hasOutput() {
-  return ::GetFileType(::GetStdHandle(STD_OUTPUT_HANDLE)) != FILE_TYPE_UNKNOWN;
+  // A console that has gone, or was never made, still counts as a character device, but has no mode.
+  const HANDLE output = ::GetStdHandle(STD_OUTPUT_HANDLE);
+  const DWORD type = ::GetFileType(output);
+  DWORD mode = 0;
+  return type == FILE_TYPE_DISK || type == FILE_TYPE_PIPE || ::GetConsoleMode(output, &mode) != 0;
 }
 
 }  // namespace voxa
