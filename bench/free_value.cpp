@@ -1,11 +1,11 @@
 // Looking for a free number in a table that is full, beside a prepared statement that walks its numbers.
 
-#include "app/gen_table.h"
 #include "app/qdb.h"
 #include "comm/station.h"
 #include "support/harness.h"
 #include "support/installation.h"
 #include "support/plain_sqlite.h"
+#include "tables/gen_table.h"
 
 namespace voxa::bench {
 

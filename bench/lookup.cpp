@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/database/dialect/dialect.h"
+#include "engines/language/dialect.h"
 #include "support/harness.h"
 #include "support/installation.h"
 #include "support/plain_sqlite.h"

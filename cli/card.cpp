@@ -9,6 +9,7 @@
 #include "commands.h"
 #include "forget_cards.h"
 #include "installation.h"
+#include "lines/code.h"
 #include "lookup.h"
 #include "platform/text.h"
 #include "refusal.h"
@@ -76,7 +77,7 @@ std::string pinText(const Value& pin) {
 }
 
 bool marked(const Recordset& row) {
-  return CardRecord(row).parts.any();
+  return cardRecord(row).parts.any();
 }
 
 // Lists those of the rows that `wanted` wants.

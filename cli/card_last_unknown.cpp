@@ -7,6 +7,7 @@
 #include "card_commands.h"
 #include "installation.h"
 #include "journal/journal.h"
+#include "lines/code.h"
 #include "lookup.h"
 #include "transaction_type.h"
 

@@ -3,8 +3,9 @@
 #include <algorithm>
 
 #include "access/card_record.h"
-#include "comm/controller_date.h"
 #include "installation.h"
+#include "lines/code.h"
+#include "lines/controller_date.h"
 #include "lookup.h"
 #include "platform/clock.h"
 #include "platform/datetime.h"

@@ -34,7 +34,7 @@ std::set<std::int32_t> markedCards(const Installation& installation, const std::
   std::set<std::int32_t> cards;
   const auto rows = installation.rows("select * from Cardholders where " + condition);
   for (; !rows->eof(); rows->moveNext()) {
-    if (CardRecord(*rows).parts.any()) cards.insert(rows->get("Id").toInt32());
+    if (cardRecord(*rows).parts.any()) cards.insert(rows->get("Id").toInt32());
   }
   return cards;
 }

@@ -4,10 +4,10 @@
 #include <iostream>
 
 #include "app/qdb.h"
-#include "comm/controller_date.h"
 #include "commands.h"
 #include "download.h"
 #include "installation.h"
+#include "lines/controller_date.h"
 #include "lookup.h"
 #include "platform/datetime.h"
 #include "programs/holidays.h"

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "comm/line_span.h"
+#include "files/line_span.h"
 #include "platform/files.h"
 #include "refusal.h"
 

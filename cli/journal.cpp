@@ -11,6 +11,7 @@
 #include "commands.h"
 #include "csv.h"
 #include "installation.h"
+#include "lines/code.h"
 #include "lookup.h"
 #include "moments.h"
 #include "platform/datetime.h"

@@ -41,10 +41,4 @@ const char* textOf(TransactionMeaning meaning) {
   return "other";
 }
 
-std::string shownCode(std::string_view data) {
-  std::string code;
-  for (const char c : data) code += c >= ':' && c <= '?' ? static_cast<char>(c - ':' + 'A') : c;
-  return code;
-}
-
 }  // namespace voxa::cli

@@ -11,7 +11,4 @@ enum class TransactionMeaning { granted, refusedByTime, refusedByRights, unknown
 [[nodiscard]] TransactionMeaning meaningOf(std::string_view typeCode);
 [[nodiscard]] const char* textOf(TransactionMeaning meaning);  ///< "granted", "refused by time" ...
 
-/// The code of an unknown card as people write it: the controllers spell A to F as the characters ":" to "?".
-[[nodiscard]] std::string shownCode(std::string_view data);
-
 }  // namespace voxa::cli

@@ -8,8 +8,8 @@
 
 #include <memory>
 
-#include "database/fixture.h"
-#include "platform/database/sqlite/functions.h"
+#include "engines/sqlite/fixture.h"
+#include "engines/sqlite/functions.h"
 #include "require.h"
 
 namespace voxa::fuzz {

@@ -1,10 +1,10 @@
 // Statements of the engine's language: scanned, translated, run. An input may be two of them with a NUL
 // between: the second is then scanned with what scanning the first has left.
 
-#include "platform/database/dialect/dialect.h"
+#include "engines/language/dialect.h"
 
-#include "database/fixture.h"
-#include "platform/database/dialect/lexer.h"
+#include "engines/language/lexer.h"
+#include "engines/sqlite/fixture.h"
 #include "platform/text.h"
 #include "require.h"
 

@@ -4,8 +4,8 @@
 
 #include <filesystem>
 
-#include "journal/journal_line.h"
 #include "journal/undecoded_lines.h"
+#include "lines/transaction.h"
 #include "platform/text.h"
 #include "require.h"
 
@@ -51,7 +51,7 @@ class Memories : public test::JournalTest {
     while (!lines.atEnd()) {
       lines.readLine(text, UndecodedLines::longestLine);
       if (text.size() < UndecodedLines::longestLine && isBlank(text)) continue;
-      JournalLine line;
+      TransactionLine line;
       const bool decoded = decodeLine(text, clock.now(), line).empty();
       expected.faults = expected.faults || !decoded;
       if (!decoded) continue;

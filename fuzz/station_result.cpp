@@ -1,6 +1,6 @@
 // What the driver tells about the controllers of a station.
 
-#include "comm/station_result.h"
+#include "comm/station_result_file.h"
 
 #include "platform/datetime.h"
 #include "platform/files.h"

@@ -8,8 +8,8 @@
 
 #include "app/qdb.h"
 #include "comm/com.h"
+#include "engines/sqlite/engine.h"
 #include "messages/strings.h"
-#include "platform/database/sqlite/engine.h"
 #include "support/harness.h"
 
 namespace voxa::bench {

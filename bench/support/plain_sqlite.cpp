@@ -3,7 +3,7 @@
 #include <stdexcept>
 #include <string_view>
 
-#include "platform/database/dialect/dialect.h"
+#include "engines/language/dialect.h"
 #include "platform/text.h"
 
 namespace voxa::bench {

@@ -1,7 +1,6 @@
 #include "access/acc_group_reader.h"
 
 #include "access/access_group.h"
-#include "app/qdb.h"
 #include "comm/reader.h"
 #include "platform/database/database.h"
 #include "programs/weekly_program.h"
@@ -22,13 +21,12 @@ void AccGroupReader::createIndexes(TableDef& td) {
 
 // Deleting a group or a reader removes its links; a weekly program that a link uses cannot be deleted.
 std::int16_t AccGroupReader::createRelations() {
-  QDB& tables = library_.QDB();
   database().createRelation(
-      {"AccGroupReadersAGId", tables.AccessGroups().Name(), Name(), {{"Id", "AccessGroupId"}}, false, true});
+      {"AccGroupReadersAGId", AccessGroup::tableName, Name(), {{"Id", "AccessGroupId"}}, false, true});
   database().createRelation(
-      {"AccGroupReadersReaderId", tables.Readers().Name(), Name(), {{"Id", "ReaderId"}}, false, true});
+      {"AccGroupReadersReaderId", Reader::tableName, Name(), {{"Id", "ReaderId"}}, false, true});
   database().createRelation({"AccGroupReadersWeeklyProg",
-                             tables.WeeklyPrograms().Name(),
+                             WeeklyProgram::tableName,
                              Name(),
                              {{"ProgType", "WeeklyProgType"}, {"ProgNum", "WeeklyProgNum"}},
                              false,

@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "app/table.h"
+#include "tables/table.h"
 
 namespace voxa {
 
@@ -10,7 +10,7 @@ namespace voxa {
 /// "AccGroupReaders"; a reader is linked at most once to a group. Belongs to AccessGroup.
 class AccGroupReader : public Table {
  public:
-  explicit AccGroupReader(Library& library) : Table(library, "AccGroupReaders") {}
+  explicit AccGroupReader(TableContext& context) : Table(context, "AccGroupReaders") {}
 
   void createFields(TableDef& td) override;
   void createIndexes(TableDef& td) override;

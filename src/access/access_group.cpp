@@ -1,6 +1,5 @@
 #include "access/access_group.h"
 
-#include "messages/strings.h"
 #include "platform/database/database.h"
 
 namespace voxa {
@@ -31,11 +30,11 @@ std::int16_t AccessGroup::createRelations() {
 
 void AccessGroup::insertDefaultRecs() {
   // A failure ends this without a message; a database without group 0 shows in everything that needs it.
-  library_.attempt([&] {
+  context_.attempt([&] {
     database().execute("Insert into AccessGroups ( Id, Name ) values ( 0, '" +
-                       library_.Strings().read("nameAccGroupAnyWhere") + "')");
+                       context_.messages().read("nameAccGroupAnyWhere") + "')");
   });
-  library_.error().clear();
+  context_.error().clear();
 }
 
 std::string AccessGroup::DefaultName() {
@@ -47,7 +46,7 @@ std::string AccessGroup::DefaultName() {
 
 std::int16_t AccessGroup::getId(const std::string& Name) {
   const std::int16_t id = gen_.getId("name = '" + Name + "'");
-  if (id == -1) library_.report({"msgCantFindAccessGroup", "AccessGroups.getId", Value(Name)});
+  if (id == -1) context_.report({"msgCantFindAccessGroup", "AccessGroups.getId", Value(Name)});
   return id;
 }
 

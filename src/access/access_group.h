@@ -4,8 +4,9 @@
 #include <string>
 
 #include "access/acc_group_reader.h"
-#include "app/table.h"
+#include "access/access_context.h"
 #include "comm/com_types.h"
+#include "tables/table.h"
 
 namespace voxa {
 
@@ -13,7 +14,10 @@ namespace voxa {
 /// it goes the link table of readers and weekly programs (AccGroupReader), which is built by the same calls.
 class AccessGroup : public Table {
  public:
-  explicit AccessGroup(Library& library) : Table(library, "AccessGroups"), links_(library) {}
+  static constexpr const char* tableName = "AccessGroups";
+
+  explicit AccessGroup(AccessContext& context)
+      : Table(context, tableName), access_(context), links_(context) {}
 
   [[nodiscard]] std::string DefaultName();  ///< name of group 0
   /// Group by name; -1 and "msgCantFindAccessGroup" when there is none.
@@ -43,6 +47,7 @@ class AccessGroup : public Table {
   std::int16_t sendCards(std::int16_t id, std::int16_t readerId);
   bool testedFor(std::int16_t readerId);
 
+  AccessContext& access_;
   AccGroupReader links_;
 };
 

@@ -1,8 +1,8 @@
 // AccessGroup: a group's cards on their way to the controllers.
 
+#include "access/access_context.h"
 #include "access/access_group.h"
 #include "access/card_download.h"
-#include "app/qdb.h"
 #include "comm/com.h"
 #include "comm/reader.h"
 #include "platform/database/database.h"
@@ -23,7 +23,7 @@ CardParts rightsOfCard() {
 
 std::int16_t AccessGroup::download(std::int16_t Id, std::int16_t Params, std::int16_t readerId) {
   bool missing = false;
-  const std::int16_t status = library_.attempt([&]() -> std::int16_t {
+  const std::int16_t status = context_.attempt([&]() -> std::int16_t {
     const std::string condition = "id = " + std::to_string(Id);
     missing = gen_.openWhere(condition);
     if (missing) return -1;
@@ -42,21 +42,21 @@ std::int16_t AccessGroup::download(std::int16_t Id, std::int16_t Params, std::in
     return gen_.setFlagsD(false);
   });
   if (missing) {
-    library_.report({"msgCantFindAccessGroup", "AccessGroups.download", Value(Id)});
+    context_.report({"msgCantFindAccessGroup", "AccessGroups.download", Value(Id)});
   } else if (status != 0) {
-    library_.report({"msgCantDownload", "AccessGroups.download", Value(library_.Com().popErrorList())});
+    context_.report({"msgCantDownload", "AccessGroups.download", Value(access_.Com().popErrorList())});
   }
   return status;
 }
 
 bool AccessGroup::testedFor(std::int16_t readerId) {
-  if (readerId == 0) return library_.Com().readyToSend(CTActiveStations, "", nullptr);
+  if (readerId == 0) return access_.Com().readyToSend(CTActiveStations, "", nullptr);
   const auto station = rows(
       "SELECT Stations.Active FROM Stations INNER JOIN Readers ON Stations.Id = Readers.StationId WHERE "
       "Readers.Id=" +
       std::to_string(readerId));
   if (station->eof() || !station->get("Active").toBool()) return false;
-  return library_.Com().readyToSend(CTReader, library_.QDB().Readers().getName(readerId), nullptr);
+  return access_.Com().readyToSend(CTReader, access_.Readers().getName(readerId), nullptr);
 }
 
 std::int16_t AccessGroup::sendCards(std::int16_t id, std::int16_t readerId) {
@@ -65,26 +65,26 @@ std::int16_t AccessGroup::sendCards(std::int16_t id, std::int16_t readerId) {
   if (readerId != 0) {
     std::int16_t station = 0;
     std::int16_t address = 0;
-    if (library_.QDB().Readers().getControllerAddrID(readerId, station, address) != 0) return -1;
+    if (access_.Readers().getControllerAddrID(readerId, station, address) != 0) return -1;
     scope = {station, address};
     links += " and ReaderId = " + std::to_string(readerId);
   }
-  CardDownload download(library_, scope);
+  CardDownload download(access_, scope);
   const auto cards = rows(
       "select id, CardNum, CardCodeFlagD,ValidatedFlagD, AccessGroupIdFlagD from Cardholders where "
       "AccessGroupId = " +
       std::to_string(id));
   for (; !cards->eof(); cards->moveNext()) download.send(cards->get("id").toInt32(), rightsOfCard());
   download.finish();
-  tellLeftOut(library_, download.twoPrograms(), download.inactiveStations());
+  tellLeftOut(access_, download.twoPrograms(), download.inactiveStations());
   if (download.complete()) database().execute("update AccGroupReaders set FlagD = False where " + links);
   return download.status();
 }
 
 void AccessGroup::addReaderToDefaultGroup(std::int16_t readerId) {
-  library_.attempt({"msgCantAddToDefaultGroup", "AccessGroups.addReaderToDefaultGroup"}, [&] {
+  context_.attempt({"msgCantAddToDefaultGroup", "AccessGroups.addReaderToDefaultGroup"}, [&] {
     const std::string reader = std::to_string(readerId);
-    Transaction transaction(library_.engine(), database());
+    Transaction transaction(context_.engine(), database());
     database().execute(
         "insert into AccGroupReaders ( AccessGroupId, ReaderId, WeeklyProgType, WeeklyProgNum )values ( 0, " +
         reader + ", 'C', 0 )");
@@ -97,17 +97,17 @@ void AccessGroup::addReaderToDefaultGroup(std::int16_t readerId) {
 }
 
 void AccessGroup::deleteReaderFromAccessGroups(std::int16_t readerId) {
-  library_.attempt([&] {
+  context_.attempt([&] {
     database().execute("delete * from AccGroupReaders WHERE readerId = " + std::to_string(readerId));
   });
-  library_.error().clear();
+  context_.error().clear();
 }
 
 bool AccessGroup::AccessGroupCheckCom(std::int16_t Id) {
   bool abort = false;
-  Com& com = library_.Com();
+  Com& com = access_.Com();
   if (com.inhibitCom) return abort;
-  library_.attempt({"msgUnexpecErr", "AccessGroups.AccessGroupCheckCom"}, [&] {
+  context_.attempt({"msgUnexpecErr", "AccessGroups.AccessGroupCheckCom"}, [&] {
     const auto readers = rows(
         "SELECT AccGroupReaders.ReaderId FROM Stations INNER JOIN (Readers INNER JOIN AccGroupReaders ON "
         "Readers.Id = AccGroupReaders.ReaderId) ON Stations.Id = Readers.StationId WHERE "
@@ -115,7 +115,7 @@ bool AccessGroup::AccessGroupCheckCom(std::int16_t Id) {
         "AND AccGroupReaders.AccessGroupId=" +
         std::to_string(Id));
     for (; !readers->eof(); readers->moveNext()) {
-      const std::string name = library_.QDB().Readers().getName(readers->get("ReaderId").toInt16());
+      const std::string name = access_.Readers().getName(readers->get("ReaderId").toInt16());
       if (com.TestCom(CTReader, name)) continue;
       abort = com.MsgChooseAbort(CTReader, name);
       return;

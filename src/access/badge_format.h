@@ -3,8 +3,9 @@
 #include <cstdint>
 #include <string>
 
-#include "app/table.h"
+#include "access/access_context.h"
 #include "comm/com_types.h"
+#include "tables/table.h"
 
 namespace voxa {
 
@@ -13,7 +14,7 @@ namespace voxa {
 /// Which reader works with which format is not kept; a format is sent to the readers one by one.
 class BadgeFormat : public Table {
  public:
-  explicit BadgeFormat(Library& library) : Table(library, "BadgeFormat") {}
+  explicit BadgeFormat(AccessContext& context) : Table(context, "BadgeFormat"), access_(context) {}
 
   /// Builds the table and inserts the default format, number 0; what fails is shown. On a database that has
   /// the table both do.
@@ -33,6 +34,9 @@ class BadgeFormat : public Table {
   void createFields(TableDef& td) override;
   void createIndexes(TableDef& td) override;
   void insertDefaultRecs() override;  ///< a failure is raised
+
+ private:
+  AccessContext& access_;
 };
 
 }  // namespace voxa

@@ -4,14 +4,13 @@
 #include <limits>
 #include <optional>
 
+#include "access/access_context.h"
 #include "access/card_block.h"
 #include "access/card_doors.h"
 #include "access/card_download.h"
 #include "access/cardholder.h"
-#include "app/qdb.h"
 #include "comm/com.h"
 #include "files/command_file.h"
-#include "messages/strings.h"
 #include "platform/clock.h"
 #include "platform/database/database.h"
 #include "platform/text.h"
@@ -45,9 +44,9 @@ std::int16_t cardNumber(std::int64_t number) {
 
 class Batch {
  public:
-  Batch(Library& library, std::int32_t firstNum, std::string firstCode, std::int16_t cards,
+  Batch(AccessContext& context, std::int32_t firstNum, std::string firstCode, std::int16_t cards,
         std::int16_t group)
-      : library_(library),
+      : context_(context),
         firstNum_(firstNum),
         firstCode_(std::move(firstCode)),
         cards_(cards),
@@ -71,17 +70,17 @@ class Batch {
   void settle();
   /// Takes the block back from the controllers that have it, or part of it.
   void takeBack();
-  void reportLeftOut() { tellLeftOut(library_, twoPrograms_, inactiveStations_); }
+  void reportLeftOut() { tellLeftOut(context_, twoPrograms_, inactiveStations_); }
 
  private:
-  [[nodiscard]] Database& database() { return library_.QDB().database(); }
+  [[nodiscard]] Database& database() { return context_.database(); }
   [[nodiscard]] std::string numbers() const {
     return "cardNum between " + std::to_string(firstNum_) + " and " + std::to_string(lastNum_);
   }
   bool shownInUse(const std::string& column, const std::string& condition, std::string_view mnemonic);
   void writeBlock(const GrantedController& controller, const std::vector<std::int16_t>& lifts);
 
-  Library& library_;
+  AccessContext& context_;
   std::int32_t firstNum_;
   std::int16_t lastNum_ = 0;
   std::string firstCode_;
@@ -97,12 +96,12 @@ class Batch {
 bool Batch::shownInUse(const std::string& column, const std::string& condition, std::string_view mnemonic) {
   const auto rows = database().openRecordset("select id, " + column + " from Cardholders where " + condition);
   if (rows->eof()) return false;
-  library_.report({mnemonic, "", Value("(" + rows->get(column).toText() + ")")});
+  context_.report({mnemonic, "", Value("(" + rows->get(column).toText() + ")")});
   return true;
 }
 
 void Batch::insert(bool groupMode) {
-  const std::string prefix = groupMode ? "" : library_.Strings().read("nameGroupCard") + " ";
+  const std::string prefix = groupMode ? "" : context_.messages().read("nameGroupCard") + " ";
   for (std::int16_t i = 0; i < cards_; ++i) {
     const std::int16_t number = cardNumber(firstNum_ + i);
     const std::string code = addToCardCode(firstCode_, i);
@@ -117,7 +116,7 @@ void Batch::writeBlock(const GrantedController& controller, const std::vector<st
   CardRecord card;
   for (const CardPart part : {cardCodePart, accessGroupPart, validatedPart}) card.parts.set(part);
   const CardRights rights = controller.rights();
-  const DateTime today = library_.clock().now();
+  const DateTime today = context_.clock().now();
   std::vector<std::string> block;
   for (std::int16_t i = 0; i < cards_; ++i) {
     card.number = firstNum_ + i;
@@ -125,14 +124,14 @@ void Batch::writeBlock(const GrantedController& controller, const std::vector<st
     for (std::string& line : cardLines(card, rights, lifts, controller.type, today))
       block.push_back(std::move(line));
   }
-  library_.CommandFile().write(block);
+  context_.CommandFile().write(block);
 }
 
 std::int16_t Batch::send() {
   const auto first = database().openRecordset(
       "select id from Cardholders where cardNum = " + std::to_string(firstNum_) + " and Deleted = false");
   const std::int32_t firstId = first->get("id").toInt32();
-  Com& com = library_.Com();
+  Com& com = context_.Com();
   bool everywhere = true;
   const std::vector<GrantedController> controllers = controllersOf(database(), group_);
   std::vector<ControllerPlace> places;
@@ -143,7 +142,7 @@ std::int16_t Batch::send() {
     }
     places.emplace_back(controller.station, controller.address);
   }
-  if (!places.empty() && !com.inhibitCom) block_.emplace(library_, firstNum_, lastNum_, places);
+  if (!places.empty() && !com.inhibitCom) block_.emplace(context_, firstNum_, lastNum_, places);
   for (const GrantedController& controller : controllers) {
     if (!controller.active) inactiveStations_.add(controller.stationName);
     if (!controller.active || !com.TestSend(controller.station, controller.address)) {
@@ -166,8 +165,8 @@ std::int16_t Batch::send() {
 
 void Batch::settle() {
   // A note that cannot be removed says nothing wrong: all its cards are in the table.
-  if (block_) library_.attempt([&] { block_->settle(); });
-  library_.error().clear();
+  if (block_) context_.attempt([&] { block_->settle(); });
+  context_.error().clear();
 }
 
 void Batch::takeBack() {
@@ -176,12 +175,12 @@ void Batch::takeBack() {
   std::vector<ControllerPlace> open;
   for (const GrantedController& controller : reached_) {
     const ControllerPlace place{controller.station, controller.address};
-    if (!eraseCards(library_, place, numbers)) open.push_back(place);
+    if (!eraseCards(context_, place, numbers)) open.push_back(place);
   }
   if (!block_) return;
   // When this fails, more controllers than necessary stay noted.
-  library_.attempt([&] {
-    if (!open.empty()) const CardBlock rest(library_, firstNum_, lastNum_, open);
+  context_.attempt([&] {
+    if (!open.empty()) const CardBlock rest(context_, firstNum_, lastNum_, open);
     block_->settle();
   });
 }
@@ -190,10 +189,10 @@ void Batch::takeBack() {
 
 std::int16_t Cardholder::createGroup(std::int32_t firstCardNum, const std::string& firstCardCode,
                                      std::int16_t nCards, std::int16_t accessGroupId, bool GroupMode) {
-  eraseUnfinishedBlocks(library_);
+  eraseUnfinishedBlocks(access_);
   std::int16_t status = 0;
   // Also what a failing send shows: its cards are not to stay on the controllers until somebody has read it.
-  library_.showLater(
+  context_.showLater(
       [&] { status = createBatch(firstCardNum, firstCardCode, nCards, accessGroupId, GroupMode); });
   return status;
 }
@@ -202,10 +201,10 @@ std::int16_t Cardholder::createBatch(std::int32_t firstCardNum, const std::strin
                                      std::int16_t nCards, std::int16_t accessGroupId, bool GroupMode) {
   std::optional<Batch> batch;
   bool clash = false;
-  const std::int16_t status = library_.attempt([&]() -> std::int16_t {
-    batch.emplace(library_, firstCardNum, firstCardCode, nCards, accessGroupId);
+  const std::int16_t status = context_.attempt([&]() -> std::int16_t {
+    batch.emplace(access_, firstCardNum, firstCardCode, nCards, accessGroupId);
     if ((clash = batch->clashes())) return inUse;
-    Transaction transaction(library_.engine(), database());
+    Transaction transaction(context_.engine(), database());
     batch->insert(GroupMode);
     if (const std::int16_t failed = batch->send(); failed != 0) return failed;
     transaction.commit();
@@ -216,10 +215,10 @@ std::int16_t Cardholder::createBatch(std::int32_t firstCardNum, const std::strin
     batch->reportLeftOut();
   }
   if (status == 0 || clash) return status;
-  const ErrorInfo error = library_.error();
+  const ErrorInfo error = context_.error();
   if (batch) batch->takeBack();
-  library_.error() = error;
-  library_.report({"msgCantDownload", "Cardholders.createGroup", Value(library_.Com().popErrorList())});
+  context_.error() = error;
+  context_.report({"msgCantDownload", "Cardholders.createGroup", Value(access_.Com().popErrorList())});
   return status;
 }
 

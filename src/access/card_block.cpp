@@ -3,12 +3,11 @@
 #include <charconv>
 #include <set>
 
+#include "access/access_context.h"
 #include "access/card_record.h"
-#include "app/qdb.h"
 #include "comm/com.h"
 #include "files/command_file.h"
 #include "files/conversions.h"
-#include "messages/strings.h"
 #include "platform/database/database.h"
 #include "platform/text.h"
 
@@ -20,8 +19,8 @@ constexpr std::string_view namePrefix = "CardBlock";
 constexpr std::string_view nameSuffix = ".txt";
 constexpr std::string_view lastLine = "end";
 
-std::string pathOf(Library& library, std::string_view name) {
-  return library.Com().Chemin + "\\" + std::string(name);
+std::string pathOf(AccessContext& context, std::string_view name) {
+  return context.Com().Chemin + "\\" + std::string(name);
 }
 
 bool isNote(std::string_view name) {
@@ -56,13 +55,13 @@ std::optional<Note> read(const std::string& path) {
   return Note{lines[0].first, lines[0].second, {lines.begin() + 1, lines.end()}};
 }
 
-bool canBeAsked(Library& library, const ControllerPlace& place) {
-  return library.Com().isInUse(place.first) && library.Com().TestSend(place.first, place.second);
+bool canBeAsked(AccessContext& context, const ControllerPlace& place) {
+  return context.Com().isInUse(place.first) && context.Com().TestSend(place.first, place.second);
 }
 
 /// The numbers of the block that no card of the table has on the controller.
-std::vector<std::int32_t> strays(Library& library, const Note& note, const ControllerPlace& place) {
-  Database& database = library.QDB().database();
+std::vector<std::int32_t> strays(AccessContext& context, const Note& note, const ControllerPlace& place) {
+  Database& database = context.database();
   std::set<std::int16_t> groups;
   for (const auto rows = database.openRecordset(
            "select a.AccessGroupId from AccGroupReaders as a, Readers as r where a.ReaderId = r.Id and "
@@ -86,20 +85,20 @@ std::vector<std::int32_t> strays(Library& library, const Note& note, const Contr
 }
 
 /// Whether no controller failed; those that are still to be asked stay noted.
-bool finish(Library& library, files::OwnedFile& file) {
+bool finish(AccessContext& context, files::OwnedFile& file) {
   bool good = true;
   if (const std::optional<Note> note = read(file.path())) {
     std::vector<ControllerPlace> open;
     for (const ControllerPlace& place : note->places) {
-      const std::vector<std::int32_t> numbers = strays(library, *note, place);
+      const std::vector<std::int32_t> numbers = strays(context, *note, place);
       if (numbers.empty()) continue;
-      const bool asked = canBeAsked(library, place);
-      if (asked && eraseCards(library, place, numbers)) continue;
+      const bool asked = canBeAsked(context, place);
+      if (asked && eraseCards(context, place, numbers)) continue;
       good = good && !asked;
       open.push_back(place);
     }
     if (!open.empty() && open.size() == note->places.size()) return good;
-    if (!open.empty()) const CardBlock rest(library, note->first, note->last, open);
+    if (!open.empty()) const CardBlock rest(context, note->first, note->last, open);
   }
   file.remove();
   return good;
@@ -107,26 +106,27 @@ bool finish(Library& library, files::OwnedFile& file) {
 
 }  // namespace
 
-bool eraseCards(Library& library, const ControllerPlace& place, const std::vector<std::int32_t>& numbers) {
+bool eraseCards(AccessContext& context, const ControllerPlace& place,
+                const std::vector<std::int32_t>& numbers) {
   const auto [station, address] = place;
-  Com& com = library.Com();
+  Com& com = context.Com();
   bool confirmed = false;
-  library.attempt([&, station = station, address = address] {
+  context.attempt([&, station = station, address = address] {
     if (!com.TestSend(station, address)) return;  // it would be passed over without a word
     std::vector<std::string> lines;
     lines.reserve(numbers.size());
     for (const std::int32_t number : numbers) lines.push_back(clearCardLine(number));
-    library.CommandFile().write(lines);
+    context.CommandFile().write(lines);
     confirmed = com.sendTested(station, address) == 0;
   });
   if (confirmed) return true;
-  com.errorList += "\r\n" + library.Strings().read("msgCantSendCommand") + " (" +
+  com.errorList += "\r\n" + context.messages().read("msgCantSendCommand") + " (" +
                    com.getName(station, address) + "): 09" + zeroPadded(numbers.front(), 4) + " - " +
                    zeroPadded(numbers.back(), 4);
   return false;
 }
 
-CardBlock::CardBlock(Library& library, std::int32_t first, std::int32_t last,
+CardBlock::CardBlock(AccessContext& context, std::int32_t first, std::int32_t last,
                      const std::vector<ControllerPlace>& places) {
   const auto line = [](std::int32_t one, std::int32_t other) {
     return std::to_string(one) + "," + std::to_string(other) + "\r\n";
@@ -136,22 +136,22 @@ CardBlock::CardBlock(Library& library, std::int32_t first, std::int32_t last,
   text += std::string(lastLine) + "\r\n";
   for (int n = 0; !note_; ++n) {
     note_ = files::OwnedFile::create(
-        pathOf(library, std::string(namePrefix) + std::to_string(n) + std::string(nameSuffix)), text);
+        pathOf(context, std::string(namePrefix) + std::to_string(n) + std::string(nameSuffix)), text);
   }
 }
 
-void eraseUnfinishedBlocks(Library& library) {
-  Com& com = library.Com();
-  if (com.inhibitCom || !library.QDB().DB() || !files::folderExists(com.Chemin)) return;
+void eraseUnfinishedBlocks(AccessContext& context) {
+  Com& com = context.Com();
+  if (com.inhibitCom || !context.DB() || !files::folderExists(com.Chemin)) return;
   bool good = true;
-  library.attempt({"msgUnexpecErr", "Cardholders.createGroup"}, [&] {
+  context.attempt({"msgUnexpecErr", "Cardholders.createGroup"}, [&] {
     for (const std::string& name : files::list(com.Chemin)) {
       if (!isNote(name)) continue;
-      if (auto note = files::OwnedFile::takeOver(pathOf(library, name)))
-        good = finish(library, *note) && good;
+      if (auto note = files::OwnedFile::takeOver(pathOf(context, name)))
+        good = finish(context, *note) && good;
     }
   });
-  if (!good) library.report({"msgCantSendCommand", "Cardholders.createGroup", Value(com.popErrorList())});
+  if (!good) context.report({"msgCantSendCommand", "Cardholders.createGroup", Value(com.popErrorList())});
 }
 
 }  // namespace voxa

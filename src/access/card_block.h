@@ -9,11 +9,11 @@
 
 namespace voxa {
 
-class Library;
+class AccessContext;
 
 /// Erases cards on a controller; whether it confirmed. Otherwise a line in `Com.errorList` tells what is
 /// still on it.
-[[nodiscard]] bool eraseCards(Library& library, const ControllerPlace& place,
+[[nodiscard]] bool eraseCards(AccessContext& context, const ControllerPlace& place,
                               const std::vector<std::int32_t>& numbers);
 
 /// Consecutive card numbers on their way to controllers while the table does not have them. They are noted in
@@ -23,7 +23,7 @@ class Library;
 class CardBlock {
  public:
   /// Writes the note, which is on the disk then.
-  CardBlock(Library& library, std::int32_t first, std::int32_t last,
+  CardBlock(AccessContext& context, std::int32_t first, std::int32_t last,
             const std::vector<ControllerPlace>& places);
   /// The cards are in the table, or on none of the controllers any more.
   void settle() { note_->remove(); }
@@ -36,6 +36,6 @@ class CardBlock {
 /// the table does not have there. A controller that is not in use or does not answer keeps its place in the
 /// note for the next call; one that fails to erase them too, which is shown. Notes of processes that are
 /// still at work are passed over, and all of them while communications are inhibited.
-void eraseUnfinishedBlocks(Library& library);
+void eraseUnfinishedBlocks(AccessContext& context);
 
 }  // namespace voxa

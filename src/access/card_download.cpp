@@ -2,10 +2,9 @@
 
 #include <algorithm>
 
+#include "access/access_context.h"
 #include "access/card_doors.h"
 #include "access/cardholder.h"
-#include "app/library.h"
-#include "app/qdb.h"
 #include "comm/com.h"
 #include "files/command_file.h"
 #include "files/conversions.h"
@@ -32,12 +31,12 @@ std::string Names::inParentheses() const {
   return text + ")";
 }
 
-void tellLeftOut(Library& library, const Names& twoPrograms, const Names& inactiveStations) {
+void tellLeftOut(AccessContext& context, const Names& twoPrograms, const Names& inactiveStations) {
   if (!twoPrograms.empty()) {
-    library.warn({"msgTwoWeeklyProgOnController", "", Value(twoPrograms.inParentheses())});
+    context.warn({"msgTwoWeeklyProgOnController", "", Value(twoPrograms.inParentheses())});
   }
   if (!inactiveStations.empty()) {
-    library.report({"msgDownloadToUnactive", "", Value(inactiveStations.inParentheses())});
+    context.report({"msgDownloadToUnactive", "", Value(inactiveStations.inParentheses())});
   }
 }
 
@@ -45,8 +44,8 @@ bool CardScope::covers(const GrantedController& controller) const {
   return (!station || *station == controller.station) && (!address || *address == controller.address);
 }
 
-CardDownload::CardDownload(Library& library, const CardScope& scope)
-    : library_(library), cards_(library, library.QDB().Cardholders()), scope_(scope) {}
+CardDownload::CardDownload(AccessContext& context, const CardScope& scope)
+    : context_(context), cards_(context, context.Cardholders()), scope_(scope) {}
 
 void CardDownload::fail(std::int16_t status) {
   if (status_ == 0) status_ = status;
@@ -54,10 +53,10 @@ void CardDownload::fail(std::int16_t status) {
 }
 
 void CardDownload::send(std::int32_t cardholderId, const CardParts& anyway) {
-  const std::int16_t status = library_.attempt([&] { return sendCard(cardholderId, anyway); });
-  if (const ErrorInfo error = library_.error(); error.number != 0) {
-    library_.Com().errorList += "\r\nCardholder " + std::to_string(cardholderId) + ": " + error.description;
-    library_.error().clear();
+  const std::int16_t status = context_.attempt([&] { return sendCard(cardholderId, anyway); });
+  if (const ErrorInfo error = context_.error(); error.number != 0) {
+    context_.Com().errorList += "\r\nCardholder " + std::to_string(cardholderId) + ": " + error.description;
+    context_.error().clear();
   }
   if (status != 0) fail(status);
   if (sent_.size() >= batch) finish();
@@ -65,18 +64,18 @@ void CardDownload::send(std::int32_t cardholderId, const CardParts& anyway) {
 
 std::int16_t CardDownload::sendCard(std::int32_t id, const CardParts& anyway) {
   if (cards_.openWhere("Id = " + std::to_string(id))) {
-    library_.report({"msgCantFindCardholder", "Cardholder.downloadI", Value(id)});
+    context_.report({"msgCantFindCardholder", "Cardholder.downloadI", Value(id)});
     reported_ = true;
     return -1;
   }
   const Recordset& row = *cards_.currentRecordset();
-  Sending sending{id, nullToInt(row.get("AccessGroupId")), CardRecord(row)};
+  Sending sending{id, nullToInt(row.get("AccessGroupId")), cardRecord(row)};
   const bool flagged = sending.card.parts.any();
   sending.card.parts |= anyway;
   if (sending.card.parts.none()) return 0;
   Sent sent{id, true, cards_.currentValues(), sending.card.parts};
   if (!isNobodys(sending.card)) {
-    for (const GrantedController& controller : controllersOf(library_.QDB().database(), sending.group)) {
+    for (const GrantedController& controller : controllersOf(context_.database(), sending.group)) {
       sent.everywhere = sendTo(controller, sending) && sent.everywhere;
     }
   }
@@ -85,7 +84,7 @@ std::int16_t CardDownload::sendCard(std::int32_t id, const CardParts& anyway) {
 }
 
 void CardDownload::refuse(Sending& sending, const std::string& why) {
-  library_.Com().errorList += "\r\nCardholder " + std::to_string(sending.id) + ": " + why;
+  context_.Com().errorList += "\r\nCardholder " + std::to_string(sending.id) + ": " + why;
   if (sending.status == 0) sending.status = err::invalidArgument;
   complete_ = false;
 }
@@ -94,12 +93,12 @@ void CardDownload::refuse(Sending& sending, const std::string& why) {
 bool CardDownload::sendTo(const GrantedController& controller, Sending& sending) {
   // Of a card that is sent to some controllers only, the flags stay as they are for the others.
   if (!scope_.covers(controller)) return true;
-  Com& com = library_.Com();
+  Com& com = context_.Com();
   if (!controller.active) {
     inactiveStations_.add(controller.stationName);
     return complete_ = false;
   }
-  Database& database = library_.QDB().database();
+  Database& database = context_.database();
   if (const std::string fault = faultOf(database, sending.group, controller); !fault.empty()) {
     refuse(sending, fault);
     return false;
@@ -108,9 +107,9 @@ bool CardDownload::sendTo(const GrantedController& controller, Sending& sending)
   // Of one moment, and the file locked once; the send ends it before the driver is called.
   const Reading reading(database);
   if (!com.TestSend(controller.station, controller.address)) return complete_ = false;
-  library_.CommandFile().write(cardLines(sending.card, controller.rights(),
+  context_.CommandFile().write(cardLines(sending.card, controller.rights(),
                                          liftOutputs(database, sending.id, controller), controller.type,
-                                         library_.clock().now()));
+                                         context_.clock().now()));
   const std::int16_t result = com.sendTested(controller.station, controller.address);
   if (sending.status == 0) sending.status = result;
   return result == 0;
@@ -118,14 +117,14 @@ bool CardDownload::sendTo(const GrantedController& controller, Sending& sending)
 
 void CardDownload::tellOfTwoPrograms(const GrantedController& controller, std::int16_t group) {
   if (!conflicts_.emplace(group, controller.station, controller.address).second) return;
-  twoPrograms_.add(shutSides(library_.QDB().database(), group, controller));
+  twoPrograms_.add(shutSides(context_.database(), group, controller));
 }
 
 // Whether there is nothing to send of it: a deleted card whose number another card has now, which is that
 // one's business, or none that a controller could know. Raises what two live cards have in common.
 bool CardDownload::isNobodys(const CardRecord& card) {
   if (card.deleted && card.number == 0) return true;
-  const auto holders = library_.QDB().database().openRecordset(
+  const auto holders = context_.database().openRecordset(
       "select Name from Cardholders where CardNum = " + std::to_string(card.number) + " and Deleted = false");
   if (card.deleted) return !holders->eof();
   std::string names;
@@ -139,8 +138,8 @@ bool CardDownload::isNobodys(const CardRecord& card) {
 
 void CardDownload::finish() {
   if (sent_.empty()) return;
-  const std::int16_t status = library_.attempt({"msgUnexpecErr", "Cardholder.downloadI"}, [&] {
-    Transaction transaction(library_.engine(), library_.QDB().database());
+  const std::int16_t status = context_.attempt({"msgUnexpecErr", "Cardholder.downloadI"}, [&] {
+    Transaction transaction(context_.engine(), context_.database());
     for (const Sent& card : sent_) writeFlags(card);
     transaction.commit();
   });

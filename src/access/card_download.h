@@ -8,11 +8,11 @@
 #include <vector>
 
 #include "access/card_record.h"
-#include "app/gen_table.h"
+#include "tables/gen_table.h"
 
 namespace voxa {
 
-class Library;
+class AccessContext;
 struct GrantedController;
 
 /// Texts in order, each once, as a message names them.
@@ -28,7 +28,7 @@ class Names {
 
 /// Shows what cards met at controllers that could not be told all: a warning about doors that stay shut, a
 /// failure about stations that are not in use.
-void tellLeftOut(Library& library, const Names& twoPrograms, const Names& inactiveStations);
+void tellLeftOut(AccessContext& context, const Names& twoPrograms, const Names& inactiveStations);
 
 /// The controllers that a download of cards goes to: all, one station's, or one.
 struct CardScope {
@@ -47,7 +47,7 @@ struct CardScope {
 /// cards or a reader whose address is no controller's.
 class CardDownload {
  public:
-  CardDownload(Library& library, const CardScope& scope);
+  CardDownload(AccessContext& context, const CardScope& scope);
 
   /// Sends the flagged parts of a card's row, and `anyway`. A missing row is reported
   /// ("msgCantFindCardholder"). Failures on the line are left in `Com.errorList`, others are added to it.
@@ -90,7 +90,7 @@ class CardDownload {
   void fail(std::int16_t status);
   void writeFlags(const Sent& card);
 
-  Library& library_;
+  AccessContext& context_;
   GenTable cards_;
   CardScope scope_;
   std::vector<Sent> sent_;

@@ -2,10 +2,8 @@
 
 #include <array>
 
-#include "comm/controller_date.h"
 #include "files/conversions.h"
 #include "platform/database/database.h"
-#include "platform/text.h"
 
 namespace voxa {
 
@@ -15,108 +13,28 @@ constexpr std::array<std::string_view, cardPartCount> flagColumns = {
     "CardCodeFlagD",   "AccessGroupIdFlagD",  "ValidatedFlagD", "PINCodeFlagD",
     "SupervisorFlagD", "ValidationDateFlagD", "CreditFlagD"};
 
-constexpr std::size_t codeLength = 8;
-constexpr const char* clearingCode = "00000000";
-constexpr const char* noDate = "000000";
-
-// Spells the lines of one card for one kind of controller.
-class Lines {
- public:
-  Lines(std::int32_t cardNum, bool separated)
-      : number_(numberField(cardNum, 1, 4, "card number")), separated_(separated) {}
-
-  void add(const std::string& command, const std::string& value) {
-    lines_.push_back(separated_ ? command + ";01;" + number_ + ";" + value : command + number_ + value);
-  }
-  void supervisor(bool on) {
-    if (separated_) return add("49", on ? "1" : "0");
-    add("49", on ? "" : "0");
-  }
-  void lift(std::int16_t output) {
-    lines_.push_back("37" + number_ + numberField(output, 1, 2, "lift output"));
-  }
-  std::vector<std::string> take() { return std::move(lines_); }
-
- private:
-  std::string number_;
-  bool separated_;
-  std::vector<std::string> lines_;
-};
-
 }  // namespace
 
 std::string_view flagColumn(std::size_t part) {
   return flagColumns.at(part);
 }
 
-CardRecord::CardRecord(const Recordset& row)
-    : number(row.get("CardNum").isNull() ? 0 : row.get("CardNum").toInt32()),
-      code(row.get("CardCode").isNull() ? "" : row.get("CardCode").toText()),
-      deleted(row.get("Deleted").toBool()),
-      validated(row.get("Validated").toBool()),
-      pinCode(nullToInt(row.get("PINCode"))),
-      supervisor(row.get("Supervisor").toBool()),
-      validationDate(row.get("ValidationDate")),
-      credit(nullToInt(row.get("Credit"))) {
+CardRecord cardRecord(const Recordset& row) {
+  const Value number = row.get("CardNum");
+  const Value code = row.get("CardCode");
+  CardRecord card;
+  card.number = number.isNull() ? 0 : number.toInt32();
+  card.code = code.isNull() ? "" : code.toText();
+  card.deleted = row.get("Deleted").toBool();
+  card.validated = row.get("Validated").toBool();
+  card.pinCode = nullToInt(row.get("PINCode"));
+  card.supervisor = row.get("Supervisor").toBool();
+  if (const Value date = row.get("ValidationDate"); !date.isNull()) card.validationDate = date.toDateTime();
+  card.credit = nullToInt(row.get("Credit"));
   for (std::size_t part = 0; part < cardPartCount; ++part) {
-    parts[part] = row.get(flagColumn(part)).toBool();
+    card.parts[part] = row.get(flagColumn(part)).toBool();
   }
-}
-
-std::string clearCardLine(std::int32_t cardNum) {
-  return "09" + zeroPadded(cardNum, 4) + clearingCode;
-}
-
-std::string controllerCode(std::string_view code) {
-  if (code.size() > codeLength) {
-    throw Error(err::invalidArgument,
-                "Invalid argument: the code " + std::string(code) + " has more than 8 characters");
-  }
-  std::string converted;
-  for (const char c : code) {
-    const bool upper = c >= 'A' && c <= 'F';
-    if (c >= '0' && c <= '?') {
-      converted += c;
-    } else if (upper || (c >= 'a' && c <= 'f')) {
-      converted += static_cast<char>(c - (upper ? 'A' : 'a') + ':');
-    } else {
-      throw Error(err::invalidArgument, "Invalid argument: the code " + std::string(code) +
-                                            " has characters other than 0 to 9 and A to F");
-    }
-  }
-  return converted;
-}
-
-std::string convertCardCode(std::string_view code) {
-  const std::string converted = controllerCode(code);
-  return std::string(codeLength - converted.size(), ' ') + converted;
-}
-
-std::vector<std::string> cardLines(const CardRecord& card, const CardRights& rights,
-                                   const std::vector<std::int16_t>& liftOutputs,
-                                   std::string_view controllerType, DateTime today) {
-  Lines lines(card.number, controllerType == "VRMD1");
-  // A card that is gone, or has no code any more, must not be left with the old one.
-  if (card.deleted || (card.parts[cardCodePart] && card.code.empty())) {
-    lines.add("09", clearingCode);
-    return lines.take();
-  }
-  const auto digit = [&](bool door) { return card.validated && door ? "1" : "0"; };
-  if (card.parts[cardCodePart]) lines.add("09", convertCardCode(card.code));
-  if (card.parts[accessGroupPart]) lines.add("33", numberField(rights.weeklyProgram, 0, 2, "weekly program"));
-  if (card.parts[validatedPart]) {
-    lines.add("16", digit(rights.firstDoor));
-    lines.add("17", digit(rights.secondDoor));
-  }
-  if (card.parts[pinCodePart]) lines.add("19", numberField(card.pinCode, 0, 4, "personal code"));
-  if (card.parts[supervisorPart]) lines.supervisor(card.supervisor);
-  if (card.parts[validationDatePart]) {
-    lines.add("35", card.validationDate.isNull() ? noDate
-                                                 : controllerDate(card.validationDate.toDateTime(), today));
-  }
-  if (card.parts[creditPart]) lines.add("36", numberField(card.credit, 0, 2, "credit"));
-  for (const std::int16_t output : liftOutputs) lines.lift(output);
-  return lines.take();
+  return card;
 }
 
 }  // namespace voxa

@@ -2,11 +2,11 @@
 
 #include <optional>
 
+#include "access/access_context.h"
 #include "access/access_group.h"
 #include "access/card_block.h"
 #include "access/card_download.h"
 #include "access/card_record.h"
-#include "app/qdb.h"
 #include "comm/com.h"
 #include "comm/reader.h"
 #include "comm/station.h"
@@ -48,7 +48,7 @@ void Cardholder::createIndexes(TableDef& td) {
 }
 
 std::int16_t Cardholder::createRelations() {
-  relate("CardholderAccessGroup", library_.QDB().AccessGroups().Name(), "Id", "AccessGroupId");
+  relate("CardholderAccessGroup", AccessGroup::tableName, "Id", "AccessGroupId");
   database().createQuery(
       {"AccessGroupReaders",
        "PARAMETERS [AccessGroupId] Integer;select r.id, r.ControllerAddress, r.Position, a.WeeklyProgNum,"
@@ -91,14 +91,14 @@ std::int16_t Cardholder::getFreeCardNum() {
 
 std::int16_t Cardholder::invalidate(std::int16_t cardNum, ComponentType compType,
                                     const std::string& compName) {
-  return library_.attempt({"msgCantWriteCommand", "Cardholders.invalidate"}, [&] {
-    library_.CommandFile().write({clearCardLine(cardNum)});
-    return library_.Com().sendToComp(CmSendCommand, compType, compName);
+  return context_.attempt({"msgCantWriteCommand", "Cardholders.invalidate"}, [&] {
+    context_.CommandFile().write({clearCardLine(cardNum)});
+    return access_.Com().sendToComp(CmSendCommand, compType, compName);
   });
 }
 
 std::int16_t Cardholder::delete_(std::int16_t cardNum) {
-  return library_.Com().sendCommand(clearCardLine(cardNum), CTActiveStations);
+  return access_.Com().sendCommand(clearCardLine(cardNum), CTActiveStations);
 }
 
 std::int16_t Cardholder::download(std::int16_t Id) {
@@ -106,8 +106,8 @@ std::int16_t Cardholder::download(std::int16_t Id) {
   lookUp("select AccessGroupID From Cardholders where ID =" + std::to_string(Id),
          {"msgCantFindCardholder", "Cardholders.download"}, true,
          [&](Recordset& row) { group = nullToInt(row.get("accessGroupId")); });
-  if (group && library_.QDB().AccessGroups().AccessGroupCheckCom(*group)) return 0;
-  CardDownload download(library_, {});
+  if (group && access_.AccessGroups().AccessGroupCheckCom(*group)) return 0;
+  CardDownload download(access_, {});
   download.send(Id, {});
   return conclude(download, "Cardholders.download", DLDefault);
 }
@@ -116,25 +116,25 @@ std::int16_t Cardholder::generalDownload(ComponentType compType, const std::stri
                                          std::int16_t Params, bool* AlreadyComTested) {
   if (!isKnown(compType)) {
     // Without this what is neither a reader nor a station would be every controller.
-    return library_.attempt({"msgCantDownload", "Cardholders.generalDownload"},
+    return context_.attempt({"msgCantDownload", "Cardholders.generalDownload"},
                             [&] { requireKnown(compType); });
   }
-  if (!library_.Com().readyToSend(compType, compName, AlreadyComTested)) return 0;
-  eraseUnfinishedBlocks(library_);
+  if (!access_.Com().readyToSend(compType, compName, AlreadyComTested)) return 0;
+  eraseUnfinishedBlocks(access_);
   CardScope scope;
   std::int16_t station = 0;
   if (compType == CTStation) {
-    if ((station = library_.QDB().Stations().getId(compName)) == -1) return -1;
+    if ((station = access_.Stations().getId(compName)) == -1) return -1;
     scope.station = station;
   } else if (compType == CTReader) {
     std::int16_t address = 0;
-    if (library_.QDB().Readers().getControllerAddr(compName, station, address) != 0) return -1;
+    if (access_.Readers().getControllerAddr(compName, station, address) != 0) return -1;
     scope = {station, address};
   }
   CardParts anyway;
   if ((Params & (DLFull | DLMemErased)) != 0) anyway.set();
-  CardDownload download(library_, scope);
-  const std::int16_t failed = library_.attempt({"msgCantDownload", "Cardholders.generalDownload"}, [&] {
+  CardDownload download(access_, scope);
+  const std::int16_t failed = context_.attempt({"msgCantDownload", "Cardholders.generalDownload"}, [&] {
     const auto cards = rows("select Id from cardholders where Deleted = false");
     for (; !cards->eof(); cards->moveNext()) download.send(cards->get("Id").toInt32(), anyway);
   });
@@ -148,8 +148,8 @@ std::int16_t Cardholder::conclude(CardDownload& download, const char* method, st
   const bool inactive = !download.inactiveStations().empty();
   const bool failed = download.status() != 0 && !download.reported();
   if ((params & DLNoMessage) == 0) {
-    tellLeftOut(library_, download.twoPrograms(), download.inactiveStations());
-    if (failed) library_.report({"msgCantDownload", method, Value(library_.Com().popErrorList())});
+    tellLeftOut(access_, download.twoPrograms(), download.inactiveStations());
+    if (failed) context_.report({"msgCantDownload", method, Value(access_.Com().popErrorList())});
   }
   return inactive ? std::int16_t{1} : download.status();
 }

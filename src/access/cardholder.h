@@ -3,8 +3,9 @@
 #include <cstdint>
 #include <string>
 
-#include "app/table.h"
+#include "access/access_context.h"
 #include "comm/com_types.h"
+#include "tables/table.h"
 
 namespace voxa {
 
@@ -16,7 +17,7 @@ class CardDownload;
 /// The lookups by card number pass over deleted cards and are silent about a number that is not in use.
 class Cardholder : public Table {
  public:
-  explicit Cardholder(Library& library) : Table(library, "Cardholders") {}
+  explicit Cardholder(AccessContext& context) : Table(context, "Cardholders"), access_(context) {}
 
   /// Sends the changed parts of one cardholder to every controller of its access group, after a test of
   /// their communication. 0 sent, nothing to send, or aborted by the person; 1 a station concerned is not
@@ -54,6 +55,7 @@ class Cardholder : public Table {
   std::int16_t createBatch(std::int32_t firstCardNum, const std::string& firstCardCode, std::int16_t nCards,
                            std::int16_t accessGroupId, bool GroupMode);
   std::int16_t conclude(CardDownload& download, const char* method, std::int16_t params);
+  AccessContext& access_;
 };
 
 }  // namespace voxa

@@ -40,7 +40,7 @@ void Glob::Initialize(const std::string& AppDB, const std::string& IniFile, cons
 }
 
 void Glob::insertStrings() const {
-  insertDefaultMessages(library_);
+  insertDefaultMessages(library_, library_.Strings());
 }
 
 }  // namespace voxa

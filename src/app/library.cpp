@@ -1,19 +1,13 @@
 #include "app/library.h"
 
-#include <exception>
-
 #include "app/qdb.h"
 #include "comm/com.h"
 #include "files/command_file.h"
 #include "messages/strings.h"
-#include "platform/database/database.h"
 
 namespace voxa {
 
-Library::Library(const Seams& seams)
-    : seams_(seams), prompts_(seams.prompts, [this] {
-        for (const auto& database : engine().databases()) database->endReading();
-      }) {}
+Library::Library(const Seams& seams) : AccessContext(seams) {}
 
 Library::~Library() = default;
 
@@ -37,42 +31,32 @@ Library::~Library() = default;
   return *qdb_;
 }
 
-std::int16_t Library::recordFailure() {
-  error_ = describeCurrentException();
-  return static_cast<std::int16_t>(error_.number);
+Messages& Library::messages() {
+  return Strings();
 }
 
-void Library::report(const FailureMessage& message) {
-  Strings().display(message.mnemonic, message.method, message.argument);
-  error_.clear();
+const Paths& Library::paths() {
+  return Com();
 }
 
-void Library::warn(const FailureMessage& message) {
-  Strings().display(message.mnemonic, message.method, message.argument, style::exclamation);
-  error_.clear();
+std::shared_ptr<Database> Library::DB() {
+  return QDB().DB();
 }
 
-void Library::showLater(const std::function<void()>& body) {
-  std::exception_ptr failure;
-  prompts_.hold();
-  try {
-    body();
-  } catch (...) {
-    failure = std::current_exception();
-  }
-  prompts_.release();
-  if (failure) std::rethrow_exception(failure);
+Station& Library::Stations() {
+  return QDB().Stations();
 }
 
-std::int16_t Library::takeFileNumber() {
-  std::int16_t number = 1;
-  for (const std::int16_t used : fileNumbers_) {
-    if (used != number) break;
-    ++number;
-  }
-  if (number > 511) throw Error(err::tooManyFiles, "Too many files");
-  fileNumbers_.insert(number);
-  return number;
+Reader& Library::Readers() {
+  return QDB().Readers();
+}
+
+AccessGroup& Library::AccessGroups() {
+  return QDB().AccessGroups();
+}
+
+Cardholder& Library::Cardholders() {
+  return QDB().Cardholders();
 }
 
 }  // namespace voxa

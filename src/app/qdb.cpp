@@ -3,9 +3,9 @@
 #include <algorithm>
 
 #include "access/access_group.h"
+#include "access/alarm.h"
 #include "access/badge_format.h"
 #include "access/cardholder.h"
-#include "app/itable.h"
 #include "app/library.h"
 #include "app/main_database.h"
 #include "comm/com.h"
@@ -17,10 +17,10 @@
 #include "platform/database/database.h"
 #include "platform/text.h"
 #include "platform/ui/prompts.h"
-#include "programs/alarm.h"
 #include "programs/daily_program.h"
 #include "programs/holidays.h"
 #include "programs/weekly_program.h"
+#include "tables/itable.h"
 
 namespace voxa {
 

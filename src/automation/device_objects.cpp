@@ -1,6 +1,6 @@
+#include "access/alarm.h"
 #include "comm/reader.h"
 #include "comm/station.h"
-#include "programs/alarm.h"
 #include "table_object.h"
 
 namespace voxa::automation {

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "app/itable.h"
 #include "app/library.h"
 #include "app/qdb.h"
 #include "enumerations.h"
 #include "service_objects.h"
+#include "tables/itable.h"
 
 namespace voxa::automation {
 

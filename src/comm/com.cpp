@@ -2,14 +2,12 @@
 
 #include <string_view>
 
-#include "app/library.h"
-#include "app/qdb.h"
-#include "comm/line_span.h"
+#include "comm/comm_context.h"
 #include "comm/station.h"
-#include "comm/station_result.h"
+#include "comm/station_result_file.h"
 #include "files/command_file.h"
+#include "files/line_span.h"
 #include "files/seq_file.h"
-#include "messages/strings.h"
 #include "platform/clock.h"
 #include "platform/database/database.h"
 #include "platform/datetime.h"
@@ -40,27 +38,27 @@ bool skipsTest(ComCommandsEnum command, std::int16_t controller) {
 
 }  // namespace
 
-Com::Com(Library& library) : library_(library), inter_(library) {}
+Com::Com(CommContext& context) : context_(context), inter_(context) {}
 
 std::shared_ptr<Database> Com::database() {
-  return requireOpen(library_.QDB().DB());
+  return requireOpen(context_.DB());
 }
 
 void Com::log(const std::string& event, bool withCommands, bool last) {
   if (!writeLog) return;
-  const DateTime now = library_.clock().now();
-  SeqFile file(library_);
+  const DateTime now = context_.clock().now();
+  SeqFile file(context_);
   file.Name(logFileName);
   file.fopen();
   file.fprint(shortDate(now) + " " + shortTime(now) + " : " + event);
-  if (withCommands) file.appendFile(library_.CommandFile().fileName());
+  if (withCommands) file.appendFile(context_.CommandFile().fileName());
   if (last) file.fprint("");
   file.fclose();
 }
 
 std::int16_t Com::Send(ComCommandsEnum command, std::int16_t StationID, std::int16_t ControllerAddr,
                        bool Silence, bool Autodetection) {
-  return library_.attempt({"msgUnexpecErr", "Com.send"}, [&] {
+  return context_.attempt({"msgUnexpecErr", "Com.send"}, [&] {
     return sendChecked(command, {StationID, ControllerAddr}, Silence, Autodetection);
   });
 }
@@ -89,7 +87,7 @@ std::int16_t Com::sendChecked(ComCommandsEnum command, Target target, bool silen
 }
 
 std::int16_t Com::sendTested(std::int16_t StationID, std::int16_t ControllerAddr) {
-  return library_.attempt({"msgUnexpecErr", "Com.send"}, [&] {
+  return context_.attempt({"msgUnexpecErr", "Com.send"}, [&] {
     return sendNow(CmSendCommand, {StationID, ControllerAddr}, false, false, true);
   });
 }
@@ -100,26 +98,26 @@ std::int16_t Com::sendNow(ComCommandsEnum command, Target target, bool silence, 
   bool active = needsActive && tested && isInUse(target.station);
   if (tested) database()->endReading();
   // Not asked yet, or no: which the question tells of.
-  if (needsActive && !active) active = library_.QDB().Stations().isActive(target.station);
-  const LineSpan lines(library_);
+  if (needsActive && !active) active = context_.Stations().isActive(target.station);
+  const LineSpan lines(context_);
   if (!lines.refusal().empty()) {
     if (!silence) {
       errorList += crLf + lines.refusal() + " (" + getName(target.station, target.controller) + ")";
     }
     return err::permissionDenied;
   }
-  if (command == CmSendCommand) library_.CommandFile().restore();
+  if (command == CmSendCommand) context_.CommandFile().restore();
   const std::int16_t driverAddress = toDriverAddress(target.controller);
   log(std::string(driverNames[command]) + "(" + std::to_string(target.station) + "," +
           std::to_string(driverAddress) + ")",
-      command == CmSendCommand && library_.CommandFile().isFull, false);
+      command == CmSendCommand && context_.CommandFile().isFull, false);
   if (needsActive && !active) {
     const char* mnemonic = command == CmSendCommand ? "msgDownloadToUnactive" : "msgSendToUnactive";
     errorList +=
-        crLf + library_.Strings().read(mnemonic) + " (" + getName(target.station, target.controller) + ")";
+        crLf + context_.messages().read(mnemonic) + " (" + getName(target.station, target.controller) + ")";
     return -1;
   }
-  const BusyPointer busy(library_.prompts());
+  const BusyPointer busy(context_.prompts());
   const std::int16_t result = inhibitCom ? driverSuccess : callDriver(command, target, driverAddress);
   log("Returns " + std::to_string(result), false, true);
   if (result == driverSuccess) return 0;
@@ -162,7 +160,7 @@ std::int16_t Com::callDriver(ComCommandsEnum command, Target target, std::int16_
       return result;
     }
     case CmSendCommand:
-      return library_.CommandFile().isFull ? inter_.sendCommand(station, driverAddress) : std::int16_t{0};
+      return context_.CommandFile().isFull ? inter_.sendCommand(station, driverAddress) : std::int16_t{0};
     case CmConnect:
       return inter_.connect(station);
     case CmDisconnect:
@@ -173,7 +171,7 @@ std::int16_t Com::callDriver(ComCommandsEnum command, Target target, std::int16_
 
 void Com::recordFailure(std::int16_t result, ComCommandsEnum command, Target target,
                         std::int16_t driverAddress) {
-  Strings& strings = library_.Strings();
+  Messages& strings = context_.messages();
   const std::string number = std::to_string(result);
   const std::string head = crLf + strings.read("msgError") + " " + number + ": ";
   // 301 is the text of every failure on the line, whatever its number.
@@ -182,7 +180,7 @@ void Com::recordFailure(std::int16_t result, ComCommandsEnum command, Target tar
   if (isComFailure(result)) errorList += crLf + getName(target.station, target.controller);
   if (result != perController) return;
   if (driverAddress == CmToEachController) {
-    const StationResult answers = readStationResult(library_, resultFileName(target.station));
+    const StationResult answers = readStationResult(context_, resultFileName(target.station));
     for (std::int16_t address = 1; address <= StationResult::controllers; ++address) {
       if (answers.failed(address)) errorList += crLf + getName(target.station, address);
     }
@@ -214,7 +212,7 @@ std::int16_t Com::ResetRSOUT(std::int16_t StationID, std::int16_t ControllerAddr
   if (ControllerAddr != CmToEachController && ControllerAddr != CmToAllControllers) {
     return Send(CmReadDate, StationID, ControllerAddr, true);
   }
-  const LineSpan lines(library_);
+  const LineSpan lines(context_);
   lines.require();
   removeResultFile(StationID);
   return Send(CmReadDate, StationID, CmToEachController, true);

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -12,12 +11,12 @@
 
 #include "comm/com_types.h"
 #include "comm/inter.h"
-#include "platform/lock_file.h"
+#include "files/file_context.h"
 
 namespace voxa {
 
 class Database;
-class Library;
+class CommContext;
 class SeqFile;
 struct DateTime;
 struct StationResult;
@@ -30,23 +29,17 @@ struct StationResult;
 /// failure, and lines that are in use, show nothing: they add lines to `errorList`, which the operation that
 /// caused it reads with popErrorList and shows when it is done.
 /// TestSend, updateDBComStatus, getName and ResetRSOUT raise a failure of the database or the file system.
-class Com {
+class Com : public Paths {
  public:
-  explicit Com(Library& library);
+  explicit Com(CommContext& context);
 
   std::string errorList;  ///< error text of the operations since the last popErrorList
   /// 1: the controllers work with four intervals a day (see DailyProgram::provideFourZones).
   std::int16_t pDailyPrograms4Zones = 0;
   std::int16_t CheckDelay = 0;     ///< held for the clients
-  std::string Chemin;              ///< working folder, without a trailing separator
   bool MustShowComStatus = false;  ///< held for the clients
-  std::string IniFile;             ///< path of the driver's ini file
-  std::string AppDB;               ///< path of the main database
-  std::string logFileName;         ///< path of the communication log
   bool inhibitCom = false;         ///< Send calls no driver operation and behaves as if it had succeeded
   bool writeLog = false;           ///< every driver call and its result goes to the log
-  /// How long a call waits while another process has the lines (line_span.h).
-  std::chrono::milliseconds linePatience{10'000};
 
   /// Runs one operation on a controller (address 1 to 16), on each controller of a station (0) or on all of
   /// its line at once (95). Controllers that did not answer at the last check are skipped without a word.
@@ -107,10 +100,6 @@ class Com {
   [[nodiscard]] bool readyToSendToKnown(ComponentType compType, const std::string& compName);
 
  private:
-  friend class LineSpan;
-  /// That of the working folder; none without one.
-  [[nodiscard]] std::optional<LockFile> lockFile();
-
   static constexpr std::int16_t perController = 247;  // the station result file tells who did not answer
 
   struct Target {
@@ -140,11 +129,8 @@ class Com {
   /// within a call keep their order. withCommands: followed by the command file; last: by an empty line.
   void log(const std::string& event, bool withCommands, bool last);
 
-  Library& library_;
+  CommContext& context_;
   Inter inter_;
-  std::optional<LockFile> lockFile_;
-  std::string lockedFolder_;                            // of lockFile_
-  std::chrono::steady_clock::time_point noWaitBefore_;  // for the lines, behind a wait in vain
   // Who answered the last refresh of a station: ComStatus keeps what an earlier one found of the others.
   std::map<std::int16_t, std::set<std::int16_t>> answering_;
 };

@@ -1,8 +1,7 @@
 // From a component (all active stations, a station, a reader) to the single sends.
 
-#include "app/library.h"
-#include "app/qdb.h"
 #include "comm/com.h"
+#include "comm/comm_context.h"
 #include "comm/reader.h"
 #include "comm/station.h"
 #include "files/command_file.h"
@@ -13,12 +12,12 @@ namespace voxa {
 std::int16_t Com::sendToReader(ComCommandsEnum command, const std::string& readerName) {
   std::int16_t station = 0;
   std::int16_t address = 0;
-  const std::int16_t found = library_.QDB().Readers().getControllerAddr(readerName, station, address);
+  const std::int16_t found = context_.Readers().getControllerAddr(readerName, station, address);
   return found == 0 ? Send(command, station, address) : found;
 }
 
 std::int16_t Com::sendToStation(ComCommandsEnum command, const std::string& stationName) {
-  const std::int16_t station = library_.QDB().Stations().getId(stationName);
+  const std::int16_t station = context_.Stations().getId(stationName);
   return station == -1 ? station : Send(command, station, CmToEachController);
 }
 
@@ -33,12 +32,12 @@ std::int16_t Com::eachActiveStation(ComCommandsEnum command, std::int16_t addres
 }
 
 std::int16_t Com::sendBrodcast(ComCommandsEnum command) {
-  return library_.attempt({"msgUnexpecErr", "Com.sendBrodcast"},
+  return context_.attempt({"msgUnexpecErr", "Com.sendBrodcast"},
                           [&] { return eachActiveStation(command, CmToAllControllers); });
 }
 
 std::int16_t Com::sendToActiveStations(ComCommandsEnum command) {
-  return library_.attempt({"msgUnexpecErr", "Com.sendToActiveStations"},
+  return context_.attempt({"msgUnexpecErr", "Com.sendToActiveStations"},
                           [&] { return eachActiveStation(command, CmToEachController); });
 }
 
@@ -51,16 +50,16 @@ std::int16_t Com::sendToComp(ComCommandsEnum command, ComponentType compType, co
     case CTStation:
       return sendToStation(command, compName);
   }
-  return library_.attempt({"msgUnexpecErr", "Com.sendToComp"}, [&] { requireKnown(compType); });
+  return context_.attempt({"msgUnexpecErr", "Com.sendToComp"}, [&] { requireKnown(compType); });
 }
 
 std::int16_t Com::sendCommand(const std::string& commandCode, ComponentType compType,
                               const std::string& compName) {
-  const std::int16_t result = library_.attempt([&] {
-    library_.CommandFile().write({commandCode});
+  const std::int16_t result = context_.attempt([&] {
+    context_.CommandFile().write({commandCode});
     return sendToComp(CmSendCommand, compType, compName);
   });
-  if (result != 0) library_.report({"msgCantSendCommand", "Com.SendCommand", Value(popErrorList())});
+  if (result != 0) context_.report({"msgCantSendCommand", "Com.SendCommand", Value(popErrorList())});
   return result;
 }
 

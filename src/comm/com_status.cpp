@@ -1,20 +1,18 @@
 // Which controllers answer: the table ComStatus, its refresh from the station result files, the question
 // whether to go on without those that do not answer.
 
-#include "app/library.h"
-#include "app/qdb.h"
-#include "app/table.h"
 #include "comm/com.h"
 #include "comm/com_status_table.h"
-#include "comm/line_span.h"
+#include "comm/comm_context.h"
 #include "comm/station.h"
-#include "comm/station_result.h"
-#include "messages/strings.h"
+#include "comm/station_result_file.h"
+#include "files/line_span.h"
 #include "platform/database/database.h"
 #include "platform/datetime.h"
 #include "platform/files.h"
 #include "platform/text.h"
 #include "platform/ui/prompts.h"
+#include "tables/table.h"
 
 namespace voxa {
 
@@ -97,7 +95,7 @@ void Com::UpdateComStatus(std::optional<std::int16_t> StationID,
 
 bool Com::refresh(std::optional<std::int16_t> onlyStation) {
   bool allRead = true;
-  const std::int16_t failed = library_.attempt(cantRefresh(), [&] {
+  const std::int16_t failed = context_.attempt(cantRefresh(), [&] {
     std::string query = "select Id From Stations where Active = true";
     if (onlyStation) {
       query = "Select ID From Stations where ID = " + std::to_string(*onlyStation);
@@ -115,7 +113,7 @@ bool Com::refresh(std::optional<std::int16_t> onlyStation) {
 bool Com::refreshStation(std::int16_t station) {
   bool read = false;
   answering_[station].clear();
-  library_.attempt(cantRefresh(), [&] {
+  context_.attempt(cantRefresh(), [&] {
     try {
       read = readStation(station);
     } catch (const Error& failure) {
@@ -130,9 +128,9 @@ bool Com::readStation(std::int16_t station) {
   const bool inUse = isInUse(station);
   StationResult result;
   {
-    const LineSpan lines(library_);
+    const LineSpan lines(context_);
     lines.require();
-    library_.QDB().Stations().createIniFile(station);
+    context_.Stations().createIniFile(station);
     if (!inhibitCom) removeResultFile(station);  // that of an earlier read would pass for the answer
     const std::int16_t sent = Send(CmReadDate, station, CmToEachController);
     if (!inUse) return true;  // which the send has said, and nobody was asked
@@ -140,7 +138,7 @@ bool Com::readStation(std::int16_t station) {
     if (inhibitCom && !leftFile) return true;  // nobody was ever asked
     // A read that failed as a whole, and has said so, tells nothing about single controllers.
     if (!leftFile && sent != 0 && sent != perController) return false;
-    result = readStationResult(library_, resultFile);
+    result = readStationResult(context_, resultFile);
   }
   storeStation(station, result);
   for (std::int16_t address = 1; address <= StationResult::controllers; ++address) {
@@ -150,7 +148,7 @@ bool Com::readStation(std::int16_t station) {
 }
 
 void Com::storeStation(std::int16_t station, const StationResult& result) {
-  Transaction transaction(library_.engine(), *database());
+  Transaction transaction(context_.engine(), *database());
   for (std::int16_t address = 1; address <= StationResult::controllers; ++address) {
     if (result.answered(address)) {
       updateDBComStatus(station, address, answered, result.date(address).value_or(noDate()));
@@ -163,7 +161,7 @@ void Com::storeStation(std::int16_t station, const StationResult& result) {
 
 bool Com::TestCom(ComponentType compType, const std::string& compName) {
   bool allAnswer = false;
-  library_.attempt({"msgUnexpecErr", "Com.TestCom"}, [&] {
+  context_.attempt({"msgUnexpecErr", "Com.TestCom"}, [&] {
     requireKnown(compType);
     bool allRead = true;
     std::string query;
@@ -236,9 +234,9 @@ std::vector<Com::Target> Com::notAnswering(ComponentType compType, const std::st
 
 bool Com::MsgChooseAbort(ComponentType compType, const std::string& compName) {
   bool abort = false;
-  library_.attempt({"msgUnexpecErr", "Com.MsgChooseAbort"}, [&] {
+  context_.attempt({"msgUnexpecErr", "Com.MsgChooseAbort"}, [&] {
     requireKnown(compType);
-    Strings& strings = library_.Strings();
+    Messages& strings = context_.messages();
     for (;;) {
       const std::vector<Target> silent = notAnswering(compType, compName);
       if (silent.empty()) return;
@@ -248,7 +246,7 @@ bool Com::MsgChooseAbort(ComponentType compType, const std::string& compName) {
         question += "\r\n" + strings.read(text);
       }
       const Answer answer =
-          library_.prompts().messageBox(question, style::abortRetryIgnore, strings.read("MDIkrvCaption"));
+          context_.prompts().messageBox(question, style::abortRetryIgnore, strings.read("MDIkrvCaption"));
       abort = answer == Answer::abort;
       if (answer != Answer::retry || TestCom(compType, compName)) return;
     }

@@ -1,6 +1,5 @@
 #include "comm/reader.h"
 
-#include "app/qdb.h"
 #include "comm/station.h"
 #include "platform/database/database.h"
 
@@ -56,7 +55,7 @@ void Reader::createIndexes(TableDef& td) {
 }
 
 std::int16_t Reader::createRelations() {
-  relate("ReaderStation", library_.QDB().Stations().Name(), "Id", "StationId");
+  relate("ReaderStation", Station::tableName, "Id", "StationId");
   return 0;
 }
 

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <string>
 
-#include "app/table.h"
+#include "tables/table.h"
 
 namespace voxa {
 
@@ -12,7 +12,9 @@ namespace voxa {
 /// station. The lookups report a reader that is not found ("msgCantFindReader") and a failing query.
 class Reader : public Table {
  public:
-  explicit Reader(Library& library) : Table(library, "Readers") {}
+  static constexpr const char* tableName = "Readers";
+
+  explicit Reader(TableContext& context) : Table(context, tableName) {}
 
   /// First free `Id`, or -1 when it would exceed 998.
   std::int16_t getFreeId();

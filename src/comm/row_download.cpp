@@ -1,12 +1,11 @@
 #include "comm/row_download.h"
 
-#include "app/gen_table.h"
-#include "app/library.h"
-#include "app/qdb.h"
 #include "comm/com.h"
+#include "comm/comm_context.h"
 #include "comm/reader.h"
 #include "files/command_file.h"
 #include "platform/database/database.h"
+#include "tables/gen_table.h"
 
 namespace voxa {
 
@@ -23,23 +22,23 @@ void requireAddress(Database& database, const Component& component) {
   if (!fault.empty()) throw Error(err::invalidArgument, "Invalid argument: " + fault);
 }
 
-std::int16_t sendRow(Library& library, GenTable& rows, const RowDownload& what, const Component& component,
-                     std::vector<Value>& sent) {
+std::int16_t sendRow(CommContext& context, GenTable& rows, const RowDownload& what,
+                     const Component& component, std::vector<Value>& sent) {
   sent = rows.currentValues();
-  requireAddress(library.QDB().database(), component);
-  library.CommandFile().write(what.lines(*rows.currentRecordset()));
-  return library.Com().sendToComp(CmSendCommand, component.type, component.name);
+  requireAddress(context.database(), component);
+  context.CommandFile().write(what.lines(*rows.currentRecordset()));
+  return context.Com().sendToComp(CmSendCommand, component.type, component.name);
 }
 
 }  // namespace
 
-std::int16_t downloadRow(Library& library, GenTable& rows, const RowDownload& what,
+std::int16_t downloadRow(CommContext& context, GenTable& rows, const RowDownload& what,
                          const Component& component, std::int16_t params) {
   bool nothingToSend = false;
   std::vector<Value> sent;
-  std::int16_t status = library.attempt([&]() -> std::int16_t {
+  std::int16_t status = context.attempt([&]() -> std::int16_t {
     if (rows.openWhere(what.condition)) {
-      library.report({what.notFoundMnemonic, what.notFoundMethod, Value(what.number)});
+      context.report({what.notFoundMnemonic, what.notFoundMethod, Value(what.number)});
       nothingToSend = true;
       return what.notFoundResult;
     }
@@ -49,23 +48,23 @@ std::int16_t downloadRow(Library& library, GenTable& rows, const RowDownload& wh
       nothingToSend = true;
       return 0;
     }
-    return sendRow(library, rows, what, component, sent);
+    return sendRow(context, rows, what, component, sent);
   });
   if (nothingToSend) return status;
   if (status == 0) return what.clearsFlags ? rows.clearFlagsOfSent(what.condition, sent) : status;
   if (what.alwaysShowsFailure || (params & DLNoMessage) == 0) {
-    library.report({"msgCantDownload", what.failureMethod, Value(library.Com().popErrorList())});
-  } else if (library.error().number != 0) {
-    library.Com().errorList += "\r\n" + what.row + ": " + library.error().description;
+    context.report({"msgCantDownload", what.failureMethod, Value(context.Com().popErrorList())});
+  } else if (context.error().number != 0) {
+    context.Com().errorList += "\r\n" + what.row + ": " + context.error().description;
   }
-  library.error().clear();
+  context.error().clear();
   return status;
 }
 
-std::int16_t downloadEach(Library& library, const std::string& query,
+std::int16_t downloadEach(CommContext& context, const std::string& query,
                           const std::function<std::int16_t(const Recordset&)>& download) {
   std::int16_t first = 0;
-  const auto rows = library.QDB().database().openRecordset(query);
+  const auto rows = context.database().openRecordset(query);
   for (; !rows->eof(); rows->moveNext()) {
     const std::int16_t status = download(*rows);
     if (first == 0) first = status;
@@ -73,11 +72,11 @@ std::int16_t downloadEach(Library& library, const std::string& query,
   return first;
 }
 
-std::int16_t downloadTable(Library& library, const std::string& query, const char* failureMethod,
+std::int16_t downloadTable(CommContext& context, const std::string& query, const char* failureMethod,
                            const std::function<std::int16_t(const Recordset&)>& download) {
-  const std::int16_t status = library.attempt([&] { return downloadEach(library, query, download); });
+  const std::int16_t status = context.attempt([&] { return downloadEach(context, query, download); });
   if (status != 0) {
-    library.report({"msgCantDownload", failureMethod, Value(library.Com().popErrorList())});
+    context.report({"msgCantDownload", failureMethod, Value(context.Com().popErrorList())});
   }
   return status;
 }

@@ -10,7 +10,7 @@
 namespace voxa {
 
 class GenTable;
-class Library;
+class CommContext;
 class Recordset;
 
 /// Where a download goes.
@@ -40,16 +40,16 @@ struct RowDownload {
 /// row that was changed while it was being sent. Nothing is written of a row that cannot be right, nor to a
 /// reader whose address is that of a whole line; what is wrong is shown, with DLNoMessage left in
 /// `Com.errorList`.
-std::int16_t downloadRow(Library& library, GenTable& rows, const RowDownload& what,
+std::int16_t downloadRow(CommContext& context, GenTable& rows, const RowDownload& what,
                          const Component& component, std::int16_t params);
 
 /// Downloads rows one after the other, whatever becomes of each; the first non-zero result.
 /// query: gives the rows; download: sends the current one.
-std::int16_t downloadEach(Library& library, const std::string& query,
+std::int16_t downloadEach(CommContext& context, const std::string& query,
                           const std::function<std::int16_t(const Recordset&)>& download);
 /// The same as a public operation: a failure, of the rows or of their sending, is shown once at the end.
 /// failureMethod: method text of "msgCantDownload".
-std::int16_t downloadTable(Library& library, const std::string& query, const char* failureMethod,
+std::int16_t downloadTable(CommContext& context, const std::string& query, const char* failureMethod,
                            const std::function<std::int16_t(const Recordset&)>& download);
 
 }  // namespace voxa

@@ -3,11 +3,11 @@
 #include <algorithm>
 
 #include "comm/com.h"
-#include "comm/line_span.h"
 #include "comm/modem_file.h"
 #include "files/command_file.h"
+#include "files/line_span.h"
 #include "files/seq_file.h"
-#include "messages/strings.h"
+#include "lines/line_speed.h"
 #include "platform/database/database.h"
 #include "platform/text.h"
 
@@ -16,19 +16,6 @@ namespace voxa {
 namespace {
 
 constexpr std::int16_t lastId = 998;
-
-struct LineSpeed {
-  std::int32_t bitsPerSecond;
-  const char* code;  // as the controllers take it
-};
-constexpr LineSpeed lineSpeeds[] = {{4800, "0"}, {9600, "1"}, {19200, "2"}, {38400, "3"}};
-
-std::string speedCode(std::int32_t speed) {
-  for (const LineSpeed& known : lineSpeeds) {
-    if (known.bitsPerSecond == speed) return known.code;
-  }
-  return "";
-}
 
 FailureMessage cantFind(const char* method, const Value& what) {
   return {"msgCantFindStation", method, what};
@@ -79,7 +66,7 @@ void Station::insertDefaultRecs() {
   const std::int16_t id = getFreeId();
   if (id == -1) throw Error(err::overflow, "Overflow: there is no free station number");
   database().execute("Insert into Stations ( Id, Name, Active ) values (" + std::to_string(id) + ", '" +
-                     library_.Strings().read("nameStationLocal") + "', True )");
+                     context_.messages().read("nameStationLocal") + "', True )");
 }
 
 std::int16_t Station::getFreeId() {
@@ -101,7 +88,7 @@ std::string Station::getName(std::int16_t Id, bool noMessage) {
   std::string name;
   const bool found = lookUp("select Name from Stations where Id = " + std::to_string(Id), notFound, noMessage,
                             [&](Recordset& row) { name = row.get("Name").toText(); });
-  if (found && name.empty() && !noMessage) library_.report(notFound);
+  if (found && name.empty() && !noMessage) context_.report(notFound);
   return name;
 }
 
@@ -138,9 +125,9 @@ std::string Station::GetCompar(std::int16_t Id, std::int16_t ControllerAddr) {
   // The messages name createIniFile, whose search this is.
   const FailureMessage notFound = cantFind("Station.createIniFile", Id);
   std::string parameters;
-  library_.attempt(notFound, [&] {
+  context_.attempt(notFound, [&] {
     if (gen_.openWhere("Id = " + std::to_string(Id))) {
-      library_.report(notFound);
+      context_.report(notFound);
       return;
     }
     const Recordset& row = *gen_.currentRecordset();
@@ -159,7 +146,7 @@ std::vector<std::string> Station::iniLines(const Recordset& row, std::int16_t ti
   if (const std::string modem = modemFile(row.get("ModemIniFile")); !modem.empty()) {
     lines.push_back("MDM:" + modem);
   }
-  lines.push_back("CFL:" + library_.CommandFile().fileName());
+  lines.push_back("CFL:" + context_.CommandFile().fileName());
   lines.push_back("OUT:" + (timeOutDelay != 0 ? std::to_string(timeOutDelay)
                                               : std::to_string(row.get("TimeoutDelay").toInt16())));
   lines.push_back("TMP:" + std::to_string(row.get("WaitingDelay").toInt16()));
@@ -171,18 +158,18 @@ std::vector<std::string> Station::iniLines(const Recordset& row, std::int16_t ti
 }
 
 std::int16_t Station::createIniFile(std::int16_t Id, std::int16_t timeOutDelay, std::int32_t Speed) {
-  const LineSpan whole(library_);  // a driver that is called meanwhile would read half a file
+  const LineSpan whole(context_);  // a driver that is called meanwhile would read half a file
   whole.require();
   const bool found = !gen_.openWhere("Id = " + std::to_string(Id));
   std::vector<std::string> lines;
   if (found) lines = iniLines(*gen_.currentRecordset(), timeOutDelay, Speed);
-  SeqFile file(library_);
+  SeqFile file(context_);
   file.Name("S" + zeroPadded(Id, 3) + ".ini");
   file.fopen("w");
   for (const std::string& line : lines) file.fprint(line);
   file.fclose();
   if (found) return 0;
-  library_.report(cantFind("Station.createIniFile", Id));
+  context_.report(cantFind("Station.createIniFile", Id));
   return -1;
 }
 
@@ -202,15 +189,14 @@ std::string Station::getControllerList(std::int16_t Id) {
 }
 
 void Station::SendSpeed(std::int16_t StationID, std::int32_t Speed) {
-  constexpr char speedChange = '\x7f';
-  const LineSpan whole(library_);  // no other process calls, or writes the ini file, at the speed in between
+  const LineSpan whole(context_);  // no other process calls, or writes the ini file, at the speed in between
   whole.require();
-  const std::string command = speedChange + speedCode(Speed);
-  for (const LineSpeed& candidate : lineSpeeds) {
-    if (candidate.bitsPerSecond == Speed) continue;
-    createIniFile(StationID, 0, candidate.bitsPerSecond);
-    library_.CommandFile().write({command, command, command});
-    library_.Com().Send(CmSendCommand, StationID, CmToAllControllers);
+  const std::string command = speedLine(Speed);
+  for (const std::int32_t candidate : lineSpeeds) {
+    if (candidate == Speed) continue;
+    createIniFile(StationID, 0, candidate);
+    context_.CommandFile().write({command, command, command});
+    comm_.Com().Send(CmSendCommand, StationID, CmToAllControllers);
   }
 }
 

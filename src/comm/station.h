@@ -4,7 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "app/table.h"
+#include "comm/comm_context.h"
+#include "tables/table.h"
 
 namespace voxa {
 
@@ -14,7 +15,9 @@ namespace voxa {
 /// A station that is not found is reported ("msgCantFindStation"), and so is a failing query.
 class Station : public Table {
  public:
-  explicit Station(Library& library) : Table(library, "Stations") {}
+  static constexpr const char* tableName = "Stations";
+
+  explicit Station(CommContext& context) : Table(context, tableName), comm_(context) {}
 
   /// First free `Id`, or -1 when it would exceed 998.
   std::int16_t getFreeId();
@@ -48,6 +51,7 @@ class Station : public Table {
  private:
   std::vector<std::string> iniLines(const Recordset& row, std::int16_t timeOutDelay, std::int32_t Speed);
   std::string getControllerList(std::int16_t Id);
+  CommContext& comm_;
 };
 
 }  // namespace voxa

@@ -1,13 +1,12 @@
 #include "files/command_file.h"
 
-#include "app/library.h"
-#include "comm/com.h"
-#include "comm/line_span.h"
+#include "files/file_context.h"
+#include "files/line_span.h"
 #include "platform/files.h"
 
 namespace voxa {
 
-CommandFile::CommandFile(Library& library) : library_(library), file_(library) {
+CommandFile::CommandFile(FileContext& context) : context_(context), file_(context) {
   Initialize();
 }
 
@@ -20,7 +19,7 @@ CommandFile::~CommandFile() {
 }
 
 void CommandFile::Initialize() {
-  file_.Name(library_.Com().Chemin + "\\" + fileName());
+  file_.Name(context_.paths().Chemin + "\\" + fileName());
 }
 
 void CommandFile::begin() {
@@ -33,7 +32,7 @@ void CommandFile::begin() {
 
 void CommandFile::fopen() {
   begin();
-  const LineSpan lines(library_, LineSpan::Take::forAMoment);
+  const LineSpan lines(context_, LineSpan::Take::forAMoment);
   emptied_ = lines.refusal().empty();
   if (!emptied_) return;  // another process is sending: the send of these lines will write them
   // A new file where that is possible: one that is emptied and written again some file systems take to the
@@ -54,7 +53,7 @@ void CommandFile::fclose() {
   if (!open_) return;
   open_ = false;
   text_ += file_.lineOf("");
-  const LineSpan lines(library_, LineSpan::Take::forAMoment);
+  const LineSpan lines(context_, LineSpan::Take::forAMoment);
   if (lines.refusal().empty()) write(!emptied_);
 }
 

@@ -7,7 +7,7 @@
 
 namespace voxa {
 
-class Library;
+class FileContext;
 
 /// The file of controller command lines that the driver sends: one command a line, the file ended by one
 /// empty line, emptied by every fopen. One for the whole library; two downloads must not be interleaved
@@ -17,7 +17,7 @@ class Library;
 /// written while nobody sends his, and are written anew by the send when somebody has replaced them.
 class CommandFile {
  public:
-  explicit CommandFile(Library& library);
+  explicit CommandFile(FileContext& context);
   ~CommandFile();
   CommandFile(const CommandFile&) = delete;
   CommandFile& operator=(const CommandFile&) = delete;
@@ -45,7 +45,7 @@ class CommandFile {
   void begin();
   void write(bool anew);
 
-  Library& library_;
+  FileContext& context_;
   SeqFile file_;
   std::string text_;  // what the file is to hold, in code page 1252
   bool open_ = false;

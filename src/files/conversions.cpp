@@ -3,20 +3,11 @@
 #include <limits>
 
 #include "platform/error.h"
-#include "platform/text.h"
 
 namespace voxa {
 
 std::int16_t nullToInt(const Value& value) {
   return value.isNull() ? std::int16_t{0} : value.toInt16();
-}
-
-std::string numberField(std::int32_t number, std::int32_t least, int width, const char* what) {
-  std::string text = zeroPadded(number, width);
-  if (number >= least && text.size() == static_cast<std::size_t>(width)) return text;
-  throw Error(err::overflow, "Overflow: the " + std::string(what) + " " + std::to_string(number) +
-                                 " is not one of " + std::to_string(least) + " to " +
-                                 std::string(static_cast<std::size_t>(width), '9'));
 }
 
 std::string hexToBin(std::string_view text) {

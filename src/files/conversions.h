@@ -15,11 +15,6 @@ namespace voxa {
 /// character raise `err::invalidArgument`.
 [[nodiscard]] std::string hexToBin(std::string_view text);
 
-/// A number as a field of a command line: decimal, zeros on the left to `width` digits. One below `least`, or
-/// with more digits, raises `err::overflow`: it would be read as another row's number, or shift the fields
-/// behind it. what: as the failure names it ("card number").
-[[nodiscard]] std::string numberField(std::int32_t number, std::int32_t least, int width, const char* what);
-
 /// The other reading of a 16-bit value: -32768 to -1 becomes 32768 to 65535 and the reverse, so that a
 /// negative value has four hexadecimal digits. Values of one reading only are returned as they are; 65536 is
 /// subtracted from any other, `err::overflow` when the result needs more than 32 bits.

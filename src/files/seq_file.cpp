@@ -1,7 +1,6 @@
 #include "files/seq_file.h"
 
-#include "app/library.h"
-#include "messages/strings.h"
+#include "platform/context.h"
 #include "platform/text.h"
 
 namespace voxa {
@@ -57,7 +56,7 @@ auto SeqFile::access(const char* mnemonic, Work&& work) {
   try {
     return work();
   } catch (const Error& e) {
-    throw Error(e.number(), library_.Strings().read(mnemonic) + " " + name_ + "\r\n" + e.description());
+    throw Error(e.number(), context_.messages().read(mnemonic) + " " + name_ + "\r\n" + e.description());
   }
 }
 
@@ -73,7 +72,7 @@ void SeqFile::fopenNew() {
 
 void SeqFile::open(files::Stream::Mode mode) {
   abandon();
-  ch_ = library_.takeFileNumber();
+  ch_ = context_.takeFileNumber();
   try {
     stream_.emplace(name_, mode);
   } catch (const Error&) {
@@ -91,7 +90,7 @@ files::Stream& opened(std::optional<files::Stream>& stream) {
 }  // namespace
 
 void SeqFile::fclose() {
-  library_.releaseFileNumber(ch_);
+  context_.releaseFileNumber(ch_);
   ch_ = 0;
   if (!stream_) return;
   files::Stream closing = std::move(*stream_);
@@ -116,7 +115,7 @@ void SeqFile::fprint(const std::string& text) {
 }
 
 void SeqFile::finput(Value& var) {
-  access("msgCantRead", [&] { var = readAs(fromCp1252(opened(stream_).readItem()), var, library_.clock()); });
+  access("msgCantRead", [&] { var = readAs(fromCp1252(opened(stream_).readItem()), var, context_.clock()); });
 }
 
 std::string SeqFile::flineInput() {
@@ -128,7 +127,7 @@ void SeqFile::flineInput1252(std::string& line, std::size_t limit) {
 }
 
 void SeqFile::appendFile(const std::string& fileName) {
-  SeqFile source(library_);
+  SeqFile source(context_);
   source.Name(fileName);
   source.fopen("r");
   while (!source.fEOF()) fprint(source.flineInput());

@@ -10,7 +10,7 @@
 
 namespace voxa {
 
-class Library;
+class Context;
 
 /// A line-oriented text file in code page 1252, lines ended by CR LF.
 ///
@@ -19,7 +19,7 @@ class Library;
 /// silent; the next access fails so.
 class SeqFile {
  public:
-  explicit SeqFile(Library& library) : library_(library) {}
+  explicit SeqFile(Context& context) : context_(context) {}
   ~SeqFile();  ///< closes; a failure then has nobody to go to
   SeqFile(const SeqFile&) = delete;
   SeqFile& operator=(const SeqFile&) = delete;
@@ -57,7 +57,7 @@ class SeqFile {
   template <typename Work>
   auto access(const char* mnemonic, Work&& work);
 
-  Library& library_;
+  Context& context_;
   std::string name_;
   std::int16_t ch_ = 0;
   std::optional<files::Stream> stream_;

@@ -2,9 +2,7 @@
 
 #include <algorithm>
 
-#include "app/library.h"
-#include "comm/com.h"
-#include "messages/strings.h"
+#include "files/file_context.h"
 #include "platform/database/database.h"
 #include "platform/files.h"
 #include "platform/text.h"
@@ -26,46 +24,46 @@ std::string comparable(std::string path) {
   return toUpper(path);
 }
 
-std::string inWorkingFolder(Library& library, const char* suffix) {
-  return comparable(library.Com().Chemin) + suffix;
+std::string inWorkingFolder(FileContext& context, const char* suffix) {
+  return comparable(context.paths().Chemin) + suffix;
 }
 
-bool isJournal(Library& library, const std::string& chosen) {
-  return comparable(chosen) == inWorkingFolder(library, "\\JOURNAL.MDB");
+bool isJournal(FileContext& context, const std::string& chosen) {
+  return comparable(chosen) == inWorkingFolder(context, "\\JOURNAL.MDB");
 }
 
 // The main database's suffix is compared in its mixed case with an upper-case name and so never matches:
 // only the journal is protected, as users of these dialogs expect.
-bool isProtected(Library& library, const std::string& chosen) {
-  return isJournal(library, chosen) || comparable(chosen) == inWorkingFolder(library, "\\KRV.mdb");
+bool isProtected(FileContext& context, const std::string& chosen) {
+  return isJournal(context, chosen) || comparable(chosen) == inWorkingFolder(context, "\\KRV.mdb");
 }
 
 }  // namespace
 
 std::string UFile::choose(const char* titleMnemonic, const std::string& proposed, bool save) {
   FileDialog dialog;
-  dialog.title = library_.Strings().read(titleMnemonic);
+  dialog.title = context_.messages().read(titleMnemonic);
   dialog.proposedName = proposed;
   dialog.filter = filter;
   dialog.flags = flags;
   dialog.save = save;
-  return library_.prompts().chooseFile(dialog);
+  return context_.prompts().chooseFile(dialog);
 }
 
 bool UFile::confirmed(const char* mnemonic) {
-  return library_.prompts().messageBox(library_.Strings().read(mnemonic), style::yesNo | style::question,
-                                       library_.Strings().read("MDIkrvCaption")) == Answer::yes;
+  return context_.prompts().messageBox(context_.messages().read(mnemonic), style::yesNo | style::question,
+                                       context_.messages().read("MDIkrvCaption")) == Answer::yes;
 }
 
 std::int16_t UFile::refuse() {
-  library_.Strings().display("msgIllegalName", "", {}, style::critical);
+  context_.messages().display("msgIllegalName", "", {}, style::critical);
   return -1;
 }
 
 std::int16_t UFile::DlgRename(const std::string& fileName) {
   const std::string chosen = choose("msgSaveAs", fileName, true);
   if (chosen.empty()) return -1;
-  if (isProtected(library_, chosen)) return refuse();
+  if (isProtected(context_, chosen)) return refuse();
   if (comparable(chosen) == comparable(fileName)) return 0;  // it has that name already
   // A copy reaches another volume, too, and a file of that name is replaced by a whole one or not at all.
   files::copy(fileName, chosen);
@@ -76,9 +74,9 @@ std::int16_t UFile::DlgRename(const std::string& fileName) {
 std::int16_t UFile::DlgSaveAs(const std::string& fileName) {
   const std::string chosen = choose("msgSaveAs", fileName, true);
   if (chosen.empty()) return -1;
-  const std::string mainDatabase = comparable(library_.Com().AppDB);
+  const std::string mainDatabase = comparable(context_.paths().AppDB);
   const std::string mainName = mainDatabase.substr(mainDatabase.find_last_of('\\'));
-  if (isJournal(library_, chosen) || comparable(chosen) == inWorkingFolder(library_, "") + mainName) {
+  if (isJournal(context_, chosen) || comparable(chosen) == inWorkingFolder(context_, "") + mainName) {
     return refuse();
   }
   files::copy(fileName, chosen);  // replaces a file of that name in one step
@@ -88,10 +86,10 @@ std::int16_t UFile::DlgSaveAs(const std::string& fileName) {
 std::int16_t UFile::DlgRestore(const std::string& newFileName) {
   const std::string chosen = choose("msgFileToRestore", "", false);
   if (chosen.empty()) return -1;
-  if (isProtected(library_, chosen)) return refuse();
+  if (isProtected(context_, chosen)) return refuse();
   if (files::exists(newFileName) && !confirmed("msgOverrideYN")) return -1;
   // A file that is no database must not replace one: opening it raises the engine's error first.
-  const auto backup = library_.engine().open(chosen);
+  const auto backup = context_.engine().open(chosen);
   requireFit(*backup);
   backup->close();
   files::copy(chosen, newFileName);

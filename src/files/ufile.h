@@ -7,14 +7,14 @@
 namespace voxa {
 
 class Database;
-class Library;
+class FileContext;
 
 /// File dialogs on database files. Each returns 0 when done, -1 when the person cancelled or the name was
 /// refused ("msgIllegalName"): the journal of the working folder may not be chosen. Failing file operations
 /// are raised.
 class UFile {
  public:
-  explicit UFile(Library& library) : library_(library) {}
+  explicit UFile(FileContext& context) : context_(context) {}
 
   /// What the dialogs show beside their title; the callers set them.
   std::string filter;
@@ -32,7 +32,7 @@ class UFile {
   [[nodiscard]] bool confirmed(const char* mnemonic);
   std::int16_t refuse();
 
-  Library& library_;
+  FileContext& context_;
 };
 
 }  // namespace voxa

@@ -6,15 +6,15 @@
 namespace voxa {
 
 std::int16_t Journal::openDB() {
-  return library_.attempt({"msgCantLoad", dbName}, [&] { database_ = library_.engine().open(dbName); });
+  return context_.attempt({"msgCantLoad", dbName}, [&] { database_ = context_.engine().open(dbName); });
 }
 
 std::int16_t Journal::createDB() {
-  return library_.attempt({"msgCantCreateDB", "Journal.createDB"}, [&] { createFile(); });
+  return context_.attempt({"msgCantCreateDB", "Journal.createDB"}, [&] { createFile(); });
 }
 
 void Journal::createFile() {
-  database_ = library_.engine().create(dbName);
+  database_ = context_.engine().create(dbName);
   create();
   (void)database_->tableDef(Name());  // raises what create tells of and passes over: a journal is its table
 }

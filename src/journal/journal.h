@@ -7,9 +7,10 @@
 #include <string>
 #include <vector>
 
-#include "app/table.h"
+#include "access/access_context.h"
 #include "comm/com_types.h"
 #include "platform/driver/driver.h"
+#include "tables/table.h"
 
 namespace voxa {
 
@@ -29,7 +30,7 @@ class Journal : public Table {
  public:
   static constexpr const char* dbName = "Journal.MDB";
 
-  explicit Journal(Library& library) : Table(library, "Journal") {}
+  explicit Journal(AccessContext& context) : Table(context, "Journal"), access_(context) {}
 
   /// The journal database; empty when it was never opened.
   [[nodiscard]] std::shared_ptr<Database> DB() const { return database_; }
@@ -105,6 +106,7 @@ class Journal : public Table {
   void archiveFile(const std::string& baseName);
 
   std::shared_ptr<Database> database_;
+  AccessContext& access_;
 };
 
 }  // namespace voxa

@@ -3,13 +3,11 @@
 #include <optional>
 #include <utility>
 
-#include "app/library.h"
-#include "app/qdb.h"
+#include "access/access_context.h"
 #include "comm/com.h"
 #include "comm/station.h"
 #include "files/seq_file.h"
 #include "journal/journal.h"
-#include "messages/strings.h"
 #include "platform/clock.h"
 #include "platform/database/database.h"
 #include "platform/datetime.h"
@@ -24,7 +22,7 @@ constexpr int secondsAfterDialling = 5;
 /// "Log.txt": what a run did and when. Closed after each line, so that it can be read meanwhile.
 class ProgressLog {
  public:
-  explicit ProgressLog(Library& library) : library_(library), file_(library) { file_.Name("Log.txt"); }
+  explicit ProgressLog(AccessContext& context) : context_(context), file_(context) { file_.Name("Log.txt"); }
 
   void empty() {
     file_.fopen("w");
@@ -32,16 +30,16 @@ class ProgressLog {
   }
   /// One line: date, time, the mnemonic's text (itself while it has none), the detail.
   void write(const char* mnemonic, const std::string& detail = "") {
-    std::string text = library_.Strings().read(mnemonic);
+    std::string text = context_.messages().read(mnemonic);
     if (text.empty()) text = mnemonic;
     file_.fopen();
-    file_.fprint(formatDateTime(library_.clock().now(), "dd/mm/yyyy hh:nn:ss") + " : " + text +
+    file_.fprint(formatDateTime(context_.clock().now(), "dd/mm/yyyy hh:nn:ss") + " : " + text +
                  (detail.empty() ? "" : " ") + detail);
     file_.fclose();
   }
 
  private:
-  Library& library_;
+  AccessContext& context_;
   SeqFile file_;
 };
 
@@ -50,7 +48,7 @@ class ProgressLog {
 class Journal::AutoRun {
  public:
   explicit AutoRun(Journal& journal)
-      : journal_(journal), library_(journal.library_), com_(library_.Com()), log_(library_) {}
+      : journal_(journal), context_(journal.access_), com_(context_.Com()), log_(context_) {}
 
   std::int16_t readAll();
   /// Ends the call that is up, if one is; what the driver said.
@@ -65,7 +63,7 @@ class Journal::AutoRun {
   [[nodiscard]] Database& database() const;
 
   Journal& journal_;
-  Library& library_;
+  AccessContext& context_;
   Com& com_;
   ProgressLog log_;
   std::optional<std::int16_t> station_;
@@ -74,14 +72,14 @@ class Journal::AutoRun {
 };
 
 Database& Journal::AutoRun::database() const {
-  return library_.QDB().database();
+  return context_.database();
 }
 
 std::int16_t Journal::AutoRun::disconnect() {
   if (!dialled_) return 0;
   const std::int16_t station = *std::exchange(dialled_, std::nullopt);
   const std::int16_t result = com_.Send(CmDisconnect, station);
-  library_.QDB().Stations().setActive(station, false);
+  context_.Stations().setActive(station, false);
   return result;
 }
 
@@ -96,7 +94,7 @@ void Journal::AutoRun::hangUp() {
 }
 
 std::int16_t Journal::AutoRun::dial(std::int16_t station) {
-  library_.clock().wait(secondsBeforeDialling);
+  context_.clock().wait(secondsBeforeDialling);
   log_.write("LogConnect", stationName_);
   dialled_ = station;
   std::int16_t result = com_.Send(CmConnect, station);
@@ -108,16 +106,16 @@ std::int16_t Journal::AutoRun::dial(std::int16_t station) {
     log_.write("msgUICantConnect", com_.popErrorList());
   } else {
     log_.write("msgUIStationConnected");
-    library_.QDB().Stations().setActive(station, true);
+    context_.Stations().setActive(station, true);
   }
-  library_.clock().wait(secondsAfterDialling);
+  context_.clock().wait(secondsAfterDialling);
   return result;
 }
 
 std::int16_t Journal::AutoRun::begin(std::int16_t station) {
   hangUp();
   station_ = station;
-  stationName_ = library_.QDB().Stations().getName(station);
+  stationName_ = context_.Stations().getName(station);
   const auto dialUp =
       database().openRecordset("Select * from Stations where Phone <>'' and ID = " + std::to_string(station));
   return dialUp->eof() ? std::int16_t{0} : dial(station);
@@ -165,9 +163,9 @@ std::int16_t Journal::AutoRun::readAll() {
 std::int16_t Journal::readAuto() {
   const FailureMessage broken{"msgCantTransferTransac", "Journal.readAuto"};
   AutoRun run(*this);
-  const std::int16_t status = library_.attempt(broken, [&] { return run.readAll(); });
+  const std::int16_t status = context_.attempt(broken, [&] { return run.readAll(); });
   // A run that broke off leaves no telephone line open.
-  library_.attempt(broken, [&] { (void)run.disconnect(); });
+  context_.attempt(broken, [&] { (void)run.disconnect(); });
   return status;
 }
 

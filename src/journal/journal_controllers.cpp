@@ -2,26 +2,24 @@
 
 #include <utility>
 
-#include "app/library.h"
-#include "app/qdb.h"
+#include "access/access_context.h"
 #include "comm/com.h"
 #include "comm/station.h"
 #include "journal/journal.h"
-#include "messages/strings.h"
 #include "platform/database/database.h"
 
 namespace voxa {
 
 std::int16_t Journal::readController(const Source& source, const Begins& begins, const Fails& fails) {
-  Com& com = library_.Com();
+  Com& com = access_.Com();
   const auto fail = [&](const char* mnemonic, const std::string& why) {
     std::string detail = why;
-    if (const ErrorInfo error = std::exchange(library_.error(), {}); error.number != 0) {
+    if (const ErrorInfo error = std::exchange(context_.error(), {}); error.number != 0) {
       detail += "\r\nError " + std::to_string(error.number) + ": " + error.description;
     }
     fails(mnemonic, detail);
   };
-  const std::int16_t answer = library_.attempt([&] {
+  const std::int16_t answer = context_.attempt([&] {
     const std::int16_t result = com.Send(CmReadDate, source.station, source.controller);
     if (result == 0 && !com.inhibitCom) com.noteAnswer(source.station, source.controller);
     return result;
@@ -38,8 +36,8 @@ std::int16_t Journal::readController(const Source& source, const Begins& begins,
 }
 
 std::vector<Journal::ControllerRead> Journal::readStation(std::int16_t station) {
-  library_.QDB().Stations().createIniFile(station);
-  const auto controllers = library_.QDB().Stations().getDB()->openRecordset(
+  access_.Stations().createIniFile(station);
+  const auto controllers = access_.Stations().getDB()->openRecordset(
       "select distinct ControllerAddress from Readers where ControllerAddress is not null and StationId = " +
       std::to_string(station) + " order by ControllerAddress");
   std::vector<ControllerRead> reads;
@@ -49,7 +47,7 @@ std::vector<Journal::ControllerRead> Journal::readStation(std::int16_t station) 
     read.result = readController(
         {station, read.controller}, [](ComCommandsEnum) {},
         [&](const char* mnemonic, const std::string& why) {
-          read.failure += library_.Strings().read(mnemonic) + " " + why;
+          read.failure += context_.messages().read(mnemonic) + " " + why;
         });
   }
   return reads;

@@ -1,6 +1,6 @@
 // From the work file to rows of the journal.
 
-#include "app/library.h"
+#include "access/access_context.h"
 #include "files/seq_file.h"
 #include "journal/journal.h"
 #include "journal/journal_files.h"
@@ -16,11 +16,11 @@ namespace voxa {
 /// transactions, "" when all are.
 std::string Journal::decodeFile(std::int16_t stationId, const std::string& baseName) {
   if (!files::exists(dumpFile)) return "";
-  SeqFile dump(library_);
+  SeqFile dump(context_);
   dump.Name(dumpFile);
   dump.fopen("r");
-  Transaction transaction(library_.engine(), database());
-  JournalRows rows(library_, database(), stationId);
+  Transaction transaction(context_.engine(), database());
+  JournalRows rows(access_, database(), stationId);
   UndecodedLines undecoded;
   std::string line;
   for (std::size_t number = 1; !dump.fEOF(); ++number) {
@@ -31,7 +31,7 @@ std::string Journal::decodeFile(std::int16_t stationId, const std::string& baseN
     if (!fault.empty()) undecoded.add(number, fault, fromCp1252(line));
   }
   const std::string keptIn = baseName + ".BAD";
-  undecoded.keep(library_, keptIn);
+  undecoded.keep(context_, keptIn);
   transaction.commit();
   dump.fclose();
   return undecoded.summary(keptIn);

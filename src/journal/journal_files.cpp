@@ -2,7 +2,7 @@
 
 #include "journal/journal_files.h"
 
-#include "app/library.h"
+#include "access/access_context.h"
 #include "comm/com.h"
 #include "journal/journal.h"
 #include "platform/clock.h"
@@ -39,15 +39,15 @@ void Journal::rotateFile(const std::string& baseName) {
 
 void Journal::archiveFile(const std::string& baseName) {
   if (files::exists(dumpFile)) files::rename(dumpFile, baseName + ".DAT");
-  const std::string folder = library_.Com().Chemin + "\\Backup";
+  const std::string folder = access_.Com().Chemin + "\\Backup";
   // Looked for in the current folder, made in the working folder: the same place in an installation.
   if (!files::folderExists("Backup")) files::makeFolder(folder);
   const auto target = [&] {
-    return folder + "\\" + baseName + " " + formatDateTime(library_.clock().now(), "ddmmmyyyy-hh.nn.ss") +
+    return folder + "\\" + baseName + " " + formatDateTime(context_.clock().now(), "ddmmmyyyy-hh.nn.ss") +
            ".DAT";
   };
   // Read twice within a second: the first archive stays.
-  while (files::exists(target())) library_.clock().wait(1);
+  while (files::exists(target())) context_.clock().wait(1);
   // Fails when the driver reported success but wrote no file: then nothing is cleared.
   files::copy(baseName + ".Dat", target());
 }

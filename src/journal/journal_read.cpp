@@ -2,12 +2,11 @@
 
 #include <optional>
 
-#include "app/library.h"
-#include "app/qdb.h"
+#include "access/access_context.h"
 #include "comm/com.h"
-#include "comm/line_span.h"
 #include "comm/reader.h"
 #include "comm/station.h"
+#include "files/line_span.h"
 #include "journal/journal.h"
 #include "journal/journal_files.h"
 #include "platform/database/database.h"
@@ -25,9 +24,9 @@ std::optional<Journal::Source> Journal::sourceOf(ComponentType compType, const s
   Source source{0, CmToEachController};
   bool found = false;
   if (compType == CTReader) {
-    found = library_.QDB().Readers().getControllerAddr(compName, source.station, source.controller) == 0;
+    found = access_.Readers().getControllerAddr(compName, source.station, source.controller) == 0;
   } else if (compType == CTStation) {
-    source.station = library_.QDB().Stations().getId(compName);
+    source.station = access_.Stations().getId(compName);
     found = source.station != -1;
   }
   return found ? std::optional(source) : std::nullopt;
@@ -37,22 +36,22 @@ std::string Journal::takeIn(const Source& source) {
   const std::string baseName = makeFileName(source);
   rotateFile(baseName);
   std::string undecoded;
-  library_.showLater([&] { undecoded = decodeFile(source.station, baseName); });
+  context_.showLater([&] { undecoded = decodeFile(source.station, baseName); });
   archiveFile(baseName);
   return undecoded;
 }
 
 std::int16_t Journal::transfer(const Route& route) {
-  Com& com = library_.Com();
+  Com& com = access_.Com();
   // Another process that reads the same memory would take the dump for its own, or clear what this one has
   // not read yet.
-  const LineSpan lines(library_);
+  const LineSpan lines(context_);
   std::int16_t partial = 0;  // the result of a read that broke off but left a file
   bool ended = false;
   std::string undecoded;
-  std::int16_t result = library_.attempt([&]() -> std::int16_t {
+  std::int16_t result = context_.attempt([&]() -> std::int16_t {
     lines.require();
-    if (library_.engine().inTransaction()) {
+    if (context_.engine().inTransaction()) {
       // Someone else would decide whether the rows stay, after the controller was cleared.
       throw Error(err::dbInvalidArgument, "Transactions cannot be read inside a database transaction");
     }
@@ -88,7 +87,7 @@ std::int16_t Journal::transfer(const Route& route) {
 }
 
 std::int16_t Journal::readTransactions(ComponentType compType, const std::string& compName) {
-  Com& com = library_.Com();
+  Com& com = access_.Com();
   if (!isKnown(compType)) return -1;
   if (!com.TestCom(compType, compName) && !com.inhibitCom) {
     // Of a reader there is nothing to read when its one controller does not answer.
@@ -99,7 +98,7 @@ std::int16_t Journal::readTransactions(ComponentType compType, const std::string
        .source = [&] { return sourceOf(compType, compName); },
        .fail =
            [&](const char* mnemonic, const std::string& why) {
-             library_.report({mnemonic, "Journal.readTransactions", Value(why)});
+             context_.report({mnemonic, "Journal.readTransactions", Value(why)});
            }});
 }
 
@@ -108,7 +107,7 @@ std::string Journal::getLastCardCode(const std::string& readerName) {
   (void)readTransactions(CTReader, readerName);
   const FailureMessage noCode{"msgCantReadCardCode", "Journal.getLastCardCode"};
   std::string code;
-  const std::int16_t status = library_.attempt(noCode, [&] {
+  const std::int16_t status = context_.attempt(noCode, [&] {
     const auto last = rows(
         "SELECT TOP 1 Journal.TransactionType, Journal.TransactionData From Journal "
         "WHERE (((Journal.TransactionType)='10' Or (Journal.TransactionType)='12' Or "
@@ -120,7 +119,7 @@ std::string Journal::getLastCardCode(const std::string& readerName) {
     last->remove();
     if (!data.isNull()) code = data.toText();
   });
-  if (status == 0 && code.empty()) library_.report(noCode);
+  if (status == 0 && code.empty()) context_.report(noCode);
   return code;
 }
 

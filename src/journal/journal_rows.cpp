@@ -1,8 +1,7 @@
 #include "journal/journal_rows.h"
 
+#include "access/access_context.h"
 #include "access/cardholder.h"
-#include "app/library.h"
-#include "app/qdb.h"
 #include "comm/reader.h"
 #include "comm/station.h"
 #include "platform/clock.h"
@@ -40,13 +39,13 @@ std::string cut(std::string_view name) {
 
 }  // namespace
 
-JournalRows::JournalRows(Library& library, Database& journal, std::int16_t stationId)
-    : library_(library),
+JournalRows::JournalRows(AccessContext& context, Database& journal, std::int16_t stationId)
+    : context_(context),
       journal_(journal),
       stationId_(stationId),
-      today_(library.clock().now()),
+      today_(context.clock().now()),
       row_(columns) {
-  const std::string name = library_.QDB().Stations().getName(stationId, true);
+  const std::string name = context_.Stations().getName(stationId, true);
   sql_ = insertOf(stationId, name.empty() ? std::to_string(stationId) : name);
 }
 
@@ -58,7 +57,7 @@ const Value& JournalRows::cardholder(std::string_view cardNumber) {
   if (cardholders_.empty()) cardholders_.resize(cardNumbers);
   Value& known = cardholders_[static_cast<std::size_t>(number)];
   if (known.isNull()) {
-    const std::string name = library_.QDB().Cardholders().getNameByCardNum(number);
+    const std::string name = context_.Cardholders().getNameByCardNum(number);
     known = cut(name.empty() ? cardNumber : name);
   }
   return known;
@@ -68,7 +67,7 @@ const JournalRows::Door& JournalRows::reader(std::int16_t controller, std::int16
   constexpr int positions = 5;
   const auto [entry, isNew] = readers_.try_emplace(controller * positions + position);
   if (isNew) {
-    Reader& readers = library_.QDB().Readers();
+    Reader& readers = context_.Readers();
     const std::int16_t id = readers.getId(stationId_, controller, position, true);
     std::string name;
     if (id != -1) {

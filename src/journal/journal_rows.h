@@ -7,14 +7,14 @@
 #include <unordered_map>
 #include <vector>
 
-#include "journal/journal_line.h"
+#include "lines/transaction.h"
 #include "platform/value.h"
 
 namespace voxa {
 
 class Command;
 class Database;
-class Library;
+class AccessContext;
 
 /// Width of the journal's column for cardholder names, in characters; longer names are cut.
 inline constexpr int cardholderNameSize = 40;
@@ -23,7 +23,7 @@ inline constexpr int cardholderNameSize = 40;
 /// looked up once a file.
 class JournalRows {
  public:
-  JournalRows(Library& library, Database& journal, std::int16_t stationId);
+  JournalRows(AccessContext& context, Database& journal, std::int16_t stationId);
   ~JournalRows();
 
   /// Inserts the transaction that a line starts with. line: code page 1252. Returns why there is none, ""
@@ -39,13 +39,13 @@ class JournalRows {
   const Value& cardholder(std::string_view cardNumber);
   const Door& reader(std::int16_t controller, std::int16_t position);
 
-  Library& library_;
+  AccessContext& context_;
   Database& journal_;
   std::string sql_;
   std::unique_ptr<Command> insert_;  // of sql_, prepared for the first row
   std::int16_t stationId_;
   DateTime today_;  // of the whole dump
-  JournalLine line_;
+  TransactionLine line_;
   std::vector<Value> row_;                 // the values of insert_
   std::int16_t position_ = 0;              // of the line before, 0 when that is not known
   std::vector<Value> cardholders_;         // names by card number, Null until they are asked for

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "app/library.h"
+#include "platform/context.h"
 #include "files/seq_file.h"
 #include "platform/clock.h"
 #include "platform/datetime.h"
@@ -14,10 +14,10 @@ void UndecodedLines::add(std::size_t number, std::string_view why, std::string_v
   if (kept_.size() < mostKept) kept_.push_back({number, std::string(why), std::string(line)});
 }
 
-void UndecodedLines::keep(Library& library, const std::string& fileName) const {
+void UndecodedLines::keep(Context& context, const std::string& fileName) const {
   if (empty()) return;
-  const std::string now = toShortText(library.clock().now()) + " ";
-  SeqFile file(library);
+  const std::string now = toShortText(context.clock().now()) + " ";
+  SeqFile file(context);
   file.Name(fileName);
   file.fopen();
   for (const Line& line : kept_) {

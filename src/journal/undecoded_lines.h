@@ -7,7 +7,7 @@
 
 namespace voxa {
 
-class Library;
+class Context;
 
 /// The lines of one dump that did not become rows of the journal. What they hold must not get lost: they are
 /// kept in a text file of their own, as they came, for a person to look at.
@@ -21,7 +21,7 @@ class UndecodedLines {
   [[nodiscard]] bool empty() const { return count_ == 0; }
 
   /// Appends the lines to a file, each behind date, time, number and reason. Failures are raised.
-  void keep(Library& library, const std::string& fileName) const;
+  void keep(Context& context, const std::string& fileName) const;
   /// What to tell a person: the first of the lines and where they are kept.
   [[nodiscard]] std::string summary(const std::string& fileName) const;
 

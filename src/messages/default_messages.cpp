@@ -3,8 +3,8 @@
 #include <string>
 #include <string_view>
 
-#include "app/library.h"
 #include "messages/strings.h"
+#include "platform/context.h"
 #include "platform/database/database.h"
 
 namespace voxa {
@@ -98,21 +98,20 @@ constexpr DefaultText defaultTexts[] = {
 
 }  // namespace
 
-void insertDefaultMessages(Library& library) {
-  Strings& strings = library.Strings();
+void insertDefaultMessages(Context& context, Strings& strings) {
   const auto insertAll = [&] {
     // One transaction: the disk is waited for once. A store that cannot be written at all is told of once.
-    Transaction transaction(library.engine(), strings.database());
+    Transaction transaction(context.engine(), strings.database());
     for (const DefaultText& text : defaultTexts) {
       const bool isName = text.context.starts_with("Table ");
       (void)strings.insert(std::string(text.mnemonic), std::string(text.english),
                            isName ? std::int16_t{2000} : std::int16_t{0},
                            "KORVA " + std::string(text.context), isName ? "Name" : "Message");
-      if (!library.engine().inTransaction()) return;  // a full disk undid it, as has been told
+      if (!context.engine().inTransaction()) return;  // a full disk undid it, as has been told
     }
     transaction.commit();
   };
-  library.showLater([&] { library.attempt({"msgCantInsertMessage", ""}, insertAll); });
+  context.showLater([&] { context.attempt({"msgCantInsertMessage", ""}, insertAll); });
 }
 
 }  // namespace voxa

@@ -1,6 +1,5 @@
 #include "messages/strings.h"
 
-#include "app/table.h"
 #include "platform/database/database.h"
 #include "platform/driver/driver.h"
 #include "platform/ui/prompts.h"
@@ -23,7 +22,7 @@ void appendLine(std::string& text, const std::string& line) {
 
 }  // namespace
 
-Strings::Strings(Library& library) : library_(library) {
+Strings::Strings(Context& context) : context_(context) {
   openDB();
 }
 
@@ -38,32 +37,32 @@ Database& Strings::database() const {
 }
 
 void Strings::openDB() {
-  const std::int16_t status = library_.attempt([&] { store_ = library_.engine().open(storeName); });
+  const std::int16_t status = context_.attempt([&] { store_ = context_.engine().open(storeName); });
   if (status != 0) showStoreFailure("msgCantLoad");
-  library_.error().clear();
+  context_.error().clear();
 }
 
 // The raw mnemonic stands in the box because the store that would translate it is what failed. The number
 // shown is the sum of the error's number and the value of its description: no box comes up unless the
 // description is a number, and the current error is then a type mismatch.
 void Strings::showStoreFailure(const char* mnem) {
-  const ErrorInfo failure = library_.error();
-  library_.attempt([&] {
+  const ErrorInfo failure = context_.error();
+  context_.attempt([&] {
     const double sum = failure.number + Value(failure.description).toDouble();
-    library_.prompts().messageBox(std::string(mnem) + " " + storeName + crLf + Value(sum).toText(),
+    context_.prompts().messageBox(std::string(mnem) + " " + storeName + crLf + Value(sum).toText(),
                                   style::okOnly, read("MDIkrvCaption"));
   });
 }
 
 std::int16_t Strings::createDB() {
-  std::int16_t status = library_.attempt([&] { store_ = library_.engine().create(storeName); });
+  std::int16_t status = context_.attempt([&] { store_ = context_.engine().create(storeName); });
   if (status != 0) {
     showStoreFailure("msgCantCreateDB");
-    if (library_.error().number != 0) status = static_cast<std::int16_t>(library_.error().number);
-    library_.error().clear();
+    if (context_.error().number != 0) status = static_cast<std::int16_t>(context_.error().number);
+    context_.error().clear();
     return status;
   }
-  return library_.attempt({"msgCantCreateTable", std::string(tableName) + ".create"}, [&] { createTable(); });
+  return context_.attempt({"msgCantCreateTable", std::string(tableName) + ".create"}, [&] { createTable(); });
 }
 
 void Strings::createTable() {
@@ -85,7 +84,7 @@ void Strings::createTable() {
 std::int16_t Strings::insert(const std::string& mnem, const std::string& textEng, std::int16_t width,
                              const std::string& context, const std::string& sType, float fontSize,
                              bool fontBold) {
-  return library_.attempt({"msgCantInsertMessage", ""}, [&] {
+  return context_.attempt({"msgCantInsertMessage", ""}, [&] {
     const auto rows = database().openRecordset("select * from Strings where mnemonic = '" + mnem + "'");
     if (rows->eof()) {
       rows->addNew();
@@ -119,8 +118,8 @@ std::string Strings::read(std::string_view mnem) {
 
 // Works on copies: reading texts runs the engine, whose error collection a failure would replace.
 std::string Strings::errorText() {
-  const ErrorInfo current = library_.error();
-  const std::vector<ErrorInfo> engineErrors = library_.engine().errors();
+  const ErrorInfo current = context_.error();
+  const std::vector<ErrorInfo> engineErrors = context_.engine().errors();
   std::string text;
   if (current.number != 0) {
     const bool ofDatabase =
@@ -154,7 +153,7 @@ std::string Strings::errorText() {
       text = "Error " + std::to_string(current.number) + ": " + current.description;
     }
   }
-  if (const int code = library_.driver().lastError(); code != 0) {
+  if (const int code = context_.driver().lastError(); code != 0) {
     appendLine(text, "DLL Error " + std::to_string(code) + ": " + std::system_category().message(code));
   }
   return text;
@@ -164,7 +163,7 @@ void Strings::display(std::string_view mnem, const std::string& method, const Di
                       int msgStyle) {
   std::string argText;
   if (const auto* failure = std::get_if<ErrorInfo>(&arg)) {
-    library_.error() = *failure;
+    context_.error() = *failure;
   } else if (const auto* value = std::get_if<Value>(&arg); value != nullptr && !value->isNull()) {
     argText = value->toText();
   }
@@ -174,7 +173,7 @@ void Strings::display(std::string_view mnem, const std::string& method, const Di
   if (!argText.empty()) prompt += " " + argText;
   appendLine(prompt, failureText);
   if (!method.empty()) appendLine(prompt, "(" + method + ")");
-  library_.prompts().messageBox(prompt, msgStyle, read("MDIkrvCaption"));
+  context_.prompts().messageBox(prompt, msgStyle, read("MDIkrvCaption"));
 }
 
 }  // namespace voxa

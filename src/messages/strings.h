@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "app/library.h"
+#include "platform/context.h"
 
 namespace voxa {
 
@@ -14,10 +14,10 @@ class Database;
 /// The message catalogue: every text shown to a person and the names of built-in records, by mnemonic, in the
 /// database file "I18N.MDB" of the current folder. English texts are written by the library; a translator
 /// adds local ones beside them, which then win. The object opens the store when it is created and keeps it.
-class Strings {
+class Strings : public Messages {
  public:
-  explicit Strings(Library& library);
-  ~Strings();
+  explicit Strings(Context& context);
+  ~Strings() override;
   Strings(const Strings&) = delete;
   Strings& operator=(const Strings&) = delete;
 
@@ -40,14 +40,14 @@ class Strings {
 
   /// The local text, else the English one, else "" for an unknown mnemonic. "Mnemonic " + mnem when the store
   /// cannot be read. Never fails, and leaves the current error alone.
-  [[nodiscard]] std::string read(std::string_view mnem);
+  [[nodiscard]] std::string read(std::string_view mnem) override;
 
   /// Shows one message box: the text of `mnem`, the argument, the current error (the database engine's with
   /// its own wording), the last error of a library call, the method in parentheses.
   /// msgStyle: buttons and icon (prompts.h). The current error is not cleared, except that an ErrorInfo given
   /// as argument becomes it.
   void display(std::string_view mnem, const std::string& method = "", const DisplayArgument& arg = {},
-               int msgStyle = 16);
+               int msgStyle = 16) override;
 
  private:
   void openDB();
@@ -55,7 +55,7 @@ class Strings {
   void showStoreFailure(const char* mnem);
   [[nodiscard]] std::string errorText();
 
-  Library& library_;
+  Context& context_;
   std::shared_ptr<Database> store_;
 };
 

@@ -2,10 +2,8 @@
 
 #include "comm/com.h"
 #include "comm/row_download.h"
-#include "files/conversions.h"
-#include "messages/strings.h"
+#include "lines/daily_program.h"
 #include "platform/database/database.h"
-#include "platform/datetime.h"
 
 namespace voxa {
 
@@ -17,12 +15,6 @@ constexpr int timeSize = 5;  // "hh:mm"
 constexpr const char* bounds[] = {"StartFirstInterval", "EndFirstInterval", "StartSecondInterval",
                                   "EndSecondInterval"};
 constexpr const char* furtherBounds[] = {"Start3Interval", "End3Interval", "Start4Interval", "End4Interval"};
-
-// 23:59 stands for the end of the day, which the controllers call 2400.
-std::string timeField(const Value& bound) {
-  const std::string time = formatDateTime(bound.toDateTime(), "hhnn");
-  return time == "2359" ? "2400" : time;
-}
 
 FieldDef furtherField(const char* bound) {
   FieldDef field;
@@ -56,7 +48,7 @@ void DailyProgram::createIndexes(TableDef& td) {
 }
 
 void DailyProgram::insertDefaultRecs() {
-  Strings& strings = library_.Strings();
+  Messages& strings = context_.messages();
   const std::string into =
       "Insert into DailyPrograms ( Id, Name, StartFirstInterval, EndFirstInterval, StartSecondInterval, "
       "EndSecondInterval";
@@ -80,7 +72,7 @@ std::int16_t DailyProgram::getFreeId() {
 std::int16_t DailyProgram::download(std::int16_t Id, ComponentType compType, const std::string& compName,
                                     std::int16_t Params, bool* AlreadyComTested) {
   if (Id == neverProgram) return 0;
-  if (!library_.Com().readyToSend(compType, compName, AlreadyComTested)) return 0;
+  if (!comm_.Com().readyToSend(compType, compName, AlreadyComTested)) return 0;
   RowDownload what;
   what.condition = "Id = " + std::to_string(Id);
   what.row = "Daily program " + std::to_string(Id);
@@ -92,22 +84,21 @@ std::int16_t DailyProgram::download(std::int16_t Id, ComponentType compType, con
   what.alwaysShowsFailure = false;
   what.clearsFlags = true;
   what.lines = [&](const Recordset& row) {
-    std::string line = "31" + numberField(Id, 1, 2, "daily program number");
-    for (const char* bound : bounds) line += timeField(row.get(bound));
-    if (library_.Com().pDailyPrograms4Zones == 1) {
-      for (const char* bound : furtherBounds) line += timeField(row.get(bound));
+    std::vector<DateTime> moments;
+    for (const char* bound : bounds) moments.push_back(row.get(bound).toDateTime());
+    if (comm_.Com().pDailyPrograms4Zones == 1) {
+      for (const char* bound : furtherBounds) moments.push_back(row.get(bound).toDateTime());
     }
-    return std::vector{line};
+    return std::vector{dailyProgramLine(Id, moments)};
   };
-  return downloadRow(library_, gen_, what, {compType, compName}, Params);
+  return downloadRow(comm_, gen_, what, {compType, compName}, Params);
 }
 
 std::int16_t DailyProgram::generalDownload(ComponentType compType, const std::string& compName,
                                            bool* AlreadyComTested) {
-  if (!library_.Com().readyToSend(compType, compName, AlreadyComTested)) return 0;
+  if (!comm_.Com().readyToSend(compType, compName, AlreadyComTested)) return 0;
   bool tested = true;
-  return downloadTable(
-      library_, "select Id from DailyPrograms", "DailyPrograms.generalDownload", [&](const Recordset& row) {
+  return downloadTable(comm_, "select Id from DailyPrograms", "DailyPrograms.generalDownload", [&](const Recordset& row) {
         return download(row.get("Id").toInt16(), compType, compName, DLFull | DLNoMessage, &tested);
       });
 }

@@ -3,8 +3,9 @@
 #include <cstdint>
 #include <string>
 
-#include "app/table.h"
 #include "comm/com_types.h"
+#include "comm/comm_context.h"
+#include "tables/table.h"
 
 namespace voxa {
 
@@ -13,7 +14,9 @@ namespace voxa {
 /// "23:59" to "23:59" is empty.
 class DailyProgram : public Table {
  public:
-  explicit DailyProgram(Library& library) : Table(library, "DailyPrograms") {}
+  static constexpr const char* tableName = "DailyPrograms";
+
+  explicit DailyProgram(CommContext& context) : Table(context, tableName), comm_(context) {}
 
   /// First free `Id`, or -1 when it would exceed 99.
   std::int16_t getFreeId();
@@ -40,6 +43,7 @@ class DailyProgram : public Table {
 
  private:
   bool fourZones_ = false;
+  CommContext& comm_;
 };
 
 }  // namespace voxa

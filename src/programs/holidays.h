@@ -3,8 +3,9 @@
 #include <cstdint>
 #include <string>
 
-#include "app/table.h"
 #include "comm/com_types.h"
+#include "comm/comm_context.h"
+#include "tables/table.h"
 
 namespace voxa {
 
@@ -12,7 +13,7 @@ namespace voxa {
 /// every year. Table "Holidays"; `Id` is the slot on the controllers.
 class Holidays : public Table {
  public:
-  explicit Holidays(Library& library) : Table(library, "Holidays") {}
+  explicit Holidays(CommContext& context) : Table(context, "Holidays"), comm_(context) {}
 
   /// First free slot, or -1 when it would exceed 20 (60 with controllers of the newer VRMD1 kind).
   /// withNewVRMD1: is not changed.
@@ -33,6 +34,9 @@ class Holidays : public Table {
 
   void createFields(TableDef& td) override;
   void createIndexes(TableDef& td) override;
+
+ private:
+  CommContext& comm_;
 };
 
 }  // namespace voxa

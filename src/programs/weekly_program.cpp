@@ -1,10 +1,10 @@
 #include "programs/weekly_program.h"
 
-#include "app/qdb.h"
 #include "comm/com.h"
+#include "comm/comm_context.h"
 #include "comm/row_download.h"
 #include "files/conversions.h"
-#include "messages/strings.h"
+#include "lines/weekly_program.h"
 #include "platform/database/database.h"
 #include "programs/daily_program.h"
 
@@ -14,30 +14,17 @@ namespace {
 
 constexpr std::int16_t alwaysProgram = 0;
 constexpr int days = 7;
-constexpr const char* wholeDay = "01";  // the daily program that every day may use
-constexpr const char* wholeDayDefinition = "31010000240024002400";
 
 std::string dayColumn(int day) {
   return "DailyProgDay" + std::to_string(day);
 }
 
-// The program's line, and the whole day's definition behind it when a day (a holiday does not count) uses
-// that one, so that the controller holds what the line refers to.
-std::vector<std::string> programLines(const std::string& progType, std::int16_t progNum,
-                                      const Recordset& row) {
-  const auto day = [&](const std::string& column) {
-    return numberField(nullToInt(row.get(column)), 0, 2, "number of a day's program");
-  };
-  std::string line = (progType == "C" ? "32" : "42") + numberField(progNum, 1, 2, "weekly program number");
-  bool usesWholeDay = false;
-  for (int number = 1; number <= days; ++number) {
-    const std::string program = day(dayColumn(number));
-    usesWholeDay = usesWholeDay || program == wholeDay;
-    line += program;
+WeeklyProgramRecord recordOf(const std::string& progType, std::int16_t progNum, const Recordset& row) {
+  WeeklyProgramRecord program{progType, progNum, {}, nullToInt(row.get("DailyProgHolidays"))};
+  for (int day = 1; day <= days; ++day) {
+    program.days.at(static_cast<std::size_t>(day - 1)) = nullToInt(row.get(dayColumn(day)));
   }
-  std::vector<std::string> lines = {line + day("DailyProgHolidays")};
-  if (usesWholeDay) lines.emplace_back(wholeDayDefinition);
-  return lines;
+  return program;
 }
 
 }  // namespace
@@ -57,16 +44,15 @@ void WeeklyProgram::createIndexes(TableDef& td) {
 }
 
 std::int16_t WeeklyProgram::createRelations() {
-  const std::string dailyPrograms = library_.QDB().DailyPrograms().Name();
   for (int day = 1; day <= days; ++day) {
-    relate("WeeklyProgDaily" + std::to_string(day), dailyPrograms, "Id", dayColumn(day));
+    relate("WeeklyProgDaily" + std::to_string(day), DailyProgram::tableName, "Id", dayColumn(day));
   }
-  relate("WeeklyProgHolidays", dailyPrograms, "Id", "DailyProgHolidays");
+  relate("WeeklyProgHolidays", DailyProgram::tableName, "Id", "DailyProgHolidays");
   return 0;
 }
 
 void WeeklyProgram::insertDefaultRecs() {
-  const std::string name = library_.Strings().read("nameWeeklyProgAlways");
+  const std::string name = context_.messages().read("nameWeeklyProgAlways");
   for (const char* family : {"C", "E"}) {
     database().execute(
         "Insert into WeeklyPrograms(ProgType, ProgNum, Name, DailyProgDay1, DailyProgDay2, DailyProgDay3, "
@@ -84,7 +70,7 @@ std::string WeeklyProgram::DefaultName() {
 }
 
 std::string WeeklyProgram::NeverName() {
-  return library_.Strings().read("nameWeeklyProgNever");
+  return context_.messages().read("nameWeeklyProgNever");
 }
 
 std::int16_t WeeklyProgram::getFreeId(const std::string& ProgType) {
@@ -114,7 +100,7 @@ std::int16_t WeeklyProgram::download(const std::string& ProgType, std::int16_t P
                                      ComponentType compType, const std::string& compName, std::int16_t Params,
                                      bool* AlreadyComTested) {
   if (ProgNum == alwaysProgram) return 0;
-  if (!library_.Com().readyToSend(compType, compName, AlreadyComTested)) return 0;
+  if (!comm_.Com().readyToSend(compType, compName, AlreadyComTested)) return 0;
   RowDownload what;
   what.condition = " ProgType = '" + ProgType + "' and ProgNum = " + std::to_string(ProgNum);
   what.row = "Weekly program " + ProgType + " " + std::to_string(ProgNum);
@@ -125,18 +111,17 @@ std::int16_t WeeklyProgram::download(const std::string& ProgType, std::int16_t P
   what.failureMethod = "WeeklyPrograms.download";
   what.alwaysShowsFailure = true;
   what.clearsFlags = true;
-  what.lines = [&](const Recordset& row) { return programLines(ProgType, ProgNum, row); };
-  return downloadRow(library_, gen_, what, {compType, compName}, Params);
+  what.lines = [&](const Recordset& row) { return weeklyProgramLines(recordOf(ProgType, ProgNum, row)); };
+  return downloadRow(comm_, gen_, what, {compType, compName}, Params);
 }
 
 std::int16_t WeeklyProgram::generalDownload(ComponentType compType, const std::string& compName,
                                             const std::string& whereExpr, bool* AlreadyComTested) {
-  if (!library_.Com().readyToSend(compType, compName, AlreadyComTested)) return 0;
+  if (!comm_.Com().readyToSend(compType, compName, AlreadyComTested)) return 0;
   if (const std::int16_t failed = gen_.setTableFlagsD(true, whereExpr); failed != 0) return failed;
   bool tested = true;
-  return library_.attempt({"msgCantDownload", "WeeklyPrograms.generalDownload"}, [&] {
-    return downloadEach(
-        library_,
+  return context_.attempt({"msgCantDownload", "WeeklyPrograms.generalDownload"}, [&] {
+    return downloadEach(comm_,
         "select ProgType, ProgNum from WeeklyPrograms" + (whereExpr.empty() ? "" : " WHERE " + whereExpr),
         [&](const Recordset& row) {
           return download(row.get("ProgType").toText(), row.get("ProgNum").toInt16(), compType, compName,

@@ -3,8 +3,9 @@
 #include <cstdint>
 #include <string>
 
-#include "app/table.h"
 #include "comm/com_types.h"
+#include "comm/comm_context.h"
+#include "tables/table.h"
 
 namespace voxa {
 
@@ -13,7 +14,9 @@ namespace voxa {
 /// sent.
 class WeeklyProgram : public Table {
  public:
-  explicit WeeklyProgram(Library& library) : Table(library, "WeeklyPrograms") {}
+  static constexpr const char* tableName = "WeeklyPrograms";
+
+  explicit WeeklyProgram(CommContext& context) : Table(context, tableName), comm_(context) {}
 
   [[nodiscard]] std::string DefaultName();  ///< name of the first program 0, "" when there is none
   [[nodiscard]] std::string NeverName();    ///< catalogue text of "nameWeeklyProgNever"
@@ -41,6 +44,9 @@ class WeeklyProgram : public Table {
   void createIndexes(TableDef& td) override;
   std::int16_t createRelations() override;
   void insertDefaultRecs() override;  ///< a failure is raised
+
+ private:
+  CommContext& comm_;
 };
 
 }  // namespace voxa

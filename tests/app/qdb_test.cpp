@@ -4,13 +4,13 @@
 
 #include <filesystem>
 
-#include "app/itable.h"
 #include "comm/com.h"
 #include "comm/station.h"
 #include "journal/journal.h"
 #include "messages/strings.h"
 #include "support/full_disk.h"
 #include "support/installation_test.h"
+#include "tables/itable.h"
 
 namespace voxa {
 namespace {

@@ -1,6 +1,7 @@
 // Every public member over an installation whose databases are not open, or not any more.
 
 #include "access/access_group.h"
+#include "access/alarm.h"
 #include "access/badge_format.h"
 #include "access/cardholder.h"
 #include "comm/com.h"
@@ -9,7 +10,6 @@
 #include "files/ufile.h"
 #include "journal/journal.h"
 #include "messages/strings.h"
-#include "programs/alarm.h"
 #include "programs/daily_program.h"
 #include "programs/holidays.h"
 #include "programs/weekly_program.h"

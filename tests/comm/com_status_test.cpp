@@ -4,7 +4,7 @@
 #include <new>
 
 #include "comm/com_test.h"
-#include "comm/station_result.h"
+#include "comm/station_result_file.h"
 
 namespace voxa {
 namespace {

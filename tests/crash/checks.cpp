@@ -6,10 +6,10 @@
 #include "access/card_doors.h"
 #include "access/card_record.h"
 #include "crash/plant.h"
+#include "engines/sqlite/connection.h"
+#include "engines/sqlite/engine.h"
 #include "platform/clock.h"
 #include "platform/database/database.h"
-#include "platform/database/sqlite/connection.h"
-#include "platform/database/sqlite/engine.h"
 #include "platform/datetime.h"
 #include "platform/error.h"
 #include "platform/text.h"
@@ -114,7 +114,7 @@ void checkCards(const Sides& sides, Findings& findings) {
   std::map<std::int16_t, std::vector<GrantedController>> granted;
   for (const auto rows = sides.rows("select * from Cardholders where Deleted = false"); !rows->eof();
        rows->moveNext()) {
-    const CardRecord card(*rows);
+    const CardRecord card = cardRecord(*rows);
     const std::int16_t group = rows->get("AccessGroupId").toInt16();
     if (!granted.contains(group)) granted[group] = controllersOf(*sides.database, group);
     for (const GrantedController& place : granted[group]) {

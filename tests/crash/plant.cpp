@@ -8,9 +8,9 @@
 #include <stdexcept>
 
 #include "crash/checks.h"
+#include "engines/sqlite/engine.h"
 #include "platform/clock.h"
 #include "platform/database/database.h"
-#include "platform/database/sqlite/engine.h"
 #include "site/site.h"
 
 namespace voxa::crash {

@@ -3,8 +3,8 @@
 
 #include <filesystem>
 
+#include "engines/sqlite/engine.h"
 #include "journal/journal_test.h"
-#include "platform/database/sqlite/engine.h"
 
 namespace voxa::test {
 namespace {

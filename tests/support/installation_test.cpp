@@ -12,9 +12,9 @@
 
 #include "app/qdb.h"
 #include "comm/com.h"
+#include "engines/sqlite/engine.h"
 #include "journal/journal.h"
 #include "messages/strings.h"
-#include "platform/database/sqlite/engine.h"
 #include "platform/datetime.h"
 
 namespace voxa::test {

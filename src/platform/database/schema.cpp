@@ -12,4 +12,24 @@ const FieldDef* TableDef::field(std::string_view fieldName) const {
   return found == fields.end() ? nullptr : &*found;
 }
 
+void addField(TableDef& td, const std::string& name, DataType type, int size, const Value& defaultValue) {
+  FieldDef field;
+  field.name = name;
+  field.type = type;
+  field.size = size;
+  field.defaultValue = defaultValue;
+  td.fields.push_back(std::move(field));
+}
+
+void addIndex(TableDef& td, const std::string& name, std::initializer_list<const char*> fields,
+              IndexKind kind) {
+  IndexDef index;
+  index.name = name;
+  index.fields.assign(fields.begin(), fields.end());
+  index.primary = kind == IndexKind::primary;
+  index.unique = kind != IndexKind::plain;
+  index.required = kind == IndexKind::primary || kind == IndexKind::uniqueRequired;
+  td.indexes.push_back(std::move(index));
+}
+
 }  // namespace voxa

@@ -42,6 +42,15 @@ struct TableDef {
   friend bool operator==(const TableDef&, const TableDef&) = default;
 };
 
+// Definitions of columns and indexes, as those spell them who make tables.
+
+/// size: greatest number of characters of a text column.
+void addField(TableDef& td, const std::string& name, DataType type, int size = 0,
+              const Value& defaultValue = {});
+enum class IndexKind { plain, unique, uniqueRequired, primary };
+void addIndex(TableDef& td, const std::string& name, std::initializer_list<const char*> fields,
+              IndexKind kind);
+
 /// Referential integrity from a primary table to a foreign one; always enforced.
 struct Relation {
   std::string name;

@@ -1,0 +1,222 @@
+#include <algorithm>
+#include <cstdint>
+#include <iterator>
+
+#include "engines/language/words.h"
+#include "engines/language/writer.h"
+#include "platform/error.h"
+
+namespace voxa::dialect {
+
+using syntax::Expression;
+
+namespace {
+
+enum class Result : std::uint8_t { whole, real, date, text, condition, boolean, likeFirst };
+
+/// A function as SQLite text, its arguments standing at $1 ... An argument is a number (n), a date (d), a
+/// text (t) or taken as it is (v).
+struct Function {
+  std::string_view name;
+  std::string_view arguments;
+  std::string_view text;
+  Result result;
+};
+constexpr Function functions[] = {
+    {"abs", "n", "abs($1)", Result::likeFirst},
+    {"asc", "t", "vx_asc($1)", Result::whole},
+    {"cbool", "v", "vx_store($1, 1, 0)", Result::boolean},
+    {"cbyte", "v", "vx_store($1, 2, 0)", Result::whole},
+    {"ccur", "v", "vx_store($1, 7, 0)", Result::real},
+    {"cdate", "v", "vx_store($1, 8, 0)", Result::date},
+    {"cdbl", "v", "vx_store($1, 7, 0)", Result::real},
+    {"chr", "n", "vx_chr($1)", Result::text},
+    {"cint", "v", "vx_store($1, 3, 0)", Result::whole},
+    {"clng", "v", "vx_store($1, 4, 0)", Result::whole},
+    {"csng", "v", "vx_store($1, 7, 0)", Result::real},
+    {"cstr", "t", "$1", Result::text},
+    {"cvdate", "v", "vx_store($1, 8, 0)", Result::date},
+    {"date", "", "vx_fix(vx_now())", Result::date},
+    {"dateserial", "nnn", "vx_dateserial($1, $2, $3)", Result::date},
+    {"datevalue", "d", "vx_fix($1)", Result::date},
+    {"day", "d", "vx_part(3, $1)", Result::whole},
+    {"fix", "n", "vx_fix($1)", Result::likeFirst},
+    {"hour", "d", "vx_part(4, $1)", Result::whole},
+    {"instr", "tt", "vx_instr(1, $1, $2)", Result::whole},
+    {"instr", "ntt", "vx_instr($1, $2, $3)", Result::whole},
+    {"int", "n", "vx_int($1)", Result::likeFirst},
+    {"isnull", "v", "$1 IS NULL", Result::condition},
+    {"lcase", "t", "vx_lower($1)", Result::text},
+    {"left", "tn", "vx_left($1, $2)", Result::text},
+    {"len", "t", "length($1)", Result::whole},
+    {"ltrim", "t", "ltrim($1)", Result::text},
+    {"mid", "tn", "vx_mid($1, $2)", Result::text},
+    {"mid", "tnn", "vx_mid($1, $2, $3)", Result::text},
+    {"minute", "d", "vx_part(5, $1)", Result::whole},
+    {"month", "d", "vx_part(2, $1)", Result::whole},
+    {"now", "", "vx_now()", Result::date},
+    {"right", "tn", "vx_right($1, $2)", Result::text},
+    {"round", "n", "vx_round($1, 0)", Result::likeFirst},
+    {"round", "nn", "vx_round($1, $2)", Result::likeFirst},
+    {"rtrim", "t", "rtrim($1)", Result::text},
+    {"second", "d", "vx_part(6, $1)", Result::whole},
+    {"sgn", "n", "vx_sgn($1)", Result::whole},
+    {"time", "", "vx_time(vx_now())", Result::date},
+    {"timeserial", "nnn", "($1 * 3600 + $2 * 60 + $3) / 86400.0", Result::date},
+    {"timevalue", "d", "vx_time($1)", Result::date},
+    {"trim", "t", "trim($1)", Result::text},
+    {"ucase", "t", "vx_upper($1)", Result::text},
+    {"val", "t", "vx_val($1)", Result::real},
+    {"weekday", "d", "vx_part(7, $1)", Result::whole},
+    {"year", "d", "vx_part(1, $1)", Result::whole},
+};
+
+constexpr std::string_view aggregates[] = {"avg", "count", "max", "min", "sum"};
+
+std::optional<DataType> resultType(Result result, const std::optional<DataType>& first) {
+  switch (result) {
+    case Result::whole:
+      return DataType::Long;
+    case Result::real:
+      return DataType::Double;
+    case Result::date:
+      return DataType::Date;
+    case Result::text:
+      return DataType::Text;
+    case Result::condition:
+    case Result::boolean:
+      return DataType::Boolean;
+    case Result::likeFirst:
+      break;
+  }
+  if (first == DataType::Date || first == DataType::Double) return first;
+  return isWholeType(first) ? DataType::Long : DataType::Double;
+}
+
+/// The type of a value that is one of the two; none when only text can be both.
+std::optional<DataType> commonType(const Term& a, const Term& b) {
+  if (!a.type || !b.type) return a.type ? a.type : b.type;
+  if (*a.type == *b.type) return a.type;
+  if (isTextType(a.type) && isTextType(b.type)) return DataType::Memo;
+  if (isTextType(a.type) || isTextType(b.type) || a.type == DataType::Date || b.type == DataType::Date) {
+    return std::nullopt;
+  }
+  return isWholeType(a.type) && isWholeType(b.type) ? DataType::Long : DataType::Double;
+}
+
+[[noreturn]] void failFunction(std::string_view name, const char* what) {
+  throw Error(err::dbUnknownFunction,
+              "Undefined function in expression: \"" + std::string(name) + "\" " + what);
+}
+
+}  // namespace
+
+Term Writer::call(const Expression& e, Scope& scope) {
+  if (std::any_of(std::begin(aggregates), std::end(aggregates), [&](auto a) { return isWord(e.name, a); })) {
+    return aggregate(e, scope);
+  }
+  if (e.star) fail(e.position, "only Count takes the sign *");
+  if (isWord(e.name, "iif") || isWord(e.name, "nz")) return choice(e, scope);
+  if (isWord(e.name, "format")) return format(e, scope);
+  const Function* found = nullptr;
+  for (const Function& f : functions) {
+    if (!isWord(e.name, f.name)) continue;
+    found = &f;
+    if (f.arguments.size() == e.arguments.size()) break;
+  }
+  if (found == nullptr) failFunction(e.name, "is not known");
+  if (found->arguments.size() != e.arguments.size())
+    failFunction(e.name, "takes another number of arguments");
+
+  std::vector<std::string> arguments;
+  std::optional<DataType> first;
+  for (std::size_t i = 0; i < e.arguments.size(); ++i) {
+    Term term = write(*e.arguments[i], scope);
+    if (i == 0) first = term.type;
+    const char kind = found->arguments[i];
+    arguments.push_back(kind == 'n'   ? number(std::move(term))
+                        : kind == 'd' ? date(std::move(term))
+                        : kind == 't' ? text(term)
+                                      : operand(term));
+  }
+  Term out;
+  for (std::size_t i = 0; i < found->text.size(); ++i) {
+    if (found->text[i] == '$') {
+      out.sql += arguments[static_cast<std::size_t>(found->text[++i] - '1')];
+    } else {
+      out.sql += found->text[i];
+    }
+  }
+  out.type = resultType(found->result, first);
+  out.condition = found->result == Result::condition;
+  // What does not end as a call is an operator's text.
+  if (out.sql.back() != ')' || out.sql.front() == '(') out.chain = '?';
+  if (found->text == "$1") out.chain = '?';
+  return out;
+}
+
+Term Writer::aggregate(const Expression& e, Scope& scope) {
+  if (!scope.aggregatesAllowed || scope.insideAggregate) {
+    fail(e.position, "an aggregate function cannot be used here");
+  }
+  scope.aggregated = true;
+  if (e.star) {
+    if (!isWord(e.name, "count")) fail(e.position, "only Count takes the sign *");
+    return {.sql = "count(*)", .type = DataType::Long};
+  }
+  if (e.arguments.size() != 1) failFunction(e.name, "takes one argument");
+  scope.insideAggregate = true;
+  const int own = scope.ownColumns;
+  const int outer = scope.outerColumns;
+  Term term = write(*e.arguments[0], scope);
+  scope.insideAggregate = false;
+  if (scope.ownColumns == own && scope.outerColumns != outer) {
+    fail(e.position, "an aggregate function works on fields of its own query");
+  }
+  if (isWord(e.name, "count")) return {.sql = "count(" + value(term) + ")", .type = DataType::Long};
+  if (isWord(e.name, "sum") || isWord(e.name, "avg")) {
+    const bool whole = isWholeType(term.type) && isWord(e.name, "sum");
+    const char* function = isWord(e.name, "sum") ? "sum(" : "avg(";
+    return {.sql = function + number(std::move(term)) + ")",
+            .type = whole ? DataType::Long : DataType::Double};
+  }
+  const bool collates = isTextType(term.type) && term.field == nullptr;
+  const std::string argument = collates ? collated(operand(term)) : value(term);
+  return {.sql = (isWord(e.name, "min") ? "min(" : "max(") + argument + ")", .type = term.type};
+}
+
+/// IIf(condition, a, b) and Nz(a, b): values that can be of different types become text then.
+Term Writer::choice(const Expression& e, Scope& scope) {
+  const bool iif = isWord(e.name, "iif");
+  const std::size_t count = e.arguments.size();
+  if (iif ? count != 3 : count < 1 || count > 2) failFunction(e.name, "takes another number of arguments");
+  const std::string test = iif ? condition(*e.arguments[0], scope) : "";
+  Term a = write(*e.arguments[iif ? 1 : 0], scope);
+  Term b;
+  if (count > 1) {
+    b = write(*e.arguments[count - 1], scope);
+  } else {
+    b = isTextType(a.type) ? Term{.sql = "''", .type = DataType::Text} : Term{.sql = "0", .type = a.type};
+  }
+  const bool known = a.type.has_value() || b.type.has_value();
+  const std::optional<DataType> common = commonType(a, b);
+  const bool mixed = known && !common;
+  const std::string first = mixed ? text(a) : value(a);
+  const std::string second = mixed ? text(b) : value(b);
+  Term out;
+  out.type = mixed ? DataType::Text : common;
+  out.sql = iif ? "CASE WHEN " + test + " THEN " + first + " ELSE " + second + " END"
+                : "coalesce(" + first + ", " + second + ")";
+  return out;
+}
+
+Term Writer::format(const Expression& e, Scope& scope) {
+  if (e.arguments.empty() || e.arguments.size() > 2)
+    failFunction(e.name, "takes another number of arguments");
+  const Term term = write(*e.arguments[0], scope);
+  if (e.arguments.size() == 1) return {.sql = text(term), .type = DataType::Text, .chain = '?'};
+  const std::string pattern = text(write(*e.arguments[1], scope));
+  return {.sql = "vx_format(" + value(term) + ", " + pattern + ")", .type = DataType::Text};
+}
+
+}  // namespace voxa::dialect

@@ -1,0 +1,93 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "engines/language/lexer.h"
+#include "engines/language/syntax.h"
+
+namespace voxa::dialect {
+
+/// Reads statements and rules of the language. Every failure is 3075.
+class Parser {
+ public:
+  explicit Parser(std::string_view sql);
+
+  /// The whole text as one statement, a semicolon at the end allowed.
+  [[nodiscard]] syntax::Statement statement();
+  /// The whole text as a validation rule: a condition in which operands on the left may be missing and stand
+  /// for the field then, as does a value that is compared with nothing.
+  [[nodiscard]] syntax::ExpressionPtr rule();
+
+ private:
+  using ExpressionPtr = syntax::ExpressionPtr;
+
+  /// One level of nesting while it lives; 3075 beyond the greatest.
+  class Nesting {
+   public:
+    explicit Nesting(Parser& parser);
+    ~Nesting() { --parser_.nesting_; }
+    Nesting(const Nesting&) = delete;
+    Nesting& operator=(const Nesting&) = delete;
+
+   private:
+    Parser& parser_;
+  };
+
+  // Tokens
+  [[nodiscard]] const Token& current() const { return tokens_[at_]; }
+  [[nodiscard]] const Token& following() const;
+  void advance() { at_ += current().kind == TokenKind::end ? 0 : 1; }
+  [[nodiscard]] bool atWord(std::string_view keyword) const;
+  [[nodiscard]] bool atSymbol(char symbol) const;
+  bool skipWord(std::string_view keyword);
+  bool skipSymbol(char symbol);
+  void expectWord(std::string_view keyword, const char* what);
+  void expectSymbol(char symbol, const char* what);
+  [[nodiscard]] bool atName() const;
+  std::string_view name(const char* what);
+  [[noreturn]] void fail(const std::string& what) const;
+
+  // Statements
+  void parameters(std::vector<FieldDef>& out);
+  syntax::SelectPtr select();
+  void selectItem(std::vector<syntax::SelectItem>& out);
+  syntax::Source source();
+  syntax::Source joinOperand();
+  syntax::Source table();
+  void insertInto(syntax::Statement& out);
+  void update(syntax::Statement& out);
+  void remove(syntax::Statement& out);
+  syntax::FieldName fieldName();
+  std::vector<ExpressionPtr> expressions();
+
+  // Expressions, loosest first
+  ExpressionPtr expression();
+  ExpressionPtr subquery(syntax::Expression::Kind kind, std::size_t position);
+  ExpressionPtr chain(std::size_t level);
+  ExpressionPtr logicalNot();
+  ExpressionPtr condition();
+  ExpressionPtr comparison(ExpressionPtr left);
+  ExpressionPtr in(ExpressionPtr left);
+  ExpressionPtr negative();
+  ExpressionPtr power();
+  ExpressionPtr primary();
+  ExpressionPtr literal();
+  ExpressionPtr named();
+  ExpressionPtr call(const Token& function);
+  [[nodiscard]] ExpressionPtr make(syntax::Expression::Kind kind, std::size_t position) const;
+  void adopt(syntax::Expression& parent, ExpressionPtr child) const;
+  ExpressionPtr binary(syntax::Operator op, std::size_t position, ExpressionPtr left,
+                       ExpressionPtr right) const;
+
+  std::string_view sql_;
+  std::vector<Token> tokens_;
+  std::vector<std::size_t> literals_;  ///< for each token the literals before it
+  std::size_t at_ = 0;
+  int nesting_ = 0;
+  bool rule_ = false;          ///< the text is a validation rule
+  bool impliesField_ = false;  ///< where an operand is missing, the rule's field is meant
+};
+
+}  // namespace voxa::dialect

@@ -1,0 +1,250 @@
+#include <algorithm>
+#include <charconv>
+
+#include "engines/language/writer.h"
+#include "platform/error.h"
+#include "platform/text.h"
+
+namespace voxa::dialect {
+
+using syntax::Source;
+
+namespace {
+
+std::string joined(const std::vector<std::string>& parts, const char* separator) {
+  std::string out;
+  for (const std::string& part : parts) out += (out.empty() ? "" : separator) + part;
+  return out;
+}
+
+/// The term as what to order or group by: text without regard to case.
+std::string sortable(const Term& term) {
+  return isTextType(term.type) && term.field == nullptr ? collated(Writer::operand(term))
+                                                        : Writer::value(term);
+}
+
+/// The same for a clause in which SQLite would take a whole number for the position of a column.
+std::string sortKey(const Term& term) {
+  return term.sql == "-1" || term.sql == "0" ? "NULL" : sortable(term);
+}
+
+}  // namespace
+
+std::vector<std::string> Writer::Query::columns() const {
+  std::vector<std::string> out;
+  for (const Term& item : items) out.push_back(distinct ? sortable(item) : value(item));
+  return out;
+}
+
+std::string Writer::Query::text(const std::vector<std::string>& columns) const {
+  return (distinct ? "SELECT DISTINCT " : "SELECT ") + joined(columns, ", ") + rest;
+}
+
+const TableDef& Writer::addTable(const Source& source, Scope& scope) const {
+  const TableDef* definition = schema_.table(source.table);
+  if (definition == nullptr) {
+    throw Error(err::dbUnknownTable, "There is no table or query \"" + std::string(source.table) + "\"");
+  }
+  for (const ScopeTable& other : scope.tables) {
+    if (equalNoCase(other.alias, source.alias)) {
+      fail(source.position, "two tables of the statement are called \"" + other.alias + "\"");
+    }
+  }
+  ScopeTable& table = scope.tables.emplace_back();
+  table.definition = definition;
+  table.alias = equalNoCase(source.alias, definition->name) ? definition->name : std::string(source.alias);
+  table.prefix = quotedName(table.alias) + ".";
+  return *definition;
+}
+
+std::string Writer::tableText(const ScopeTable& table) {
+  std::string out = quotedName(table.definition->name);
+  if (table.alias != table.definition->name) out += " AS " + quotedName(table.alias);
+  return out;
+}
+
+/// Adds the tables to the scope. Inner joins become a list of tables, which leaves the order of the work to
+/// SQLite; their conditions go to `filter`, to be written when all tables are known. The side of an outer
+/// join that may be missing keeps its conditions within the join's own.
+std::string Writer::from(const Source& source, Scope& scope, Conditions& filter) {
+  if (source.join == Source::Join::none) {
+    addTable(source, scope);
+    return tableText(scope.tables.back());
+  }
+  const bool inner = source.join == Source::Join::inner;
+  const auto side = [&](const Source& s, Conditions& conditions) {
+    std::string text = from(s, scope, conditions);
+    const bool alone = s.join == Source::Join::none || (inner && s.join == Source::Join::inner);
+    return alone ? text : "(" + text + ")";
+  };
+  if (inner) {
+    std::string text = side(*source.left, filter);
+    text += ", " + side(*source.right, filter);
+    filter.push_back(source.on.get());
+    return text;
+  }
+  const bool rightStays = source.join == Source::Join::right;
+  Conditions own;
+  std::string left = side(*source.left, rightStays ? own : filter);
+  std::string right = side(*source.right, rightStays ? filter : own);
+  own.push_back(source.on.get());
+  if (rightStays) std::swap(left, right);
+  return left + " LEFT JOIN " + right + " ON " + allOf(own, scope);
+}
+
+std::string Writer::allOf(const Conditions& conditions, Scope& scope) {
+  if (conditions.size() == 1) return condition(*conditions[0], scope);
+  std::vector<std::string> texts;
+  for (const auto* c : conditions) texts.push_back("(" + condition(*c, scope) + ")");
+  return joined(texts, " AND ");
+}
+
+Group Writer::groupOf(const Term& term, std::size_t firstSlot) const {
+  return {withoutNumbers(term.sql), firstSlot, slots_.size() - firstSlot};
+}
+
+/// Whether GROUP BY lists the term, literals and parameters included.
+bool Writer::isGrouped(const Group& term, const Scope& scope) {
+  return std::any_of(scope.groups.begin(), scope.groups.end(), [&](const Group& group) {
+    if (group.shape != term.shape || group.slotCount != term.slotCount) return false;
+    LiteralPairs pairs;
+    for (std::size_t i = 0; i < group.slotCount; ++i) {
+      const Slot& one = slots_[group.firstSlot + i];
+      const Slot& other = slots_[term.firstSlot + i];
+      if (one.parameter != other.parameter || one.literal.has_value() != other.literal.has_value())
+        return false;
+      if (!one.literal) continue;
+      if (literals_[*one.literal] != literals_[*other.literal]) return false;
+      pairs.emplace_back(*one.literal, *other.literal);
+    }
+    sameLiterals_.insert(sameLiterals_.end(), pairs.begin(), pairs.end());
+    return true;
+  });
+}
+
+Writer::Query Writer::select(const syntax::Select& select, Scope* outer) {
+  Query out;
+  Scope& scope = out.scope;
+  scope.outer = outer;
+  out.distinct = select.distinct;
+
+  std::vector<std::string> sources;
+  Conditions filter;
+  for (const Source& source : select.from) {
+    std::string text = from(source, scope, filter);
+    const bool outerJoin = source.join == Source::Join::left || source.join == Source::Join::right;
+    sources.push_back(outerJoin && select.from.size() > 1 ? "(" + text + ")" : std::move(text));
+  }
+  if (select.where) filter.push_back(select.where.get());
+  if (!sources.empty()) out.rest = " FROM " + joined(sources, ", ");
+  if (!filter.empty()) out.rest += " WHERE " + allOf(filter, scope);
+
+  std::vector<std::string> groups;
+  std::vector<Group> grouped;
+  if (!select.groupBy.empty() && literals_.empty()) {
+    Scanned scanned;
+    scan(sql_, scanned, schema_.clock());
+    literals_ = std::move(scanned.literals);
+  }
+  scope.outer = nullptr;  // SQLite groups and orders by a query's own columns alone
+  for (const auto& group : select.groupBy) {
+    const std::size_t firstSlot = slots_.size();
+    const Term term = write(*group, scope);
+    groups.push_back(sortKey(term));
+    grouped.push_back(groupOf(term, firstSlot));
+  }
+  scope.groups = std::move(grouped);
+  scope.ungroupedCount = 0;
+  scope.aggregatesAllowed = true;
+  scope.outer = outer;
+  items(select, out);
+  if (select.having && groups.empty() && !scope.aggregated) {
+    fail(select.having->position, "HAVING needs GROUP BY or an aggregate function among what is selected");
+  }
+  std::string having = select.having ? " HAVING " + condition(*select.having, scope) : "";
+  scope.outer = nullptr;
+  std::string order = this->order(select, out, outer != nullptr);
+  out.grouped = scope.aggregated || !groups.empty();
+  if (out.grouped && scope.ungroupedCount > 0) {
+    throw Error(err::dbNotAggregated, "The field \"" + scope.ungrouped +
+                                          "\" is neither in GROUP BY nor part of an aggregate function");
+  }
+  if (select.distinctRow && scope.tables.size() > 1 && !out.grouped) {
+    // One row for each set of rows of those tables that the result shows.
+    std::vector<bool> shown(scope.tables.size());
+    for (const Term& item : out.items) {
+      if (item.field != nullptr) shown[item.table] = true;
+    }
+    for (std::size_t i = 0; i < shown.size(); ++i) {
+      if (shown[i]) groups.push_back(scope.tables[i].prefix + "_rowid_");
+    }
+  }
+  if (!groups.empty()) out.rest += " GROUP BY " + joined(groups, ", ");
+  out.rest += having + order;
+  if (!select.top.empty()) out.rest += " LIMIT " + std::string(select.top);
+  return out;
+}
+
+void Writer::items(const syntax::Select& select, Query& out) {
+  Scope& scope = out.scope;
+  std::vector<bool> renamed;
+  const auto add = [&](Term term, const syntax::Expression* source, std::string name, bool fromColumn) {
+    out.items.push_back(std::move(term));
+    out.sources.push_back(source);
+    out.names.push_back(std::move(name));
+    renamed.push_back(fromColumn);
+  };
+  for (const syntax::SelectItem& item : select.items) {
+    if (item.star) {
+      bool found = false;
+      for (std::size_t i = 0; i < scope.tables.size(); ++i) {
+        if (!item.starQualifier.empty() && !equalNoCase(item.starQualifier, scope.tables[i].alias)) continue;
+        found = true;
+        for (const FieldDef& field : scope.tables[i].definition->fields) {
+          add(*column(scope.tables[i].alias, field.name, scope), nullptr, field.name, true);
+        }
+      }
+      if (!found) fail(item.position, "this is none of the statement's tables");
+      continue;
+    }
+    Term term = write(*item.expression, scope);
+    const bool plainColumn = item.alias.empty() && term.field != nullptr;
+    std::string name = !item.alias.empty() ? std::string(item.alias)
+                       : plainColumn       ? term.field->name
+                                           : "Expr" + std::to_string(1000 + out.items.size());
+    add(std::move(term), item.expression.get(), std::move(name), plainColumn);
+  }
+  // Columns of the same name are told apart by their tables.
+  const std::vector<std::string> plain = out.names;
+  for (std::size_t i = 0; i < plain.size(); ++i) {
+    const auto same = std::count_if(plain.begin(), plain.end(),
+                                    [&](const std::string& other) { return equalNoCase(other, plain[i]); });
+    if (renamed[i] && same > 1) out.names[i] = scope.tables[out.items[i].table].alias + "." + plain[i];
+  }
+}
+
+/// within: another query is around this one; columns of its cannot be ordered by, under a number neither.
+std::string Writer::order(const syntax::Select& select, Query& out, bool within) {
+  std::string sql;
+  for (const syntax::OrderItem& item : select.orderBy) {
+    Term term;
+    if (item.expression->kind == syntax::Expression::Kind::shapingNumber) {
+      // A number is the position of a column of the result.
+      const std::string_view digits = item.expression->name;
+      std::size_t position = 0;
+      const bool read =
+          std::from_chars(digits.data(), digits.data() + digits.size(), position).ec == std::errc();
+      if (!read || position == 0 || position > out.items.size()) {
+        fail(item.expression->position, "the result has no column of that number");
+      }
+      const syntax::Expression* source = out.sources[position - 1];
+      term = source != nullptr && within ? write(*source, out.scope) : out.items[position - 1];
+    } else {
+      term = write(*item.expression, out.scope);
+    }
+    sql += (sql.empty() ? " ORDER BY " : ", ") + sortKey(term) + (item.descending ? " DESC" : "");
+  }
+  return sql;
+}
+
+}  // namespace voxa::dialect

@@ -1,0 +1,267 @@
+#include "engines/language/writer.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include "engines/language/lexer.h"
+#include "engines/language/words.h"
+#include "platform/error.h"
+#include "platform/text.h"
+
+namespace voxa::dialect {
+
+using syntax::Expression;
+using syntax::Operator;
+
+namespace {
+
+Term constant(std::string_view word) {
+  if (isWord(word, "null")) return {.sql = "NULL"};
+  const bool yes = isWord(word, "true") || isWord(word, "yes") || isWord(word, "on");
+  return {.sql = yes ? "-1" : "0", .type = DataType::Boolean, .chain = yes ? '?' : '\0'};
+}
+
+}  // namespace
+
+std::string typeCode(DataType type) {
+  return std::to_string(static_cast<int>(type));
+}
+
+Term logical(std::string sql, char chain) {
+  return {.sql = std::move(sql), .type = DataType::Boolean, .chain = chain, .condition = true};
+}
+
+std::string quotedName(std::string_view name) {
+  std::string out(1, '"');
+  for (const char c : name) {
+    if (c == '"') out += c;
+    out += c;
+  }
+  return out += '"';
+}
+
+std::string collated(const std::string& operand) {
+  return operand + " COLLATE " + collation;
+}
+
+std::string withoutNumbers(const std::string& sql) {
+  std::string out;
+  bool number = false;
+  bool name = false;  // between the quotes of a name, which may have the sign of a placeholder in it
+  for (const char c : sql) {
+    if (c == '"') name = !name;
+    if (!(number && c >= '0' && c <= '9')) out += c;
+    number = !name && (c == '?' || (number && c >= '0' && c <= '9'));
+  }
+  return out;
+}
+
+void Writer::fail(std::size_t position, const std::string& what) const {
+  failSyntax(sql_, position, what);
+}
+
+std::string Writer::value(const Term& term) {
+  return term.condition ? "-(" + term.sql + ")" : term.sql;
+}
+
+std::string Writer::operand(const Term& term) {
+  return term.chain != 0 || term.condition ? "(" + value(term) + ")" : term.sql;
+}
+
+std::string Writer::text(const Term& term) {
+  if (!term.type || isTextType(term.type)) return value(term);
+  return "vx_text(" + value(term) + ", " + typeCode(*term.type) + ")";
+}
+
+/// Makes a text a value of that type: a placeholder when it is bound, anything else row by row, where a text
+/// that does not read as one is Null.
+void Writer::convert(Term& term, DataType type) {
+  if (!isTextType(term.type)) return;
+  if (term.slot) {
+    slots_[*term.slot].convertTo.emplace().type = type;
+  } else {
+    term.sql = (type == DataType::Date ? "vx_date(" : "vx_number(") + term.sql + ")";
+    term.chain = 0;
+    term.field = nullptr;
+  }
+  term.type = type;
+}
+
+std::string Writer::number(Term term) {
+  convert(term, DataType::Double);
+  return operand(term);
+}
+
+std::string Writer::date(Term term) {
+  convert(term, DataType::Date);
+  return operand(term);
+}
+
+std::string Writer::truth(Term term) {
+  convert(term, DataType::Boolean);
+  return term.sql;
+}
+
+/// Texts compare as what they are compared with, and without regard to case when that is text, too.
+void Writer::makeComparable(std::vector<Term>& terms) {
+  const auto other = std::find_if(terms.begin(), terms.end(),
+                                  [](const Term& t) { return t.type.has_value() && !isTextType(t.type); });
+  if (other != terms.end()) {
+    // A number in a text keeps its fraction, whatever whole type it is compared with.
+    const DataType type =
+        other->type == DataType::Date || other->type == DataType::Boolean ? *other->type : DataType::Double;
+    for (Term& term : terms) convert(term, type);
+    return;
+  }
+  const bool collates = terms[0].field != nullptr || (terms.size() == 2 && terms[1].field != nullptr);
+  const bool anyText =
+      std::any_of(terms.begin(), terms.end(), [](const Term& t) { return isTextType(t.type); });
+  if (anyText && !collates) terms[0] = {.sql = collated(operand(terms[0])), .type = DataType::Text};
+}
+
+Term Writer::write(const Expression& e, Scope& scope) {
+  if (scope.groups.empty()) return any(e, scope);
+  const int before = scope.ungroupedCount;
+  const std::size_t firstSlot = slots_.size();
+  Term term = any(e, scope);
+  if (scope.ungroupedCount != before && isGrouped(groupOf(term, firstSlot), scope)) {
+    scope.ungroupedCount = before;
+  }
+  return term;
+}
+
+Term Writer::any(const Expression& e, Scope& scope) {
+  switch (e.kind) {
+    case Expression::Kind::literal:
+      return placeholder({.literal = e.literal, .parameter = {}, .convertTo = {}}, e.type);
+    case Expression::Kind::shapingNumber:
+      return {.sql = std::string(e.name), .type = e.type};
+    case Expression::Kind::word:
+      return constant(e.name);
+    case Expression::Kind::name:
+      return name(e, scope);
+    case Expression::Kind::subject:
+      return *column({}, scope.tables[0].definition->fields[0].name, scope);
+    case Expression::Kind::call:
+      return call(e, scope);
+    case Expression::Kind::negative: {
+      Term term = write(*e.arguments[0], scope);
+      const DataType type = isWholeType(term.type) ? DataType::Long : DataType::Double;
+      return {.sql = "-" + number(std::move(term)), .type = type, .chain = '?'};
+    }
+    case Expression::Kind::logicalNot: {
+      Term term = write(*e.arguments[0], scope);
+      convert(term, DataType::Boolean);
+      return logical("NOT " + (term.chain != 0 ? "(" + term.sql + ")" : term.sql));
+    }
+    case Expression::Kind::binary:
+      return binary(e, scope);
+    case Expression::Kind::between:
+      return between(e, scope);
+    case Expression::Kind::inList:
+      return inList(e, scope);
+    case Expression::Kind::isNull:
+      return logical(operand(write(*e.arguments[0], scope)) + (e.negated ? " IS NOT NULL" : " IS NULL"));
+    case Expression::Kind::inSelect:
+    case Expression::Kind::exists:
+    case Expression::Kind::scalar:
+      return query(e, scope);
+  }
+  fail(e.position, "this cannot be part of an expression");
+}
+
+Term Writer::placeholder(Slot slot, DataType type) {
+  const std::size_t index = slots_.size();
+  slots_.push_back(std::move(slot));
+  return {.sql = "?" + std::to_string(index + 1), .type = type, .slot = index};
+}
+
+Term Writer::name(const Expression& e, Scope& scope) {
+  if (e.qualifier.empty()) {
+    const auto parameter = std::find_if(parameters_.begin(), parameters_.end(),
+                                        [&](const FieldDef& p) { return equalNoCase(p.name, e.name); });
+    if (parameter != parameters_.end()) {
+      return placeholder({.literal = {}, .parameter = parameter->name, .convertTo = {}}, parameter->type);
+    }
+  }
+  if (auto found = column(e.qualifier, e.name, scope)) return *std::move(found);
+  if (e.qualifier.empty() && !e.bracketed) {
+    for (const std::string_view word : {"yes", "no", "off"}) {
+      if (isWord(e.name, word)) return constant(e.name);
+    }
+  }
+  const std::string full =
+      e.qualifier.empty() ? std::string(e.name) : std::string(e.qualifier) + "." + std::string(e.name);
+  throw Error(err::dbTooFewParameters,
+              "Too few parameters: \"" + full + "\" is neither a field nor a parameter");
+}
+
+std::optional<Term> Writer::column(std::string_view qualifier, std::string_view name, Scope& scope) const {
+  std::optional<Term> found;
+  for (Scope* s = &scope; s != nullptr && !found; s = s->outer) {
+    for (std::size_t i = 0; i < s->tables.size(); ++i) {
+      const ScopeTable& table = s->tables[i];
+      if (!qualifier.empty() && !equalNoCase(qualifier, table.alias)) continue;
+      const FieldDef* field = table.definition->field(name);
+      if (field == nullptr) continue;
+      if (found) {
+        throw Error(err::dbAmbiguousName, "The field \"" + std::string(name) +
+                                              "\" could be of more than one table of the statement");
+      }
+      found = Term{
+          .sql = table.prefix + quotedName(field->name), .type = field->type, .field = field, .table = i};
+    }
+    if (found) ++(s == &scope ? scope.ownColumns : scope.outerColumns);
+    if (found && !s->insideAggregate) {
+      ++s->ungroupedCount;
+      s->ungrouped = name;
+    }
+  }
+  return found;
+}
+
+Term Writer::query(const Expression& e, Scope& scope) {
+  Query query = select(*e.select, &scope);
+  if (e.kind == Expression::Kind::exists) return logical("EXISTS (" + query.text({"1"}) + ")", 0);
+  if (query.items.size() != 1) fail(e.select->position, "a query within a statement gives one column");
+  if (e.kind == Expression::Kind::scalar) {
+    return {.sql = "(" + query.text({value(query.items[0])}) + ")", .type = query.items[0].type};
+  }
+  std::vector<Term> terms;
+  terms.push_back(write(*e.arguments[0], scope));
+  terms.push_back(std::move(query.items[0]));
+  const bool column = terms[0].field != nullptr;
+  if (!column) terms[1].field = nullptr;
+  makeComparable(terms);
+  return logical(operand(terms[0]) + (e.negated ? " NOT IN (" : " IN (") + query.text({value(terms[1])}) +
+                 ")");
+}
+
+std::string Writer::condition(const Expression& e, Scope& scope) {
+  return truth(write(e, scope));
+}
+
+std::string Writer::stored(const Expression& e, const FieldDef& field, Scope& scope) {
+  return stored(write(e, scope), field);
+}
+
+std::string Writer::stored(Term term, const FieldDef& field) {
+  if (term.slot && !term.field) {
+    slots_[*term.slot].convertTo = field;
+    return term.sql;
+  }
+  if (!term.type) return field.type == DataType::Boolean ? "0" : "NULL";
+  const auto size = [](const FieldDef& f) { return f.type == DataType::Text && f.size > 0 ? f.size : 255; };
+  // A boolean of a row that an outer join misses is Null and has to become False.
+  if (term.field != nullptr && term.type == field.type && field.type != DataType::Boolean &&
+      size(*term.field) <= size(field)) {
+    return term.sql;
+  }
+  std::string source = isTextType(field.type) ? text(term) : value(term);
+  if (source == "-1" || source == "0") {
+    if (isWholeType(field.type) && field.type != DataType::Byte) return source;
+  }
+  return "vx_store(" + source + ", " + typeCode(field.type) + ", " + std::to_string(field.size) + ")";
+}
+
+}  // namespace voxa::dialect

@@ -1,0 +1,204 @@
+#include "engines/sqlite/connection.h"
+
+#include <cmath>
+#include <limits>
+
+#include "engines/sqlite/engine.h"
+#include "engines/sqlite/errors.h"
+#include "platform/error.h"
+
+namespace voxa {
+
+namespace {
+
+struct Binder {
+  sqlite3_stmt* statement;
+  int index;
+
+  void operator()(std::monostate) const { (void)sqlite3_bind_null(statement, index); }
+  void operator()(bool v) const { (void)sqlite3_bind_int(statement, index, v ? -1 : 0); }
+  void operator()(std::uint8_t v) const { (void)sqlite3_bind_int(statement, index, v); }
+  void operator()(std::int16_t v) const { (void)sqlite3_bind_int(statement, index, v); }
+  void operator()(std::int32_t v) const { (void)sqlite3_bind_int(statement, index, v); }
+  void operator()(double v) const { (void)sqlite3_bind_double(statement, index, v); }
+  void operator()(DateTime v) const { (void)sqlite3_bind_double(statement, index, v.days); }
+  void operator()(const std::string& v) const {
+    (void)sqlite3_bind_text(statement, index, v.data(), static_cast<int>(v.size()), SQLITE_STATIC);
+  }
+};
+
+/// A whole number of an expression that outgrew the field type of its column.
+Value integerValue(std::int64_t number, DataType type) {
+  const auto fits = [number](auto ofType) {
+    using Limits = std::numeric_limits<decltype(ofType)>;
+    return number >= Limits::min() && number <= Limits::max();
+  };
+  if (type == DataType::Boolean) return number != 0;
+  if (type == DataType::Byte && fits(std::uint8_t{})) return static_cast<std::uint8_t>(number);
+  if (type == DataType::Integer && fits(std::int16_t{})) return static_cast<std::int16_t>(number);
+  if (type == DataType::Double) return static_cast<double>(number);
+  if (type == DataType::Date) return DateTime{static_cast<double>(number)};
+  if (fits(std::int32_t{})) return static_cast<std::int32_t>(number);
+  return static_cast<double>(number);
+}
+
+}  // namespace
+
+void Statement::bind(int index, const Value& value) {
+  std::visit(Binder{handle_.get(), index}, value.data());
+}
+
+void Statement::bind(int index, std::int64_t value) {
+  (void)sqlite3_bind_int64(handle_.get(), index, value);
+}
+
+int Statement::step() {
+  const int code = sqlite3_step(handle_.get());
+  if (code == SQLITE_ROW || code == SQLITE_DONE) return code;
+  // Only reset tells the reason of a statement prepared without renewal.
+  const int reason = sqlite3_reset(handle_.get());
+  return reason == SQLITE_OK ? code : reason;
+}
+
+std::string_view Statement::text(int column) const {
+  const auto* bytes = reinterpret_cast<const char*>(sqlite3_column_text(handle_.get(), column));
+  return {bytes, static_cast<std::size_t>(sqlite3_column_bytes(handle_.get(), column))};
+}
+
+bool Statement::holds(int column, DataType type) const {
+  const int held = sqlite3_column_type(handle_.get(), column);
+  if (held == SQLITE_NULL) return true;
+  const auto within = [&](auto ofType) {
+    using Limits = std::numeric_limits<decltype(ofType)>;
+    return held == SQLITE_INTEGER && integer(column) >= Limits::min() && integer(column) <= Limits::max();
+  };
+  switch (type) {
+    case DataType::Text:
+    case DataType::Memo:
+      return held == SQLITE_TEXT;
+    case DataType::Byte:
+      return within(std::uint8_t{});
+    case DataType::Integer:
+      return within(std::int16_t{});
+    case DataType::Boolean:
+    case DataType::Long:
+      return within(std::int32_t{});
+    case DataType::Double:
+    case DataType::Date:
+      return held == SQLITE_FLOAT || held == SQLITE_INTEGER;
+  }
+  return false;
+}
+
+Value Statement::value(int column, DataType type) const {
+  switch (sqlite3_column_type(handle_.get(), column)) {
+    case SQLITE_NULL:
+      return {};
+    case SQLITE_INTEGER:
+      return integerValue(integer(column), type);
+    case SQLITE_FLOAT: {
+      const double number = sqlite3_column_double(handle_.get(), column);
+      if (type == DataType::Date) return DateTime{number};
+      if (type == DataType::Boolean) return number != 0;
+      return number;
+    }
+    default:
+      return text(column);
+  }
+}
+
+Connection::Connection(const std::string& path, const SqliteOptions& options, const Clock& clock)
+    : path_(path) {
+  sqlite3* db = nullptr;
+  const int flags = (options.readOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE) | SQLITE_OPEN_NOMUTEX;
+  const int opened = sqlite3_open_v2(path.c_str(), &db, flags, nullptr);
+  handle_.reset(db);
+  check(opened);
+  (void)sqlite3_extended_result_codes(db, 1);
+  (void)sqlite3_busy_timeout(db, options.busyTimeoutMs);
+  // A misspelt name in double quotes is an error, not a text.
+  (void)sqlite3_db_config(db, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
+  (void)sqlite3_db_config(db, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
+  registerFunctions(db, *pending_, clock);
+  // synchronous=EXTRA also syncs the folder after the journal's removal: without it, power lost right after
+  // a commit could bring the journal back and with it the state before.
+  run("PRAGMA foreign_keys=ON; PRAGMA recursive_triggers=OFF; PRAGMA trusted_schema=OFF;"
+      "PRAGMA cell_size_check=ON; PRAGMA locking_mode=NORMAL; PRAGMA synchronous=EXTRA;");
+  run("PRAGMA journal_mode=DELETE");
+}
+
+Statement Connection::prepare(std::string_view sql, bool renewable) {
+  sqlite3_stmt* statement = nullptr;
+  const auto length = static_cast<int>(sql.size());
+  check(renewable ? sqlite3_prepare_v3(handle_.get(), sql.data(), length, SQLITE_PREPARE_PERSISTENT,
+                                       &statement, nullptr)
+                  : sqlite3_prepare(handle_.get(), sql.data(), length, &statement, nullptr));
+  ++prepared_;
+  return Statement(statement);
+}
+
+void Connection::run(const std::string& sql) {
+  check(sqlite3_exec(handle_.get(), sql.c_str(), nullptr, nullptr, nullptr));
+}
+
+std::int64_t Connection::number(const std::string& sql) {
+  Statement statement = prepare(sql);
+  const int code = statement.step();
+  if (code != SQLITE_ROW) fail(code == SQLITE_DONE ? SQLITE_INTERNAL : code);
+  return statement.integer(0);
+}
+
+void Connection::beginReading() {
+  if (inTransaction()) return;
+  if (!begin_) {
+    begin_ = prepare("BEGIN");
+    rollback_ = prepare("ROLLBACK");
+  }
+  const int code = begin_->step();
+  begin_->reset();
+  if (code != SQLITE_DONE) fail(code);
+  reading_ = true;
+}
+
+void Connection::endReading() noexcept {
+  if (!reading_) return;
+  reading_ = false;
+  if (!inTransaction()) return;  // SQLite ended it after a failure
+  (void)rollback_->step();
+  rollback_->reset();
+}
+
+void Connection::fail(int code) {
+  if (pending_->error) {
+    const Error error = *pending_->error;
+    pending_->error.reset();
+    throw error;
+  }
+  if ((code & 0xff) == SQLITE_IOERR && handle_ != nullptr &&
+      fileError(sqlite3_system_errno(handle_.get()), path_).number() == err::diskFull) {
+    code = SQLITE_FULL;
+  }
+  throw fileFailure(code, handle_ ? message() : sqlite3_errstr(code), path_);
+}
+
+Step::Step(Connection& connection) : connection_(connection) {
+  connection_.endReading();
+  nested_ = connection_.inTransaction();
+  connection_.run(nested_ ? "SAVEPOINT step" : "BEGIN IMMEDIATE");
+}
+
+Step::~Step() {
+  if (!open_ || !connection_.inTransaction()) return;
+  try {
+    connection_.run(nested_ ? "ROLLBACK TO step; RELEASE step" : "ROLLBACK");
+  } catch (const Error&) {
+    // The failure that led here is the one to report; SQLite undoes what is left when the file closes.
+  }
+}
+
+void Step::release() {
+  connection_.run(nested_ ? "RELEASE step" : "COMMIT");
+  open_ = false;
+}
+
+}  // namespace voxa

@@ -1,0 +1,116 @@
+#pragma once
+
+#include <sqlite3.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "engines/sqlite/functions.h"
+#include "platform/value.h"
+
+namespace voxa {
+
+class Clock;
+struct SqliteOptions;
+
+/// A prepared SQLite statement.
+class Statement {
+ public:
+  explicit Statement(sqlite3_stmt* handle) : handle_(handle) {}
+
+  /// Binds the value of placeholder ?index. Text must stay where it is until the statement has run.
+  void bind(int index, const Value& value);
+  void bind(int index, std::int64_t value);
+
+  /// SQLITE_ROW, SQLITE_DONE, or the extended code of a failure; the statement is reset then.
+  [[nodiscard]] int step();
+  void reset() { (void)sqlite3_reset(handle_.get()); }
+
+  [[nodiscard]] std::int64_t integer(int column) const { return sqlite3_column_int64(handle_.get(), column); }
+  [[nodiscard]] std::string_view text(int column) const;
+  /// Whether the column's value is one that a field of that type can hold.
+  [[nodiscard]] bool holds(int column, DataType type) const;
+  /// The column's value as a field of that type gives it; a value of another class (an expression's) as it
+  /// is.
+  [[nodiscard]] Value value(int column, DataType type) const;
+
+ private:
+  struct Finalizer {
+    void operator()(sqlite3_stmt* s) const { (void)sqlite3_finalize(s); }
+  };
+  std::unique_ptr<sqlite3_stmt, Finalizer> handle_;
+};
+
+/// One open SQLite file with the settings, the collation and the functions that this engine relies on.
+class Connection {
+ public:
+  /// Opens a file that exists. Failures as by fail().
+  Connection(const std::string& path, const SqliteOptions& options, const Clock& clock);
+
+  /// A statement that SQLite prepares anew by itself when the schema changed.
+  [[nodiscard]] Statement prepare(std::string_view sql) { return prepare(sql, true); }
+  /// A statement that answers SQLITE_SCHEMA when the schema is no longer that of its preparation: for
+  /// texts that were translated with the definitions of that schema.
+  [[nodiscard]] Statement prepareForSchema(std::string_view sql) { return prepare(sql, false); }
+
+  /// Whether statements may write the schema's text (PRAGMA writable_schema, no text to parse).
+  void allowSchemaWrites(bool allowed) {
+    (void)sqlite3_db_config(handle_.get(), SQLITE_DBCONFIG_WRITABLE_SCHEMA, allowed ? 1 : 0, nullptr);
+  }
+  void run(const std::string& sql);                           ///< statements without a result
+  [[nodiscard]] std::int64_t number(const std::string& sql);  ///< first column of the only row
+
+  /// Spares the locks of each statement when several only read. Nothing where a transaction runs.
+  void beginReading();
+  /// Ends what beginReading began; a failure has nothing to undo and is met again by the next statement.
+  void endReading() noexcept;
+
+  [[nodiscard]] bool readOnly() const { return sqlite3_db_readonly(handle_.get(), "main") == 1; }
+  [[nodiscard]] bool inTransaction() const { return sqlite3_get_autocommit(handle_.get()) == 0; }
+  [[nodiscard]] int changes() const { return sqlite3_changes(handle_.get()); }
+  [[nodiscard]] std::int64_t lastRowid() const { return sqlite3_last_insert_rowid(handle_.get()); }
+  [[nodiscard]] std::string message() const { return sqlite3_errmsg(handle_.get()); }
+  [[nodiscard]] std::size_t preparedCount() const { return prepared_; }
+
+  /// Raises what the failed call means: the error that a function of ours left behind, else by the code.
+  [[noreturn]] void fail(int code);
+
+ private:
+  struct Closer {
+    void operator()(sqlite3* db) const { (void)sqlite3_close_v2(db); }
+  };
+  Statement prepare(std::string_view sql, bool renewable);
+  void check(int code) {
+    if (code != SQLITE_OK) fail(code);
+  }
+
+  std::string path_;
+  std::unique_ptr<PendingError> pending_ = std::make_unique<PendingError>();
+  std::unique_ptr<sqlite3, Closer> handle_;
+  std::optional<Statement> begin_;
+  std::optional<Statement> rollback_;
+  bool reading_ = false;
+  std::size_t prepared_ = 0;
+};
+
+/// Makes several statements one step: all of them, or none when it goes away without release(). Within a
+/// transaction a savepoint, else a transaction of its own that holds the writer's lock from its start.
+class Step {
+ public:
+  explicit Step(Connection& connection);
+  ~Step();
+  Step(const Step&) = delete;
+  Step& operator=(const Step&) = delete;
+  void release();
+
+ private:
+  Connection& connection_;
+  bool nested_ = false;
+  bool open_ = true;
+};
+
+}  // namespace voxa

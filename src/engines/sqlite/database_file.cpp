@@ -1,0 +1,113 @@
+#include "engines/sqlite/database_file.h"
+
+#include <sqlite3.h>
+
+#include <array>
+#include <cerrno>
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+
+#include "engines/language/dialect.h"
+#include "engines/sqlite/catalog.h"
+#include "engines/sqlite/connection.h"
+#include "engines/sqlite/session.h"
+#include "platform/error.h"
+#include "platform/files.h"
+
+namespace voxa {
+
+namespace {
+
+/// Marks the files of this engine, at its place in SQLite's file header ("VoxA").
+constexpr std::uint32_t applicationId = 0x566f7841;
+constexpr std::size_t applicationIdOffset = 68;
+constexpr std::string_view magic("SQLite format 3\0", 16);
+using Header = std::array<unsigned char, 100>;
+
+/// Reads the header through SQLite's own file layer: on POSIX systems any other way would drop the locks
+/// that another connection of this process holds on the file. SQLite's result code.
+int readHeader(const std::string& path, Header& header) {
+  sqlite3_vfs* vfs = sqlite3_vfs_find(nullptr);
+  const auto memory = std::make_unique<std::uint64_t[]>(static_cast<std::size_t>(vfs->szOsFile) / 8 + 1);
+  auto* file = reinterpret_cast<sqlite3_file*>(memory.get());
+  const std::unique_ptr<const char, void (*)(const char*)> name(
+      sqlite3_create_filename(path.c_str(), "", "", 0, nullptr),
+      [](const char* n) { sqlite3_free_filename(const_cast<char*>(n)); });
+  int code = vfs->xOpen(vfs, name.get(), file, SQLITE_OPEN_READONLY | SQLITE_OPEN_MAIN_DB, nullptr);
+  if (code == SQLITE_OK)
+    code = file->pMethods->xRead(file, header.data(), static_cast<int>(header.size()), 0);
+  if (file->pMethods != nullptr) (void)file->pMethods->xClose(file);
+  return code;
+}
+
+bool isOurs(const Header& header) {
+  const std::string_view start(reinterpret_cast<const char*>(header.data()), magic.size());
+  std::uint32_t id = 0;
+  for (std::size_t i = 0; i < 4; ++i) id = id << 8 | header[applicationIdOffset + i];
+  return start == magic && id == applicationId;
+}
+
+Error createFailure(const Error& error) {
+  switch (error.number()) {
+    case err::fileExists:
+      return {err::dbFileExists, "The database exists already: " + error.description()};
+    case err::diskFull:
+      return {err::dbDiskFull, error.description()};
+    default:
+      return {err::dbCannotOpen, "The database cannot be created: " + error.description()};
+  }
+}
+
+}  // namespace
+
+std::string databasePath(std::string_view path) {
+  std::string native = files::native(path);
+  const std::u8string utf8(native.begin(), native.end());
+  if (!std::filesystem::path(utf8).is_absolute())
+    native = files::native(files::currentFolder() + "\\" + native);
+  return native;
+}
+
+void createDatabaseFile(std::string_view given, const Session& session) {
+  // Made under another name: whoever is killed meanwhile leaves no file that is half a database.
+  const std::string begun = std::string(given) + "~new";
+  try {
+    if (files::exists(given)) throw fileError(EEXIST, std::string(given));
+    (void)files::removeRegular(begun);
+    files::createNew(begun);
+  } catch (const Error& error) {
+    throw createFailure(error);
+  }
+  try {
+    {
+      Connection connection(databasePath(begun), session.options, session.clock);
+      // There is no earlier state to keep, and the first commit waits for the disk, these pages included.
+      connection.run("PRAGMA journal_mode=OFF; PRAGMA synchronous=OFF; BEGIN; PRAGMA application_id=" +
+                     std::to_string(applicationId) + "; CREATE TABLE " + Catalog::queryTable +
+                     " (Name TEXT COLLATE " + dialect::collation +
+                     " PRIMARY KEY, Sql TEXT NOT NULL); COMMIT");
+    }
+    // That of a database of this name that somebody deleted must not be rolled back into this one.
+    (void)files::removeRegular(std::string(given) + "-journal");
+    files::rename(begun, given);
+  } catch (const Error& error) {
+    (void)files::removeRegular(begun);
+    if (error.number() == err::fileExists) throw createFailure(error);  // somebody was first
+    throw;
+  }
+}
+
+void checkDatabaseFile(const std::string& path, std::string_view given) {
+  const std::string name(given);
+  if (!files::exists(given)) throw Error(err::dbFileNotFound, "Could not find the database: " + name);
+  Header header{};
+  // What is behind a link is somebody else's file, and a pipe would be waited for.
+  const int code = files::isPlain(given) ? readHeader(path, header) : SQLITE_CANTOPEN;
+  if (code == SQLITE_IOERR_SHORT_READ || (code == SQLITE_OK && !isOurs(header))) {
+    throw Error(err::dbNotADatabase, "The file is no database of this system: " + name);
+  }
+  if (code != SQLITE_OK) throw Error(err::dbCannotOpen, "The database cannot be opened: " + name);
+}
+
+}  // namespace voxa

@@ -1,0 +1,129 @@
+#include "engines/sqlite/engine.h"
+
+#include <algorithm>
+#include <optional>
+
+#include "engines/sqlite/connection.h"
+#include "engines/sqlite/database_file.h"
+#include "engines/sqlite/session.h"
+#include "engines/sqlite/sqlite_database.h"
+
+namespace voxa {
+
+void Session::rollback() {
+  inTransaction = false;
+  std::optional<Error> first;
+  for (SqliteDatabase* database : open) {
+    try {
+      database->rollback();
+    } catch (const Error& error) {
+      if (!first) first = error;
+    }
+  }
+  if (first) throw *first;
+}
+
+void Session::abandonTransaction() {
+  try {
+    rollback();
+  } catch (const Error&) {
+    // The failure that led here is the one to report.
+  }
+}
+
+void Session::failed(const Error& error) {
+  // SQLite itself undoes a whole transaction when a disk is full or memory is lacking. The transaction is
+  // one over all databases, so then none of it can stay.
+  const bool lost = inTransaction && std::any_of(open.begin(), open.end(), [](const SqliteDatabase* d) {
+                      return d->lostTransaction();
+                    });
+  if (lost) abandonTransaction();
+  errors.assign(1, {error.number(), error.description()});
+}
+
+namespace {
+
+class SqliteEngine final : public DatabaseEngine {
+ public:
+  SqliteEngine(const Clock& clock, const SqliteOptions& options)
+      : session_(std::make_shared<Session>(clock, options)) {}
+
+  ~SqliteEngine() override {
+    while (!session_->open.empty()) session_->open.back()->abandon();
+  }
+  SqliteEngine(const SqliteEngine&) = delete;
+  SqliteEngine& operator=(const SqliteEngine&) = delete;
+
+  std::shared_ptr<Database> create(std::string_view path) override {
+    return session_->guarded([&] {
+      createDatabaseFile(path, *session_);
+      return std::make_shared<SqliteDatabase>(session_, databasePath(path));
+    });
+  }
+
+  std::shared_ptr<Database> open(std::string_view path) override {
+    return session_->guarded([&] {
+      const std::string full = databasePath(path);
+      checkDatabaseFile(full, path);
+      return std::make_shared<SqliteDatabase>(session_, full);
+    });
+  }
+
+  [[nodiscard]] std::vector<std::shared_ptr<Database>> databases() const override {
+    std::vector<std::shared_ptr<Database>> list;
+    for (SqliteDatabase* database : session_->open) {
+      // Null while the last holder lets go of it.
+      if (auto held = database->weak_from_this().lock()) list.push_back(std::move(held));
+    }
+    return list;
+  }
+
+  void begin() override {
+    session_->guarded([&] {
+      if (session_->inTransaction) {
+        throw Error(err::dbInvalidArgument, "A transaction is running already; transactions do not nest");
+      }
+      for (SqliteDatabase* database : session_->open) database->endReading();
+      session_->inTransaction = true;
+    });
+  }
+
+  void commit() override {
+    session_->guarded([&] {
+      requireTransaction();
+      try {
+        for (SqliteDatabase* database : session_->open) database->settle();
+        for (SqliteDatabase* database : session_->open) database->commit();
+      } catch (const Error&) {
+        session_->abandonTransaction();
+        throw;
+      }
+      session_->inTransaction = false;
+    });
+  }
+
+  void rollback() override {
+    session_->guarded([&] {
+      requireTransaction();
+      session_->rollback();
+    });
+  }
+
+  [[nodiscard]] bool inTransaction() const override { return session_->inTransaction; }
+  [[nodiscard]] const std::vector<ErrorInfo>& errors() const override { return session_->errors; }
+
+ private:
+  void requireTransaction() const {
+    if (!session_->inTransaction) throw Error(err::dbNoTransaction, "There is no transaction to end");
+  }
+
+  std::shared_ptr<Session> session_;
+};
+
+}  // namespace
+
+std::unique_ptr<DatabaseEngine> makeSqliteEngine(const Clock& clock, const SqliteOptions& options) {
+  return std::make_unique<SqliteEngine>(clock, options);
+}
+
+}  // namespace voxa

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <vector>
+
+#include "engines/sqlite/engine.h"
+#include "platform/error.h"
+
+namespace voxa {
+
+class Clock;
+class SqliteDatabase;
+
+/// What the engine and its databases share.
+struct Session {
+  Session(const Clock& sessionClock, const SqliteOptions& sessionOptions)
+      : clock(sessionClock), options(sessionOptions) {}
+
+  /// Runs one public operation: an error that leaves it fills the error collection first.
+  template <typename Operation>
+  decltype(auto) guarded(Operation&& operation) {
+    try {
+      return operation();
+    } catch (const Error& error) {
+      failed(error);
+      throw;
+    }
+  }
+
+  void rollback();
+  /// Rolls back after a failure that is reported itself.
+  void abandonTransaction();
+
+  const Clock& clock;
+  const SqliteOptions options;
+  std::vector<ErrorInfo> errors;
+  std::vector<SqliteDatabase*> open;  ///< in the order they were opened
+  bool inTransaction = false;
+
+ private:
+  void failed(const Error& error);
+};
+
+}  // namespace voxa

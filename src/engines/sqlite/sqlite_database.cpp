@@ -1,0 +1,386 @@
+#include "engines/sqlite/sqlite_database.h"
+
+#include <algorithm>
+
+#include "engines/sqlite/ddl.h"
+#include "engines/sqlite/errors.h"
+#include "engines/sqlite/sqlite_recordset.h"
+#include "platform/text.h"
+
+namespace voxa {
+
+namespace {
+
+/// Times that a statement is translated again because another user keeps changing the schema.
+constexpr int schemaRetries = 20;
+
+/// A statement whose text is read once, for as long as the database is open.
+class SqliteCommand final : public Command {
+ public:
+  SqliteCommand(std::shared_ptr<SqliteDatabase> database, std::string_view sql)
+      : database_(std::move(database)), sql_(sql), change_(database_->translateChange(sql_)) {}
+
+  int execute(const std::vector<Value>& values) override { return database_->run(change_, sql_, values); }
+
+ private:
+  std::shared_ptr<SqliteDatabase> database_;
+  std::string sql_;
+  SqliteDatabase::Change change_;
+};
+
+/// What a slot is bound to: the value, and what was declared of it if it is a parameter's.
+using Input = std::pair<const Value*, const FieldDef*>;
+
+/// rows: whether the statement has to give rows.
+void requireKind(const dialect::Translation& translation, bool rows) {
+  if (rows == (translation.kind == dialect::Translation::Kind::select)) return;
+  if (rows) throw Error(err::dbInvalidOperation, "A query that changes rows has no rows to open");
+  throw Error(err::dbSelectExecuted, "A query that selects rows cannot be executed");
+}
+
+/// Which of the declared parameters a slot's is; the translation makes slots of no others.
+std::size_t declaredIndex(const dialect::Translation& translation, std::string_view name) {
+  const auto found = std::find_if(translation.parameters.begin(), translation.parameters.end(),
+                                  [&](const FieldDef& declared) { return equalNoCase(declared.name, name); });
+  return static_cast<std::size_t>(found - translation.parameters.begin());
+}
+
+const Value& parameterValue(const SqliteDatabase::Parameters& parameters, std::string_view name) {
+  for (const auto& [given, value] : parameters) {
+    if (equalNoCase(given, name)) return value;
+  }
+  throw Error(err::dbTooFewParameters, "Parameter '" + std::string(name) + "' has no value");
+}
+
+/// Whether convertForField would give the value back.
+bool isStoredAsIs(const Value& value, const FieldDef& field) {
+  if (const auto* text = std::get_if<std::string>(&value.data())) {
+    // No text has more characters than bytes.
+    return field.type == DataType::Memo ||
+           (field.type == DataType::Text && text->size() <= static_cast<std::size_t>(field.size));
+  }
+  return field.type == DataType::Long && std::holds_alternative<std::int32_t>(value.data());
+}
+
+std::string_view trimmedName(std::string_view name) {
+  while (!name.empty() && (name.front() == ' ' || name.front() == '[')) name.remove_prefix(1);
+  while (!name.empty() && (name.back() == ' ' || name.back() == ']')) name.remove_suffix(1);
+  return name;
+}
+
+/// Whether a source can be nothing but a name: one word that begins no statement, or what brackets hold.
+bool isBareName(std::string_view source) {
+  dialect::Lexer lexer(source);
+  dialect::Token token;
+  dialect::Token behind;
+  lexer.next(token);
+  lexer.next(behind);
+  if (behind.kind != dialect::TokenKind::end) return false;
+  constexpr std::string_view beginnings[] = {"select", "insert", "update", "delete", "parameters"};
+  return token.kind == dialect::TokenKind::bracketed ||
+         (token.kind == dialect::TokenKind::word &&
+          std::none_of(std::begin(beginnings), std::end(beginnings),
+                       [&](std::string_view word) { return equalNoCase(token.text, word); }));
+}
+
+/// The prepared statement of a source that was scanned, unless its literals need another translation.
+Prepared* findPrepared(StatementCache& translated, const dialect::Scanned& scanned) {
+  Prepared* found = translated.find(scanned.key);
+  return found != nullptr && found->translation->holdsFor(scanned.literals) ? found : nullptr;
+}
+
+}  // namespace
+
+SqliteDatabase::SqliteDatabase(std::shared_ptr<Session> session, std::string path)
+    : session_(std::move(session)), path_(std::move(path)), file_(std::in_place, path_, *session_) {
+  // Reads the file's first pages, so that a damaged or locked file fails here.
+  (void)file_->catalog.relations();
+  session_->open.push_back(this);
+}
+
+SqliteDatabase::~SqliteDatabase() {
+  try {
+    close();
+  } catch (const Error&) {
+    abandon();  // no one is left to tell; the error collection has it
+  }
+}
+
+void SqliteDatabase::close() {
+  if (!isOpen()) return;
+  session_->guarded([&] {
+    settle();
+    commit();
+  });
+  abandon();
+}
+
+void SqliteDatabase::abandon() {
+  file_.reset();
+  std::erase(session_->open, this);
+}
+
+void SqliteDatabase::commit() {
+  if (!opened().locked) return;
+  file_->connection.run("COMMIT");
+  file_->locked = false;
+}
+
+void SqliteDatabase::rollback() {
+  OpenFile& open = opened();
+  const bool running = open.locked && open.connection.inTransaction();
+  open.locked = false;
+  ++generation_;
+  open.unwritten.clear();
+  open.catalog.invalidate();
+  open.names.clear();
+  if (running) open.connection.run("ROLLBACK");
+}
+
+SqliteDatabase::OpenFile& SqliteDatabase::opened() const {
+  if (!file_) throw Error(err::dbInvalidObject, "The database is closed: " + path_);
+  return *file_;
+}
+
+SqliteDatabase::OpenFile& SqliteDatabase::file() const {
+  OpenFile& open = opened();
+  if (!open.unwritten.empty()) {
+    Step step(open.connection);
+    writeRelations(open.unwritten);
+    step.release();
+    open.unwritten.clear();
+  }
+  return open;
+}
+
+void SqliteDatabase::schemaChanged() {
+  file().catalog.invalidate();
+  file().translated.clear();
+  file().names.clear();
+}
+
+Statement& SqliteDatabase::rowStatement(const std::string& sql) {
+  OpenFile& open = opened();
+  if (Prepared* found = open.own.find(sql)) return found->statement;
+  return open.own.add(sql, {nullptr, open.connection.prepare(sql)}).statement;
+}
+
+void SqliteDatabase::beginReading() {
+  session_->guarded([&] { file().connection.beginReading(); });
+}
+
+void SqliteDatabase::endReading() {
+  if (file_) file_->connection.endReading();
+}
+
+void SqliteDatabase::lockForChanges() {
+  session_->guarded([&] {
+    if (session_->inTransaction) beginChange();
+  });
+}
+
+void SqliteDatabase::beginChange() {
+  OpenFile& open = opened();
+  open.connection.endReading();
+  if (!session_->inTransaction || open.locked) return;
+  open.connection.run("BEGIN IMMEDIATE");
+  open.locked = true;
+  ++generation_;  // others may have changed what was read before
+}
+
+void SqliteDatabase::change(Statement& statement, std::string_view table) {
+  settle();
+  const int code = statement.step();
+  if (code != SQLITE_DONE) failChange(code, table);
+  statement.reset();
+  ++generation_;
+}
+
+void SqliteDatabase::failChange(int code, std::string_view table) {
+  OpenFile& open = file();
+  if ((code & 0xff) != SQLITE_CONSTRAINT) open.connection.fail(code);
+  const std::string text = open.connection.message();
+  throw constraintFailure(code, text, table, open.catalog);
+}
+
+std::optional<std::string> SqliteDatabase::textOfName(std::string_view name) {
+  OpenFile& open = opened();
+  open.catalog.refresh();
+  const std::string_view plain = trimmedName(name);
+  if (const TableDef* table = open.catalog.table(plain)) return "SELECT * FROM [" + table->name + "]";
+  Statement& query = rowStatement(std::string("SELECT Sql FROM ") + Catalog::queryTable + " WHERE Name = ?1");
+  const Value key(plain);
+  query.bind(1, key);
+  const int code = query.step();
+  if (code == SQLITE_DONE) {
+    query.reset();
+    return std::nullopt;
+  }
+  if (code != SQLITE_ROW) open.connection.fail(code);
+  std::string sql(query.text(0));
+  query.reset();
+  return sql;
+}
+
+Prepared SqliteDatabase::translate(std::string_view sql) {
+  OpenFile& open = file();
+  open.catalog.refresh();
+  auto translation = std::make_shared<const dialect::Translation>(dialect::translate(sql, open.catalog));
+  Statement statement = open.connection.prepareForSchema(translation->sql);
+  return {std::move(translation), std::move(statement)};
+}
+
+Prepared& SqliteDatabase::translateScanned(std::string_view sql) {
+  Prepared made = translate(sql);
+  StatementCache& translated = opened().translated;
+  if (Prepared* former = translated.find(scanned_.key)) return *former = std::move(made);
+  return translated.add(scanned_.key, std::move(made));
+}
+
+Prepared& SqliteDatabase::prepared(std::string_view source) {
+  OpenFile& open = file();
+  std::optional<Error> unscannable;
+  try {
+    dialect::scan(source, scanned_, &session_->clock);
+    if (Prepared* found = findPrepared(open.translated, scanned_)) return *found;
+  } catch (const Error& error) {
+    unscannable = error;  // a name may hold what a statement may not
+  }
+  auto name = open.names.find(std::string(source));
+  if (name == open.names.end()) {
+    std::optional<std::string> text = textOfName(source);
+    if (!text) {
+      if (unscannable) throw *unscannable;
+      if (isBareName(source)) {
+        throw Error(err::dbUnknownTable,
+                    "There is no table or query \"" + std::string(trimmedName(source)) + "\"");
+      }
+      return translateScanned(source);
+    }
+    name = open.names.emplace(source, std::move(*text)).first;
+  }
+  dialect::scan(name->second, scanned_, &session_->clock);
+  if (Prepared* found = findPrepared(open.translated, scanned_)) return *found;
+  return translateScanned(name->second);
+}
+
+template <typename InputOf>
+void SqliteDatabase::bind(Prepared& prepared, InputOf&& inputOf) {
+  const std::vector<dialect::Slot>& slots = prepared.translation->slots;
+  converted_.clear();  // each value twice at most, and what was bound must stay where it is
+  converted_.reserve(2 * slots.size());
+  const auto convert = [&](const Value& value, const FieldDef& field) -> const Value& {
+    if (isStoredAsIs(value, field)) return value;
+    return converted_.emplace_back(convertForField(value, field.type, field.size, &session_->clock));
+  };
+  for (std::size_t i = 0; i < slots.size(); ++i) {
+    const auto [input, declared] = inputOf(i);
+    const Value* value = input;
+    if (declared != nullptr) value = &convert(*value, *declared);
+    if (slots[i].convertTo) value = &convert(*value, *slots[i].convertTo);
+    prepared.statement.bind(static_cast<int>(i) + 1, *value);
+  }
+}
+
+SqliteDatabase::Change SqliteDatabase::translateChange(std::string_view sql) {
+  Prepared made = translate(sql);
+  dialect::scan(sql, scanned_, &session_->clock);
+  Change change{std::move(made), scanned_.literals, {}};
+  const dialect::Translation& translation = *change.prepared.translation;
+  requireKind(translation, false);
+  for (const dialect::Slot& slot : translation.slots) {
+    change.parameters.push_back(slot.literal ? 0 : declaredIndex(translation, slot.parameter));
+  }
+  return change;
+}
+
+int SqliteDatabase::run(Change& change, std::string_view sql, const std::vector<Value>& values) {
+  return session_->guarded([&] {
+    beginChange();
+    for (int attempt = 0;; ++attempt) {
+      OpenFile& open = file();
+      const dialect::Translation& translation = *change.prepared.translation;
+      if (values.size() != translation.parameters.size()) {
+        throw Error(err::dbTooFewParameters,
+                    "The statement has " + std::to_string(translation.parameters.size()) +
+                        " parameters and was given " + std::to_string(values.size()) + " values");
+      }
+      bind(change.prepared, [&](std::size_t i) -> Input {
+        if (const auto& literal = translation.slots[i].literal) return {&change.literals[*literal], nullptr};
+        const std::size_t parameter = change.parameters[i];
+        return {&values[parameter], &translation.parameters[parameter]};
+      });
+      const int code = change.prepared.statement.step();
+      if (code == SQLITE_DONE) {
+        change.prepared.statement.reset();
+        ++generation_;
+        return open.connection.changes();
+      }
+      if ((code & 0xff) != SQLITE_SCHEMA || attempt == schemaRetries) failChange(code, translation.table);
+      schemaChanged();
+      change = translateChange(sql);
+    }
+  });
+}
+
+std::unique_ptr<Command> SqliteDatabase::prepare(std::string_view sql) {
+  return session_->guarded(
+      [&] { return std::unique_ptr<Command>(std::make_unique<SqliteCommand>(shared_from_this(), sql)); });
+}
+
+template <typename Run>
+int SqliteDatabase::withPrepared(std::string_view source, bool rows, const Parameters& parameters,
+                                 Run&& run) {
+  for (int attempt = 0;; ++attempt) {
+    Prepared& statement = prepared(source);
+    const dialect::Translation& translation = *statement.translation;
+    requireKind(translation, rows);
+    bind(statement, [&](std::size_t i) -> Input {
+      const dialect::Slot& slot = translation.slots[i];
+      if (slot.literal) return {&scanned_.literals[*slot.literal], nullptr};
+      return {&parameterValue(parameters, slot.parameter),
+              &translation.parameters[declaredIndex(translation, slot.parameter)]};
+    });
+    const int code = run(statement);
+    if ((code & 0xff) != SQLITE_SCHEMA || attempt == schemaRetries) return code;
+    schemaChanged();
+  }
+}
+
+int SqliteDatabase::execute(std::string_view sql) {
+  return session_->guarded([&] {
+    beginChange();
+    std::shared_ptr<const dialect::Translation> translation;
+    const int code = withPrepared(sql, false, {}, [&](Prepared& prepared) {
+      const int result = prepared.statement.step();
+      if (result == SQLITE_DONE) {
+        prepared.statement.reset();
+      } else {
+        translation = prepared.translation;
+      }
+      return result;
+    });
+    if (code != SQLITE_DONE) failChange(code, translation->table);
+    ++generation_;
+    return file().connection.changes();
+  });
+}
+
+std::unique_ptr<Recordset> SqliteDatabase::openRecordset(std::string_view source,
+                                                         const Parameters& parameters) {
+  return session_->guarded([&] {
+    std::unique_ptr<SqliteRecordset> rows;
+    const int code = withPrepared(source, true, parameters, [&](Prepared& prepared) {
+      rows = std::make_unique<SqliteRecordset>(shared_from_this(), prepared.translation);
+      return rows->read(prepared.statement);
+    });
+    if (code != SQLITE_DONE) file().connection.fail(code);
+    return std::unique_ptr<Recordset>(std::move(rows));
+  });
+}
+
+std::size_t preparedStatements(const Database& database) {
+  return dynamic_cast<const SqliteDatabase&>(database).connection().preparedCount();
+}
+
+}  // namespace voxa

@@ -1,0 +1,392 @@
+#include "engines/sqlite/sqlite_recordset.h"
+
+#include <algorithm>
+#include <limits>
+
+#include "engines/sqlite/ddl.h"
+#include "engines/sqlite/sqlite_database.h"
+#include "platform/text.h"
+
+namespace voxa {
+
+namespace {
+
+constexpr std::size_t firstRows = 256;  ///< read at once
+constexpr std::size_t blockRows = 256;  ///< fetched together later: the file is locked once for all of them
+constexpr std::int64_t deletedRow = std::numeric_limits<std::int64_t>::min();
+
+bool showsFieldsOnly(const dialect::Translation& translation) {
+  return !translation.table.empty() &&
+         std::none_of(translation.sourceFields.begin(), translation.sourceFields.end(),
+                      [](const std::string& field) { return field.empty(); });
+}
+
+/// Spares the locks of each statement when several only read.
+class ReadTogether {
+ public:
+  explicit ReadTogether(Connection& connection) : connection_(connection), own_(!connection.inTransaction()) {
+    if (own_) connection_.beginReading();
+  }
+  ~ReadTogether() {
+    if (own_) connection_.endReading();
+  }
+  ReadTogether(const ReadTogether&) = delete;
+  ReadTogether& operator=(const ReadTogether&) = delete;
+
+ private:
+  Connection& connection_;
+  bool own_;
+};
+
+Error rowGone() {
+  return {err::dbRecordDeleted, "The record has been deleted"};
+}
+
+}  // namespace
+
+SqliteRecordset::SqliteRecordset(std::shared_ptr<SqliteDatabase> database,
+                                 std::shared_ptr<const dialect::Translation> translation)
+    : database_(std::move(database)),
+      translation_(std::move(translation)),
+      live_(showsFieldsOnly(*translation_)),
+      fetchRows_(blockRows),
+      generation_(database_->generation()) {}
+
+int SqliteRecordset::read(Statement& statement) {
+  const bool withRowids = editable();
+  const int firstColumn = withRowids ? 1 : 0;
+  int code = SQLITE_ROW;
+  while ((code = statement.step()) == SQLITE_ROW) {
+    if (withRowids) rowids_.push_back(statement.integer(0));
+    ++rows_;
+    if (live_ && blockRows_ == firstRows) continue;
+    if (values_.empty()) values_.reserve(columns().size());
+    take(statement, firstColumn);
+    ++blockRows_;
+  }
+  if (code == SQLITE_DONE) statement.reset();
+  return code;
+}
+
+bool SqliteRecordset::isDeleted(std::size_t row) const {
+  return deleted_ != 0 && rowids_[row] == deletedRow;
+}
+
+bool SqliteRecordset::eof() const {
+  return position_ == static_cast<std::ptrdiff_t>(rows_);
+}
+
+bool SqliteRecordset::bof() const {
+  return position_ < 0 || (eof() && recordCount() == 0);
+}
+
+/// Makes `row` current, or the next one in that direction that is not deleted.
+void SqliteRecordset::moveTo(std::ptrdiff_t row, std::ptrdiff_t direction) {
+  mode_ = Mode::none;
+  const auto end = static_cast<std::ptrdiff_t>(rows_);
+  while (row >= 0 && row < end && isDeleted(static_cast<std::size_t>(row))) row += direction;
+  position_ = recordCount() == 0 ? end : row;
+}
+
+void SqliteRecordset::moveFirst() {
+  moveTo(0, 1);
+}
+
+void SqliteRecordset::moveLast() {
+  moveTo(static_cast<std::ptrdiff_t>(rows_) - 1, -1);
+}
+
+void SqliteRecordset::moveNext() {
+  database_->session().guarded([&] {
+    if (eof()) throw Error(err::dbNoCurrentRecord, "There is no record behind the last one");
+    moveTo(position_ + 1, 1);
+  });
+}
+
+void SqliteRecordset::movePrevious() {
+  database_->session().guarded([&] {
+    if (bof()) throw Error(err::dbNoCurrentRecord, "There is no record before the first one");
+    moveTo(position_ - 1, -1);
+  });
+}
+
+/// The rows that satisfy the condition are asked for once, by their numbers.
+bool SqliteRecordset::find(std::string_view condition, std::ptrdiff_t from) {
+  return database_->session().guarded([&] {
+    if (!editable()) throw Error(err::dbNotSupported, "Rows of this query cannot be searched");
+    const std::string sql =
+        "select * from [" + translation_->table + "] where (" + std::string(condition) + ")";
+    const auto found = database_->openRecordset(sql, {});
+    std::vector<std::int64_t> numbers = dynamic_cast<const SqliteRecordset&>(*found).rowids_;
+    std::sort(numbers.begin(), numbers.end());
+    for (std::ptrdiff_t row = from; row < static_cast<std::ptrdiff_t>(rows_); ++row) {
+      const auto at = static_cast<std::size_t>(row);
+      if (isDeleted(at) || !std::binary_search(numbers.begin(), numbers.end(), rowids_[at])) continue;
+      moveTo(row, 1);
+      return true;
+    }
+    return false;
+  });
+}
+
+void SqliteRecordset::requireCurrent() const {
+  if (eof() || bof()) throw Error(err::dbNoCurrentRecord, "There is no current record");
+  if (isDeleted(static_cast<std::size_t>(position_))) throw rowGone();
+}
+
+void SqliteRecordset::requireEditable() const {
+  if (editable() && !database_->connection().readOnly()) return;
+  throw Error(err::dbNotUpdatable, editable() ? "The database is read-only: " + database_->name()
+                                              : "The rows of this query cannot be changed");
+}
+
+void SqliteRecordset::checkColumn(std::size_t index) const {
+  if (index < columns().size()) return;
+  throw Error(err::dbNotInCollection, "The rows have no field number " + std::to_string(index));
+}
+
+const FieldDef& SqliteRecordset::field(std::size_t index) const {
+  return database_->session().guarded([&]() -> const FieldDef& {
+    checkColumn(index);
+    return columns()[index];
+  });
+}
+
+std::size_t SqliteRecordset::fieldIndex(std::string_view name) const {
+  const std::vector<FieldDef>& fields = columns();
+  for (std::size_t i = 0; i < fields.size(); ++i) {
+    if (fields[i].name == name) return i;
+  }
+  for (std::size_t i = 0; i < fields.size(); ++i) {
+    if (equalNoCase(fields[i].name, name)) return i;
+  }
+  return database_->session().guarded([&]() -> std::size_t {
+    throw Error(err::dbNotInCollection, "The rows have no field '" + std::string(name) + "'");
+  });
+}
+
+Value SqliteRecordset::initial(std::size_t index) const {
+  const FieldDef& field = columns()[index];
+  if (field.defaultValue.isNull() && field.type == DataType::Boolean) return false;
+  return field.defaultValue;
+}
+
+Value SqliteRecordset::get(std::size_t index) const {
+  return database_->session().guarded([&] {
+    if (!database_->isOpen()) (void)database_->connection();
+    checkColumn(index);
+    if (mode_ == Mode::add) return edited_[index];
+    requireCurrent();
+    if (mode_ == Mode::edit && std::find(set_.begin(), set_.end(), index) != set_.end()) {
+      return edited_[index];
+    }
+    const Value* value = values(static_cast<std::size_t>(position_)) + index;
+    if (!misfits_.empty()) requireFit(*value, index);
+    return *value;
+  });
+}
+
+void SqliteRecordset::take(Statement& statement, int firstColumn) const {
+  int column = firstColumn;
+  for (std::size_t i = 0; i < columns().size(); ++i, ++column) {
+    const FieldDef& field = columns()[i];
+    if (translation_->stored[i] && !statement.holds(column, field.type)) misfits_.push_back(values_.size());
+    values_.push_back(statement.value(column, field.type));
+  }
+}
+
+void SqliteRecordset::requireFit(const Value& value, std::size_t index) const {
+  const auto place = static_cast<std::size_t>(&value - values_.data());
+  if (!std::binary_search(misfits_.begin(), misfits_.end(), place)) return;
+  throw Error(err::dbConversion,
+              "Data type conversion error: the column " + columns()[index].name +
+                  (translation_->table.empty() ? "" : " of the table " + translation_->table) +
+                  " holds a value of another type");
+}
+
+const Value* SqliteRecordset::values(std::size_t row) const {
+  const auto inBlock = [&] { return row >= blockStart_ && row - blockStart_ < blockRows_; };
+  if (live_) {
+    const bool stale = generation_ != database_->generation();
+    if (stale || !inBlock()) {
+      // One row at a time while the rows change under the reader, more with every quiet step.
+      fetchRows_ = stale ? 1 : std::min(fetchRows_ * 4, blockRows);
+      fetch(row);
+    }
+    if (!gone_.empty() && gone_[row - blockStart_]) throw rowGone();
+  }
+  return &values_[(row - blockStart_) * columns().size()];
+}
+
+void SqliteRecordset::fetch(std::size_t row) const {
+  if (fetchSql_.empty()) {
+    fetchSql_ = "SELECT " + ddl::quoteNames(translation_->sourceFields) + " FROM " +
+                ddl::quoteName(translation_->table) + " WHERE _rowid_ = ?1";
+  }
+  const bool backwards = row + 1 == blockStart_;
+  const std::size_t start = backwards ? row + 1 - std::min(row + 1, fetchRows_) : row;
+  const std::size_t end = backwards ? row + 1 : std::min(rows_, row + fetchRows_);
+
+  values_.clear();
+  misfits_.clear();
+  gone_.clear();
+  blockStart_ = start;
+  blockRows_ = 0;
+  generation_ = database_->generation();
+  Connection& connection = database_->connection();
+  const ReadTogether together(connection);
+  Statement& statement = database_->rowStatement(fetchSql_);
+  for (std::size_t i = start; i < end; ++i) {
+    statement.bind(1, rowids_[i]);
+    const int code = statement.step();
+    if (code == SQLITE_ROW) {
+      take(statement, 0);
+    } else if (code == SQLITE_DONE) {
+      if (gone_.empty()) gone_.resize(end - start);
+      gone_[i - start] = true;
+      values_.resize(values_.size() + columns().size());
+    } else {
+      connection.fail(code);
+    }
+    statement.reset();
+  }
+  blockRows_ = end - start;
+}
+
+void SqliteRecordset::startEditing(Mode mode) {
+  mode_ = mode;
+  set_.clear();
+  edited_.resize(columns().size());
+}
+
+void SqliteRecordset::edit() {
+  database_->session().guarded([&] {
+    requireEditable();
+    requireCurrent();
+    database_->lockForChanges();
+    startEditing(Mode::edit);
+  });
+}
+
+void SqliteRecordset::addNew() {
+  database_->session().guarded([&] {
+    requireEditable();
+    startEditing(Mode::add);
+    for (std::size_t i = 0; i < edited_.size(); ++i) edited_[i] = initial(i);
+  });
+}
+
+void SqliteRecordset::set(std::size_t index, const Value& value) {
+  database_->session().guarded([&] {
+    if (mode_ == Mode::none) throw Error(err::dbUpdateWithoutEdit, "A field was set without edit or add");
+    checkColumn(index);
+    const FieldDef& field = columns()[index];
+    if (translation_->sourceFields[index].empty()) {
+      throw Error(err::dbNotUpdatable, "Column '" + field.name + "' is an expression and cannot be set");
+    }
+    try {
+      edited_[index] = convertForField(value, field.type, field.size, &database_->session().clock);
+    } catch (const Error& error) {
+      throw Error(error.number(), "Field '" + field.name + "' of table '" + translation_->table +
+                                      "': " + error.description());
+    }
+    if (std::find(set_.begin(), set_.end(), index) == set_.end()) set_.push_back(index);
+  });
+}
+
+void SqliteRecordset::update() {
+  database_->session().guarded([&] {
+    if (mode_ == Mode::none) throw Error(err::dbUpdateWithoutEdit, "Update without edit or add");
+    if (mode_ == Mode::add) {
+      insertRow();
+    } else if (!set_.empty()) {
+      updateRow();
+    }
+    mode_ = Mode::none;
+  });
+}
+
+/// Runs a change of this result's own, which makes its other rows no staler than they were.
+void SqliteRecordset::change(Statement& statement) {
+  database_->beginChange();
+  const bool fresh = generation_ == database_->generation();
+  database_->change(statement, translation_->table);
+  if (fresh) generation_ = database_->generation();
+}
+
+void SqliteRecordset::updateRow() {
+  if (editMode_ != Mode::edit || editColumns_ != set_) {
+    editSql_ = "UPDATE " + ddl::quoteName(translation_->table) + " SET ";
+    for (const std::size_t index : set_) {
+      editSql_ +=
+          (index == set_.front() ? "" : ", ") + ddl::quoteName(translation_->sourceFields[index]) + " = ?";
+    }
+    editSql_ += " WHERE _rowid_ = ?";
+    editColumns_ = set_;
+    editMode_ = Mode::edit;
+  }
+  const auto row = static_cast<std::size_t>(position_);
+  Statement& statement = database_->rowStatement(editSql_);
+  int parameter = 0;
+  for (const std::size_t index : set_) statement.bind(++parameter, edited_[index]);
+  statement.bind(++parameter, rowids_[row]);
+  change(statement);
+  if (database_->connection().changes() == 0) throw rowGone();
+
+  const bool buffered = row >= blockStart_ && row - blockStart_ < blockRows_;
+  for (const std::size_t index : set_) {
+    if (columns()[index].autoIncrement) rowids_[row] = edited_[index].toInt32();
+    if (!buffered) continue;
+    const std::size_t place = (row - blockStart_) * columns().size() + index;
+    values_[place] = edited_[index];
+    std::erase(misfits_, place);
+  }
+}
+
+void SqliteRecordset::insertRow() {
+  if (editMode_ != Mode::add || editColumns_ != set_) {
+    std::vector<std::string> fields;
+    std::string marks;
+    for (const std::size_t index : set_) {
+      fields.push_back(translation_->sourceFields[index]);
+      marks += marks.empty() ? "?" : ", ?";
+    }
+    editSql_ =
+        "INSERT INTO " + ddl::quoteName(translation_->table) +
+        (set_.empty() ? " DEFAULT VALUES" : " (" + ddl::quoteNames(fields) + ") VALUES (" + marks + ")");
+    editColumns_ = set_;
+    editMode_ = Mode::add;
+  }
+  Statement& statement = database_->rowStatement(editSql_);
+  int parameter = 0;
+  for (const std::size_t index : set_) statement.bind(++parameter, edited_[index]);
+  change(statement);
+
+  rowids_.push_back(database_->connection().lastRowid());
+  if (!live_) {
+    for (std::size_t i = 0; i < columns().size(); ++i) {
+      if (columns()[i].autoIncrement) edited_[i] = static_cast<std::int32_t>(rowids_.back());
+    }
+    values_.insert(values_.end(), edited_.begin(), edited_.end());
+    ++blockRows_;
+  }
+  if (eof()) ++position_;
+  ++rows_;
+}
+
+void SqliteRecordset::remove() {
+  database_->session().guarded([&] {
+    requireEditable();
+    requireCurrent();
+    mode_ = Mode::none;
+    Statement& statement =
+        database_->rowStatement("DELETE FROM " + ddl::quoteName(translation_->table) + " WHERE _rowid_ = ?1");
+    statement.bind(1, rowids_[static_cast<std::size_t>(position_)]);
+    change(statement);
+    if (database_->connection().changes() == 0) throw rowGone();
+    rowids_[static_cast<std::size_t>(position_)] = deletedRow;
+    ++deleted_;
+  });
+}
+
+}  // namespace voxa

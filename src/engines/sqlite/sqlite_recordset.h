@@ -1,0 +1,106 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "engines/language/dialect.h"
+#include "platform/database/database.h"
+
+namespace voxa {
+
+class SqliteDatabase;
+class Statement;
+
+/// Rows of a result. Where the rows can be changed and every column is a field of their table, the first
+/// rows are read at once and of the others only the row numbers: their values are fetched when visited, in
+/// blocks. Rows are fetched again when this database has changed something since. Other results are read
+/// whole at once; in one that shows expressions beside fields the values are those of that moment.
+class SqliteRecordset final : public Recordset {
+ public:
+  SqliteRecordset(std::shared_ptr<SqliteDatabase> database,
+                  std::shared_ptr<const dialect::Translation> translation);
+
+  /// Reads the result of the statement, bound, and resets it: SQLITE_DONE or the code of a failure.
+  int read(Statement& statement);
+
+  [[nodiscard]] bool eof() const override;
+  [[nodiscard]] bool bof() const override;
+  void moveFirst() override;
+  void moveLast() override;
+  void moveNext() override;
+  void movePrevious() override;
+  [[nodiscard]] std::size_t recordCount() const override { return rows_ - deleted_; }
+
+  bool findFirst(std::string_view condition) override { return find(condition, 0); }
+  bool findNext(std::string_view condition) override { return find(condition, position_ + 1); }
+
+  [[nodiscard]] std::size_t fieldCount() const override { return columns().size(); }
+  [[nodiscard]] const FieldDef& field(std::size_t index) const override;
+  [[nodiscard]] std::size_t fieldIndex(std::string_view name) const override;
+  [[nodiscard]] Value get(std::size_t index) const override;
+
+  void edit() override;
+  void addNew() override;
+  void set(std::size_t index, const Value& value) override;
+  void update() override;
+  void cancelUpdate() override { mode_ = Mode::none; }
+  [[nodiscard]] bool editing() const override { return mode_ != Mode::none; }
+  void remove() override;
+
+ private:
+  enum class Mode { none, edit, add };
+
+  [[nodiscard]] const std::vector<FieldDef>& columns() const { return translation_->columns; }
+  [[nodiscard]] bool editable() const { return !translation_->table.empty(); }
+  [[nodiscard]] bool isDeleted(std::size_t row) const;
+  void moveTo(std::ptrdiff_t row, std::ptrdiff_t direction);
+  bool find(std::string_view condition, std::ptrdiff_t from);
+  void requireCurrent() const;
+  void requireEditable() const;
+  void checkColumn(std::size_t index) const;
+  [[nodiscard]] Value initial(std::size_t index) const;
+
+  /// Puts the values of the row that a statement gives behind the others.
+  void take(Statement& statement, int firstColumn) const;
+  void requireFit(const Value& value, std::size_t index) const;
+  const Value* values(std::size_t row) const;
+  void fetch(std::size_t row) const;
+  void startEditing(Mode mode);
+  void updateRow();
+  void insertRow();
+  void change(Statement& statement);
+
+  std::shared_ptr<SqliteDatabase> database_;
+  std::shared_ptr<const dialect::Translation> translation_;
+  bool live_;  ///< values can be fetched by row number
+
+  std::size_t rows_ = 0;  ///< deleted ones included
+  std::size_t deleted_ = 0;
+  std::vector<std::int64_t> rowids_;  ///< of every row when editable
+  std::ptrdiff_t position_ = 0;       ///< -1 before the first row, rows_ behind the last
+
+  // The rows whose values are here: blockRows_ from blockStart_ on, one after the other.
+  mutable std::vector<Value> values_;
+  /// Places in values_ of what is not of its field's type, as only another program can have written it:
+  /// asking for it raises 3421.
+  mutable std::vector<std::size_t> misfits_;
+  mutable std::vector<bool> gone_;  ///< rows of the block that were deleted meanwhile; empty for none
+  mutable std::size_t blockStart_ = 0;
+  mutable std::size_t blockRows_ = 0;
+  mutable std::size_t fetchRows_;
+  mutable std::uint64_t generation_;
+  mutable std::string fetchSql_;
+
+  Mode mode_ = Mode::none;
+  std::vector<Value> edited_;
+  std::vector<std::size_t> set_;  ///< columns that were set
+  std::string editSql_;           ///< statement of the last update, for columns editColumns_
+  std::vector<std::size_t> editColumns_;
+  Mode editMode_ = Mode::none;
+};
+
+}  // namespace voxa

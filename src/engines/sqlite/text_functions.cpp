@@ -1,0 +1,218 @@
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <optional>
+#include <string>
+
+#include "engines/sqlite/function_table.h"
+#include "platform/datetime.h"
+#include "platform/error.h"
+#include "platform/text.h"
+
+namespace voxa {
+
+namespace {
+
+/// Position behind the character at `at`.
+std::size_t behind(std::string_view text, std::size_t at) {
+  ++at;
+  while (at < text.size() && (static_cast<unsigned char>(text[at]) & 0xC0U) == 0x80U) ++at;
+  return at;
+}
+
+/// Position of the character of that number, counted from 0; the text's size when it has no more.
+std::size_t offset(std::string_view text, std::int64_t characters) {
+  std::size_t at = 0;
+  for (; characters > 0 && at < text.size(); --characters) at = behind(text, at);
+  return at;
+}
+
+std::int64_t count(sqlite3_value* value, std::int64_t least) {
+  const std::int64_t number = Value(sqlite3_value_double(value)).toInt32();
+  if (number < least) throw Error(err::invalidArgument, "Invalid argument: a position or length in a text");
+  return number;
+}
+
+void left(sqlite3_context* context, sqlite3_value** arguments, int) {
+  const std::string_view text = textOf(arguments[0]);
+  returnText(context, text.substr(0, offset(text, count(arguments[1], 0))));
+}
+
+void right(sqlite3_context* context, sqlite3_value** arguments, int) {
+  const std::string_view text = textOf(arguments[0]);
+  const auto length = static_cast<std::int64_t>(lengthInCharacters(text));
+  returnText(context, text.substr(offset(text, length - count(arguments[1], 0))));
+}
+
+void mid(sqlite3_context* context, sqlite3_value** arguments, int number) {
+  std::string_view text = textOf(arguments[0]);
+  text = text.substr(offset(text, count(arguments[1], 1) - 1));
+  if (number > 2) text = text.substr(0, offset(text, count(arguments[2], 0)));
+  returnText(context, text);
+}
+
+/// vx_instr(start, text, wanted): number of the character where it begins, 0 for nowhere.
+void instr(sqlite3_context* context, sqlite3_value** arguments, int) {
+  const std::string text = toLower(textOf(arguments[1]));
+  const std::size_t start = offset(text, count(arguments[0], 1) - 1);
+  const std::size_t found = start < text.size() ? text.find(toLower(textOf(arguments[2])), start) : text.npos;
+  const std::size_t characters =
+      found == std::string::npos ? 0 : lengthInCharacters(std::string_view(text).substr(0, found)) + 1;
+  sqlite3_result_int64(context, static_cast<std::int64_t>(characters));
+}
+
+void lower(sqlite3_context* context, sqlite3_value** arguments, int) {
+  returnText(context, toLower(textOf(arguments[0])));
+}
+
+void upper(sqlite3_context* context, sqlite3_value** arguments, int) {
+  returnText(context, toUpper(textOf(arguments[0])));
+}
+
+/// Character of code page 1252 and back.
+void chr(sqlite3_context* context, sqlite3_value** arguments, int) {
+  const char byte =
+      static_cast<char>(Value(convertForField(valueOf(arguments[0]), DataType::Byte, 0)).toInt16());
+  returnText(context, fromCp1252({&byte, 1}));
+}
+
+void asc(sqlite3_context* context, sqlite3_value** arguments, int) {
+  const std::string_view text = textOf(arguments[0]);
+  if (text.empty())
+    throw Error(err::invalidArgument, "Invalid argument: an empty text has no first character");
+  sqlite3_result_int(context, static_cast<unsigned char>(toCp1252(text.substr(0, behind(text, 0)))[0]));
+}
+
+/// Whether the class at the pattern's start, [a-z] or [!a-z], holds the character; the pattern moves behind
+/// it.
+bool inClass(std::string_view& pattern, std::string_view character) {
+  const std::size_t close = pattern.find(']', 1);
+  if (close == std::string_view::npos) throw Error(err::invalidArgument, "Invalid pattern: [ is not closed");
+  std::string_view set = pattern.substr(1, close - 1);
+  pattern.remove_prefix(close + 1);
+  const bool negated = set.size() > 1 && set.front() == '!';
+  if (negated) set.remove_prefix(1);
+  bool found = false;
+  for (std::size_t at = 0; at < set.size();) {
+    std::size_t next = behind(set, at);
+    const std::string_view first = set.substr(at, next - at);
+    std::string_view last = first;
+    if (next + 1 < set.size() && set[next] == '-') {
+      at = next + 1;
+      next = behind(set, at);
+      last = set.substr(at, next - at);
+    }
+    // The order of UTF-8 bytes is that of the characters.
+    found = found || (first <= character && character <= last);
+    at = next;
+  }
+  return found != negated;
+}
+
+bool matches(std::string_view text, std::string_view pattern) {
+  // Where to go on after a mismatch: behind the last *, one character further in the text.
+  std::optional<std::pair<std::string_view, std::string_view>> retry;
+  for (;;) {
+    bool matched = false;
+    if (!pattern.empty() && pattern.front() == '*') {
+      pattern.remove_prefix(1);
+      retry.emplace(text, pattern);
+      continue;
+    }
+    if (text.empty() && pattern.empty()) return true;
+    if (!text.empty() && !pattern.empty()) {
+      const std::string_view character = text.substr(0, behind(text, 0));
+      if (pattern.front() == '[') {
+        matched = inClass(pattern, character);
+      } else {
+        const std::string_view wanted = pattern.substr(0, behind(pattern, 0));
+        matched =
+            wanted == "?" || wanted == character || (wanted == "#" && character >= "0" && character <= "9");
+        pattern.remove_prefix(wanted.size());
+      }
+      text.remove_prefix(character.size());
+    }
+    if (matched) continue;
+    if (!retry || retry->first.empty()) return false;
+    retry->first.remove_prefix(behind(retry->first, 0));
+    text = retry->first;
+    pattern = retry->second;
+  }
+}
+
+void like(sqlite3_context* context, sqlite3_value** arguments, int) {
+  sqlite3_result_int(context, matches(toLower(textOf(arguments[0])), toLower(textOf(arguments[1]))) ? 1 : 0);
+}
+
+/// A number by a pattern of 0 (a digit always), # (a digit if there is one) and one point; what stands before
+/// and behind them is kept.
+std::string formatNumber(double number, std::string_view pattern) {
+  const std::size_t begin = pattern.find_first_of("0#.");
+  const std::size_t end = pattern.find_last_of("0#.") + 1;
+  const std::string_view digits = pattern.substr(begin, end - begin);
+  const std::size_t point = digits.find('.');
+  const std::string_view whole = digits.substr(0, point);
+  const std::string_view decimals = point == std::string_view::npos ? "" : digits.substr(point + 1);
+  if (whole.find_first_not_of("0#") != std::string_view::npos ||
+      decimals.find_first_not_of("0#") != std::string_view::npos || decimals.size() > 15) {
+    throw Error(err::invalidArgument, "Invalid format of a number: " + std::string(pattern));
+  }
+  const auto zeros = [](std::string_view s) {
+    return static_cast<std::size_t>(std::count(s.begin(), s.end(), '0'));
+  };
+  const double scale = std::pow(10.0, static_cast<double>(decimals.size()));
+  const double scaled = std::round(std::fabs(number) * scale);
+  char buffer[400];
+  const auto result = std::to_chars(std::begin(buffer), std::end(buffer),
+                                    std::isfinite(scaled) ? scaled / scale : std::fabs(number),
+                                    std::chars_format::fixed, static_cast<int>(decimals.size()));
+  std::string text(buffer, result.ptr);
+  const std::size_t dot = std::min(text.find('.'), text.size());
+  std::string before = text.substr(0, dot);
+  std::string after = text.substr(std::min(dot + 1, text.size()));
+  if (before == "0") before.clear();
+  if (before.size() < zeros(whole)) before.insert(0, zeros(whole) - before.size(), '0');
+  while (after.size() > zeros(decimals) && after.back() == '0') after.pop_back();
+  std::string out(number < 0 && scaled != 0 ? "-" : "");
+  out.append(pattern.substr(0, begin)).append(before);
+  if (point != std::string_view::npos) out.append(1, '.').append(after);
+  return out.append(pattern.substr(end));
+}
+
+/// A pattern with 0 or # formats a number, any other a date; text that is none of these stays as it is.
+void format(sqlite3_context* context, sqlite3_value** arguments, int) {
+  if (sqlite3_value_type(arguments[1]) == SQLITE_NULL) return;
+  const std::string_view pattern = textOf(arguments[1]);
+  const bool ofNumber = pattern.find_first_of("0#") != std::string_view::npos;
+  double number = sqlite3_value_double(arguments[0]);
+  const int type = sqlite3_value_type(arguments[0]);
+  if (type == SQLITE_NULL) {
+    returnText(context, "");
+    return;
+  }
+  if (type == SQLITE_TEXT) {
+    const std::string_view text = textOf(arguments[0]);
+    const auto moment = parseDateTime(text, clockOf(context));
+    const bool digits = !text.empty() && text.find_first_not_of("0123456789.+-") == std::string_view::npos;
+    if (!moment && !digits) {
+      returnText(context, text);
+      return;
+    }
+    number = moment ? moment->days : Value(text).toDouble();
+  }
+  returnText(context, ofNumber ? formatNumber(number, pattern) : formatDateTime(DateTime{number}, pattern));
+}
+
+constexpr SqlFunction functions[] = {
+    {"vx_left", 2, false, left},   {"vx_right", 2, false, right}, {"vx_mid", 2, false, mid},
+    {"vx_mid", 3, false, mid},     {"vx_instr", 3, false, instr}, {"vx_lower", 1, false, lower},
+    {"vx_upper", 1, false, upper}, {"vx_chr", 1, false, chr},     {"vx_asc", 1, false, asc},
+    {"vx_like", 2, false, like},   {"vx_format", 2, true, format}};
+
+}  // namespace
+
+std::span<const SqlFunction> textFunctions() {
+  return functions;
+}
+
+}  // namespace voxa

@@ -1,0 +1,146 @@
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <limits>
+
+#include "engines/sqlite/function_table.h"
+#include "platform/error.h"
+
+namespace voxa {
+
+Value valueOf(sqlite3_value* value) {
+  switch (sqlite3_value_type(value)) {
+    case SQLITE_NULL:
+      return {};
+    case SQLITE_INTEGER: {
+      const std::int64_t whole = sqlite3_value_int64(value);
+      const bool fits = whole >= std::numeric_limits<std::int32_t>::min() &&
+                        whole <= std::numeric_limits<std::int32_t>::max();
+      return fits ? Value(static_cast<std::int32_t>(whole)) : Value(static_cast<double>(whole));
+    }
+    case SQLITE_FLOAT:
+      return sqlite3_value_double(value);
+    default:
+      return textOf(value);
+  }
+}
+
+void returnValue(sqlite3_context* context, const Value& value) {
+  struct Result {
+    sqlite3_context* context;
+    void operator()(std::monostate) const { sqlite3_result_null(context); }
+    void operator()(bool v) const { sqlite3_result_int(context, v ? -1 : 0); }
+    void operator()(double v) const { sqlite3_result_double(context, v); }
+    void operator()(DateTime v) const { sqlite3_result_double(context, v.days); }
+    void operator()(const std::string& v) const { returnText(context, v); }
+    void operator()(std::int32_t v) const { sqlite3_result_int(context, v); }
+  };
+  std::visit(Result{context}, value.data());
+}
+
+namespace {
+
+/// Whole numbers stay what they are, others are mapped.
+template <double (*map)(double)>
+void rounded(sqlite3_context* context, sqlite3_value** arguments, int) {
+  if (sqlite3_value_type(arguments[0]) == SQLITE_INTEGER) {
+    sqlite3_result_value(context, arguments[0]);
+  } else {
+    sqlite3_result_double(context, map(sqlite3_value_double(arguments[0])));
+  }
+}
+
+double down(double v) {
+  return std::floor(v);
+}
+double towardsZero(double v) {
+  return std::trunc(v);
+}
+
+void number(sqlite3_context* context, sqlite3_value** arguments, int) {
+  if (sqlite3_value_type(arguments[0]) != SQLITE_TEXT) {
+    sqlite3_result_value(context, arguments[0]);
+    return;
+  }
+  // Most texts that are no number show it by a letter: they need no exception to find out.
+  const std::string_view text = textOf(arguments[0]);
+  if (text.find_first_not_of("0123456789.eE+- \t") != std::string_view::npos) return;
+  try {
+    sqlite3_result_double(context, Value(text).toDouble());
+  } catch (const Error&) {
+    sqlite3_result_null(context);
+  }
+}
+
+void store(sqlite3_context* context, sqlite3_value** arguments, int) {
+  const auto type = static_cast<DataType>(sqlite3_value_int(arguments[1]));
+  returnValue(context, convertForField(valueOf(arguments[0]), type, sqlite3_value_int(arguments[2]),
+                                       clockOf(context)));
+}
+
+void text(sqlite3_context* context, sqlite3_value** arguments, int) {
+  const auto type = static_cast<DataType>(sqlite3_value_int(arguments[1]));
+  Value value = valueOf(arguments[0]);
+  if (type == DataType::Boolean) value = value.toBool();
+  if (type == DataType::Date) value = DateTime{value.toDouble()};
+  returnText(context, value.toText());
+}
+
+void sign(sqlite3_context* context, sqlite3_value** arguments, int) {
+  const double v = sqlite3_value_double(arguments[0]);
+  sqlite3_result_int(context, v > 0 ? 1 : v < 0 ? -1 : 0);
+}
+
+void power(sqlite3_context* context, sqlite3_value** arguments, int) {
+  const double v = std::pow(sqlite3_value_double(arguments[0]), sqlite3_value_double(arguments[1]));
+  if (std::isnan(v)) throw Error(err::invalidArgument, "Invalid argument: the power of a negative number");
+  if (std::isinf(v)) throw Error(err::overflow, "Overflow: the power is too large");
+  sqlite3_result_double(context, v);
+}
+
+/// Half to even.
+void round(sqlite3_context* context, sqlite3_value** arguments, int) {
+  const int digits = sqlite3_value_int(arguments[1]);
+  if (digits < 0 || digits > 15) {
+    throw Error(err::invalidArgument, "Invalid argument: a number is rounded to 0 to 15 digits");
+  }
+  if (sqlite3_value_type(arguments[0]) == SQLITE_INTEGER) {
+    sqlite3_result_value(context, arguments[0]);
+    return;
+  }
+  const double scale = std::pow(10.0, digits);
+  const double v = sqlite3_value_double(arguments[0]);
+  const double scaled = v * scale;
+  sqlite3_result_double(context, std::isfinite(scaled) ? std::nearbyint(scaled) / scale : v);
+}
+
+/// The number that a text begins with, 0 without one; blanks do not count.
+void val(sqlite3_context* context, sqlite3_value** arguments, int) {
+  std::string digits(textOf(arguments[0]));
+  std::erase_if(digits, [](char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; });
+  const bool negative = digits.starts_with('-');
+  if (negative || digits.starts_with('+')) digits.erase(0, 1);
+  double v = 0;
+  if (digits.find_first_of("0123456789.") == 0) {
+    (void)std::from_chars(digits.data(), digits.data() + digits.size(), v);
+  }
+  sqlite3_result_double(context, negative ? -v : v);
+}
+
+constexpr SqlFunction functions[] = {{"vx_number", 1, false, number},
+                                     {"vx_store", 3, true, store},
+                                     {"vx_text", 2, false, text},
+                                     {"vx_int", 1, false, rounded<down>},
+                                     {"vx_fix", 1, false, rounded<towardsZero>},
+                                     {"vx_sgn", 1, false, sign},
+                                     {"vx_pow", 2, false, power},
+                                     {"vx_round", 2, false, round},
+                                     {"vx_val", 1, false, val}};
+
+}  // namespace
+
+std::span<const SqlFunction> valueFunctions() {
+  return functions;
+}
+
+}  // namespace voxa

@@ -1,0 +1,16 @@
+#include "lines/field.h"
+
+#include "platform/error.h"
+#include "platform/text.h"
+
+namespace voxa {
+
+std::string numberField(std::int32_t number, std::int32_t least, int width, const char* what) {
+  std::string text = zeroPadded(number, width);
+  if (number >= least && text.size() == static_cast<std::size_t>(width)) return text;
+  throw Error(err::overflow, "Overflow: the " + std::string(what) + " " + std::to_string(number) +
+                                 " is not one of " + std::to_string(least) + " to " +
+                                 std::string(static_cast<std::size_t>(width), '9'));
+}
+
+}  // namespace voxa

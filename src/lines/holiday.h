@@ -1,0 +1,25 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "platform/value.h"
+
+namespace voxa {
+
+/// A date on which the holiday programs are in force.
+struct HolidayRecord {
+  std::int16_t slot = 0;  ///< its place on the controllers
+  DateTime date;
+  bool eachYear = false;
+};
+
+/// "34", the slot in two digits (1 to 99), "ddmmyy", the year 00 meaning every year. A date that the
+/// controllers would take for another one `today` raises `err::overflow` (controller_date.h), and so does one
+/// of a year that ends in 00.
+[[nodiscard]] std::string holidayLine(const HolidayRecord& holiday, DateTime today);
+
+/// The line that empties a slot: the date 000000.
+[[nodiscard]] std::string clearHolidayLine(std::int16_t slot);
+
+}  // namespace voxa

@@ -1,0 +1,54 @@
+#include "platform/context.h"
+
+#include <exception>
+
+#include "platform/database/database.h"
+
+namespace voxa {
+
+Context::Context(const Seams& seams)
+    : seams_(seams), prompts_(seams.prompts, [this] {
+        for (const auto& database : engine().databases()) database->endReading();
+      }) {}
+
+Context::~Context() = default;
+
+std::int16_t Context::recordFailure() {
+  error_ = describeCurrentException();
+  return static_cast<std::int16_t>(error_.number);
+}
+
+void Context::report(const FailureMessage& message) {
+  messages().display(message.mnemonic, message.method, message.argument, style::critical);
+  error_.clear();
+}
+
+void Context::warn(const FailureMessage& message) {
+  messages().display(message.mnemonic, message.method, message.argument, style::exclamation);
+  error_.clear();
+}
+
+void Context::showLater(const std::function<void()>& body) {
+  std::exception_ptr failure;
+  prompts_.hold();
+  try {
+    body();
+  } catch (...) {
+    failure = std::current_exception();
+  }
+  prompts_.release();
+  if (failure) std::rethrow_exception(failure);
+}
+
+std::int16_t Context::takeFileNumber() {
+  std::int16_t number = 1;
+  for (const std::int16_t used : fileNumbers_) {
+    if (used != number) break;
+    ++number;
+  }
+  if (number > 511) throw Error(err::tooManyFiles, "Too many files");
+  fileNumbers_.insert(number);
+  return number;
+}
+
+}  // namespace voxa

@@ -1,0 +1,130 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <set>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <variant>
+
+#include "platform/error.h"
+#include "platform/ui/held_prompts.h"
+#include "platform/value.h"
+
+namespace voxa {
+
+class Clock;
+class DatabaseEngine;
+class Driver;
+
+/// What a message may add to its text: nothing, a value shown as text, or an error object whose number and
+/// description become the current error.
+using DisplayArgument = std::variant<std::monostate, Value, ErrorInfo>;
+
+/// A message about a failure: mnemonic of its text, the method that failed as a person reads it
+/// ("Station.getId"), and what it was about.
+struct FailureMessage {
+  std::string_view mnemonic;
+  std::string method;
+  DisplayArgument argument = {};
+};
+
+/// The texts that a person sees, as those who only use them see them.
+class Messages {
+ public:
+  virtual ~Messages() = default;
+  /// The text of a mnemonic; "" for one that is not known. Never fails.
+  [[nodiscard]] virtual std::string read(std::string_view mnem) = 0;
+  /// Shows one message box: the text, the argument, the current error, the method. msgStyle: of prompts.h.
+  virtual void display(std::string_view mnem, const std::string& method, const DisplayArgument& arg,
+                       int msgStyle) = 0;
+};
+
+/// What everything that works shares: the seams to the outside world, the current error, and how a public
+/// operation ends. The rooms above add what is theirs (FileContext, TableContext, CommContext, AccessContext,
+/// Installation), and each class takes the narrowest that has what it needs. There is no other shared state.
+/// One thread.
+class Context {
+ public:
+  /// The seams, owned by whoever makes the context; they must outlive it.
+  struct Seams {
+    DatabaseEngine& engine;
+    Driver& driver;
+    Prompts& prompts;
+    Clock& clock;
+  };
+
+  explicit Context(const Seams& seams);
+  virtual ~Context();
+  Context(const Context&) = delete;
+  Context& operator=(const Context&) = delete;
+
+  [[nodiscard]] DatabaseEngine& engine() const { return seams_.engine; }
+  [[nodiscard]] Driver& driver() const { return seams_.driver; }
+  [[nodiscard]] HeldPrompts& prompts() { return prompts_; }
+  [[nodiscard]] Clock& clock() const { return seams_.clock; }
+  [[nodiscard]] virtual Messages& messages() = 0;
+
+  /// The current error: what the last failing operation left, number 0 when there is none.
+  [[nodiscard]] ErrorInfo& error() { return error_; }
+
+  /// Runs the body of a public operation. The first failure inside abandons it, becomes the current error,
+  /// and its number is returned; otherwise what the body returns (0 for a body without a result).
+  template <typename Body>
+  std::int16_t attempt(Body&& body) {
+    error_.clear();
+    try {
+      if constexpr (std::is_void_v<std::invoke_result_t<Body>>) {
+        std::forward<Body>(body)();
+        return 0;
+      } else {
+        return std::forward<Body>(body)();
+      }
+    } catch (...) {
+      return recordFailure();
+    }
+  }
+
+  /// The boundary of most public operations: attempt, and after a failure the message about it.
+  template <typename Body>
+  std::int16_t attempt(const FailureMessage& message, Body&& body) {
+    bool failed = true;
+    const auto status = attempt([&] {
+      if constexpr (std::is_void_v<std::invoke_result_t<Body>>) {
+        std::forward<Body>(body)();
+        failed = false;
+        return std::int16_t{0};
+      } else {
+        const std::int16_t result = std::forward<Body>(body)();
+        failed = false;
+        return result;
+      }
+    });
+    if (failed) report(message);
+    return status;
+  }
+
+  /// Shows a message as critical, with the current error if there is one, and clears the error.
+  void report(const FailureMessage& message);
+  /// The same as a warning: nothing failed.
+  void warn(const FailureMessage& message);
+
+  /// Runs `body`, which locks a database file, and then shows the messages that came up in it: others wait
+  /// for the file, and a person may take a long time. No question may come up in it.
+  void showLater(const std::function<void()>& body);
+
+  /// Numbers of open sequential files, 1 to 511, each in use once; 67 when all are taken.
+  std::int16_t takeFileNumber();
+  void releaseFileNumber(std::int16_t number) { fileNumbers_.erase(number); }
+
+ private:
+  std::int16_t recordFailure();  // the exception being handled becomes the current error; its number
+
+  Seams seams_;
+  HeldPrompts prompts_;
+  ErrorInfo error_;
+  std::set<std::int16_t> fileNumbers_;
+};
+
+}  // namespace voxa

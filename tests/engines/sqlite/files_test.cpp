@@ -1,0 +1,125 @@
+#include <sqlite3.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <filesystem>
+
+#include "engines/sqlite/fixture.h"
+
+namespace voxa {
+namespace {
+
+class DatabaseFiles : public DatabaseTest {
+ protected:
+  int openFailure(const std::string& path) {
+    return failure([&] { (void)engine->open(path); });
+  }
+  std::size_t filesInFolder() const {
+    return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator(folder.path()),
+                                                  std::filesystem::directory_iterator()));
+  }
+  void allowAll(bool writing) {
+    ASSERT_EQ(::chmod(file.c_str(), writing ? 0666 : 0444), 0);
+    ASSERT_EQ(::chmod(folder.path().c_str(), 0755), 0);
+  }
+};
+
+TEST_F(DatabaseFiles, AreFoundInAnyCaseAndCreatedOnce) {
+  createTables();
+  EXPECT_EQ(db->name(), file);
+  EXPECT_EQ(engine->open(folder / "krv.MDB")->name(), file);
+  EXPECT_EQ(engine->databases().size(), 1U);
+  const std::string before = bytesOf(file);
+  EXPECT_EQ(failure([&] { (void)engine->create(folder / "krv.mdb"); }), err::dbFileExists);
+  EXPECT_EQ(failure([&] { (void)engine->create(folder / "none/x.mdb"); }), err::dbCannotOpen);
+  EXPECT_EQ(bytesOf(file), before);
+  EXPECT_EQ(filesInFolder(), 1U);
+  struct stat status {};
+  ASSERT_EQ(::stat(file.c_str(), &status), 0);
+  EXPECT_EQ(status.st_mode & 0777, 0600U);
+}
+
+TEST_F(DatabaseFiles, ThatAreNoneOfOursStayAsTheyAre) {
+  sqlite3* foreign = nullptr;
+  ASSERT_EQ(sqlite3_open((folder / "foreign").c_str(), &foreign), SQLITE_OK);
+  ASSERT_EQ(sqlite3_exec(foreign, "create table t(a); insert into t values(1)", nullptr, nullptr, nullptr),
+            SQLITE_OK);
+  ASSERT_EQ(sqlite3_close(foreign), SQLITE_OK);
+  const std::string cases[] = {
+      bytesOf(folder / "foreign"),
+      "",
+      "short",
+      std::string(5000, 'x'),
+      std::string("\x00\x01\x00\x00Standard Jet DB\x00", 20) + std::string(4076, '\1'),
+      bytesOf(file).substr(0, 99)};
+  const std::string path = folder / "other.mdb";
+  for (const std::string& bytes : cases) {
+    put(path, bytes);
+    EXPECT_EQ(openFailure(path), err::dbNotADatabase);
+    EXPECT_EQ(bytesOf(path), bytes);
+  }
+  EXPECT_EQ(openFailure(folder / "missing.mdb"), err::dbFileNotFound);
+  EXPECT_EQ(openFailure(folder / "missing/x.mdb"), err::dbFileNotFound);
+  EXPECT_EQ(openFailure(folder.path()), err::dbCannotOpen);
+  EXPECT_EQ(filesInFolder(), 3U);
+}
+
+TEST_F(DatabaseFiles, DamagedPagesAreTold) {
+  createTables();
+  db->close();
+  std::string bytes = bytesOf(file);
+  std::fill(bytes.begin() + 4096, bytes.end(), '\x55');
+  put(file, bytes);
+  EXPECT_EQ(failure([&] { (void)engine->open(file)->openRecordset("Stations"); }), err::dbNotADatabase);
+  std::fill(bytes.begin() + 100, bytes.end(), '\x55');
+  put(file, bytes);
+  EXPECT_EQ(openFailure(file), err::dbNotADatabase);
+  EXPECT_EQ(bytesOf(file), bytes);
+}
+
+TEST_F(DatabaseFiles, RightsDecideWhatCanBeDone) {
+  if (::geteuid() != 0) GTEST_SKIP() << "needs the administrator's right to become another user";
+  createTables();
+  db->close();
+  const auto run = [&](auto action) {
+    return inOtherProcess(
+        [&](Database& opened) {
+          if (opened.openRecordset("Stations")->recordCount() != 2) throw Error(1, "rows are missing");
+          action(opened);
+        },
+        true);
+  };
+  const auto write = [](Database& opened) { opened.execute("delete from Stations"); };
+  const auto edit = [](Database& opened) { opened.openRecordset("Stations")->edit(); };
+  allowAll(false);
+  EXPECT_EQ(run(write), err::dbNotUpdatable);
+  EXPECT_EQ(run(edit), err::dbNotUpdatable);
+  allowAll(true);  // but no journal can be made beside it
+  EXPECT_EQ(run(write), err::dbCannotOpen);
+  ASSERT_EQ(::chmod(file.c_str(), 0600), 0);
+  EXPECT_EQ(run(write), err::dbCannotOpen);
+  EXPECT_EQ(engine->open(file)->openRecordset("Stations")->recordCount(), 2U);
+}
+
+TEST_F(DatabaseFiles, OpeningTwiceKeepsTheLocksOfTheFirst) {
+  createTables();
+  engine->begin();
+  db->execute("delete from Stations where Id = 1");
+  (void)failure([&] { (void)engine->open(file); });
+  EXPECT_EQ(inOtherProcess([](Database& other) { other.execute("delete from Stations"); }), err::dbLocked);
+  engine->commit();
+}
+
+TEST_F(DatabaseFiles, ThatDoMoreThanTheirStatementsAreNoneOfOurs) {
+  createTables();
+  db->close();
+  sqlite3* raw = nullptr;
+  ASSERT_EQ(sqlite3_open(file.c_str(), &raw), SQLITE_OK);
+  const char* trigger = "create trigger t after update on Stations begin delete from Stations; end";
+  ASSERT_EQ(sqlite3_exec(raw, trigger, nullptr, nullptr, nullptr), SQLITE_OK);
+  ASSERT_EQ(sqlite3_close(raw), SQLITE_OK);
+  EXPECT_EQ(openFailure(file), err::dbNotADatabase);
+}
+
+}  // namespace
+}  // namespace voxa

@@ -1,0 +1,220 @@
+#include "engines/sqlite/fixture.h"
+
+namespace voxa {
+namespace {
+
+class Rows : public DatabaseTest {
+ protected:
+  void SetUp() override { createTables(); }
+
+  void addReaders(int count) {
+    Transaction transaction(*engine);
+    for (int i = 1; i <= count; ++i) {
+      db->execute("insert into Readers (Id, Name, StationId) values (" + std::to_string(i) + ", 'r" +
+                  std::to_string(i) + "', 1)");
+    }
+    transaction.commit();
+  }
+
+  static void change(Recordset& rows, const char* field, const Value& value) {
+    rows.edit();
+    rows.set(field, value);
+    rows.update();
+  }
+};
+
+TEST_F(Rows, MoveOverAllAndStopAtTheEnds) {
+  const auto none = db->openRecordset("select * from Readers");
+  none->moveFirst();
+  none->moveLast();
+  EXPECT_TRUE(none->eof() && none->bof());
+  EXPECT_EQ(failure([&] { none->moveNext(); }), err::dbNoCurrentRecord);
+  EXPECT_EQ(failure([&] { (void)none->get("Name"); }), err::dbNoCurrentRecord);
+
+  const auto rows = db->openRecordset("select Name, Id from Stations order by Id");
+  EXPECT_EQ(rows->recordCount(), 2U);
+  EXPECT_EQ(rows->fieldIndex("ID"), 1U);
+  EXPECT_EQ(rows->field(0).size, 10);
+  EXPECT_EQ(failure([&] { (void)rows->get("Nothing"); }), err::dbNotInCollection);
+  rows->moveNext();
+  EXPECT_EQ(rows->get("name"), Value("South"));
+  rows->moveNext();
+  EXPECT_TRUE(rows->eof() && !rows->bof());
+  EXPECT_EQ(failure([&] { rows->moveNext(); }), err::dbNoCurrentRecord);
+  rows->moveFirst();
+  rows->movePrevious();
+  EXPECT_TRUE(rows->bof() && !rows->eof());
+  EXPECT_EQ(failure([&] { rows->movePrevious(); }), err::dbNoCurrentRecord);
+}
+
+TEST_F(Rows, EditsAreStoredAndSeen) {
+  const auto rows = db->openRecordset("select * from Stations where Id = 1");
+  EXPECT_EQ(failure([&] { rows->set("Name", "x"); }), err::dbUpdateWithoutEdit);
+  EXPECT_EQ(failure([&] { rows->update(); }), err::dbUpdateWithoutEdit);
+  rows->edit();
+  rows->set("name", "Élan");
+  rows->set("Since", "13/02/2001 04:05");
+  rows->set("Active", Value());
+  EXPECT_EQ(rows->get("Name"), Value("Élan"));
+  EXPECT_EQ(failure([&] { rows->set("Name", "eleven char"); }), err::dbTextTooLong);
+  EXPECT_EQ(failure([&] { rows->set("Id", 40000); }), err::overflow);
+  EXPECT_EQ(failure([&] { rows->set("Since", "soon"); }), err::dbConversion);
+  rows->update();
+  EXPECT_FALSE(rows->editing());
+  EXPECT_EQ(rows->get("Active"), Value(false));
+  EXPECT_EQ(countOf("Stations where Name = 'éLAN' and Since = #2/13/2001 4:05# and not Active"), 1);
+
+  EXPECT_EQ(failure([&] { change(*rows, "Name", "South"); }), err::dbDuplicate);
+  EXPECT_TRUE(rows->editing());
+  rows->set("Name", "West");
+  rows->update();
+  for (const bool byMove : {false, true}) {
+    rows->edit();
+    rows->set("Name", "lost");
+    byMove ? rows->moveFirst() : rows->cancelUpdate();
+    EXPECT_FALSE(rows->editing());
+    EXPECT_EQ(rows->get("Name"), Value("West"));
+  }
+  EXPECT_EQ(valueOf("select Name from Stations where Id = 1"), Value("West"));
+}
+
+TEST_F(Rows, AddedRowsComeLastAndTheCurrentRowStays) {
+  const auto rows = db->openRecordset("Readers");
+  for (const char* name : {"first", "second"}) {
+    rows->addNew();
+    EXPECT_EQ(rows->get("Position"), Value(std::uint8_t{1}));
+    EXPECT_TRUE(rows->get("Name").isNull());
+    rows->set("Name", name);
+    rows->update();
+    EXPECT_TRUE(rows->eof());
+  }
+  EXPECT_EQ(rows->recordCount(), 2U);
+  rows->moveFirst();
+  EXPECT_EQ(rows->get("Id"), Value(1));
+  rows->addNew();
+  EXPECT_EQ(failure([&] { rows->update(); }), err::dbRequired);
+  rows->set("Name", "third");
+  rows->set("Id", 9);
+  rows->update();
+  EXPECT_EQ(rows->get("Name"), Value("first"));
+  rows->moveLast();
+  EXPECT_EQ(rows->get("Id"), Value(9));
+  EXPECT_EQ(rows->get("Position"), Value(std::uint8_t{1}));
+}
+
+TEST_F(Rows, DeletedRowsAreSkippedOnceLeft) {
+  addReaders(4);
+  const auto rows = db->openRecordset("select * from Readers order by Id");
+  rows->moveNext();
+  rows->remove();
+  EXPECT_EQ(failure([&] { (void)rows->get("Id"); }), err::dbRecordDeleted);
+  EXPECT_EQ(failure([&] { rows->edit(); }), err::dbRecordDeleted);
+  EXPECT_EQ(rows->recordCount(), 3U);
+  rows->moveNext();
+  EXPECT_EQ(rows->get("Id"), Value(3));
+  rows->movePrevious();
+  EXPECT_EQ(rows->get("Id"), Value(1));
+  // Deleted by a statement meanwhile: found out when the row is visited.
+  db->execute("delete * from Readers where Id = 3");
+  rows->moveNext();
+  EXPECT_EQ(failure([&] { (void)rows->get("Id"); }), err::dbRecordDeleted);
+  EXPECT_EQ(failure([&] { change(*rows, "Note", "x"); }), err::dbRecordDeleted);
+  rows->moveLast();
+  EXPECT_EQ(rows->get("Id"), Value(4));
+  for (rows->moveFirst(); !rows->eof(); rows->moveNext()) {
+    (void)errorOf([&] { rows->remove(); });  // one is gone already
+  }
+  EXPECT_EQ(countOf("Readers"), 0);
+}
+
+TEST_F(Rows, AreFoundByAConditionInTheirOwnOrder) {
+  addReaders(4);
+  const auto rows = db->openRecordset("select Id, Name from Readers order by Id desc");
+  EXPECT_TRUE(rows->findFirst("Id < 4"));
+  EXPECT_EQ(rows->get("Id"), Value(3));
+  EXPECT_TRUE(rows->findNext("Id in (1, 3)"));
+  EXPECT_FALSE(rows->findNext("Id > 0"));
+  EXPECT_EQ(rows->get("Id"), Value(1)) << "the current row stays";
+  EXPECT_TRUE(rows->findFirst("Id = 2"));
+  rows->remove();
+  EXPECT_FALSE(rows->findFirst("Id = 2"));
+  EXPECT_EQ(failure([&] { (void)rows->findFirst("Name = 'O'Brien'"); }), err::dbSyntax);
+  const auto counted = db->openRecordset("select count(*) as n from Readers");
+  EXPECT_EQ(failure([&] { (void)counted->findFirst("n = 3"); }), err::dbNotSupported);
+}
+
+TEST_F(Rows, ManyAreFetchedAsTheyAreVisited) {
+  addReaders(1000);
+  const auto rows = db->openRecordset("select * from Readers order by Id desc");
+  ASSERT_EQ(rows->recordCount(), 1000U);
+  // A row that another user deletes behind the first ones, and one that he changes.
+  EXPECT_EQ(inOtherProcess([](Database& other) {
+              other.execute("delete from Readers where Id = 300");
+              other.execute("update Readers set [Note] = 'new' where Id = 200");
+            }),
+            0);
+  Transaction transaction(*engine);
+  int expected = 1000;
+  for (; !rows->eof(); rows->moveNext(), --expected) {
+    if (expected == 300) {
+      EXPECT_EQ(failure([&] { (void)rows->get("Id"); }), err::dbRecordDeleted);
+      continue;
+    }
+    ASSERT_EQ(rows->get("Id"), Value(expected));
+    ASSERT_EQ(rows->get("Note"), expected == 200 ? Value("new") : Value());
+    change(*rows, "Position", expected % 7);
+    ASSERT_EQ(rows->get("Position"), Value(static_cast<std::uint8_t>(expected % 7)));
+  }
+  EXPECT_EQ(expected, 0);
+  EXPECT_EQ(countOf("Readers where Position = 3"), 143);
+  for (rows->moveLast(); ++expected < 300; rows->movePrevious()) {
+    ASSERT_EQ(rows->get("Name"), Value("r" + std::to_string(expected)));
+  }
+  // Not of one table's fields: read whole at once.
+  const auto joined = db->openRecordset(
+      "select Readers.Id, Stations.Name from Readers, Stations where Stations.Id = Readers.StationId order "
+      "by Readers.Id");
+  EXPECT_EQ(joined->recordCount(), 999U);
+  EXPECT_EQ(failure([&] { joined->edit(); }), err::dbNotUpdatable);
+  joined->moveLast();
+  EXPECT_EQ(joined->get(0), Value(1000));
+}
+
+TEST_F(Rows, ChangesByStatementsAreSeenByOpenRows) {
+  addReaders(300);
+  const auto rows = db->openRecordset("select * from Readers order by Id");
+  const auto same = db->openRecordset("select * from Readers where Id = 1");
+  for (int id = 1; !rows->eof(); rows->moveNext(), ++id) {
+    db->execute("update Readers set Note = 'n" + std::to_string(id) + "' where Id = " + std::to_string(id));
+    ASSERT_EQ(rows->get("Note"), Value("n" + std::to_string(id)));
+  }
+  EXPECT_EQ(same->get("Note"), Value("n1"));
+}
+
+TEST_F(Rows, ExpressionsBesideFieldsStayAsRead) {
+  addReaders(2);
+  const auto rows = db->openRecordset("select Id, Name, Id + 10 as Sum from Readers order by Id");
+  EXPECT_EQ(failure([&] { change(*rows, "Sum", 1); }), err::dbNotUpdatable);
+  change(*rows, "Name", "changed");
+  rows->addNew();
+  rows->set("Name", "new");
+  rows->update();
+  EXPECT_EQ(rows->get("Name"), Value("changed"));
+  EXPECT_EQ(rows->get("Sum").toInt32(), 11);
+  rows->moveLast();
+  EXPECT_EQ(rows->get("Id"), Value(3));
+  EXPECT_TRUE(rows->get("Sum").isNull());
+}
+
+TEST_F(Rows, AreUselessOnceTheDatabaseIsClosed) {
+  const auto rows = db->openRecordset("Stations");
+  db->close();
+  db->close();
+  EXPECT_FALSE(db->isOpen());
+  EXPECT_TRUE(engine->databases().empty());
+  EXPECT_EQ(failure([&] { (void)rows->get(0); }), err::dbInvalidObject);
+  EXPECT_EQ(executeFailure("delete from Stations"), err::dbInvalidObject);
+}
+
+}  // namespace
+}  // namespace voxa
