@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
-#include "platform/context.h"
 #include "files/seq_file.h"
 #include "platform/clock.h"
+#include "platform/context.h"
 #include "platform/datetime.h"
 
 namespace voxa {

@@ -98,7 +98,8 @@ std::int16_t DailyProgram::generalDownload(ComponentType compType, const std::st
                                            bool* AlreadyComTested) {
   if (!comm_.Com().readyToSend(compType, compName, AlreadyComTested)) return 0;
   bool tested = true;
-  return downloadTable(comm_, "select Id from DailyPrograms", "DailyPrograms.generalDownload", [&](const Recordset& row) {
+  return downloadTable(
+      comm_, "select Id from DailyPrograms", "DailyPrograms.generalDownload", [&](const Recordset& row) {
         return download(row.get("Id").toInt16(), compType, compName, DLFull | DLNoMessage, &tested);
       });
 }

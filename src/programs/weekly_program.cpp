@@ -121,7 +121,8 @@ std::int16_t WeeklyProgram::generalDownload(ComponentType compType, const std::s
   if (const std::int16_t failed = gen_.setTableFlagsD(true, whereExpr); failed != 0) return failed;
   bool tested = true;
   return context_.attempt({"msgCantDownload", "WeeklyPrograms.generalDownload"}, [&] {
-    return downloadEach(comm_,
+    return downloadEach(
+        comm_,
         "select ProgType, ProgNum from WeeklyPrograms" + (whereExpr.empty() ? "" : " WHERE " + whereExpr),
         [&](const Recordset& row) {
           return download(row.get("ProgType").toText(), row.get("ProgNum").toInt16(), compType, compName,
