@@ -2,24 +2,26 @@
 
 #include <CLI/CLI.hpp>
 
-#include "commands.h"
-#include "installation.h"
+#include "commands/commands.h"
+#include "commands/session.h"
+#include "output/terminal_filter.h"
 #include "platform/ui/console_prompts.h"
-#include "refusal.h"
-#include "terminal_filter.h"
+#include "work/refusal.h"
 
 namespace {
 
 void addGlobalOptions(CLI::App& app, voxa::cli::Settings& settings) {
-  app.add_option("--dir", settings.folder, "Folder of the installation")->capture_default_str();
+  app.add_option("--dir", settings.opening.folder, "Folder of the installation")->capture_default_str();
   app.add_flag("--yes", settings.yes, "Answer questions with Yes, and go on without silent controllers");
   app.add_option("--answer", settings.answers, "Answer boxes that have this button with it")
       ->allow_extra_args(false)
       ->check(CLI::IsMember({"abort", "retry", "ignore", "yes", "no", "cancel"}, CLI::ignore_case));
-  app.add_flag("--inhibit", settings.inhibit, "Call no driver, as if every send succeeded");
-  app.add_flag("--no-log", settings.noLog, "Write no communication log (COM.LOG)");
-  app.add_flag("--trust-group", settings.trustGroup, "Also work in a folder that its group can write");
-  app.add_flag("--four-zones", settings.fourZones, "The controllers work with four intervals a day");
+  app.add_flag("--inhibit", settings.opening.inhibit, "Call no driver, as if every send succeeded");
+  app.add_flag_callback(
+      "--no-log", [&settings] { settings.opening.log = false; }, "Write no communication log (COM.LOG)");
+  app.add_flag("--trust-group", settings.opening.trustGroup,
+               "Also work in a folder that its group can write");
+  app.add_flag("--four-zones", settings.opening.fourZones, "The controllers work with four intervals a day");
 }
 
 /// The command as it was called, "voxa station add".
@@ -59,20 +61,20 @@ int explainUsage(const CLI::App& app, const CLI::ParseError& problem) {
   return misused;
 }
 
-int run(CLI::App& app, voxa::cli::Installation& installation, int argc, char** argv) {
+int run(CLI::App& app, voxa::cli::Session& session, int argc, char** argv) {
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& problem) {
     return explainUsage(app, problem);
-  } catch (const voxa::cli::Leftover&) {
-    installation.explainFailure(calledCommand(app));
+  } catch (const voxa::Leftover&) {
+    session.explainFailure(calledCommand(app));
     return left;
   } catch (...) {
-    installation.explainFailure(calledCommand(app));
+    session.explainFailure(calledCommand(app));
     return failed;
   }
-  if (installation.prompts().failuresShown() > 0) return failed;
-  return installation.prompts().leftoverShown() ? left : done;
+  if (session.failed() || session.prompts().failuresShown() > 0) return failed;
+  return session.prompts().leftoverShown() ? left : done;
 }
 
 }  // namespace
@@ -82,34 +84,34 @@ int main(int argc, char** argv) {
   try {
     const voxa::cli::TerminalFilter output(std::cout, 1);
     const voxa::cli::TerminalFilter errors(std::cerr, 2);
-    voxa::cli::Installation installation;
+    voxa::cli::Session session;
     app.set_version_flag("--version", "voxa " VOXA_VERSION);
     app.require_subcommand(1);
     app.fallthrough();
     app.footer(
         "Exit status: 0 done, 1 failed, 2 wrong usage, 3 done, with something left that needs a person.");
-    addGlobalOptions(app, installation.settings);
-    voxa::cli::addInitCommand(app, installation);
-    voxa::cli::addStationCommands(app, installation);
-    voxa::cli::addReaderCommands(app, installation);
-    voxa::cli::addDailyCommands(app, installation);
-    voxa::cli::addWeeklyCommands(app, installation);
-    voxa::cli::addHolidayCommands(app, installation);
-    voxa::cli::addBadgeCommands(app, installation);
-    voxa::cli::addGroupCommands(app, installation);
-    voxa::cli::addCardCommands(app, installation);
-    voxa::cli::addLiftCommands(app, installation);
-    voxa::cli::addImportCommands(app, installation);
-    voxa::cli::addStatusCommand(app, installation);
-    voxa::cli::addClockCommand(app, installation);
-    voxa::cli::addDownloadCommands(app, installation);
-    voxa::cli::addReadCommand(app, installation);
-    voxa::cli::addJournalCommand(app, installation);
-    voxa::cli::addSendCommands(app, installation);
-    voxa::cli::addDatabaseCommands(app, installation);
-    voxa::cli::addSimulatorCommands(app, installation);
-    voxa::cli::addDemoCommand(app, installation);
-    const int status = run(app, installation, argc, argv);
+    addGlobalOptions(app, session.settings);
+    voxa::cli::addInitCommand(app, session);
+    voxa::cli::addStationCommands(app, session);
+    voxa::cli::addReaderCommands(app, session);
+    voxa::cli::addDailyCommands(app, session);
+    voxa::cli::addWeeklyCommands(app, session);
+    voxa::cli::addHolidayCommands(app, session);
+    voxa::cli::addBadgeCommands(app, session);
+    voxa::cli::addGroupCommands(app, session);
+    voxa::cli::addCardCommands(app, session);
+    voxa::cli::addLiftCommands(app, session);
+    voxa::cli::addImportCommands(app, session);
+    voxa::cli::addStatusCommand(app, session);
+    voxa::cli::addClockCommand(app, session);
+    voxa::cli::addDownloadCommands(app, session);
+    voxa::cli::addReadCommand(app, session);
+    voxa::cli::addJournalCommand(app, session);
+    voxa::cli::addSendCommands(app, session);
+    voxa::cli::addDatabaseCommands(app, session);
+    voxa::cli::addSimulatorCommands(app, session);
+    voxa::cli::addDemoCommand(app, session);
+    const int status = run(app, session, argc, argv);
     std::cout.flush();
     if (std::cout || !voxa::ConsolePrompts::hasOutput()) return status;
     std::cerr << "voxa: the output cannot be written\n";

@@ -1,6 +1,6 @@
 // Tables as text: what was read can be written and read again.
 
-#include "csv.h"
+#include "platform/csv.h"
 
 #include <cstdint>
 

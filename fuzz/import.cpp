@@ -4,12 +4,12 @@
 #include <iostream>
 
 #include "app/qdb.h"
-#include "card_table.h"
-#include "csv.h"
-#include "installation.h"
+#include "commands/card_table.h"
+#include "commands/session.h"
+#include "platform/csv.h"
 #include "platform/temporary_folder.h"
-#include "refusal.h"
 #include "require.h"
+#include "work/refusal.h"
 
 namespace voxa::fuzz {
 namespace {

@@ -189,7 +189,7 @@ void Batch::takeBack() {
 
 std::int16_t Cardholder::createGroup(std::int32_t firstCardNum, const std::string& firstCardCode,
                                      std::int16_t nCards, std::int16_t accessGroupId, bool GroupMode) {
-  eraseUnfinishedBlocks(access_);
+  (void)eraseUnfinishedBlocks(access_);  // what fails has been shown
   std::int16_t status = 0;
   // Also what a failing send shows: its cards are not to stay on the controllers until somebody has read it.
   context_.showLater(

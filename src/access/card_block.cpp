@@ -140,11 +140,11 @@ CardBlock::CardBlock(AccessContext& context, std::int32_t first, std::int32_t la
   }
 }
 
-void eraseUnfinishedBlocks(AccessContext& context) {
+bool eraseUnfinishedBlocks(AccessContext& context) {
   Com& com = context.Com();
-  if (com.inhibitCom || !context.DB() || !files::folderExists(com.Chemin)) return;
+  if (com.inhibitCom || !context.DB() || !files::folderExists(com.Chemin)) return true;
   bool good = true;
-  context.attempt({"msgUnexpecErr", "Cardholders.createGroup"}, [&] {
+  const std::int16_t failed = context.attempt({"msgUnexpecErr", "Cardholders.createGroup"}, [&] {
     for (const std::string& name : files::list(com.Chemin)) {
       if (!isNote(name)) continue;
       if (auto note = files::OwnedFile::takeOver(pathOf(context, name)))
@@ -152,6 +152,7 @@ void eraseUnfinishedBlocks(AccessContext& context) {
     }
   });
   if (!good) context.report({"msgCantSendCommand", "Cardholders.createGroup", Value(com.popErrorList())});
+  return good && failed == 0;
 }
 
 }  // namespace voxa

@@ -35,7 +35,8 @@ class CardBlock {
 /// Erases what batches that did not come to their end have left: cards of their numbers on controllers which
 /// the table does not have there. A controller that is not in use or does not answer keeps its place in the
 /// note for the next call; one that fails to erase them too, which is shown. Notes of processes that are
-/// still at work are passed over, and all of them while communications are inhibited.
-void eraseUnfinishedBlocks(AccessContext& context);
+/// still at work are passed over, and all of them while communications are inhibited. Whether no controller
+/// failed.
+bool eraseUnfinishedBlocks(AccessContext& context);
 
 }  // namespace voxa

@@ -120,7 +120,7 @@ std::int16_t Cardholder::generalDownload(ComponentType compType, const std::stri
                             [&] { requireKnown(compType); });
   }
   if (!access_.Com().readyToSend(compType, compName, AlreadyComTested)) return 0;
-  eraseUnfinishedBlocks(access_);
+  (void)eraseUnfinishedBlocks(access_);  // what fails has been shown
   CardScope scope;
   std::int16_t station = 0;
   if (compType == CTStation) {

@@ -7,7 +7,7 @@
 
 namespace voxa {
 
-Library::Library(const Seams& seams) : AccessContext(seams) {}
+Library::Library(const Seams& seams) : Installation(seams) {}
 
 Library::~Library() = default;
 
@@ -57,6 +57,26 @@ AccessGroup& Library::AccessGroups() {
 
 Cardholder& Library::Cardholders() {
   return QDB().Cardholders();
+}
+
+DailyProgram& Library::DailyPrograms() {
+  return QDB().DailyPrograms();
+}
+
+WeeklyProgram& Library::WeeklyPrograms() {
+  return QDB().WeeklyPrograms();
+}
+
+::voxa::Holidays& Library::Holidays() {
+  return QDB().Holidays();
+}
+
+::voxa::BadgeFormat& Library::BadgeFormat() {
+  return QDB().BadgeFormat();
+}
+
+::voxa::Journal& Library::Journal() {
+  return QDB().Journal();
 }
 
 }  // namespace voxa

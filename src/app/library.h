@@ -2,8 +2,8 @@
 
 #include <memory>
 
-#include "access/access_context.h"
 #include "files/line_span.h"
+#include "work/installation.h"
 
 namespace voxa {
 
@@ -12,7 +12,7 @@ class Strings;
 
 /// What knows everybody: the context of all rooms, with the four service objects, each created at first use
 /// and kept until the context ends.
-class Library : public AccessContext {
+class Library : public Installation {
  public:
   explicit Library(const Seams& seams);
   ~Library() override;
@@ -30,6 +30,11 @@ class Library : public AccessContext {
   [[nodiscard]] Reader& Readers() override;
   [[nodiscard]] AccessGroup& AccessGroups() override;
   [[nodiscard]] Cardholder& Cardholders() override;
+  [[nodiscard]] DailyProgram& DailyPrograms() override;
+  [[nodiscard]] WeeklyProgram& WeeklyPrograms() override;
+  [[nodiscard]] ::voxa::Holidays& Holidays() override;
+  [[nodiscard]] ::voxa::BadgeFormat& BadgeFormat() override;
+  [[nodiscard]] ::voxa::Journal& Journal() override;
 
  private:
   LineLock lineLock_;

@@ -1,0 +1,39 @@
+// voxa card last-unknown: how the code of a new card gets in.
+
+#include <CLI/CLI.hpp>
+#include <iostream>
+
+#include "app/qdb.h"
+#include "card_commands.h"
+#include "component.h"
+#include "journal/journal.h"
+#include "lines/code.h"
+#include "session.h"
+#include "work/look_up.h"
+#include "work/transaction_type.h"
+
+namespace voxa::cli {
+
+namespace {
+
+void showLastUnknown(Session& session, const std::string& reader) {
+  session.openForSending();
+  const std::string name = readerNamed(session.library(), reader)->get("Name").toText();
+  const std::string code = session.qdb().Journal().getLastCardCode(name);
+  if (!code.empty()) std::cout << shownCode(code) << '\n';  // that there is none has been shown
+}
+
+}  // namespace
+
+void addLastUnknownCommand(CLI::App& group, Session& session) {
+  auto* command = group.add_subcommand(
+      "last-unknown", "Print the code of the unknown card that a reader saw last today, for 'voxa card add'");
+  auto reader = std::make_shared<std::string>();
+  command->add_option("--reader", *reader, "The reader, whose controller is read first")->required();
+  command->footer(
+      "The transaction leaves the journal: the next call prints the one before.\n"
+      "Example:\n  voxa card last-unknown --reader \"Main entrance\"");
+  command->callback([&session, reader] { showLastUnknown(session, *reader); });
+}
+
+}  // namespace voxa::cli

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <string>
+
+#include "comm/row_download.h"
+
+namespace CLI {
+class App;
+}
+
+namespace voxa::cli {
+
+class Session;
+
+/// Where a download or command goes, as the person chose it.
+struct ComponentChoice {
+  std::string station;
+  std::string reader;
+};
+void addComponentOptions(CLI::App& command, ComponentChoice& choice);
+/// The component; a Refusal when there is no such station or reader, or no active station at all.
+[[nodiscard]] Component chosen(Session& session, const ComponentChoice& choice);
+
+}  // namespace voxa::cli

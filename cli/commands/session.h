@@ -1,0 +1,65 @@
+#pragma once
+
+#include <algorithm>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "app/open_installation.h"
+#include "output/caller_prompts.h"
+#include "platform/text.h"
+
+namespace voxa::cli {
+
+/// What the options before the command say.
+struct Settings {
+  Opening opening;
+  std::vector<std::string> answers;  ///< buttons for boxes that ask: abort, retry, ignore, yes, no, cancel
+  bool yes = false;                  ///< Yes to every question, Ignore where controllers do not answer
+
+  /// Whether questions are answered with Yes before they are asked.
+  [[nodiscard]] bool answersYes() const {
+    return yes || std::any_of(answers.begin(), answers.end(),
+                              [](const std::string& name) { return equalNoCase(name, "yes"); });
+  }
+};
+
+/// One call of the program: its settings, the person at the terminal, and the installation it works on.
+class Session {
+ public:
+  Settings settings;
+
+  // Each of the three opens the installation that the settings name, as OpenInstallation has it.
+  void open();
+  void openForSending();
+  void create();
+  void leave() { installation_.leave(); }
+
+  // Once it is open or created:
+  [[nodiscard]] Library& library() { return installation_.library(); }
+  [[nodiscard]] QDB& qdb() { return library().QDB(); }
+  [[nodiscard]] Com& com() { return library().Com(); }
+  [[nodiscard]] Strings& strings() { return library().Strings(); }
+  [[nodiscard]] const Clock& clock() const { return installation_.clock(); }
+  [[nodiscard]] std::unique_ptr<Recordset> rows(const std::string& sql);
+  [[nodiscard]] const std::string& folder() const { return installation_.folder(); }
+
+  /// Whether the opening left something undone, which has been shown.
+  [[nodiscard]] bool failed() const { return failed_; }
+  [[nodiscard]] CallerPrompts& prompts() { return prompts_; }
+  [[nodiscard]] std::string callersFile(const std::string& path) const {
+    return installation_.callersFile(path);
+  }
+  /// Tells the person why a command failed (inside a catch block).
+  void explainFailure(const std::string& command);
+
+ private:
+  void prepare();
+  void opened();
+
+  bool failed_ = false;
+  CallerPrompts prompts_;
+  OpenInstallation installation_{prompts_};
+};
+
+}  // namespace voxa::cli

@@ -1,0 +1,261 @@
+// voxa sim: the simulated controllers that the driver finds in the folder "site" of the installation.
+
+#include <CLI/CLI.hpp>
+#include <iostream>
+#include <nlohmann/json.hpp>
+#include <optional>
+
+#include "commands.h"
+#include "component.h"
+#include "held_programs.h"
+#include "output/hidden_pins.h"
+#include "output/table_output.h"
+#include "platform/text.h"
+#include "session.h"
+#include "sim_commands.h"
+#include "site/site.h"
+#include "work/look_up.h"
+#include "work/refusal.h"
+#include "work/words.h"
+
+namespace voxa::cli {
+
+namespace {
+
+struct ControllerOptions {
+  std::string station, address, speed;
+  std::string type = "QSX3";
+  bool showPins = false;
+  bool json = false;
+};
+
+struct FaultOptions {
+  bool none = false;
+  bool silent = false;
+  std::optional<std::string> refuse, after, cut, refuseClear, resultFile;
+};
+
+struct Place {
+  std::int16_t station = 0;
+  std::int16_t address = 0;
+};
+
+Place placeOf(Session& session, const ControllerOptions& options) {
+  return {stationNamed(session.library(), options.station)->get("Id").toInt16(),
+          numberWithin("the controller's address", options.address, 1, 16)};
+}
+
+std::string faultsText(const site::Faults& faults) {
+  std::string text;
+  const auto add = [&](const std::string& fault) { text += (text.empty() ? "" : ", ") + fault; };
+  if (faults.silent) add("silent");
+  if (faults.refuse) add("refuses with " + std::to_string(*faults.refuse));
+  if (faults.goodCalls) add("silent after " + std::to_string(*faults.goodCalls) + " calls");
+  if (faults.cutAfter) add("cut after " + std::to_string(*faults.cutAfter) + " records");
+  if (faults.refuseClear) add("refuses a clear with " + std::to_string(*faults.refuseClear));
+  if (faults.resultFile == site::ResultFileFault::garbage) add("garbage in the result file");
+  if (faults.resultFile == site::ResultFileFault::truncated) add("truncates the result file");
+  return text.empty() ? "none" : text;
+}
+
+Value valueOf(std::optional<int> number) {
+  return number ? Value(*number) : Value();
+}
+
+std::string doorsText(const site::Card& card) {
+  if (card.door1 && card.door2) return "1 2";
+  return card.door1 ? "1" : (card.door2 ? "2" : "none");
+}
+
+std::string liftsText(const site::Card& card) {
+  std::string text;
+  for (const int output : card.lifts) text += (text.empty() ? "" : " ") + std::to_string(output);
+  return text;
+}
+
+std::string momentText(const site::Moment& at) {
+  return zeroPadded(at.date.day, 2) + "/" + zeroPadded(at.date.month, 2) + "/" + zeroPadded(at.date.year, 4) +
+         " " + zeroPadded(at.hour, 2) + ":" + zeroPadded(at.minute, 2) + ":" + zeroPadded(at.second, 2);
+}
+
+void addController(Session& session, site::Site& site, const ControllerOptions& options) {
+  const Place place = placeOf(session, options);
+  site::ControllerInfo info;
+  info.station = place.station;
+  info.address = place.address;
+  info.type = options.type;
+  info.speed = options.speed.empty()
+                   ? stationNamed(session.library(), options.station)->get("ComSpeed").toInt32()
+                   : number32("the speed", options.speed);
+  site.addController(info);
+}
+
+void listControllers(Session& session, site::Site& site, const ControllerOptions& options) {
+  TableOutput table({"Station", "Address", "Type", "Speed", "Faults"});
+  for (const site::ControllerInfo& info : site.list()) {
+    auto stations = session.rows("select Name from Stations where Id = " + std::to_string(info.station));
+    const Value name = stations->eof() ? Value() : stations->get("Name");
+    const site::Faults faults = site.snapshot(info.station, info.address).faults;
+    table.add({name, info.address, info.type, info.speed, faultsText(faults)});
+  }
+  table.print(std::cout, options.json);
+}
+
+void showController(Session& session, site::Site& site, const ControllerOptions& options) {
+  const Place place = placeOf(session, options);
+  const site::Snapshot snapshot = site.snapshot(place.station, place.address);
+  TableOutput daily({"Number", "Intervals"});
+  for (const auto& program : snapshot.dailyPrograms) daily.add({program.number, intervalsText(program)});
+  TableOutput weekly({"Family", "Number", "Days"});
+  for (const auto& program : snapshot.weeklyPrograms) {
+    weekly.add({std::string(1, program.family), program.number, daysText(program)});
+  }
+  TableOutput holidays({"Slot", "Date"});
+  for (const auto& holiday : snapshot.holidays) holidays.add({holiday.slot, dateText(holiday)});
+  TableOutput cards({"Number", "Code", "Weekly", "Doors", "Pin", "Supervisor", "Until", "Credit", "Lifts"});
+  for (const auto& card : snapshot.cards) {
+    const std::string pin = options.showPins || card.pin.empty() ? card.pin : "****";
+    cards.add({card.number, card.code, valueOf(card.weekly), doorsText(card), pin, card.supervisor,
+               card.validUntil
+                   ? Value(dateText({0, card.validUntil->day, card.validUntil->month, card.validUntil->year}))
+                   : Value(),
+               valueOf(card.credit), liftsText(card)});
+  }
+  TableOutput badges(
+      {"Reader", "Technology", "SitePosition", "SiteLength", "CardPosition", "CardType", "Site"});
+  for (const auto& format : snapshot.badgeFormats) {
+    badges.add({format.reader == 0 ? Value("all") : Value(format.reader), format.technology,
+                format.sitePosition, format.siteLength, format.cardPosition, format.cardType,
+                format.siteCode});
+  }
+  TableOutput received({"Received", "Line", "Refused"});
+  for (const auto& line : snapshot.received) {
+    const std::string text = options.showPins ? line.text : withoutPin(line.text);
+    received.add({momentText(line.at), text, line.reason.empty() ? Value() : Value(line.reason)});
+  }
+  const std::pair<const char*, const TableOutput*> tables[] = {
+      {"Daily programs", &daily}, {"Weekly programs", &weekly}, {"Holidays", &holidays},
+      {"Cards", &cards},          {"Badge formats", &badges},   {"Lines received", &received}};
+  if (options.json) {
+    printJson(std::cout, {{"Station", options.station},
+                          {"Address", place.address},
+                          {"Type", snapshot.info.type},
+                          {"Speed", snapshot.info.speed},
+                          {"Faults", faultsText(snapshot.faults)},
+                          {"DailyPrograms", daily.json()},
+                          {"WeeklyPrograms", weekly.json()},
+                          {"Holidays", holidays.json()},
+                          {"Cards", cards.json()},
+                          {"BadgeFormats", badges.json()},
+                          {"ReceivedLines", received.json()}});
+    return;
+  }
+  std::cout << "Controller " << place.address << " of " << options.station << ": " << snapshot.info.type
+            << ", " << snapshot.info.speed << " bit/s, faults: " << faultsText(snapshot.faults) << '\n';
+  for (const auto& [title, table] : tables) {
+    std::cout << '\n' << title << '\n';
+    table->print(std::cout, false);
+  }
+}
+
+void setFaults(Session& session, site::Site& site, const ControllerOptions& options,
+               const FaultOptions& chosenFaults) {
+  const Place place = placeOf(session, options);
+  site::Faults faults;
+  faults.silent = chosenFaults.silent;
+  if (chosenFaults.refuse) faults.refuse = number16("--refuse", *chosenFaults.refuse);
+  if (chosenFaults.after) faults.goodCalls = number16("--after", *chosenFaults.after);
+  if (chosenFaults.cut) faults.cutAfter = number16("--cut", *chosenFaults.cut);
+  if (chosenFaults.refuseClear) faults.refuseClear = number16("--refuse-clear", *chosenFaults.refuseClear);
+  if (chosenFaults.resultFile) {
+    faults.resultFile = *chosenFaults.resultFile == "garbage" ? site::ResultFileFault::garbage
+                                                              : site::ResultFileFault::truncated;
+  }
+  const bool any = faults != site::Faults{};
+  if (any == chosenFaults.none) throw Refusal("name the faults that the controller has now, or --none");
+  site.setFaults(place.station, place.address, faults);
+}
+
+// An action on the site of the installation; what the site says against it becomes a Refusal.
+template <typename Action>
+std::function<void()> onSite(Session& session, Action action) {
+  return [&session, action] {
+    session.open();
+    try {
+      site::Site site;
+      action(session, site);
+    } catch (const site::Failure& failure) {
+      throw Refusal(failure.what());
+    }
+  };
+}
+
+void addPlaceOptions(CLI::App& command, ControllerOptions& options) {
+  command.add_option("--station", options.station, "Station of the controller")->required();
+  command.add_option("--address", options.address, "Its address on the line, 1 to 16")->required();
+}
+
+void addFaultCommand(CLI::App& group, Session& session) {
+  auto* fault = group.add_subcommand("fault", "Set the faults of a controller, in place of those it has");
+  auto place = std::make_shared<ControllerOptions>();
+  auto faults = std::make_shared<FaultOptions>();
+  addPlaceOptions(*fault, *place);
+  fault->add_flag("--none", faults->none, "It works again");
+  fault->add_flag("--silent", faults->silent, "It receives nothing and answers nothing");
+  fault->add_option("--refuse", faults->refuse, "It answers every call with this code");
+  fault->add_option("--after", faults->after, "It turns silent after so many calls");
+  fault->add_option("--cut", faults->cut, "A memory read breaks after so many records");
+  fault->add_option("--refuse-clear", faults->refuseClear, "It answers a clear with this code");
+  fault->add_option("--result-file", faults->resultFile, "What becomes of its part of the result file")
+      ->check(CLI::IsMember({"garbage", "truncated"}));
+  fault->footer("Example:\n  voxa sim controller fault --station Local --address 2 --silent");
+  fault->callback(onSite(
+      session, [place, faults](Session& i, site::Site& site) { setFaults(i, site, *place, *faults); }));
+}
+
+}  // namespace
+
+void addSimulatorCommands(CLI::App& app, Session& session) {
+  auto* sim = app.add_subcommand("sim", "Simulated controllers")->require_subcommand(1);
+  auto* group = sim->add_subcommand("controller", "Simulated controllers")->require_subcommand(1);
+
+  auto* add = group->add_subcommand("add", "Put a controller on a line");
+  auto added = std::make_shared<ControllerOptions>();
+  addPlaceOptions(*add, *added);
+  add->add_option("--type", added->type, "Its type")
+      ->check(CLI::IsMember({"QSX3", "VRMD1"}))
+      ->capture_default_str();
+  add->add_option("--speed", added->speed, "Line speed it listens at; that of the station unless given");
+  add->footer("Example:\n  voxa sim controller add --station Local --address 1");
+  add->callback(onSite(session, [added](Session& i, site::Site& site) { addController(i, site, *added); }));
+
+  auto* list = group->add_subcommand("list", "List the controllers of the site");
+  auto listed = std::make_shared<ControllerOptions>();
+  list->add_flag("--json", listed->json, "As a JSON array");
+  list->footer("Example:\n  voxa sim controller list");
+  list->callback(
+      onSite(session, [listed](Session& i, site::Site& site) { listControllers(i, site, *listed); }));
+
+  auto* show = group->add_subcommand("show", "Show what a controller holds");
+  auto shown = std::make_shared<ControllerOptions>();
+  addPlaceOptions(*show, *shown);
+  show->add_flag("--show-pins", shown->showPins, "With the personal codes");
+  show->add_flag("--json", shown->json, "As a JSON object");
+  show->footer("Example:\n  voxa sim controller show --station Local --address 1");
+  show->callback(onSite(session, [shown](Session& i, site::Site& site) { showController(i, site, *shown); }));
+
+  addFaultCommand(*group, session);
+
+  auto* remove = group->add_subcommand("remove", "Take a controller off the line, with all it holds");
+  auto removed = std::make_shared<ControllerOptions>();
+  addPlaceOptions(*remove, *removed);
+  remove->footer("Example:\n  voxa sim controller remove --station Local --address 1");
+  remove->callback(onSite(session, [removed](Session& i, site::Site& site) {
+    const Place place = placeOf(i, *removed);
+    site.removeController(place.station, place.address);
+  }));
+
+  addSwipeCommand(*sim, session);
+}
+
+}  // namespace voxa::cli

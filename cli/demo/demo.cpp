@@ -1,0 +1,195 @@
+// voxa demo: the main job, from an empty folder to controllers that hold what the database says, and to a
+// journal of what happened at their doors.
+
+#include <CLI/CLI.hpp>
+#include <cstdlib>
+#include <filesystem>
+#include <iostream>
+#include <random>
+
+#include "access.h"
+#include "check.h"
+#include "commands/commands.h"
+#include "commands/download.h"
+#include "commands/session.h"
+#include "compare.h"
+#include "guard.h"
+#include "installation.h"
+#include "site/site.h"
+#include "work/refusal.h"
+
+namespace voxa::cli {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// The folder of the demonstration: the one the person named, which stays, or one for the time being.
+class DemoFolder {
+ public:
+  DemoFolder(Session& session, const std::string& named) : session_(session), temporary_(named.empty()) {
+    path_ = temporary_ ? fs::temp_directory_path() / ("voxa-demo-" + std::to_string(std::random_device{}()))
+                       : fs::path(session.callersFile(named));
+    if (fs::exists(path_) && (!fs::is_directory(path_) || !fs::is_empty(path_))) {
+      throw Refusal(path_.string() + " is not empty: the demonstration wants a folder of its own");
+    }
+    session.settings.opening.folder = path_.string();
+    if (temporary_) deleteAfterThisProcess(path_);
+  }
+  ~DemoFolder() {
+    if (!temporary_) return;
+    try {
+      session_.leave();
+      fs::remove_all(path_);
+    } catch (const std::exception& failure) {
+      std::cerr << "voxa demo: " << path_.string() << " is left behind: " << failure.what() << '\n';
+    }
+  }
+  DemoFolder(const DemoFolder&) = delete;
+  DemoFolder& operator=(const DemoFolder&) = delete;
+
+ private:
+  Session& session_;
+  bool temporary_;
+  fs::path path_;
+};
+
+constexpr int silentStation = 2;  // Annex
+constexpr int silentAddress = 2;
+constexpr const char* silentController = "Annex 2";
+
+class Demo {
+ public:
+  explicit Demo(Session& session) : session_(session) {}
+
+  void run() {
+    createAndDownload();
+    failInTheSend();
+    leaveOut();
+    bringBack();
+    if (!check_.asTold()) throw Refusal("the controllers do not hold what the database says");
+    std::cout << "\nEvery controller holds what the database says.\n";
+    demonstrateAccess(session_, site_);
+  }
+
+ private:
+  void createAndDownload() {
+    session_.create();
+    fillDemoInstallation(session_, site_);
+    std::cout
+        << "1. A new installation: 2 stations, 6 controllers, 9 readers, 4 daily and 3 weekly programs.\n"
+           "   Everything is marked to be sent, and is downloaded to every controller.\n\n";
+    expect(download_.ready(), "every controller answers");
+    send(download_);
+    showMarked();
+    std::cout << '\n';
+    expect(printVerdicts(compareWithControllers(session_, site_), false) == 0, "all hold everything");
+  }
+
+  void failInTheSend() {
+    std::cout
+        << "\n2. Controller 2 of Annex falls silent after the controllers were tested; the daily program\n"
+           "   Office begins half an hour later. The send meets the silence: the message says so, and\n"
+           "   the program stays marked.\n\n";
+    site::Faults faults;
+    faults.silent = true;
+    site_.setFaults(silentStation, silentAddress, faults);
+    changeDaily(session_, "Office", "08:30");
+    send(download_);
+    expect(session_.prompts().failuresShown() == 1, "the failure is shown");
+    session_.prompts().forgetFailures();
+    expect(showMarked() == 1, "the program stays marked");
+  }
+
+  void leaveOut() {
+    std::cout
+        << "\n3. The weekly program Staff gets other holidays. This time the controllers are tested first:\n"
+           "   the question is answered with Ignore, the others get what is marked, and because one\n"
+           "   was left out the programs stay marked.\n\n";
+    changeWeekly(session_, "Staff", 2);
+    session_.prompts().prepare(Answer::ignore);
+    Download download(session_, {});
+    expect(download.ready(), "Ignore goes on");
+    expect(download.leftOut().size() == 1, "one controller is left out");
+    send(download);
+    expect(showMarked() == 2, "both programs stay marked");
+    std::cout << '\n';
+    const auto verdicts = compareWithControllers(session_, site_);
+    expect(printVerdicts(verdicts, true) == 2, "two programs are missing");
+    for (const Verdict& verdict : verdicts) {
+      expect(verdict.same() || verdict.controller == silentController, "only the silent one lacks them");
+    }
+  }
+
+  void bringBack() {
+    std::cout << "\n4. The controller is back: what is marked is downloaded.\n\n";
+    site_.clearFaults(silentStation, silentAddress);
+    Download download(session_, {});
+    expect(download.ready() && download.leftOut().empty(), "every controller answers again");
+    send(download);
+    expect(showMarked() == 0, "nothing stays marked");
+    std::cout << '\n';
+    const auto verdicts = compareWithControllers(session_, site_);
+    std::vector<Verdict> ofReturned;
+    for (const Verdict& verdict : verdicts) {
+      if (verdict.controller == silentController) ofReturned.push_back(verdict);
+    }
+    printVerdicts(ofReturned, false);
+    std::cout << "All controllers: ";
+    expect(printVerdicts(verdicts, true) == 0, "all hold everything");
+  }
+
+  void send(Download& download) {
+    for (const Programs programs : {Programs::daily, Programs::weekly}) {
+      const DownloadCount count = download.send(programs, false);
+      std::cout << "   " << (programs == Programs::daily ? "Daily" : "Weekly") << " programs: " << count.sent
+                << " sent, " << count.unchanged << " unchanged, " << count.failed << " failed\n";
+    }
+  }
+
+  // Names the programs that are still to be sent, and returns how many they are.
+  int showMarked() {
+    std::string names;
+    int count = 0;
+    for (const char* query : {"select Name from DailyPrograms where DailyProgramFlagD = true",
+                              "select Name from WeeklyPrograms where WeeklyProgramFlagD = true"}) {
+      for (auto rows = session_.rows(query); !rows->eof(); rows->moveNext(), ++count) {
+        names += (names.empty() ? "" : ", ") + rows->get("Name").toText();
+      }
+    }
+    std::cout << "   Marked to be sent: " << (names.empty() ? "nothing" : names) << '\n';
+    return count;
+  }
+
+  void expect(bool asItShouldBe, const char* what) { check_.expect(asItShouldBe, what); }
+
+  Session& session_;
+  site::Site site_{fs::path(session_.settings.opening.folder) / "site"};
+  Download download_{session_, {}};
+  DemoCheck check_;
+};
+
+void demonstrate(Session& session, const std::string& folder) {
+  if (std::getenv("TLXP_SITE") != nullptr) {
+    throw Refusal("TLXP_SITE names other controllers: the demonstration wants its own, unset it");
+  }
+  const DemoFolder demoFolder(session, folder);
+  try {
+    Demo(session).run();
+  } catch (const site::Failure& failure) {
+    throw Refusal(failure.what());
+  }
+}
+
+}  // namespace
+
+void addDemoCommand(CLI::App& app, Session& session) {
+  auto* demo = app.add_subcommand(
+      "demo", "Create an installation, download it, present cards and check controllers and journal");
+  auto folder = std::make_shared<std::string>();
+  demo->add_option("DIR", *folder, "New or empty folder for it; without one it is removed afterwards");
+  demo->footer("Example:\n  voxa demo plant");
+  demo->callback([&session, folder] { demonstrate(session, *folder); });
+}
+
+}  // namespace voxa::cli

@@ -1,0 +1,176 @@
+#include "expect.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "commands/session.h"
+#include "platform/datetime.h"
+#include "platform/text.h"
+
+namespace voxa::cli {
+
+namespace {
+
+// By the reader's position on its controller.
+std::string typeOf(TransactionMeaning meaning, int position) {
+  static const std::map<TransactionMeaning, std::array<const char*, 4>> types = {
+      {TransactionMeaning::granted, {"00", "02", "01", "03"}},
+      {TransactionMeaning::refusedByTime, {"20", "22", "21", "23"}},
+      {TransactionMeaning::refusedByRights, {"24", "26", "25", "27"}},
+      {TransactionMeaning::unknownCard, {"10", "12", "11", "13"}}};
+  return types.at(meaning).at(static_cast<std::size_t>(position) - 1);
+}
+
+// "08:30"
+int minuteOf(const std::string& time) {
+  return std::stoi(time.substr(0, 2)) * 60 + std::stoi(time.substr(3, 2));
+}
+
+std::string asRecorded(const std::string& code) {
+  std::string text;
+  for (const char c : code) text += c >= 'A' ? static_cast<char>(c - 'A' + ':') : c;
+  return text;
+}
+
+}  // namespace
+
+const char* textOf(Reason reason) {
+  constexpr std::array<const char*, reasonCount> texts = {
+      "allowed",          "outside its hours", "holiday",
+      "a door of others", "invalidated card",  "past its last day",
+      "credit used up",   "unknown code",      "card of no door of this controller"};
+  return texts.at(static_cast<std::size_t>(reason));
+}
+
+TransactionMeaning meaningOf(Reason reason) {
+  switch (reason) {
+    case Reason::allowed:
+      return TransactionMeaning::granted;
+    case Reason::outsideHours:
+    case Reason::holiday:
+      return TransactionMeaning::refusedByTime;
+    case Reason::unknownCode:
+    case Reason::unknownHere:
+      return TransactionMeaning::unknownCard;
+    default:
+      return TransactionMeaning::refusedByRights;
+  }
+}
+
+DoorRules::DoorRules(Session& session) {
+  readCards(session);
+  readDoors(session);
+  readPrograms(session);
+}
+
+void DoorRules::readCards(Session& session) {
+  const auto rows = session.rows("select * from Cardholders where Deleted = false");
+  for (; !rows->eof(); rows->moveNext()) {
+    Card card{rows->get("CardNum").toInt32(),
+              rows->get("Name").toText(),
+              rows->get("AccessGroupId").toInt16(),
+              rows->get("Validated").toBool(),
+              {},
+              0};
+    if (const Value last = rows->get("ValidationDate"); !last.isNull()) {
+      card.lastDay = static_cast<int>(last.toDateTime().days);
+    }
+    if (const Value credit = rows->get("Credit"); !credit.isNull()) card.credit = credit.toInt16();
+    cards_.emplace(rows->get("CardCode").toText(), std::move(card));
+  }
+}
+
+void DoorRules::readDoors(Session& session) {
+  for (auto rows = session.rows("select * from Stations"); !rows->eof(); rows->moveNext()) {
+    stationNames_[rows->get("Id").toInt32()] = rows->get("Name").toText();
+  }
+  std::map<std::int32_t, Controller> controllers;
+  for (auto rows = session.rows("select * from Readers"); !rows->eof(); rows->moveNext()) {
+    const std::int32_t id = rows->get("Id").toInt32();
+    readerNames_[id] = rows->get("Name").toText();
+    controllers[id] = {rows->get("StationId").toInt32(), rows->get("ControllerAddress").toInt32()};
+  }
+  for (auto rows = session.rows("select * from AccGroupReaders"); !rows->eof(); rows->moveNext()) {
+    const std::int16_t group = rows->get("AccessGroupId").toInt16();
+    const std::int32_t reader = rows->get("ReaderId").toInt32();
+    programs_[{group, reader}] = rows->get("WeeklyProgNum").toInt16();
+    reached_.insert({group, controllers.at(reader)});
+  }
+}
+
+void DoorRules::readPrograms(Session& session) {
+  for (auto rows = session.rows("select * from WeeklyPrograms where ProgType = 'C'"); !rows->eof();
+       rows->moveNext()) {
+    Weekly& weekly = weekly_[rows->get("ProgNum").toInt16()];
+    for (std::size_t day = 0; day < weekly.days.size(); ++day) {
+      weekly.days.at(day) = rows->get("DailyProgDay" + std::to_string(day + 1)).toInt16();
+    }
+    weekly.holidays = rows->get("DailyProgHolidays").toInt16();
+  }
+  for (auto rows = session.rows("select * from DailyPrograms"); !rows->eof(); rows->moveNext()) {
+    auto& intervals = daily_[rows->get("Id").toInt16()];
+    for (const std::string which : {"First", "Second"}) {
+      const std::string start = rows->get("Start" + which + "Interval").toText();
+      const std::string end = rows->get("End" + which + "Interval").toText();
+      // The last minute belongs to the day; an interval that ends where it begins is none.
+      if (start != end) intervals.emplace_back(minuteOf(start), end == "23:59" ? 24 * 60 : minuteOf(end));
+    }
+  }
+  for (auto rows = session.rows("select * from Holidays"); !rows->eof(); rows->moveNext()) {
+    const CivilTime date = toCivil(rows->get("Date").toDateTime());
+    holidays_.insert({date.day, date.month, rows->get("EachYear").toBool() ? 0 : date.year});
+  }
+}
+
+bool DoorRules::isHoliday(int day) const {
+  const CivilTime date = toCivil({static_cast<double>(day)});
+  return holidays_.contains({date.day, date.month, 0}) ||
+         holidays_.contains({date.day, date.month, date.year});
+}
+
+bool DoorRules::isOpen(int program, int day, int minute) const {
+  const Weekly& weekly = weekly_.at(program);
+  // Day 2 was a Monday.
+  const auto weekday = static_cast<std::size_t>((day - 2) % 7);
+  const auto& intervals = daily_.at(isHoliday(day) ? weekly.holidays : weekly.days.at(weekday));
+  return std::any_of(intervals.begin(), intervals.end(), [&](const Interval& interval) {
+    return interval.first <= minute && minute < interval.second;
+  });
+}
+
+Reason DoorRules::decide(const Card& card, const Presentation& presentation) {
+  const Controller controller{presentation.station, presentation.address};
+  if (!reached_.contains({card.group, controller})) return Reason::unknownHere;
+  if (!card.validated) return Reason::invalidated;
+  const auto program = programs_.find({card.group, presentation.reader});
+  if (program == programs_.end()) return Reason::otherDoor;
+  const int day = static_cast<int>(std::floor(presentation.moment.days));
+  if (card.lastDay && *card.lastDay < day) return Reason::expired;
+  int& used = used_[{card.number, controller}];
+  if (card.credit != 0 && used == card.credit) return Reason::creditUsedUp;
+  const CivilTime time = toCivil(presentation.moment);
+  if (!isOpen(program->second, day, time.hour * 60 + time.minute)) {
+    return isHoliday(day) ? Reason::holiday : Reason::outsideHours;
+  }
+  ++used;
+  return Reason::allowed;
+}
+
+Expected DoorRules::expect(const Presentation& presentation) {
+  Expected expected;
+  const auto card = cards_.find(presentation.code);
+  expected.reason = card == cards_.end() ? Reason::unknownCode : decide(card->second, presentation);
+  const TransactionMeaning meaning = meaningOf(expected.reason);
+  const bool known = meaning != TransactionMeaning::unknownCard;
+  expected.entry = {formatDateTime(presentation.moment, "dd/mm/yyyy hh:nn"),
+                    presentation.station,
+                    stationNames_.at(presentation.station),
+                    presentation.reader,
+                    readerNames_.at(presentation.reader),
+                    typeOf(meaning, presentation.position),
+                    known ? card->second.name : "",
+                    known ? "00" + zeroPadded(card->second.number, 4) + "00" : asRecorded(presentation.code)};
+  return expected;
+}
+
+}  // namespace voxa::cli

@@ -1,7 +1,0 @@
-#include "demo_guard.h"
-
-namespace voxa::cli {
-
-void deleteAfterThisProcess(const std::filesystem::path& /*folder*/) {}
-
-}  // namespace voxa::cli

@@ -1,0 +1,150 @@
+#include "app/open_installation.h"
+
+#include <filesystem>
+#include <system_error>
+
+#include "access/card_block.h"
+#include "app/host_texts.h"
+#include "app/installation_lock.h"
+#include "app/main_database.h"
+#include "app/qdb.h"
+#include "comm/com.h"
+#include "engines/sqlite/engine.h"
+#include "journal/journal.h"
+#include "messages/strings.h"
+#include "platform/files.h"
+#include "work/refusal.h"
+
+namespace voxa {
+
+namespace {
+
+constexpr const char* mainDatabase = "KRV.mdb";
+constexpr const char* messageStore = "I18N.MDB";
+
+}  // namespace
+
+OpenInstallation::OpenInstallation(Prompts& prompts)
+    : callersFolder_(files::currentFolder()), prompts_(prompts), engine_(makeSqliteEngine(clock_)) {}
+
+OpenInstallation::~OpenInstallation() = default;
+
+std::string OpenInstallation::callersFile(const std::string& path) const {
+  return (std::filesystem::path(callersFolder_) / path).string();
+}
+
+void OpenInstallation::enterFolder(const Opening& how) {
+  std::error_code failure;
+  std::filesystem::current_path(callersFile(how.folder), failure);
+  if (failure) throw Refusal("the folder " + how.folder + " cannot be entered: " + failure.message());
+  folder_ = files::currentFolder();
+  if (const std::string fault = files::folderFault(folder_, how.trustGroup); !fault.empty()) {
+    throw Refusal(fault);
+  }
+}
+
+void OpenInstallation::start(const Opening& how) {
+  library_ = std::make_unique<Library>(Library::Seams{*engine_, driver_, prompts_, clock_});
+  glob_ = std::make_unique<Glob>(*library_);
+  Com& com = library_->Com();
+  com.inhibitCom = how.inhibit;
+  com.writeLog = how.log;
+  com.pDailyPrograms4Zones = how.fourZones ? 1 : 0;
+}
+
+void OpenInstallation::placeFiles() {
+  Com& com = library_->Com();
+  com.AppDB = folder_ + "\\" + mainDatabase;
+  com.IniFile = folder_ + "\\S001.ini";
+  com.logFileName = folder_ + "\\COM.LOG";
+  com.Chemin = folder_;
+}
+
+void OpenInstallation::requireInstallation() const {
+  if (files::exists(mainDatabase)) return;
+  throw Refusal(folder_ + " is no installation (no " + mainDatabase + "): create one with 'voxa init'");
+}
+
+bool OpenInstallation::openForSending(const Opening& how) {
+  enterFolder(how);
+  requireInstallation();
+  lock_ = std::make_unique<InstallationLock>();
+  open(how);
+  return eraseUnfinishedBlocks(*library_);
+}
+
+void OpenInstallation::open(const Opening& how) {
+  enterFolder(how);
+  requireInstallation();
+  start(how);
+  glob_->Initialize(folder_ + "\\" + mainDatabase, folder_ + "\\S001.ini", folder_ + "\\COM.LOG", folder_);
+  if (library_->DB()) return;
+  throw Refusal("the installation in " + folder_ + " cannot be opened: its " + mainDatabase +
+                " is damaged, or not yours to read; a copy made with 'voxa db save' can be put in its place");
+}
+
+void OpenInstallation::fillCatalogue() {
+  Strings& strings = library_->Strings();
+  if (!strings.isOpen() && strings.createDB() != 0) {
+    throw Refusal("the message texts (" + std::string(messageStore) + ") cannot be created in " + folder_);
+  }
+  glob_->insertStrings();
+  bool filled = false;
+  library_->showLater([&] {
+    Transaction transaction(*engine_, strings.database());
+    filled = insertHostTexts(strings) == 0;
+    if (filled) transaction.commit();
+  });
+  if (!filled) refuseIncomplete();
+}
+
+void OpenInstallation::refuseIncomplete() const {
+  throw Refusal("the installation in " + folder_ + " is not complete");
+}
+
+void OpenInstallation::removeBegun(const std::string& name) const {
+  if (!files::exists(name)) return;
+  try {
+    const auto database = engine_->open(name);
+    const bool begun = database->tableNames().empty();
+    database->close();
+    if (begun) files::remove(name);
+  } catch (const Error&) {
+    // Then it is something else, and whoever needs its place says so.
+  }
+}
+
+void OpenInstallation::create(const Opening& how) {
+  try {
+    files::makeFolders(callersFile(how.folder));
+  } catch (const Error& failure) {
+    throw Refusal("the folder " + how.folder + " cannot be made: " + failure.description());
+  }
+  enterFolder(how);
+  lock_ = std::make_unique<InstallationLock>();
+  for (const char* name : {messageStore, Journal::dbName, mainDatabase}) removeBegun(name);
+  if (files::exists(mainDatabase)) throw Refusal(folder_ + " holds an installation already");
+  start(how);
+  fillCatalogue();
+  placeFiles();
+  Journal& journal = library_->QDB().Journal();
+  if (!files::exists(Journal::dbName) && journal.createDB() != 0) refuseIncomplete();
+  if (journal.DB()) journal.DB()->close();  // an open one would be put aside for a new one
+  // The main database last, as what says that there is an installation: a killed creation can be repeated.
+  QDB& qdb = library_->QDB();
+  if (qdb.createDB() != 0 || journal.openDB() != 0) refuseIncomplete();
+  // A table that could not be built has been told of, and stopped nothing.
+  if (library_->attempt([&] { requireMainDatabase(qdb.database(), qdb.definitions()); }) != 0) {
+    refuseIncomplete();
+  }
+}
+
+void OpenInstallation::leave() {
+  glob_.reset();
+  library_.reset();
+  for (const auto& database : engine_->databases()) database->close();
+  lock_.reset();
+  std::filesystem::current_path(callersFolder_);
+}
+
+}  // namespace voxa

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+#include "platform/value.h"
+
+namespace voxa {
+
+class Clock;
+
+// What people write, in a command or a table, as values.
+
+/// what: how a Refusal names the number ("the port"): for a text that is no whole number, a fraction
+/// included, and for one outside the range.
+[[nodiscard]] std::int16_t number16(const std::string& what, const std::string& text);
+[[nodiscard]] std::int32_t number32(const std::string& what, const std::string& text);
+/// The same within bounds.
+[[nodiscard]] std::int16_t numberWithin(const std::string& what, const std::string& text, std::int16_t least,
+                                        std::int16_t greatest);
+
+/// The text itself; a Refusal when it has control characters, characters that the controllers' files cannot
+/// hold, or more than so many. what: as the Refusal names it ("a name").
+[[nodiscard]] std::string checkedText(const std::string& what, const std::string& text, std::size_t most);
+/// The same of a name, up to 50 characters, which is not empty.
+[[nodiscard]] std::string checkedName(const std::string& name);
+/// The same for a station or reader; a Refusal for a name with an apostrophe too: the journal's statements
+/// carry these names as they are, so that nothing of such a door could ever be read.
+[[nodiscard]] std::string checkedPlaceName(const std::string& name);
+
+/// A day, or a day and time, as a person writes it: 24/12/2026, "24/12/2026 18:05", 2026-12-24. A Refusal for
+/// any other text. clock: tells the century of a year of two digits.
+[[nodiscard]] DateTime writtenMoment(const std::string& text, const Clock& clock);
+
+}  // namespace voxa
