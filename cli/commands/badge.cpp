@@ -10,9 +10,9 @@
 #include "component.h"
 #include "output/table_output.h"
 #include "session.h"
-#include "store_row.h"
 #include "work/look_up.h"
 #include "work/refusal.h"
+#include "work/store_row.h"
 #include "work/words.h"
 
 namespace voxa::cli {
@@ -83,7 +83,7 @@ void addFormat(Session& session, BadgeOptions options) {
   rows->addNew();
   rows->set("Id", id);
   setFields(*rows, options);
-  storeRow(session, *rows, "BadgeFormat", "badge format");
+  storeRow(session.library(), *rows, "BadgeFormat", "badge format");
   std::cout << "Badge format " << id << ": " << options.name << '\n';
 }
 
@@ -93,7 +93,7 @@ void setFormat(Session& session, const BadgeOptions& options) {
   moveToNumberOrName(*row, "Id", options.name, "msgCantFindBadgeFormat");
   row->edit();
   setFields(*row, options);
-  storeRow(session, *row, "BadgeFormat", "badge format");
+  storeRow(session.library(), *row, "BadgeFormat", "badge format");
 }
 
 // The default format as it was created, to be sent again.

@@ -7,12 +7,12 @@
 #include "card_commands.h"
 #include "commands.h"
 #include "component.h"
-#include "forget_cards.h"
 #include "lines/code.h"
 #include "output/table_output.h"
 #include "platform/text.h"
 #include "session.h"
 #include "work/card_values.h"
+#include "work/forget_cards.h"
 #include "work/refusal.h"
 #include "work/transaction_type.h"
 
@@ -61,9 +61,9 @@ void setCard(Session& session, const CardOptions& options) {
   const bool moves = another || (values.group && *values.group != group);
   if (moves) {
     std::vector<ReachedController> kept;
-    if (!another) kept = reachOf(session, *values.group);
-    ForgetCards forget(session);
-    forget.on(without(reachOf(session, group), kept), {number});
+    if (!another) kept = reachOf(session.library(), *values.group);
+    ForgetCards forget(session.library());
+    forget.on(without(reachOf(session.library(), group), kept), {number});
     forget.send();
   }
   row->edit();

@@ -12,9 +12,9 @@
 #include "output/table_output.h"
 #include "programs/daily_program.h"
 #include "session.h"
-#include "store_row.h"
 #include "work/look_up.h"
 #include "work/refusal.h"
+#include "work/store_row.h"
 #include "work/words.h"
 
 namespace voxa::cli {
@@ -95,7 +95,7 @@ void addDaily(Session& session, DailyOptions options) {
   rows->set("Name", checkedName(options.name));
   setIntervals(session, *rows, options);
   rows->set("DailyProgramFlagD", true);
-  storeRow(session, *rows, "DailyPrograms", "daily program");
+  storeRow(session.library(), *rows, "DailyPrograms", "daily program");
   std::cout << "Daily program " << id << ": " << options.name << '\n';
 }
 
@@ -110,7 +110,7 @@ void setDaily(Session& session, const DailyOptions& options) {
     throw Refusal("the times of the built-in programs 0 (never) and 1 (the whole day) are fixed");
   }
   row->set("DailyProgramFlagD", true);
-  storeRow(session, *row, "DailyPrograms", "daily program");
+  storeRow(session.library(), *row, "DailyPrograms", "daily program");
 }
 
 std::string shownInterval(const Recordset& row, const IntervalColumns& of) {

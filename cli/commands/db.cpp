@@ -4,10 +4,10 @@
 #include <filesystem>
 #include <iostream>
 
+#include "app/installation_files.h"
 #include "app/qdb.h"
 #include "comm/modem_file.h"
 #include "commands.h"
-#include "app/installation_files.h"
 #include "may_write.h"
 #include "platform/files.h"
 #include "session.h"

@@ -157,7 +157,7 @@ DownloadCount Download::send(Programs programs, bool full) {
 DownloadCount Download::sendBadgeFormat(const Recordset& format, bool full) {
   const bool wanted = full || format.get("BadgeFormatFlagD").toBool();
   DownloadCount count;
-  std::set<std::pair<std::int16_t, std::int16_t>> served;
+  std::set<ControllerPlace> served;
   bool tested = true;
   const auto readers = session_.rows(
       "select Readers.Name as Reader, Stations.Name as Station, StationId, ControllerAddress, Position, "

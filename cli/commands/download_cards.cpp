@@ -9,10 +9,10 @@
 #include "app/qdb.h"
 #include "comm/com.h"
 #include "download.h"
-#include "forget_cards.h"
 #include "messages/strings.h"
 #include "session.h"
 #include "work/card_values.h"
+#include "work/forget_cards.h"
 
 namespace voxa::cli {
 
@@ -56,7 +56,7 @@ DownloadCount Download::sendGroups(bool full) {
   // Each group is tested again; the person has answered for all of them.
   if (!leftOut_.empty()) session_.prompts().assume(Answer::ignore);
   for (const std::int16_t id : groups) {
-    const std::vector<std::int32_t> cards = cardsOf(session_, id).live;
+    const std::vector<std::int32_t> cards = cardsOf(session_.library(), id).live;
     markWhole(session_.library(), {cards.begin(), cards.end()});
     const std::int16_t status = session_.qdb().AccessGroups().download(id, DLFull);
     const bool waits = leftOut_.empty() && markedGroups(session_).contains(id);

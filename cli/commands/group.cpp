@@ -10,16 +10,16 @@
 #include "comm/com.h"
 #include "commands.h"
 #include "component.h"
-#include "forget_cards.h"
-#include "links.h"
 #include "messages/strings.h"
 #include "output/table_output.h"
 #include "platform/ui/prompts.h"
 #include "session.h"
-#include "store_row.h"
 #include "work/card_values.h"
+#include "work/forget_cards.h"
+#include "work/links.h"
 #include "work/look_up.h"
 #include "work/refusal.h"
+#include "work/store_row.h"
 #include "work/words.h"
 
 namespace voxa::cli {
@@ -40,7 +40,7 @@ void addGroup(Session& session, const std::string& name) {
   rows->addNew();
   rows->set("Id", id);
   rows->set("Name", checkedName(name));
-  storeRow(session, *rows, "AccessGroups", "access group");
+  storeRow(session.library(), *rows, "AccessGroups", "access group");
   std::cout << "Access group " << id << ": " << name << '\n';
 }
 
@@ -123,7 +123,7 @@ void grant(Session& session, const GroupOptions& options) {
   const std::int32_t reader = readerNamed(session.library(), options.reader)->get("Id").toInt32();
   const auto program = session.rows("select ProgNum, Name from WeeklyPrograms where ProgType = 'C'");
   moveToNumberOrName(*program, "ProgNum", options.program, "msgCantFindWeeklyProg");
-  linkReader(session, group, reader, program->get("ProgNum").toInt16());
+  linkReader(session.library(), group, reader, program->get("ProgNum").toInt16());
   tellOfDoors(session, group);
 }
 
@@ -131,25 +131,25 @@ void revoke(Session& session, const GroupOptions& options) {
   session.openForSending();
   const std::int16_t group = GroupNames(session.library()).id(options.group);
   const auto reader = readerNamed(session.library(), options.reader);
-  const auto link = linkOf(session, group, reader->get("Id").toInt32());
+  const auto link = linkOf(session.library(), group, reader->get("Id").toInt32());
   if (link->eof()) {
     throw Refusal("the access group " + options.group + " does not open " + options.reader);
   }
   const std::int16_t station = reader->get("StationId").toInt16();
   const std::int16_t address = reader->get("ControllerAddress").toInt16();
-  ForgetCards forget(session);
-  for (const ReachedController& reached : reachOf(session, group)) {
+  ForgetCards forget(session.library());
+  for (const ReachedController& reached : reachOf(session.library(), group)) {
     const GrantedController& controller = reached.controller;
     if (controller.station != station || controller.address != address) continue;
     if (controller.doors.size() > 1) continue;  // it keeps the cards; the door is shut by their rights
-    const CardsOfGroup cards = cardsOf(session, group);
+    const CardsOfGroup cards = cardsOf(session.library(), group);
     forget.on({controller}, cards.live);
     forget.on({controller}, cards.deleted);
   }
   forget.send();
   Transaction transaction(session.library().engine(), session.qdb().database());
   link->remove();
-  markGroup(session, group);
+  markGroup(session.library(), group);
   transaction.commit();
 }
 
@@ -175,16 +175,16 @@ void deleteGroup(Session& session, const GroupOptions& options) {
   const GroupNames names(session.library());
   const std::int16_t group = names.id(options.group);
   if (group == defaultGroup) throw Refusal("the default access group cannot be deleted");
-  const CardsOfGroup cards = cardsOf(session, group);
+  const CardsOfGroup cards = cardsOf(session.library(), group);
   if (!cards.live.empty() && options.moveTo.empty()) {
     throw Refusal("msgDBDelRelated",
                   "(" + std::to_string(cards.live.size()) + " cards; see --move-cards-to)");
   }
   const std::int16_t target = options.moveTo.empty() ? defaultGroup : names.id(options.moveTo);
   if (target == group) throw Refusal("the cards cannot stay in the access group " + options.group);
-  const auto before = reachOf(session, group);
-  ForgetCards forget(session);
-  forget.on(without(before, reachOf(session, target)), cards.live);
+  const auto before = reachOf(session.library(), group);
+  ForgetCards forget(session.library());
+  forget.on(without(before, reachOf(session.library(), target)), cards.live);
   forget.on(without(before, {}), cards.deleted);
   forget.send();
   Transaction transaction(session.library().engine(), session.qdb().database());

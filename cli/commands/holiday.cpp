@@ -12,9 +12,9 @@
 #include "platform/datetime.h"
 #include "programs/holidays.h"
 #include "session.h"
-#include "store_row.h"
 #include "work/look_up.h"
 #include "work/refusal.h"
+#include "work/store_row.h"
 #include "work/words.h"
 
 namespace voxa::cli {
@@ -60,7 +60,7 @@ void addHoliday(Session& session, const HolidayOptions& options) {
   rows->set("Date", holidayDate(options.date, options.eachYear, session.clock()));
   rows->set("EachYear", options.eachYear);
   rows->set("HolidayFlagD", true);
-  storeRow(session, *rows, "Holidays", "holiday");
+  storeRow(session.library(), *rows, "Holidays", "holiday");
   std::cout << "Holiday " << slot << ": " << options.name << '\n';
 }
 

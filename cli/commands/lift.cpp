@@ -7,13 +7,13 @@
 #include "app/qdb.h"
 #include "commands.h"
 #include "component.h"
-#include "forget_cards.h"
 #include "output/table_output.h"
 #include "session.h"
-#include "store_row.h"
 #include "work/card_values.h"
+#include "work/forget_cards.h"
 #include "work/look_up.h"
 #include "work/refusal.h"
+#include "work/store_row.h"
 #include "work/words.h"
 
 namespace voxa::cli {
@@ -40,7 +40,7 @@ void addLift(Session& session, const LiftOptions& options) {
   alarms->set("Name", checkedName(options.name));
   alarms->set("StationId", station);
   alarms->set("ControllerAddress", numberWithin("the controller's address", options.address, 1, 16));
-  storeRow(session, *alarms, "Alarms", "lift output");
+  storeRow(session.library(), *alarms, "Alarms", "lift output");
   std::cout << "Lift output " << id << ": " << options.name << '\n';
 }
 
@@ -79,7 +79,7 @@ GroupLift groupLift(Session& session, const LiftOptions& options) {
   if (!moveToName(*found.lift, options.name)) throw Refusal("msgCantFindAlarm", options.name);
   found.granting = session.rows("select * from LiftGroup where AccessGroup = " + std::to_string(found.group) +
                                 " and LiftNum = " + found.lift->get("Id").toText());
-  for (const ReachedController& reached : reachOf(session, found.group)) {
+  for (const ReachedController& reached : reachOf(session.library(), found.group)) {
     if (reached.controller.station == found.lift->get("StationId").toInt16() &&
         reached.controller.address == found.lift->get("ControllerAddress").toInt16()) {
       found.controller.push_back(reached.controller);
@@ -97,7 +97,7 @@ void grantLift(Session& session, const LiftOptions& options) {
   found.granting->set("AccessGroup", found.group);
   found.granting->set("LiftNum", found.lift->get("Id"));
   found.granting->update();
-  if (!found.controller.empty()) markGroup(session, found.group);
+  if (!found.controller.empty()) markGroup(session.library(), found.group);
   transaction.commit();
   if (found.controller.empty()) {
     std::cerr << "The group opens no door of that controller yet, which therefore does not know its cards.\n";
@@ -111,12 +111,12 @@ void revokeLift(Session& session, const LiftOptions& options) {
     throw Refusal("the access group " + options.group + " may not use " + options.name);
   }
   // A card's line adds an output; only erasing the card takes one away.
-  ForgetCards forget(session);
-  forget.on(found.controller, cardsOf(session, found.group).live);
+  ForgetCards forget(session.library());
+  forget.on(found.controller, cardsOf(session.library(), found.group).live);
   forget.send();
   Transaction transaction(session.library().engine(), session.qdb().database());
   found.granting->remove();
-  if (!found.controller.empty()) markGroup(session, found.group);
+  if (!found.controller.empty()) markGroup(session.library(), found.group);
   transaction.commit();
 }
 

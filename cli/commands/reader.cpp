@@ -9,12 +9,12 @@
 #include "comm/station.h"
 #include "commands.h"
 #include "component.h"
-#include "links.h"
 #include "output/table_output.h"
 #include "session.h"
-#include "store_row.h"
+#include "work/links.h"
 #include "work/look_up.h"
 #include "work/refusal.h"
+#include "work/store_row.h"
 #include "work/words.h"
 
 namespace voxa::cli {
@@ -34,7 +34,7 @@ void addReader(Session& session, const ReaderOptions& options) {
   const std::int16_t position = numberWithin("the position", options.position, 1, 4);
   const std::int16_t id = session.qdb().Readers().getFreeId();
   if (id == -1) throw Refusal("the installation holds all the readers it can (998)");
-  const bool newController = !isKnownController(session, stationId, address, id);
+  const bool newController = !isKnownController(session.library(), stationId, address, id);
   Transaction transaction(session.library().engine(), session.qdb().database());
   const auto rows = session.rows("select * from Readers");
   rows->addNew();
@@ -44,12 +44,12 @@ void addReader(Session& session, const ReaderOptions& options) {
   rows->set("ControllerType", options.type);
   rows->set("ControllerAddress", address);
   rows->set("Position", position);
-  storeRow(session, *rows, "Readers", "reader");
-  if (newController) markProgramsForNewController(session);
+  storeRow(session.library(), *rows, "Readers", "reader");
+  if (newController) markProgramsForNewController(session.library());
   transaction.commit();
   // The driver learns from the station's file which controllers are on the line.
   session.qdb().Stations().createIniFile(stationId);
-  linkNewReader(session, id);
+  linkNewReader(session.library(), id);
   std::cout << "Reader " << id << ": " << options.name << '\n';
   if (newController) {
     std::cout << "Its controller is new: 'voxa download all' sends it the programs and holidays\n";

@@ -9,13 +9,13 @@
 #include "comm/station.h"
 #include "commands.h"
 #include "component.h"
-#include "links.h"
 #include "messages/strings.h"
 #include "output/table_output.h"
 #include "session.h"
-#include "store_row.h"
+#include "work/links.h"
 #include "work/look_up.h"
 #include "work/refusal.h"
+#include "work/store_row.h"
 #include "work/words.h"
 
 namespace voxa::cli {
@@ -82,7 +82,7 @@ void addStation(Session& session, StationOptions options) {
   rows->addNew();
   rows->set("Id", id);
   setFields(*rows, options);
-  storeRow(session, *rows, "Stations", "station");
+  storeRow(session.library(), *rows, "Stations", "station");
   stations.createIniFile(id);
   transaction.commit();
   std::cout << "Station " << id << ": " << options.name << " on port " << *options.port << '\n';
@@ -99,8 +99,8 @@ void setStation(Session& session, const StationOptions& options) {
   const bool comesIntoUse = active && !row->get("Active").toBool();
   row->edit();
   setFields(*row, options);
-  storeRow(session, *row, "Stations", "station");
-  if (comesIntoUse) markProgramsForNewController(session);
+  storeRow(session.library(), *row, "Stations", "station");
+  if (comesIntoUse) markProgramsForNewController(session.library());
   session.qdb().Stations().createIniFile(row->get("Id").toInt16());
   transaction.commit();
 }

@@ -23,7 +23,7 @@ struct ControllerState {
   Value clock;
 };
 
-using Controllers = std::map<std::pair<std::int16_t, std::int16_t>, ControllerState>;
+using Controllers = std::map<ControllerPlace, ControllerState>;
 
 Controllers controllersOfActiveStations(Session& session) {
   Controllers controllers;
@@ -58,8 +58,8 @@ void showStatus(Session& session, bool json) {
   addAnswers(session, controllers);
   TableOutput table({"Station", "Controller", "Readers", "Answers", "Clock"});
   bool allAnswer = true;
-  for (const auto& [key, state] : controllers) {
-    table.add({state.station, key.second, state.readers, state.answers, state.clock});
+  for (const auto& [place, state] : controllers) {
+    table.add({state.station, place.address, state.readers, state.answers, state.clock});
     allAnswer = allAnswer && (session.settings.opening.inhibit || state.answers == Value(true));
   }
   table.print(std::cout, json);

@@ -10,9 +10,9 @@
 #include "output/table_output.h"
 #include "programs/weekly_program.h"
 #include "session.h"
-#include "store_row.h"
 #include "work/look_up.h"
 #include "work/refusal.h"
+#include "work/store_row.h"
 #include "work/words.h"
 
 namespace voxa::cli {
@@ -69,7 +69,7 @@ void addWeekly(Session& session, const WeeklyOptions& options) {
   rows->set("Name", checkedName(options.name));
   setDays(session, *rows, options);
   rows->set("WeeklyProgramFlagD", true);
-  storeRow(session, *rows, "WeeklyPrograms", "weekly program");
+  storeRow(session.library(), *rows, "WeeklyPrograms", "weekly program");
   std::cout << "Weekly program " << options.family << number << ": " << options.name << '\n';
 }
 
@@ -83,7 +83,7 @@ void setWeekly(Session& session, const WeeklyOptions& options) {
     throw Refusal("the days of the built-in program 0 (always) are fixed");
   }
   row->set("WeeklyProgramFlagD", true);
-  storeRow(session, *row, "WeeklyPrograms", "weekly program");
+  storeRow(session.library(), *row, "WeeklyPrograms", "weekly program");
 }
 
 void listWeekly(Session& session, bool json) {

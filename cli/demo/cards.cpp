@@ -8,11 +8,11 @@
 #include "access/cardholder.h"
 #include "app/qdb.h"
 #include "commands/component.h"
-#include "commands/links.h"
 #include "commands/session.h"
 #include "platform/text.h"
 #include "programs/holidays.h"
 #include "work/card_values.h"
+#include "work/links.h"
 #include "work/look_up.h"
 #include "work/refusal.h"
 
@@ -99,7 +99,7 @@ std::int16_t addGroup(Session& session, const DemoGroup& group) {
   rows->set("Name", group.name);
   rows->update();
   for (const Grant& grant : group.grants) {
-    linkReader(session, id, readerNamed(session.library(), grant.reader)->get("Id").toInt32(),
+    linkReader(session.library(), id, readerNamed(session.library(), grant.reader)->get("Id").toInt32(),
                programNamed(session, grant.program));
   }
   return id;

@@ -66,7 +66,7 @@ std::int16_t AccessGroup::sendCards(std::int16_t id, std::int16_t readerId) {
     std::int16_t station = 0;
     std::int16_t address = 0;
     if (access_.Readers().getControllerAddrID(readerId, station, address) != 0) return -1;
-    scope = {station, address};
+    scope = ControllerPlace{station, address};
     links += " and ReaderId = " + std::to_string(readerId);
   }
   CardDownload download(access_, scope);

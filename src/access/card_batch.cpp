@@ -10,7 +10,6 @@
 #include "access/card_download.h"
 #include "access/cardholder.h"
 #include "comm/com.h"
-#include "files/command_file.h"
 #include "platform/clock.h"
 #include "platform/database/database.h"
 #include "platform/text.h"
@@ -78,7 +77,8 @@ class Batch {
     return "cardNum between " + std::to_string(firstNum_) + " and " + std::to_string(lastNum_);
   }
   bool shownInUse(const std::string& column, const std::string& condition, std::string_view mnemonic);
-  void writeBlock(const GrantedController& controller, const std::vector<std::int16_t>& lifts);
+  [[nodiscard]] std::vector<std::string> blockLines(const GrantedController& controller,
+                                                    const std::vector<std::int16_t>& lifts) const;
 
   AccessContext& context_;
   std::int32_t firstNum_;
@@ -112,7 +112,8 @@ void Batch::insert(bool groupMode) {
   }
 }
 
-void Batch::writeBlock(const GrantedController& controller, const std::vector<std::int16_t>& lifts) {
+std::vector<std::string> Batch::blockLines(const GrantedController& controller,
+                                           const std::vector<std::int16_t>& lifts) const {
   CardRecord card;
   for (const CardPart part : {cardCodePart, accessGroupPart, validatedPart}) card.parts.set(part);
   const CardRights rights = controller.rights();
@@ -124,7 +125,7 @@ void Batch::writeBlock(const GrantedController& controller, const std::vector<st
     for (std::string& line : cardLines(card, rights, lifts, controller.type, today))
       block.push_back(std::move(line));
   }
-  context_.CommandFile().write(block);
+  return block;
 }
 
 std::int16_t Batch::send() {
@@ -140,7 +141,7 @@ std::int16_t Batch::send() {
     if (const std::string fault = faultOf(database(), group_, controller); !fault.empty()) {
       throw Error(err::invalidArgument, "Invalid argument: " + fault);
     }
-    places.emplace_back(controller.station, controller.address);
+    places.push_back(controller);
   }
   if (!places.empty() && !com.inhibitCom) block_.emplace(context_, firstNum_, lastNum_, places);
   for (const GrantedController& controller : controllers) {
@@ -150,9 +151,9 @@ std::int16_t Batch::send() {
       continue;
     }
     if (controller.twoPrograms()) twoPrograms_.add(shutSides(database(), group_, controller));
-    writeBlock(controller, liftOutputs(database(), firstId, controller));
+    const auto lines = blockLines(controller, liftOutputs(database(), firstId, controller));
     reached_.push_back(controller);
-    if (com.Send(CmSendCommand, controller.station, controller.address) != 0) return notTaken;
+    if (com.sendLines(lines, controller) != 0) return notTaken;
   }
   if (!everywhere) {  // for the download to those that were left out
     database().execute(
@@ -174,8 +175,7 @@ void Batch::takeBack() {
   for (std::int32_t number = firstNum_; number <= lastNum_; ++number) numbers.push_back(number);
   std::vector<ControllerPlace> open;
   for (const GrantedController& controller : reached_) {
-    const ControllerPlace place{controller.station, controller.address};
-    if (!eraseCards(context_, place, numbers)) open.push_back(place);
+    if (!eraseCards(context_, controller, numbers)) open.push_back(controller);
   }
   if (!block_) return;
   // When this fails, more controllers than necessary stay noted.

@@ -6,7 +6,6 @@
 #include "access/access_context.h"
 #include "access/card_record.h"
 #include "comm/com.h"
-#include "files/command_file.h"
 #include "files/conversions.h"
 #include "platform/database/database.h"
 #include "platform/text.h"
@@ -34,8 +33,13 @@ struct Note {
   std::vector<ControllerPlace> places;
 };
 
-std::pair<std::int16_t, std::int16_t> twoNumbers(const std::string& line) {
-  std::pair<std::int16_t, std::int16_t> numbers;
+struct TwoNumbers {
+  std::int16_t first = 0;
+  std::int16_t second = 0;
+};
+
+TwoNumbers twoNumbers(const std::string& line) {
+  TwoNumbers numbers;
   const char* const end = line.data() + line.size();
   const auto comma = std::from_chars(line.data(), end, numbers.first).ptr;
   if (comma != end) (void)std::from_chars(comma + 1, end, numbers.second);
@@ -44,7 +48,7 @@ std::pair<std::int16_t, std::int16_t> twoNumbers(const std::string& line) {
 
 /// None when its writer did not come to the end: then nothing was sent.
 std::optional<Note> read(const std::string& path) {
-  std::vector<std::pair<std::int16_t, std::int16_t>> lines;
+  std::vector<TwoNumbers> lines;
   bool complete = false;
   for (files::Stream in(path, files::Stream::Mode::read); !in.atEnd() && !complete;) {
     const std::string line = in.readLine();
@@ -52,11 +56,15 @@ std::optional<Note> read(const std::string& path) {
     if (!complete) lines.push_back(twoNumbers(line));
   }
   if (!complete || lines.empty()) return std::nullopt;
-  return Note{lines[0].first, lines[0].second, {lines.begin() + 1, lines.end()}};
+  Note note{lines[0].first, lines[0].second, {}};
+  for (auto line = lines.begin() + 1; line != lines.end(); ++line) {
+    note.places.push_back({line->first, line->second});
+  }
+  return note;
 }
 
 bool canBeAsked(AccessContext& context, const ControllerPlace& place) {
-  return context.Com().isInUse(place.first) && context.Com().TestSend(place.first, place.second);
+  return context.Com().isInUse(place.station) && context.Com().TestSend(place.station, place.address);
 }
 
 /// The numbers of the block that no card of the table has on the controller.
@@ -66,7 +74,7 @@ std::vector<std::int32_t> strays(AccessContext& context, const Note& note, const
   for (const auto rows = database.openRecordset(
            "select a.AccessGroupId from AccGroupReaders as a, Readers as r where a.ReaderId = r.Id and "
            "r.StationId = " +
-           std::to_string(place.first) + " and r.ControllerAddress = " + std::to_string(place.second));
+           std::to_string(place.station) + " and r.ControllerAddress = " + std::to_string(place.address));
        !rows->eof(); rows->moveNext()) {
     groups.insert(nullToInt(rows->get(std::size_t{0})));
   }
@@ -108,21 +116,19 @@ bool finish(AccessContext& context, files::OwnedFile& file) {
 
 bool eraseCards(AccessContext& context, const ControllerPlace& place,
                 const std::vector<std::int32_t>& numbers) {
-  const auto [station, address] = place;
   Com& com = context.Com();
   bool confirmed = false;
-  context.attempt([&, station = station, address = address] {
-    if (!com.TestSend(station, address)) return;  // it would be passed over without a word
+  context.attempt([&] {
+    if (!com.TestSend(place.station, place.address)) return;  // it would be passed over without a word
     std::vector<std::string> lines;
     lines.reserve(numbers.size());
     for (const std::int32_t number : numbers) lines.push_back(clearCardLine(number));
-    context.CommandFile().write(lines);
-    confirmed = com.sendTested(station, address) == 0;
+    confirmed = com.sendLinesTested(lines, place) == 0;
   });
   if (confirmed) return true;
   com.errorList += "\r\n" + context.messages().read("msgCantSendCommand") + " (" +
-                   com.getName(station, address) + "): 09" + zeroPadded(numbers.front(), 4) + " - " +
-                   zeroPadded(numbers.back(), 4);
+                   com.getName(place.station, place.address) + "): 09" + zeroPadded(numbers.front(), 4) +
+                   " - " + zeroPadded(numbers.back(), 4);
   return false;
 }
 

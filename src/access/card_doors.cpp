@@ -76,10 +76,9 @@ std::vector<GrantedController> controllersOf(Database& database, std::int16_t ac
     if (controllers.empty() || controllers.back().station != station ||
         controllers.back().address != address) {
       const Value type = rows->get("ControllerType");
-      controllers.push_back({station,
+      controllers.push_back({{station, address},
                              rows->get("Name").toText(),
                              rows->get("Active").toBool(),
-                             address,
                              type.isNull() ? "" : type.toText(),
                              {}});
     }

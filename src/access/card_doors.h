@@ -4,7 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "access/card_record.h"
+#include "comm/com_types.h"
+#include "lines/card.h"
 
 namespace voxa {
 
@@ -19,11 +20,10 @@ struct GrantedDoor {
 };
 
 /// A controller with doors that an access group grants.
-struct GrantedController {
-  std::int16_t station = 0;
+/// Its address is 1 to 16, unless the reader's row is wrong.
+struct GrantedController : ControllerPlace {
   std::string stationName;
-  bool active = false;       ///< the station
-  std::int16_t address = 0;  ///< 1 to 16, unless the reader's row is wrong
+  bool active = false;  ///< the station
   std::string type;
   std::vector<GrantedDoor> doors;  ///< by position
 

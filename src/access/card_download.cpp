@@ -4,9 +4,9 @@
 
 #include "access/access_context.h"
 #include "access/card_doors.h"
+#include "access/card_record.h"
 #include "access/cardholder.h"
 #include "comm/com.h"
-#include "files/command_file.h"
 #include "files/conversions.h"
 #include "platform/clock.h"
 #include "platform/database/database.h"
@@ -40,9 +40,15 @@ void tellLeftOut(AccessContext& context, const Names& twoPrograms, const Names& 
   }
 }
 
-bool CardScope::covers(const GrantedController& controller) const {
-  return (!station || *station == controller.station) && (!address || *address == controller.address);
+namespace {
+
+bool covers(const CardScope& scope, const ControllerPlace& controller) {
+  if (!scope) return true;
+  const bool wholeStation = scope->address == CmToEachController;
+  return scope->station == controller.station && (wholeStation || scope->address == controller.address);
 }
+
+}  // namespace
 
 CardDownload::CardDownload(AccessContext& context, const CardScope& scope)
     : context_(context), cards_(context, context.Cardholders()), scope_(scope) {}
@@ -92,7 +98,7 @@ void CardDownload::refuse(Sending& sending, const std::string& why) {
 // Whether the controller has it all now, or needs nothing.
 bool CardDownload::sendTo(const GrantedController& controller, Sending& sending) {
   // Of a card that is sent to some controllers only, the flags stay as they are for the others.
-  if (!scope_.covers(controller)) return true;
+  if (!covers(scope_, controller)) return true;
   Com& com = context_.Com();
   if (!controller.active) {
     inactiveStations_.add(controller.stationName);
@@ -107,16 +113,16 @@ bool CardDownload::sendTo(const GrantedController& controller, Sending& sending)
   // Of one moment, and the file locked once; the send ends it before the driver is called.
   const Reading reading(database);
   if (!com.TestSend(controller.station, controller.address)) return complete_ = false;
-  context_.CommandFile().write(cardLines(sending.card, controller.rights(),
-                                         liftOutputs(database, sending.id, controller), controller.type,
-                                         context_.clock().now()));
-  const std::int16_t result = com.sendTested(controller.station, controller.address);
+  const std::vector<std::string> lines =
+      cardLines(sending.card, controller.rights(), liftOutputs(database, sending.id, controller),
+                controller.type, context_.clock().now());
+  const std::int16_t result = com.sendLinesTested(lines, controller);
   if (sending.status == 0) sending.status = result;
   return result == 0;
 }
 
 void CardDownload::tellOfTwoPrograms(const GrantedController& controller, std::int16_t group) {
-  if (!conflicts_.emplace(group, controller.station, controller.address).second) return;
+  if (!conflicts_.emplace(group, controller).second) return;
   twoPrograms_.add(shutSides(context_.database(), group, controller));
 }
 
@@ -154,7 +160,7 @@ void CardDownload::writeFlags(const Sent& card) {
   if (cards_.openWhere("Id = " + std::to_string(card.id))) return;  // deleted meanwhile
   Recordset& row = *cards_.currentRecordset();
   if (card.everywhere) {
-    if (!scope_.everywhere() || cards_.currentValues() != card.values) return;
+    if (scope_ || cards_.currentValues() != card.values) return;
   }
   row.edit();
   for (std::size_t part = 0; part < cardPartCount; ++part) {

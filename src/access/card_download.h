@@ -4,16 +4,14 @@
 #include <optional>
 #include <set>
 #include <string>
-#include <tuple>
 #include <vector>
 
-#include "access/card_record.h"
+#include "access/card_doors.h"
 #include "tables/gen_table.h"
 
 namespace voxa {
 
 class AccessContext;
-struct GrantedController;
 
 /// Texts in order, each once, as a message names them.
 class Names {
@@ -30,13 +28,9 @@ class Names {
 /// failure about stations that are not in use.
 void tellLeftOut(AccessContext& context, const Names& twoPrograms, const Names& inactiveStations);
 
-/// The controllers that a download of cards goes to: all, one station's, or one.
-struct CardScope {
-  std::optional<std::int16_t> station = {};
-  std::optional<std::int16_t> address = {};  ///< on that station
-  [[nodiscard]] bool everywhere() const { return !station; }
-  [[nodiscard]] bool covers(const GrantedController& controller) const;
-};
+/// The controllers that a download of cards goes to: all without a place, those of a station at address 0
+/// (CmToEachController), else one.
+using CardScope = std::optional<ControllerPlace>;
 
 /// Sends cards, one after the other, to the controllers of their access groups, and keeps the flags in step:
 /// a card's flags are cleared when every controller of its group has what the row said, and they are set
@@ -99,7 +93,7 @@ class CardDownload {
   bool complete_ = true;
   Names inactiveStations_;
   Names twoPrograms_;
-  std::set<std::tuple<std::int16_t, std::int16_t, std::int16_t>> conflicts_;  ///< group, station, address
+  std::set<std::pair<std::int16_t, ControllerPlace>> conflicts_;  ///< group and controller
 };
 
 }  // namespace voxa

@@ -10,7 +10,6 @@
 #include "comm/com.h"
 #include "comm/reader.h"
 #include "comm/station.h"
-#include "files/command_file.h"
 #include "files/conversions.h"
 #include "platform/database/database.h"
 
@@ -92,8 +91,7 @@ std::int16_t Cardholder::getFreeCardNum() {
 std::int16_t Cardholder::invalidate(std::int16_t cardNum, ComponentType compType,
                                     const std::string& compName) {
   return context_.attempt({"msgCantWriteCommand", "Cardholders.invalidate"}, [&] {
-    context_.CommandFile().write({clearCardLine(cardNum)});
-    return access_.Com().sendToComp(CmSendCommand, compType, compName);
+    return access_.Com().sendLines({clearCardLine(cardNum)}, compType, compName);
   });
 }
 
@@ -125,11 +123,11 @@ std::int16_t Cardholder::generalDownload(ComponentType compType, const std::stri
   std::int16_t station = 0;
   if (compType == CTStation) {
     if ((station = access_.Stations().getId(compName)) == -1) return -1;
-    scope.station = station;
+    scope = ControllerPlace{station, CmToEachController};
   } else if (compType == CTReader) {
     std::int16_t address = 0;
     if (access_.Readers().getControllerAddr(compName, station, address) != 0) return -1;
-    scope = {station, address};
+    scope = ControllerPlace{station, address};
   }
   CardParts anyway;
   if ((Params & (DLFull | DLMemErased)) != 0) anyway.set();

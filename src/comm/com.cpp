@@ -73,27 +73,28 @@ std::int16_t Com::sendToAnswering(ComCommandsEnum command, std::int16_t station)
   return 0;
 }
 
-std::int16_t Com::sendChecked(ComCommandsEnum command, Target target, bool silence, bool autodetection) {
+std::int16_t Com::sendChecked(ComCommandsEnum command, const ControllerPlace& target, bool silence,
+                              bool autodetection) {
   if (command < CmReadDate || command > CmDisconnect) {
     throw Error(err::invalidArgument, "Invalid argument: no such command");
   }
-  if (skipsTest(command, target.controller)) return sendNow(command, target, silence, autodetection, false);
+  if (skipsTest(command, target.address)) return sendNow(command, target, silence, autodetection, false);
   const Reading reading(*database());
-  if (TestSend(target.station, target.controller)) {
+  if (TestSend(target.station, target.address)) {
     return sendNow(command, target, silence, autodetection, true);
   }
   database()->endReading();
-  return target.controller != CmToEachController ? std::int16_t{0} : sendToAnswering(command, target.station);
+  return target.address != CmToEachController ? std::int16_t{0} : sendToAnswering(command, target.station);
 }
 
-std::int16_t Com::sendTested(std::int16_t StationID, std::int16_t ControllerAddr) {
-  return context_.attempt({"msgUnexpecErr", "Com.send"}, [&] {
-    return sendNow(CmSendCommand, {StationID, ControllerAddr}, false, false, true);
-  });
+std::int16_t Com::sendLinesTested(const std::vector<std::string>& lines, const ControllerPlace& place) {
+  context_.CommandFile().write(lines);
+  return context_.attempt({"msgUnexpecErr", "Com.send"},
+                          [&] { return sendNow(CmSendCommand, place, false, false, true); });
 }
 
-std::int16_t Com::sendNow(ComCommandsEnum command, Target target, bool silence, bool autodetection,
-                          bool tested) {
+std::int16_t Com::sendNow(ComCommandsEnum command, const ControllerPlace& target, bool silence,
+                          bool autodetection, bool tested) {
   const bool needsActive = !autodetection && command != CmConnect && command != CmDisconnect;
   bool active = needsActive && tested && isInUse(target.station);
   if (tested) database()->endReading();
@@ -102,19 +103,19 @@ std::int16_t Com::sendNow(ComCommandsEnum command, Target target, bool silence, 
   const LineSpan lines(context_);
   if (!lines.refusal().empty()) {
     if (!silence) {
-      errorList += crLf + lines.refusal() + " (" + getName(target.station, target.controller) + ")";
+      errorList += crLf + lines.refusal() + " (" + getName(target.station, target.address) + ")";
     }
     return err::permissionDenied;
   }
   if (command == CmSendCommand) context_.CommandFile().restore();
-  const std::int16_t driverAddress = toDriverAddress(target.controller);
+  const std::int16_t driverAddress = toDriverAddress(target.address);
   log(std::string(driverNames[command]) + "(" + std::to_string(target.station) + "," +
           std::to_string(driverAddress) + ")",
       command == CmSendCommand && context_.CommandFile().isFull, false);
   if (needsActive && !active) {
     const char* mnemonic = command == CmSendCommand ? "msgDownloadToUnactive" : "msgSendToUnactive";
     errorList +=
-        crLf + context_.messages().read(mnemonic) + " (" + getName(target.station, target.controller) + ")";
+        crLf + context_.messages().read(mnemonic) + " (" + getName(target.station, target.address) + ")";
     return -1;
   }
   const BusyPointer busy(context_.prompts());
@@ -123,7 +124,7 @@ std::int16_t Com::sendNow(ComCommandsEnum command, Target target, bool silence, 
   if (result == driverSuccess) return 0;
   if (silence) return result;
   const bool dateOfStation =
-      target.controller == CmToEachController && (command == CmSendDate || command == CmReadDate);
+      target.address == CmToEachController && (command == CmSendDate || command == CmReadDate);
   const std::int16_t reported = dateOfStation && isComFailure(result) ? perController : result;
   recordFailure(reported, command, target, driverAddress);
   return reported;
@@ -135,7 +136,8 @@ bool Com::isInUse(std::int16_t StationID) {
   return !row->eof() && row->get("Active").toBool();
 }
 
-std::int16_t Com::callDriver(ComCommandsEnum command, Target target, std::int16_t driverAddress) {
+std::int16_t Com::callDriver(ComCommandsEnum command, const ControllerPlace& target,
+                             std::int16_t driverAddress) {
   const std::int16_t station = target.station;
   switch (command) {
     case CmReadDate:
@@ -146,7 +148,7 @@ std::int16_t Com::callDriver(ComCommandsEnum command, Target target, std::int16_
       return inter_.readStatus(station, driverAddress);
     case cmReadMemory: {
       std::int16_t result = inter_.readMemory(station, driverAddress);
-      if (result > driverSuccess && ResetRSOUT(station, target.controller) != 0) {
+      if (result > driverSuccess && ResetRSOUT(station, target.address) != 0) {
         result = inter_.resetReadingPointer(station, driverAddress);
         if (result == driverSuccess) result = inter_.readMemory(station, driverAddress);
       }
@@ -156,7 +158,7 @@ std::int16_t Com::callDriver(ComCommandsEnum command, Target target, std::int16_
       return inter_.resetReadingPointer(station, driverAddress);
     case CmSendClear: {
       const std::int16_t result = inter_.sendClear(station, driverAddress);
-      if (result != driverSuccess) ResetRSOUT(station, target.controller);
+      if (result != driverSuccess) ResetRSOUT(station, target.address);
       return result;
     }
     case CmSendCommand:
@@ -169,7 +171,7 @@ std::int16_t Com::callDriver(ComCommandsEnum command, Target target, std::int16_
   return 0;
 }
 
-void Com::recordFailure(std::int16_t result, ComCommandsEnum command, Target target,
+void Com::recordFailure(std::int16_t result, ComCommandsEnum command, const ControllerPlace& target,
                         std::int16_t driverAddress) {
   Messages& strings = context_.messages();
   const std::string number = std::to_string(result);
@@ -177,7 +179,7 @@ void Com::recordFailure(std::int16_t result, ComCommandsEnum command, Target tar
   // 301 is the text of every failure on the line, whatever its number.
   if (isComFailure(result) && command != CmSendCommand) errorList = head + strings.read("msgComErr301");
   if (errorList.empty()) errorList = head + strings.read("msgComErr" + number);
-  if (isComFailure(result)) errorList += crLf + getName(target.station, target.controller);
+  if (isComFailure(result)) errorList += crLf + getName(target.station, target.address);
   if (result != perController) return;
   if (driverAddress == CmToEachController) {
     const StationResult answers = readStationResult(context_, resultFileName(target.station));
@@ -185,7 +187,7 @@ void Com::recordFailure(std::int16_t result, ComCommandsEnum command, Target tar
       if (answers.failed(address)) errorList += crLf + getName(target.station, address);
     }
   } else if (driverAddress != CmToAllControllers) {
-    errorList += crLf + getName(target.station, target.controller);
+    errorList += crLf + getName(target.station, target.address);
   }
 }
 

@@ -50,9 +50,13 @@ class Com : public Paths {
   [[nodiscard]] bool TestSend(std::int16_t StationID, std::int16_t controllerID);
   /// Whether the station is there and in use; without a word when it is not.
   [[nodiscard]] bool isInUse(std::int16_t StationID);
-  /// Send(CmSendCommand) to a controller of which TestSend has just said that it may be addressed. Ends a
-  /// Reading that both are part of before the driver is called.
-  std::int16_t sendTested(std::int16_t StationID, std::int16_t ControllerAddr);
+  /// Writes command lines into the command file and sends it: to a component; to a controller; to one of
+  /// which TestSend has just said that it may be addressed, which ends a Reading of the main database before
+  /// the driver is called.
+  std::int16_t sendLines(const std::vector<std::string>& lines, ComponentType compType,
+                         const std::string& compName);
+  std::int16_t sendLines(const std::vector<std::string>& lines, const ControllerPlace& place);
+  std::int16_t sendLinesTested(const std::vector<std::string>& lines, const ControllerPlace& place);
   /// Refreshes the status of the component's controllers; true when every station could be read and no
   /// controller is marked as not answering.
   bool TestCom(ComponentType compType = CTActiveStations, const std::string& compName = "");
@@ -64,6 +68,13 @@ class Com : public Paths {
   /// stops no other. controllerID changes nothing: a station is read as a whole.
   void UpdateComStatus(std::optional<std::int16_t> StationID = {},
                        std::optional<std::int16_t> controllerID = {});
+  /// What came of UpdateComStatus, the worst of all stations.
+  enum class Refresh : std::uint8_t {
+    read,        ///< the driver has told who answers
+    unanswered,  ///< it failed as a whole, which stands in errorList
+    broken       ///< nobody could be asked, which has been shown
+  };
+  Refresh refresh(std::optional<std::int16_t> onlyStation);
   void updateDBComStatus(std::int16_t StationID, std::int16_t controllerID, std::int16_t Status,
                          DateTime mDate);
   /// A controller has just answered, whatever the last test found: what is sent does not pass it over.
@@ -102,26 +113,23 @@ class Com : public Paths {
  private:
   static constexpr std::int16_t perController = 247;  // the station result file tells who did not answer
 
-  struct Target {
-    std::int16_t station;
-    std::int16_t controller;
-  };
-
-  std::int16_t sendChecked(ComCommandsEnum command, Target target, bool silence, bool autodetection);
+  std::int16_t sendChecked(ComCommandsEnum command, const ControllerPlace& target, bool silence,
+                           bool autodetection);
   /// Behind the test whether the target answers. tested: it was made within a Reading, which ends here.
-  std::int16_t sendNow(ComCommandsEnum command, Target target, bool silence, bool autodetection, bool tested);
+  std::int16_t sendNow(ComCommandsEnum command, const ControllerPlace& target, bool silence,
+                       bool autodetection, bool tested);
   std::int16_t sendToAnswering(ComCommandsEnum command, std::int16_t station);
-  std::int16_t callDriver(ComCommandsEnum command, Target target, std::int16_t driverAddress);
-  void recordFailure(std::int16_t result, ComCommandsEnum command, Target target, std::int16_t driverAddress);
+  std::int16_t callDriver(ComCommandsEnum command, const ControllerPlace& target, std::int16_t driverAddress);
+  void recordFailure(std::int16_t result, ComCommandsEnum command, const ControllerPlace& target,
+                     std::int16_t driverAddress);
   std::int16_t eachActiveStation(ComCommandsEnum command, std::int16_t address);
-  /// UpdateComStatus; false when a station could not be read.
-  bool refresh(std::optional<std::int16_t> onlyStation);
-  bool refreshStation(std::int16_t station);
+  Refresh refreshStation(std::int16_t station);
   bool readStation(std::int16_t station);
   /// Marks the component's controllers that are not known to answer; false when all are marked already.
   bool markUnknown(ComponentType compType, const std::string& compName);
   void storeStation(std::int16_t station, const StationResult& result);
-  [[nodiscard]] std::vector<Target> notAnswering(ComponentType compType, const std::string& compName);
+  [[nodiscard]] std::vector<ControllerPlace> notAnswering(ComponentType compType,
+                                                          const std::string& compName);
   [[nodiscard]] std::string resultFileName(std::int16_t station) const;
   void removeResultFile(std::int16_t station) const;  // if there is one
   [[nodiscard]] std::shared_ptr<Database> database();

@@ -53,12 +53,20 @@ std::int16_t Com::sendToComp(ComCommandsEnum command, ComponentType compType, co
   return context_.attempt({"msgUnexpecErr", "Com.sendToComp"}, [&] { requireKnown(compType); });
 }
 
+std::int16_t Com::sendLines(const std::vector<std::string>& lines, ComponentType compType,
+                            const std::string& compName) {
+  context_.CommandFile().write(lines);
+  return sendToComp(CmSendCommand, compType, compName);
+}
+
+std::int16_t Com::sendLines(const std::vector<std::string>& lines, const ControllerPlace& place) {
+  context_.CommandFile().write(lines);
+  return Send(CmSendCommand, place.station, place.address);
+}
+
 std::int16_t Com::sendCommand(const std::string& commandCode, ComponentType compType,
                               const std::string& compName) {
-  const std::int16_t result = context_.attempt([&] {
-    context_.CommandFile().write({commandCode});
-    return sendToComp(CmSendCommand, compType, compName);
-  });
+  const std::int16_t result = context_.attempt([&] { return sendLines({commandCode}, compType, compName); });
   if (result != 0) context_.report({"msgCantSendCommand", "Com.SendCommand", Value(popErrorList())});
   return result;
 }

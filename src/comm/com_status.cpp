@@ -1,6 +1,8 @@
 // Which controllers answer: the table ComStatus, its refresh from the station result files, the question
 // whether to go on without those that do not answer.
 
+#include <algorithm>
+
 #include "comm/com.h"
 #include "comm/com_status_table.h"
 #include "comm/comm_context.h"
@@ -93,8 +95,8 @@ void Com::UpdateComStatus(std::optional<std::int16_t> StationID,
   (void)refresh(StationID);
 }
 
-bool Com::refresh(std::optional<std::int16_t> onlyStation) {
-  bool allRead = true;
+Com::Refresh Com::refresh(std::optional<std::int16_t> onlyStation) {
+  Refresh worst = Refresh::read;
   const std::int16_t failed = context_.attempt(cantRefresh(), [&] {
     std::string query = "select Id From Stations where Active = true";
     if (onlyStation) {
@@ -104,23 +106,24 @@ bool Com::refresh(std::optional<std::int16_t> onlyStation) {
     }
     const auto stations = database()->openRecordset(query);
     for (; !stations->eof(); stations->moveNext()) {
-      allRead = refreshStation(stations->get("Id").toInt16()) && allRead;
+      worst = std::max(worst, refreshStation(stations->get("Id").toInt16()));
     }
   });
-  return failed == 0 && allRead;
+  return failed == 0 ? worst : Refresh::broken;
 }
 
-bool Com::refreshStation(std::int16_t station) {
+Com::Refresh Com::refreshStation(std::int16_t station) {
   bool read = false;
   answering_[station].clear();
-  context_.attempt(cantRefresh(), [&] {
+  const std::int16_t failed = context_.attempt(cantRefresh(), [&] {
     try {
       read = readStation(station);
     } catch (const Error& failure) {
       throw Error(failure.number(), getName(station, CmToEachController) + ": " + failure.description());
     }
   });
-  return read;
+  if (failed != 0) return Refresh::broken;
+  return read ? Refresh::read : Refresh::unanswered;
 }
 
 bool Com::readStation(std::int16_t station) {
@@ -163,11 +166,11 @@ bool Com::TestCom(ComponentType compType, const std::string& compName) {
   bool allAnswer = false;
   context_.attempt({"msgUnexpecErr", "Com.TestCom"}, [&] {
     requireKnown(compType);
-    bool allRead = true;
+    Refresh read = Refresh::read;
     std::string query;
     switch (compType) {
       case CTActiveStations:
-        allRead = refresh({});
+        read = refresh({});
         query =
             "select * From ComStatus, Stations where ComStatus.StationID = Stations.ID and "
             "abs(Stations.Active)=1 ";
@@ -175,7 +178,7 @@ bool Com::TestCom(ComponentType compType, const std::string& compName) {
       case CTStation: {
         const auto stations =
             database()->openRecordset("select * From Stations where Stations.Name = '" + compName + "'");
-        if (!stations->eof()) allRead = refresh(stations->get("Id").toInt16());
+        if (!stations->eof()) read = refresh(stations->get("Id").toInt16());
         query =
             "select * From ComStatus, Stations where ComStatus.StationID = Stations.ID and "
             "abs(Stations.Active)=1 and Stations.Name = '" +
@@ -185,7 +188,7 @@ bool Com::TestCom(ComponentType compType, const std::string& compName) {
       case CTReader: {
         const auto readers =
             database()->openRecordset("select * From Readers where  Readers.Name = '" + compName + "'");
-        if (!readers->eof()) allRead = refresh(readers->get("StationID").toInt16());
+        if (!readers->eof()) read = refresh(readers->get("StationID").toInt16());
         query =
             "select * From ComStatus, Readers where CtrAddr = Readers.ControllerAddress and  "
             "ComStatus.StationID=[Readers].[StationID] and Readers.Name = '" +
@@ -194,7 +197,7 @@ bool Com::TestCom(ComponentType compType, const std::string& compName) {
       }
     }
     const auto rows = database()->openRecordset(query);
-    allAnswer = allRead;
+    allAnswer = read == Refresh::read;
     for (; !rows->eof() && allAnswer; rows->moveNext()) {
       allAnswer = rows->get("Status") != Value(notAnswered);
     }
@@ -202,7 +205,7 @@ bool Com::TestCom(ComponentType compType, const std::string& compName) {
   return allAnswer;
 }
 
-std::vector<Com::Target> Com::notAnswering(ComponentType compType, const std::string& compName) {
+std::vector<ControllerPlace> Com::notAnswering(ComponentType compType, const std::string& compName) {
   std::string query;
   std::string station = "StationID";
   switch (compType) {
@@ -225,7 +228,7 @@ std::vector<Com::Target> Com::notAnswering(ComponentType compType, const std::st
       break;
   }
   const auto rows = database()->openRecordset(query);
-  std::vector<Target> found;
+  std::vector<ControllerPlace> found;
   for (; !rows->eof(); rows->moveNext()) {
     found.push_back({rows->get(station).toInt16(), rows->get("CtrAddr").toInt16()});
   }
@@ -238,10 +241,11 @@ bool Com::MsgChooseAbort(ComponentType compType, const std::string& compName) {
     requireKnown(compType);
     Messages& strings = context_.messages();
     for (;;) {
-      const std::vector<Target> silent = notAnswering(compType, compName);
+      const std::vector<ControllerPlace> silent = notAnswering(compType, compName);
       if (silent.empty()) return;
       std::string question = strings.read("msgChooseAbort1");
-      for (const Target& target : silent) question += "\r\n" + getName(target.station, target.controller);
+      for (const ControllerPlace& target : silent)
+        question += "\r\n" + getName(target.station, target.address);
       for (const char* text : {"msgChooseAbort2", "msgChooseAbort3", "msgChooseAbort4"}) {
         question += "\r\n" + strings.read(text);
       }
@@ -269,7 +273,7 @@ std::vector<ControllerPlace> Com::notKnownToAnswer(ComponentType compType, const
     if (rows->get("Status") == Value(notAnswered)) {
       silent.insert(place);
       if (concerns(CTStation, rows->get("Name"))) found.insert(place);
-    } else if (!answering_.contains(place.first) || answering_[place.first].contains(place.second)) {
+    } else if (!answering_.contains(place.station) || answering_[place.station].contains(place.address)) {
       answering.insert(place);
     }
   }

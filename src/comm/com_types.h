@@ -1,7 +1,7 @@
 #pragma once
 
+#include <compare>
 #include <cstdint>
-#include <utility>
 
 #include "platform/driver/driver.h"
 #include "platform/error.h"
@@ -27,8 +27,12 @@ enum ComSpecialController : std::int16_t {
   CmToAllControllers = 95  ///< broadcast on the station's line; nobody acknowledges
 };
 
-/// Station and address of a controller.
-using ControllerPlace = std::pair<std::int16_t, std::int16_t>;
+/// Where a controller is.
+struct ControllerPlace {
+  std::int16_t station = 0;
+  std::int16_t address = 0;  ///< on the station's line, 1 to 16, or one of ComSpecialController
+  friend auto operator<=>(const ControllerPlace&, const ControllerPlace&) = default;
+};
 
 /// Bit flags of every download.
 enum DownloadParams : std::int16_t {

@@ -3,7 +3,6 @@
 #include "comm/com.h"
 #include "comm/comm_context.h"
 #include "comm/reader.h"
-#include "files/command_file.h"
 #include "platform/database/database.h"
 #include "tables/gen_table.h"
 
@@ -26,8 +25,7 @@ std::int16_t sendRow(CommContext& context, GenTable& rows, const RowDownload& wh
                      const Component& component, std::vector<Value>& sent) {
   sent = rows.currentValues();
   requireAddress(context.database(), component);
-  context.CommandFile().write(what.lines(*rows.currentRecordset()));
-  return context.Com().sendToComp(CmSendCommand, component.type, component.name);
+  return context.Com().sendLines(what.lines(*rows.currentRecordset()), component.type, component.name);
 }
 
 }  // namespace

@@ -195,8 +195,7 @@ void Station::SendSpeed(std::int16_t StationID, std::int32_t Speed) {
   for (const std::int32_t candidate : lineSpeeds) {
     if (candidate == Speed) continue;
     createIniFile(StationID, 0, candidate);
-    context_.CommandFile().write({command, command, command});
-    comm_.Com().Send(CmSendCommand, StationID, CmToAllControllers);
+    comm_.Com().sendLines({command, command, command}, ControllerPlace{StationID, CmToAllControllers});
   }
 }
 

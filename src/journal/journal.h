@@ -77,15 +77,11 @@ class Journal : public Table {
  private:
   class AutoRun;
 
-  struct Source {
-    std::int16_t station;
-    std::int16_t controller;  ///< 0: the whole station
-  };
   /// What tells the reads on request from those of a run.
   struct Route {
     std::function<std::int16_t(ComCommandsEnum)> send;
     /// Asked once the memory was read; none ends the read.
-    std::function<std::optional<Source>()> source;
+    std::function<std::optional<ControllerPlace>()> source;
     /// Tells of a failure: mnemonic, detail, and the current error, which it clears.
     std::function<void(const char*, const std::string&)> fail;
   };
@@ -95,12 +91,12 @@ class Journal : public Table {
   using Fails = std::function<void(const char* mnemonic, const std::string& detail)>;
 
   /// One controller, when it answers; 0, or the result of what failed.
-  std::int16_t readController(const Source& source, const Begins& begins, const Fails& fails);
+  std::int16_t readController(const ControllerPlace& source, const Begins& begins, const Fails& fails);
   std::int16_t transfer(const Route& route);
-  std::string takeIn(const Source& source);
-  std::optional<Source> sourceOf(ComponentType compType, const std::string& compName);
+  std::string takeIn(const ControllerPlace& source);
+  std::optional<ControllerPlace> sourceOf(ComponentType compType, const std::string& compName);
 
-  [[nodiscard]] static std::string makeFileName(const Source& source);
+  [[nodiscard]] static std::string makeFileName(const ControllerPlace& source);
   static void rotateFile(const std::string& baseName);
   std::string decodeFile(std::int16_t stationId, const std::string& baseName);
   void archiveFile(const std::string& baseName);

@@ -59,7 +59,7 @@ class Journal::AutoRun {
   std::int16_t begin(std::int16_t station);
   void hangUp();
   std::int16_t dial(std::int16_t station);
-  std::int16_t readController(const Source& source);
+  std::int16_t readController(const ControllerPlace& source);
   [[nodiscard]] Database& database() const;
 
   Journal& journal_;
@@ -121,8 +121,8 @@ std::int16_t Journal::AutoRun::begin(std::int16_t station) {
   return dialUp->eof() ? std::int16_t{0} : dial(station);
 }
 
-std::int16_t Journal::AutoRun::readController(const Source& source) {
-  log_.write("LogControllerStart", stationName_ + " - " + std::to_string(source.controller));
+std::int16_t Journal::AutoRun::readController(const ControllerPlace& source) {
+  log_.write("LogControllerStart", stationName_ + " - " + std::to_string(source.address));
   const std::int16_t result = journal_.readController(
       source,
       [&](ComCommandsEnum command) {

@@ -10,7 +10,8 @@
 
 namespace voxa {
 
-std::int16_t Journal::readController(const Source& source, const Begins& begins, const Fails& fails) {
+std::int16_t Journal::readController(const ControllerPlace& source, const Begins& begins,
+                                     const Fails& fails) {
   Com& com = access_.Com();
   const auto fail = [&](const char* mnemonic, const std::string& why) {
     std::string detail = why;
@@ -20,8 +21,8 @@ std::int16_t Journal::readController(const Source& source, const Begins& begins,
     fails(mnemonic, detail);
   };
   const std::int16_t answer = context_.attempt([&] {
-    const std::int16_t result = com.Send(CmReadDate, source.station, source.controller);
-    if (result == 0 && !com.inhibitCom) com.noteAnswer(source.station, source.controller);
+    const std::int16_t result = com.Send(CmReadDate, source.station, source.address);
+    if (result == 0 && !com.inhibitCom) com.noteAnswer(source.station, source.address);
     return result;
   });
   if (answer != 0) {
@@ -30,7 +31,7 @@ std::int16_t Journal::readController(const Source& source, const Begins& begins,
   }
   const auto send = [&](ComCommandsEnum command) {
     if (!com.inhibitCom) begins(command);
-    return com.Send(command, source.station, source.controller);
+    return com.Send(command, source.station, source.address);
   };
   return transfer({send, [&] { return source; }, fail});
 }

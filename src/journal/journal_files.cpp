@@ -25,8 +25,8 @@ void setAsideDump() {
   files::rename(dumpFile, name());
 }
 
-std::string Journal::makeFileName(const Source& source) {
-  return "J" + zeroPadded(source.station, 3) + zeroPadded(source.controller, 2);
+std::string Journal::makeFileName(const ControllerPlace& source) {
+  return "J" + zeroPadded(source.station, 3) + zeroPadded(source.address, 2);
 }
 
 void Journal::rotateFile(const std::string& baseName) {

@@ -20,11 +20,11 @@ constexpr const char* cantTransfer = "msgCantTransferTransac";
 
 }  // namespace
 
-std::optional<Journal::Source> Journal::sourceOf(ComponentType compType, const std::string& compName) {
-  Source source{0, CmToEachController};
+std::optional<ControllerPlace> Journal::sourceOf(ComponentType compType, const std::string& compName) {
+  ControllerPlace source{0, CmToEachController};
   bool found = false;
   if (compType == CTReader) {
-    found = access_.Readers().getControllerAddr(compName, source.station, source.controller) == 0;
+    found = access_.Readers().getControllerAddr(compName, source.station, source.address) == 0;
   } else if (compType == CTStation) {
     source.station = access_.Stations().getId(compName);
     found = source.station != -1;
@@ -32,7 +32,7 @@ std::optional<Journal::Source> Journal::sourceOf(ComponentType compType, const s
   return found ? std::optional(source) : std::nullopt;
 }
 
-std::string Journal::takeIn(const Source& source) {
+std::string Journal::takeIn(const ControllerPlace& source) {
   const std::string baseName = makeFileName(source);
   rotateFile(baseName);
   std::string undecoded;
@@ -62,7 +62,7 @@ std::int16_t Journal::transfer(const Route& route) {
       partial = failed;
       route.fail(cantTransfer, com.popErrorList());
     }
-    const std::optional<Source> source = route.source();
+    const std::optional<ControllerPlace> source = route.source();
     if (!source) {
       ended = true;
       return -1;

@@ -6,12 +6,12 @@
 #include "lines/code.h"
 #include "lines/controller_date.h"
 #include "platform/clock.h"
+#include "platform/database/database.h"
 #include "platform/datetime.h"
 #include "platform/text.h"
-#include "work/refusal.h"
-#include "platform/database/database.h"
 #include "work/installation.h"
 #include "work/look_up.h"
+#include "work/refusal.h"
 #include "work/words.h"
 
 namespace voxa {

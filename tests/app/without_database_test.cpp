@@ -86,7 +86,7 @@ TEST_P(WithoutDatabase, EveryMemberSaysSo) {
                    CALL(qdb.Journal().readAuto()),
                    CALL(com.Send(CmSendDate, 1, 1)),
                    CALL(com.Send(CmReadDate, 1)),
-                   CALL(com.sendTested(1, 1)),
+                   CALL(com.sendLinesTested({"31"}, {1, 1})),
                    CALL(com.ResetRSOUT(1, 0)),
                    CALL(com.sendBrodcast(CmSendDate)),
                    CALL(com.sendToActiveStations(CmSendDate)),

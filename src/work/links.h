@@ -7,23 +7,24 @@ namespace voxa {
 class Recordset;
 }
 
-namespace voxa::cli {
+namespace voxa {
 
-class Session;
+class Installation;
 
 /// The row that links a reader to an access group; no rows when there is none.
-[[nodiscard]] std::unique_ptr<Recordset> linkOf(Session& session, std::int16_t group, std::int32_t reader);
+[[nodiscard]] std::unique_ptr<Recordset> linkOf(Installation& installation, std::int16_t group,
+                                                std::int32_t reader);
 /// Lets the group's cards open the reader's door by a weekly program of family C, in place of the one it may
 /// have; marks the link, the group and its cards when there are any.
-void linkReader(Session& session, std::int16_t group, std::int32_t reader, std::int16_t program);
+void linkReader(Installation& installation, std::int16_t group, std::int32_t reader, std::int16_t program);
 /// Whether a reader other than that one is at an address: its controller is there already.
-[[nodiscard]] bool isKnownController(Session& session, std::int16_t station, std::int16_t address,
+[[nodiscard]] bool isKnownController(Installation& installation, std::int16_t station, std::int16_t address,
                                      std::int32_t otherThan);
 /// Marks all programs and holidays to be sent: there is a controller that may hold none of them, and would
 /// judge by what it has, "no holiday" for one. The others get them once more.
-void markProgramsForNewController(Session& session);
+void markProgramsForNewController(Installation& installation);
 /// What a new reader begins with: the default group opens it always. Cards of that group are sent to its
 /// controller now; they stay marked when that fails, which has been shown.
-void linkNewReader(Session& session, std::int16_t reader);
+void linkNewReader(Installation& installation, std::int16_t reader);
 
-}  // namespace voxa::cli
+}  // namespace voxa

@@ -9,9 +9,9 @@
 
 #include "access/card_doors.h"
 
-namespace voxa::cli {
+namespace voxa {
 
-class Session;
+class Installation;
 
 // A download goes to the controllers of a card's present group, and adds. So whatever takes a controller, or
 // a lift output there, away from cards lets the controller erase them first; a card that it is to keep is
@@ -22,7 +22,7 @@ struct ReachedController {
   GrantedController controller;
   std::set<std::int16_t> lifts;
 };
-[[nodiscard]] std::vector<ReachedController> reachOf(Session& session, std::int16_t group);
+[[nodiscard]] std::vector<ReachedController> reachOf(Installation& installation, std::int16_t group);
 
 /// What of `reach` is not in `other`: controllers, and those with lift outputs more than there. Of the reach
 /// that cards had, to the one they will have: who has to erase them first. The other way round: who may know
@@ -34,15 +34,15 @@ struct ReachedController {
 struct CardsOfGroup {
   std::vector<std::int32_t> live, deleted;
 };
-[[nodiscard]] CardsOfGroup cardsOf(Session& session, std::int16_t group);
+[[nodiscard]] CardsOfGroup cardsOf(Installation& installation, std::int16_t group);
 
 /// Marks a group that has cards, and these as a whole, after a change of its doors.
-void markGroup(Session& session, std::int16_t group);
+void markGroup(Installation& installation, std::int16_t group);
 
 /// Cards that controllers are to erase now. To be sent before the rows change.
 class ForgetCards {
  public:
-  explicit ForgetCards(Session& session) : session_(session) {}
+  explicit ForgetCards(Installation& installation) : installation_(installation) {}
 
   void on(const std::vector<GrantedController>& controllers, const std::vector<std::int32_t>& numbers);
   /// Tests the controllers and lets them erase the cards. When one of them does not answer, or its line is
@@ -59,8 +59,8 @@ class ForgetCards {
   void requireAnswers();
   bool erase(const Erasing& erasing);
 
-  Session& session_;
-  std::map<std::pair<std::int16_t, std::int16_t>, Erasing> erasing_;  // by station and address
+  Installation& installation_;
+  std::map<ControllerPlace, Erasing> erasing_;
 };
 
-}  // namespace voxa::cli
+}  // namespace voxa

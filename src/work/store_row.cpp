@@ -1,13 +1,14 @@
-#include "store_row.h"
+#include "work/store_row.h"
 
 #include <algorithm>
 
-#include "app/qdb.h"
 #include "platform/text.h"
-#include "session.h"
 #include "work/refusal.h"
 
-namespace voxa::cli {
+#include "platform/database/database.h"
+#include "work/installation.h"
+
+namespace voxa {
 
 namespace {
 
@@ -48,12 +49,14 @@ std::string nameOf(const Recordset& row, const IndexDef& primary) {
 }
 
 /// A Refusal when a row of the table has what the row that could not be saved has.
-void nameOther(Session& session, const Recordset& row, const std::string& table, const std::string& noun) {
-  const TableDef& definition = session.qdb().database().tableDef(table);
+void nameOther(Installation& installation, const Recordset& row, const std::string& table,
+               const std::string& noun) {
+  const TableDef& definition = installation.database().tableDef(table);
   const auto primary = std::find_if(definition.indexes.begin(), definition.indexes.end(),
                                     [](const IndexDef& index) { return index.primary; });
   if (primary == definition.indexes.end()) return;
-  for (const auto other = session.rows("select * from " + table); !other->eof(); other->moveNext()) {
+  for (const auto other = installation.database().openRecordset("select * from " + table); !other->eof();
+       other->moveNext()) {
     if (sameFields(row, *other, *primary)) continue;  // itself
     for (const IndexDef& index : definition.indexes) {
       if (!index.unique || index.primary || !sameFields(row, *other, index)) continue;
@@ -66,13 +69,13 @@ void nameOther(Session& session, const Recordset& row, const std::string& table,
 
 }  // namespace
 
-void storeRow(Session& session, Recordset& row, const std::string& table, const std::string& noun) {
+void storeRow(Installation& installation, Recordset& row, const std::string& table, const std::string& noun) {
   try {
     row.update();
   } catch (const Error& failure) {
-    if (failure.number() == err::dbDuplicate) nameOther(session, row, table, noun);
+    if (failure.number() == err::dbDuplicate) nameOther(installation, row, table, noun);
     throw;
   }
 }
 
-}  // namespace voxa::cli
+}  // namespace voxa

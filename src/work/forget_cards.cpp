@@ -1,23 +1,23 @@
-#include "forget_cards.h"
+#include "work/forget_cards.h"
 
 #include <algorithm>
 
 #include "access/card_record.h"
-#include "app/qdb.h"
 #include "comm/com.h"
 #include "files/command_file.h"
-#include "messages/strings.h"
-#include "session.h"
 #include "work/card_values.h"
 #include "work/refusal.h"
 
-namespace voxa::cli {
+#include "platform/database/database.h"
+#include "work/installation.h"
 
-std::vector<ReachedController> reachOf(Session& session, std::int16_t group) {
+namespace voxa {
+
+std::vector<ReachedController> reachOf(Installation& installation, std::int16_t group) {
   std::vector<ReachedController> reach;
-  for (GrantedController& controller : controllersOf(session.qdb().database(), group)) {
+  for (GrantedController& controller : controllersOf(installation.database(), group)) {
     ReachedController& reached = reach.emplace_back();
-    const auto outputs = session.rows(
+    const auto outputs = installation.database().openRecordset(
         "select Alarms.Num from LiftGroup inner join Alarms on LiftGroup.LiftNum = Alarms.Id "
         "where Alarms.Type = 'M' and LiftGroup.AccessGroup = " +
         std::to_string(group) + " and Alarms.StationId = " + std::to_string(controller.station) +
@@ -42,9 +42,9 @@ std::vector<GrantedController> without(const std::vector<ReachedController>& rea
   return controllers;
 }
 
-CardsOfGroup cardsOf(Session& session, std::int16_t group) {
+CardsOfGroup cardsOf(Installation& installation, std::int16_t group) {
   CardsOfGroup cards;
-  const auto rows = session.rows(
+  const auto rows = installation.database().openRecordset(
       "select CardNum, Deleted, CardCodeFlagD from Cardholders where CardNum is not null and AccessGroupId "
       "= " +
       std::to_string(group));
@@ -56,12 +56,12 @@ CardsOfGroup cardsOf(Session& session, std::int16_t group) {
   return cards;
 }
 
-void markGroup(Session& session, std::int16_t group) {
+void markGroup(Installation& installation, std::int16_t group) {
   const std::string id = std::to_string(group);
-  const auto cards =
-      session.rows("select * from Cardholders where Deleted = false and AccessGroupId = " + id);
+  const auto cards = installation.database().openRecordset(
+      "select * from Cardholders where Deleted = false and AccessGroupId = " + id);
   if (cards->eof()) return;
-  const auto row = session.rows("select * from AccessGroups where Id = " + id);
+  const auto row = installation.database().openRecordset("select * from AccessGroups where Id = " + id);
   row->edit();
   row->set("FlagD", true);
   row->update();
@@ -76,61 +76,61 @@ void ForgetCards::on(const std::vector<GrantedController>& controllers,
                      const std::vector<std::int32_t>& numbers) {
   if (numbers.empty()) return;
   for (const GrantedController& controller : controllers) {
-    Erasing& erasing = erasing_[{controller.station, controller.address}];
+    Erasing& erasing = erasing_[controller];
     erasing.controller = controller;
     erasing.numbers.insert(numbers.begin(), numbers.end());
   }
 }
 
 void ForgetCards::send() {
-  if (erasing_.empty() || session_.com().inhibitCom) return;
+  if (erasing_.empty() || installation_.Com().inhibitCom) return;
   requireAnswers();
   std::set<std::int32_t> numbers;
   for (const auto& [place, erasing] : erasing_) {
     numbers.insert(erasing.numbers.begin(), erasing.numbers.end());
   }
-  markWhole(session_.library(), numbers);
+  markWhole(installation_, numbers);
   std::string failures;
   for (const auto& [place, erasing] : erasing_) {
-    if (!erase(erasing)) failures += session_.com().popErrorList();
+    if (!erase(erasing)) failures += installation_.Com().popErrorList();
   }
   if (failures.empty()) return;
-  throw Refusal(session_.strings().read("msgCantSendCommand") + failures +
+  throw Refusal(installation_.messages().read("msgCantSendCommand") + failures +
                 "\nNothing else is changed: the controllers must erase the cards first. The cards are marked "
                 "to be sent again.");
 }
 
 void ForgetCards::requireAnswers() {
-  Com& com = session_.com();
-  const int failures = session_.prompts().failuresShown();
+  Com& com = installation_.Com();
+  auto read = Com::Refresh::read;
   std::set<std::int16_t> tested;
   for (const auto& [place, erasing] : erasing_) {
-    if (erasing.controller.active && tested.insert(place.first).second) com.UpdateComStatus(place.first);
+    if (erasing.controller.active && tested.insert(place.station).second) {
+      read = std::max(read, com.refresh(place.station));
+    }
   }
   const auto unknown = com.notKnownToAnswer(CTActiveStations, "");
   std::string silent;
   for (const auto& [place, erasing] : erasing_) {
     const bool active = erasing.controller.active;
-    const bool answers = com.TestSend(place.first, place.second) &&
+    const bool answers = com.TestSend(place.station, place.address) &&
                          std::find(unknown.begin(), unknown.end(), place) == unknown.end();
     if (active && answers) continue;
-    silent += "\n  " + com.getName(place.first, place.second) + (active ? "" : ": the line is not in use");
+    silent += "\n  " + com.getName(place.station, place.address) + (active ? "" : ": the line is not in use");
   }
   (void)com.popErrorList();  // of the test: it names the same controllers
-  if (session_.prompts().failuresShown() != failures) {
+  if (read == Com::Refresh::broken) {
     throw Refusal("the controllers cannot be tested: nothing is changed");
   }
   if (silent.empty()) return;
-  throw Refusal(session_.strings().read("msgComErr247") + ":" + silent +
+  throw Refusal(installation_.messages().read("msgComErr247") + ":" + silent +
                 "\nNothing is changed: they must erase the cards first.");
 }
 
 bool ForgetCards::erase(const Erasing& erasing) {
   std::vector<std::string> lines;
   for (const std::int32_t number : erasing.numbers) lines.push_back(clearCardLine(number));
-  session_.library().CommandFile().write(lines);
-  const GrantedController& controller = erasing.controller;
-  return session_.com().Send(CmSendCommand, controller.station, controller.address) == 0;
+  return installation_.Com().sendLines(lines, erasing.controller) == 0;
 }
 
-}  // namespace voxa::cli
+}  // namespace voxa

@@ -1,0 +1,70 @@
+#include "work/links.h"
+
+#include "access/access_group.h"
+#include "work/forget_cards.h"
+
+#include "platform/database/database.h"
+#include "work/installation.h"
+
+namespace voxa {
+
+namespace {
+
+constexpr std::int16_t defaultGroup = 0;
+constexpr std::int16_t always = 0;
+
+}  // namespace
+
+std::unique_ptr<Recordset> linkOf(Installation& installation, std::int16_t group, std::int32_t reader) {
+  return installation.database().openRecordset(
+      "select * from AccGroupReaders where AccessGroupId = " + std::to_string(group) +
+      " and ReaderId = " + std::to_string(reader));
+}
+
+void linkReader(Installation& installation, std::int16_t group, std::int32_t reader, std::int16_t program) {
+  const bool cards = !cardsOf(installation, group).live.empty();
+  Transaction transaction(installation.engine(), installation.database());
+  const auto link = linkOf(installation, group, reader);
+  if (link->eof()) {
+    link->addNew();
+    link->set("AccessGroupId", group);
+    link->set("ReaderId", reader);
+  } else {
+    link->edit();
+  }
+  link->set("WeeklyProgType", "C");
+  link->set("WeeklyProgNum", program);
+  link->set("FlagD", cards);
+  link->update();
+  markGroup(installation, group);
+  transaction.commit();
+}
+
+bool isKnownController(Installation& installation, std::int16_t station, std::int16_t address,
+                       std::int32_t otherThan) {
+  return !installation.database()
+              .openRecordset("select Id from Readers where StationId = " + std::to_string(station) +
+                             " and ControllerAddress = " + std::to_string(address) + " and Id <> " +
+                             std::to_string(otherThan))
+              ->eof();
+}
+
+void markProgramsForNewController(Installation& installation) {
+  Transaction transaction(installation.engine(), installation.database());
+  Database& database = installation.database();
+  database.execute("update DailyPrograms set DailyProgramFlagD = True where Id <> 0");
+  database.execute("update WeeklyPrograms set WeeklyProgramFlagD = True where ProgNum <> 0");
+  database.execute("update Holidays set HolidayFlagD = True");
+  transaction.commit();
+}
+
+void linkNewReader(Installation& installation, std::int16_t reader) {
+  // Without cards there is nothing to send, and no controller to ask for.
+  if (cardsOf(installation, defaultGroup).live.empty()) {
+    return linkReader(installation, defaultGroup, reader, always);
+  }
+  markGroup(installation, defaultGroup);
+  installation.AccessGroups().addReaderToDefaultGroup(reader);
+}
+
+}  // namespace voxa

@@ -1,0 +1,27 @@
+#include "work/report.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace voxa {
+
+std::size_t Report::rowsWith(Outcome outcome) const {
+  const auto count =
+      std::count_if(rows.begin(), rows.end(), [&](const Row& row) { return row.outcome == outcome; });
+  return static_cast<std::size_t>(count);
+}
+
+std::vector<std::string> Report::controllersWith(Outcome outcome) const {
+  std::vector<std::string> names;
+  for (const Controller& controller : controllers) {
+    if (controller.outcome == outcome) names.push_back(controller.name);
+  }
+  return names;
+}
+
+void Report::add(Report other) {
+  std::move(other.rows.begin(), other.rows.end(), std::back_inserter(rows));
+  std::move(other.controllers.begin(), other.controllers.end(), std::back_inserter(controllers));
+}
+
+}  // namespace voxa
