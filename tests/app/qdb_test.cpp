@@ -8,7 +8,7 @@
 #include "comm/station.h"
 #include "journal/journal.h"
 #include "messages/strings.h"
-#include "support/full_disk.h"
+#include "platform/full_disk.h"
 #include "support/installation_test.h"
 #include "tables/itable.h"
 

@@ -3,8 +3,8 @@
 #include <filesystem>
 #include <new>
 
-#include "comm/com_test.h"
 #include "comm/station_result_file.h"
+#include "support/com_test.h"
 
 namespace voxa {
 namespace {

@@ -1,4 +1,4 @@
-#include "comm/com_test.h"
+#include "support/com_test.h"
 
 #include <filesystem>
 

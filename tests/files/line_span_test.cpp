@@ -4,10 +4,10 @@
 #include <sys/file.h>
 #include <unistd.h>
 
-#include "comm/com_test.h"
 #include "comm/station.h"
 #include "journal/journal.h"
 #include "platform/files.h"
+#include "support/com_test.h"
 
 namespace voxa {
 namespace {

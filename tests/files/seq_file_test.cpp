@@ -5,7 +5,7 @@
 #include "comm/com.h"
 #include "files/command_file.h"
 #include "files/conversions.h"
-#include "support/full_disk.h"
+#include "platform/full_disk.h"
 #include "support/installation_test.h"
 
 namespace voxa {

@@ -6,7 +6,7 @@
 #include <filesystem>
 
 #include "platform/files_platform.h"
-#include "support/full_disk.h"
+#include "platform/full_disk.h"
 #include "temporary_folder.h"
 
 namespace voxa {

@@ -2,10 +2,10 @@
 
 #include "comm/com.h"
 #include "platform/error.h"
+#include "platform/full_disk.h"
 #include "programs/daily_program.h"
 #include "programs/holidays.h"
 #include "programs/weekly_program.h"
-#include "support/full_disk.h"
 #include "support/installation_test.h"
 
 namespace voxa {

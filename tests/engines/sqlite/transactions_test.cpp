@@ -5,7 +5,7 @@
 
 #include "engines/sqlite/fixture.h"
 #include "engines/sqlite/functions.h"
-#include "support/full_disk.h"
+#include "platform/full_disk.h"
 
 namespace voxa {
 namespace {
