@@ -1,9 +1,7 @@
 #include <algorithm>
 #include <array>
 #include <filesystem>
-#include <new>
 
-#include "comm/station_result_file.h"
 #include "support/com_test.h"
 
 namespace voxa {
@@ -108,16 +106,6 @@ TEST_F(ComTest, AStationThatCannotBeReadStopsNoOtherAndItsControllersAreUnknown)
   EXPECT_FALSE(com.readyToSendToKnown(CTStation, "Annex"));
   com.inhibitCom = true;
   EXPECT_TRUE(com.readyToSendToKnown(CTStation, "Annex"));
-}
-
-TEST_F(ComTest, ADateLineOfNoControllerWritesNowhere) {
-  // Made where a date of controller 0 would stand in the statuses, and one of 17 behind the object.
-  alignas(StationResult) std::array<unsigned char, sizeof(StationResult) + 16> memory{};
-  write("RS001.OUT", "1\r\n    0   0130290224\r\n    17  0130290224");
-  const auto* result = new (memory.data()) StationResult(readStationResult(*library, "RS001.OUT"));
-  EXPECT_TRUE(result->answered(1));
-  EXPECT_TRUE(
-      std::all_of(memory.begin() + sizeof(StationResult), memory.end(), [](int b) { return b == 0; }));
 }
 
 TEST_F(ComTest, ComponentsAreTestedAndAskedAbout) {
