@@ -107,6 +107,11 @@ TEST_F(GenTableTest, NullsAreFilledByType) {
   db().execute("insert into Odd (Text) values ('x')");
   ASSERT_EQ(table.gen().fillTableNulls(), 0);
   EXPECT_EQ(query("select Id from Odd where Text = 'x'"), "0");
+  ids({1, 2, 3});
+  plain("KRV.mdb", "update Odd set FlagD = 'x' where Id = 2");
+  EXPECT_EQ(table.gen().fillTableNulls(), err::dbConversion);
+  EXPECT_EQ(query("select Text from Odd where Id = 1") + query("select Text from Odd where Id = 3"), "Null")
+      << "the row before the one that fails is filled, the one behind it is not";
 }
 
 TEST_F(GenTableTest, GetIdIsSilent) {
