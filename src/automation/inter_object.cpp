@@ -1,3 +1,4 @@
+#include "app/library.h"
 #include "comm/inter.h"
 
 #include "service_objects.h"

@@ -1,6 +1,6 @@
 #include "comm/inter.h"
 
-#include "comm/comm_context.h"
+#include "platform/context.h"
 #include "platform/driver/driver.h"
 
 namespace voxa {
