@@ -7,7 +7,7 @@ namespace voxa {
 
 /// Where a reader finds the site code and the card number on a card.
 struct BadgeFormatRecord {
-  std::int16_t technology = 0;  ///< of a VRMD1's reader, 0 to 10
+  std::int16_t technology = 0;  ///< of the reader of a VRMD1, 0 to 10
   std::int16_t sitePosition = 0;
   std::int16_t siteSize = 0;
   std::int16_t cardPosition = 0;
