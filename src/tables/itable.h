@@ -15,7 +15,7 @@ class ITable {
   virtual ~ITable() = default;
 
   [[nodiscard]] virtual std::string Name() const = 0;
-  /// Does nothing: a table's name is fixed. The member is there because clients assign it.
+  /// Clients may assign a name. It is ignored, since a table's name is fixed.
   virtual void Name(const std::string& name) = 0;
   [[nodiscard]] virtual std::shared_ptr<Database> getDB() = 0;  ///< empty when it is not open
   /// Builds the table (createFields, createIndexes, append). Returns 0 even after a failure: the person was
