@@ -10,7 +10,7 @@ namespace voxa {
 class Clock;
 class SqliteDatabase;
 
-/// What the engine and its databases share.
+/// What the engine and its databases share. Its members are in engine.cpp.
 struct Session {
   Session(const Clock& sessionClock, const SqliteOptions& sessionOptions)
       : clock(sessionClock), options(sessionOptions) {}

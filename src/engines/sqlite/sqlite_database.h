@@ -18,6 +18,8 @@
 
 namespace voxa {
 
+/// One open database file of the embedded engine. Definitions (tables, relations, stored queries) are in
+/// sqlite_schema.cpp, everything else is in sqlite_database.cpp.
 class SqliteDatabase final : public Database, public std::enable_shared_from_this<SqliteDatabase> {
  public:
   using Parameters = std::vector<std::pair<std::string, Value>>;

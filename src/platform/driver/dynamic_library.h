@@ -7,6 +7,7 @@ namespace voxa {
 
 /// A driver library, loaded by name. It stays loaded until the process ends: a driver may hold lines open and
 /// may not survive being unloaded.
+/// It is in dynamic_library_posix.cpp and dynamic_library_windows.cpp.
 class DynamicLibrary {
  public:
   /// An export, to be called through this class only.

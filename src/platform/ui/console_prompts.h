@@ -12,7 +12,7 @@ namespace voxa {
 
 /// Boxes and dialogs as lines of text. It asks a person at a terminal. Without one it takes the button that
 /// does least (Cancel, No or Abort if the box has it, never Yes) or the file that was set beforehand, and
-/// says so.
+/// says so. isTerminal and hasOutput are in terminal_posix.cpp and terminal_windows.cpp.
 class ConsolePrompts : public Prompts {
  public:
   /// Reads answers from `in` and writes boxes to `out`; both must outlive this object. interactive: whether a
