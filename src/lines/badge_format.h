@@ -15,10 +15,10 @@ struct BadgeFormatRecord {
   std::string siteCode;     ///< up to 8 characters 0-9 and A-F
 };
 
-/// "04", for a VRMD1 the reader's number and the three-digit code of its technology (nothing for one that is
-/// not known), then position and size of the site code and position of the card number (two digits each),
-/// "04" for the system's own cards, "08" for others, and the site code with zeros on the right to 8
-/// characters. A number that its width cannot hold raises `err::overflow`.
+/// "04"; for a VRMD1 the reader's number and the three-digit code of its technology (nothing for an unknown
+/// one); position and size of the site code and position of the card number (two digits each); "04" for the
+/// system's own cards, "08" for others; the site code with zeros on the right up to 8 characters. Raises
+/// `err::overflow` for a number that its field cannot hold.
 [[nodiscard]] std::string badgeFormatLine(const BadgeFormatRecord& format, std::int16_t readerNumber,
                                           bool isVRMD1);
 
