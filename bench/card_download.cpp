@@ -1,6 +1,6 @@
-// Sending every changed card to the controllers of its group, whose driver does nothing, beside a plain loop
-// that reads the same rows with prepared statements and writes the same command files; and whether the time
-// grows with cards or controllers.
+// Sends every changed card to the controllers of its group, with a driver that does nothing. The rival is a
+// plain loop that reads the same rows with prepared statements and writes the same command files. Also shows
+// whether the time grows with cards or controllers.
 
 #include <cstdio>
 #include <functional>
@@ -20,17 +20,17 @@ namespace {
 
 constexpr int many = 9999;
 constexpr int few = 2500;
-constexpr int counted = 100;  // when the instructions are counted
+constexpr int counted = 100;  // cards, when the instructions are counted
 constexpr int manyControllers = 16;
 constexpr int fewControllers = 4;
 constexpr int roundsOfFew = 3;
-constexpr int roundsOfMany = 1;  // 160,000 command files on either side
+constexpr int roundsOfMany = 1;  // one round writes 160,000 command files on each side
 
 constexpr const char* changeAll =
     "update Cardholders set CardCodeFlagD = -1, AccessGroupIdFlagD = -1, ValidatedFlagD = -1, "
     "PINCodeFlagD = -1, SupervisorFlagD = -1, ValidationDateFlagD = -1, CreditFlagD = -1";
 
-/// Cards of one group, which may pass all doors of the first controllers of the station.
+/// Cards of one group. They may pass all doors of the first controllers of the station.
 class Cards {
  public:
   Cards(int cards, int controllers) {
@@ -52,7 +52,7 @@ class Cards {
   Side ours() {
     return {[this] { send(); }, [this] { installation_.db().execute(changeAll); }};
   }
-  /// What all command files hold, each behind the address it is sent to.
+  /// The contents of all command files, each behind the address that it is sent to.
   std::string sentBy(const Side& side, const std::string& commandFile) {
     std::string sent;
     side.prepare();
@@ -74,7 +74,7 @@ class Cards {
   Installation installation_;
 };
 
-/// The rival's download: a loop over the cards, and in it one over the controllers of the card's group.
+/// The rival's download: a loop over the cards, with a loop over the controllers of the card's group inside.
 class PlainDownload {
  public:
   explicit PlainDownload(Cards& cards)
@@ -161,7 +161,7 @@ class PlainDownload {
   }
 
   void write(const Card& card, const Controller& controller) {
-    // An emptied file would go to the disk each time: then the disk is all that is measured.
+    // An emptied file would go to the disk each time. Then only the disk would be measured.
     (void)std::remove(commandFile_.c_str());
     const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(commandFile_.c_str(), "wb"),
                                                                &std::fclose);
@@ -202,7 +202,7 @@ class PlainDownload {
 Rows measure(const Harness& harness) {
   if (harness.counts()) {
     Cards cards(counted, manyControllers);
-    (void)cards.sentByUs();  // leaves the tested controllers in ComStatus, for the rival as well
+    (void)cards.sentByUs();  // leaves the tested controllers in ComStatus, for the rival, too
     PlainDownload plain(cards);
     (void)harness.compare(cards.ours(), plain.side(), Pace::once);
     return {};
@@ -213,7 +213,7 @@ Rows measure(const Harness& harness) {
 
   Cards large(many, manyControllers);
   {
-    // The first test of the controllers leaves what it found in ComStatus, which the rival has then as well.
+    // The first test of the controllers leaves its results in ComStatus. The rival then has them, too.
     PlainDownload untested(narrow);
     require(narrow.sentByUs() == narrow.sentBy(untested.side(), untested.commandFile()),
             "The command files differ");

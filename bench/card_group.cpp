@@ -1,4 +1,4 @@
-// Creating a block of 2,000 cards, beside inserting the same rows with a prepared statement.
+// Creates a block of 2,000 cards. The rival inserts the same rows with a prepared statement.
 
 #include <cstdio>
 #include <string>
@@ -16,7 +16,7 @@ namespace {
 constexpr int cards = 2000;
 constexpr int firstNumber = 1;
 constexpr int firstCode = 10000001;
-constexpr int defaultGroup = 0;  // of no reader here, so that nothing is sent
+constexpr int defaultGroup = 0;  // no reader here is in it, so nothing is sent
 
 void insertPlainly(PlainSqlite& sqlite, const PlainSqlite::Statement& insert) {
   sqlite.run("BEGIN IMMEDIATE");
@@ -34,7 +34,7 @@ void insertPlainly(PlainSqlite& sqlite, const PlainSqlite::Statement& insert) {
   sqlite.run("COMMIT");
 }
 
-/// All values of all rows but the ids, which go on counting.
+/// All values of all rows, without the ids, which keep counting up.
 std::string allCards(const std::string& database) {
   PlainSqlite sqlite(database);
   const auto rows = sqlite.prepare("SELECT * FROM Cardholders ORDER BY CardNum");

@@ -1,4 +1,4 @@
-// Creating the main database, beside its definitions and default rows as one SQLite script.
+// Creates the main database. The rival runs its definitions and default rows as one SQLite script.
 
 #include <filesystem>
 #include <memory>
@@ -11,7 +11,7 @@ namespace voxa::bench {
 
 namespace {
 
-/// What a database file holds as statements of one transaction: its definitions, then its rows.
+/// The contents of a database file as statements of one transaction: first its definitions, then its rows.
 std::string scriptOf(const std::string& path) {
   PlainSqlite file(path);
   std::string script = "BEGIN;";

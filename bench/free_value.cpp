@@ -1,4 +1,4 @@
-// Looking for a free number in a table that is full, beside a prepared statement that walks its numbers.
+// Looks for a free number in a full table. The rival walks through its numbers with a prepared statement.
 
 #include "app/qdb.h"
 #include "comm/station.h"
@@ -18,7 +18,7 @@ Rows measure(const Harness& harness) {
   installation.createDatabase();
   {
     Transaction transaction(installation.engine());
-    for (int id = 2; id <= stations; ++id) {  // 1 is the local station
+    for (int id = 2; id <= stations; ++id) {  // number 1 is the local station
       const std::string number = std::to_string(id);
       installation.db().execute("insert into Stations (Id, Name) values (" + number + ", 'Station " + number +
                                 "')");

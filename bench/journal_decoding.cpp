@@ -1,6 +1,6 @@
-// Reading a controller memory of 100,000 and of 1,000,000 lines into the journal, beside plain code that
-// decodes the same file into hand-written SQLite; and whether the time a line or the memory grows with the
-// file. The driver puts a prepared file in place as the work file, which costs nothing.
+// Reads a controller memory of 100,000 and of 1,000,000 lines into the journal. The rival is plain code that
+// decodes the same file into hand-written SQLite. Also shows whether the time for a line, or the memory,
+// grows with the file. The driver puts a prepared file in place as the work file, which costs nothing.
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -28,12 +28,12 @@ namespace fs = std::filesystem;
 
 constexpr int few = 100'000;
 constexpr int many = 1'000'000;
-constexpr int counted = 20'000;  // when the instructions are counted
+constexpr int counted = 20'000;  // lines, when the instructions are counted
 constexpr int cards = 9999;
 constexpr int roundsOfMany = 3;
 constexpr int roundsOfGrowth = 7;
 
-/// Known cards for the most part, at all doors, and now and then an unknown one or a pressed button.
+/// Mostly known cards, at all doors; now and then an unknown card or a pressed button.
 void writeMemory(const std::string& name, int lines) {
   constexpr std::array types = {0, 1, 2, 3, 20, 21, 22, 23, 24, 25, 26, 27, 10, 11, 12, 13, 30, 0, 1, 2};
   constexpr int linesAMinute = 7;
@@ -96,8 +96,8 @@ void copyDurably(const std::string& from, const std::string& to) {
   require(durable, "The rival cannot keep its copy");
 }
 
-/// The rival's journal: names looked up once a file within one transaction over the main database, rows
-/// inserted within one over the journal, and a copy of the file kept.
+/// The rival's journal. It looks names up once a file, in one transaction over the main database, inserts the
+/// rows in one over the journal, and keeps a copy of the file.
 class PlainJournal {
  public:
   explicit PlainJournal(Site& site)
@@ -235,7 +235,7 @@ class PlainJournal {
   std::array<std::optional<Reader>, 500> readers_;
 };
 
-/// Whether two journals hold the same rows, their dates to the minute.
+/// Whether two journals hold the same rows. Dates are compared to the minute.
 bool sameRows(const std::string& one, const std::string& other, int lines) {
   PlainSqlite first(one);
   first.run("ATTACH '" + other + "' AS other");

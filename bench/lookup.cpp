@@ -1,5 +1,5 @@
-// Finding one row by SQL text, each time with another number in it, beside a prepared statement that is
-// bound, stepped to the end and reset.
+// Finds one row by SQL text, each time with another number in it. The rival binds a prepared statement, steps
+// it to the end and resets it.
 
 #include <benchmark/benchmark.h>
 
@@ -30,7 +30,7 @@ class OpenSchema : public dialect::Schema {
   const Database& database_;
 };
 
-/// The numbers 1 to `cards`, one after the other, from the first again.
+/// The numbers 1 to `cards`, one after the other, then from 1 again.
 class Numbers {
  public:
   int next() { return last_ = last_ % cards + 1; }
@@ -68,7 +68,8 @@ Rows measure(const Harness& harness) {
   Numbers rivalNumbers;
   const auto statement = sqlite.prepare("SELECT Name FROM Cardholders WHERE CardNum = ?1");
   const auto findPlainly = [&](int number) {
-    // To the end of the result, as ours reads it: until then nobody knows whether there is another row.
+    // The rival steps to the end of the result, as the engine does: only there it is known whether there is
+    // another row.
     sqlite3_bind_int(statement.get(), 1, number);
     if (sqlite3_step(statement.get()) != SQLITE_ROW) throw std::runtime_error("The rival finds no row");
     std::string name = text(statement, 0);

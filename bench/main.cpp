@@ -1,8 +1,8 @@
-// Measures the system beside hand-written SQLite doing the same work, and reports.
+// Measures the system beside hand-written SQLite that does the same work, and reports.
 //
 //   bench_report OUT.json [BENCHMARK...]
 //
-// The databases that it works on are made in the folder of OUT.json, on that folder's disk.
+// The databases are made in the folder of OUT.json, on that folder's disk.
 
 #include <exception>
 #include <filesystem>
@@ -19,7 +19,7 @@ namespace {
 using namespace voxa;
 using namespace voxa::bench;
 
-/// Runs one benchmark; a failure is told and empties its rows. False after a failure.
+/// Runs one benchmark. A failure is shown and empties its rows; then the result is false.
 bool measure(const std::string& name, const Harness& harness, Rows& rows) {
   try {
     const auto found = benchmarks().find(name);

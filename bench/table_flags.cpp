@@ -1,4 +1,5 @@
-// Marking every cardholder to be sent again, beside one UPDATE; and whether the time grows with the rows.
+// Marks every cardholder to be sent again. The rival runs one UPDATE. Also shows whether the time grows with
+// the rows.
 
 #include "access/cardholder.h"
 #include "app/qdb.h"
@@ -13,7 +14,7 @@ namespace {
 constexpr int few = 1000;
 constexpr int many = 10000;
 
-/// The text that gives every flag of every cardholder the same value.
+/// The UPDATE that gives every flag of every cardholder the same value.
 std::string setAll(const std::string& value) {
   std::string sql = "update Cardholders set ";
   bool first = true;
@@ -29,8 +30,8 @@ void setFlags(const Installation& installation) {
   require(installation.library().QDB().Cardholders().setTableFlagsD(true) == 0, "setTableFlagsD failed");
 }
 
-/// Sets the flags within a transaction that is undone before the next time: no disk is waited for, so that
-/// what grows with the rows is not hidden behind what does not.
+/// Sets the flags within a transaction, which is undone before the next run. So no disk is waited for, which
+/// would hide what grows with the rows.
 Side withinTransaction(Installation& installation) {
   Side side;
   side.prepare = [&installation] {

@@ -1,5 +1,5 @@
-// Sending 31 weekly programs to 2 stations whose driver does nothing, beside plain code that writes the same
-// command files and keeps the flags in hand-written SQLite.
+// Sends 31 weekly programs to 2 stations, with a driver that does nothing. The rival is plain code that
+// writes the same command files and keeps the flags in hand-written SQLite.
 
 #include <cstdio>
 #include <memory>
@@ -33,7 +33,8 @@ void fill(Installation& installation) {
   installation.driver().statuses = "111XXXXXXXXXXXXX";
 }
 
-/// The rival's download: flags set at once, then a file, two calls and a cleared flag for each program.
+/// The rival's download. It sets all flags at once; then, for each program, it writes a file, makes two calls
+/// and clears a flag.
 class PlainDownload {
  public:
   PlainDownload(const std::string& database, std::string commandFile, Driver& driver)
@@ -62,7 +63,7 @@ class PlainDownload {
 
  private:
   void writeCommands(int program) {
-    (void)std::remove(commandFile_.c_str());  // an emptied one would go to the disk each time
+    (void)std::remove(commandFile_.c_str());  // an emptied file would go to the disk each time
     const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(commandFile_.c_str(), "wb"),
                                                                &std::fclose);
     require(file != nullptr, "The rival cannot write its command file");

@@ -1,4 +1,4 @@
-// Tables as text: what was read can be written and read again.
+// Tables as text: what was read can be written, and read again.
 
 #include "platform/csv.h"
 

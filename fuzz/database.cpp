@@ -1,8 +1,8 @@
-// Files that are no longer, or never were, as the engine made them: opened, read and changed without anything
-// worse than an Error, and left alone by whoever only reads.
+// Database files that are damaged, or were never made by the engine. They are opened, read and changed.
+// Nothing worse than an Error may come of it, and a file that is only read must stay as it was.
 //
-// An input that begins with an S is statements of SQLite which make the file something else; any other is
-// damage: an offset of two bytes, a count, so many bytes to stand there. A count of 255 cuts the file off.
+// An input that begins with an S is SQLite statements, which make the file something else. Any other input is
+// damage: an offset of two bytes, a count, and so many bytes to put there. A count of 255 cuts the file off.
 
 #include <sqlite3.h>
 
@@ -43,7 +43,8 @@ class Files : public DatabaseTest {
       return;
     }
     look();
-    // A file that says that its changes are in a log beside it becomes one with a journal.
+    // The header can say that changes are in a log beside the file. The engine makes it a file with a
+    // journal, so then the header changes.
     constexpr std::size_t readFormat = 19;
     require(bytes[readFormat] == 2 || bytesOf(file) == bytes, "reading changes nothing");
     change();

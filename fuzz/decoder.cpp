@@ -1,4 +1,5 @@
-// Lines that a controller gets: one of the controller's kind that says the same means the same.
+// Lines that a controller gets. What a line means is written as a line for the same kind of controller. That
+// line must mean the same.
 
 #include "site/decoder.h"
 
@@ -21,7 +22,7 @@ std::string dayText(int day, int month, int year) {
   return digits(day, 2) + digits(month, 2) + digits(year % 100, 2);
 }
 
-/// The line that means the command.
+/// Writes the line that means the command.
 struct Encoder {
   bool vrmd1;
 
@@ -82,7 +83,7 @@ struct Encoder {
   }
 };
 
-/// Whether several lines have the meaning of the command.
+/// Whether lines of another form have the same meaning as the command.
 bool hasOtherForms(const Command& command) {
   return std::holds_alternative<CardCode>(command) || std::holds_alternative<CardLift>(command) ||
          std::holds_alternative<EraseCard>(command) || std::holds_alternative<BadgeFormat>(command);

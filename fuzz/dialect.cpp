@@ -1,5 +1,5 @@
-// Statements of the engine's language: scanned, translated, run. An input may be two of them with a NUL
-// between: the second is then scanned with what scanning the first has left.
+// Statements of the engine's language are scanned, translated and run. An input may be two of them with a NUL
+// between. The second is then scanned with what is left from scanning the first.
 
 #include "engines/language/dialect.h"
 
@@ -11,7 +11,7 @@
 namespace voxa::fuzz {
 namespace {
 
-/// What a step gives: a result, or the number of its error.
+/// The outcome of a step: a result, or the number of its error.
 template <typename T>
 struct Outcome {
   T result{};
@@ -33,7 +33,7 @@ bool same(const dialect::Translation& a, const dialect::Translation& b) {
                     [](const auto& x, const auto& y) { return same(x, y); });
 }
 
-/// A statement with other literals in the places of those taken out.
+/// A statement made of a key, with a literal in the place of each mark.
 std::string filled(const std::string& key) {
   const char* const literals[] = {"7", "2.5", "#1/2/2003#", "'x'"};
   constexpr char first = 4;  // the mark of a 32-bit integer
@@ -72,7 +72,7 @@ class Statements : public DatabaseTest, private dialect::Schema {
     const Translated translated = translate(second);
     if (fresh.error == 0) checkKey(fresh.result.key, translated);
     (void)errorOf([&] { (void)dialect::translateRule(second, db->tableDef("Readers").fields[2]); });
-    if (tablesNamed(second) <= 5) run(second, translated);  // five times five: that many rows take no time
+    if (tablesNamed(second) <= 5) run(second, translated);  // five tables of five rows take no time
   }
 
  private:
@@ -88,9 +88,9 @@ class Statements : public DatabaseTest, private dialect::Schema {
   void checkKey(const std::string& key, const Translated& translated) const {
     const std::string other = filled(key);
     const Scan scan([&](auto& out) { dialect::scan(other, out); });
-    if (scan.error != 0 || scan.result.key != key) return;  // a mark stood in a name in brackets
+    if (scan.error != 0 || scan.result.key != key) return;  // a name in brackets had a mark in it
     const Translated again = translate(other);
-    // What GROUP BY lists is told by its literals, too.
+    // The literals decide, too, whether an expression is one that GROUP BY lists.
     const auto byLiterals = [](const Translated& one) {
       return one.error == err::dbNotAggregated || !one.result.sameLiterals.empty();
     };
@@ -147,7 +147,7 @@ class Statements : public DatabaseTest, private dialect::Schema {
     }
     return false;
   }
-  /// A translation that SQLite does not take is none.
+  /// SQLite must accept every translation. Only an integer overflow may stop its run.
   static void checkRefusal(const Error& error) {
     require(error.number() != err::dbNotADatabase && error.number() != err::internalError,
             error.description());

@@ -1,4 +1,5 @@
-// Tables of cards: imported all or none, and an export of them is imported alike.
+// Tables of cards. They are imported as a whole or not at all, and an export of them is imported with the
+// same result.
 
 #include <cstdint>
 #include <iostream>
@@ -17,7 +18,7 @@ namespace {
 class Cards {
  public:
   Cards() {
-    std::cout.setstate(std::ios::badbit);  // what is told of bad lines is of no interest
+    std::cout.setstate(std::ios::badbit);  // messages about bad lines do not matter here
     std::cerr.setstate(std::ios::badbit);
     installation_.settings.folder = folder_.path();
     installation_.create();
@@ -41,7 +42,7 @@ class Cards {
       return false;
     }
   }
-  /// The cards, which are gone then.
+  /// Returns the cards and removes them.
   cli::CardTable take() {
     cli::CardTable table = cli::cardTable(installation_, true);
     installation_.qdb().DB()->execute("delete from Cardholders");

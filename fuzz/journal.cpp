@@ -1,4 +1,4 @@
-// A controller's memory, from the driver's file to the rows of the journal.
+// A controller's memory on its way from the driver's file to the rows of the journal.
 
 #include "journal/journal_test.h"
 

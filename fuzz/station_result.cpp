@@ -1,4 +1,4 @@
-// What the driver tells about the controllers of a station.
+// What the driver writes about the controllers of a station.
 
 #include "comm/station_result_file.h"
 

@@ -1,6 +1,7 @@
-# Sourced by the other scripts: brings the Debian packages that a step needs, builds, finds a place for the tests.
+# Sourced by the other scripts: installs the Debian packages that a step needs, builds, and finds a place for the
+# files of the tests.
 
-# Installs those of the named packages that are missing; needs root (or sudo) only then.
+# Installs those of the named packages that are missing. Needs root (or sudo) only when one is missing.
 ensure_packages() {
   local missing=() package
   for package in "$@"; do
@@ -30,8 +31,8 @@ windows_packages=(cmake ninja-build g++-mingw-w64-i686-posix mingw-w64-tools lib
 automation_packages=(mmdebstrap)
 bench_packages=("${build_packages[@]}" libbenchmark-dev)
 
-# What the tests write is nobody's after them: kept in memory, where there is a gigabyte from which programs may be
-# run, no disk is waited for.
+# Nobody needs what the tests write when they have ended. In memory no disk is waited for. That needs a gigabyte of
+# memory, in a place from which programs may be run.
 use_memory() {
   local probe free
   probe=$(mktemp -p /dev/shm 2>/dev/null) || return 0

@@ -1,10 +1,10 @@
-# Sourced: a 32-bit Wine in a root of its own below build/wine, since the host's packages may not have one.
-# Needs root. Nothing of it is configured, so that it can be made on any machine; on one whose kernel runs no
-# 32-bit programs, an emulator for them comes along.
+# Sourced: makes a 32-bit Wine in a root of its own below build/wine, since the host's packages may have none.
+# Needs root. No package in it is configured, so that it can be made on any machine. Where the kernel runs no
+# 32-bit programs, an emulator for them is added.
 
 wine_root=$PWD/build/wine/root
 
-# Address of the machine's own mirror of the distribution, so that no other is named here.
+# The address of the mirror that the machine itself uses; so no mirror is named here.
 _wine_mirror() {
   apt-get indextargets --format '$(REPO_URI)' 'Created-By: Packages' 'Codename: bookworm' | head -n 1
 }
@@ -14,8 +14,8 @@ _wine_runs() {
   chroot "$wine_root" /bin/true 2>/dev/null
 }
 
-# The emulator for 32-bit programs: of the backports, since the distribution's own cannot run Wine (it places
-# a mapping elsewhere when its address is taken, where Wine expects a failure).
+# The emulator for 32-bit programs. It comes from the backports, since the distribution's own cannot run Wine: when
+# the address of a mapping is taken, it puts the mapping elsewhere, where Wine expects a failure.
 _wine_emulator() {
   local folder=build/wine/emulator options
   if [ ! -x "$folder/qemu-i386" ]; then
@@ -31,14 +31,14 @@ _wine_emulator() {
   fi
   [ -e /proc/sys/fs/binfmt_misc/register ] || mount -t binfmt_misc binfmt_misc /proc/sys/fs/binfmt_misc
   [ ! -e /proc/sys/fs/binfmt_misc/voxa-i386 ] || echo -1 >/proc/sys/fs/binfmt_misc/voxa-i386
-  # Programs of this processor type, by the head of their files. F: the emulator is opened now, so that it
-  # serves in the root, too.
+  # The head of a file tells that it is a program for this type of processor. F: the emulator is opened now, so that
+  # it also works inside the root.
   printf '%s' ':voxa-i386:M::\x7fELF\x01\x01\x01\x00\x00\x00\x00\x00\x00\x00\x00\x00\x02\x00\x03\x00:' \
     '\xff\xff\xff\xff\xff\xfe\xfe\xfc\xff\xff\xff\xff\xff\xff\xff\xff\xfe\xff\xff\xff:' \
     "$PWD/$folder/qemu-i386:OCF" >/proc/sys/fs/binfmt_misc/register
 }
 
-# Makes the root when there is none, and a Windows drive in it.
+# Makes the root and a Windows drive in it, unless they exist.
 wine_prepare() {
   if [ ! -e "$wine_root/ready" ]; then
     echo "Making a root with 32-bit Wine"
@@ -47,7 +47,7 @@ wine_prepare() {
     mmdebstrap --quiet --variant=extract --architectures=i386 \
       --hook-dir=/usr/share/mmdebstrap/hooks/merged-usr --include=wine,wine32,dash,coreutils,libc-bin \
       bookworm "$wine_root" "$(_wine_mirror)" >/dev/null
-    # What the package's installation would do: mark a library as one of Wine's own.
+    # The package's installation would do this: it marks a library as one of Wine's own.
     local from=$wine_root/usr/i686-w64-mingw32/lib/zlib1.dll
     {
       head -c 64 "$from"
@@ -68,13 +68,14 @@ wine_prepare() {
   fi
 }
 
-# Ends what of Wine still runs in the root, its services among it.
+# Ends what Wine still runs in the root, with its services.
 wine_stop() {
   chroot "$wine_root" env -i HOME=/root /usr/lib/wine/wineserver32 -k || true
 }
 
 # Runs a Windows program in the root: wine_run FOLDER PROGRAM ARGUMENT... FOLDER, below build, is the current
-# folder of the program. All of build is Z:\build: Wine's server lives on and knows the first run's places only.
+# folder of the program. Always all of build is mounted, as Z:\build: Wine's server goes on running, and knows only
+# the mounts of the first run.
 wine_run() {
   local folder=${1#"$PWD/build"}
   shift

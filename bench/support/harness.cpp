@@ -26,7 +26,7 @@ class LastTime : public benchmark::BenchmarkReporter {
   double seconds = 0;
 };
 
-/// Sides that take turns under one measuring library, which decides how often the work runs.
+/// Sides that take turns under one measuring library. The library decides how often the work runs.
 class Contest {
  public:
   explicit Contest(Pace pace) : pace_(pace) {}
@@ -45,7 +45,7 @@ class Contest {
     }
   }
 
-  /// Seconds of one run of the work of the side of that name.
+  /// Runs the work of the side of that name, and returns the seconds of one run.
   double turn(const std::string& name) {
     LastTime reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter, "^" + name + "/");
@@ -100,7 +100,7 @@ Times Harness::compare(const Side& ours, const Side& rival, Pace pace, int round
   std::vector<double> ourTimes;
   std::vector<double> rivalTimes;
   for (int round = 0; round <= rounds; ++round) {
-    // Each goes first as often as the other.
+    // Each side goes first equally often.
     const bool oursFirst = round % 2 == 0;
     const double first = contest.turn(oursFirst ? "ours" : "rival");
     const double second = contest.turn(oursFirst ? "rival" : "ours");

@@ -13,20 +13,20 @@
 
 namespace voxa::bench {
 
-/// A driver that does nothing, unless a benchmark gives it something to do, and says that it succeeded.
+/// A driver that says that it succeeded, and does nothing unless a benchmark gives it something to do.
 class IdleDriver : public Driver {
  public:
   std::int16_t call(ComCommandsEnum command, std::int16_t station, std::int16_t controller) override;
   [[nodiscard]] int lastError() const override { return 0; }
 
   std::function<void(ComCommandsEnum, std::int16_t station, std::int16_t controller)> onCall;
-  std::string folder;  ///< of the result files
-  /// The status line of what it finds when it is asked for the dates of a station.
+  std::string folder;  ///< where the result files are
+  /// The status line of the result file when the dates of a station are asked for.
   std::string statuses = "XXXXXXXXXXXXXXXX";
 };
 
-/// An installation in a folder of its own below the current one, which is the current one as long as the
-/// object lives. It starts with the message store, and no other database.
+/// An installation in a folder of its own below the current one. The folder is the current one for as long as
+/// the object lives. At first there is only the message store.
 class Installation {
  public:
   Installation();
@@ -34,16 +34,16 @@ class Installation {
   Installation(const Installation&) = delete;
   Installation& operator=(const Installation&) = delete;
 
-  /// A new context over the same folder, as a program has that starts now; no database is open.
+  /// Makes a new context over the same folder, as a program has that starts now. No database is open.
   void restart();
-  /// The main database with its default rows; fails when it exists.
+  /// Makes the main database with its default rows. Fails when it exists.
   void createDatabase();
-  /// Cardholders with the numbers 1 to `count`, named "Card 1" and so on, their flags not set.
+  /// Adds cardholders with the numbers 1 to `count`, named "Card 1" and so on. Their flags are not set.
   void addCardholders(int count);
-  /// Readers 1 to 64, "Reader 1" and so on, at the four positions of each of the 16 controllers of station 1,
-  /// all of which answer the driver.
+  /// Adds readers 1 to 64, "Reader 1" and so on, at the four positions of each of the 16 controllers of
+  /// station 1. All controllers answer the driver.
   void addReaders();
-  /// A copy of the main database as it is now, beside it; its path.
+  /// Copies the main database as it is now to a file beside it; returns the path.
   [[nodiscard]] std::string copyDatabase() const;
 
   [[nodiscard]] Database& db() const;
@@ -52,7 +52,7 @@ class Installation {
   [[nodiscard]] const std::string& databasePath() const { return databasePath_; }
   [[nodiscard]] const std::string& folder() const { return folder_; }
   IdleDriver& driver() { return driver_; }
-  /// Raises what the library told its user, if anything: no measured work has a reason to.
+  /// Raises what the library told its user, if anything. No measured work has a reason to tell something.
   void requireSilence() const;
 
  private:

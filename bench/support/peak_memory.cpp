@@ -31,7 +31,7 @@ bool succeeds(const std::function<void()>& work) {
 }  // namespace
 
 double peakMemory(const std::function<void()>& work) {
-  // What this process has given back but still holds would hide what the work takes.
+  // Memory that this process has freed but still holds would hide what the work takes.
   (void)malloc_trim(0);
   const pid_t child = fork();
   require(child >= 0, "Cannot fork");

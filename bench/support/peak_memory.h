@@ -5,7 +5,7 @@
 namespace voxa::bench {
 
 /// Runs `work` in a forked process and returns the most memory that this process had resident, in MiB. Raises
-/// std::runtime_error when the work fails, whose own message goes to the standard error. To be called before
+/// std::runtime_error when the work fails; the work's own message goes to the standard error. Call it before
 /// this process opens a database: connections do not survive a fork.
 [[nodiscard]] double peakMemory(const std::function<void()>& work);
 

@@ -7,12 +7,12 @@
 
 namespace voxa::bench {
 
-/// The rival: SQLite as one writes it by hand, its calls used directly. Only opening, preparing and the check
-/// of results are written here, once.
+/// The rival: SQLite as one writes it by hand, with direct calls. Only opening, preparing and the check of
+/// results are written here.
 class PlainSqlite {
  public:
-  /// Opens or creates a file. It has what the definitions in it need (the collation, foreign keys), and
-  /// commits as durably as SQLite does by default: rollback journal, deleted; full synchronisation.
+  /// Opens or creates a file. It has what the definitions in it need (the collation, foreign keys). It
+  /// commits as durably as SQLite does by default: a rollback journal that is deleted, full synchronisation.
   explicit PlainSqlite(const std::string& path);
 
   struct Finalizer {
@@ -24,7 +24,7 @@ class PlainSqlite {
   void run(const std::string& sql);
   /// Runs a prepared statement without a result, and resets it.
   void run(const Statement& statement);
-  /// Steps to the next row; false behind the last one, when the statement is reset.
+  /// Steps to the next row. Behind the last row it returns false and resets the statement.
   [[nodiscard]] bool nextRow(const Statement& statement);
 
  private:

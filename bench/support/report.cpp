@@ -36,7 +36,7 @@ void printTable(std::ostream& out, const Rows& rows) {
   for (const Cells& line : lines) {
     for (std::size_t i = 0; i < line.size(); ++i) widths[i] = std::max(widths[i], line[i].size());
   }
-  constexpr std::size_t textColumns = 2;  // aligned to the left, the numbers to the right
+  constexpr std::size_t textColumns = 2;  // these are aligned to the left, the numbers to the right
   for (const Cells& line : lines) {
     for (std::size_t i = 0; i + 1 < line.size(); ++i) {
       const std::string blanks(widths[i] - line[i].size(), ' ');

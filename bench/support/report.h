@@ -8,8 +8,8 @@
 
 namespace voxa::bench {
 
-/// One line of the report. ratio = ours / rival, and the limit is on the ratio, or on `ours` where there is
-/// no rival.
+/// One line of the report. ratio = ours / rival. The limit is on the ratio, or on `ours` when there is no
+/// rival.
 struct Row {
   std::string name;
   std::string unit;
@@ -24,11 +24,11 @@ struct Row {
 };
 using Rows = std::vector<Row>;
 
-/// Prints an aligned table; rows over their limit are marked.
+/// Prints an aligned table, in which rows over their limit are marked.
 void printTable(std::ostream& out, const Rows& rows);
 
-/// Writes a list of objects with the keys name, unit, ours, rival, ratio and limit, null where there is
-/// none. Raises std::runtime_error when the file cannot be written.
+/// Writes a list of objects with the keys name, unit, ours, rival, ratio and limit; a value that does not
+/// exist is null. Raises std::runtime_error when the file cannot be written.
 void writeJson(const std::string& path, const Rows& rows);
 
 }  // namespace voxa::bench

@@ -7,18 +7,17 @@
 
 namespace driver {
 
-/// What the driver needs of a station's ini file: lines "KEY:value", the rest ignored.
+/// What the driver needs from a station's ini file. Its lines are "KEY:value"; other lines are ignored.
 struct Ini {
   int speed = 4800;              ///< BDR, the line's speed in bit/s
   std::string commandFile;       ///< CFL, empty when it names none
-  std::vector<int> controllers;  ///< TER, the addresses a call to each controller asks
+  std::vector<int> controllers;  ///< TER, the addresses that a call to each controller asks
 };
 
-/// Reads "S" + three-digit station + ".ini" in the current folder; nothing when there is none.
+/// Reads "S" + three-digit station + ".ini" in the current folder; none when there is no such file.
 [[nodiscard]] std::optional<Ini> readIni(int station);
 
-/// The lines of a text file without their ends and without the empty ones; nothing when there is no such
-/// file.
+/// The lines of a text file, without their ends and without empty lines; none when there is no such file.
 [[nodiscard]] std::optional<std::vector<std::string>> readLines(const std::filesystem::path& file);
 
 /// `prefix` + three-digit station + `suffix`.

@@ -8,12 +8,12 @@
 
 namespace driver {
 
-/// One station's line for the time of one driver call: carries the call to the controllers it is meant for
-/// and brings back the result (site/results.h).
+/// One station's line during one driver call. It takes the call to the controllers that it is meant for, and
+/// brings back the result (site/results.h).
 ///
-/// Addresses: 41 to 56 controller 1 to 16; 0 each controller the ini file lists, in turn, all of them
-/// whatever fails, the first failure the result; 95 all controllers of the line at once, which nobody
-/// acknowledges.
+/// Addresses: 41 to 56 are the controllers 1 to 16. 0 is each controller that the ini file lists, one after
+/// the other; all are asked even after a failure, and the first failure is the result. 95 is all controllers
+/// of the line at once; none of them acknowledges.
 class Line {
  public:
   static constexpr int each = 0;
@@ -22,8 +22,8 @@ class Line {
   Line(site::Storage& storage, int station, const Ini& ini)
       : storage_(storage), station_(station), ini_(ini) {}
 
-  /// The same step for every operation: `perform` acts on a controller that takes the call, `refused` on one
-  /// that heard it and refuses, `failed` learns of each address that was asked in vain.
+  /// What the steps of one operation do. `perform` acts on a controller that takes the call, `refused` on one
+  /// that heard the call and refuses it. `failed` is told each address that gave no success.
   struct Operation {
     std::function<std::int16_t(site::Controller&)> perform;
     std::function<void(site::Controller&)> refused = {};

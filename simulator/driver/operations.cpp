@@ -63,7 +63,8 @@ std::int16_t readMemory(site::Storage& storage, int station, int address) {
   std::string dump;
   bool any = false;
   const std::int16_t answer = send(storage, station, address, {[&](site::Controller& controller) {
-                                     // Half a line of the controller before keeps to itself.
+                                     // The half line of a controller before must not run into this one's
+                                     // first line.
                                      if (!dump.empty() && dump.back() != '\n') dump += "\r\n";
                                      const std::int16_t read = site::readMemory(storage, controller, dump);
                                      any = any || read != result::memoryOverflowed;

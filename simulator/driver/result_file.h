@@ -8,10 +8,11 @@
 
 namespace driver {
 
-/// The station result file: a line of one status character for each controller address 1 to 16, then one date
-/// line for each controller that answered. Lines end with CR LF.
-///   status: "1" answered, "2" no answer, "3" noise, "4" refused, "5" cut off, "6" another failure, "X" not
-///   asked date line: "DATE" address2 blank2 hhmmddmmyy
+/// The station result file. Its first line has one status character for each controller address 1 to 16. Then
+/// comes one date line for each controller that answered. Lines end with CR LF.
+///   status: "1" answered, "2" no answer, "3" noise, "4" refused, "5" cut off, "6" another failure,
+///           "X" not asked
+///   date line: "DATE" address2 blank2 hhmmddmmyy
 class ResultFile {
  public:
   void answered(const site::Controller& controller);
@@ -25,7 +26,7 @@ class ResultFile {
 
   std::string statuses_ = std::string(addresses, 'X');
   std::string dates_;
-  bool truncated_ = false;  // nothing follows any more
+  bool truncated_ = false;  // the file ends here; later lines are not written
 };
 
 }  // namespace driver

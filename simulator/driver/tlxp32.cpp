@@ -14,7 +14,7 @@
 
 namespace {
 
-// The site of the current folder and environment, kept open from call to call.
+// The site for the current folder and environment. It stays open from call to call.
 site::Storage& currentSite() {
   static std::unique_ptr<site::SiteFile> file;
   std::filesystem::path folder = site::defaultFolder();
@@ -22,8 +22,8 @@ site::Storage& currentSite() {
   return file->get();
 }
 
-// The result says what became of the operation; an error of the system on the way to it, such as a file that
-// need not be there, is nobody's concern, and the caller would show it.
+// The driver's result tells what became of the operation. On the way the system may have left an error, of a
+// file that may be missing, say. The caller would show that error, so it is cleared.
 void clearSystemError() {
 #if defined(_WIN32)
   ::SetLastError(0);
@@ -32,7 +32,7 @@ void clearSystemError() {
 #endif
 }
 
-// Runs one operation as one transaction. No exception leaves the library.
+// Runs one operation as one transaction. No exception may leave the library.
 template <typename Operation, typename... Arguments>
 std::int16_t run(Operation operation, Arguments... arguments) {
   try {

@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-// The calling convention and visibility of the driver's exports.
+// The calling convention of the driver's exports, and how they are made visible.
 #if defined(_WIN32)
 #define TLXP_EXPORT
 #define TLXP_CALL __stdcall
@@ -11,10 +11,11 @@
 #define TLXP_CALL
 #endif
 
-/// The controller driver. Every operation takes a station number and, but for the two that open and close the
-/// line, an address: 41 to 56 for controller 1 to 16, 0 for each controller of the station's ini file in
-/// turn, 95 for all at once. It works in the current folder on the site of that moment (site::defaultFolder),
-/// and returns a result of site/results.h. One call at a time.
+/// The controller driver. Every operation takes a station number. All but the two that open and close the
+/// line also take an address: 41 to 56 for controller 1 to 16, 0 for each controller of the station's ini
+/// file one after the other, 95 for all at once. The driver works in the folder that is current at the call,
+/// on the site of that moment (site::defaultFolder). It returns a result of site/results.h. One call at a
+/// time.
 extern "C" {
 TLXP_EXPORT std::int16_t TLXP_CALL RDDAT(std::int16_t station, std::int16_t address);
 TLXP_EXPORT std::int16_t TLXP_CALL SDDAT(std::int16_t station, std::int16_t address);

@@ -19,8 +19,8 @@ struct ControllerInfo {
   int memoryCapacity = 3000;  ///< transactions
 };
 
-/// Minutes since midnight, the end exclusive; 1440 is the end of the day. Start equal to the end, or after
-/// it, is an empty interval.
+/// Minutes since midnight; the end is exclusive, and 1440 is the end of the day. The interval is empty when
+/// the start is not before the end.
 struct Interval {
   int start = 0;
   int end = 0;
@@ -28,13 +28,13 @@ struct Interval {
 };
 
 struct DailyProgram {
-  int number = 0;                   ///< 1 to 99; 0 is "never", which no controller needs to be told
+  int number = 0;                   ///< 1 to 99; 0 is "never", which every controller knows
   std::vector<Interval> intervals;  ///< two or four
 };
 
 struct WeeklyProgram {
   char family = 'C';          ///< 'C' or 'E'; cards are bound to those of family C
-  int number = 0;             ///< 1 to 99; 0 is "always", which no controller needs to be told
+  int number = 0;             ///< 1 to 99; 0 is "always", which every controller knows
   std::array<int, 7> days{};  ///< daily program numbers, Monday first
   int holiday = 0;            ///< daily program number
 };
@@ -49,58 +49,58 @@ struct Holiday {
 struct Card {
   int number = 0;         ///< 1 to 9999
   std::string code = {};  ///< eight characters 0-9 and : ; < = > ? (hexadecimal A to F), zeros on the left
-  std::optional<int> weekly;  ///< weekly program of family C; 0 always, none: was never told one
+  std::optional<int> weekly;  ///< of family C; 0: always, none: the controller was told none
   bool door1 = false;         ///< reader positions 1 and 3
   bool door2 = false;         ///< reader positions 2 and 4
   std::string pin;            ///< four digits, empty when it has none
   bool supervisor = false;
   std::optional<Date> validUntil;  ///< last valid day
-  std::optional<int> credit;       ///< grants left, 0 used up; none: unlimited
+  std::optional<int> credit;       ///< grants that are left, 0: used up; none: unlimited
   std::vector<int> lifts;          ///< lift outputs
 };
 
 struct BadgeFormat {
   int reader = 0;          ///< 0: every reader of the controller
-  std::string technology;  ///< three digits, of a VRMD1 only
+  std::string technology;  ///< three digits; only of a VRMD1
   int sitePosition = 0;
   int siteLength = 0;
   int cardPosition = 0;
   int cardType = 0;      ///< 4 system cards, 8 others
-  std::string siteCode;  ///< eight characters as a card's code
+  std::string siteCode;  ///< eight characters, in the form of Card::code
 };
 
 struct ReceivedLine {
   Moment at;           ///< PC clock
-  std::string text;    ///< as it came, without the line end
+  std::string text;    ///< as it came, without its line end
   std::string reason;  ///< why it was not applied; empty when it was
 };
 
 struct Memory {
   std::vector<std::string> records;  ///< lines as the driver dumps them, the oldest first
-  int read = 0;                      ///< how many of them the read pointer has passed
+  int read = 0;                      ///< so many of them the read pointer has passed
   std::int64_t overflows = 0;        ///< records overwritten since the controller was added
 };
 
 enum class ResultFileFault : std::uint8_t { none, garbage, truncated };
 
-/// Faults to inject; they last until they are cleared. A controller at the wrong speed is made with
+/// Faults to inject. They last until they are cleared. To give a controller the wrong speed, use
 /// Site::setSpeed.
 struct Faults {
   bool silent = false;                      ///< receives nothing, answers nothing
   std::optional<std::int16_t> refuse;       ///< answers every call with this result and does nothing
-  std::optional<int> goodCalls;             ///< calls left until it turns silent
-  std::optional<int> cutAfter;              ///< a memory read breaks after so many records
-  bool cutHalfLine = false;                 ///< … and half of the next one
-  bool cutOnce = false;                     ///< … one time only
-  std::optional<std::int16_t> refuseClear;  ///< answers a clear with this result and erases nothing
-  /// What becomes of its place in the station result file: noise, or the file ends in its date line.
+  std::optional<int> goodCalls;             ///< so many calls work, then it is silent
+  std::optional<int> cutAfter;              ///< a memory read ends after so many records
+  bool cutHalfLine = false;                 ///< and after half of the next one
+  bool cutOnce = false;                     ///< only at one read
+  std::optional<std::int16_t> refuseClear;  ///< answers a clear with this result and does not erase
+  /// What happens to its place in the station result file: noise, or the file ends within its date line.
   ResultFileFault resultFile = ResultFileFault::none;
   bool operator==(const Faults&) const = default;
 };
 
 struct Snapshot {
   ControllerInfo info;
-  std::optional<std::int64_t> clockOffset;  ///< seconds ahead of the PC clock; none: never set
+  std::optional<std::int64_t> clockOffset;  ///< seconds ahead of the PC clock; none: it was never set
   std::vector<ReceivedLine> received;       ///< in the order they came
   std::vector<DailyProgram> dailyPrograms;
   std::vector<WeeklyProgram> weeklyPrograms;

@@ -12,14 +12,14 @@ namespace site {
 class Storage;
 class Row;
 
-/// The transaction memory as the run of record numbers it holds: first to next - 1, read the next one to
-/// read.
+/// The transaction memory as record numbers. It holds the records from first to next - 1. read is the next
+/// record to read.
 struct Ring {
   std::int64_t first = 0;
   std::int64_t next = 0;
   std::int64_t read = 0;
   std::int64_t overflows = 0;
-  bool overflowed = false;  ///< since the read pointer was last reset
+  bool overflowed = false;  ///< since the last reset of the read pointer
 };
 
 /// A controller's own row.
@@ -30,12 +30,12 @@ struct Controller {
   Ring ring;
   Faults faults;
 
-  /// Its clock; one that was never set stands at 1 January 1980.
+  /// The controller's clock. One that was never set stands at 1 January 1980.
   [[nodiscard]] Moment clock() const;
 };
 
 [[nodiscard]] std::optional<Controller> findController(Storage& storage, int station, int address);
-/// Those of a station, or of every station for 0, in the order of station and address.
+/// The controllers of a station, or of every station for 0, ordered by station and address.
 [[nodiscard]] std::vector<Controller> controllersOf(Storage& storage, int station);
 
 void storeSpeed(Storage& storage, Controller& controller, int speed);
@@ -43,17 +43,17 @@ void storeClock(Storage& storage, Controller& controller, std::optional<std::int
 void storeRing(Storage& storage, const Controller& controller);
 void storeFaults(Storage& storage, const Controller& controller);
 
-/// How a controller takes a call that came over a line running at `lineSpeed`. Counts the call when it heard
-/// it.
+/// How a controller takes a call from a line that runs at `lineSpeed`. When it heard the call, the call is
+/// counted.
 struct Reception {
-  bool heard = false;       ///< otherwise it knows nothing of the call
-  bool willing = false;     ///< it heard the call and does what it says
-  std::int16_t result = 0;  ///< what the caller gets when it is not willing
+  bool heard = false;       ///< when false, it knows nothing of the call
+  bool willing = false;     ///< it heard the call and will do what it says
+  std::int16_t result = 0;  ///< what the caller gets when the controller is not willing
 };
 Reception call(Storage& storage, Controller& controller, int lineSpeed);
 
-/// Takes the lines of a command file: each is kept as received and, when the controller is willing, applied.
-/// A change of the line speed holds from the end of the file on.
+/// Takes the lines of a command file. Each is kept as received. When the controller is willing, each is
+/// applied. A change of the line speed counts from the end of the file on.
 void receive(Storage& storage, Controller& controller, const std::vector<std::string>& lines, bool willing);
 
 }  // namespace site

@@ -12,7 +12,7 @@ namespace {
 constexpr int always = 0;  // weekly program
 constexpr int never = 0;   // daily program
 
-// Why the card's rights refuse it; empty when they do not.
+// The reason why the card has no right to pass; empty when it has.
 std::string rightsRefusal(const Card& card, int position, const std::optional<std::string>& pin,
                           const Date& date) {
   const bool firstDoor = position % 2 == 1;
@@ -23,7 +23,7 @@ std::string rightsRefusal(const Card& card, int position, const std::optional<st
   return {};
 }
 
-// Why the card's time program refuses it; empty when it does not.
+// The reason why the card's time program refuses it; empty when it does not.
 std::string timeRefusal(Storage& storage, std::int64_t controller, const Card& card, const Moment& moment) {
   if (!card.weekly) return "the card has no weekly program";
   if (*card.weekly == always) return {};

@@ -28,7 +28,7 @@ int value(std::string_view digits, const std::string& what) {
   return number;
 }
 
-// Reads a line of fixed widths from the left.
+// Reads a line from the left, field by field; each field has a fixed width.
 class Fields {
  public:
   explicit Fields(std::string_view line) : rest_(line) {}
@@ -55,7 +55,7 @@ class Fields {
   std::string_view rest_;
 };
 
-// A number of the given width from 1 on: 0 names what is built in.
+// A number of the given width that can be defined, so from 1 on: 0 is a built-in one.
 int definable(Fields& fields, const std::string& what) {
   const int number = fields.number(2, what);
   if (number == 0) throw Undecodable(what + " is 00");
@@ -90,7 +90,7 @@ struct DayMonthYear {
   int year = 0;  // two digits
 };
 
-// ddmmyy to the end of the line; nothing for 000000.
+// ddmmyy up to the end of the line; none for 000000.
 std::optional<DayMonthYear> dayMonthYear(Fields fields) {
   const std::string_view digits = fields.text(6, "date");
   fields.end();
@@ -120,7 +120,7 @@ Command holiday(Fields fields, bool vrmd1, const Date& today) {
   if (date->year != 0) {
     result.year = dated(*date, today).year;
   } else {
-    constexpr int leapYear = 2000;  // as the recurring 29 February needs one
+    constexpr int leapYear = 2000;  // so that a 29 February of every year is accepted
     (void)existing({leapYear, date->month, date->day});
   }
   return result;
@@ -162,7 +162,7 @@ Command cardCode(int number, Fields fields) {
   const std::string_view code = fields.text(8, "card code");
   fields.end();
   if (code == emptyCode) return EraseCard{number};
-  // Letters are the caller's notation, never the wire's.
+  // Letters are how people write a code; a line never has them.
   const auto first = std::find_if(code.begin(), code.end(), [](char c) { return c != ' '; });
   if (first == code.end()) throw Undecodable("the card code is blank");
   if (!std::all_of(first, code.end(), isCodeCharacter)) {
@@ -173,7 +173,7 @@ Command cardCode(int number, Fields fields) {
   return CardCode{number, std::move(normal)};
 }
 
-// The line of one card behind its number, whatever stood between the parts.
+// The line of one card, from behind its number on. separated: the fields had separators between them.
 Command cardLine(std::string_view code, int number, Fields fields, bool separated, const Date& today) {
   const auto setting = [&](CardField field, std::optional<int> value) -> Command {
     fields.end();
@@ -219,7 +219,7 @@ Command card(std::string_view code, Fields fields, bool vrmd1, const Date& today
   const auto separator = [&](const std::string& before) {
     if (fields.text(1, "separator") != ";") throw Undecodable("no ; behind the " + before);
   };
-  // Lift lines, and the line that clears a card, go to every controller alike.
+  // Every controller takes the lift lines, and the line that clears a card, in the same form.
   const std::string_view rest = fields.rest();
   const bool plain = (code == "37" && rest.size() == 6) ||
                      (code == "09" && rest.size() == 12 && rest.substr(4) == emptyCode);

@@ -8,7 +8,7 @@
 
 #include "site/contents.h"
 
-/// The command lines a controller understands.
+/// The command lines that a controller understands:
 ///
 ///   31 id2 (start4 end4) x 2 or 4     daily program, times hhmm, 2400 the end of the day
 ///   32 or 42 number2 day2 x 7 holiday2   weekly program of family C or E
@@ -21,7 +21,7 @@
 ///   DEL code                          line speed 0 to 3: 4800, 9600, 19200, 38400
 ///
 /// N is a card number of four digits. A VRMD1 takes the card lines as code;01;N;rest, with 1 or 0 behind a
-/// 49; a lift line it takes in either form.
+/// 49. It takes a lift line in either form.
 namespace site {
 
 /// Why a line means nothing to a controller.
@@ -61,15 +61,15 @@ struct SpeedChange {
 using Command = std::variant<DailyProgram, WeeklyProgram, Holiday, EraseHoliday, BadgeFormat, CardCode,
                              EraseCard, CardSetting, CardPin, CardLift, SpeedChange>;
 
-/// What the line means to a controller of that type, and on that day, which tells the century of a date;
-/// raises Undecodable with the reason.
+/// What the line means to a controller of that type. today: tells the century of a date. Raises Undecodable
+/// with the reason.
 [[nodiscard]] Command decode(std::string_view line, std::string_view controllerType, const Date& today);
 
-/// A card's code in the one form it is kept and compared in: eight characters, zeros for the blanks or
-/// missing characters on the left, A to F as : to ?. Nothing when it is no such code.
+/// A card's code in the one form in which codes are kept and compared. It has eight characters: zeros for
+/// blanks or missing characters on the left, and : to ? for A to F. None when the text is no such code.
 [[nodiscard]] std::optional<std::string> normalCode(std::string_view code);
 
-/// A day as CardSetting has it, and back.
+/// A day in the form of CardSetting, and back.
 [[nodiscard]] int packed(const Date& date);
 [[nodiscard]] Date unpacked(int day);
 

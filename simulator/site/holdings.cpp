@@ -38,7 +38,7 @@ WeeklyProgram weeklyFromRow(const Row& row) {
   return program;
 }
 
-// Intervals are kept as "start end start end …", minutes since midnight.
+// Intervals are stored as "start end start end …", in minutes since midnight.
 std::string intervalText(const DailyProgram& program) {
   std::ostringstream text;
   for (const Interval& interval : program.intervals) text << interval.start << ' ' << interval.end << ' ';
@@ -158,7 +158,7 @@ void readHoldings(Storage& storage, Id controller, Snapshot& into) {
   storage.each(
       "select card, output from lifts where controller = ? order by card, output",
       [&](const Row& row) {
-        while (card->number < row.number(0)) ++card;  // every lift has its card
+        while (card->number < row.number(0)) ++card;  // each lift belongs to a card that is in the list
         card->lifts.push_back(row.number(1));
       },
       controller);

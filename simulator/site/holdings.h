@@ -12,14 +12,15 @@ namespace site {
 
 class Storage;
 
-/// Keeps what a command says; raises Undecodable for a setting of a card the controller does not hold. A
-/// SpeedChange is not held but belongs to the controller itself.
+/// Stores what a command says. Raises Undecodable for a setting of a card that the controller does not hold.
+/// A SpeedChange is not stored here: it belongs to the controller itself.
 void hold(Storage& storage, std::int64_t controller, const Command& command);
 
 /// Programs, holidays, cards and badge formats, in the order of their numbers.
 void readHoldings(Storage& storage, std::int64_t controller, Snapshot& into);
 
-/// The card of that code (of several the one with the lowest number), or of that number; without its lifts.
+/// The card of that code, or of that number, without its lifts. Of several with one code it is the one with
+/// the lowest number.
 [[nodiscard]] std::optional<Card> cardByCode(Storage& storage, std::int64_t controller,
                                              const std::string& code);
 [[nodiscard]] std::optional<Card> cardByNumber(Storage& storage, std::int64_t controller, int number);
@@ -29,7 +30,7 @@ void readHoldings(Storage& storage, std::int64_t controller, Snapshot& into);
 [[nodiscard]] std::optional<DailyProgram> dailyProgram(Storage& storage, std::int64_t controller, int number);
 [[nodiscard]] bool isHoliday(Storage& storage, std::int64_t controller, const Date& date);
 
-/// Forgets all of it.
+/// Erases all of it.
 void eraseHoldings(Storage& storage, std::int64_t controller);
 
 }  // namespace site

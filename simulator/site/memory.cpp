@@ -7,7 +7,7 @@ namespace site {
 
 namespace {
 
-// A line cut off in the middle of `record`, or before it: what arrived of it.
+// Adds the part of a line that arrived before the line was cut: within `record`, or before it.
 void cutLine(Controller& controller, const std::string& record, std::string& dump) {
   if (controller.faults.cutHalfLine) dump += record.substr(0, record.size() / 2);
   if (controller.faults.cutOnce) {

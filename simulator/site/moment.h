@@ -12,7 +12,7 @@ struct Date {
   auto operator<=>(const Date&) const = default;  // NOLINT(modernize-use-nullptr)
 };
 
-/// A time on the clock on the wall: no time zone, every day has 24 hours.
+/// A time as a clock on the wall shows it: without a time zone, and every day has 24 hours.
 struct Moment {
   Date date;
   int hour = 0;
@@ -31,11 +31,11 @@ struct Moment {
 /// 1 Monday to 7 Sunday.
 [[nodiscard]] int weekday(const Date& date);
 
-/// Whether the calendar has that day.
+/// Whether the calendar has such a day.
 [[nodiscard]] bool exists(const Date& date);
 
-/// The year that ends in the two digits and brings the day nearest to `today`; of two as near the earlier
-/// one.
+/// Of the years that end in these two digits, the one that brings the day nearest to `today`. The earlier one
+/// when two are equally near.
 [[nodiscard]] int nearestYear(int twoDigits, int month, int day, const Date& today);
 
 }  // namespace site

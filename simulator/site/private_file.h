@@ -4,9 +4,9 @@
 
 namespace site {
 
-/// Creates the file, if there is none, and leaves its reading and writing to its owner: before anything is in
-/// it, since what controllers hold and tell includes cards' codes. Where files have no such rights it stays
-/// as the folder makes it; a file that cannot be created shows when it is written.
+/// Creates the file if there is none, and lets only its owner read and write it. This is done before the file
+/// has any content, since that includes cards' codes. Where files have no such rights the folder decides. A
+/// file that cannot be created is noticed when it is written.
 void makePrivate(const std::filesystem::path& file);
 
 }  // namespace site

@@ -36,7 +36,7 @@ Controller named(Storage& storage, int station, int address) {
   return *found;
 }
 
-// One change of one controller as a transaction of its own.
+// Changes one controller in a transaction of its own.
 template <typename Change>
 void change(SiteFile& file, int station, int address, Change apply) {
   Storage& storage = file.get();

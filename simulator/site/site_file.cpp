@@ -9,7 +9,7 @@ namespace site {
 SiteFile::Identity SiteFile::identify(const std::filesystem::path& file) {
   struct stat status {};
   if (::stat(file.string().c_str(), &status) != 0) return {};
-  // A file system without numbers still tells a file from none.
+  // A file system without file numbers still shows whether there is a file.
   return {static_cast<std::uintmax_t>(status.st_dev) + 1, static_cast<std::uintmax_t>(status.st_ino) + 1};
 }
 

@@ -14,7 +14,8 @@ namespace {
 constexpr int busyMilliseconds = 10000;
 constexpr int layout = 1;
 
-// The transaction memory of a controller is the run of records from first_record up to before next_record.
+// The transaction memory of a controller holds the records from first_record up to, not including,
+// next_record.
 constexpr const char* tables = R"sql(
 create table controllers (
   id integer primary key, station integer not null, address integer not null, type text not null,
@@ -76,7 +77,7 @@ bool Row::isNull(int column) const {
 }
 
 Storage::Storage(const std::filesystem::path& file) : name_(file.string()) {
-  // The file is made private while it is still empty; what SQLite puts beside it takes over its permissions.
+  // The file is made private while it is still empty. SQLite gives the files beside it the same permissions.
   std::error_code error;
   if (std::filesystem::file_size(file, error) == 0 || error) makePrivate(file);
   const std::u8string utf8 = file.u8string();
@@ -117,7 +118,7 @@ void Storage::createTables() {
   readLayout();
   if (found == 0) {
     Transaction transaction(*this);
-    readLayout();  // another process may have been first
+    readLayout();  // another process may have made the tables first
     if (found == 0) {
       execute(tables);
       execute("pragma user_version = 1");
@@ -167,7 +168,7 @@ void Storage::Use::bind(int index, std::int64_t value) {
 
 void Storage::Use::bind(int index, std::string_view value) {
   const char* data = value.data() == nullptr ? "" : value.data();
-  // Bound without a copy: the arguments outlive the use.
+  // The text is bound without a copy: the arguments outlive the statement's run.
   if (sqlite3_bind_text(statement_, index, data, static_cast<int>(value.size()), SQLITE_STATIC) !=
       SQLITE_OK) {
     storage_.fail();
@@ -189,7 +190,7 @@ Transaction::~Transaction() {
   try {
     storage_.run("rollback");
   } catch (const Failure&) {
-    // SQLite has rolled back by itself after the failure that brought us here.
+    // SQLite has already rolled back after the failure that led here.
   }
 }
 

@@ -12,7 +12,7 @@ struct sqlite3_stmt;
 
 namespace site {
 
-/// The row a query stands on; valid inside the callback only.
+/// The row at which a query stands. Valid only within the callback.
 class Row {
  public:
   explicit Row(sqlite3_stmt* statement) : statement_(statement) {}
@@ -31,14 +31,14 @@ class Row {
   sqlite3_stmt* statement_;
 };
 
-/// The SQLite file of a site. Safe against a second process and against being killed at any moment; a power
-/// cut may cost the last calls. Each statement is prepared once. Every failure raises Failure.
+/// The SQLite file of a site. It is safe with a second process and when a process is killed at any moment. A
+/// power cut may lose the last calls. Each statement is prepared once. Every failure raises Failure.
 class Storage {
  public:
-  /// Opens the file and creates what it lacks; files are for their owner only. Raises Failure for a file of
+  /// Opens the file and creates what it lacks. Only the owner can use the files. Raises Failure for a file of
   /// another layout.
   explicit Storage(const std::filesystem::path& file);
-  /// An empty site of no file.
+  /// An empty site without a file.
   Storage();
   ~Storage();
   Storage(const Storage&) = delete;
@@ -50,7 +50,7 @@ class Storage {
     each(
         sql, [](const Row&) {}, arguments...);
   }
-  /// Calls `take` with each row of a query. `take` must not run the same SQL text again.
+  /// Calls `take` with each row of a query. `take` must not run the same SQL text.
   template <typename Take, typename... Arguments>
   void each(std::string_view sql, Take take, const Arguments&... arguments) {
     Use use(*this, sql);
@@ -58,11 +58,11 @@ class Storage {
     (use.bind(++index, arguments), ...);
     while (use.step()) take(Row(use.statement()));
   }
-  /// Rows changed by the last `run`.
+  /// How many rows the last `run` changed.
   [[nodiscard]] int changes() const;
 
  private:
-  // A prepared statement in use: fresh at the end, also when the use was left by an exception.
+  // One use of a prepared statement. It is reset at the end, even when an exception ends the use.
   class Use {
    public:
     Use(Storage& storage, std::string_view sql);
@@ -95,7 +95,7 @@ class Storage {
   std::map<std::string, sqlite3_stmt*, std::less<>> statements_;
 };
 
-/// Begins at once, waiting for other processes; rolled back unless committed.
+/// Begins a transaction at once and waits for other processes. It is rolled back unless it is committed.
 class Transaction {
  public:
   explicit Transaction(Storage& storage);

@@ -5,7 +5,8 @@
 
 namespace site {
 
-/// Presents a card to a controller: decides, and records the transaction. Contract as Site::swipe.
+/// Presents a card to a controller, which decides and records the transaction. The contract is that of
+/// Site::swipe.
 [[nodiscard]] SwipeResult present(Storage& storage, Controller& controller, const Swipe& swipe);
 
 }  // namespace site

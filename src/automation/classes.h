@@ -10,7 +10,7 @@ namespace voxa::automation {
 struct CreatableClass {
   const CLSID* id;
   const wchar_t* name;
-  IUnknown* (*make)();  ///< uncounted
+  IUnknown* (*make)();  ///< without a counted reference
 };
 
 [[nodiscard]] std::span<const CreatableClass> creatableClasses();

@@ -7,7 +7,7 @@ namespace voxa::automation {
 
 namespace {
 
-/// For Each: the objects as they were when it began.
+/// For Each: gives the objects that were there when it began.
 class Enumerator final : public Counted<IEnumVARIANT> {
  public:
   explicit Enumerator(std::vector<IDispatch*> objects) : objects_(std::move(objects)) {}
@@ -129,7 +129,7 @@ void* objectBehind(IUnknown* object, REFIID privateId, const char* what) {
     throw Error(err::typeMismatch,
                 std::string("Type mismatch: the object is no ") + what + " of this library");
   }
-  object->Release();  // the identifier gives no interface, only the place of the object that the caller holds
+  object->Release();  // the identifier is no interface; it only leads to the object that the caller holds
   return own;
 }
 

@@ -21,12 +21,13 @@ void require(HRESULT result, const char* what) {
   throw Error(err::typeMismatch, std::string("Type mismatch: ") + what);
 }
 
-/// The variant as one of another type.
+/// Converts the variant to another type.
 void change(OwnVariant& variant, VARTYPE type) {
   require(::VariantChangeType(&variant, &variant, 0, type), "the argument has another type");
 }
 
-/// Bytes of a variable of a type that numbers, dates and booleans can be converted to; 0 for other types.
+/// Size in bytes of a variable of a type that numbers, dates and booleans can be converted to; 0 for other
+/// types.
 std::size_t sizeOfValue(VARTYPE type) {
   switch (type) {
     case VT_I1:
@@ -205,7 +206,7 @@ HRESULT store(VARIANT& variable, const VARIANT& value) {
     return ::SysReAllocStringLen(variable.pbstrVal, text, ::SysStringLen(text)) ? S_OK : E_OUTOFMEMORY;
   }
   if (type == VT_DECIMAL) {
-    // Its first two bytes are the type, where it stands in a variant.
+    // In a variant its first two bytes hold the type.
     typed->vt = VT_EMPTY;
     *variable.pdecVal = typed->decVal;
   } else {

@@ -9,28 +9,29 @@
 
 namespace voxa::automation {
 
-/// UTF-16 to UTF-8; a null pointer is the empty text. Half a character and the character 0, at which file
-/// names and statements would end, raise `err::invalidArgument`: no text is silently cut or changed.
+/// UTF-16 to UTF-8. A null pointer is the empty text. Half a character raises `err::invalidArgument`, and so
+/// does the character 0, at which file names and statements would end: no text is silently cut or changed.
 [[nodiscard]] std::string fromBstr(BSTR text);
 /// UTF-8 to a new UTF-16 text, which the caller frees. Bytes that are no UTF-8 raise `err::invalidArgument`.
 [[nodiscard]] BSTR toBstr(const std::string& text);
 
-/// A variant as a value; Empty and Null are Null, an object stands for its default property, a reference for
+/// A variant as a value. Empty and Null are Null. An object stands for its default property, a reference for
 /// what it refers to. Arrays and other types raise `err::typeMismatch`.
 [[nodiscard]] Value fromVariant(const VARIANT& variant);
 /// A value as a new variant, which the caller clears.
 [[nodiscard]] VARIANT toVariant(const Value& value);
 
-/// Whether an optional argument was left out.
+/// Whether the caller left out an optional argument.
 [[nodiscard]] bool isMissing(const VARIANT& variant);
 
-/// What an argument stands for: the caller's variant behind references to variants, else the argument itself,
-/// which may be a reference to a variable with a type of its own.
+/// The variable behind an argument. Where references lead to a variant of the caller's, it is that variant.
+/// Else it is the argument itself, which may be a reference to a variable of another type.
 [[nodiscard]] VARIANT& variableBehind(VARIANT& argument);
-/// Whether a value can go into the variable: a variant, or one of a type that values can be converted to.
+/// Whether a value can be stored in the variable: it is a variant, or has a type that values can be converted
+/// to.
 [[nodiscard]] bool canHoldValue(const VARIANT& variable);
-/// Puts a copy of the value into the variable, in the variable's own type if it has one; fails when that type
-/// cannot hold it.
+/// Copies the value into the variable, converted to the variable's own type if it has one. Fails when that
+/// type cannot hold the value.
 [[nodiscard]] HRESULT store(VARIANT& variable, const VARIANT& value);
 
 /// A variant that is cleared at the end of its life.
@@ -51,7 +52,7 @@ class OwnVariant {
   VARIANT value_;
 };
 
-// Results, as a member hands them out.
+// Results in the form in which a member hands them out.
 inline void put(short* out, std::int16_t value) {
   *out = value;
 }
@@ -68,7 +69,8 @@ inline void put(VARIANT* out, const Value& value) {
   *out = toVariant(value);
 }
 
-/// A boolean that is passed by reference and may be missing: false then, and nothing is written back.
+/// An optional boolean that is passed by reference. When it is missing, it is false, and nothing is written
+/// back.
 class Flag {
  public:
   explicit Flag(VARIANT_BOOL* target) : target_(target), value_(target != nullptr && *target != 0) {}

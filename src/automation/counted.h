@@ -6,8 +6,8 @@
 
 namespace voxa::automation {
 
-/// The count of an object's references, over the interfaces in `Base`: an object is made with new and ends
-/// with its last reference. It keeps the library loaded. One thread.
+/// Counts the references to an object, over the interfaces in `Base`. An object is made with new and deletes
+/// itself with its last reference. It keeps the library loaded. One thread.
 template <typename Base>
 class Counted : public Base {
  public:
@@ -25,7 +25,8 @@ class Counted : public Base {
  protected:
   virtual ~Counted() = default;
 
-  /// The answer to a query for an interface: `found`, counted, or that there is none.
+  /// The answer to a query for an interface: `found`, with its reference counted, or that there is no such
+  /// interface.
   HRESULT answer(void* found, void** out) {
     if (out == nullptr) return E_POINTER;
     *out = found;

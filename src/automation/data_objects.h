@@ -12,16 +12,16 @@
 
 namespace voxa::automation {
 
-// The data objects: the database engine's seam in the shape that callers of that engine's own automation
-// objects know. All are handed out uncounted.
+// The data objects show the database engine's seam in the shape of that engine's own automation objects,
+// which callers know. They are handed out without a counted reference.
 
-/// The object of an open database, the same for everybody while somebody holds it; nullptr for none.
+/// The object of an open database; nullptr for none. While somebody holds it, everybody gets the same one.
 [[nodiscard]] ::IDatabase* databaseObject(const std::shared_ptr<Database>& database);
 
 [[nodiscard]] ::IRecordset* makeRecordset(std::unique_ptr<Recordset> rows);
 
 [[nodiscard]] ::ITableDef* makeTableDef(std::shared_ptr<TableDef> definition);
-/// The definition behind a caller's object; `err::typeMismatch` when it is none of this library's.
+/// The definition behind a caller's object. `err::typeMismatch` when the object is not of this library.
 [[nodiscard]] TableDef& definitionBehind(IUnknown* object);
 
 [[nodiscard]] ::IRelation* makeRelation(std::shared_ptr<Relation> relation);
@@ -30,7 +30,7 @@ namespace voxa::automation {
 /// A query of that database.
 [[nodiscard]] ::IQueryDef* makeQueryDef(std::shared_ptr<Database> database, const QueryDef& query);
 
-/// Bits of the Attributes of a field and of a relation, as callers of the engine's own objects know them.
+/// Bits of the Attributes of a field and of a relation. Callers of the engine's own objects know them.
 inline constexpr std::int32_t autoIncrementAttribute = 16;
 inline constexpr std::int32_t cascadeUpdateAttribute = 256;
 inline constexpr std::int32_t cascadeDeleteAttribute = 4096;
@@ -43,23 +43,23 @@ struct DefinedField {
 };
 [[nodiscard]] const DefinedField& fieldBehind(IUnknown* object);
 
-/// What a collection is over. Members that are not set are refused with 3219.
+/// What a collection consists of. A member that is not set is refused with 3219.
 struct CollectionSource {
   std::function<std::size_t()> count;
-  /// The object at a position below count, uncounted.
+  /// The object at a position below count, without a counted reference.
   std::function<IDispatch*(std::size_t)> item;
-  /// Position of a name in any case; raises `err::dbNotInCollection` for another.
+  /// Position of a name, in any case. Raises `err::dbNotInCollection` when there is none.
   std::function<std::size_t(const std::string&)> find;
   std::function<void(IDispatch*)> append;
   std::function<void(const std::string&)> remove;
 };
 [[nodiscard]] ::ICollection* makeCollection(CollectionSource source);
 
-/// The position of a name in any case among those of `count` things.
+/// Position of a name, in any case, among `count` things.
 [[nodiscard]] std::size_t findName(const std::string& name, std::size_t count,
                                    const std::function<std::string(std::size_t)>& nameAt);
 
-/// The C++ object behind a caller's, found by an identifier that no other library knows.
+/// The C++ object behind a caller's object. Only this library knows the identifier by which it is found.
 [[nodiscard]] void* objectBehind(IUnknown* object, REFIID privateId, const char* what);
 
 }  // namespace voxa::automation

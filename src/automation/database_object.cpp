@@ -49,7 +49,8 @@ class QueryDefObject final : public Object<::IQueryDef> {
       return makeCollection({
           .count = [all] { return all->size(); },
           .item = [all](std::size_t i) -> IDispatch* { return new ParameterObject(all, i); },
-          // A name that has no value yet is about to get one; the query itself refuses one it does not know.
+          // Any name is accepted here, since the caller is about to give it a value. The query refuses a name
+          // that it does not know.
           .find =
               [all](const std::string& name) {
                 const auto known = [&](const auto& parameter) { return parameter.first == name; };

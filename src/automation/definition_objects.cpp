@@ -6,13 +6,13 @@ namespace voxa::automation {
 
 namespace {
 
-// {C77D0FA1-6C1E-4A2B-9B1C-0D9C8B6F4E11} and its neighbours: identifiers of this library's own objects.
+// {C77D0FA1-6C1E-4A2B-9B1C-0D9C8B6F4E11} and its neighbours identify this library's own objects.
 constexpr GUID fieldId = {0xc77d0fa1, 0x6c1e, 0x4a2b, {0x9b, 0x1c, 0x0d, 0x9c, 0x8b, 0x6f, 0x4e, 0x11}};
 constexpr GUID indexId = {0xc77d0fa1, 0x6c1e, 0x4a2b, {0x9b, 0x1c, 0x0d, 0x9c, 0x8b, 0x6f, 0x4e, 0x12}};
 constexpr GUID tableId = {0xc77d0fa1, 0x6c1e, 0x4a2b, {0x9b, 0x1c, 0x0d, 0x9c, 0x8b, 0x6f, 0x4e, 0x13}};
 constexpr GUID relationId = {0xc77d0fa1, 0x6c1e, 0x4a2b, {0x9b, 0x1c, 0x0d, 0x9c, 0x8b, 0x6f, 0x4e, 0x14}};
 
-/// A definition that was read from a file says what the file holds; it is not the way to change it.
+/// A definition that was read from a file tells what the file holds. It cannot be used to change the file.
 class DefinedFieldObject final : public Object<::IField> {
  public:
   explicit DefinedFieldObject(DefinedField field) : field_(std::move(field)) {}
@@ -98,7 +98,7 @@ class DefinedFieldObject final : public Object<::IField> {
   DefinedField field_;
 };
 
-/// The columns of an index or a relation, of which only names count.
+/// The columns of an index or a relation. Only their names count.
 template <typename Names>
 ::ICollection* nameCollection(std::shared_ptr<Names> names) {
   return makeCollection({

@@ -10,12 +10,13 @@ namespace voxa::automation {
 
 namespace {
 
-/// The arguments of one call in the order and the types that the member wants, and the caller's variables
-/// behind them.
+/// The arguments of one call, in the order and with the types that the member needs, and the caller's
+/// variables behind them.
 class Arguments {
  public:
-  /// Converts all that was given, by position or by name, and fills in what was left out: nothing of it can
-  /// fail any more when the member runs. The place of an argument that is wrong goes to badArgument.
+  /// Converts all arguments that were given, by position or by name, and fills in those that were left out.
+  /// So nothing about them can fail later, while the member runs. badArgument: gets the place of a wrong
+  /// argument.
   HRESULT convert(const DISPPARAMS& given, const TypeInformation::Member& member, UINT* badArgument) {
     const std::size_t count = member.parameters.size();
     constexpr UINT nowhere = ~0U;
@@ -23,7 +24,7 @@ class Arguments {
     for (UINT at = 0; at < given.cArgs; ++at) {
       const bool named = at < given.cNamedArgs;
       const std::size_t position = named ? namedPosition(given.rgdispidNamedArgs[at], count)
-                                         : given.cArgs - 1 - at;  // the last one stands first
+                                         : given.cArgs - 1 - at;  // the last argument stands first
       if (position >= count || places[position] != nowhere) {
         if (badArgument != nullptr) *badArgument = at;
         return named ? DISP_E_PARAMNOTFOUND : DISP_E_BADPARAMCOUNT;
@@ -50,7 +51,8 @@ class Arguments {
 
   [[nodiscard]] DISPPARAMS* params() { return &params_; }
 
-  /// Puts the results by reference into the caller's variables: all that fit, even when one does not.
+  /// Stores the results in the caller's variables that were passed by reference. A variable that cannot hold
+  /// its result does not stop the others.
   HRESULT writeBack() {
     HRESULT first = S_OK;
     for (const Reference& reference : references_) {
@@ -93,7 +95,7 @@ class Arguments {
       return S_OK;
     }
     if (wanted == (VT_BYREF | VT_VARIANT) && isReference) {
-      // The member itself sees what kind of variable it is, and stores accordingly.
+      // The member itself sees what kind of variable it gets, and stores its result accordingly.
       value.vt = wanted;
       value.pvarVal = &variable;
       return S_OK;
@@ -107,8 +109,9 @@ class Arguments {
     }
     if (isReference) references_.push_back({&variable, local});
     value.vt = wanted;
-    value.byref = wanted == (VT_BYREF | VT_VARIANT) ? static_cast<void*>(local)
-                                                    : &local->iVal;  // every type's value stands there
+    value.byref = wanted == (VT_BYREF | VT_VARIANT)
+                      ? static_cast<void*>(local)
+                      : &local->iVal;  // the value of every type is at this place
     return S_OK;
   }
 
@@ -123,12 +126,12 @@ class Arguments {
   DISPPARAMS params_{};
   DISPID valueOfPut_ = DISPID_PROPERTYPUT;
   std::vector<VARIANT> values_;
-  std::deque<OwnVariant> owned_;  // never moved, since arguments refer to them
+  std::deque<OwnVariant> owned_;  // elements never move, since arguments refer to them
   std::vector<Reference> references_;
 };
 
-/// Calls the default member of the object that a property hands out with the arguments that the property
-/// itself does not take: of a put all but the value count.
+/// Passes the arguments that a property itself does not take on to the default member of the object that the
+/// property hands out. For a put these are all but the value.
 HRESULT invokeOnward(IDispatch* object, const TypeInformation& type, const TypeInformation::Member& property,
                      WORD flags, DISPPARAMS& given, VARIANT* result, EXCEPINFO* exception,
                      UINT* badArgument) {

@@ -9,8 +9,9 @@
 
 namespace voxa::automation {
 
-/// The library's enumerations behind those of the interface. A number that is none of theirs stays one, for
-/// the library to tell of: none is cut to 16 bits into a number that is.
+/// These convert the interface's enumerations to the library's. A number that is in neither is handed on, and
+/// the library tells of it. One beyond 16 bits becomes the nearest limit: cut to 16 bits it could become a
+/// valid number.
 [[nodiscard]] inline std::int16_t narrowed(int value) {
   using Limits = std::numeric_limits<std::int16_t>;
   return static_cast<std::int16_t>(std::clamp<int>(value, Limits::min(), Limits::max()));

@@ -39,7 +39,7 @@ HRESULT reportCurrentException(REFIID interfaceId) noexcept {
     setErrorObject(interfaceId, error);
     return fits ? runTimeErrors | error.number : E_FAIL;
   } catch (...) {
-    return E_OUTOFMEMORY;  // not even the message could be made
+    return E_OUTOFMEMORY;  // there is no memory even for the message
   }
 }
 

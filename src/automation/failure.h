@@ -6,14 +6,14 @@
 
 namespace voxa::automation {
 
-/// The exception being handled as an automation error (call inside a catch block only): sets the thread's
-/// error object to its number and description, with the interface's name as source, and returns the HRESULT.
-/// A number up to 65535 is the one that a script's error object shows (0x800A0000 + number, the facility of
-/// the automation clients' own run-time errors); other numbers are E_FAIL, the number being in the
-/// description.
+/// Reports the exception being handled as an automation error (call inside a catch block only). Sets the
+/// thread's error object to its number and description, with the interface's name as the source, and returns
+/// the HRESULT. A number up to 65535 becomes 0x800A0000 + number, the facility of the automation clients' own
+/// run-time errors: then a script's error object shows the number. Any other number becomes E_FAIL, with the
+/// number in the description.
 [[nodiscard]] HRESULT reportCurrentException(REFIID interfaceId) noexcept;
 
-/// Runs the body of a member; no exception leaves it.
+/// Runs the body of a member. No exception leaves it.
 template <typename Body>
 [[nodiscard]] HRESULT guarded(REFIID interfaceId, Body&& body) noexcept {
   try {

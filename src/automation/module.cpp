@@ -8,7 +8,7 @@ namespace voxa::automation {
 
 namespace {
 
-std::atomic<long> uses = 0;  // the system asks from any thread whether it may unload the library
+std::atomic<long> uses = 0;  // atomic: any thread of the system may ask whether it can unload the library
 
 }  // namespace
 

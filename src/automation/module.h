@@ -6,7 +6,7 @@
 
 namespace voxa::automation {
 
-/// Counts what keeps the library loaded: living objects, and locks of the class factories.
+/// Counts what keeps the library loaded: objects that exist, and locks of the class factories.
 class ModuleUse {
  public:
   ModuleUse();
@@ -18,7 +18,7 @@ class ModuleUse {
 [[nodiscard]] bool isModuleUsed();
 void lockModule(bool lock);
 
-/// The library itself, and its full path.
+/// The handle of the library itself, and its full path.
 [[nodiscard]] HMODULE moduleHandle();
 [[nodiscard]] std::wstring modulePath();
 

@@ -13,15 +13,15 @@
 
 namespace voxa::automation {
 
-/// Hands out an object, counted.
+/// Hands out an object and counts the reference.
 template <typename Interface>
 void put(Interface** out, Interface* object) {
   if (object != nullptr) object->AddRef();
   *out = object;
 }
 
-/// A dual interface by name and by vtable. A derived class writes the members of `Interface` alone: each
-/// converts, calls, converts back.
+/// A dual interface, called by name and through its vtable. A derived class writes only the members of
+/// `Interface`. Each of them converts, calls, and converts back.
 template <typename Interface>
 class Dual : public Interface {
  public:
@@ -68,7 +68,7 @@ class Dual : public Interface {
   [[nodiscard]] HRESULT call(Body&& body) noexcept {
     return guarded(__uuidof(Interface), std::forward<Body>(body));
   }
-  /// The body of a member that gives a value.
+  /// The body of a member that returns a value.
   template <typename Out, typename Body>
   [[nodiscard]] HRESULT give(Out* out, Body&& body) noexcept {
     if (out == nullptr) return E_POINTER;
@@ -77,11 +77,11 @@ class Dual : public Interface {
   }
 };
 
-/// A dual interface whose errors say more than a number.
+/// A dual interface whose errors have a description beside the number.
 template <typename Interface>
 class Reporting : public Dual<Interface>, public ISupportErrorInfo {};
 
-/// What every automation object shares. Objects are made with new and end with their last reference.
+/// What all automation objects share. An object is made with new and deletes itself with its last reference.
 template <typename Interface>
 class Object : public Counted<Reporting<Interface>> {
  public:
@@ -97,12 +97,12 @@ class Object : public Counted<Reporting<Interface>> {
   }
 
  protected:
-  /// An interface beside the first, of the same object; nullptr for none. Not counted yet.
+  /// A further interface of the same object; nullptr for none. The reference is not counted yet.
   virtual void* furtherInterface(REFIID) { return nullptr; }
 };
 
-/// The one living object of a class, made when there is none: whoever asks for one of the library's service
-/// or table objects gets the same as long as somebody holds it.
+/// The one object of a class, made when there is none. While somebody holds one of the library's service or
+/// table objects, everybody who asks for it gets the same one.
 template <typename Class>
 class Shared {
  public:

@@ -10,7 +10,7 @@ namespace voxa::automation {
 
 namespace {
 
-/// The object of a registered table, by its other face.
+/// The ITable interface of a registered table's object.
 ::ITable* contractOf(const ITable& table) {
   struct Maker {
     const char* name;

@@ -10,7 +10,7 @@ using Microsoft::WRL::ComPtr;
 
 class RecordsetObject;
 
-/// Bytes that a value of a type takes, as callers know them; the number of characters of a text.
+/// Size in bytes of a value of a type, as callers know it; for a text its number of characters.
 long sizeOf(const FieldDef& field) {
   switch (field.type) {
     case DataType::Boolean:

@@ -1,4 +1,4 @@
-// Registration of the server for all users of the machine or for the one who registers it.
+// Registers the server for all users of the machine, or only for the user who registers it.
 
 #include <oaidl.h>
 
@@ -8,7 +8,7 @@
 #include "korva.h"
 #include "module.h"
 
-// In the import library, but not in the compiler's headers.
+// The import library has this function, the compiler's headers do not.
 extern "C" {
 HRESULT WINAPI RegisterTypeLibForUser(ITypeLib* library, OLECHAR* path, OLECHAR* helpFolder);
 HRESULT WINAPI UnRegisterTypeLibForUser(REFGUID id, WORD major, WORD minor, LCID language, SYSKIND kind);
@@ -81,10 +81,10 @@ HRESULT install(bool forUser) {
   for (const CreatableClass& made : creatableClasses()) {
     const std::wstring name = std::wstring(L"KORVA.") + made.name;
     const std::wstring key = L"CLSID\\" + textOf(*made.id);
-    registry.remove(key);  // with a ThreadingModel that an earlier version has left
+    registry.remove(key);  // an earlier version may have left a ThreadingModel in it
     registry.set(key, nullptr, name);
-    // No ThreadingModel: all objects live in the process's main apartment, where nothing needs a lock, and
-    // the system carries the calls of other threads there.
+    // There is no ThreadingModel. So all objects live in the process's main apartment, where nothing needs a
+    // lock, and the system carries calls from other threads there.
     registry.set(key + L"\\InprocServer32", nullptr, path);
     registry.set(key + L"\\ProgID", nullptr, name);
     registry.set(key + L"\\TypeLib", nullptr, textOf(LIBID_KORVA));
@@ -104,11 +104,11 @@ HRESULT uninstall(bool forUser) {
   const HRESULT result = registry.result();
   const HRESULT typeLibrary = unregisterTypeLibrary(forUser);
   if (FAILED(result)) return result;
-  // Of one that was not registered the system says that it cannot get at the registry.
+  // For a type library that is not registered the system reports that it cannot get at the registry.
   return registry.has(L"TypeLib\\" + textOf(LIBID_KORVA) + L"\\1.0\\0\\win32") ? typeLibrary : S_OK;
 }
 
-/// Registers all or nothing.
+/// Registers everything or nothing.
 HRESULT installWholly(bool forUser) {
   const HRESULT result = install(forUser);
   if (FAILED(result)) (void)uninstall(forUser);
@@ -127,7 +127,7 @@ STDAPI DllUnregisterServer() {
   return voxa::automation::uninstall(false);
 }
 
-/// `regsvr32 /n /i:user VOXA.dll` registers for the user alone.
+/// `regsvr32 /n /i:user VOXA.dll` registers for this user alone.
 STDAPI DllInstall(BOOL install, PCWSTR commandLine) {
   const bool forUser = commandLine != nullptr && std::wstring(commandLine) == L"user";
   return install != FALSE ? voxa::automation::installWholly(forUser) : voxa::automation::uninstall(forUser);

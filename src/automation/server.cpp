@@ -1,4 +1,4 @@
-// What the operating system asks of an automation server: class factories, and whether it may be unloaded.
+// What the operating system asks from an automation server: class factories, and whether it may be unloaded.
 
 #include "classes.h"
 #include "object.h"

@@ -9,11 +9,11 @@ class Library;
 
 namespace voxa::automation {
 
-/// The library's context, the same for every object of the process.
+/// The library's context. All objects of the process share it.
 [[nodiscard]] Library& library();
 
-// The objects that a caller can create by name, and those that they hand out. Those of the library's service
-// and table objects are the same for everybody who asks while somebody holds them.
+// The objects that a caller can create by name, and those that they hand out. While somebody holds a service
+// or table object of the library, everybody who asks for it gets the same one.
 
 [[nodiscard]] IUnknown* makeGlob();
 [[nodiscard]] ::IQDB* qdbObject();

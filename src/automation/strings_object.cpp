@@ -10,7 +10,7 @@ namespace voxa::automation {
 
 namespace {
 
-/// A member of a foreign object; DISPID_UNKNOWN when it has none of that name.
+/// The number of a foreign object's member; DISPID_UNKNOWN when it has none of that name.
 DISPID memberOf(IDispatch& object, const wchar_t* name) {
   LPOLESTR wanted = const_cast<LPOLESTR>(name);
   DISPID id = DISPID_UNKNOWN;
@@ -18,7 +18,7 @@ DISPID memberOf(IDispatch& object, const wchar_t* name) {
                                                                                          : DISPID_UNKNOWN;
 }
 
-/// A property of a foreign object, by name; Null when it has none of that name.
+/// A foreign object's property of that name; Null when it has none.
 Value property(IDispatch& object, const wchar_t* name) {
   const DISPID id = memberOf(object, name);
   if (id == DISPID_UNKNOWN) return {};
@@ -30,7 +30,7 @@ Value property(IDispatch& object, const wchar_t* name) {
   return FAILED(result) ? Value() : fromVariant(*value);
 }
 
-/// The name of a foreign object's type, "" when it does not tell.
+/// The name of a foreign object's type; "" when it does not tell.
 std::string typeName(IDispatch& object) {
   ITypeInfo* info = nullptr;
   if (FAILED(object.GetTypeInfo(0, LOCALE_USER_DEFAULT, &info)) || info == nullptr) return {};
@@ -42,7 +42,7 @@ std::string typeName(IDispatch& object) {
   return out;
 }
 
-/// The error object of a client. Some hosts do not tell its type; then its members do.
+/// Whether the object is a client's error object. Some hosts do not tell its type; then its members decide.
 bool isErrorObject(IDispatch& object) {
   const std::string type = typeName(object);
   if (!type.empty()) return type == "ErrObject" || type == "IErrObject" || type == "_ErrObject";
@@ -52,8 +52,8 @@ bool isErrorObject(IDispatch& object) {
   return true;
 }
 
-/// What a caller gave for a message, nothing when it cannot be read: the rest of the message tells more than
-/// an error about the message would.
+/// Reads what a caller gave for a message; nothing when it cannot be read. The rest of the message tells more
+/// than an error about the message would.
 template <typename Read>
 std::invoke_result_t<Read> available(Read&& read) {
   try {
@@ -63,8 +63,8 @@ std::invoke_result_t<Read> available(Read&& read) {
   }
 }
 
-/// What display adds to a message: an error object gives its number and description, everything else its
-/// value.
+/// What display adds to a message: the number and description of an error object, or the value of anything
+/// else.
 DisplayArgument displayArgument(const VARIANT& argument) {
   if (isMissing(argument)) return {};
   OwnVariant own;

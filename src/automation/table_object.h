@@ -8,10 +8,10 @@
 
 namespace voxa::automation {
 
-/// ITable, the other face of a table object.
+/// The second interface of a table object: ITable.
 class TableContract final : public Dual<::ITable> {
  public:
-  /// The object whose face it is, and the table behind both.
+  /// object: the object that this interface belongs to. table: the table behind both.
   TableContract(IUnknown& object, voxa::ITable& table) : object_(object), table_(table) {}
 
   STDMETHODIMP QueryInterface(REFIID wanted, void** out) override {
@@ -35,7 +35,7 @@ class TableContract final : public Dual<::ITable> {
   voxa::ITable& table_;
 };
 
-/// A table object: its own interface and ITable over the table that an accessor of QDB hands out.
+/// A table object. It has its own interface and ITable, over the table that an accessor of QDB hands out.
 template <typename Class, typename Interface, auto accessor>
 class TableObject : public Object<Interface>, public Shared<Class> {
  public:
@@ -57,7 +57,7 @@ class TableObject : public Object<Interface>, public Shared<Class> {
   TableContract contract_{*static_cast<Interface*>(this), table()};
 };
 
-// The table objects, uncounted, as a caller creates them by name or finds them in QDB.
+// The table objects, without a counted reference. A caller creates them by name or finds them in QDB.
 [[nodiscard]] ::ICardholder* cardholderObject();
 [[nodiscard]] ::IReader* readerObject();
 [[nodiscard]] ::IDailyProgram* dailyProgramObject();

@@ -57,7 +57,7 @@ TypeInformation::Parameter parameterOf(const ELEMDESC& described) {
 }
 
 bool isObject(const TYPEDESC& type) {
-  // An object is handed out through a pointer to its pointer.
+  // A result that is an object comes through a pointer to the object's pointer.
   return type.vt == VT_PTR && (type.lptdesc->vt == VT_PTR || type.lptdesc->vt == VT_DISPATCH);
 }
 
@@ -82,7 +82,8 @@ std::shared_ptr<const TypeInformation> load(REFIID interfaceId) {
   const HRESULT found = library->GetTypeInfoOfGuid(interfaceId, &info);
   library->Release();
   require(found);
-  // A dual interface is described twice: the vtable side has its functions, results as last argument.
+  // A dual interface is described twice. This is the vtable side, whose functions have their result as the
+  // last argument.
   out->info = info;
   HREFTYPE vtableSide = 0;
   ITypeInfo* interface_ = nullptr;
@@ -131,7 +132,7 @@ std::string className(REFIID interfaceId) {
   require(type->info->GetDocumentation(MEMBERID_NIL, &name, nullptr, nullptr, nullptr));
   std::string out = fromBstr(name);
   ::SysFreeString(name);
-  // ITable is known by that name; of the others only the interface begins with I.
+  // ITable keeps its name. For the others the I belongs to the interface, not to the class.
   return out == "ITable" ? out : out.substr(1);
 }
 

@@ -10,17 +10,17 @@
 
 namespace voxa::automation {
 
-/// What the type library says of one interface, as far as calls by name need it.
+/// What calls by name need to know of an interface, from the type library.
 struct TypeInformation {
   struct Parameter {
     VARTYPE type;  ///< VT_BYREF included; VT_I4 of an enumeration, VT_DISPATCH of every kind of object
     bool isOptional;
-    OwnVariant whenLeftOut;  ///< Empty, which every type has a value for, when the library tells none
+    OwnVariant whenLeftOut;  ///< Empty, which can be converted to every type, when the library has no default
   };
   struct Member {
     DISPID id;
     INVOKEKIND kind;
-    std::vector<Parameter> parameters;  ///< the result apart
+    std::vector<Parameter> parameters;  ///< without the result
     bool returnsObject;
   };
 
@@ -31,10 +31,10 @@ struct TypeInformation {
   std::vector<Member> members;
 };
 
-/// Of an interface of this library; read from the type library in it at first use and kept until the last
-/// object is gone. Raises `err::internalError` when it cannot be read.
+/// The description of an interface of this library. It is read from the type library in VOXA.dll at first use
+/// and kept until the last object is gone. Raises `err::internalError` when it cannot be read.
 [[nodiscard]] std::shared_ptr<const TypeInformation> typeInformation(REFIID interfaceId);
-/// Forgets what was read: called when the last object is gone, since nothing may be left to do when the
+/// Forgets all descriptions. Called when the last object is gone, so that nothing is left to do when the
 /// process ends.
 void forgetTypeInformation();
 

@@ -14,7 +14,7 @@ CommandFile::~CommandFile() {
   try {
     fclose();
   } catch (const Error&) {
-    // Nobody sends this file any more.
+    // Nobody will send this file any more.
   }
 }
 
@@ -34,9 +34,9 @@ void CommandFile::fopen() {
   begin();
   const LineSpan lines(context_, LineSpan::Take::forAMoment);
   emptied_ = lines.refusal().empty();
-  if (!emptied_) return;  // another process is sending: the send of these lines will write them
-  // A new file where that is possible: one that is emptied and written again some file systems take to the
-  // disk at once, and downloads write by the thousand what nobody needs after a crash.
+  if (!emptied_) return;  // another process is sending; the send of these lines will write them
+  // A new file where that is possible. Some file systems take a file to the disk at once when it is emptied
+  // and written again. Downloads write thousands of these files, which nobody needs after a crash.
   file_.fopenNew();
   file_.fclose();
 }
@@ -68,7 +68,7 @@ void CommandFile::write(bool anew) {
 }
 
 void CommandFile::write(const std::vector<std::string>& lines) {
-  begin();  // the file is not emptied first: what is sent next is written at once
+  begin();  // does not empty the file first, since its lines are written right away
   for (const std::string& line : lines) fprint(line);
   fclose();
 }

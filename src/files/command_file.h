@@ -9,12 +9,12 @@ namespace voxa {
 
 class FileContext;
 
-/// The file of controller command lines that the driver sends: one command a line, the file ended by one
-/// empty line, emptied by every fopen. One for the whole library; two downloads must not be interleaved
-/// between fopen and the send. Failing writes are raised to the download that made them.
+/// The file of controller command lines that the driver sends. It has one command a line and ends with one
+/// empty line. Each fopen empties it. There is one for the whole library: two downloads must not be mixed
+/// between fopen and the send. A write that fails is raised to the download that made it.
 ///
-/// Another process that shares the folder has its lines in the same file. So the lines are kept here, are
-/// written while nobody sends his, and are written anew by the send when somebody has replaced them.
+/// Another process that shares the folder has its lines in the same file. So the lines are kept here. They
+/// are written while no other process sends, and the send writes them again when somebody has replaced them.
 class CommandFile {
  public:
   explicit CommandFile(FileContext& context);
@@ -22,23 +22,23 @@ class CommandFile {
   CommandFile(const CommandFile&) = delete;
   CommandFile& operator=(const CommandFile&) = delete;
 
-  /// True once a line has been written since the last fopen; fclose leaves it, so that the sender still sees
+  /// True once a line was written since the last fopen. fclose does not reset it: the sender needs it to see
   /// whether there is anything to send.
   bool isFull = false;
 
   [[nodiscard]] std::string fileName() const { return "COMMAND.TXT"; }  ///< without its folder
 
-  /// Places the file in the working folder as `Com.Chemin` has it now, as its creation does and
-  /// `Glob.Initialize`; a later assignment to `Chemin` alone leaves it where it is.
+  /// Places the file in the working folder that `Com.Chemin` names now. The constructor and `Glob.Initialize`
+  /// do the same. A later change of `Chemin` alone does not move the file.
   void Initialize();
   void fopen();
   void fprint(const std::string& text);  ///< one command line; "" is not written
   void fclose();
-  /// fopen, fprint of each line, fclose, in one piece.
+  /// fopen, fprint of each line, and fclose in one call.
   void write(const std::vector<std::string>& lines);
 
-  /// Sees to it that the file holds what was printed since the last fopen. For the send, which has the lines
-  /// (comm/line_span.h). A file that the caller made himself, setting isFull, is left as it is.
+  /// Makes sure that the file holds what was printed since the last fopen. For the send, which has the lines
+  /// (files/line_span.h). A file that the caller made without this class, setting isFull, stays as it is.
   void restore();
 
  private:
@@ -47,10 +47,10 @@ class CommandFile {
 
   FileContext& context_;
   SeqFile file_;
-  std::string text_;  // what the file is to hold, in code page 1252
+  std::string text_;  // what the file must hold, in code page 1252
   bool open_ = false;
-  bool printed_ = false;  // a line since the last fopen; isFull is the caller's, too
-  bool emptied_ = false;  // the file, by the last fopen
+  bool printed_ = false;  // a line since the last fopen; isFull can be set by the caller, too
+  bool emptied_ = false;  // the last fopen emptied the file
 };
 
 }  // namespace voxa

@@ -34,7 +34,7 @@ void closeDatabaseFile(FileContext& context, const std::string& name) {
   const bool bare = name.find_first_of("\\/") == std::string::npos;
   const std::string wanted = toUpper(files::native(bare ? files::currentFolder() + "\\" + name : name));
   auto open = context.engine().databases();
-  std::reverse(open.begin(), open.end());  // the youngest first
+  std::reverse(open.begin(), open.end());  // the one opened last comes first
   for (const auto& database : open) {
     if (toUpper(database->name()) == wanted) database->close();
   }

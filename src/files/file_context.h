@@ -9,7 +9,7 @@ namespace voxa {
 class CommandFile;
 class LineLock;
 
-/// Where an installation is. No path is checked when it is set.
+/// Where an installation is. A path is not checked when it is set.
 struct Paths {
   std::string AppDB;        ///< path of the main database
   std::string IniFile;      ///< path of the driver's ini file

@@ -47,7 +47,7 @@ void SeqFile::abandon() {
   try {
     if (ch_ != 0) fclose();
   } catch (const Error&) {
-    // Whoever needs to know whether the last lines reached the disk closes the file itself.
+    // A caller who must know whether the last lines reached the disk closes the file himself.
   }
 }
 
@@ -76,7 +76,7 @@ void SeqFile::open(files::Stream::Mode mode) {
   try {
     stream_.emplace(name_, mode);
   } catch (const Error&) {
-    stream_.reset();  // the number stays taken, and the next access says what is wrong
+    stream_.reset();  // the number stays taken, and the next access tells what is wrong
   }
 }
 

@@ -12,7 +12,7 @@ namespace voxa {
 
 namespace {
 
-// A path as the refusal tests compare it: "\" between its parts, from the root on, upper-case.
+// A path in the form in which two are compared: absolute, with "\" between its parts, in upper-case.
 std::string comparable(std::string path) {
   std::replace(path.begin(), path.end(), '/', '\\');
   const bool absolute = path.starts_with('\\') || (path.size() > 1 && path[1] == ':');
@@ -32,7 +32,7 @@ bool isJournal(FileContext& context, const std::string& chosen) {
   return comparable(chosen) == inWorkingFolder(context, "\\JOURNAL.MDB");
 }
 
-// The main database's suffix is compared in its mixed case with an upper-case name and so never matches:
+// The main database's name has small letters here and never equals the upper-case name that was chosen. So
 // only the journal is protected, as users of these dialogs expect.
 bool isProtected(FileContext& context, const std::string& chosen) {
   return isJournal(context, chosen) || comparable(chosen) == inWorkingFolder(context, "\\KRV.mdb");
@@ -64,8 +64,8 @@ std::int16_t UFile::DlgRename(const std::string& fileName) {
   const std::string chosen = choose("msgSaveAs", fileName, true);
   if (chosen.empty()) return -1;
   if (isProtected(context_, chosen)) return refuse();
-  if (comparable(chosen) == comparable(fileName)) return 0;  // it has that name already
-  // A copy reaches another volume, too, and a file of that name is replaced by a whole one or not at all.
+  if (comparable(chosen) == comparable(fileName)) return 0;  // the file already has that name
+  // A copy can reach another volume. It also replaces a file of that name as a whole or not at all.
   files::copy(fileName, chosen);
   files::remove(fileName);
   return 0;
@@ -88,7 +88,7 @@ std::int16_t UFile::DlgRestore(const std::string& newFileName) {
   if (chosen.empty()) return -1;
   if (isProtected(context_, chosen)) return refuse();
   if (files::exists(newFileName) && !confirmed("msgOverrideYN")) return -1;
-  // A file that is no database must not replace one: opening it raises the engine's error first.
+  // A file that is no database must not replace one, so it is opened first, which raises the engine's error.
   const auto backup = context_.engine().open(chosen);
   requireFit(*backup);
   backup->close();

@@ -9,17 +9,17 @@ namespace voxa {
 class Database;
 class FileContext;
 
-/// File dialogs on database files. Each returns 0 when done, -1 when the person cancelled or the name was
-/// refused ("msgIllegalName"): the journal of the working folder may not be chosen. Failing file operations
-/// are raised.
+/// File dialogs for database files. Each returns 0 when done, and -1 when the person cancelled or the name
+/// was refused ("msgIllegalName"): nobody may choose the journal of the working folder. A file operation that
+/// fails is raised.
 class UFile {
  public:
   explicit UFile(FileContext& context) : context_(context) {}
 
-  /// What the dialogs show beside their title; the callers set them.
+  /// What the dialogs show beside their title. Callers set these.
   std::string filter;
   int flags = 0;
-  /// Raises what makes a backup unfit for DlgRestore; any database is fit unless a caller sets this.
+  /// Raises an Error when a backup is unfit for DlgRestore. Callers set it; without it every database is fit.
   std::function<void(Database&)> requireFit = [](Database&) {};
 
   std::int16_t DlgRename(const std::string& fileName);      ///< moves it to the name chosen

@@ -12,7 +12,7 @@ namespace {
 constexpr const char* clearingCode = "00000000";
 constexpr const char* noDate = "000000";
 
-// Spells the lines of one card for one kind of controller.
+// Makes the lines of one card for one kind of controller.
 class Lines {
  public:
   Lines(std::int32_t cardNum, bool separated)
@@ -46,7 +46,7 @@ std::vector<std::string> cardLines(const CardRecord& card, const CardRights& rig
                                    const std::vector<std::int16_t>& liftOutputs,
                                    std::string_view controllerType, DateTime today) {
   Lines lines(card.number, controllerType == "VRMD1");
-  // A card that is gone, or has no code any more, must not be left with the old one.
+  // A controller must not keep the old code of a card that is gone or has no code any more.
   if (card.deleted || (card.parts[cardCodePart] && card.code.empty())) {
     lines.add("09", clearingCode);
     return lines.take();

@@ -11,7 +11,7 @@
 
 namespace voxa {
 
-/// The parts of a card's record that are sent separately.
+/// The parts of a card's record. Each is sent on its own.
 enum CardPart : std::uint8_t {
   cardCodePart,
   accessGroupPart,
@@ -24,37 +24,37 @@ enum CardPart : std::uint8_t {
 constexpr std::size_t cardPartCount = 7;
 using CardParts = std::bitset<cardPartCount>;
 
-/// A card's place and code, and what a controller is to know of it.
+/// A card's number and code, and what a controller must know of it.
 struct CardRecord {
   std::int32_t number = 0;  ///< 1 to 9999 on the controllers
-  std::string code;         ///< up to 8 characters 0-9, A-F or ":" to "?"; "" for a card that has none
+  std::string code;         ///< up to 8 characters 0-9, A-F or ":" to "?"; "" when the card has no code
   bool deleted = false;
   bool validated = true;
   std::int16_t pinCode = 0;
   bool supervisor = false;
   std::optional<DateTime> validationDate;  ///< none: unlimited
   std::int16_t credit = 0;
-  CardParts parts;  ///< what is to be sent
+  CardParts parts;  ///< the parts to send
 };
 
 /// What a card's access group grants on one controller.
 struct CardRights {
-  std::int16_t weeklyProgram = 0;  ///< of family C; a controller binds a card to one program only
+  std::int16_t weeklyProgram = 0;  ///< of family C; a controller can bind a card to only one program
   bool firstDoor = false;          ///< reader positions 1 and 3
   bool secondDoor = false;         ///< reader positions 2 and 4
 };
 
-/// "09", the number in four digits and eight zeros: the line that clears a card in the controllers.
+/// The line that clears a card on the controllers: "09", the number in four digits, eight zeros.
 [[nodiscard]] std::string clearCardLine(std::int32_t cardNum);
 
-/// The lines of one card for one controller, those of `parts` only:
+/// The lines of one card for one controller, only those of `parts`:
 ///   09 code, 33 weekly program (two digits), 16 and 17 first and second door (0 or 1), 19 personal code
 ///   (four digits), 49 supervisor, 35 last valid day (ddmmyy, 000000 without), 36 credit (two digits), each
 ///   with the card number in four digits behind the command; then 37 with each lift output (two digits).
-/// A VRMD1 controller wants the command, the record version 01, the number and the value separated by ";",
-/// the lift lines excepted. A number that its width cannot hold, and a card without a number, raise
-/// `err::overflow`: the line would be read as another card's; so does a last day that the controllers would
-/// take for another one `today` (controller_date.h).
+/// A VRMD1 controller needs the command, the record version 01, the number and the value, separated by ";",
+/// in all but the lift lines. Raises `err::overflow` for a number that its field cannot hold and for a card
+/// without a number, since the controller would take the line for another card's. Raises it, too, for a last
+/// day that the controllers would take for another day `today` (controller_date.h).
 [[nodiscard]] std::vector<std::string> cardLines(const CardRecord& card, const CardRights& rights,
                                                  const std::vector<std::int16_t>& liftOutputs,
                                                  std::string_view controllerType, DateTime today);

@@ -6,12 +6,12 @@
 
 namespace voxa {
 
-/// Whether controllers that are told a date with the last two digits of its year take it for that date: they
-/// take the year that brings it nearest to the day on which they are told.
+/// Whether controllers take the last two digits of a year for this date's year. They choose the year that
+/// brings the date nearest to the day on which they are told.
 [[nodiscard]] bool controllersRead(DateTime date, DateTime today);
 
-/// The date as command lines have it, "ddmmyy". Raises `err::overflow` for one that they would take for
-/// another.
+/// The date as it stands in command lines, "ddmmyy". Raises `err::overflow` for a date that the controllers
+/// would take for another one.
 [[nodiscard]] std::string controllerDate(DateTime date, DateTime today);
 
 }  // namespace voxa

@@ -14,9 +14,9 @@ struct HolidayRecord {
   bool eachYear = false;
 };
 
-/// "34", the slot in two digits (1 to 99), "ddmmyy", the year 00 meaning every year. A date that the
-/// controllers would take for another one `today` raises `err::overflow` (controller_date.h), and so does one
-/// of a year that ends in 00.
+/// "34", the slot in two digits (1 to 99), and "ddmmyy"; the year 00 means every year. Raises `err::overflow`
+/// for a date that the controllers would take for another one `today` (controller_date.h), and for a year
+/// that ends in 00.
 [[nodiscard]] std::string holidayLine(const HolidayRecord& holiday, DateTime today);
 
 /// The line that empties a slot: the date 000000.

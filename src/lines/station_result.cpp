@@ -9,7 +9,8 @@ namespace voxa {
 
 namespace {
 
-// `width` characters from the 1-based `position`, blanks around the number allowed; -1 when it is none.
+// The number in `width` characters from the 1-based `position` on, with blanks around it allowed; -1 when
+// there is none.
 int numberAt(std::string_view line, std::size_t position, std::size_t width) {
   if (line.size() < position) return -1;
   std::string_view field = line.substr(position - 1, width);

@@ -9,11 +9,11 @@
 
 namespace voxa {
 
-/// What the driver wrote about a station-wide read into "RS" + three-digit station + ".OUT": a first line of
-/// one status character per controller address 1 to 16 ("1" answered, "2" to "6" did not, "X" none there),
-/// then one date line per answering controller: address from character 5 (up to four characters), hour at 9,
-/// minute at 11, day at 13, month at 15, year at 17, two digits each. A short line leaves the rest unknown, a
-/// date line that cannot be read is none.
+/// What the driver wrote about a station-wide read into "RS" + three-digit station + ".OUT". The first line
+/// has one status character for each controller address 1 to 16: "1" answered, "2" to "6" did not, "X" there
+/// is none. Then comes one date line for each controller that answered: address from character 5 on (up to
+/// four characters), hour at 9, minute at 11, day at 13, month at 15, year at 17, two digits each. A first
+/// line that is too short leaves the other addresses unknown. A date line that cannot be read is ignored.
 struct StationResult {
   static constexpr std::int16_t controllers = 16;
 
@@ -24,19 +24,19 @@ struct StationResult {
   [[nodiscard]] char status(std::int16_t address) const {
     return statuses[static_cast<std::size_t>(address - 1)];
   }
-  /// The controller's clock; empty when the file has no date for it.
+  /// The controller's clock; empty when the file has no date for the controller.
   [[nodiscard]] std::optional<DateTime> date(std::int16_t address) const {
     return dates[static_cast<std::size_t>(address - 1)];
   }
 
-  static constexpr std::size_t dateLineSize = 18;  ///< characters that are read of a date line
+  static constexpr std::size_t dateLineSize = 18;  ///< so many characters of a date line are read
 
-  /// The file's first line, in its own characters.
+  /// Takes the file's first line, as the driver wrote it.
   void takeStatuses(std::string_view line);
-  /// One of the others, of which the first of an address counts. today: tells the century.
+  /// Takes a date line; for each address the first one counts. today: tells the century.
   void takeDate(std::string_view line, DateTime today);
 
-  std::array<char, controllers> statuses{};  // a NUL where the file says nothing
+  std::array<char, controllers> statuses{};  // 0 where the file says nothing
   std::array<std::optional<DateTime>, controllers> dates{};
 };
 

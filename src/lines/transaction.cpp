@@ -28,7 +28,7 @@ void readType(int code, TransactionLine& out) {
     default:
       break;
   }
-  // Codes 0 to 3, 20 to 23 and 24 to 27 number the doors in the controller's order.
+  // The type codes 0 to 3, 20 to 23 and 24 to 27 number the doors in the controller's own order.
   constexpr std::int16_t doors[] = {1, 3, 2, 4};
   if ((code >= 0 && code <= 3) || (code >= 20 && code <= 27)) {
     out.position = doors[code % 4];

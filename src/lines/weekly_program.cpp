@@ -8,7 +8,8 @@ namespace voxa {
 
 namespace {
 
-constexpr std::int16_t wholeDay = 1;  // the daily program that every day may use
+constexpr std::int16_t wholeDay =
+    1;  // the daily program that any day may use without a definition of its own
 constexpr const char* wholeDayDefinition = "31010000240024002400";
 
 std::string dayField(std::int16_t program) {

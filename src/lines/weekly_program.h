@@ -15,9 +15,9 @@ struct WeeklyProgramRecord {
   std::int16_t holidays = 0;
 };
 
-/// "32" (family "C", else "42"), the number (1 to 99), the programs of the seven days and that of holidays,
-/// two digits each; behind it the definition of daily program 1, the whole day, when a day (a holiday does
-/// not count) uses that one, so that the controller holds what the line refers to.
+/// "32" (family "C", else "42"), the number (1 to 99), the programs of the seven days and the one of
+/// holidays, two digits each. When a day uses daily program 1, the whole day, its definition follows, so that
+/// the controller holds what the line refers to. A holiday does not count for that.
 [[nodiscard]] std::vector<std::string> weeklyProgramLines(const WeeklyProgramRecord& program);
 
 }  // namespace voxa

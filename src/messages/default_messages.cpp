@@ -14,10 +14,10 @@ namespace {
 struct DefaultText {
   std::string_view mnemonic;
   std::string_view english;
-  std::string_view context;  // behind "KORVA "; texts of a "Table" are names of built-in records
+  std::string_view context;  // comes after "KORVA "; the texts of a "Table" are names of built-in records
 };
 
-// "msgCantFindFile" stands here twice: the second text is the one that stays.
+// "msgCantFindFile" is here twice. The second text replaces the first.
 constexpr DefaultText defaultTexts[] = {
     {"msgUnexpecErr", "Unexpected error", "general"},
     {"msgCantFindFile", "Can't find", "general"},
@@ -100,14 +100,16 @@ constexpr DefaultText defaultTexts[] = {
 
 void insertDefaultMessages(Context& context, Strings& strings) {
   const auto insertAll = [&] {
-    // One transaction: the disk is waited for once. A store that cannot be written at all is told of once.
+    // One transaction, so the disk is waited for once. When the store cannot be written to at all, this is
+    // told once.
     Transaction transaction(context.engine(), strings.database());
     for (const DefaultText& text : defaultTexts) {
       const bool isName = text.context.starts_with("Table ");
       (void)strings.insert(std::string(text.mnemonic), std::string(text.english),
                            isName ? std::int16_t{2000} : std::int16_t{0},
                            "KORVA " + std::string(text.context), isName ? "Name" : "Message");
-      if (!context.engine().inTransaction()) return;  // a full disk undid it, as has been told
+      if (!context.engine().inTransaction())
+        return;  // a full disk undid the transaction; the person was told
     }
     transaction.commit();
   };

@@ -42,9 +42,10 @@ void Strings::openDB() {
   context_.error().clear();
 }
 
-// The raw mnemonic stands in the box because the store that would translate it is what failed. The number
-// shown is the sum of the error's number and the value of its description: no box comes up unless the
-// description is a number, and the current error is then a type mismatch.
+// The mnemonic itself stands in the box, since the store that would translate it is what failed. The number
+// in the box is the sum of the error's number and the value of its description. A description that is no
+// number makes that a type mismatch: then no box comes up, and createDB returns 13. Clients know these
+// results, so they stay.
 void Strings::showStoreFailure(const char* mnem) {
   const ErrorInfo failure = context_.error();
   context_.attempt([&] {
@@ -112,11 +113,11 @@ std::string Strings::read(std::string_view mnem) {
     const Value text = local.isNull() || local == Value("") ? rows->get("TextEnglish") : local;
     return text.isNull() ? "" : text.toText();
   } catch (const Error&) {
-    return "Mnemonic " + mnemonic;  // tells which message was meant, which is more than its text could
+    return "Mnemonic " + mnemonic;  // the mnemonic still tells which message was meant
   }
 }
 
-// Works on copies: reading texts runs the engine, whose error collection a failure would replace.
+// Copies both first: reading texts runs the engine, and a failure there would replace its error collection.
 std::string Strings::errorText() {
   const ErrorInfo current = context_.error();
   const std::vector<ErrorInfo> engineErrors = context_.engine().errors();

@@ -11,9 +11,10 @@ namespace voxa {
 
 class Database;
 
-/// The message catalogue: every text shown to a person and the names of built-in records, by mnemonic, in the
-/// database file "I18N.MDB" of the current folder. English texts are written by the library; a translator
-/// adds local ones beside them, which then win. The object opens the store when it is created and keeps it.
+/// The message catalogue: every text shown to a person, and the names of built-in records, by mnemonic. It is
+/// in the database file "I18N.MDB" of the current folder. The library writes the English texts. A translator
+/// adds local texts beside them, which are then used. The object opens the store when it is created and keeps
+/// it open.
 class Strings : public Messages {
  public:
   explicit Strings(Context& context);
@@ -21,9 +22,9 @@ class Strings : public Messages {
   Strings(const Strings&) = delete;
   Strings& operator=(const Strings&) = delete;
 
-  void Initialize() {}  ///< nothing left to do: the store is opened at creation
+  void Initialize() {}  ///< does nothing: the constructor opens the store
 
-  /// Whether the store is open; when it is not, createDB makes one.
+  /// Whether the store is open. If not, createDB makes one.
   [[nodiscard]] bool isOpen() const;
   /// The open store; raises `err::objectNotSet` when it is not open.
   [[nodiscard]] Database& database() const;
@@ -31,21 +32,21 @@ class Strings : public Messages {
   /// Creates the store and its table; 0, or the number of the error that stopped it.
   std::int16_t createDB();
 
-  /// Writes a text, over the one of that mnemonic if there is one; its translation is kept.
+  /// Writes a text. It replaces the text of that mnemonic, whose translation stays.
   /// mnem: up to 50 characters. textEng: up to 255. width: on screen, 0 for messages, 2000 for names.
-  /// context: up to 50. sType: "Message" or "Name". fontSize is stored rounded. 0 or the error's number.
+  /// context: up to 50. sType: "Message" or "Name". fontSize is stored rounded. 0, or the error's number.
   std::int16_t insert(const std::string& mnem, const std::string& textEng, std::int16_t width,
                       const std::string& context, const std::string& sType, float fontSize = 7.8F,
                       bool fontBold = false);
 
   /// The local text, else the English one, else "" for an unknown mnemonic. "Mnemonic " + mnem when the store
-  /// cannot be read. Never fails, and leaves the current error alone.
+  /// cannot be read. Never fails, and does not change the current error.
   [[nodiscard]] std::string read(std::string_view mnem) override;
 
-  /// Shows one message box: the text of `mnem`, the argument, the current error (the database engine's with
-  /// its own wording), the last error of a library call, the method in parentheses.
-  /// msgStyle: buttons and icon (prompts.h). The current error is not cleared, except that an ErrorInfo given
-  /// as argument becomes it.
+  /// Shows one message box: the text of `mnem`, the argument, the current error (an error of the database
+  /// engine in its own wording), the last error of a library call, and the method in parentheses.
+  /// msgStyle: buttons and icon (prompts.h). The current error is not cleared. An ErrorInfo as argument
+  /// becomes the current error.
   void display(std::string_view mnem, const std::string& method = "", const DisplayArgument& arg = {},
                int msgStyle = 16) override;
 

@@ -4,13 +4,13 @@
 
 namespace voxa {
 
-/// The clock seam: what time it is, and waiting. Tests give a clock of their own and do not wait.
+/// The clock seam: tells the time, and waits. Tests use a clock of their own and do not wait.
 class Clock {
  public:
   virtual ~Clock() = default;
   /// Local date and time, to the second.
   [[nodiscard]] virtual DateTime now() const = 0;
-  /// Returns after that many seconds, letting the host's pending events through meanwhile.
+  /// Returns after that many seconds. The host's pending events are handled meanwhile.
   virtual void wait(int seconds) = 0;
 };
 

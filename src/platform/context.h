@@ -22,15 +22,15 @@ class Driver;
 /// description become the current error.
 using DisplayArgument = std::variant<std::monostate, Value, ErrorInfo>;
 
-/// A message about a failure: mnemonic of its text, the method that failed as a person reads it
-/// ("Station.getId"), and what it was about.
+/// A message about a failure: the mnemonic of its text, the name that a person reads for the method that
+/// failed ("Station.getId"), and what the failure was about.
 struct FailureMessage {
   std::string_view mnemonic;
   std::string method;
   DisplayArgument argument = {};
 };
 
-/// The texts that a person sees, as those who only use them see them.
+/// The texts for a person, as the rooms that only use them see them.
 class Messages {
  public:
   virtual ~Messages() = default;
@@ -42,9 +42,9 @@ class Messages {
 };
 
 /// What everything that works shares: the seams to the outside world, the current error, and how a public
-/// operation ends. The rooms above add what is theirs (FileContext, TableContext, CommContext, AccessContext,
-/// Installation), and each class takes the narrowest that has what it needs. There is no other shared state.
-/// One thread.
+/// operation ends. The rooms above add their own parts (FileContext, TableContext, CommContext,
+/// AccessContext, Installation). Each class takes the narrowest of these contexts that has what it needs.
+/// There is no other shared state. One thread.
 class Context {
  public:
   /// The seams, owned by whoever makes the context; they must outlive it.
@@ -66,11 +66,11 @@ class Context {
   [[nodiscard]] Clock& clock() const { return seams_.clock; }
   [[nodiscard]] virtual Messages& messages() = 0;
 
-  /// The current error: what the last failing operation left, number 0 when there is none.
+  /// The current error: what the last operation that failed left; number 0 when there is none.
   [[nodiscard]] ErrorInfo& error() { return error_; }
 
-  /// Runs the body of a public operation. The first failure inside abandons it, becomes the current error,
-  /// and its number is returned; otherwise what the body returns (0 for a body without a result).
+  /// Runs the body of a public operation. The first failure inside ends it, becomes the current error, and
+  /// its number is returned. Otherwise the result of the body is returned, 0 if it has none.
   template <typename Body>
   std::int16_t attempt(Body&& body) {
     error_.clear();
@@ -86,7 +86,7 @@ class Context {
     }
   }
 
-  /// The boundary of most public operations: attempt, and after a failure the message about it.
+  /// The boundary of most public operations: attempt(), and after a failure the message about it.
   template <typename Body>
   std::int16_t attempt(const FailureMessage& message, Body&& body) {
     bool failed = true;
@@ -110,16 +110,16 @@ class Context {
   /// The same as a warning: nothing failed.
   void warn(const FailureMessage& message);
 
-  /// Runs `body`, which locks a database file, and then shows the messages that came up in it: others wait
-  /// for the file, and a person may take a long time. No question may come up in it.
+  /// Runs `body`, which locks a database file, and shows the messages of the body when it has ended. Other
+  /// programs wait for the file, and a person may take long to answer. The body must not ask a question.
   void showLater(const std::function<void()>& body);
 
-  /// Numbers of open sequential files, 1 to 511, each in use once; 67 when all are taken.
+  /// Numbers of open sequential files, 1 to 511. Each is in use once; 67 when all are taken.
   std::int16_t takeFileNumber();
   void releaseFileNumber(std::int16_t number) { fileNumbers_.erase(number); }
 
  private:
-  std::int16_t recordFailure();  // the exception being handled becomes the current error; its number
+  std::int16_t recordFailure();  // makes the exception being handled the current error; returns its number
 
   Seams seams_;
   HeldPrompts prompts_;

@@ -20,7 +20,8 @@ class Reader {
       record.fault = "text behind the closing quotation mark";
     }
     if (!record.fault.empty()) {
-      // Its other lines are read on their own: a stray quotation mark must not hide what is wrong with them.
+      // The other lines of the record are read on their own: a stray quotation mark must not hide their
+      // faults.
       line_ = record.line;
       rest_ = begin.substr(std::min(begin.find('\n'), begin.size()));
     }
@@ -71,8 +72,8 @@ class Reader {
   std::size_t line_ = 1;
 };
 
-/// Whether a spreadsheet would calculate the text, or one apostrophe is to be told from those that are its
-/// own.
+/// Whether the text needs an apostrophe in front: a spreadsheet would calculate it, or would do so but for
+/// the apostrophes that it begins with. Of those one more must be told from its own.
 bool isFormula(const std::string& text) {
   const std::size_t first = text.find_first_not_of('\'');
   return first != std::string::npos &&

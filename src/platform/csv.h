@@ -7,22 +7,23 @@
 
 namespace voxa {
 
-// Tables as text: fields separated by commas, lines ended by CR LF or LF, quotes around a field that has
-// commas, quotes (doubled) or line ends.
+// Tables as text. Fields are separated by commas, lines end with CR LF or LF. A field that has commas, quotes
+// or line ends stands in quotes; quotes inside it are doubled.
 
 struct CsvRecord {
-  std::size_t line = 0;  ///< where it begins, from 1
+  std::size_t line = 0;  ///< number of the line where it begins, from 1
   std::vector<std::string> fields;
   std::string fault;  ///< why it cannot be read; "" for a record that can
 };
 
-/// The records of a text, empty lines left out. A faulty record is its first line only.
+/// Reads the records of a text and leaves out empty lines. Of a faulty record only the first line is taken;
+/// the lines behind it are read on their own.
 [[nodiscard]] std::vector<CsvRecord> readCsv(std::string_view text);
 
-/// The field as it is written: in quotes where it needs them, and behind an apostrophe when a spreadsheet
-/// would take it for a formula (it begins with = + - @, a tab or a carriage return).
+/// The field as it is written. It stands in quotes where it needs them. It gets an apostrophe in front when a
+/// spreadsheet would take it for a formula (it begins with = + - @, a tab or a carriage return).
 [[nodiscard]] std::string csvField(const std::string& text);
-/// The text of a field that was read: without that apostrophe.
+/// The text of a field that was read, without that apostrophe.
 [[nodiscard]] std::string csvText(const std::string& field);
 
 }  // namespace voxa

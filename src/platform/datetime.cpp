@@ -49,7 +49,7 @@ class Reader {
     const auto n = digitsAhead();
     return n < rest_.size() ? rest_[n] : '\0';
   }
-  /// A number of that many digits.
+  /// Reads a number with `least` to `most` digits.
   bool number(std::size_t least, std::size_t most, int& out) {
     const auto n = digitsAhead();
     if (n < least || n > most) return false;
@@ -87,7 +87,7 @@ DateTime fromValid(const CivilTime& parts) {
   const chrono::sys_days day = chrono::year{parts.year} / parts.month / parts.day;
   const int days = static_cast<int>((day - dayZero).count());
   const double time = static_cast<double>(parts.hour * 3600 + parts.minute * 60 + parts.second) / secondsADay;
-  // Before day 0 the fraction still is the time of day, counted away from zero.
+  // Before day 0 the fraction still is the time of day, but it is counted away from zero.
   return DateTime{days < 0 ? days - time : days + time};
 }
 
@@ -184,7 +184,7 @@ std::string formatDateTime(DateTime moment, std::string_view pattern) {
   bool afterHour = false;
   for (std::size_t i = 0; i < pattern.size();) {
     const char letter = static_cast<char>(pattern[i] | 0x20);
-    // How many of the letter are read together: y only in twos and fours, m up to three.
+    // So many equal letters are read together: up to three m, two or four y, up to two of the others.
     std::size_t count = 1;
     const std::size_t most = letter == 'y' ? 4 : letter == 'm' ? 3 : 2;
     while (count < most && i + count < pattern.size() && (pattern[i + count] | 0x20) == letter) ++count;
@@ -205,7 +205,7 @@ std::string formatDateTime(DateTime moment, std::string_view pattern) {
     } else if (letter == 's') {
       out += zeroPadded(parts.second, width);
     } else {
-      // Characters between the hour and its minutes do not part them.
+      // Characters between the hour and its minutes do not separate them.
       out += pattern[i++];
       continue;
     }

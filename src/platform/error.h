@@ -6,9 +6,9 @@
 
 namespace voxa {
 
-/// Error numbers. Below 1000: the run-time errors an automation client knows. From 3000 on: the numbers
-/// that the Jet database engine publishes for its own failures; callers and message texts tell failures
-/// apart by them.
+/// Error numbers. Those below 1000 are the run-time errors that an automation client knows. Those from 3000
+/// on are the numbers that the Jet database engine publishes for its own failures. Callers and message texts
+/// tell failures apart by them.
 namespace err {
 inline constexpr int invalidArgument = 5;
 inline constexpr int overflow = 6;
@@ -75,7 +75,7 @@ inline constexpr int dbInvalidOperation = 3219;      ///< rows asked of a statem
 /// The one exception type of the library.
 class Error : public std::runtime_error {
  public:
-  /// number: one of `err`, or a number an operating system call gave; description: a sentence for a person.
+  /// number: one of `err`, or a number of an operating system call. description: a sentence for a person.
   Error(int number, const std::string& description) : std::runtime_error(description), number_(number) {}
 
   [[nodiscard]] int number() const { return number_; }
@@ -85,8 +85,8 @@ class Error : public std::runtime_error {
   int number_;
 };
 
-/// Number and description of a failure that is kept, not thrown: the current error, an entry of the
-/// database engine's error collection, an error object handed over by a caller. Number 0: no error.
+/// Number and description of a failure that is kept, not thrown: the current error, an entry of the database
+/// engine's error collection, or an error object from a caller. Number 0: no error.
 struct ErrorInfo {
   int number = 0;
   std::string description;
@@ -94,13 +94,13 @@ struct ErrorInfo {
   void clear() { *this = {}; }
 };
 
-/// What the exception being handled means as number and description (call inside a catch block only):
-/// an Error gives its own, a lack of memory `err::outOfMemory`, anything else `err::internalError`.
+/// Number and description of the exception being handled (call inside a catch block only). An Error gives its
+/// own, a lack of memory `err::outOfMemory`, anything else `err::internalError`.
 [[nodiscard]] ErrorInfo describeCurrentException();
 
-/// The error of a failed file operation: `errnoValue` of the C library to the number a client knows
-/// (53 not found, 58 exists, 61 disk full, 67 too many files, 70 permission denied, 75 path access,
-/// 76 path not found, 57 anything else), the description naming `path`.
+/// The error of a failed file operation. The number comes from the C library's `errnoValue`: 53 not found, 58
+/// exists, 61 disk full, 67 too many files, 70 permission denied, 75 path access, 76 path not found, 57
+/// anything else. The description names `path`.
 [[nodiscard]] Error fileError(int errnoValue, const std::string& path);
 
 }  // namespace voxa

@@ -30,7 +30,7 @@ int errnoOf(const std::error_code& code) {
   return code.default_error_condition().value();
 }
 
-/// The failure of creating something at that path: what is missing then is its folder.
+/// The error of a creation that failed at that path. What is missing then is the folder.
 Error creationError(int error, std::string_view path) {
   if (error == ENOENT) error = ENOTDIR;
   return fileError(error, std::string(path));
@@ -50,11 +50,11 @@ bool removeNativeRegular(const std::string& name) {
   return fs::is_regular_file(fs::symlink_status(found, error)) && fs::remove(found, error);
 }
 
-/// Deletes what processes that were killed while they copied to a target have left beside it.
+/// Deletes files beside a target that killed processes left when they were copying to it.
 void removeLeftovers(const fs::path& target) {
   const std::string prefix = asText(target.filename()) + '~';
   const fs::path folder = target.has_parent_path() ? target.parent_path() : ".";
-  std::error_code error;  // a folder that cannot be looked through keeps them
+  std::error_code error;  // a folder that cannot be read keeps them
   for (fs::directory_iterator i(folder, error), end; !error && i != end; i.increment(error)) {
     const std::string name = asText(i->path().filename());
     if (name.size() > prefix.size() && equalNoCase(name.substr(0, prefix.size()), prefix) &&
@@ -66,8 +66,8 @@ void removeLeftovers(const fs::path& target) {
   }
 }
 
-/// A new file beside another, deleted again unless it took that one's name. It stays open until then, as
-/// what tells it from a leftover.
+/// A new file beside another one. It is deleted at the end unless it took the other one's name. It stays open
+/// until then: that is how it differs from what a killed process left.
 class TemporaryFile {
  public:
   explicit TemporaryFile(std::string_view target) : target_(target), file_(nullptr, &std::fclose) {
@@ -220,7 +220,7 @@ std::vector<std::string> list(std::string_view folder) {
   std::vector<std::string> names;
   std::error_code error;
   for (fs::directory_iterator i(asPath(native(folder)), error), end; !error && i != end; i.increment(error)) {
-    std::error_code gone;  // deleted since it was listed: no file any more
+    std::error_code gone;  // it was deleted since it was listed, so it is no file any more
     if (i->is_regular_file(gone)) names.push_back(asText(i->path().filename()));
   }
   if (error) throw creationError(errnoOf(error), folder);
@@ -305,7 +305,7 @@ std::string Stream::readItem() {
     if (c == '\r' || c == '\n' || (c == ',' && !inQuotes)) break;
     const bool blank = c == ' ' || c == '\t';
     if (item.empty() && blank) continue;
-    // Only quotes around the whole item keep commas; inside a word they are characters.
+    // Only quotes around the whole item protect commas. Quotes inside a word are plain characters.
     if (c == '"' && (item.empty() || inQuotes)) inQuotes = !inQuotes;
     item += c;
   }
@@ -318,7 +318,7 @@ void Stream::close() {
   if (!file_) return;
   buffer_.clear();
   next_ = 0;
-  // Released first: the file counts as closed even when its last bytes could not be written.
+  // The file is released first, so it counts as closed even when its last bytes could not be written.
   if (std::fclose(file_.release()) != 0) throw fileError(errno, path_);
 }
 

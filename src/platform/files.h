@@ -10,58 +10,63 @@
 
 namespace voxa {
 
-/// The file system seam. Paths are UTF-8 text composed with "\" (or "/"), relative ones start at the
-/// process's current folder, and existing files and folders are found without regard to case, on every
-/// platform. What the administrator creates in another account's folder belongs to that account. Failures
-/// raise the Error of fileError (error.h), its description naming the path as given.
+/// The file system seam. A path is UTF-8 text, composed with "\" or "/". A relative one starts at the
+/// process's current folder. Existing files and folders are found without regard to case, on every platform.
+/// What the administrator creates in another account's folder is given to that account. A failure raises the
+/// Error of fileError (error.h); its description names the path as given.
+///
+/// files.cpp holds what all platforms do alike. native, currentFolder, folderFault and the primitives of
+/// files_platform.h are in files_posix.cpp and files_windows.cpp.
 namespace files {
 
-/// The path as the platform wants it: separators replaced, every component that exists without regard to
-/// case spelled as it exists (an exact match wins), the rest as given. Never fails.
+/// The path as the platform wants it, with its own separators. A component that exists, whatever its case, is
+/// spelled as it exists; an exact match wins. The rest stays as given. Never fails.
 [[nodiscard]] std::string native(std::string_view path);
 
 [[nodiscard]] bool exists(std::string_view path);        ///< a file or folder of that name
 [[nodiscard]] bool folderExists(std::string_view path);  ///< a folder of that name
 /// A regular file by that very name: no link, folder, pipe or device.
 [[nodiscard]] bool isPlain(std::string_view path);
-/// Why another account could change what is in a folder of this one's, and how to mend it; "" when none can
-/// but the administrator. The administrator may work in any one account's folder. trustGroup: the folder's
-/// group may write it. The folders above count: who can rename them can put another in their place. Windows:
-/// always "".
+/// Says why another account could change what is in a folder of this account, and how to mend that; "" when
+/// only the administrator could. The administrator may work in any account's folder. trustGroup: the folder's
+/// group may write to it. The folders above are checked, too: whoever can rename one of them can put another
+/// folder in its place. Windows: always "".
 [[nodiscard]] std::string folderFault(std::string_view folder, bool trustGroup);
-/// Whether that is the file's whole content; false also when it cannot be read.
+/// Whether `bytes` are the file's whole content; false also when the file cannot be read.
 [[nodiscard]] bool holds(std::string_view path, std::string_view bytes);
 void remove(std::string_view path);  ///< deletes one file; 53 when there is none
-/// Deletes the file of that name if it is a regular one, and says whether it did: a link, a device or a
-/// folder stays, as does what may not be deleted.
+/// Deletes the file of that name if it is a regular one, and says whether it did. A link, a device and a
+/// folder stay, and so does a file that may not be deleted.
 bool removeRegular(std::string_view path);
 /// Moves a file; 58 when `to` exists, 53 when `from` does not. Never leaves a half-written `to`.
 void rename(std::string_view from, std::string_view to);
-/// Copies a file over `to`, replacing it in one step: a failed copy (a full disk, say) leaves `to` as it
-/// was. 53 when `from` is missing.
+/// Copies a file over `to` and replaces it in one step: a copy that fails (on a full disk, say) leaves `to`
+/// as it was. 53 when `from` is missing.
 void copy(std::string_view from, std::string_view to);
 /// Creates an empty file that only its owner can read or write; 58 when it exists, 76 when its folder does
 /// not.
 void createNew(std::string_view path);
-/// One folder that only its owner can use; 75 when it exists, 76 when its parent does not.
+/// Creates one folder that only its owner can use; 75 when it exists, 76 when its parent does not.
 void makeFolder(std::string_view path);
-/// The same with those above it that are missing; nothing when it exists.
+/// Creates the folder and those above it that are missing. Does nothing when it exists.
 void makeFolders(std::string_view path);
 /// Names of the regular files in a folder, sorted; 76 when there is no such folder.
 [[nodiscard]] std::vector<std::string> list(std::string_view folder);
 [[nodiscard]] std::string currentFolder();  ///< absolute, native separators, without a trailing one
 
-/// A small file that says whether the process that made it is still at work: it is its own for as long as
-/// this object lives, and nobody's when the process has ended, without a word even. Deleting it is remove().
+/// A small file that says whether the process that made it is still at work. The process owns the file for as
+/// long as this object lives. When the process ends, even by a kill, nobody owns the file. remove() deletes
+/// it.
 class OwnedFile {
  public:
-  /// Creates it with that text, which is on the device then; none when there is a file of that name.
+  /// Creates the file with that text, which is on the device when this returns. None when a file of that name
+  /// exists.
   [[nodiscard]] static std::optional<OwnedFile> create(std::string_view path, std::string_view text);
-  /// Of one that is nobody's; none when a process has it or there is no such file.
+  /// Takes over a file that nobody owns. None when a process owns it, or when there is no such file.
   [[nodiscard]] static std::optional<OwnedFile> takeOver(std::string_view path);
 
   [[nodiscard]] const std::string& path() const { return path_; }
-  void remove();  ///< the last that can be done with it
+  void remove();  ///< the object can do nothing after it
 
  private:
   struct Closer {
@@ -73,16 +78,17 @@ class OwnedFile {
   std::unique_ptr<std::FILE, Closer> file_;
 };
 
-/// An open text file, bytes as they are. Movable; the destructor closes and, having no one to tell, ignores
-/// a failure: call close() where a failed write must be known. A file it creates is its owner's alone.
-/// Reading what is open for writing, or the reverse, raises 54; any use after close() raises 52.
+/// An open text file, read and written as bytes. It can be moved. The destructor closes it and ignores a
+/// failure, since it can tell nobody: call close() where a failed write must be known. Only the owner can use
+/// a file that this class creates. Reading from a file that is open for writing, or the reverse, raises 54.
+/// Any use after close() raises 52.
 class Stream {
  public:
-  /// write empties or creates, append creates when missing; replace is write, into a new file where the old
-  /// one can be deleted.
+  /// write empties the file or creates it. append creates it when it is missing. replace is write into a new
+  /// file, after the old one was deleted if that is possible.
   enum class Mode { read, write, append, replace };
-  /// plain: a link is not followed, and a pipe or device not opened (75): the system's own files, which
-  /// somebody else may have put something in the place of. any: what a person named.
+  /// plain: for the system's own files, in whose place somebody may have put something else. A link is not
+  /// followed, a pipe or a device is not opened (75). any: for a file that a person named.
   enum class Kind { plain, any };
 
   /// 53 when a file to read is missing, 76 when the folder of a file to write is.
@@ -91,14 +97,14 @@ class Stream {
   void write(std::string_view bytes);  ///< buffered; a failure may be raised by this or a later call
   /// Next line without its end (CR LF, LF or CR). Raises 62 at the end of the file.
   [[nodiscard]] std::string readLine();
-  /// The same into a text whose memory is used again; of a line longer than `limit` bytes only so many, the
-  /// rest being passed over.
+  /// Reads a line into a text, whose memory is used again. Of a longer line only the first `limit` bytes are
+  /// kept.
   void readLine(std::string& line, std::size_t limit);
-  /// Next item up to a comma or line end, blanks around it dropped, double quotes around it removed (commas
-  /// inside quotes belong to the item). Raises 62 at the end of the file.
+  /// Reads the next item, up to a comma or the end of the line. Drops the blanks around it and removes its
+  /// double quotes; a comma within quotes belongs to the item. Raises 62 at the end of the file.
   [[nodiscard]] std::string readItem();
   [[nodiscard]] bool atEnd();
-  /// Flushes and closes; a failure of either is raised, and the file is closed all the same. Closing twice
+  /// Flushes and closes. A failure of either is raised, and the file is closed all the same. Closing twice
   /// does nothing.
   void close();
 
@@ -106,7 +112,7 @@ class Stream {
   void requireOpen(bool reading) const;
   bool fill();          ///< reads the next bytes into an empty buffer; false at the end of the file
   void requireMore();   ///< 62 at the end of the file
-  void skipLineFeed();  ///< the second half of a CR LF whose CR was taken
+  void skipLineFeed();  ///< takes the LF of a CR LF whose CR was taken before
 
   struct Closer {
     void operator()(std::FILE* f) const { (void)std::fclose(f); }
@@ -114,7 +120,7 @@ class Stream {
   std::string path_;
   Mode mode_;
   std::unique_ptr<std::FILE, Closer> file_;
-  std::string buffer_;  ///< bytes read from the file, taken up to next_
+  std::string buffer_;  ///< bytes read from the file; those before next_ are used up
   std::size_t next_ = 0;
 };
 

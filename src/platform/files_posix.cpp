@@ -24,7 +24,8 @@ bool present(const std::string& path) {
   return ::stat(path.c_str(), &info) == 0;
 }
 
-/// The name in `folder` that equals `name` but for case, the first in byte order; "" when there is none.
+/// The name in `folder` that equals `name` but for case; of several, the first in byte order. "" when there
+/// is none.
 std::string findName(const std::string& folder, const std::string& name) {
   struct Closer {
     void operator()(DIR* d) const { (void)::closedir(d); }
@@ -38,7 +39,7 @@ std::string findName(const std::string& folder, const std::string& name) {
   return found;
 }
 
-/// How much of the front of a path is a folder that exists with the backslashes in it.
+/// How much of the front of a path exists as it is written, its backslashes being part of the names.
 std::size_t literalFront(const std::string& path) {
   const std::size_t first = path.find('\\');
   for (std::size_t end = path.find_last_of("\\/"); end > first; end = path.find_last_of("\\/", end - 1)) {
@@ -47,7 +48,7 @@ std::size_t literalFront(const std::string& path) {
   return 0;
 }
 
-/// The administrator's work in another account's folder is that account's.
+/// What the administrator creates in another account's folder is given to that account.
 void giveToOwnerOfFolder(int descriptor, const struct stat& file, const std::string& path) {
   if (::geteuid() != 0 || file.st_uid != 0 || file.st_nlink != 1) return;
   const auto slash = path.find_last_of('/');
@@ -62,7 +63,7 @@ void giveToOwnerOfFolder(int descriptor, const struct stat& file, const std::str
 std::string native(std::string_view path) {
   std::string given(path);
   if (given.find('\\') != std::string::npos) {
-    // A file or folder whose own name has a backslash is itself, not one in a folder beside it.
+    // A backslash can be part of a name. A file or folder of exactly this name wins over one in a subfolder.
     if (present(given)) return given;
     std::replace(given.begin() + static_cast<std::ptrdiff_t>(literalFront(given)), given.end(), '\\', '/');
   }
@@ -112,7 +113,7 @@ std::string folderFault(std::string_view folder, bool trustGroup) {
              " belongs to another account, which could put another in the place of what is "
              "below it";
     }
-    // In a folder above with the sticky bit nobody can rename what is another's.
+    // In a folder with the sticky bit nobody can rename what belongs to somebody else.
     const bool sticky = above && (info.st_mode & S_ISVTX) != 0;
     if (!sticky && (info.st_mode & S_IWOTH) != 0) {
       return "everybody can write the folder " + path.string() + ": take that away with chmod o-w";
@@ -130,7 +131,7 @@ int openDescriptor(const std::string& path, int flags, bool any, int& error) {
   flags |= O_CLOEXEC | (any ? 0 : O_NOFOLLOW | O_NONBLOCK);
   const int descriptor = ::open(path.c_str(), flags, S_IRUSR | S_IWUSR);
   if (descriptor < 0) {
-    error = errno == ENXIO ? ELOOP : errno;  // a pipe that nobody reads
+    error = errno == ENXIO ? ELOOP : errno;  // the pipe has no reader
     return -1;
   }
   struct stat info {};
@@ -181,8 +182,8 @@ std::FILE* openFile(const std::string& path, Open how, bool any, int& error) {
 std::FILE* openOwned(const std::string& path, int& error) {
   std::FILE* file = openFile(path, Open::createNew, false, error);
   if (file == nullptr) return nullptr;
-  // Between its creation and the lock another process may have taken it over. Where the file system has no
-  // locks, none can.
+  // Another process may have taken the file over between its creation and the lock. On a file system without
+  // locks no process can do so.
   const bool taken = ::flock(::fileno(file), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
   struct stat info {};
   if (!taken && ::fstat(::fileno(file), &info) == 0 && info.st_nlink > 0) return file;
@@ -196,7 +197,7 @@ std::FILE* takeOver(const std::string& path) {
   if (descriptor < 0) return nullptr;
   struct stat locked {};
   struct stat named {};
-  // The name may be another file's by now: its owner renamed it, and the next one took the name.
+  // The name may belong to another file by now: its owner renamed it, and the next process took the name.
   const bool owned = ::flock(descriptor, LOCK_EX | LOCK_NB) == 0 && ::fstat(descriptor, &locked) == 0 &&
                      ::lstat(path.c_str(), &named) == 0 && S_ISREG(named.st_mode) &&
                      locked.st_dev == named.st_dev && locked.st_ino == named.st_ino;
@@ -210,7 +211,7 @@ int createFolder(const std::string& path) {
   const int made = ::open(path.c_str(), O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
   struct stat info {};
   if (made >= 0 && ::fstat(made, &info) == 0) {
-    info.st_nlink = 1;  // one for each folder in it, and its own
+    info.st_nlink = 1;  // a folder has more links by itself; only a file must have no further name
     giveToOwnerOfFolder(made, info, path);
   }
   if (made >= 0) (void)::close(made);
@@ -224,7 +225,7 @@ int flushToDevice(std::FILE* file) {
 int renameNew(const std::string& from, const std::string& to) {
   if (::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) return 0;
   if (errno != EINVAL && errno != ENOSYS) return errno;
-  // The file system knows no such rename: look first.
+  // This file system cannot rename that way, so look first.
   if (present(to)) return EEXIST;
   return std::rename(from.c_str(), to.c_str()) != 0 ? errno : 0;
 }

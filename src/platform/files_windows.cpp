@@ -31,7 +31,8 @@ int errnoOf(DWORD code) {
   return std::error_code(static_cast<int>(code), std::system_category()).default_error_condition().value();
 }
 
-/// Opens for writing a file that nobody else has open for writing, or can open so.
+/// Opens a file for writing. Fails when somebody has it open for writing, and keeps others from opening it
+/// so.
 std::FILE* openAlone(const std::string& path, DWORD disposition, const char* mode, int& error) {
   HANDLE file =
       ::CreateFileW(wide(path).c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_DELETE,
@@ -56,7 +57,7 @@ std::FILE* openAlone(const std::string& path, DWORD disposition, const char* mod
 }  // namespace
 
 std::string native(std::string_view path) {
-  // The file system itself does not regard case.
+  // The file system itself ignores case.
   std::string given(path);
   std::replace(given.begin(), given.end(), '/', '\\');
   return given;
@@ -70,7 +71,7 @@ std::string currentFolder() {
 }
 
 std::string folderFault(std::string_view /*folder*/, bool /*trustGroup*/) {
-  return "";  // the rights of a folder are lists here, which its owner sets
+  return "";  // on Windows a folder's rights are lists, which its owner sets
 }
 
 std::FILE* openFile(const std::string& path, Open how, bool /*any*/, int& error) {

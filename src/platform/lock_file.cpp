@@ -24,7 +24,7 @@ bool saysNoFile(int error) {
 
 }  // namespace
 
-/// What all objects of this process share that are about one file.
+/// What all objects of this process share for one file.
 struct LockFile::Shared {
   explicit Shared(std::string file) : path(std::move(file)) {}
   ~Shared() { close(); }
@@ -35,12 +35,12 @@ struct LockFile::Shared {
     if (handle != lock::none) lock::close(handle);
     handle = lock::none;
   }
-  /// Opens the file of that name, unless it is open; false with `error` when it cannot be.
+  /// Opens the file of that name unless it is open. False, with `error`, when it cannot be opened.
   bool open() {
     if (handle == lock::none) handle = lock::open(path, error);
     return handle != lock::none;
   }
-  /// Closes a file that was deleted: it keeps nobody out any more.
+  /// Closes a file that was deleted: its lock keeps nobody out any more.
   bool closeDeleted() {
     if (lock::isThere(handle)) return false;
     close();
@@ -55,7 +55,7 @@ struct LockFile::Shared {
 
 std::shared_ptr<LockFile::Shared> LockFile::sharedOf(const std::string& path) {
   static std::map<std::string, std::weak_ptr<Shared>> files;
-  std::error_code unresolved;  // then the path as it is
+  std::error_code unresolved;  // the path as it is serves then
   const std::filesystem::path named = std::u8string(path.begin(), path.end());
   const auto folder = std::filesystem::weakly_canonical(named.parent_path(), unresolved);
   const std::u8string resolved = unresolved ? named.u8string() : (folder / named.filename()).u8string();
@@ -92,7 +92,7 @@ LockFile::Outcome LockFile::tryLock(bool forAMoment) {
 }
 
 LockFile::Outcome LockFile::lock(std::chrono::milliseconds patience) {
-  // Short: whoever sends one file after another lets go only for moments.
+  // The pause is short: a process that sends one file after another lets go only for moments.
   constexpr std::chrono::milliseconds pause{1};
   const auto end = std::chrono::steady_clock::now() + patience;
   for (;;) {

@@ -8,11 +8,12 @@
 
 namespace voxa {
 
-/// A file that one process at a time can hold. It goes with the process, however that ends, and stays in its
-/// folder, where it says who holds it, or held it last: the process's number and the program's name.
+/// A file that one process at a time can hold. The process lets go of it when it ends, however that happens.
+/// The file stays in its folder and says who holds it, or held it last: the process's number and the
+/// program's name.
 ///
-/// Within a process the same file may be held any number of times over, by any objects, and is free when all
-/// of them have let go.
+/// Within a process any number of objects can hold the same file, and each more than once. It is free when
+/// all of them have let go.
 class LockFile {
  public:
   /// path: in a folder that should exist. Nothing is opened yet.
@@ -20,19 +21,20 @@ class LockFile {
 
   enum class Outcome {
     held,
-    busy,   ///< another process held it for as long as was waited
-    noFile  ///< there is none, and none can be made: the folder is missing or not to be written
+    busy,   ///< another process held it for the whole time of waiting
+    noFile  ///< it does not exist and cannot be made: the folder is missing or cannot be written to
   };
-  /// Takes it, waiting for another process so long at most. A file that cannot be opened, somebody else's
-  /// say, raises the Error of fileError.
+  /// Takes the file. Waits for another process, at most for the time of `patience`. A file that cannot be
+  /// opened, since it is somebody else's, say, raises the Error of fileError.
   [[nodiscard]] Outcome lock(std::chrono::milliseconds patience);
-  /// The same for a moment, at once or not at all, and without saying who: for what is done by the thousand.
+  /// Takes the file for a short time: does not wait, and does not write down who holds it. For what is done
+  /// thousands of times.
   [[nodiscard]] Outcome lockForAMoment();
   void unlock();
 
-  /// "voxa (process 1234)", behind Outcome::busy.
+  /// "voxa (process 1234)", after Outcome::busy.
   [[nodiscard]] std::string holder() const;
-  /// Why there is no file, behind Outcome::noFile.
+  /// Why there is no file, after Outcome::noFile.
   [[nodiscard]] Error failure() const;
 
  private:

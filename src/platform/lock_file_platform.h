@@ -6,23 +6,25 @@
 
 namespace voxa::lock {
 
-/// What the platforms do differently for a lock file; one source each. Paths are native ones.
+/// What each platform does in its own way for a lock file, in lock_file_posix.cpp and lock_file_windows.cpp.
+/// Paths are native.
 
 using Handle = std::intptr_t;
 inline constexpr Handle none = -1;
 
-/// Opens it, making it when it is missing, for its owner alone; `none` on failure, with the errno value in
-/// `error`: EBUSY when another process lets nobody else open it. ELOOP for a link, a pipe or a device.
+/// Opens the file, or makes it when it is missing; only its owner can use it. `none` on failure, with the
+/// errno value in `error`: EBUSY when another process lets nobody else open it, ELOOP for a link, a pipe or a
+/// device.
 [[nodiscard]] Handle open(const std::string& path, int& error);
 void close(Handle handle);
-/// Whether the file is still there for others to find: not deleted meanwhile.
+/// Whether others can still find the file, so nobody has deleted it meanwhile.
 [[nodiscard]] bool isThere(Handle handle);
-/// Takes the lock, or says that another has it. Where the file system has no locks everybody gets it.
+/// Takes the lock; false when another process has it. Everybody gets it on a file system that has no locks.
 [[nodiscard]] bool tryLock(Handle handle);
 void unlock(Handle handle);
-/// What the file says, also while another holds it: its first 256 bytes.
+/// The text of the file, its first 256 bytes, even while another process holds it.
 [[nodiscard]] std::string read(Handle handle);
-/// Replaces what it says. What cannot be written is left: it only makes a refusal plainer.
+/// Replaces the text. A failure is ignored: the text only makes a refusal easier to understand.
 void write(Handle handle, std::string_view text);
 
 [[nodiscard]] std::uint32_t processId();

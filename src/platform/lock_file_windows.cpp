@@ -15,7 +15,7 @@ HANDLE native(Handle handle) {
   return reinterpret_cast<HANDLE>(handle);
 }
 
-/// What is locked is one byte far behind the text, which so stays readable.
+/// The byte that is locked: one far behind the text, so that the text can still be read.
 OVERLAPPED lockedByte() {
   OVERLAPPED place{};
   place.Offset = 0x40000000;

@@ -9,10 +9,11 @@
 namespace voxa {
 namespace {
 
-/// What a broken byte decodes to: beyond every character, so that it equals and follows nothing else.
+/// A broken byte decodes to this number plus the byte. It lies beyond every character, so it equals none.
 constexpr char32_t brokenByte = 0x110000;
 
-/// The characters of the bytes 0x80 to 0x9F of code page 1252; all others have the number of their byte.
+/// The characters for the bytes 0x80 to 0x9F of code page 1252. Every other byte has the number of its
+/// character.
 constexpr std::array<char16_t, 32> upperControls = {
     0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
     0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
@@ -29,7 +30,8 @@ unsigned byteAt(std::string_view text, std::size_t i) {
   return static_cast<unsigned char>(text[i]);
 }
 
-/// The character at `i`, which is moved behind it; brokenByte + the byte when it starts no character.
+/// Decodes the character at `i` and moves `i` behind it. A byte that starts no character gives brokenByte
+/// plus the byte.
 char32_t decode(std::string_view text, std::size_t& i) {
   const unsigned lead = byteAt(text, i++);
   if (lead < 0x80) return lead;
@@ -195,7 +197,7 @@ int compareNoCase(std::string_view a, std::string_view b) {
     const auto lb = static_cast<int>(lower(cb));
     if (la != lb) return la - lb;
   }
-  // Letters first, the first difference in accents only when the letters are all the same.
+  // Letters decide first. The first difference in accents counts only when all letters are the same.
   int accents = 0;
   std::size_t j = i;
   while (i < a.size() && j < b.size()) {
@@ -213,7 +215,7 @@ int compareNoCase(std::string_view a, std::string_view b) {
 }
 
 bool equalNoCase(std::string_view a, std::string_view b) {
-  // Both forms of every letter have the same length.
+  // Both forms of a letter have the same length, so different lengths mean different texts.
   return a.size() == b.size() && compareNoCase(a, b) == 0;
 }
 

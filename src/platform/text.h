@@ -8,17 +8,18 @@ namespace voxa {
 
 /// Text is UTF-8 inside the library and code page 1252 in files.
 
-/// UTF-8 to code page 1252. A character that the code page lacks, or a broken sequence, raises
-/// `err::invalidArgument` naming it: nothing is written with a character silently replaced.
+/// UTF-8 to code page 1252. A broken sequence, or a character that the code page lacks, raises
+/// `err::invalidArgument`, which names it. So no character is silently replaced in a file.
 [[nodiscard]] std::string toCp1252(std::string_view utf8);
 /// Code page 1252 to UTF-8; every byte has a meaning (the five unassigned ones stay control characters).
 [[nodiscard]] std::string fromCp1252(std::string_view bytes);
 
-/// Order without regard to case (all letters of code page 1252): negative, 0 or positive. The order of the
-/// database engine's text comparison; usable as an SQLite collation.
+/// Order without regard to case (for all letters of code page 1252): negative, 0 or positive. The database
+/// engine compares texts by it; it can be used as an SQLite collation.
 [[nodiscard]] int compareNoCase(std::string_view a, std::string_view b);
 [[nodiscard]] bool equalNoCase(std::string_view a, std::string_view b);
-/// Lower-case and upper-case of all letters of code page 1252 that have both forms; other text unchanged.
+/// Lower-case and upper-case of the letters of code page 1252 that have both forms. Other text stays as it
+/// is.
 [[nodiscard]] std::string toLower(std::string_view text);
 [[nodiscard]] std::string toUpper(std::string_view text);
 /// Number of characters (code points) of a UTF-8 text.
@@ -28,12 +29,12 @@ namespace voxa {
 
 /// Whether a text holds a control character: C0, DEL or C1 (U+0080 to U+009F).
 [[nodiscard]] bool hasControls(std::string_view text);
-/// The text as it may be written to a terminal: what one would obey (control characters, line feeds and tabs
-/// excepted) and bytes that are no UTF-8 become "?".
+/// The text in a form that may be written to a terminal. Control characters, which a terminal would obey, and
+/// bytes that are no UTF-8 become "?". Line feeds and tabs stay.
 [[nodiscard]] std::string terminalText(std::string_view text);
 
-/// A number in decimal, padded with zeros on the left to `width` digits; a longer number keeps its digits,
-/// a negative one its sign in front of the padded digits (the format "00" of automation clients).
+/// A number in decimal, with zeros on the left up to `width` digits. A longer number keeps its digits. A
+/// negative one has its sign in front of the padded digits. This is the format "00" of automation clients.
 [[nodiscard]] std::string zeroPadded(std::int64_t number, int width);
 
 }  // namespace voxa

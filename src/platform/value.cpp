@@ -52,7 +52,7 @@ std::string doubleText(double v) {
   return out;
 }
 
-/// The number that a text is in full, blanks around it allowed; empty when it is none.
+/// The number that the whole text is, with blanks around it allowed. Empty when it is no number.
 std::optional<double> parseNumber(std::string_view text) {
   constexpr std::string_view blanks = " \t";
   const auto first = text.find_first_not_of(blanks);
@@ -69,7 +69,7 @@ std::optional<double> parseNumber(std::string_view text) {
   const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), v);
   if (error == std::errc::invalid_argument || end != digits.data() + digits.size()) return std::nullopt;
   if (error == std::errc::result_out_of_range) {
-    // Too small and too large are told apart by the exponent's sign.
+    // The sign of the exponent tells whether the number is too small or too large.
     if (digits.find('-') == std::string_view::npos) failRange(quoted(text), "numbers");
     v = 0;
   }
@@ -102,7 +102,7 @@ T wholeNumber(const Value& value, const char* typeName) {
 DateTime checkedDate(double days) {
   static const double first = toDateTime({.year = 100, .month = 1, .day = 1}).days;
   static const double last = toDateTime({.year = 9999, .month = 12, .day = 31}).days;
-  // A moment before 1900 counts its time of day away from zero, so the first day reaches below its number.
+  // Before day 0 the time of day counts away from zero. So the moments of the first day lie below its number.
   if (!(days > first - 1 && days < last + 1)) failRange(doubleText(days), "dates");
   return DateTime{days};
 }

@@ -24,8 +24,8 @@ enum class DataType : std::uint8_t {
   Memo = 12
 };
 
-/// A moment as automation clients count it: days since 30 December 1899, the fraction being the time of
-/// day. Conversions and formats are in datetime.h.
+/// A moment as automation clients count it: days since 30 December 1899, with the time of day as the
+/// fraction. Conversions and formats are in datetime.h.
 struct DateTime {
   double days = 0;
   friend auto operator<=>(const DateTime&, const DateTime&) = default;  // NOLINT(modernize-use-nullptr)
@@ -58,26 +58,27 @@ class Value {
   [[nodiscard]] std::int32_t toInt32() const;
   [[nodiscard]] double toDouble() const;
   [[nodiscard]] bool toBool() const;  ///< any number but 0, "True" or "False" in any case
-  /// clock: the day on which a text is read; without it a year of two digits is no date (datetime.h).
+  /// clock: tells the day on which a text is read. Without it a text with a year of two digits is no date
+  /// (datetime.h).
   [[nodiscard]] DateTime toDateTime(const Clock* clock = nullptr) const;
   /// Text: "True"/"False", decimal numbers without a leading blank (no exponent for whole numbers below
   /// 1e15), dates in the regional short form (datetime.h).
   [[nodiscard]] std::string toText() const;
 
-  /// Identity: same alternative and same value; text to the letter. For tests and change detection, not for
-  /// the comparison rules of a query.
+  /// Identity: the same alternative and the same value; texts are equal to the letter. For tests and change
+  /// detection. The comparison rules of a query are different.
   friend bool operator==(const Value&, const Value&) = default;
 
  private:
   Variant data_;
 };
 
-/// The value as a field of that type stores it. Null stays Null, except in a boolean field, which is False
-/// then. Text is read as a number, boolean or regional date where the field wants one.
+/// The value as a field of that type stores it. Null stays Null, but becomes False in a boolean field. A text
+/// is read as a number, boolean or regional date when the field has such a type.
 /// size: greatest number of characters of a Text field (0: 255); ignored for other types.
-/// clock: the day on which it is read, for years of two digits (see toDateTime).
-/// Errors: `err::dbConversion` when the value cannot be read as the type, `err::overflow` when it is a
-/// number outside the type's range, `err::dbTextTooLong` when text is longer than size.
+/// clock: tells the day on which the value is read, for years of two digits (see toDateTime).
+/// Errors: `err::dbConversion` when the value cannot be read as the type, `err::overflow` when it is a number
+/// outside the type's range, `err::dbTextTooLong` when a text is longer than size.
 [[nodiscard]] Value convertForField(const Value& value, DataType type, int size,
                                     const Clock* clock = nullptr);
 

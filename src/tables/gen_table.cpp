@@ -91,7 +91,7 @@ std::int16_t GenTable::getFreeValue(const std::string& field, const std::string&
       if (value > last + 1) break;
       last = value;
     }
-    free = Value(last + 1).toInt16();  // raises overflow: a full 16-bit column has no free value left
+    free = Value(last + 1).toInt16();  // raises overflow: a full 16-bit column has no free value
   });
   rows_.reset();
   return free;
@@ -113,7 +113,8 @@ bool GenTable::openWhere(const std::string& condition) {
   return rows_->eof();
 }
 
-/// Up to the first row that fails, which has been shown then. One transaction: the disk is waited for once.
+/// Changes rows up to the first one that fails, which has shown its error. One transaction, so the disk is
+/// waited for once.
 std::int16_t GenTable::changeRows(const std::string& source, const std::function<std::int16_t()>& changeRow) {
   std::int16_t status = 0;
   const auto change = [&] {
@@ -121,7 +122,7 @@ std::int16_t GenTable::changeRows(const std::string& source, const std::function
     rows_ = database().openRecordset(source);
     std::int16_t failed = 0;
     for (; failed == 0 && !rows_->eof(); rows_->moveNext()) failed = changeRow();
-    // What stands before the row that failed stays, unless a full disk undid it.
+    // The rows before the one that failed keep their change, unless a full disk undid it.
     if (failed == 0 || context_.engine().inTransaction()) transaction.commit();
     return failed;
   };

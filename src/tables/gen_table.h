@@ -16,13 +16,13 @@ class TableContext;
 class Recordset;
 struct TableDef;
 
-/// The work that every table class has in common: building the table, finding a free number, finding rows,
-/// and the to-download flags. One per table object, whose name and database every query uses.
+/// The work that all table classes share: building the table, finding a free number, finding rows, and the
+/// to-download flags. Each table object has one. It works with that object's name and database.
 ///
-/// A FlagD column is a boolean column whose name ends in "FlagD", in any case: True means that the row, or
+/// A FlagD column is a boolean column whose name ends in "FlagD", in any case. True means that the row, or
 /// that part of it, must still be sent to the controllers.
 ///
-/// Every member but appendField, openWhere and currentValues shows its failures and raises none.
+/// Every member but appendField, definition, openWhere and currentValues shows its failures and raises none.
 class GenTable {
  public:
   GenTable(TableContext& context, ITable& table);
@@ -30,41 +30,42 @@ class GenTable {
   GenTable(const GenTable&) = delete;
   GenTable& operator=(const GenTable&) = delete;
 
-  /// Appends a column to the definition being built (only inside createFields).
+  /// Adds a column to the definition that is being built (only inside createFields).
   /// size: 0 for the type's default. defaultValue: Null for none.
   void appendField(const std::string& fldName, DataType dataType, int size, const Value& defaultValue);
 
-  /// First free positive value of an integer column among the rows that satisfy `condition` ("" for all). -1
-  /// when there is none, or after a failure, which has been shown.
+  /// The first free positive value of an integer column among the rows that satisfy `condition` ("" for all).
+  /// -1 when there is none, and after a failure, which was shown.
   std::int16_t getFreeValue(const std::string& field, const std::string& condition);
-  /// Sets the FlagD columns of every row that satisfies `condition` ("" for all), one after the other: when a
-  /// row fails, which is shown, those before it have the new value and those behind it the old one.
+  /// Sets the FlagD columns of every row that satisfies `condition` ("" for all), one row after the other. A
+  /// row that fails shows its error and ends this: the rows before it have the new value, those behind it the
+  /// old one.
   std::int16_t setTableFlagsD(bool value, const std::string& condition);
-  /// Sets the FlagD columns of the current row; rows that hold the value already are not written.
+  /// Sets the FlagD columns of the current row. A row that already has the value is not written.
   std::int16_t setFlagsD(bool value);
   /// Null columns of the current row become "" or 0.
   std::int16_t fillNulls();
   /// Whether a FlagD column of the current row is set.
   bool getFlagDSetFound();
-  /// `Id` of the first row that satisfies `condition`, -1 when there is none; silent.
+  /// `Id` of the first row that satisfies `condition`; -1, without a message, when there is none.
   std::int16_t getId(const std::string& condition);
 
   // For the table classes only.
 
-  /// The rows that the last query opened, with the current row; null before the first.
+  /// The rows that the last query opened, at the current row; null before the first query.
   [[nodiscard]] Recordset* currentRecordset() const { return rows_.get(); }
   void currentRecordset(std::unique_ptr<Recordset> rows);
-  /// The table as buildTable makes it. A failure of the owner's createFields or createIndexes is raised.
+  /// The definition that buildTable uses. A failure of the owner's createFields or createIndexes is raised.
   [[nodiscard]] TableDef definition();
   void buildTable();
-  /// Opens the rows that satisfy `condition`; true when there is NO such row. Failures are raised.
+  /// Opens the rows that satisfy `condition`. Returns true when there is NO such row. Failures are raised.
   bool openWhere(const std::string& condition);
-  std::int16_t fillTableNulls();  ///< of every row, as setTableFlagsD does it
+  std::int16_t fillTableNulls();  ///< for every row, in the way of setTableFlagsD
 
-  /// The values of the current row, to be compared later.
+  /// The values of the current row. clearFlagsOfSent compares them later.
   [[nodiscard]] std::vector<Value> currentValues() const;
-  /// Clears the flags of the row that satisfies `condition`, which was sent as `sent`. A row that somebody
-  /// changed between reading and sending keeps its flags, since the controllers do not hold the change.
+  /// Clears the flags of the row that satisfies `condition`. sent: its values when it was sent. A row that
+  /// somebody has changed since keeps its flags, since the controllers do not hold the change.
   std::int16_t clearFlagsOfSent(const std::string& condition, const std::vector<Value>& sent);
 
  private:

@@ -14,7 +14,7 @@ class Recordset;
 struct Relation;
 struct TableDef;
 
-/// What the table classes of the main database share: the fixed name, the database, the generic helper.
+/// What the table classes of the main database share: the fixed name, the database, the GenTable.
 class Table : public ITable {
  public:
   Table(const Table&) = delete;
@@ -27,7 +27,8 @@ class Table : public ITable {
   std::int16_t createRelations() override { return 0; }  ///< none, unless a table says otherwise
   void insertDefaultRecs() override {}                   ///< none, unless a table says otherwise
   std::int16_t setTableFlagsD(bool flagD) override;
-  std::int16_t getFreeId();  ///< first free `Id`; some tables end sooner, or have another key, and say so
+  /// The first free `Id`. A table with another key, or fewer numbers, has a getFreeId of its own.
+  std::int16_t getFreeId();
 
   /// The tables that create() makes.
   [[nodiscard]] virtual std::vector<TableDef> definitions();
@@ -35,19 +36,20 @@ class Table : public ITable {
  protected:
   Table(TableContext& context, std::string name);
 
-  /// The open database of this table; raises `err::objectNotSet` when there is none.
+  /// The open database of this table. Raises `err::objectNotSet` when none is open.
   [[nodiscard]] Database& database();
   [[nodiscard]] std::unique_ptr<Recordset> rows(const std::string& sql);
 
-  /// Hands the first row of a query to `take`. When there is none, shows `notFound` (unless `silent`); when
-  /// the query fails, shows `notFound` with the error. Returns whether a row was found.
+  /// Passes the first row of a query to `take`. Without a row it shows `notFound` (unless `silent`). When the
+  /// query fails it shows `notFound` with the error. Returns whether a row was found.
   bool lookUp(const std::string& sql, const FailureMessage& notFound, bool silent,
               const std::function<void(Recordset&)>& take);
 
-  /// getFreeId of a table that ends: first free `Id`, or -1 when it would exceed `last`.
+  /// getFreeId for a table whose numbers end at `last`: the first free `Id`, or -1 when that is greater.
   std::int16_t freeId(std::int16_t last);
 
-  /// A relation with referential integrity from `primary`.`primaryField` to this table's `foreignField`.
+  /// Creates a relation with referential integrity from `primary`.`primaryField` to this table's
+  /// `foreignField`.
   void relate(const std::string& relationName, const std::string& primary, const std::string& primaryField,
               const std::string& foreignField);
 

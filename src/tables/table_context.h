@@ -13,10 +13,11 @@ class TableContext : public FileContext {
  public:
   using FileContext::FileContext;
 
-  /// The open main database; empty when none is open. Another one after it was created, opened or restored.
+  /// The open main database; empty when none is open. It is another object after the database was created,
+  /// opened or restored.
   [[nodiscard]] virtual std::shared_ptr<Database> DB() = 0;
-  /// The same for whoever cannot do without: raises `err::objectNotSet` when none is open. The database stays
-  /// open while the operation that asked works.
+  /// The open main database for callers that need one: raises `err::objectNotSet` when none is open. It stays
+  /// open for as long as the caller's operation lasts.
   [[nodiscard]] Database& database();
 };
 

@@ -59,7 +59,7 @@ auto find(const Items& items, Matches matches) {
   return found == items.end() ? nullptr : &*found;
 }
 
-/// Rows that are not marked, and whether a controller has one as it stands.
+/// How the rows of one kind are compared: those that are not marked must be on a controller as they are.
 struct Kind {
   const char* name;
   const char* unmarked;
@@ -239,7 +239,7 @@ void checkStrays(const Plant& plant, Findings& findings) {
 
 void check(const Plant& plant, int runs, Findings& findings) {
   checkDatabases(plant, findings);
-  if (!findings.wrong.empty()) return;  // nothing can be read out of it
+  if (!findings.wrong.empty()) return;  // then no more can be read from it
   checkTransactions(plant, runs, findings);
   if (!hasTable(plant.folder / "KRV.mdb", "Cardholders")) return;
   const Sides sides(plant);

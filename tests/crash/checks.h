@@ -9,26 +9,25 @@ namespace voxa::crash {
 
 class Plant;
 
-/// What is wrong, in words; what is not wrong but to be known, counted.
+/// What is wrong, in words. What is not wrong but worth knowing is counted.
 struct Findings {
   std::vector<std::string> wrong;
   std::map<std::string, int> seen;
 };
 
-/// Rows of the journal, and of a copy it was saved to, by their data. None without a journal.
+/// Rows of the journal, and of a copy that it was saved to, by their data. Empty without a journal.
 [[nodiscard]] std::map<std::string, int> journalRows(const std::filesystem::path& folder);
 /// Data of the transactions in the memories of the controllers.
 [[nodiscard]] std::vector<std::string> onControllers(const std::filesystem::path& siteFolder);
 
-/// Looks at an installation in which an operation was attempted `runs` times since Plant::remember:
+/// Checks an installation in which an operation was attempted `runs` times since Plant::remember:
 /// - every database opens and is whole by its engine's own word, relations included;
-/// - each recorded transaction is in the journal or on its controller; a row comes once an attempt at most,
-/// and
-///   only while its controller had not cleared it;
+/// - each recorded transaction is in the journal or on its controller. A row comes at most once an attempt,
+///   and only while its controller had not cleared it;
 /// - a block of cards is there with all its cards or with none;
 /// - what is not marked to be sent is on every controller as its row says.
 void check(const Plant& plant, int runs, Findings& findings);
-/// Looks for cards on controllers that are in no table: after a kill the next command erases them.
+/// Looks for cards that are on controllers and in no table. After a kill the next command must erase them.
 void checkStrays(const Plant& plant, Findings& findings);
 
 }  // namespace voxa::crash

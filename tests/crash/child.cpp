@@ -32,7 +32,7 @@ void require(bool good, const char* what) {
     const int out = ::open(output.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
     require(::dup2(in, 0) == 0 && ::dup2(out, 1) == 1 && ::dup2(out, 2) == 2, "dup2");
     if (fate.fileSize) {
-      // Writing beyond it fails with an error, as on a disk that is full, instead of a signal.
+      // A write beyond the limit then fails with an error, as on a full disk, and sends no signal.
       (void)std::signal(SIGXFSZ, SIG_IGN);
       const rlimit limit{*fate.fileSize, *fate.fileSize};
       require(::setrlimit(RLIMIT_FSIZE, &limit) == 0, "setrlimit");
@@ -55,7 +55,7 @@ Ended run(const std::function<int()>& work, const Fate& fate, const std::filesys
   if (child == 0) live(work, fate, output);
   if (fate.killAfter) {
     std::this_thread::sleep_until(begin + std::chrono::duration<double>(*fate.killAfter));
-    require(::kill(child, SIGKILL) == 0, "kill");  // of one that has ended already it changes nothing
+    require(::kill(child, SIGKILL) == 0, "kill");  // changes nothing for a process that has already ended
   }
   int status = 0;
   require(::waitpid(child, &status, 0) == child, "waitpid");

@@ -15,7 +15,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// The mode is that of an installation's folder: everybody could write a disk in memory otherwise.
+// The mode is that of an installation's folder. Without it everybody could write to a disk in memory.
 constexpr const char* options = "size=8m,mode=0700";
 
 bool mountPrivately(const fs::path& folder) {

@@ -5,8 +5,8 @@
 
 namespace voxa::crash {
 
-/// A small disk of its own under a folder, for root: mounted where no other process sees it. Without the
-/// right to mount, the folder stays what it is.
+/// A small disk of its own under a folder, mounted where no other process sees it. Only root can mount it;
+/// without that right the folder stays as it is.
 class Disk {
  public:
   explicit Disk(std::filesystem::path folder);
@@ -15,12 +15,12 @@ class Disk {
   Disk& operator=(const Disk&) = delete;
 
   [[nodiscard]] bool mounted() const { return mounted_; }
-  /// Fills it up to so many bytes.
+  /// Fills the disk until only so many bytes are free.
   void leaveFree(std::uintmax_t bytes) const;
-  void giveBack() const;  ///< what leaveFree took
-  /// The whole disk; without one, the folder, in which then no file can be made.
+  void giveBack() const;  ///< frees what leaveFree took
+  /// Makes the whole disk read-only. Without a disk, no file can be made in the folder then.
   void setReadOnly(bool on) const;
-  /// Whether setReadOnly binds this process.
+  /// Whether setReadOnly has an effect on this process.
   [[nodiscard]] bool canBeReadOnly() const;
 
  private:

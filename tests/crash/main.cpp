@@ -1,4 +1,5 @@
-// Kills, starves and locks out operations of an installation, and looks at what they leave behind.
+// Kills operations of an installation, lets their disk run full or read-only, and checks what they leave
+// behind.
 
 #include <unistd.h>
 
@@ -17,10 +18,11 @@ namespace {
 struct Options {
   fs::path program;
   std::uint64_t seed = 20261224;
-  int kills = 500;   ///< that land before the operation has ended
+  int kills = 500;   ///< kills to be made before the operation has ended
   int faults = 120;  ///< operations on a full or a read-only disk
-  std::string only;  ///< name of the one operation to try
-  /// Where to work. In memory an operation takes a fraction of the time, and more of it between its writes.
+  std::string only;  ///< name of the one operation to try; all of them when empty
+  /// The folder to work in. In memory an operation is many times faster, and a kill more often comes between
+  /// its writes.
   fs::path folder = fs::exists("/dev/shm") ? fs::path("/dev/shm") : fs::temp_directory_path();
 };
 
@@ -45,13 +47,13 @@ class Harness {
  private:
   struct Tally {
     double start = 0;   // seconds until the operation begins to work
-    double length = 0;  // and until it has ended
+    double length = 0;  // seconds until it has ended
     int killed = 0;
     int ended = 0;
-    int complete = 0;  // killed when all was done
+    int complete = 0;  // killed when everything was done
   };
 
-  // What went wrong is told with all that is needed to see it again.
+  // Tells what went wrong, with all that is needed to see it again.
   bool fine(const Operation& operation, const std::string& when) {
     if (findings_.wrong.empty()) return true;
     std::cout << "FAILED round " << rounds_ << ", " << operation.name << ", " << when << '\n';
@@ -89,7 +91,7 @@ class Harness {
     return fine(operation, when);
   }
 
-  // Whatever happened, the next attempt succeeds.
+  // Whatever happened before, the next attempt must succeed.
   double complete(const Operation& operation, int runs) {
     plant_.clearFaults();
     if (!operation.next.empty()) {
@@ -153,7 +155,7 @@ class Harness {
         continue;
       }
       ++tally.ended;
-      tally.length += (ended.seconds - tally.length) / 8;  // the machine may have become faster
+      tally.length += (ended.seconds - tally.length) / 8;  // follows a machine that becomes faster
       break;
     }
     tally.killed += landed;

@@ -30,7 +30,7 @@ std::string number(int n) {
 
 void nothingMore(const Plant& /*plant*/, Findings& /*findings*/) {}
 
-/// Rows that a statement yields; -1 without such a database or table.
+/// How many rows a statement gives; -1 when there is no such database or table.
 int count(const Plant& plant, const char* file, const std::string& sql) {
   try {
     SystemClock clock;

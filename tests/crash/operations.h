@@ -8,22 +8,22 @@
 
 namespace voxa::crash {
 
-/// Something that a process does to an installation and may not live to finish.
+/// Something that a process does to an installation and may be killed at.
 struct Operation {
   const char* name;
-  /// Gives a renewed installation what the operation is about.
+  /// Gives a renewed installation what the operation needs.
   void (*prepare)(Plant& plant);
-  /// In the child process: does it; the exit status.
+  /// Does the operation, in the child process. Returns the exit status.
   int (*work)(const Plant& plant);
-  /// Whether all that it is for is done.
+  /// Whether the operation has done everything.
   bool (*done)(const Plant& plant);
-  /// What must hold at any moment besides what check() looks at.
+  /// Checks what must hold at any moment, beside what check() looks at.
   void (*whole)(const Plant& plant, Findings& findings);
   bool command;  ///< a command of voxa, whose start does nothing yet; otherwise a call of the library
-  /// Whether it can be killed several times in a row; otherwise it begins from what prepare() made.
+  /// Whether it can be killed several times in a row. If not, each attempt begins with what prepare() made.
   bool repeats;
-  /// Commands, one of which comes next and leaves no card on a controller that is in no table. None: the
-  /// operation itself is attempted again at once.
+  /// Commands, one of which is run next. After it no controller may have a card that is in no table. None:
+  /// the operation itself is attempted again at once.
   std::vector<std::vector<std::string>> next = {};
 };
 

@@ -14,22 +14,23 @@ namespace voxa::crash {
 
 namespace fs = std::filesystem;
 
-/// An installation with its simulated controllers, which are in a folder of their own: what befalls the disk
-/// of the one does not befall the others. And what is known of both before an operation that may be killed.
+/// An installation with its simulated controllers, and what is known of both before an operation that may be
+/// killed. The controllers have a folder of their own, so what happens to the disk of the installation does
+/// not happen to them.
 class Plant {
  public:
   /// program: the command "voxa". scratch: an empty folder.
   Plant(fs::path program, fs::path scratch, std::uint64_t seed);
 
-  /// Everything as it was built, and nothing remembered.
+  /// Makes everything as it was built. Nothing is remembered.
   void renew();
-  /// Notes what the operation finds.
+  /// Notes the state before an operation.
   void remember();
-  void clearFaults() const;  ///< of the controllers
+  void clearFaults() const;  ///< on all controllers
   /// Runs statements in the main database.
   void change(const std::vector<std::string>& statements) const;
 
-  /// For a child process: becomes the command with those arguments.
+  /// Called in a child process, which becomes the command with those arguments.
   [[nodiscard]] int become(std::vector<std::string> arguments) const;
   Ended run(const std::function<int()>& work, const Fate& fate) const;
 
@@ -43,7 +44,7 @@ class Plant {
   std::vector<std::string> recorded;  ///< data of the transactions that the controllers recorded, each once
   int batchFirst = 0;                 ///< first number of the block of cards to be created
 
-  std::map<std::string, int> journalBefore;   ///< rows by data
+  std::map<std::string, int> journalBefore;   ///< rows, by their data
   std::set<std::string> onControllersBefore;  ///< data of transactions
   std::string mainBefore;                     ///< the file's bytes
 

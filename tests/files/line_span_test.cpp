@@ -14,7 +14,7 @@ namespace {
 
 using Lines = std::vector<std::string>;
 
-/// What another process has to do with the lock file: the same file, opened anew, is somebody else's.
+/// Stands for another process: the same lock file, opened a second time, has another owner.
 class Other {
  public:
   bool take() { return file_ >= 0 && ::flock(file_, LOCK_EX | LOCK_NB) == 0; }
@@ -29,7 +29,7 @@ bool isFree() {
   return Other().take();
 }
 
-/// Notes whether a box comes while the lines are held, or with a dump that is not in the journal yet.
+/// Notes whether a box comes while the lines are held, or while there is a dump that is not in the journal.
 struct WatchingPrompts : ScriptedPrompts {
   Answer messageBox(const std::string& prompt, int style, const std::string& title) override {
     good = good && isFree() && !files::exists("J.DAT");
@@ -61,7 +61,7 @@ TEST_F(LineSpanTest, LinesThatAnotherProcessReplacedAreWrittenAnew) {
   EXPECT_EQ(driver.sent(), "31\r\n\r\n32\r\n\r\n");
   EXPECT_EQ(textOf("COM.LOG").find("99"), std::string::npos);
   EXPECT_TRUE(isFree());
-  // One that the caller made himself is his business.
+  // A file that the caller made himself stays as it is.
   library->CommandFile().fopen();
   library->CommandFile().fclose();
   write("COMMAND.TXT", "own");

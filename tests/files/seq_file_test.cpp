@@ -31,7 +31,7 @@ class SeqFileTest : public test::InstallationTest {
 
 TEST_F(SeqFileTest, LinesAreWrittenAppendedAndRead) {
   file.fopen("w");
-  file.fprint("\xc3\xa9,7");  // one byte in the file
+  file.fprint("\xc3\xa9,7");  // the é is one byte in the file
   file.fopen("R");            // closes, then appends like any mode but "r" and "w"
   write("other", "b\n40000,True\nx,2.5,4,70000,1.5,2/1/2026");
   file.appendFile("other");
@@ -96,7 +96,7 @@ TEST_F(SeqFileTest, TheCommandFileEndsInAnEmptyLine) {
   std::filesystem::create_directory("work");
   glob->Com().Chemin = folder + "\\work";
   CommandFile& commands = library->CommandFile();
-  glob->Com().Chemin = folder;  // too late: the place is taken
+  glob->Com().Chemin = folder;  // this is too late, the file has its place
   commands.fopen();
   commands.fprint("");
   EXPECT_FALSE(commands.isFull);
@@ -111,7 +111,7 @@ TEST_F(SeqFileTest, TheCommandFileEndsInAnEmptyLine) {
   commands.fclose();
   EXPECT_EQ(textOf("work/COMMAND.TXT"), "\r\n");
 
-  // The next download does not fail on the write that a full disk broke off.
+  // A full disk breaks off a write. The next download must not fail because of that.
   const test::FullDisk full;
   commands.fopen();
   commands.fprint(std::string(1000000, '3'));

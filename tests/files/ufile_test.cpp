@@ -10,7 +10,7 @@ namespace {
 class UFileTest : public test::InstallationTest {
  protected:
   void SetUp() override { createInstallation(); }
-  /// Two files, and the answers of the next boxes and dialog.
+  /// Makes two files, and queues the answers of the next boxes and of the dialog.
   void prepare(const std::vector<Answer>& answers, const std::string& choice) {
     write("source", "new");
     write("target", "old");
@@ -35,24 +35,25 @@ TEST_F(UFileTest, ChosenNamesAreUsedOrRefused) {
   using Dialog = std::int16_t (UFile::*)(const std::string&);
   const auto remove = [](UFile& dialog) { return dialog.DlgDelete(); };
   const struct {
-    Dialog dialog;  // none: delete
+    Dialog dialog;  // none: the file is deleted
     std::string choice;
     std::vector<Answer> answers;
     int status;
     std::vector<int> styles;  // of the boxes
-    const char* after;        // source/target
-  } cases[] = {{&UFile::DlgRename, "", {}, -1, {}, "new/old"},
-               {&UFile::DlgRename, folder + "\\journal.MDB", {}, -1, {16}, "new/old"},
-               {&UFile::DlgRename, "target", {}, 0, {}, "/new"},
-               {&UFile::DlgRename, "Source", {}, 0, {}, "new/old"},  // its own name: not deleted
-               {&UFile::DlgSaveAs, folder + "\\Journal.mdb", {}, -1, {16}, "new/old"},
-               {&UFile::DlgSaveAs, "krv.mdb", {}, -1, {16}, "new/old"},
-               {&UFile::DlgSaveAs, "target", {}, 0, {}, "new/new"},
-               {&UFile::DlgRestore, "JOURNAL.mdb", {}, -1, {16}, "new/old"},
-               {&UFile::DlgRestore, "target", {Answer::no}, -1, {36}, "new/old"},
-               {nullptr, "", {}, -1, {}, "new/old"},
-               {nullptr, "target", {Answer::no}, -1, {36}, "new/old"},
-               {nullptr, "target", {Answer::yes}, 0, {36}, "new/"}};
+    const char* after;        // contents of source and target
+  } cases[] = {
+      {&UFile::DlgRename, "", {}, -1, {}, "new/old"},
+      {&UFile::DlgRename, folder + "\\journal.MDB", {}, -1, {16}, "new/old"},
+      {&UFile::DlgRename, "target", {}, 0, {}, "/new"},
+      {&UFile::DlgRename, "Source", {}, 0, {}, "new/old"},  // the name that it has: it must not be deleted
+      {&UFile::DlgSaveAs, folder + "\\Journal.mdb", {}, -1, {16}, "new/old"},
+      {&UFile::DlgSaveAs, "krv.mdb", {}, -1, {16}, "new/old"},
+      {&UFile::DlgSaveAs, "target", {}, 0, {}, "new/new"},
+      {&UFile::DlgRestore, "JOURNAL.mdb", {}, -1, {16}, "new/old"},
+      {&UFile::DlgRestore, "target", {Answer::no}, -1, {36}, "new/old"},
+      {nullptr, "", {}, -1, {}, "new/old"},
+      {nullptr, "target", {Answer::no}, -1, {36}, "new/old"},
+      {nullptr, "target", {Answer::yes}, 0, {36}, "new/"}};
   const std::string journal = textOf("Journal.MDB");
   for (const auto& c : cases) {
     prepare(c.answers, c.choice);
@@ -66,7 +67,7 @@ TEST_F(UFileTest, ChosenNamesAreUsedOrRefused) {
                                                                          : "Save as");
   }
   EXPECT_EQ(textOf("Journal.MDB"), journal);
-  prepare({}, folder + "\\KRV.mdb");  // the main database's own name is not refused here
+  prepare({}, folder + "\\KRV.mdb");  // a main database of that name is not refused here
   EXPECT_EQ(UFile(*library).DlgRename("source"), 0);
   EXPECT_EQ(textOf("KRV.mdb"), "new");
 }
@@ -103,10 +104,10 @@ TEST_F(UFileTest, RestoringSavesFirstWhenAsked) {
   closeDatabaseFile(*library, "Other.mdb");
   EXPECT_TRUE(database->isOpen());
   prepare({}, "copy.mdb");
-  EXPECT_EQ(saveDatabaseAs(*library, "krv.MDB"), 0);  // a bare name is one of the current folder
+  EXPECT_EQ(saveDatabaseAs(*library, "krv.MDB"), 0);  // a bare name means a file of the current folder
   EXPECT_FALSE(database->isOpen());
   write("KRV.mdb", "damaged");
-  prepare({Answer::yes}, "");  // nothing chosen to save it under
+  prepare({Answer::yes}, "");  // no name is chosen to save it under
   EXPECT_EQ(restoreDatabase(*library, "KRV.mdb", "msgReplaceSaveDBYN", [](Database&) {}), -1);
   EXPECT_EQ(textOf("KRV.mdb"), "damaged");
   prepare({Answer::yes, Answer::yes}, "damaged.mdb");

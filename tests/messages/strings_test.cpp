@@ -19,7 +19,7 @@ TEST_F(StringsTest, WithoutAStoreTheMnemonicIsNamed) {
   strings().display("msgCantOpen", "X.y");
   EXPECT_EQ(boxes(), Boxes{"Mnemonic msgCantOpen|(X.y)"});
   write("I18N.MDB", "in the way");
-  EXPECT_EQ(strings().createDB(), err::typeMismatch);  // what composing the box about it ends in
+  EXPECT_EQ(strings().createDB(), err::typeMismatch);  // the failure of making the box about it
   EXPECT_TRUE(boxes().empty());
   EXPECT_EQ(textOf("I18N.MDB"), "in the way");
 }
@@ -53,7 +53,7 @@ TEST_F(StringsTest, DefaultsTranslationsAndFallbacks) {
 
 TEST_F(StringsTest, ATextThatCannotBeWrittenKeepsNoOtherOut) {
   glob->insertStrings();
-  EXPECT_EQ(boxes().size(), 1U);  // that there is no store, once
+  EXPECT_EQ(boxes().size(), 1U);  // one box: there is no store
   ASSERT_EQ(strings().createDB(), 0);
   const auto store = engine->databases().front();
   TableDef narrow = store->tableDef("Strings");
@@ -70,7 +70,7 @@ TEST_F(StringsTest, ABoxIsMadeOfWhatThereIs) {
   createInstallation();
   db().beginReading();
   EXPECT_EQ(query("select Name from Stations"), "Local");
-  strings().display("", "X.y");  // nobody waits for the file until it is read
+  strings().display("", "X.y");  // while the box is shown nobody waits for the file
   strings().display("msgCantOpen", "X.y", Value(std::int16_t{7}), 48);
   EXPECT_EQ(prompts.boxes[0].style, 16);
   EXPECT_EQ(prompts.boxes[1].style, 48);

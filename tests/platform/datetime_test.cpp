@@ -20,7 +20,7 @@ TEST(DateTimeTest, DaysThatExist) {
   EXPECT_EQ(errorOf([] { return toCivil(DateTime{1e300}); }), err::overflow);
 }
 
-// The fraction before day 0 counts away from zero: -1.25 is six o'clock of 29 December 1899.
+// Before day 0 the fraction counts away from zero: -1.25 is six o'clock on 29 December 1899.
 TEST(DateTimeTest, PartsComeBackFromEveryMinute) {
   for (const int year : {100, 1899, 1900, 1999, 2024, 9999}) {
     for (int minute = 0; minute < 1440; minute += 7) {

@@ -57,7 +57,7 @@ TEST(DriverTest, TheEnvironmentNamesTheOnlyPlace) {
   EXPECT_NE(failure(driver, CmReadDate, err::fileNotFound).find(path), std::string::npos);
   put(path, "no library");
   EXPECT_NE(failure(driver, CmReadDate, err::fileNotFound).find("file too short"), std::string::npos);
-  // The library was put in its place meanwhile.
+  // Somebody puts the library in its place.
   const auto program = std::filesystem::read_symlink("/proc/self/exe").parent_path();
   std::filesystem::copy_file(program / "libTwoExports.so", path,
                              std::filesystem::copy_options::overwrite_existing);

@@ -81,8 +81,8 @@ TEST_F(FilesTest, AFolderIsTakenWhereOneAccountAloneCanWrite) {
     }
   }
   if (::geteuid() != 0) return;
-  // The administrator may work in an operator's folder, whose files stay that one's; below a stranger's he
-  // may not.
+  // The administrator may work in an operator's folder, and the files there stay the operator's. Below a
+  // stranger's folder he may not.
   constexpr uid_t operatorId = 4711;
   ASSERT_EQ(::chown(inner.c_str(), operatorId, operatorId), 0);
   EXPECT_EQ(files::folderFault(inner, false), "");
@@ -158,7 +158,7 @@ TEST_F(FilesTest, AFailedCopyLeavesTheTargetAsItWas) {
 TEST_F(FilesTest, TheNextCopyDeletesWhatKilledOnesLeft) {
   put(folder_ / "from", "new");
   int error = 0;
-  std::FILE* underWay = files::openOwned(folder_ / "to~3", error);  // a copy of another process
+  std::FILE* underWay = files::openOwned(folder_ / "to~3", error);  // another process is copying
   ASSERT_NE(underWay, nullptr);
   for (int n = 0; n < 1000; ++n) {
     if (n != 3) put(folder_ / ("to~" + std::to_string(n)), "half");

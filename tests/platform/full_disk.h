@@ -6,7 +6,7 @@
 
 namespace voxa::test {
 
-/// While it lives, no file of this process grows beyond a number of bytes: as a full disk has it.
+/// While it lives, no file of this process can grow beyond a number of bytes, as on a full disk.
 class FullDisk {
  public:
   explicit FullDisk(rlim_t bytes = 1) : handler_(std::signal(SIGXFSZ, SIG_IGN)) {

@@ -39,7 +39,8 @@ TEST(LockFileTest, OneProcessHoldsItAndItIsFreeWhenThatIsGone) {
   EXPECT_EQ(file.lock(atOnce), Outcome::held);
   EXPECT_EQ(bytesOf(path), std::to_string(::getpid()) + " test_platform\n");
 
-  // Held over and over in this process, by whatever name of the folder, and free behind the last of it.
+  // This process holds the file several times, by different names of the folder. It is free after the last
+  // unlock.
   std::filesystem::create_directory_symlink(folder.path(), folder / "link");
   LockFile other(folder / "link/x.lck");
   EXPECT_EQ(other.lock(atOnce), Outcome::held);
@@ -49,8 +50,7 @@ TEST(LockFileTest, OneProcessHoldsItAndItIsFreeWhenThatIsGone) {
   other.unlock();
   EXPECT_TRUE(isFree());
 
-  // A file that was deleted keeps nobody out, a link is not followed, and where none can be made there is
-  // none.
+  // A deleted file keeps nobody out. A link is not followed. Where the file cannot be made, there is none.
   std::filesystem::remove(path);
   EXPECT_EQ(file.lock(atOnce), Outcome::held);
   EXPECT_FALSE(isFree());

@@ -14,7 +14,7 @@
 
 namespace voxa {
 
-/// An empty folder of the test's own, deleted with all it holds.
+/// An empty folder for one test. It is deleted at the end with all that it holds.
 class TemporaryFolder {
  public:
   TemporaryFolder() {
@@ -36,7 +36,7 @@ class TemporaryFolder {
   std::string path_;
 };
 
-/// A clock that stands where a test puts it.
+/// A clock that stands still at the time that a test sets.
 struct FixedClock : Clock {
   explicit FixedClock(const CivilTime& parts) : moment(toDateTime(parts)) {}
   [[nodiscard]] DateTime now() const override { return moment; }

@@ -209,8 +209,8 @@ TEST_F(Decoding, theLineSpeedChangesAfterTheWholeFileAndOnlyWhereItWasHeard) {
   EXPECT_EQ(look(2).info.speed, 9600);
 }
 
-// A download sends one short file for each card: it must not slow down as cards pile up. The bound is loose
-// enough for a busy machine and the sanitizers, and far below what a search through all cards costs.
+// A download sends one short file for each card, so it must not become slower with each card. The limit is
+// loose enough for a busy machine and the sanitizers. A search through all cards would take far longer.
 TEST_F(Decoding, tenThousandCardsDoNotSlowACall) {
   add(1);
   std::vector<std::string> lines;

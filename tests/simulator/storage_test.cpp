@@ -12,7 +12,8 @@ namespace fs = std::filesystem;
 
 class Keeping : public SimulatorTest {
  protected:
-  // Runs `work` in a process of its own; returns its id. The child leaves by _exit, so it cleans up nothing.
+  // Runs `work` in a process of its own and returns its id. The child leaves by _exit, so it does not clean
+  // up.
   template <typename Work>
   static pid_t spawn(Work work) {
     const pid_t child = fork();

@@ -14,9 +14,10 @@ class Swiping : public SimulatorTest {
   Swiping() {
     add(1);
     send({"09001200001234", "1600121", "33001203"});
-    // Daily program 1 all day, 2 in two intervals, 3 with nothing but empty ones, 9 not held.
+    // Daily program 1 is all day, 2 has two intervals, 3 only empty ones; the controller does not hold 9.
     send({"31010000240024002400", "31020800120013301730", "31030000000024002400"});
-    // Monday 2, Tuesday 1, Wednesday never, Thursday 9, Friday 3, the weekend and holidays 1 and never.
+    // Monday has program 2, Tuesday 1, Wednesday never, Thursday 9, Friday 3, the weekend and holidays 1 and
+    // never.
     send({"32030201000903010100"});
   }
   site::SwipeResult swipe(const site::Moment& moment, int position = 1, const std::string& code = "1234") {

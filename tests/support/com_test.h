@@ -7,7 +7,8 @@
 
 namespace voxa::test {
 
-/// Local (1) with a controller of two readers, Annex (7) with one, Idle (9), which is not in use.
+/// Three stations: Local (1) with a controller of two readers, Annex (7) with one reader, Idle (9), which is
+/// not in use.
 class ComTest : public InstallationTest {
  protected:
   void SetUp() override {

@@ -19,31 +19,31 @@
 
 namespace voxa::test {
 
-/// A driver that notes what it is asked, and the command file as it stands then, and answers as told.
+/// A driver that notes its calls, with the command file as it was then, and answers as it was told.
 class RecordingDriver : public Driver {
  public:
   struct Call {
     ComCommandsEnum command;
     std::int16_t station;
     std::int16_t address;
-    std::string commandFile;  // of CmSendCommand
+    std::string commandFile;  // only of CmSendCommand
     friend bool operator==(const Call&, const Call&) = default;
   };
 
   std::int16_t call(ComCommandsEnum command, std::int16_t stationId, std::int16_t controllerAddr) override;
   [[nodiscard]] int lastError() const override { return systemError; }
 
-  /// The command files sent, joined.
+  /// The command files that were sent, one after the other.
   [[nodiscard]] std::string sent() const;
-  /// How often a command was asked for.
+  /// How often that command was called.
   [[nodiscard]] std::size_t count(ComCommandsEnum command) const;
 
   std::vector<Call> calls;
   std::function<std::int16_t(const Call&)> answer = [](const Call&) { return std::int16_t{100}; };
   int systemError = 0;
-  /// What a successful read of a whole station's dates leaves in its result file; none: no file.
+  /// What a read of a whole station's dates that succeeds leaves as its result file; none: no file.
   std::optional<std::string> resultFile = "XXXXXXXXXXXXXXXX";
-  /// What any read of a station's dates leaves in its result file, byte by byte, before that.
+  /// What any read of a station's dates leaves as its result file, byte by byte. It comes before resultFile.
   std::map<std::int16_t, std::string> resultFiles;
 };
 
@@ -57,9 +57,9 @@ class StillClock : public Clock {
   DateTime moment;  // 24 December 2026, 18:05:00
 };
 
-/// The seams to a person and to the driver. Both may take long, so the test fails when one is called while a
-/// database file is locked: others wait for it. A batch of cards, which its note in the folder tells of,
-/// holds its transaction while it is sent.
+/// The seams to a person and to the driver. Both may take long, and others wait for a database file that is
+/// locked. So the test fails when one of them is called while a database file is locked. There is one
+/// exception: a batch of cards is sent within its transaction. Its note in the folder tells of it.
 class Watched : public Prompts, public Driver {
  public:
   Watched(Prompts& prompts, Driver& driver) : prompts_(prompts), driver_(driver) {}
@@ -69,7 +69,7 @@ class Watched : public Prompts, public Driver {
   std::int16_t call(ComCommandsEnum command, std::int16_t stationId, std::int16_t controllerAddr) override;
   [[nodiscard]] int lastError() const override { return driver_.lastError(); }
 
-  DatabaseEngine* engine = nullptr;  ///< whose files are watched; none while a test itself locks them
+  DatabaseEngine* engine = nullptr;  ///< its files are watched; none while a test itself locks them
   std::function<void()> beforeBox = [] {};
 
  private:
@@ -79,8 +79,8 @@ class Watched : public Prompts, public Driver {
   Driver& driver_;
 };
 
-/// A test inside a temporary folder of its own, which is the current and the working folder, over the real
-/// database engine.
+/// A test in a temporary folder of its own, with the real database engine. The folder is the current one and
+/// the working folder.
 class InstallationTest : public ::testing::Test {
  public:
   ~InstallationTest() override;
@@ -88,30 +88,31 @@ class InstallationTest : public ::testing::Test {
  protected:
   InstallationTest();
 
-  /// A new context over the same folder, as a second process or a later one has it.
+  /// Makes a new context over the same folder, as a second process or a later one has it.
   void restart();
-  /// Message store, paths, main database and journal.
+  /// Makes the message store, paths, main database and journal.
   void createInstallation();
-  /// Stations (id, active) beside the local station 1, and readers (name, station, controller, position).
+  /// These add stations (id, active) beside the local station 1, and readers (name, station, controller,
+  /// position).
   void addStation(int id, const std::string& name, bool active = true);
   void addReader(int id, const std::string& name, int station, int controller, int position);
 
   Database& db() { return *library->QDB().DB(); }
-  /// First field of the first row, as text; "none" without a row, "Null" for Null.
+  /// The first field of the first row as text; "none" without a row, "Null" for Null.
   std::string query(const std::string& sql);
   [[nodiscard]] std::string textOf(const std::string& file) const;
   void write(const std::string& file, const std::string& text) const;
-  /// The text with each CR LF as "|".
+  /// The text with "|" for each CR LF.
   [[nodiscard]] static std::string oneLine(std::string text);
-  /// The driver answers every call with that code.
+  /// From now on the driver answers every call with that code.
   void answerAll(std::int16_t code);
-  /// What the driver was asked since the last call of this: "command:station,address", blanks between.
+  /// The driver's calls since this was last called: "command:station,address", with blanks between.
   std::string calls();
-  /// Prompts of the boxes shown since the last call, CR LF as "|".
+  /// The prompts of the boxes shown since this was last called, with "|" for each CR LF.
   std::vector<std::string> boxes();
-  /// Runs `work` while another program changes the file, for a while.
+  /// Runs `work` while another program is changing the file, which takes a while.
   void whileChangedElsewhere(const std::string& file, const std::function<void()>& work);
-  /// A statement of SQLite's own, which no rule of the tables hinders.
+  /// Runs an SQLite statement directly, so no rule of the tables stops it.
   static void plain(const std::string& file, const std::string& sql);
 
   std::string folder;

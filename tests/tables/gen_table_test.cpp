@@ -6,7 +6,7 @@
 namespace voxa {
 namespace {
 
-/// A table of odd columns.
+/// A table with unusual columns.
 class OddTable : public Table {
  public:
   explicit OddTable(Library& library, bool broken = false) : Table(library, "Odd"), broken_(broken) {}

@@ -14,8 +14,8 @@ namespace {
 
 enum class Result : std::uint8_t { whole, real, date, text, condition, boolean, likeFirst };
 
-/// A function as SQLite text, its arguments standing at $1 ... An argument is a number (n), a date (d), a
-/// text (t) or taken as it is (v).
+/// A function as SQLite text, with its arguments at $1, $2 and so on. An argument is taken as a number (n), a
+/// date (d), a text (t), or as it is (v).
 struct Function {
   std::string_view name;
   std::string_view arguments;
@@ -93,7 +93,7 @@ std::optional<DataType> resultType(Result result, const std::optional<DataType>&
   return isWholeType(first) ? DataType::Long : DataType::Double;
 }
 
-/// The type of a value that is one of the two; none when only text can be both.
+/// The type of a value that may be `a` or `b`; none when only text can hold both.
 std::optional<DataType> commonType(const Term& a, const Term& b) {
   if (!a.type || !b.type) return a.type ? a.type : b.type;
   if (*a.type == *b.type) return a.type;
@@ -149,7 +149,7 @@ Term Writer::call(const Expression& e, Scope& scope) {
   }
   out.type = resultType(found->result, first);
   out.condition = found->result == Result::condition;
-  // What does not end as a call is an operator's text.
+  // Text that does not end like a call has an operator outermost and needs parentheses.
   if (out.sql.back() != ')' || out.sql.front() == '(') out.chain = '?';
   if (found->text == "$1") out.chain = '?';
   return out;
@@ -185,7 +185,7 @@ Term Writer::aggregate(const Expression& e, Scope& scope) {
   return {.sql = (isWord(e.name, "min") ? "min(" : "max(") + argument + ")", .type = term.type};
 }
 
-/// IIf(condition, a, b) and Nz(a, b): values that can be of different types become text then.
+/// IIf(condition, a, b) and Nz(a, b). When the two values have different types, both become text.
 Term Writer::choice(const Expression& e, Scope& scope) {
   const bool iif = isWord(e.name, "iif");
   const std::size_t count = e.arguments.size();

@@ -12,7 +12,13 @@
 namespace voxa::dialect {
 namespace {
 
-enum class Class : std::uint8_t { other, blank, symbol, letter, digit };  // the last two make words
+enum class Class : std::uint8_t {
+  other,
+  blank,
+  symbol,
+  letter,
+  digit
+};  // words are made of letters and digits
 
 constexpr std::array<Class, 256> makeClasses() {
   std::array<Class, 256> classes{};
@@ -35,14 +41,14 @@ Class classOf(char c) {
   return classes[static_cast<unsigned char>(c)];
 }
 
-/// Position of the first character from `at` on that does not fulfil `belongs`.
+/// Position, from `at` on, of the first character that is not of the kind `belongs`.
 template <typename Belongs>
 std::size_t skip(std::string_view sql, std::size_t at, Belongs&& belongs) {
   while (at < sql.size() && belongs(classOf(sql[at]))) ++at;
   return at;
 }
 
-/// The text of a literal without its quotes, doubled quotes single.
+/// The text of a literal without its quotes; a doubled quote inside becomes a single one.
 std::string unquoted(std::string_view literal) {
   const char quote = literal.front();
   const std::string_view inside = literal.substr(1, literal.size() - 2);
@@ -64,9 +70,9 @@ Value numberValue(const Token& token) {
     if (std::from_chars(first, last, whole).ec == std::errc()) return whole;
   }
   double real = 0;
-  // "1." is a number of the language that from_chars reads, too.
+  // from_chars reads "1.", too, which is a number of the language.
   if (std::from_chars(first, last, real).ec == std::errc()) return real;
-  if (token.text.find('-') != std::string_view::npos) return 0.0;  // too small to tell from 0
+  if (token.text.find('-') != std::string_view::npos) return 0.0;  // too small to differ from 0
   failSyntax(token.text, 0, "the number is too large");
 }
 
@@ -144,7 +150,7 @@ void Lexer::number(Token& token) {
     ++state_.at;
     digits();
   }
-  // An exponent only when digits follow: "1eqv" is a number and a word, like "1and".
+  // It is an exponent only when digits follow: "1eqv" is a number and a word, like "1and".
   if (state_.at < sql_.size() && (sql_[state_.at] | 0x20) == 'e') {
     std::size_t exponent = state_.at + 1;
     if (exponent < sql_.size() && (sql_[exponent] == '+' || sql_[exponent] == '-')) ++exponent;

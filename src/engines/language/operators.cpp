@@ -100,7 +100,7 @@ Term Writer::arithmetic(Operator op, Term left, Term right) {
       return {.sql = std::move(l) + " || " + part(right), .type = DataType::Text, .chain = '&'};
     }
     default: {
-      // Whole division and remainder round what they are given first.
+      // Whole division and remainder round both operands first.
       const auto whole = [this](Term term) {
         if (isWholeType(term.type)) return operand(term);
         return "vx_store(" + number(std::move(term)) + ", " + typeCode(DataType::Long) + ", 0)";
@@ -113,7 +113,8 @@ Term Writer::arithmetic(Operator op, Term left, Term right) {
   }
 }
 
-/// Texts are put together, a date moves by days, the difference of two dates is a number of days.
+/// Texts are joined. A date and a number give a date so many days away. Two dates give their difference in
+/// days.
 Term Writer::add(Operator op, Term left, Term right) {
   const bool minus = op == Operator::subtract;
   const auto goesOn = [&](char link) { return left.chain == link && !left.condition; };
@@ -142,7 +143,7 @@ Term Writer::between(const Expression& e, Scope& scope) {
 Term Writer::inList(const Expression& e, Scope& scope) {
   std::vector<Term> terms;
   for (const auto& argument : e.arguments) terms.push_back(write(*argument, scope));
-  // Of the list's values only the left operand decides the collation.
+  // Of the values in a list only the left operand decides how texts compare.
   if (terms.size() == 2 && terms[0].field == nullptr) terms[1].field = nullptr;
   makeComparable(terms);
   std::string sql = operand(terms[0]) + (e.negated ? " NOT IN (" : " IN (");

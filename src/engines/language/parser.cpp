@@ -13,7 +13,7 @@ using syntax::Statement;
 
 namespace {
 
-/// Words that no table or field can be called unless in brackets.
+/// Words that name a table or field only in brackets.
 constexpr std::string_view reservedWords[] = {
     "all",    "and",  "as",    "between", "by",    "delete", "distinct", "distinctrow", "eqv",   "exists",
     "false",  "from", "group", "having",  "imp",   "in",     "inner",    "insert",      "into",  "is",
@@ -24,7 +24,7 @@ struct TypeName {
   std::string_view word;
   DataType type;
 };
-/// Types of parameters; Integer has 32 bits in this language.
+/// Types of parameters. Integer has 32 bits in this language.
 constexpr TypeName typeNames[] = {
     {"integer", DataType::Long},    {"long", DataType::Long},        {"int", DataType::Long},
     {"short", DataType::Integer},   {"smallint", DataType::Integer}, {"byte", DataType::Byte},

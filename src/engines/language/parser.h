@@ -9,21 +9,22 @@
 
 namespace voxa::dialect {
 
-/// Reads statements and rules of the language. Every failure is 3075.
+/// Reads statements and rules of the language. Every failure is 3075. Tokens and statements are in
+/// parser.cpp, rules and expressions in parser_expressions.cpp.
 class Parser {
  public:
   explicit Parser(std::string_view sql);
 
-  /// The whole text as one statement, a semicolon at the end allowed.
+  /// Reads the whole text as one statement. A semicolon may stand at the end.
   [[nodiscard]] syntax::Statement statement();
-  /// The whole text as a validation rule: a condition in which operands on the left may be missing and stand
-  /// for the field then, as does a value that is compared with nothing.
+  /// Reads the whole text as a validation rule. That is a condition in which left operands may be missing:
+  /// the field stands for them. A value alone is compared with the field.
   [[nodiscard]] syntax::ExpressionPtr rule();
 
  private:
   using ExpressionPtr = syntax::ExpressionPtr;
 
-  /// One level of nesting while it lives; 3075 beyond the greatest.
+  /// One level of nesting for its own lifetime; 3075 when there are too many levels.
   class Nesting {
    public:
     explicit Nesting(Parser& parser);
@@ -62,7 +63,7 @@ class Parser {
   syntax::FieldName fieldName();
   std::vector<ExpressionPtr> expressions();
 
-  // Expressions, loosest first
+  // Expressions (parser_expressions.cpp), those that bind loosest first
   ExpressionPtr expression();
   ExpressionPtr subquery(syntax::Expression::Kind kind, std::size_t position);
   ExpressionPtr chain(std::size_t level);
@@ -83,11 +84,11 @@ class Parser {
 
   std::string_view sql_;
   std::vector<Token> tokens_;
-  std::vector<std::size_t> literals_;  ///< for each token the literals before it
+  std::vector<std::size_t> literals_;  ///< for each token, how many literals are before it
   std::size_t at_ = 0;
   int nesting_ = 0;
   bool rule_ = false;          ///< the text is a validation rule
-  bool impliesField_ = false;  ///< where an operand is missing, the rule's field is meant
+  bool impliesField_ = false;  ///< the rule's field stands for an operand that is missing
 };
 
 }  // namespace voxa::dialect

@@ -12,18 +12,19 @@ using syntax::Operator;
 
 namespace {
 
-/// Of the text itself: parentheses, signs, calls within one another.
+/// Greatest nesting of the text: parentheses, signs, calls within one another.
 constexpr int greatestNesting = 100;
-/// Of the tree with each operator. SQLite allows a thousand of what is written for it, which may be more.
+/// Greatest height of the tree, which grows with each operator. SQLite allows a thousand levels, and what is
+/// written for it may have more of them than this tree.
 constexpr int greatestHeight = 900;
 
 struct BinaryOperator {
-  std::string_view word;  ///< or "" for a symbol
+  std::string_view word;  ///< "" for a symbol
   std::size_t level;
   char symbol;
   Operator op;
 };
-/// By level from the loosest. NOT and the comparisons stand between AND and &.
+/// Grouped by level, those that bind loosest first. NOT and the comparisons stand between AND and &.
 constexpr BinaryOperator binaryOperators[] = {
     {"imp", 0, 0, Operator::implies},     {"eqv", 1, 0, Operator::equivalent},
     {"xor", 2, 0, Operator::exclusiveOr}, {"or", 3, 0, Operator::logicalOr},
@@ -55,7 +56,7 @@ std::optional<Operator> comparisonOperator(char symbol) {
   }
 }
 
-/// Whether a rule that consists of this alone compares the field with it.
+/// Whether a rule that is only this expression means a comparison with the field.
 bool isPlainValue(const Expression& e) {
   return e.kind == Expression::Kind::literal || e.kind == Expression::Kind::word ||
          (e.kind == Expression::Kind::negative && isPlainValue(*e.arguments[0]));
@@ -124,7 +125,7 @@ syntax::ExpressionPtr Parser::subquery(Expression::Kind kind, std::size_t positi
 }
 
 std::vector<syntax::ExpressionPtr> Parser::expressions() {
-  // Inside of a list a value stands for itself in a rule, too.
+  // In a list even a rule's value stands for itself and is not compared with the field.
   const bool implies = std::exchange(impliesField_, false);
   std::vector<ExpressionPtr> out;
   do {
@@ -181,7 +182,7 @@ syntax::ExpressionPtr Parser::condition() {
   return left;
 }
 
-/// One comparison of `left` with what follows; `left` itself when none follows.
+/// Reads one comparison of `left` with what follows. Returns `left` itself when none follows.
 syntax::ExpressionPtr Parser::comparison(ExpressionPtr left) {
   const std::size_t position = current().position;
   if (const auto op = comparisonOperator(current().symbol)) {
@@ -249,7 +250,7 @@ syntax::ExpressionPtr Parser::power() {
   while (atSymbol('^')) {
     const std::size_t position = current().position;
     advance();
-    // A sign is allowed behind the operator: 2^-1.
+    // A sign may follow the operator: 2^-1.
     const bool sign = atSymbol('-') || atSymbol('+');
     left = binary(Operator::power, position, std::move(left), sign ? negative() : primary());
   }
@@ -283,7 +284,7 @@ syntax::ExpressionPtr Parser::literal() {
   return out;
 }
 
-/// A word that is no operator: constant, function, field or parameter.
+/// Reads what begins with a word that is no operator: a constant, function, field or parameter.
 syntax::ExpressionPtr Parser::named() {
   const Token& token = current();
   const bool word = token.kind == TokenKind::word;
@@ -297,7 +298,7 @@ syntax::ExpressionPtr Parser::named() {
     // LEFT and RIGHT are the only reserved words that are functions.
     if (atName() || atWord("left") || atWord("right")) return call(token);
   }
-  // ON is a constant, too, where an operand is wanted.
+  // ON is a constant, too, where an operand is expected.
   const bool constant = word && (atWord("true") || atWord("false") || atWord("null") || atWord("on"));
   if (!constant && !atName()) fail("a value, a field or a function is missing");
   auto out = make(constant ? Expression::Kind::word : Expression::Kind::name, token.position);
@@ -310,7 +311,7 @@ syntax::ExpressionPtr Parser::named() {
   out->name = name("a name");
   if (skipSymbol('.') || skipSymbol('!')) {
     out->qualifier = out->name;
-    // Behind a table any word is a field.
+    // After a table's name and a dot any word is a field.
     if (current().kind == TokenKind::word) {
       out->name = current().text;
       advance();

@@ -9,7 +9,7 @@ namespace voxa::dialect {
 
 namespace {
 
-/// A rule knows no table but the one it belongs to, and of that only its field.
+/// A rule sees no table: it is about its own field alone.
 class NoTables : public Schema {
  public:
   [[nodiscard]] const TableDef* table(std::string_view) const override { return nullptr; }
@@ -25,7 +25,7 @@ struct ConstantText {
   std::string operator()(double v) const {
     char digits[32];
     std::string out(digits, std::to_chars(std::begin(digits), std::end(digits), v).ptr);
-    // Without a point or exponent it would be a whole number, and divide as one.
+    // Without a point or an exponent SQLite would take it for a whole number, and divide it as one.
     if (out.find_first_of(".e") == std::string::npos) out += ".0";
     return out;
   }
@@ -37,7 +37,7 @@ struct ConstantText {
   }
 };
 
-/// Puts the literals where their placeholders are.
+/// Replaces the placeholders by their literals.
 std::string withConstants(const std::string& sql, const std::vector<Slot>& slots,
                           const std::vector<Value>& literals, const Clock* clock) {
   std::string out;

@@ -5,14 +5,15 @@ namespace voxa::dialect {
 
 namespace {
 
-// A literal's mark in the key is the number of its type: control characters have no other place in a
-// statement.
+// The mark of a literal in the key is the number of its type. That is a control character, which cannot occur
+// elsewhere in a statement.
 char markOf(const Value& literal) {
   return static_cast<char>(literal.data().index());
 }
 
-/// Takes the literals up to the first difference from the statement scanned before, and what stands between
-/// them as it is in the key: statements of one kind follow each other. The lexer behind the last of them.
+/// Statements of one kind follow each other. So this takes the literals from `sql` for as long as the text
+/// around them is the same as in the statement scanned before. Returns the lexer behind the last literal that
+/// it took.
 Lexer repeat(std::string_view sql, Scanned& out, const Clock* clock) {
   Lexer lexer(sql);
   std::size_t same = 0;

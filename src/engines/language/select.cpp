@@ -17,7 +17,7 @@ std::string joined(const std::vector<std::string>& parts, const char* separator)
   return out;
 }
 
-/// The term as what to order or group by: text without regard to case.
+/// The term as ORDER BY and GROUP BY need it: a text without regard to case.
 std::string sortable(const Term& term) {
   return isTextType(term.type) && term.field == nullptr ? collated(Writer::operand(term))
                                                         : Writer::value(term);
@@ -63,9 +63,9 @@ std::string Writer::tableText(const ScopeTable& table) {
   return out;
 }
 
-/// Adds the tables to the scope. Inner joins become a list of tables, which leaves the order of the work to
-/// SQLite; their conditions go to `filter`, to be written when all tables are known. The side of an outer
-/// join that may be missing keeps its conditions within the join's own.
+/// Writes a FROM clause and adds its tables to the scope. Inner joins become a list of tables, so that SQLite
+/// chooses their order; their conditions go to `filter` and are written when all tables are known. The side
+/// of an outer join that may be missing keeps its conditions in that join's ON.
 std::string Writer::from(const Source& source, Scope& scope, Conditions& filter) {
   if (source.join == Source::Join::none) {
     addTable(source, scope);
@@ -103,7 +103,7 @@ Group Writer::groupOf(const Term& term, std::size_t firstSlot) const {
   return {withoutNumbers(term.sql), firstSlot, slots_.size() - firstSlot};
 }
 
-/// Whether GROUP BY lists the term, literals and parameters included.
+/// Whether GROUP BY lists the term. Its literals and parameters must be the same, too.
 bool Writer::isGrouped(const Group& term, const Scope& scope) {
   return std::any_of(scope.groups.begin(), scope.groups.end(), [&](const Group& group) {
     if (group.shape != term.shape || group.slotCount != term.slotCount) return false;
@@ -170,7 +170,7 @@ Writer::Query Writer::select(const syntax::Select& select, Scope* outer) {
                                           "\" is neither in GROUP BY nor part of an aggregate function");
   }
   if (select.distinctRow && scope.tables.size() > 1 && !out.grouped) {
-    // One row for each set of rows of those tables that the result shows.
+    // DISTINCTROW: one row for each combination of rows of the tables that the result shows.
     std::vector<bool> shown(scope.tables.size());
     for (const Term& item : out.items) {
       if (item.field != nullptr) shown[item.table] = true;
@@ -214,7 +214,7 @@ void Writer::items(const syntax::Select& select, Query& out) {
                                            : "Expr" + std::to_string(1000 + out.items.size());
     add(std::move(term), item.expression.get(), std::move(name), plainColumn);
   }
-  // Columns of the same name are told apart by their tables.
+  // Columns of the same name get the names of their tables in front.
   const std::vector<std::string> plain = out.names;
   for (std::size_t i = 0; i < plain.size(); ++i) {
     const auto same = std::count_if(plain.begin(), plain.end(),
@@ -223,13 +223,14 @@ void Writer::items(const syntax::Select& select, Query& out) {
   }
 }
 
-/// within: another query is around this one; columns of its cannot be ordered by, under a number neither.
+/// within: another query is around this one. Then the ordering cannot use columns of that query, not even by
+/// a number.
 std::string Writer::order(const syntax::Select& select, Query& out, bool within) {
   std::string sql;
   for (const syntax::OrderItem& item : select.orderBy) {
     Term term;
     if (item.expression->kind == syntax::Expression::Kind::shapingNumber) {
-      // A number is the position of a column of the result.
+      // A number is the position of a column in the result.
       const std::string_view digits = item.expression->name;
       std::size_t position = 0;
       const bool read =

@@ -9,7 +9,8 @@
 
 #include "platform/database/schema.h"
 
-/// A parsed statement. All names are parts of its text, which outlives it; brackets are taken off.
+/// A parsed statement. All names point into the statement's text, which must outlive it. Brackets are taken
+/// off.
 namespace voxa::dialect::syntax {
 
 struct Expression;
@@ -42,9 +43,9 @@ enum class Operator : std::uint8_t {
 
 struct Expression {
   enum class Kind : std::uint8_t {
-    literal,        ///< `literal` is its index, `type` what it is
-    shapingNumber,  ///< a number of an ordering: `name` is its digits
-    word,           ///< True, False, Null: `name`
+    literal,        ///< `literal` is its index, `type` its type
+    shapingNumber,  ///< a number in an ordering; `name` holds its digits
+    word,           ///< True, False or Null; `name` holds the word
     name,           ///< [qualifier.]name, or a declared parameter
     call,           ///< name(arguments); count(*) has `star`
     negative,       ///< -a
@@ -62,10 +63,10 @@ struct Expression {
   Operator op = Operator::equal;
   bool negated = false;
   bool star = false;
-  bool bracketed = false;  ///< the name was written in brackets: never a function or a constant
+  bool bracketed = false;  ///< the name was written in brackets, so it is neither a function nor a constant
   DataType type = DataType::Text;
   std::size_t literal = 0;
-  std::size_t position = 0;  ///< in the statement, for messages
+  std::size_t position = 0;  ///< in the statement; for messages
   int height = 1;            ///< levels of the tree from here down
   std::string_view qualifier;
   std::string_view name;
@@ -79,7 +80,7 @@ struct Source {
   Join join = Join::none;
   std::size_t position = 0;
   std::string_view table;
-  std::string_view alias;  ///< as named in the rest of the statement: the table's name when none is given
+  std::string_view alias;  ///< its name in the rest of the statement: the table's own when none was given
   std::unique_ptr<Source> left;
   std::unique_ptr<Source> right;
   ExpressionPtr on;
@@ -102,7 +103,7 @@ struct Select {
   std::size_t position = 0;
   bool distinct = false;
   bool distinctRow = false;
-  std::string_view top;  ///< digits, "" for none
+  std::string_view top;  ///< digits; "" when there is no TOP
   std::vector<SelectItem> items;
   std::vector<Source> from;
   ExpressionPtr where;
@@ -121,9 +122,9 @@ struct Statement {
   enum class Kind : std::uint8_t { select, insert, update, remove };
   Kind kind = Kind::select;
   std::vector<FieldDef> parameters;
-  SelectPtr select;                   ///< of select and of insert ... select
+  SelectPtr select;                   ///< of select, and of insert ... select
   Source target;                      ///< of insert, update, remove: one table
-  std::vector<FieldName> fields;      ///< of update, and of insert: none means all
+  std::vector<FieldName> fields;      ///< of update and insert; an insert without any means all fields
   std::vector<ExpressionPtr> values;  ///< for each of `fields`, unless `select` gives them
   ExpressionPtr where;                ///< of update and remove
 };

@@ -124,7 +124,8 @@ class Translator {
     if (statement_.where) out_.sql += " WHERE " + writer_.condition(*statement_.where, scope);
   }
 
-  /// The fields that the statement writes, each once; `unknown` is the error of a name that is none.
+  /// The fields that the statement writes. None may come twice. unknown: the error for a name that is no
+  /// field.
   std::vector<const FieldDef*> targetFields(const TableDef& table, int unknown) const {
     std::vector<const FieldDef*> out;
     for (const syntax::FieldName& name : statement_.fields) {

@@ -4,7 +4,7 @@
 
 namespace voxa::dialect {
 
-/// Whether a word is the keyword, which is given in lower-case ASCII letters.
+/// Whether `word` is the keyword in any case. keyword: in lower-case ASCII letters.
 [[nodiscard]] constexpr bool isWord(std::string_view word, std::string_view keyword) {
   if (word.size() != keyword.size()) return false;
   for (std::size_t i = 0; i < word.size(); ++i) {

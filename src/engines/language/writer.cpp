@@ -47,7 +47,7 @@ std::string collated(const std::string& operand) {
 std::string withoutNumbers(const std::string& sql) {
   std::string out;
   bool number = false;
-  bool name = false;  // between the quotes of a name, which may have the sign of a placeholder in it
+  bool name = false;  // within the quotes of a name, where the sign of a placeholder means nothing
   for (const char c : sql) {
     if (c == '"') name = !name;
     if (!(number && c >= '0' && c <= '9')) out += c;
@@ -73,8 +73,8 @@ std::string Writer::text(const Term& term) {
   return "vx_text(" + value(term) + ", " + typeCode(*term.type) + ")";
 }
 
-/// Makes a text a value of that type: a placeholder when it is bound, anything else row by row, where a text
-/// that does not read as one is Null.
+/// Converts a text to that type. A placeholder is converted when it is bound, anything else row by row; there
+/// a text that does not read as the type becomes Null.
 void Writer::convert(Term& term, DataType type) {
   if (!isTextType(term.type)) return;
   if (term.slot) {
@@ -102,12 +102,13 @@ std::string Writer::truth(Term term) {
   return term.sql;
 }
 
-/// Texts compare as what they are compared with, and without regard to case when that is text, too.
+/// Makes terms comparable. A text is converted to the type that it is compared with; two texts compare
+/// without regard to case.
 void Writer::makeComparable(std::vector<Term>& terms) {
   const auto other = std::find_if(terms.begin(), terms.end(),
                                   [](const Term& t) { return t.type.has_value() && !isTextType(t.type); });
   if (other != terms.end()) {
-    // A number in a text keeps its fraction, whatever whole type it is compared with.
+    // A number in a text keeps its fraction, even when it is compared with a whole type.
     const DataType type =
         other->type == DataType::Date || other->type == DataType::Boolean ? *other->type : DataType::Double;
     for (Term& term : terms) convert(term, type);
@@ -252,7 +253,7 @@ std::string Writer::stored(Term term, const FieldDef& field) {
   }
   if (!term.type) return field.type == DataType::Boolean ? "0" : "NULL";
   const auto size = [](const FieldDef& f) { return f.type == DataType::Text && f.size > 0 ? f.size : 255; };
-  // A boolean of a row that an outer join misses is Null and has to become False.
+  // A boolean is Null in a row that an outer join does not find. It has to become False.
   if (term.field != nullptr && term.type == field.type && field.type != DataType::Boolean &&
       size(*term.field) <= size(field)) {
     return term.sql;

@@ -11,17 +11,17 @@
 
 namespace voxa::dialect {
 
-/// Written SQLite text of an expression, with what is known of its value.
+/// The SQLite text of an expression, and what is known of its value.
 struct Term {
   std::string sql = {};
-  std::optional<DataType> type = {};  ///< none: Null
-  /// Empty: can be an operand as it is. An operator: a chain of it, which can go on to the right. '?': any
-  /// other text that needs parentheses.
+  std::optional<DataType> type = {};  ///< none for Null
+  /// How the text can become an operand. 0: as it is. An operator: the text is a chain of this operator,
+  /// which can go on to the right. '?': any other text that needs parentheses.
   char chain = 0;
-  bool condition = false;                ///< of SQLite's truth values 0 and 1, not -1
-  const FieldDef* field = nullptr;       ///< it is a column of a table
-  std::size_t table = 0;                 ///< then: index of the table in its scope
-  std::optional<std::size_t> slot = {};  ///< it is that placeholder
+  bool condition = false;                ///< its value is SQLite's truth value, 1 for True and not -1
+  const FieldDef* field = nullptr;       ///< set when it is a column of a table
+  std::size_t table = 0;                 ///< of a column: index of its table in the scope
+  std::optional<std::size_t> slot = {};  ///< set when it is a placeholder
 };
 
 /// A table of a FROM clause.
@@ -32,7 +32,7 @@ struct ScopeTable {
       prefix;  ///< what stands before a column's name in SQLite: the quoted alias and a dot, or nothing
 };
 
-/// A GROUP BY expression: its text without the numbers of its placeholders, and which placeholders they are.
+/// A GROUP BY expression: its text without the numbers of its placeholders, and which placeholders these are.
 struct Group {
   std::string shape;
   std::size_t firstSlot = 0;
@@ -48,13 +48,14 @@ struct Scope {
   bool aggregated = false;       ///< an aggregate was written
   bool insideAggregate = false;  ///< an aggregate's argument is being written
   std::vector<Group> groups;     ///< what GROUP BY lists
-  int ownColumns = 0;            ///< columns written of this scope's tables
-  int outerColumns = 0;          ///< columns written in this scope of tables outside
-  int ungroupedCount = 0;        ///< columns written outside of aggregates and groups
-  std::string ungrouped;         ///< the last of them
+  int ownColumns = 0;            ///< columns of this scope's own tables that were written
+  int outerColumns = 0;          ///< columns of outer tables that were written
+  int ungroupedCount = 0;        ///< columns that were written outside of aggregates and groups
+  std::string ungrouped;         ///< the last of these
 };
 
-/// Writes the expressions of a statement in SQLite's language and collects their placeholders.
+/// Writes the expressions of a statement in SQLite's language and collects their placeholders. Names,
+/// conversions and whole queries are in writer.cpp; the parts that are in other files are marked below.
 class Writer {
  public:
   Writer(std::string_view sql, const Schema& schema, const std::vector<FieldDef>& parameters,
@@ -67,29 +68,31 @@ class Writer {
   /// The expression as the value of a field.
   [[nodiscard]] std::string stored(const syntax::Expression& e, const FieldDef& field, Scope& scope);
 
-  /// A SELECT that is written; its items are still to be joined to a text.
+  /// A SELECT that was written. Its items are not yet joined into one text.
   struct Query {
     Scope scope;
     std::vector<Term> items;
-    std::vector<const syntax::Expression*> sources;  ///< of the items; none for a column of a star
+    std::vector<const syntax::Expression*> sources;  ///< one for each item; null for a column of a star
     std::vector<std::string> names;                  ///< the result's names of the items
     bool distinct = false;
-    bool grouped = false;  ///< its rows are no rows of a table
-    std::string rest;      ///< from FROM on
+    bool grouped = false;  ///< its rows do not belong to single rows of a table
+    std::string rest;      ///< the text from FROM on
 
-    [[nodiscard]] std::vector<std::string> columns() const;  ///< the items as columns of the result
+    [[nodiscard]] std::vector<std::string> columns()
+        const;  ///< the items as the text of the result's columns
     [[nodiscard]] std::string text(const std::vector<std::string>& columns) const;
   };
   [[nodiscard]] Query select(const syntax::Select& select, Scope* outer);
-  /// What a term of a query is as a value of that field.
+  /// A term of a query as the value of that field.
   [[nodiscard]] std::string stored(Term term, const FieldDef& field);
 
   /// Adds a table to a scope; 3078 when there is none.
   const TableDef& addTable(const syntax::Source& source, Scope& scope) const;
-  /// `"Table" AS "alias"`, of the scope's last table.
+  /// `"Table" AS "alias"` for a table of the scope.
   [[nodiscard]] static std::string tableText(const ScopeTable& table);
 
-  // The value of a term as another kind of expression wants it; text and values convert as comparisons do.
+  // The text of a term as another kind of expression needs it. Values that are text convert as in
+  // comparisons.
   [[nodiscard]] static std::string value(const Term& term);
   [[nodiscard]] static std::string operand(const Term& term);
   [[nodiscard]] std::string number(Term term);
@@ -98,12 +101,12 @@ class Writer {
 
   [[noreturn]] void fail(std::size_t position, const std::string& what) const;
 
-  /// Translation::sameLiterals of what was written.
+  /// Translation::sameLiterals for what was written.
   [[nodiscard]] const LiteralPairs& sameLiterals() const { return sameLiterals_; }
 
  private:
   Term placeholder(Slot slot, DataType type);
-  /// The group of a term that was written and of the placeholders in it.
+  /// The group that a written term and its placeholders make.
   [[nodiscard]] Group groupOf(const Term& term, std::size_t firstSlot) const;
   bool isGrouped(const Group& term, const Scope& scope);
   Term name(const syntax::Expression& e, Scope& scope);
@@ -139,20 +142,21 @@ class Writer {
   const Schema& schema_;
   const std::vector<FieldDef>& parameters_;
   std::vector<Slot>& slots_;
-  std::vector<Value> literals_;  ///< of a statement that groups
+  std::vector<Value> literals_;  ///< only of a statement that groups
   LiteralPairs sameLiterals_;
 };
 
 /// `"name"`, quotes inside doubled.
 [[nodiscard]] std::string quotedName(std::string_view name);
-/// The number of a type as the functions of ours take it.
+/// The number of a type as the vx_ functions take it.
 [[nodiscard]] std::string typeCode(DataType type);
-/// Mark of a text that binds closer than AND and OR, and looser than everything else.
+/// A chain mark: this text binds closer than AND and OR, and looser than everything else.
 inline constexpr char comparison = 'c';
 /// The term of a condition.
 [[nodiscard]] Term logical(std::string sql, char chain = comparison);
 [[nodiscard]] std::string collated(const std::string& operand);
-/// Written text without the numbers of its placeholders: the same for expressions that differ in them alone.
+/// Written text without the numbers of its placeholders. It is the same for expressions that differ only in
+/// these numbers.
 [[nodiscard]] std::string withoutNumbers(const std::string& sql);
 
 [[nodiscard]] inline bool isTextType(const std::optional<DataType>& type) {

@@ -37,7 +37,7 @@ const TableDef* Catalog::table(std::string_view name) const {
   return nullptr;
 }
 
-/// The tables whose rows of the schema fulfil a condition, in order of creation.
+/// Reads the tables whose rows in the schema fulfil a condition, in order of creation.
 std::vector<ddl::Table> Catalog::read(const std::string& condition) const {
   std::vector<ddl::Table> tables;
   Statement rows =
@@ -67,14 +67,15 @@ std::size_t Catalog::place(const std::string& table) const {
 }
 
 void Catalog::insert(const std::vector<Relation>& relations, std::size_t owner) {
-  // Where load() puts them: behind those of the tables before.
+  // The place where load() would put them: behind the relations of the tables before.
   const auto next = std::find_if(relations_.begin(), relations_.end(), [&](const Relation& relation) {
     return place(relation.foreignTable) > owner;
   });
   relations_.insert(next, relations.begin(), relations.end());
 }
 
-/// Follows the only change since the definitions were read, if they still hold; when that fails they do not.
+/// Takes over the one change that was made since the definitions were read, if they still hold. When that
+/// fails, the definitions no longer hold.
 template <typename Change>
 void Catalog::follow(Change&& change) {
   if (!version_) return;
@@ -108,7 +109,8 @@ void Catalog::versionChanged() {
 }
 
 void Catalog::load() const {
-  // Read before the definitions: a change in between leaves a version that the next refresh finds old.
+  // The version is read before the definitions. A change in between then leaves an old version here, which
+  // the next refresh notices.
   const std::int64_t version = currentVersion();
   std::vector<ddl::Table> read = this->read("tbl_name NOT LIKE 'sqlite\\_%' ESCAPE '\\' AND tbl_name <> '" +
                                             std::string(queryTable) + "'");

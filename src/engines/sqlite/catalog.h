@@ -13,28 +13,31 @@
 
 namespace voxa {
 
-/// The definitions in the file, read when first asked for and kept until the schema changes. A TableDef stays
-/// at its address as long as its table exists.
+/// The definitions in the file. They are read when first needed and kept until the schema changes. A TableDef
+/// keeps its address for as long as its table exists.
 class Catalog final : public dialect::Schema {
  public:
   Catalog(Connection& connection, const Clock& clock) : connection_(connection), clock_(clock) {}
 
-  /// Forgets what was read if the schema has changed since, by this or another user. Whether it still holds.
+  /// Forgets the definitions if the schema was changed since they were read, by this user or another. Returns
+  /// whether they still hold.
   bool refresh();
-  /// Forgets what was read: after changes here and after a rollback, which may bring a version number back.
+  /// Forgets the definitions. Needed after changes here, and after a rollback, since that can bring an old
+  /// version number back.
   void invalidate() { version_.reset(); }
-  // What is the only change since the definitions were read spares reading all of them again:
+  // When one thing is all that changed since the definitions were read, these take it over without reading
+  // all of them again:
   void update(const std::string& table);  ///< a table that was changed
   void add(const TableDef& table);        ///< a new table, normalised
-  void add(const Relation& relation);     ///< a new relation, its tables and fields spelt as in the file
-  void versionChanged();                  ///< nothing but the schema's version
+  void add(const Relation& relation);  ///< a new relation; its tables and fields are spelled as in the file
+  void versionChanged();               ///< only the version of the schema
 
   [[nodiscard]] const TableDef* table(std::string_view name) const override;
   [[nodiscard]] const Clock* clock() const override { return &clock_; }
   [[nodiscard]] const std::vector<std::unique_ptr<TableDef>>& tables() const;  ///< in order of creation
   [[nodiscard]] const std::vector<Relation>& relations() const;
 
-  /// Table that holds the stored queries, hidden from the tables.
+  /// The table that holds the stored queries. Lists of tables leave it out.
   static constexpr const char* queryTable = "_Queries";
 
  private:
@@ -43,7 +46,7 @@ class Catalog final : public dialect::Schema {
   void follow(Change&& change);
   std::vector<ddl::Table> read(const std::string& condition) const;
   std::int64_t currentVersion() const;
-  std::size_t place(const std::string& table) const;  ///< index in tables_, their number when it is in none
+  std::size_t place(const std::string& table) const;  ///< index in tables_; their number when it is not there
   void insert(const std::vector<Relation>& relations, std::size_t owner);
 
   Connection& connection_;

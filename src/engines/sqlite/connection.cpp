@@ -27,7 +27,7 @@ struct Binder {
   }
 };
 
-/// A whole number of an expression that outgrew the field type of its column.
+/// An expression's whole number, which may be too large for the field type of its column.
 Value integerValue(std::int64_t number, DataType type) {
   const auto fits = [number](auto ofType) {
     using Limits = std::numeric_limits<decltype(ofType)>;
@@ -55,7 +55,7 @@ void Statement::bind(int index, std::int64_t value) {
 int Statement::step() {
   const int code = sqlite3_step(handle_.get());
   if (code == SQLITE_ROW || code == SQLITE_DONE) return code;
-  // Only reset tells the reason of a statement prepared without renewal.
+  // For a statement that is not renewed, only reset tells the reason.
   const int reason = sqlite3_reset(handle_.get());
   return reason == SQLITE_OK ? code : reason;
 }
@@ -116,12 +116,12 @@ Connection::Connection(const std::string& path, const SqliteOptions& options, co
   check(opened);
   (void)sqlite3_extended_result_codes(db, 1);
   (void)sqlite3_busy_timeout(db, options.busyTimeoutMs);
-  // A misspelt name in double quotes is an error, not a text.
+  // Without this SQLite takes a misspelled name in double quotes for a text.
   (void)sqlite3_db_config(db, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
   (void)sqlite3_db_config(db, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
   registerFunctions(db, *pending_, clock);
-  // synchronous=EXTRA also syncs the folder after the journal's removal: without it, power lost right after
-  // a commit could bring the journal back and with it the state before.
+  // synchronous=EXTRA also syncs the folder after the journal was removed. Otherwise power lost right after a
+  // commit could bring the journal back, and with it the state before the commit.
   run("PRAGMA foreign_keys=ON; PRAGMA recursive_triggers=OFF; PRAGMA trusted_schema=OFF;"
       "PRAGMA cell_size_check=ON; PRAGMA locking_mode=NORMAL; PRAGMA synchronous=EXTRA;");
   run("PRAGMA journal_mode=DELETE");
@@ -163,7 +163,7 @@ void Connection::beginReading() {
 void Connection::endReading() noexcept {
   if (!reading_) return;
   reading_ = false;
-  if (!inTransaction()) return;  // SQLite ended it after a failure
+  if (!inTransaction()) return;  // SQLite already ended it after a failure
   (void)rollback_->step();
   rollback_->reset();
 }
@@ -192,7 +192,7 @@ Step::~Step() {
   try {
     connection_.run(nested_ ? "ROLLBACK TO step; RELEASE step" : "ROLLBACK");
   } catch (const Error&) {
-    // The failure that led here is the one to report; SQLite undoes what is left when the file closes.
+    // The failure that led here is the one to report. SQLite undoes the rest when the file closes.
   }
 }
 

@@ -22,11 +22,11 @@ class Statement {
  public:
   explicit Statement(sqlite3_stmt* handle) : handle_(handle) {}
 
-  /// Binds the value of placeholder ?index. Text must stay where it is until the statement has run.
+  /// Binds the value of placeholder ?index. A text must stay where it is until the statement has run.
   void bind(int index, const Value& value);
   void bind(int index, std::int64_t value);
 
-  /// SQLITE_ROW, SQLITE_DONE, or the extended code of a failure; the statement is reset then.
+  /// SQLITE_ROW, SQLITE_DONE, or the extended code of a failure; after a failure the statement is reset.
   [[nodiscard]] int step();
   void reset() { (void)sqlite3_reset(handle_.get()); }
 
@@ -34,8 +34,8 @@ class Statement {
   [[nodiscard]] std::string_view text(int column) const;
   /// Whether the column's value is one that a field of that type can hold.
   [[nodiscard]] bool holds(int column, DataType type) const;
-  /// The column's value as a field of that type gives it; a value of another class (an expression's) as it
-  /// is.
+  /// The column's value as a field of that type gives it. A value of another class, which an expression can
+  /// give, comes as it is.
   [[nodiscard]] Value value(int column, DataType type) const;
 
  private:
@@ -45,28 +45,31 @@ class Statement {
   std::unique_ptr<sqlite3_stmt, Finalizer> handle_;
 };
 
-/// One open SQLite file with the settings, the collation and the functions that this engine relies on.
+/// One open SQLite file, with the settings, the collation and the functions that this engine needs.
 class Connection {
  public:
-  /// Opens a file that exists. Failures as by fail().
+  /// Opens a file that exists. Raises failures as fail() does.
   Connection(const std::string& path, const SqliteOptions& options, const Clock& clock);
 
-  /// A statement that SQLite prepares anew by itself when the schema changed.
+  /// A statement that SQLite prepares again by itself when the schema has changed.
   [[nodiscard]] Statement prepare(std::string_view sql) { return prepare(sql, true); }
-  /// A statement that answers SQLITE_SCHEMA when the schema is no longer that of its preparation: for
-  /// texts that were translated with the definitions of that schema.
+  /// A statement that answers SQLITE_SCHEMA when the schema has changed since it was prepared. For texts that
+  /// were translated with the definitions of that schema.
   [[nodiscard]] Statement prepareForSchema(std::string_view sql) { return prepare(sql, false); }
 
-  /// Whether statements may write the schema's text (PRAGMA writable_schema, no text to parse).
+  /// Whether statements may change the text of the schema (PRAGMA writable_schema, set without parsing a
+  /// text).
   void allowSchemaWrites(bool allowed) {
     (void)sqlite3_db_config(handle_.get(), SQLITE_DBCONFIG_WRITABLE_SCHEMA, allowed ? 1 : 0, nullptr);
   }
   void run(const std::string& sql);                           ///< statements without a result
   [[nodiscard]] std::int64_t number(const std::string& sql);  ///< first column of the only row
 
-  /// Spares the locks of each statement when several only read. Nothing where a transaction runs.
+  /// Begins a reading: several statements that only read share one lock. Does nothing where a transaction
+  /// runs.
   void beginReading();
-  /// Ends what beginReading began; a failure has nothing to undo and is met again by the next statement.
+  /// Ends what beginReading began. A failure is ignored: there is nothing to undo, and the next statement
+  /// meets it again.
   void endReading() noexcept;
 
   [[nodiscard]] bool readOnly() const { return sqlite3_db_readonly(handle_.get(), "main") == 1; }
@@ -76,7 +79,8 @@ class Connection {
   [[nodiscard]] std::string message() const { return sqlite3_errmsg(handle_.get()); }
   [[nodiscard]] std::size_t preparedCount() const { return prepared_; }
 
-  /// Raises what the failed call means: the error that a function of ours left behind, else by the code.
+  /// Raises the error for a failed call: the error that a vx_ function left behind, otherwise the one for the
+  /// code.
   [[noreturn]] void fail(int code);
 
  private:
@@ -97,8 +101,9 @@ class Connection {
   std::size_t prepared_ = 0;
 };
 
-/// Makes several statements one step: all of them, or none when it goes away without release(). Within a
-/// transaction a savepoint, else a transaction of its own that holds the writer's lock from its start.
+/// Makes several statements one step: all of them count, or none when this object goes without release().
+/// Within a transaction it is a savepoint. Otherwise it is a transaction of its own, which holds the writer's
+/// lock from its start.
 class Step {
  public:
   explicit Step(Connection& connection);

@@ -19,14 +19,14 @@ namespace voxa {
 
 namespace {
 
-/// Marks the files of this engine, at its place in SQLite's file header ("VoxA").
+/// Marks the files of this engine in SQLite's file header ("VoxA").
 constexpr std::uint32_t applicationId = 0x566f7841;
 constexpr std::size_t applicationIdOffset = 68;
 constexpr std::string_view magic("SQLite format 3\0", 16);
 using Header = std::array<unsigned char, 100>;
 
-/// Reads the header through SQLite's own file layer: on POSIX systems any other way would drop the locks
-/// that another connection of this process holds on the file. SQLite's result code.
+/// Reads the header through SQLite's own file layer and returns its result code. On POSIX systems any other
+/// way would drop the locks that another connection of this process holds on the file.
 int readHeader(const std::string& path, Header& header) {
   sqlite3_vfs* vfs = sqlite3_vfs_find(nullptr);
   const auto memory = std::make_unique<std::uint64_t[]>(static_cast<std::size_t>(vfs->szOsFile) / 8 + 1);
@@ -70,7 +70,7 @@ std::string databasePath(std::string_view path) {
 }
 
 void createDatabaseFile(std::string_view given, const Session& session) {
-  // Made under another name: whoever is killed meanwhile leaves no file that is half a database.
+  // The file is made under another name, so that a process that is killed meanwhile leaves no half database.
   const std::string begun = std::string(given) + "~new";
   try {
     if (files::exists(given)) throw fileError(EEXIST, std::string(given));
@@ -82,18 +82,20 @@ void createDatabaseFile(std::string_view given, const Session& session) {
   try {
     {
       Connection connection(databasePath(begun), session.options, session.clock);
-      // There is no earlier state to keep, and the first commit waits for the disk, these pages included.
+      // There is no earlier state to keep. The first commit waits for the disk, and these pages are part of
+      // it.
       connection.run("PRAGMA journal_mode=OFF; PRAGMA synchronous=OFF; BEGIN; PRAGMA application_id=" +
                      std::to_string(applicationId) + "; CREATE TABLE " + Catalog::queryTable +
                      " (Name TEXT COLLATE " + dialect::collation +
                      " PRIMARY KEY, Sql TEXT NOT NULL); COMMIT");
     }
-    // That of a database of this name that somebody deleted must not be rolled back into this one.
+    // Somebody may have deleted a database of this name and left its journal, which must not be rolled back
+    // into this one.
     (void)files::removeRegular(std::string(given) + "-journal");
     files::rename(begun, given);
   } catch (const Error& error) {
     (void)files::removeRegular(begun);
-    if (error.number() == err::fileExists) throw createFailure(error);  // somebody was first
+    if (error.number() == err::fileExists) throw createFailure(error);  // another process was first
     throw;
   }
 }
@@ -102,7 +104,7 @@ void checkDatabaseFile(const std::string& path, std::string_view given) {
   const std::string name(given);
   if (!files::exists(given)) throw Error(err::dbFileNotFound, "Could not find the database: " + name);
   Header header{};
-  // What is behind a link is somebody else's file, and a pipe would be waited for.
+  // A link leads to somebody else's file, and opening a pipe would wait for its writer.
   const int code = files::isPlain(given) ? readHeader(path, header) : SQLITE_CANTOPEN;
   if (code == SQLITE_IOERR_SHORT_READ || (code == SQLITE_OK && !isOurs(header))) {
     throw Error(err::dbNotADatabase, "The file is no database of this system: " + name);

@@ -10,13 +10,13 @@ struct Session;
 /// Full native path of a database file.
 [[nodiscard]] std::string databasePath(std::string_view path);
 
-/// Makes a database without tables; there is the whole file or none, whatever stops it. 3204 when a file of
-/// that name exists, 3051 when the place does not allow it, 3026 when the disk is full.
+/// Makes a database without tables. There is the whole file or none, whatever interrupts this. 3204 when a
+/// file of that name exists, 3051 when the place does not allow it, 3026 when the disk is full.
 /// given: the path as the caller gave it.
 void createDatabaseFile(std::string_view given, const Session& session);
 
 /// Raises 3024 when the file is missing, 3051 when it cannot be read, 3343 when its first bytes are not those
-/// of a database of this engine. Only reads: nothing else may touch a file that is none of ours.
+/// of a database of this engine. It only reads, so a file of another kind stays as it is.
 void checkDatabaseFile(const std::string& path, std::string_view given);
 
 }  // namespace voxa

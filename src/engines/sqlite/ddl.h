@@ -13,57 +13,57 @@ class Clock;
 
 namespace voxa::ddl {
 
-/// Definitions as the SQLite schema keeps them. All that a TableDef says stands in the schema's own text, so
-/// that nothing can disagree with it:
+/// Definitions as the SQLite schema keeps them. The schema's own text holds all that a TableDef says, so
+/// there is no second place that could disagree. ddl_writer.cpp writes that text, ddl_reader.cpp reads it.
 ///   types                  BOOLEAN BYTE SHORT LONG DOUBLE DATETIME TEXT(n) LONGTEXT, INTEGER when numbered
 ///   required field         CONSTRAINT "required" NOT NULL
 ///   required index         CONSTRAINT "required by Index" NOT NULL on each of its fields
 ///   no zero-length text    CONSTRAINT "Field.zero length" CHECK (...)
 ///   validation rule        CONSTRAINT "Field.rule >=0 and <=32" CHECK (...)
 ///   primary key            CONSTRAINT "Index" PRIMARY KEY (...), or at the numbered column itself
-///   other index            an index "Table.Index", since SQLite's index names are the file's, not the
-///   table's relation               CONSTRAINT "Relation" FOREIGN KEY (...), its own index being
-///   "Table.Relation.key"
-/// A dot parts the names: no name contains one.
+///   other index            an index "Table.Index": SQLite's index names belong to the file, not to the table
+///   relation               CONSTRAINT "Relation" FOREIGN KEY (...), with an index "Table.Relation.key"
+/// A dot separates the names, since no name can contain one.
 
 [[nodiscard]] std::string quoteName(std::string_view name);  ///< "name" for SQLite
 [[nodiscard]] std::string quoteText(std::string_view text);  ///< 'text' for SQLite
-/// Names in quotes, parted by commas.
+/// Names in quotes, separated by commas.
 [[nodiscard]] std::string quoteNames(const std::vector<std::string>& names);
-/// The value as an SQLite literal, booleans being -1 and 0 and dates numbers of days.
+/// The value as an SQLite literal: booleans are -1 and 0, dates are numbers of days.
 [[nodiscard]] std::string literal(const Value& value);
 
-/// 3125 unless the text can name a table, field, index, relation or query: 1 to 64 characters, none of
-/// . ! ` [ ] and no control character, no blank in front.
+/// Raises 3125 unless the text can name a table, field, index, relation or query. Such a name has 1 to 64
+/// characters, none of them . ! ` [ ] or a control character, and no blank in front.
 void checkName(std::string_view name);
 
-/// The definition as it will read back: sizes filled in, defaults converted to their field's type, what a
-/// primary index implies set. Raises 3125 for a bad name, 3191 for a field that comes twice, 3265 for an
-/// index over a field that is not there, 3001 for what cannot be (no fields, a numbered field that is no
-/// 32-bit primary key), and convertForField's errors for a default. clock: by which dates in it are read.
+/// The definition as it will read back: sizes are filled in, defaults have their field's type, and what a
+/// primary index implies is set. Raises 3125 for a bad name, 3191 for a field that comes twice, 3265 for an
+/// index on a field that does not exist, 3001 for what is not possible (no fields, a numbered field that is
+/// no 32-bit primary key), and convertForField's errors for a default. clock: tells the day on which dates in
+/// the definition are read.
 [[nodiscard]] TableDef normalised(const TableDef& definition, const Clock& clock);
 [[nodiscard]] FieldDef normalised(const FieldDef& field, const Clock& clock);
 
-/// CREATE TABLE and CREATE INDEX statements of a normalised definition, parted by ";".
+/// CREATE TABLE and CREATE INDEX statements of a normalised definition, separated by ";".
 [[nodiscard]] std::string createTable(const TableDef& definition, const Clock& clock);
-/// A field's part of CREATE TABLE, and what ALTER TABLE adds.
+/// The text of a field in CREATE TABLE. ALTER TABLE adds the same text.
 [[nodiscard]] std::string column(const FieldDef& field, const std::vector<IndexDef>& indexes,
                                  const Clock& clock);
 /// The constraint to add to the foreign table of a relation.
 [[nodiscard]] std::string foreignKey(const Relation& relation);
-/// Name of the index that serves a relation on its foreign side.
+/// Name of the index that a relation needs on its foreign side.
 [[nodiscard]] std::string relationIndexName(const Relation& relation);
 
-/// What CREATE TABLE text says. Raises 3343 for text that the functions above did not write.
+/// What the text of CREATE TABLE says. Raises 3343 for text that the functions above did not write.
 struct Table {
-  TableDef definition;                  ///< of the indexes only the primary one
-  std::vector<Relation> relations;      ///< in which it is the foreign side
-  std::vector<std::string> requiredBy;  ///< names of the indexes that need a value in each field
+  TableDef definition;                  ///< only the primary index, not the others
+  std::vector<Relation> relations;      ///< those in which the table is the foreign side
+  std::vector<std::string> requiredBy;  ///< for each field, the names of the indexes that need a value in it
 };
 [[nodiscard]] Table readTable(std::string_view sql);
-/// The index of the table that CREATE INDEX text defines; nothing for one that serves a relation.
+/// The index of the table that the text of CREATE INDEX defines; none for an index that serves a relation.
 [[nodiscard]] std::optional<IndexDef> readIndex(std::string_view sql, const Table& table);
-/// The validation rule that a CHECK constraint of that name enforces; nothing for another kind of check.
+/// The validation rule that a CHECK constraint of that name enforces; none for another kind of check.
 [[nodiscard]] std::optional<std::string> ruleOfCheck(std::string_view constraintName);
 
 /// Parts of constraint names.

@@ -9,12 +9,12 @@ namespace voxa::ddl {
 
 namespace {
 
-/// Reads the texts that the writer made, and what SQLite makes of them when a column is added.
+/// Reads the text that ddl_writer.cpp made, and what SQLite makes of it when a column is added.
 class Reader {
  public:
   explicit Reader(std::string_view sql) : rest_(sql) { advance(); }
 
-  /// Takes the word when it is next, in any case.
+  /// Takes the word, in any case, when it comes next.
   bool take(std::string_view word) {
     if (kind_ != Kind::word || !equalNoCase(token_, word)) return false;
     advance();
@@ -37,7 +37,7 @@ class Reader {
     return list;
   }
 
-  /// The literal behind DEFAULT, as a value of the field's type.
+  /// Reads the literal behind DEFAULT as a value of the field's type.
   Value literal(const FieldDef& field) {
     if (kind_ == Kind::text) return convertForField(taken(Kind::text), field.type, field.size);
     std::string text = take("-") ? "-" : "";
@@ -70,7 +70,7 @@ class Reader {
   }
 
  private:
-  enum class Kind { word, name, text, end };  ///< a word is also a number or a single mark
+  enum class Kind { word, name, text, end };  ///< a number and a single mark are words, too
 
   static bool isWordCharacter(char c) {
     return c == '_' || c == '.' || static_cast<unsigned char>(c) >= 0x80 || (c >= '0' && c <= '9') ||
@@ -112,7 +112,7 @@ class Reader {
     kind_ = Kind::word;
     std::size_t length = 0;
     while (length < rest_.size() && isWordCharacter(rest_[length])) {
-      // The sign of an exponent belongs to the number.
+      // The sign of an exponent is part of the number.
       const bool exponent = (rest_[length] == 'e' || rest_[length] == 'E') && rest_[0] >= '0' &&
                             rest_[0] <= '9' && length + 1 < rest_.size() &&
                             (rest_[length + 1] == '-' || rest_[length + 1] == '+');

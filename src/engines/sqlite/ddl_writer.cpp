@@ -13,7 +13,7 @@ namespace {
 
 constexpr int greatestTextSize = 255;
 constexpr std::size_t greatestName = 64;
-/// SQLite's own name of the row number, by which recordsets find their rows.
+/// SQLite's own name for the row number. Recordsets find their rows by it.
 constexpr std::string_view rowNumber = "_rowid_";
 
 std::string quote(std::string_view text, char mark) {
@@ -47,7 +47,8 @@ std::string constraint(std::string_view name) {
   return " CONSTRAINT " + quoteName(name);
 }
 
-/// DEFAULT of a boolean without one is 0; a False that was asked for is written FALSE, to read back as such.
+/// DEFAULT of a field. A boolean without a default has 0. One whose default is False has FALSE, so that it
+/// reads back as such.
 std::string defaultText(const FieldDef& field) {
   if (field.type == DataType::Boolean) {
     if (field.defaultValue.isNull()) return " DEFAULT 0";
@@ -180,7 +181,7 @@ TableDef normalised(const TableDef& definition, const Clock& clock) {
   for (IndexDef& index : out.indexes) {
     if (index.primary) index.unique = index.required = true;
   }
-  // The primary key is part of the table's own text and so comes first when read back.
+  // The primary key is part of the table's own text, so it comes first when the text is read back.
   std::stable_partition(out.indexes.begin(), out.indexes.end(), [](const IndexDef& i) { return i.primary; });
   return out;
 }
@@ -194,7 +195,7 @@ std::string column(const FieldDef& field, const std::vector<IndexDef>& indexes, 
   }
   if (field.required) text += constraint(required) + " NOT NULL";
   for (const IndexDef& index : indexes) {
-    // A numbered column gets its number from a Null.
+    // A numbered column takes its number when the value is Null, so it must allow Null.
     if (!index.required || !contains(index.fields, field.name) || (index.primary && field.autoIncrement)) {
       continue;
     }

@@ -32,8 +32,8 @@ void Session::abandonTransaction() {
 }
 
 void Session::failed(const Error& error) {
-  // SQLite itself undoes a whole transaction when a disk is full or memory is lacking. The transaction is
-  // one over all databases, so then none of it can stay.
+  // SQLite undoes its whole transaction by itself when the disk is full or memory is lacking. Ours is one
+  // transaction over all databases, so then no part of it can stay.
   const bool lost = inTransaction && std::any_of(open.begin(), open.end(), [](const SqliteDatabase* d) {
                       return d->lostTransaction();
                     });
@@ -72,7 +72,7 @@ class SqliteEngine final : public DatabaseEngine {
   [[nodiscard]] std::vector<std::shared_ptr<Database>> databases() const override {
     std::vector<std::shared_ptr<Database>> list;
     for (SqliteDatabase* database : session_->open) {
-      // Null while the last holder lets go of it.
+      // weak_from_this is empty while the last holder lets go of the database.
       if (auto held = database->weak_from_this().lock()) list.push_back(std::move(held));
     }
     return list;

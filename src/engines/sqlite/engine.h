@@ -11,17 +11,17 @@ class Clock;
 
 struct SqliteOptions {
   int busyTimeoutMs = 5000;  ///< how long a call waits for another user's lock before it raises 3260
-  bool readOnly = false;     ///< opens every file for reading only
+  bool readOnly = false;     ///< every file is opened only for reading
 };
 
-/// The embedded engine: each database is one SQLite file under the name it was given. `clock` answers Now()
-/// and outlives the engine. A database that nobody holds any more closes itself; those still open when the
-/// engine goes are useless from then on (3420).
+/// Makes the embedded engine, in which each database is one SQLite file with the name that it was given.
+/// `clock` answers Now() and must outlive the engine. A database closes itself when nobody holds it any more.
+/// Those still open when the engine goes are useless from then on (3420).
 [[nodiscard]] std::unique_ptr<DatabaseEngine> makeSqliteEngine(const Clock& clock,
                                                                const SqliteOptions& options = {});
 
-/// Number of statements that a database of this engine has prepared since it was opened: repeated texts that
-/// differ in their literals alone must not raise it.
+/// How many statements a database of this engine has prepared since it was opened. A text that differs from
+/// an earlier one only in its literals must not raise the number.
 [[nodiscard]] std::size_t preparedStatements(const Database& database);
 
 }  // namespace voxa

@@ -17,7 +17,7 @@ std::string quoted(std::string_view name) {
   return "'" + std::string(name) + "'";
 }
 
-/// A column as SQLite's messages name it: "Table.Field".
+/// A column in the form of SQLite's messages: "Table.Field".
 struct ColumnName {
   std::string table;
   std::string field;
@@ -29,7 +29,7 @@ ColumnName splitColumn(std::string_view text) {
   return {std::string(text.substr(0, dot)), std::string(text.substr(dot + 1))};
 }
 
-/// What stands behind "... constraint failed: ".
+/// The text behind "... constraint failed: ".
 std::string_view subject(std::string_view text) {
   const std::size_t colon = text.find(": ");
   return colon == std::string_view::npos ? std::string_view() : text.substr(colon + 2);
@@ -88,7 +88,7 @@ Error checkFailed(std::string_view text, std::string_view table) {
           "Field " + field + " of table " + quoted(table) + " cannot be a text without characters"};
 }
 
-/// The names of the other tables of a table's relations, for a sentence.
+/// The names of the tables that a table has relations with, for a sentence.
 std::string related(std::string_view table, bool tableIsPrimary, const Catalog& catalog) {
   std::vector<std::string> names;
   for (const Relation& relation : catalog.relations()) {
@@ -115,7 +115,7 @@ Error constraintFailure(int code, const std::string& text, std::string_view tabl
       return nullValue(text, catalog);
     case SQLITE_CONSTRAINT_CHECK:
       return checkFailed(text, table);
-    case SQLITE_CONSTRAINT_TRIGGER:  // a RESTRICT side of a relation is a trigger to SQLite
+    case SQLITE_CONSTRAINT_TRIGGER:  // SQLite takes the RESTRICT side of a relation for a trigger
       return {err::dbRelatedExists, "The record of table " + quoted(table) +
                                         " cannot be deleted or changed because related records exist in " +
                                         related(table, true, catalog)};
@@ -156,7 +156,7 @@ Error fileFailure(int code, const std::string& text, const std::string& path) {
     case SQLITE_NOMEM:
       return Error(err::outOfMemory, "Out of memory");
     default:
-      // The one is the bound of its parser, the other that of the tree.
+      // The first is the limit of SQLite's parser, the second that of its tree.
       if (text == "parser stack overflow" || text.starts_with("Expression tree is too large")) {
         return Error(err::dbSyntax, "The statement is nested too deeply");
       }

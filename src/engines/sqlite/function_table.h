@@ -11,11 +11,11 @@ namespace voxa {
 
 class Clock;
 
-/// A function of translated statements. What its body throws becomes the failure of the statement.
+/// A function of translated statements. An exception in its body becomes the failure of the statement.
 struct SqlFunction {
   const char* name;
   int arguments;
-  bool takesNull;  ///< else the result is Null as soon as an argument is
+  bool takesNull;  ///< otherwise one argument that is Null makes the result Null
   void (*body)(sqlite3_context* context, sqlite3_value** arguments, int count);
 };
 
@@ -23,7 +23,7 @@ struct SqlFunction {
 [[nodiscard]] std::span<const SqlFunction> textFunctions();    ///< texts, patterns, formats
 [[nodiscard]] std::span<const SqlFunction> momentFunctions();  ///< dates and times
 
-/// The engine's clock, in a function's body.
+/// The engine's clock, for the body of a function.
 [[nodiscard]] const Clock* clockOf(sqlite3_context* context);
 
 [[nodiscard]] inline std::string_view textOf(sqlite3_value* value) {

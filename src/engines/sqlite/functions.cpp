@@ -11,7 +11,7 @@ namespace voxa {
 
 namespace {
 
-/// What SQLite hands to the calls of a function; it deletes this with the function.
+/// What SQLite passes to each call of a function. SQLite deletes it together with the function.
 struct Registered {
   const SqlFunction* function = nullptr;
   PendingError* pending = nullptr;

@@ -10,15 +10,15 @@ namespace voxa {
 
 class Clock;
 
-/// The failure of one of our functions, which SQLite's own result can carry only as a text. A call of SQLite
-/// that fails while `error` is set failed for that reason; who takes it resets it.
+/// The failure of a vx_ function. SQLite's own result can carry it only as text, so it is kept here. When a
+/// call of SQLite fails while `error` is set, this is the reason; whoever takes the error resets it.
 struct PendingError {
   std::optional<Error> error;
 };
 
-/// Registers the collation and the functions that translated statements rely on (list: dialect.h).
-/// `pending` and `clock` outlive the connection. All count as deterministic: Now() has one value for the
-/// whole of a statement.
+/// Registers the collation and the functions that translated statements rely on (the list is in dialect.h).
+/// `pending` and `clock` must outlive the connection. All functions count as deterministic, since Now() has
+/// one value for the whole of a statement.
 void registerFunctions(sqlite3* db, PendingError& pending, const Clock& clock);
 
 }  // namespace voxa

@@ -10,7 +10,7 @@ namespace voxa {
 
 namespace {
 
-/// A date in regional form; Null for any other text.
+/// The date that a text in regional form names; Null for any other text.
 void date(sqlite3_context* context, sqlite3_value** arguments, int) {
   if (sqlite3_value_type(arguments[0]) != SQLITE_TEXT) {
     sqlite3_result_value(context, arguments[0]);
@@ -28,7 +28,7 @@ void time(sqlite3_context* context, sqlite3_value** arguments, int) {
 }
 
 int weekday(const CivilTime& parts) {
-  // 1 is Sunday; day 0 was a Saturday.
+  // 1 is Sunday. Day 0 was a Saturday.
   const auto day =
       static_cast<int>(toDateTime({.year = parts.year, .month = parts.month, .day = parts.day}).days);
   return ((day + 6) % 7 + 7) % 7 + 1;
@@ -42,8 +42,8 @@ void part(sqlite3_context* context, sqlite3_value** arguments, int) {
   sqlite3_result_int(context, all[sqlite3_value_int(arguments[0]) - 1]);
 }
 
-/// Year, month, day, the latter two beyond their range if need be: month 13 is January, day 0 the last of
-/// the month before.
+/// A date from year, month and day. Month and day may lie beyond their range: month 13 is January of the next
+/// year, day 0 the last day of the month before.
 void dateSerial(sqlite3_context* context, sqlite3_value** arguments, int) {
   const auto whole = [&](int i) { return Value(sqlite3_value_double(arguments[i])).toInt16(); };
   int year = whole(0);

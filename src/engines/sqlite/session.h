@@ -10,12 +10,12 @@ namespace voxa {
 class Clock;
 class SqliteDatabase;
 
-/// What the engine and its databases share.
+/// What the engine and its databases share. Its members are in engine.cpp.
 struct Session {
   Session(const Clock& sessionClock, const SqliteOptions& sessionOptions)
       : clock(sessionClock), options(sessionOptions) {}
 
-  /// Runs one public operation: an error that leaves it fills the error collection first.
+  /// Runs one public operation. An error that leaves it is put into the error collection first.
   template <typename Operation>
   decltype(auto) guarded(Operation&& operation) {
     try {
@@ -27,7 +27,7 @@ struct Session {
   }
 
   void rollback();
-  /// Rolls back after a failure that is reported itself.
+  /// Rolls back after a failure. Only that failure is reported.
   void abandonTransaction();
 
   const Clock& clock;

@@ -11,10 +11,10 @@ namespace voxa {
 
 namespace {
 
-/// Times that a statement is translated again because another user keeps changing the schema.
+/// So many times a statement is translated again because another user keeps changing the schema.
 constexpr int schemaRetries = 20;
 
-/// A statement whose text is read once, for as long as the database is open.
+/// A statement whose text is read once and holds for as long as the database is open.
 class SqliteCommand final : public Command {
  public:
   SqliteCommand(std::shared_ptr<SqliteDatabase> database, std::string_view sql)
@@ -28,17 +28,17 @@ class SqliteCommand final : public Command {
   SqliteDatabase::Change change_;
 };
 
-/// What a slot is bound to: the value, and what was declared of it if it is a parameter's.
+/// The value for a slot, and, for a parameter, its declaration.
 using Input = std::pair<const Value*, const FieldDef*>;
 
-/// rows: whether the statement has to give rows.
+/// rows: whether the statement must give rows.
 void requireKind(const dialect::Translation& translation, bool rows) {
   if (rows == (translation.kind == dialect::Translation::Kind::select)) return;
   if (rows) throw Error(err::dbInvalidOperation, "A query that changes rows has no rows to open");
   throw Error(err::dbSelectExecuted, "A query that selects rows cannot be executed");
 }
 
-/// Which of the declared parameters a slot's is; the translation makes slots of no others.
+/// Which declared parameter a slot stands for. The translation makes slots for declared ones only.
 std::size_t declaredIndex(const dialect::Translation& translation, std::string_view name) {
   const auto found = std::find_if(translation.parameters.begin(), translation.parameters.end(),
                                   [&](const FieldDef& declared) { return equalNoCase(declared.name, name); });
@@ -52,10 +52,10 @@ const Value& parameterValue(const SqliteDatabase::Parameters& parameters, std::s
   throw Error(err::dbTooFewParameters, "Parameter '" + std::string(name) + "' has no value");
 }
 
-/// Whether convertForField would give the value back.
+/// Whether convertForField would return the same value.
 bool isStoredAsIs(const Value& value, const FieldDef& field) {
   if (const auto* text = std::get_if<std::string>(&value.data())) {
-    // No text has more characters than bytes.
+    // A text never has more characters than bytes.
     return field.type == DataType::Memo ||
            (field.type == DataType::Text && text->size() <= static_cast<std::size_t>(field.size));
   }
@@ -68,7 +68,7 @@ std::string_view trimmedName(std::string_view name) {
   return name;
 }
 
-/// Whether a source can be nothing but a name: one word that begins no statement, or what brackets hold.
+/// Whether a source can only be a name: one word that begins no statement, or a text in brackets.
 bool isBareName(std::string_view source) {
   dialect::Lexer lexer(source);
   dialect::Token token;
@@ -83,7 +83,7 @@ bool isBareName(std::string_view source) {
                        [&](std::string_view word) { return equalNoCase(token.text, word); }));
 }
 
-/// The prepared statement of a source that was scanned, unless its literals need another translation.
+/// The prepared statement of a scanned source; null when its literals need another translation.
 Prepared* findPrepared(StatementCache& translated, const dialect::Scanned& scanned) {
   Prepared* found = translated.find(scanned.key);
   return found != nullptr && found->translation->holdsFor(scanned.literals) ? found : nullptr;
@@ -93,7 +93,7 @@ Prepared* findPrepared(StatementCache& translated, const dialect::Scanned& scann
 
 SqliteDatabase::SqliteDatabase(std::shared_ptr<Session> session, std::string path)
     : session_(std::move(session)), path_(std::move(path)), file_(std::in_place, path_, *session_) {
-  // Reads the file's first pages, so that a damaged or locked file fails here.
+  // Reads the first pages of the file, so that a damaged or locked file fails here.
   (void)file_->catalog.relations();
   session_->open.push_back(this);
 }
@@ -102,7 +102,7 @@ SqliteDatabase::~SqliteDatabase() {
   try {
     close();
   } catch (const Error&) {
-    abandon();  // no one is left to tell; the error collection has it
+    abandon();  // nobody is left to tell; the error collection has it
   }
 }
 
@@ -185,7 +185,7 @@ void SqliteDatabase::beginChange() {
   if (!session_->inTransaction || open.locked) return;
   open.connection.run("BEGIN IMMEDIATE");
   open.locked = true;
-  ++generation_;  // others may have changed what was read before
+  ++generation_;  // others may have changed the rows that were read before
 }
 
 void SqliteDatabase::change(Statement& statement, std::string_view table) {
@@ -244,7 +244,7 @@ Prepared& SqliteDatabase::prepared(std::string_view source) {
     dialect::scan(source, scanned_, &session_->clock);
     if (Prepared* found = findPrepared(open.translated, scanned_)) return *found;
   } catch (const Error& error) {
-    unscannable = error;  // a name may hold what a statement may not
+    unscannable = error;  // a name may contain what a statement may not
   }
   auto name = open.names.find(std::string(source));
   if (name == open.names.end()) {
@@ -267,7 +267,7 @@ Prepared& SqliteDatabase::prepared(std::string_view source) {
 template <typename InputOf>
 void SqliteDatabase::bind(Prepared& prepared, InputOf&& inputOf) {
   const std::vector<dialect::Slot>& slots = prepared.translation->slots;
-  converted_.clear();  // each value twice at most, and what was bound must stay where it is
+  converted_.clear();  // room for two values a slot, since bound values must not move
   converted_.reserve(2 * slots.size());
   const auto convert = [&](const Value& value, const FieldDef& field) -> const Value& {
     if (isStoredAsIs(value, field)) return value;

@@ -18,6 +18,8 @@
 
 namespace voxa {
 
+/// One open database file of the embedded engine. Definitions (tables, relations, stored queries) are in
+/// sqlite_schema.cpp, everything else is in sqlite_database.cpp.
 class SqliteDatabase final : public Database, public std::enable_shared_from_this<SqliteDatabase> {
  public:
   using Parameters = std::vector<std::pair<std::string, Value>>;
@@ -56,36 +58,40 @@ class SqliteDatabase final : public Database, public std::enable_shared_from_thi
 
   [[nodiscard]] Session& session() const { return *session_; }
   [[nodiscard]] Connection& connection() const { return opened().connection; }  ///< 3420 when closed
-  /// Statement of the engine's own on the rows of a table, prepared once; holds until the next call.
+  /// A statement of the engine's own on the rows of a table. It is prepared once; the reference holds until
+  /// the next call.
   Statement& rowStatement(const std::string& sql);
-  /// What a command runs: a statement that changes rows, not shared with others of the same text.
+  /// What a command runs: a statement that changes rows. It is not shared with others of the same text.
   struct Change {
     Prepared prepared;
     std::vector<Value> literals;
-    std::vector<std::size_t> parameters;  ///< for each slot that is no literal the declared one that it is
+    std::vector<std::size_t>
+        parameters;  ///< for each slot that is no literal, the index of its declared parameter
   };
   Change translateChange(std::string_view sql);
-  /// Runs it with the values of its declared parameters; again, translated anew, when the schema has changed.
+  /// Runs the statement with the values of its declared parameters. When the schema has changed, translates
+  /// it anew and runs that.
   int run(Change& change, std::string_view sql, const std::vector<Value>& values);
-  /// To be called before each change: lockForChanges, and the end of a reading outside of a transaction too.
+  /// Must be called before each change. Calls lockForChanges, and outside of a transaction ends a reading.
   void beginChange();
-  /// Behind beginChange: runs a statement that changes rows of `table`, whole or not at all; the error names
-  /// what broke.
+  /// Runs a statement that changes rows of `table`, after beginChange. All of its changes are made, or none;
+  /// the error names what broke.
   void change(Statement& statement, std::string_view table);
-  /// Counts the changes made through this database: rows read at another count may be stale.
+  /// Counts the changes made through this database. Rows that were read at another count may be out of date.
   [[nodiscard]] std::uint64_t generation() const { return generation_; }
-  /// Before a commit: what the transaction put off until it was needed is done.
+  /// Must be called before a commit: does what the transaction has put off.
   void settle() { (void)file(); }
-  /// End the part of the engine's transaction that is in this file, if it has one.
+  /// These two end the part of the engine's transaction that is in this file, if there is one.
   void commit();
-  void rollback();  ///< neither definitions, names nor rows read before can be relied on then
+  void rollback();  ///< afterwards no definition, name or row that was read before can be relied on
   /// Whether SQLite has undone that part by itself.
   [[nodiscard]] bool lostTransaction() const { return opened().locked && !connection().inTransaction(); }
-  /// Closes without the part of a transaction that is not committed.
+  /// Closes the file and gives up the uncommitted part of a transaction.
   void abandon();
 
  private:
-  /// What exists while the file is open. In this order, so that statements go before the connection.
+  /// What exists while the file is open. The order matters: statements must be destroyed before the
+  /// connection.
   struct OpenFile {
     OpenFile(const std::string& path, const Session& session)
         : connection(path, session.options, session.clock), catalog(connection, session.clock) {}
@@ -93,34 +99,36 @@ class SqliteDatabase final : public Database, public std::enable_shared_from_thi
     Catalog catalog;
     StatementCache translated;
     StatementCache own;
-    bool locked = false;  ///< by the engine's transaction
-    /// Relations of this transaction that the file has not yet: those which follow each other are written at
-    /// once, since SQLite reads the whole schema again after it.
+    bool locked = false;  ///< the engine's transaction has locked the file
+    /// Relations of this transaction that are not in the file yet. Several in a row are written together,
+    /// since SQLite reads the whole schema again after each such change.
     std::vector<Relation> unwritten;
-    /// Texts that names of tables and queries stand for. Queries cannot change, and a table that is gone
-    /// shows when its text runs.
+    /// The statements that names of tables and queries stand for. A stored query cannot change. That a table
+    /// is gone shows when its statement runs.
     std::unordered_map<std::string, std::string> names;
   };
 
   OpenFile& opened() const;  ///< 3420 when closed
-  OpenFile& file() const;    ///< the same, SQLite knowing all relations: for all that changes rows
+  OpenFile& file()
+      const;  ///< the same, after the relations that were put off are written; for all that changes rows
   void writeRelations(const std::vector<Relation>& relations) const;
-  /// The statement that a text, a table name or a query name stands for, its literals in scanned_.
+  /// The statement for a text, a table name or a query name. Its literals are in scanned_.
   Prepared& prepared(std::string_view source);
   Prepared translate(std::string_view sql);
-  /// The same, kept for the key in scanned_, in place of one whose literals were others.
+  /// The same for a text that was scanned. It is kept under the key in scanned_ and replaces one that was
+  /// translated for other literals.
   Prepared& translateScanned(std::string_view sql);
   std::optional<std::string> textOfName(std::string_view name);
-  /// Binds the values of all slots, which stay where they are, or in converted_. inputOf: from a slot's
-  /// number to its value and, for a parameter, what was declared (else nullptr).
+  /// Binds the values of all slots. They must stay where they are; converted ones are in converted_. inputOf:
+  /// gives for a slot's number its value and, for a parameter, its declaration (else nullptr).
   template <typename InputOf>
   void bind(Prepared& prepared, InputOf&& inputOf);
   void schemaChanged();
-  /// Ends a step that changed definitions, the catalog knowing of it.
+  /// Ends a step that changed definitions, which the catalog has taken over.
   void finish(Step& step);
   const TableDef& definition(std::string_view table) const;
-  /// Runs `run`, which gives an SQLite code, on the prepared source; again when the schema has changed.
-  /// rows: whether the statement has to give rows.
+  /// Runs `run`, which returns an SQLite code, on the prepared source. Runs it again when the schema has
+  /// changed. rows: whether the statement must give rows.
   template <typename Run>
   int withPrepared(std::string_view source, bool rows, const Parameters& parameters, Run&& run);
   [[noreturn]] void failChange(int code, std::string_view table);

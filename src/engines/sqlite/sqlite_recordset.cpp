@@ -11,8 +11,9 @@ namespace voxa {
 
 namespace {
 
-constexpr std::size_t firstRows = 256;  ///< read at once
-constexpr std::size_t blockRows = 256;  ///< fetched together later: the file is locked once for all of them
+constexpr std::size_t firstRows = 256;  ///< so many are read at once when the rows are opened
+constexpr std::size_t blockRows =
+    256;  ///< so many are fetched together later; the file is locked once for all of them
 constexpr std::int64_t deletedRow = std::numeric_limits<std::int64_t>::min();
 
 bool showsFieldsOnly(const dialect::Translation& translation) {
@@ -21,7 +22,7 @@ bool showsFieldsOnly(const dialect::Translation& translation) {
                       [](const std::string& field) { return field.empty(); });
 }
 
-/// Spares the locks of each statement when several only read.
+/// Several statements that only read share one lock for the lifetime of this object.
 class ReadTogether {
  public:
   explicit ReadTogether(Connection& connection) : connection_(connection), own_(!connection.inTransaction()) {
@@ -80,7 +81,7 @@ bool SqliteRecordset::bof() const {
   return position_ < 0 || (eof() && recordCount() == 0);
 }
 
-/// Makes `row` current, or the next one in that direction that is not deleted.
+/// Makes `row` the current one, or else the next row in that direction that is not deleted.
 void SqliteRecordset::moveTo(std::ptrdiff_t row, std::ptrdiff_t direction) {
   mode_ = Mode::none;
   const auto end = static_cast<std::ptrdiff_t>(rows_);
@@ -110,7 +111,7 @@ void SqliteRecordset::movePrevious() {
   });
 }
 
-/// The rows that satisfy the condition are asked for once, by their numbers.
+/// Asks once for the numbers of all rows that satisfy the condition.
 bool SqliteRecordset::find(std::string_view condition, std::ptrdiff_t from) {
   return database_->session().guarded([&] {
     if (!editable()) throw Error(err::dbNotSupported, "Rows of this query cannot be searched");
@@ -209,7 +210,7 @@ const Value* SqliteRecordset::values(std::size_t row) const {
   if (live_) {
     const bool stale = generation_ != database_->generation();
     if (stale || !inBlock()) {
-      // One row at a time while the rows change under the reader, more with every quiet step.
+      // Only one row is fetched while the rows keep changing, and more each time that they did not.
       fetchRows_ = stale ? 1 : std::min(fetchRows_ * 4, blockRows);
       fetch(row);
     }
@@ -306,7 +307,7 @@ void SqliteRecordset::update() {
   });
 }
 
-/// Runs a change of this result's own, which makes its other rows no staler than they were.
+/// Runs a change that this result makes itself: rows that were up to date before still are.
 void SqliteRecordset::change(Statement& statement) {
   database_->beginChange();
   const bool fresh = generation_ == database_->generation();

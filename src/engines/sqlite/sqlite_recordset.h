@@ -15,16 +15,18 @@ namespace voxa {
 class SqliteDatabase;
 class Statement;
 
-/// Rows of a result. Where the rows can be changed and every column is a field of their table, the first
-/// rows are read at once and of the others only the row numbers: their values are fetched when visited, in
-/// blocks. Rows are fetched again when this database has changed something since. Other results are read
-/// whole at once; in one that shows expressions beside fields the values are those of that moment.
+/// Rows of a result. In a live result the rows can be changed and every column is a field of their table. Of
+/// such a result the first rows are read at once, and of the others only the row numbers. Their values are
+/// fetched in blocks when they are visited, and again when this database has changed something since. Every
+/// other result is read whole at once. A result that shows expressions beside fields keeps the values of that
+/// moment.
 class SqliteRecordset final : public Recordset {
  public:
   SqliteRecordset(std::shared_ptr<SqliteDatabase> database,
                   std::shared_ptr<const dialect::Translation> translation);
 
-  /// Reads the result of the statement, bound, and resets it: SQLITE_DONE or the code of a failure.
+  /// Reads the result of the statement, whose values are bound, and resets it. SQLITE_DONE, or the code of a
+  /// failure.
   int read(Statement& statement);
 
   [[nodiscard]] bool eof() const override;
@@ -64,7 +66,7 @@ class SqliteRecordset final : public Recordset {
   void checkColumn(std::size_t index) const;
   [[nodiscard]] Value initial(std::size_t index) const;
 
-  /// Puts the values of the row that a statement gives behind the others.
+  /// Adds the values of the row at which a statement stands to those that are here.
   void take(Statement& statement, int firstColumn) const;
   void requireFit(const Value& value, std::size_t index) const;
   const Value* values(std::size_t row) const;
@@ -78,17 +80,18 @@ class SqliteRecordset final : public Recordset {
   std::shared_ptr<const dialect::Translation> translation_;
   bool live_;  ///< values can be fetched by row number
 
-  std::size_t rows_ = 0;  ///< deleted ones included
+  std::size_t rows_ = 0;  ///< deleted rows count, too
   std::size_t deleted_ = 0;
-  std::vector<std::int64_t> rowids_;  ///< of every row when editable
+  std::vector<std::int64_t> rowids_;  ///< of every row when the rows can be edited
   std::ptrdiff_t position_ = 0;       ///< -1 before the first row, rows_ behind the last
 
-  // The rows whose values are here: blockRows_ from blockStart_ on, one after the other.
+  // The rows whose values are here, one after the other: blockRows_ rows from blockStart_ on.
   mutable std::vector<Value> values_;
-  /// Places in values_ of what is not of its field's type, as only another program can have written it:
-  /// asking for it raises 3421.
+  /// Places in values_ of values that do not have their field's type. Only another program can have written
+  /// them; to read one raises 3421.
   mutable std::vector<std::size_t> misfits_;
-  mutable std::vector<bool> gone_;  ///< rows of the block that were deleted meanwhile; empty for none
+  mutable std::vector<bool>
+      gone_;  ///< rows of the block that somebody has deleted; empty when there are none
   mutable std::size_t blockStart_ = 0;
   mutable std::size_t blockRows_ = 0;
   mutable std::size_t fetchRows_;
@@ -97,8 +100,8 @@ class SqliteRecordset final : public Recordset {
 
   Mode mode_ = Mode::none;
   std::vector<Value> edited_;
-  std::vector<std::size_t> set_;  ///< columns that were set
-  std::string editSql_;           ///< statement of the last update, for columns editColumns_
+  std::vector<std::size_t> set_;  ///< columns that set() was called for
+  std::string editSql_;           ///< statement of the last update, for the columns editColumns_
   std::vector<std::size_t> editColumns_;
   Mode editMode_ = Mode::none;
 };

@@ -14,7 +14,7 @@ Error noField(std::string_view field, const TableDef& table) {
   return {err::dbNotInCollection, "Table '" + table.name + "' has no field '" + std::string(field) + "'"};
 }
 
-/// Whether a primary or unique index is on exactly these fields, in whatever order.
+/// Whether a primary or unique index is on exactly these fields, in any order.
 bool hasUniqueIndex(const TableDef& table, const std::vector<std::string>& fields) {
   return std::any_of(table.indexes.begin(), table.indexes.end(), [&](const IndexDef& index) {
     return index.unique && index.fields.size() == fields.size() &&
@@ -22,7 +22,7 @@ bool hasUniqueIndex(const TableDef& table, const std::vector<std::string>& field
   });
 }
 
-/// Whether an index begins with these fields, so that one more would serve nothing.
+/// Whether an index begins with these fields, so that another one would be useless.
 bool hasIndexOn(const TableDef& table, const std::vector<std::string>& fields) {
   return std::any_of(table.indexes.begin(), table.indexes.end(), [&](const IndexDef& index) {
     return index.fields.size() >= fields.size() &&
@@ -30,12 +30,12 @@ bool hasIndexOn(const TableDef& table, const std::vector<std::string>& fields) {
   });
 }
 
-/// Query for whether (1 or 0) a table has rows.
+/// Query that tells (1 or 0) whether a table has rows.
 std::string anyRow(const std::string& table) {
   return "SELECT EXISTS (SELECT 1 FROM " + ddl::quoteName(table) + ")";
 }
 
-/// Query for whether (1 or 0) rows break a relation.
+/// Query that tells (1 or 0) whether rows break a relation.
 std::string violation(const Relation& relation) {
   std::string given;
   std::string match;
@@ -167,7 +167,7 @@ void SqliteDatabase::createRelation(const Relation& relation) {
       if (!equalNoCase(other.name, relation.name)) continue;
       throw Error(err::dbObjectExists, "A relation '" + relation.name + "' exists already");
     }
-    // Spelt as the tables spell them, whatever the case they were given in.
+    // The names are spelled as the tables spell them, in whatever case they were given.
     Relation exact = relation;
     exact.table = primary.name;
     exact.foreignTable = foreign.name;
@@ -185,7 +185,7 @@ void SqliteDatabase::createRelation(const Relation& relation) {
       throw Error(err::dbNoUniqueIndex, "Relation '" + relation.name + "' needs a unique index of table '" +
                                             primary.name + "' on the fields that it refers to");
     }
-    // The tables of a new database are empty for the most part, which is asked faster.
+    // Most tables of a new database are empty, and that is quicker to find out.
     if (open.connection.number(anyRow(foreign.name)) != 0 && open.connection.number(violation(exact)) != 0) {
       throw Error(err::dbRelatedMissing, "Relation '" + relation.name + "' cannot be made: rows of table '" +
                                              foreign.name + "' refer to rows that table '" + primary.name +
@@ -202,9 +202,9 @@ void SqliteDatabase::createRelation(const Relation& relation) {
   });
 }
 
-/// SQLite adds constraints to a table only with the table itself; changing the schema's text is the way that
-/// its documentation gives for what leaves the rows as they are. Then SQLite reads the schema again, and so
-/// do other users, who see it by the version's step.
+/// SQLite adds a constraint to a table only when it makes the table. A change of the schema's text leaves the
+/// rows as they are; SQLite's documentation describes that way. SQLite then reads the schema again. Other
+/// users do so, too, since the version of the schema has changed.
 void SqliteDatabase::writeRelations(const std::vector<Relation>& relations) const {
   OpenFile& open = opened();
   open.connection.allowSchemaWrites(true);

@@ -13,14 +13,14 @@
 
 namespace voxa {
 
-/// A statement ready to run. The translation outlives the statement in the results that it described.
+/// A statement ready to run. Results that it described hold its translation for longer.
 struct Prepared {
   std::shared_ptr<const dialect::Translation> translation;  ///< none for a statement of the engine's own
   Statement statement;
 };
 
-/// Prepared statements by their text, the one unused for longest making room for the next. A reference that
-/// it gives holds until the next add() or clear().
+/// Prepared statements by their text. When it is full, the one that was unused for longest goes. A reference
+/// that it gives holds until the next add() or clear().
 class StatementCache {
  public:
   /// The statement of that text, or nullptr.
@@ -50,7 +50,8 @@ class StatementCache {
  private:
   static constexpr std::size_t capacity = 256;
 
-  std::list<std::pair<std::string, Prepared>> entries_;  ///< last used first; the map's keys live here
+  std::list<std::pair<std::string, Prepared>>
+      entries_;  ///< last used first; the keys of the map point into this list
   std::unordered_map<std::string_view, std::list<std::pair<std::string, Prepared>>::iterator> positions_;
 };
 

@@ -20,7 +20,8 @@ std::size_t behind(std::string_view text, std::size_t at) {
   return at;
 }
 
-/// Position of the character of that number, counted from 0; the text's size when it has no more.
+/// Position of the character with that number, counted from 0; the size of the text when it has no such
+/// character.
 std::size_t offset(std::string_view text, std::int64_t characters) {
   std::size_t at = 0;
   for (; characters > 0 && at < text.size(); --characters) at = behind(text, at);
@@ -51,7 +52,7 @@ void mid(sqlite3_context* context, sqlite3_value** arguments, int number) {
   returnText(context, text);
 }
 
-/// vx_instr(start, text, wanted): number of the character where it begins, 0 for nowhere.
+/// vx_instr(start, text, wanted): number of the character where `wanted` begins; 0 when it does not occur.
 void instr(sqlite3_context* context, sqlite3_value** arguments, int) {
   const std::string text = toLower(textOf(arguments[1]));
   const std::size_t start = offset(text, count(arguments[0], 1) - 1);
@@ -69,7 +70,7 @@ void upper(sqlite3_context* context, sqlite3_value** arguments, int) {
   returnText(context, toUpper(textOf(arguments[0])));
 }
 
-/// Character of code page 1252 and back.
+/// A character from its number in code page 1252, and back.
 void chr(sqlite3_context* context, sqlite3_value** arguments, int) {
   const char byte =
       static_cast<char>(Value(convertForField(valueOf(arguments[0]), DataType::Byte, 0)).toInt16());
@@ -83,8 +84,8 @@ void asc(sqlite3_context* context, sqlite3_value** arguments, int) {
   sqlite3_result_int(context, static_cast<unsigned char>(toCp1252(text.substr(0, behind(text, 0)))[0]));
 }
 
-/// Whether the class at the pattern's start, [a-z] or [!a-z], holds the character; the pattern moves behind
-/// it.
+/// Whether the class at the start of the pattern, [a-z] or [!a-z], contains the character. Moves the pattern
+/// behind the class.
 bool inClass(std::string_view& pattern, std::string_view character) {
   const std::size_t close = pattern.find(']', 1);
   if (close == std::string_view::npos) throw Error(err::invalidArgument, "Invalid pattern: [ is not closed");
@@ -102,7 +103,7 @@ bool inClass(std::string_view& pattern, std::string_view character) {
       next = behind(set, at);
       last = set.substr(at, next - at);
     }
-    // The order of UTF-8 bytes is that of the characters.
+    // UTF-8 bytes have the same order as their characters.
     found = found || (first <= character && character <= last);
     at = next;
   }
@@ -110,7 +111,7 @@ bool inClass(std::string_view& pattern, std::string_view character) {
 }
 
 bool matches(std::string_view text, std::string_view pattern) {
-  // Where to go on after a mismatch: behind the last *, one character further in the text.
+  // Where to continue after a mismatch: behind the last *, with one more character of the text passed over.
   std::optional<std::pair<std::string_view, std::string_view>> retry;
   for (;;) {
     bool matched = false;
@@ -144,8 +145,8 @@ void like(sqlite3_context* context, sqlite3_value** arguments, int) {
   sqlite3_result_int(context, matches(toLower(textOf(arguments[0])), toLower(textOf(arguments[1]))) ? 1 : 0);
 }
 
-/// A number by a pattern of 0 (a digit always), # (a digit if there is one) and one point; what stands before
-/// and behind them is kept.
+/// A number by a pattern of 0 (always a digit), # (a digit if there is one) and one point. Text before and
+/// behind these is kept.
 std::string formatNumber(double number, std::string_view pattern) {
   const std::size_t begin = pattern.find_first_of("0#.");
   const std::size_t end = pattern.find_last_of("0#.") + 1;
@@ -179,7 +180,7 @@ std::string formatNumber(double number, std::string_view pattern) {
   return out.append(pattern.substr(end));
 }
 
-/// A pattern with 0 or # formats a number, any other a date; text that is none of these stays as it is.
+/// A pattern with 0 or # formats a number, any other pattern a date. A text that is neither stays as it is.
 void format(sqlite3_context* context, sqlite3_value** arguments, int) {
   if (sqlite3_value_type(arguments[1]) == SQLITE_NULL) return;
   const std::string_view pattern = textOf(arguments[1]);

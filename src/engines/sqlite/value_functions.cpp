@@ -40,7 +40,7 @@ void returnValue(sqlite3_context* context, const Value& value) {
 
 namespace {
 
-/// Whole numbers stay what they are, others are mapped.
+/// Maps a number; a whole one stays as it is.
 template <double (*map)(double)>
 void rounded(sqlite3_context* context, sqlite3_value** arguments, int) {
   if (sqlite3_value_type(arguments[0]) == SQLITE_INTEGER) {
@@ -62,7 +62,8 @@ void number(sqlite3_context* context, sqlite3_value** arguments, int) {
     sqlite3_result_value(context, arguments[0]);
     return;
   }
-  // Most texts that are no number show it by a letter: they need no exception to find out.
+  // Most texts that are no number contain a letter. So they are found without an exception, which takes
+  // longer.
   const std::string_view text = textOf(arguments[0]);
   if (text.find_first_not_of("0123456789.eE+- \t") != std::string_view::npos) return;
   try {
@@ -98,7 +99,7 @@ void power(sqlite3_context* context, sqlite3_value** arguments, int) {
   sqlite3_result_double(context, v);
 }
 
-/// Half to even.
+/// Rounds half to even.
 void round(sqlite3_context* context, sqlite3_value** arguments, int) {
   const int digits = sqlite3_value_int(arguments[1]);
   if (digits < 0 || digits > 15) {
@@ -114,7 +115,7 @@ void round(sqlite3_context* context, sqlite3_value** arguments, int) {
   sqlite3_result_double(context, std::isfinite(scaled) ? std::nearbyint(scaled) / scale : v);
 }
 
-/// The number that a text begins with, 0 without one; blanks do not count.
+/// The number at the beginning of a text, 0 when there is none. Blanks are ignored.
 void val(sqlite3_context* context, sqlite3_value** arguments, int) {
   std::string digits(textOf(arguments[0]));
   std::erase_if(digits, [](char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; });

@@ -16,7 +16,7 @@ Transaction::~Transaction() {
   try {
     engine_.rollback();
   } catch (const Error&) {
-    // The engine's error collection has it; the failure that led here is the one to report.
+    // The engine's error collection has this failure. The one that led here is the one to report.
   }
 }
 

@@ -15,10 +15,10 @@ struct FieldDef {
   std::string name{};
   DataType type = DataType::Text;
   int size = 0;          ///< greatest number of characters of a Text field (0: 255); nothing for other types
-  Value defaultValue{};  ///< Null: none (a boolean field is False then)
+  Value defaultValue{};  ///< Null: there is none (a boolean field is False then)
   bool required = false;
   bool allowZeroLength = false;  ///< Text and Memo only
-  bool autoIncrement = false;    ///< Long only; the next number unless a value is given
+  bool autoIncrement = false;    ///< Long only; a new row takes the next number unless it is given a value
   std::string validationRule{};  ///< condition on the value alone, e.g. ">=0 and <=32"; "" for none
   friend bool operator==(const FieldDef&, const FieldDef&) = default;
 };
@@ -27,7 +27,7 @@ struct IndexDef {
   std::string name;
   std::vector<std::string> fields{};
   bool primary = false;   ///< implies unique, and no Null in any of its fields
-  bool unique = false;    ///< Nulls do not collide
+  bool unique = false;    ///< two Nulls are no duplicates
   bool required = false;  ///< no Null in any of its fields
   friend bool operator==(const IndexDef&, const IndexDef&) = default;
 };
@@ -42,7 +42,7 @@ struct TableDef {
   friend bool operator==(const TableDef&, const TableDef&) = default;
 };
 
-// Definitions of columns and indexes, as those spell them who make tables.
+// Helpers for those who define tables.
 
 /// size: greatest number of characters of a text column.
 void addField(TableDef& td, const std::string& name, DataType type, int size = 0,
@@ -51,7 +51,7 @@ enum class IndexKind { plain, unique, uniqueRequired, primary };
 void addIndex(TableDef& td, const std::string& name, std::initializer_list<const char*> fields,
               IndexKind kind);
 
-/// Referential integrity from a primary table to a foreign one; always enforced.
+/// Referential integrity from a primary table to a foreign one. It is always enforced.
 struct Relation {
   std::string name;
   std::string table;         ///< primary side; its fields need a primary or unique index
@@ -62,7 +62,7 @@ struct Relation {
   friend bool operator==(const Relation&, const Relation&) = default;
 };
 
-/// A stored query; its text may declare parameters ("PARAMETERS [p] Integer;" in front).
+/// A stored query. Its text may declare parameters in front ("PARAMETERS [p] Integer;").
 struct QueryDef {
   std::string name;
   std::string sql;

@@ -5,8 +5,9 @@
 
 namespace voxa {
 
-/// A driver library loaded by name. It stays loaded until the process ends: a driver may hold lines open and
-/// need not survive being unloaded.
+/// A driver library, loaded by name. It stays loaded until the process ends: a driver may hold lines open and
+/// may not survive being unloaded.
+/// It is in dynamic_library_posix.cpp and dynamic_library_windows.cpp.
 class DynamicLibrary {
  public:
   /// An export, to be called through this class only.
@@ -14,12 +15,12 @@ class DynamicLibrary {
 
   struct Result {
     std::int16_t value = 0;
-    int lastError = 0;  ///< the operating system's last-error value behind the call, 0 when it set none
+    int lastError = 0;  ///< the operating system's last-error value after the call; 0 when the call set none
   };
 
-  /// Loads the library. `err::fileNotFound` when there is none, saying where it was looked for, when it would
-  /// not load, with the loader's own message, or, on Linux, when the one in the working folder is another
-  /// user's or can be written by others.
+  /// Loads the library. Raises `err::fileNotFound` when there is none (the text says where it was looked for)
+  /// and when it would not load (with the loader's own message). On Linux also when it is in the working
+  /// folder and belongs to another user, or others can write to it.
   explicit DynamicLibrary(const std::string& name);
 
   /// The export of that name, or nullptr.

@@ -30,7 +30,7 @@ std::string loaderMessage() {
   return message == nullptr ? "unknown error" : message;
 }
 
-/// An open file or folder, closed at the end.
+/// An open file or folder, which is closed at the end.
 class Descriptor {
  public:
   explicit Descriptor(int number) : number_(number) {}
@@ -45,7 +45,7 @@ class Descriptor {
   int number_;
 };
 
-/// Whether only this user and the administrator can have put it there, and can change it.
+/// Whether nobody but this user and the administrator can have put it there, or can change it.
 bool isOwn(const Descriptor& opened, mode_t kind) {
   struct stat info {};
   if (::fstat(opened.get(), &info) != 0 || (info.st_mode & S_IFMT) != kind) return false;
@@ -53,9 +53,9 @@ bool isOwn(const Descriptor& opened, mode_t kind) {
   return ours && (info.st_mode & (S_IWGRP | S_IWOTH)) == 0;
 }
 
-/// Loads a file that is to run with this user's rights, if only he and the administrator can have put it
-/// where it is. What is looked at is what is loaded: it is opened once, whatever stands under its name
-/// afterwards.
+/// Loads a file, which then runs with this user's rights. So nobody but this user and the administrator may
+/// have put it where it is. The file is opened once, checked, and loaded from that descriptor: whoever puts
+/// another file under its name meanwhile changes nothing.
 void* loadOwn(const std::string& name, const fs::path& path) {
   const Descriptor folder(::open(path.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   const Descriptor file(
@@ -65,7 +65,7 @@ void* loadOwn(const std::string& name, const fs::path& path) {
                        " or its folder is somebody else's, a link, or others can write it: have both owned "
                        "and written by you alone (chmod go-w)");
   }
-  // The loader takes a library that it has under the same name: none has been loaded under this one.
+  // The loader reuses a library that it loaded under the same name. So each load gets a name of its own.
   static int loads = 0;
   std::string unique = "/proc/self/fd/";
   for (int i = 0; i < loads; ++i) unique += "./";
@@ -73,7 +73,7 @@ void* loadOwn(const std::string& name, const fs::path& path) {
   return load(unique + std::to_string(file.get()));
 }
 
-/// Calls with errno cleared, and keeps what it was set to.
+/// Clears errno, calls, and keeps what errno was set to.
 template <typename... Arguments>
 DynamicLibrary::Result run(DynamicLibrary::Entry entry, Arguments... arguments) {
   const auto function = reinterpret_cast<std::int16_t (*)(Arguments...)>(entry);
@@ -87,7 +87,7 @@ DynamicLibrary::Result run(DynamicLibrary::Entry entry, Arguments... arguments) 
 DynamicLibrary::DynamicLibrary(const std::string& name) {
   std::error_code ignored;
   if (const char* path = std::getenv("VOXA_DRIVER"); path != nullptr && *path != '\0') {
-    // A relative one would be whatever the working folder, perhaps a stranger's, holds under that name.
+    // A relative path would name a file of the working folder, which may be a stranger's.
     if (!fs::path(path).is_absolute()) {
       throw Error(err::fileNotFound,
                   "VOXA_DRIVER names the driver library by its whole path, not " + std::string(path));
@@ -117,7 +117,8 @@ DynamicLibrary::DynamicLibrary(const std::string& name) {
   for (const std::string& fileName : fileNames) {
     handle_ = load(fileName);
     if (handle_ != nullptr) return;
-    // Anything but "<file>: cannot open ..." is about a file that the loader did find.
+    // "<file>: cannot open ..." means that the loader found no such file. Any other message is about a file
+    // that it did find.
     const std::string message = loaderMessage();
     if (!message.starts_with(fileName + ": cannot open")) failLoad(name, message);
   }

@@ -9,7 +9,7 @@
 namespace voxa {
 namespace {
 
-/// Calls by the convention of system libraries, with the last-error value cleared before.
+/// Calls by the convention of system libraries. Clears the last-error value before.
 template <typename... Arguments>
 DynamicLibrary::Result run(DynamicLibrary::Entry entry, Arguments... arguments) {
   const auto function = reinterpret_cast<std::int16_t(__stdcall*)(Arguments...)>(entry);

@@ -8,12 +8,12 @@
 
 namespace voxa {
 
-/// The driver as a library of the operating system, loaded at the first call and kept. A load that failed is
-/// tried again at the next call: the library may have been put in its place meanwhile.
+/// The driver as a library of the operating system. It is loaded at the first call and kept. After a load
+/// that failed the next call tries again: somebody may have put the library in its place meanwhile.
 class LibraryDriver : public Driver {
  public:
-  /// name: without prefix and extension; dynamic_library_posix.cpp and dynamic_library_windows.cpp tell where
-  /// it is looked for.
+  /// name: without prefix and extension. Where the library is looked for is in dynamic_library_posix.cpp and
+  /// dynamic_library_windows.cpp.
   explicit LibraryDriver(std::string name = "TLXP32") : name_(std::move(name)) {}
 
   std::int16_t call(ComCommandsEnum command, std::int16_t stationId, std::int16_t controllerAddr) override;

@@ -20,8 +20,7 @@ std::string_view trimmed(std::string_view text) {
   return text.substr(first, text.find_last_not_of(" \t\r") - first + 1);
 }
 
-/// What a box is answered with when nobody is there: nothing is replaced or deleted that a person has not
-/// said so of.
+/// The answer to a box when nobody is there. Nothing is replaced or deleted without a person's word.
 Answer leastAnswer(const std::vector<Answer>& buttons) {
   for (const Answer least : {Answer::cancel, Answer::no, Answer::abort}) {
     if (has(buttons, least)) return least;
@@ -49,7 +48,7 @@ std::string folderOf(const std::string& path) {
 ConsolePrompts::ConsolePrompts(std::istream& in, std::ostream& out, bool interactive)
     : in_(in), out_(out), interactive_(interactive) {}
 
-/// Writes lines with any kind of line end.
+/// Writes lines, whatever their line ends.
 void ConsolePrompts::show(std::string_view lines) {
   std::string text;
   for (std::size_t i = 0; i < lines.size(); ++i) {
@@ -98,7 +97,7 @@ Answer ConsolePrompts::messageBox(const std::string& prompt, int style, const st
   return least;
 }
 
-/// Whether the dialog may return the path; says why not.
+/// Whether the dialog may return the path. If not, shows why.
 bool ConsolePrompts::accept(const std::string& path, const FileDialog& dialog) {
   const bool fileMustExist = (dialog.flags & FileDialog::fileMustExist) != 0;
   if (files::folderExists(path)) {

@@ -10,30 +10,30 @@
 
 namespace voxa {
 
-/// Boxes and dialogs as lines of text. With a person at a terminal it asks; without one it takes the button
-/// that does least (Cancel, No or Abort, of those that the box has; never Yes), and the file set beforehand,
-/// and says so.
+/// Boxes and dialogs as lines of text. It asks a person at a terminal. Without one it takes the button that
+/// does least (Cancel, No or Abort if the box has it, never Yes) or the file that was set beforehand, and
+/// says so. isTerminal and hasOutput are in terminal_posix.cpp and terminal_windows.cpp.
 class ConsolePrompts : public Prompts {
  public:
-  /// Reads answers from `in`, writes boxes to `out`; both must outlive this object. interactive: whether
-  /// there is a person to answer.
+  /// Reads answers from `in` and writes boxes to `out`; both must outlive this object. interactive: whether a
+  /// person is there to answer.
   ConsolePrompts(std::istream& in, std::ostream& out, bool interactive);
-  /// Whether the process's standard input and error output are a terminal.
+  /// Whether the process's standard input and its error output are a terminal.
   [[nodiscard]] static bool isTerminal();
-  /// Whether that one is: 0 standard input, 1 standard output, 2 error output.
+  /// Whether this descriptor is a terminal: 0 standard input, 1 standard output, 2 error output.
   [[nodiscard]] static bool isTerminal(int descriptor);
-  /// Whether the process's standard output ends anywhere. On Windows a program without a console starts
-  /// others that have none: what they print is not lost, since nobody asked for it.
+  /// Whether somebody gets what the process writes to its standard output. A Windows program without a
+  /// console gives none to the programs that it starts: nobody has asked for their output, so it is not lost.
   [[nodiscard]] static bool hasOutput();
 
-  /// From now on every box that has this button is answered with it, unasked. Of several the first counts.
+  /// From now on this button answers every box that has it, without a question. Of several the first counts.
   void assume(Answer answer) { assumed_.push_back(answer); }
-  /// The file that dialogs choose from now on, unasked; "" to ask again.
+  /// From now on dialogs choose this file without a question; "" to ask again.
   void proposeFile(std::string path) { file_ = std::move(path); }
 
   Answer messageBox(const std::string& prompt, int style, const std::string& title) override;
-  /// On a terminal the person is asked until the choice is allowed; an empty line is the proposed name, the
-  /// end of input chooses none.
+  /// Asks a person at a terminal until the choice is allowed. An empty line chooses the proposed name, the
+  /// end of input chooses nothing.
   std::string chooseFile(const FileDialog& dialog) override;
   void busy(bool) override {}
 

@@ -8,18 +8,18 @@
 
 namespace voxa {
 
-/// Prompts that can hold messages back: a box that only tells something waits then, so that nobody's lunch
-/// break goes by with something locked. A box that asks, and a dialog, are shown at once. Holds may lie
-/// within one another.
+/// Prompts that can hold messages back. A box that only tells something then waits until nothing is locked
+/// any more, since a person may leave it open for long. A box that asks, and a dialog, are shown at once.
+/// Holds can be nested.
 class HeldPrompts : public Prompts {
  public:
-  /// prompts: what shows them; must outlive this object. beforeEach: called before a box is shown, a person
-  /// taking a long time perhaps.
+  /// prompts: shows the boxes; must outlive this object. beforeEach: called before each box, since a person
+  /// may take long to answer it.
   HeldPrompts(Prompts& prompts, std::function<void()> beforeEach)
       : prompts_(prompts), beforeEach_(std::move(beforeEach)) {}
 
   void hold() { ++depth_; }
-  /// Shows what was held back, in its order, when it is the last of the holds that ends.
+  /// Ends a hold. The last one to end shows what was held back, in its order.
   void release();
 
   Answer messageBox(const std::string& prompt, int style, const std::string& title) override;

@@ -24,7 +24,7 @@ inline constexpr int defaultMask = 768;
 /// The button pressed, with the numbers automation clients know.
 enum class Answer { ok = 1, cancel = 2, abort = 3, retry = 4, ignore = 5, yes = 6, no = 7 };
 
-/// One file dialog: what the common dialog control is told before it is shown.
+/// One file dialog: the settings of the common dialog control.
 struct FileDialog {
   std::string title;
   std::string proposedName;  ///< path shown first; may be empty
@@ -43,9 +43,9 @@ struct FileDialog {
 class Prompts {
  public:
   virtual ~Prompts() = default;
-  /// Shows `prompt` (lines separated by CR LF) under `title` with the buttons, icon and default button of
-  /// `style`, waits, and returns the button pressed; when the person closed the box, or there is none, one
-  /// that does nothing: Cancel, No or Abort where the box has it.
+  /// Shows `prompt` (lines separated by CR LF) under `title`, with the buttons, icon and default button of
+  /// `style`. Waits and returns the button that was pressed. When the person closed the box, or nobody is
+  /// there, returns one that does nothing: Cancel, No or Abort if the box has it.
   virtual Answer messageBox(const std::string& prompt, int style, const std::string& title) = 0;
   /// Returns the path chosen, or "" when none was.
   virtual std::string chooseFile(const FileDialog& dialog) = 0;
@@ -53,15 +53,15 @@ class Prompts {
   virtual void busy(bool on) = 0;
 };
 
-/// The buttons of a style, in the order shown; OK alone for a style that has no meaning.
+/// The buttons of a style, in the order shown; only OK for a style that has no meaning.
 [[nodiscard]] std::vector<Answer> buttonsOf(int style);
 /// What is written on a button: "OK", "Cancel" ... "No".
 [[nodiscard]] std::string_view buttonText(Answer answer);
 
-/// The button that Return presses: the first, second or third of the style's buttons.
+/// The button that the Return key presses: the first, second or third of the style's buttons.
 [[nodiscard]] Answer defaultAnswer(int style);
 
-/// Shows the busy pointer for its own lifetime.
+/// Shows the busy pointer for the lifetime of this object.
 class BusyPointer {
  public:
   explicit BusyPointer(Prompts& prompts) : prompts_(prompts) { prompts_.busy(true); }

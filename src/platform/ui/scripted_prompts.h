@@ -8,7 +8,8 @@
 
 namespace voxa {
 
-/// Answers without a person, for tests and unattended use: keeps what was shown, gives what was queued.
+/// Answers without a person, for tests and unattended use. It keeps what was shown and gives the answers that
+/// were queued.
 class ScriptedPrompts : public Prompts {
  public:
   struct Box {
@@ -23,7 +24,8 @@ class ScriptedPrompts : public Prompts {
   std::deque<std::string> choices;  ///< for the next dialogs; when empty none is chosen
   int busyDepth = 0;                ///< busy pointers shown and not yet ended
 
-  /// Raises `err::internalError` when the queued answer is no button of the box: the script is out of step.
+  /// Raises `err::internalError` when the box has no button for the queued answer: then the script does not
+  /// fit.
   Answer messageBox(const std::string& prompt, int style, const std::string& title) override;
   std::string chooseFile(const FileDialog& dialog) override;
   void busy(bool on) override { busyDepth += on ? 1 : -1; }

@@ -23,15 +23,15 @@ std::wstring wide(const std::string& text) {
 class DesktopPrompts final : public Prompts {
  public:
   Answer messageBox(const std::string& prompt, int style, const std::string& title) override {
-    // The style is made of the same bits as the system's own.
+    // `style` has the same bits as the system's own styles.
     const int pressed = ::MessageBoxW(::GetActiveWindow(), wide(prompt).c_str(), wide(title).c_str(),
                                       static_cast<UINT>(style) | MB_TASKMODAL);
     return pressed == 0 ? defaultAnswer(style) : static_cast<Answer>(pressed);
   }
 
   std::string chooseFile(const FileDialog& dialog) override {
-    // "description|pattern" pairs; the dialog wants them ended by a character 0 each, and one more at the
-    // end.
+    // The filter is "description|pattern". The dialog wants a character 0 behind each of the two, and one
+    // more at the end.
     std::wstring filter = wide(dialog.filter) + L"||";
     std::replace(filter.begin(), filter.end(), L'|', L'\0');
     const std::wstring title = wide(dialog.title);
@@ -45,7 +45,7 @@ class DesktopPrompts final : public Prompts {
     request.lpstrFile = file.data();
     request.nMaxFile = static_cast<DWORD>(file.size());
     request.lpstrTitle = title.empty() ? nullptr : title.c_str();
-    // The journal is found in the current folder, which a dialog must not change.
+    // The dialog must not change the current folder: the journal is found there.
     request.Flags = static_cast<DWORD>(dialog.flags) | OFN_NOCHANGEDIR | OFN_EXPLORER | OFN_HIDEREADONLY;
     const BOOL chosen = dialog.save ? ::GetSaveFileNameW(&request) : ::GetOpenFileNameW(&request);
     if (chosen == FALSE) return {};
@@ -67,7 +67,7 @@ class DesktopPrompts final : public Prompts {
   int depth_ = 0;
 };
 
-/// Whether the process runs where a person can see its windows: a service does not.
+/// Whether the process runs where a person can see its windows. A service does not.
 bool hasDesktop() {
   USEROBJECTFLAGS flags{};
   const BOOL known =

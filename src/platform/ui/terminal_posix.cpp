@@ -13,7 +13,7 @@ bool ConsolePrompts::isTerminal(int descriptor) {
 }
 
 bool ConsolePrompts::hasOutput() {
-  return true;  // a shell that closes it has asked for the output, and loses it
+  return true;  // somebody wants the output even where the shell has closed it
 }
 
 }  // namespace voxa

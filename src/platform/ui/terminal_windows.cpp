@@ -14,7 +14,7 @@ bool ConsolePrompts::isTerminal(int descriptor) {
 }
 
 bool ConsolePrompts::hasOutput() {
-  // A console that has gone, or was never made, still counts as a character device, but has no mode.
+  // A console that is gone, or was never there, still counts as a character device, but has no mode.
   const HANDLE output = ::GetStdHandle(STD_OUTPUT_HANDLE);
   const DWORD type = ::GetFileType(output);
   DWORD mode = 0;

@@ -14,7 +14,7 @@
 
 namespace voxa {
 
-/// A clock that stands.
+/// A clock that stands still.
 class StoppedClock : public Clock {
  public:
   [[nodiscard]] DateTime now() const override { return moment; }
@@ -33,12 +33,13 @@ class BenchDatabase : public dialect::Schema {
   void add(std::string_view definition);
 
   using Parameters = std::vector<std::pair<std::string, Value>>;
-  /// Scans, translates and runs a statement. Rows come as "a|b;c|d" (Null as "-"), other statements give the
-  /// number of rows touched. Failures are those of the dialect, of a function, or 1 with SQLite's message.
+  /// Scans, translates and runs a statement. Rows come as "a|b;c|d" (Null as "-"); other statements give the
+  /// number of rows that they changed. Failures are those of the dialect or of a function, or 1 with SQLite's
+  /// message.
   std::string run(std::string_view sql, const Parameters& parameters = {});
-  /// The same; a failure gives its number as "!3075".
+  /// The same, but a failure gives its number as "!3075".
   std::string attempt(std::string_view sql, const Parameters& parameters = {});
-  /// Names of the result's columns, and "/" with the table that is editable.
+  /// The names of the result's columns, then "/" and the table that can be edited.
   std::string columns(std::string_view sql) const;
 
  private:

@@ -1,5 +1,6 @@
-// Random tables and statements whose answers plain code gives as well. Another seed, or a longer run:
-// VOXA_SEED=7 VOXA_ROUNDS=100000 test_dialect --gtest_filter='Differential.*'
+// Runs statements over random tables and compares the answers with those of plain code. For another seed or a
+// longer run:
+// VOXA_SEED=7 VOXA_ROUNDS=100000 test_language --gtest_filter='Differential.*'
 
 #include <gtest/gtest.h>
 
@@ -43,7 +44,7 @@ class Differential : public testing::Test {
     return rows;
   }
 
-  /// Cells end with a bar, rows with a semicolon.
+  /// Each cell ends with a bar, each row with a semicolon.
   std::string answer(const std::string& sql) {
     std::string all;
     for (const auto rows = db_->openRecordset(sql); !rows->eof(); rows->moveNext(), all += ';') {
@@ -66,7 +67,7 @@ class Differential : public testing::Test {
       if (where.holds({&row}).value_or(false)) found.push_back(&row);
     }
     std::string orderBy;
-    for (std::size_t n = random_.below(3); n > 0; --n) {  // the last key first
+    for (std::size_t n = random_.below(3); n > 0; --n) {  // the last key comes first
       const std::size_t column = random_.below(columnCount);
       const bool down = random_.oneIn(2);
       orderBy = columns[column].name + std::string(down ? " desc, " : ", ") + orderBy;
@@ -141,7 +142,7 @@ TEST_F(Differential, AnswersAreThoseOfPlainCode) {
   createTable("A");
   createTable("B");
   for (std::uint64_t round = setting("VOXA_ROUNDS", 100); round > 0 && !HasFailure(); --round) {
-    const Transaction transaction(*engine_);  // goes back: nothing needs the disk
+    const Transaction transaction(*engine_);  // is rolled back, so nothing is written to the disk
     a_ = fill("A");
     b_ = fill("B");
     for (int i = 0; i < 10; ++i) selects();

@@ -135,7 +135,7 @@ TEST_F(Language, JoinsGroupsAndOrders) {
       {"select Id from T as a where exists (select * from T where T.Name = a.Name and T.Id <> a.Id)", "2;3"},
       {"select Name from T where Small = (select max(Small) from T)", "Éric"},
       {"select Id, (select top 1 Kind from U where U.Tid = T.Id order by 1 desc) from T where Id = 1", "1|B"},
-      // A query within another is ordered and grouped by its own fields.
+      // A query within another is ordered and grouped only by its own fields.
       {"select Id from T where 1 = (select Id from U order by Name)", "!3061"},
       {"select Id from T where 1 = (select T.Id + U.Id from U order by 1)", "!3061"},
       {"select Id from T where exists (select count(*) from U group by T.Name)", "!3061"},
@@ -207,7 +207,7 @@ TEST_F(Language, RefusesWhatItCannotRead) {
       {"select first(Name) from T", "!3085"},
       {"select count(*) from T", "3"},
   });
-  // Depth is bounded, by SQLite or before, length is not.
+  // Depth is limited, by SQLite or before it. Length is not.
   const auto repeated = [](const char* text, int times) {
     std::string out;
     while (times-- > 0) out += text;
@@ -262,7 +262,8 @@ TEST_F(Language, KeysAStatementByItsShape) {
 
 TEST_F(Language, KeysAStatementAlikeWhateverWasReadBefore) {
   dialect::Scanned reused;
-  // Each begins as the one before it does up to one of that one's literals, and goes on with another token.
+  // Each statement begins as the one before it, up to one of its literals. Then it goes on with another
+  // token.
   std::istringstream statements(
       "a<1|a<=1|t1'x'|t12|a.'x'|a.5|a='x|a='x' and b = 1|select a from t order by 'x'|"
       "select a from t order by 1, 2|select a from t order by f(1), 2|select a from t order by f(|top 'x'|"

@@ -10,17 +10,17 @@
 
 #include "platform/value.h"
 
-/// Random conditions on the rows of tables, with what they mean as plain code.
+/// Makes random conditions on the rows of tables, and computes in plain code what they mean.
 namespace voxa::differential {
 
-/// A field's value: what is no text is a number, True being -1 and a date its days.
+/// A field's value. All but texts are numbers: True is -1, a date its number of days.
 struct Cell {
   bool null = true;
   double number = 0;
   std::string text = {};
 };
 using Row = std::vector<Cell>;
-using Rows = std::vector<const Row*>;  // one of each table of the statement
+using Rows = std::vector<const Row*>;  // one row of each table of the statement
 using Truth = std::optional<bool>;     // none: unknown
 
 struct Column {
@@ -32,7 +32,7 @@ inline constexpr Column columns[] = {
     {"S", DataType::Text},  {"F", DataType::Boolean}, {"W", DataType::Date}};
 inline constexpr std::size_t columnCount = std::size(columns);
 
-/// Small letters, and each letter outside ASCII (an e with an accent) as the given text.
+/// Text with small letters. accented replaces each letter outside ASCII (an e with an accent).
 inline std::string lower(const std::string& s, const char* accented) {
   std::string out;
   for (std::size_t i = 0; i < s.size(); i += s[i] == '\xC3' ? 2 : 1) {
@@ -45,7 +45,7 @@ inline std::string lower(const std::string& s, const char* accented) {
   return out;
 }
 
-/// Negative, 0 or positive; Null before everything, accents after letters.
+/// Compares: negative, 0 or positive. Null comes before everything; accents count after letters.
 inline int order(const Cell& a, const Cell& b, bool texts) {
   if (a.null || b.null) return static_cast<int>(b.null) - static_cast<int>(a.null);
   if (!texts) return a.number < b.number ? -1 : a.number > b.number ? 1 : 0;
@@ -70,7 +70,7 @@ inline Truth either(Truth a, Truth b) {
   return opposite(both(opposite(a), opposite(b)));
 }
 
-/// A piece of a pattern of Like, and the characters of which it takes one, or many.
+/// A piece of a Like pattern, and the characters that it stands for: one of them, or any number.
 struct Piece {
   const char* sql;
   char low, high;
@@ -137,7 +137,7 @@ class Random {
     return {false, type == DataType::Double && oneIn(2) ? number + 0.5 : number};
   }
 
-  /// asText: what is no text between quotes.
+  /// asText: a value that is no text is put between quotes.
   static std::string literal(const Cell& cell, DataType type, bool asText = false) {
     const std::string quote = asText ? "'" : "";
     if (cell.null) return "Null";
@@ -194,7 +194,7 @@ class Random {
     const Operand a = comparand(left.type);
     if (form == 3 || form == 4) {
       Operand b = comparand(left.type);
-      if (left.isText() && a.isText() != b.isText()) b = a;  // beside a number each text has to be one
+      if (left.isText() && a.isText() != b.isText()) b = a;  // beside a number every text must be one
       const bool texts = left.isText() && a.isText();
       const auto with = [=](const char* op, const Operand& o, const Rows& r) {
         return compare(op, left, o, r, texts);
@@ -213,10 +213,10 @@ class Random {
             [=](const Rows& r) { return compare(op, first, second, r, first.isText() && second.isText()); }};
   }
 
-  std::size_t tables = 1;  ///< that a condition is about
+  std::size_t tables = 1;  ///< how many tables a condition uses
 
  private:
-  /// A field of one of the tables, whose names are A and B.
+  /// A field of one of the tables. The tables are named A and B.
   Operand field() {
     const std::size_t table = below(tables);
     const std::size_t column = below(columnCount);
@@ -224,7 +224,8 @@ class Random {
     return {qualifier + columns[column].name, columns[column].type,
             [=](const Rows& rows) { return (*rows[table])[column]; }};
   }
-  /// Something that a field of that type can be compared with. A text is compared with texts and numbers.
+  /// Something that a field of that type can be compared with. A text is compared with texts and with
+  /// numbers.
   Operand comparand(DataType type) {
     const auto special = [](DataType t) { return t == DataType::Boolean || t == DataType::Date; };
     while (oneIn(3)) {
@@ -232,7 +233,7 @@ class Random {
       const bool text = type == DataType::Text || other.isText();
       if (type == other.type || !text || (!special(type) && !special(other.type))) return other;
     }
-    const bool turned = oneIn(3) && type != DataType::Boolean;  // a number where a text is, or the reverse
+    const bool turned = oneIn(3) && type != DataType::Boolean;  // a number for a text field, or the reverse
     const DataType own = turned && type == DataType::Text ? DataType::Double : type;
     Cell cell = randomCell(own);
     return {literal(cell, own, turned && own == type), cell.null ? type : own,

@@ -10,7 +10,8 @@ struct Case {
   const char* result;
 };
 
-/// The tables of the system with a small installation in them: the statements that its classes send.
+/// The tables of the system with a small installation in them. The statements are those that the system's
+/// classes send.
 class SystemStatements : public testing::Test {
  protected:
   SystemStatements() {

@@ -71,7 +71,8 @@ TEST_F(Changes, StatementsThatDifferInLiteralsAreOne) {
   for (int i = 1; i < 30; ++i) run(i);
   EXPECT_EQ(preparedStatements(*db), before);
   EXPECT_EQ(valueOf("select Note from Readers where Position = 29"), Value("n29"));
-  // What GROUP BY lists is told by its literals, too, whichever statement of the text came first.
+  // The literals decide, too, whether an expression is one that GROUP BY lists, whichever statement came
+  // first.
   const auto grouping = [&](const char* shown, const char* others) {
     return failure([&] {
       (void)db->openRecordset("select Left(Name, " + std::string(shown) +
@@ -83,7 +84,7 @@ TEST_F(Changes, StatementsThatDifferInLiteralsAreOne) {
     EXPECT_EQ(grouping("2", "2"), 0);
     EXPECT_EQ(grouping("2", "3"), err::dbNotAggregated);
   }
-  // More texts than are kept: the oldest go, and come back when asked for.
+  // More texts than are kept. The oldest go, and are prepared again when they are needed.
   for (int i = 0; i < 300; ++i)
     (void)db->openRecordset("select Id as x" + std::to_string(i) + " from Readers");
   run(31);
@@ -96,7 +97,7 @@ TEST_F(Changes, CommandsRunWithOtherValuesEachTime) {
       "insert into Stations (Id, Name, Since, Active) values (pId, pName, pSince, 'True')");
   const Value since = DateTime{40000.5};
   EXPECT_EQ(add->execute({"East's", since, 3}), 1);
-  EXPECT_EQ(add->execute({"West", "01/02/2020", "4"}), 1);  // converted as literals are
+  EXPECT_EQ(add->execute({"West", "01/02/2020", "4"}), 1);  // converted in the same way as literals
   EXPECT_EQ(valueOf("select Since from Stations where Name = 'East''s' and Active"), since);
   EXPECT_EQ(valueOf("select Id from Stations where Since = #2/1/2020#"), Value(std::int16_t{4}));
 
@@ -106,7 +107,7 @@ TEST_F(Changes, CommandsRunWithOtherValuesEachTime) {
   EXPECT_EQ(failure([&] { return db->prepare("select * from Stations"); }), err::dbSelectExecuted);
   EXPECT_EQ(countOf("Stations"), 4);
 
-  db->addField("Stations", {"Phone", DataType::Text, 5, "none"});  // another schema than it was made for
+  db->addField("Stations", {"Phone", DataType::Text, 5, "none"});  // it was made for another schema
   EXPECT_EQ(add->execute({"Fifth", since, 5}), 1);
   EXPECT_EQ(valueOf("select Phone from Stations where Id = 5"), Value("none"));
   engine->begin();
@@ -127,7 +128,7 @@ TEST_F(Changes, NumberedFieldsCountOnFromAGivenValue) {
   EXPECT_EQ(valueOf("select Id from Readers where Name = 'd'"), Value(41));
 }
 
-// Everything that reads a year of two digits, in 2031 and 2079.
+// Everything that reads a year of two digits is tested in 2031 and 2079.
 TEST_F(Changes, CenturiesAreThoseOfTheEnginesClock) {
   for (const auto& [year, text, read] :
        {std::tuple(2031, "1/2/35", "01/02/2035"), {2079, "1/2/20", "01/02/2120"}}) {

@@ -94,7 +94,7 @@ TEST_F(DatabaseFiles, RightsDecideWhatCanBeDone) {
   allowAll(false);
   EXPECT_EQ(run(write), err::dbNotUpdatable);
   EXPECT_EQ(run(edit), err::dbNotUpdatable);
-  allowAll(true);  // but no journal can be made beside it
+  allowAll(true);  // but a journal cannot be made beside it
   EXPECT_EQ(run(write), err::dbCannotOpen);
   ASSERT_EQ(::chmod(file.c_str(), 0600), 0);
   EXPECT_EQ(run(write), err::dbCannotOpen);

@@ -17,8 +17,8 @@ namespace voxa {
 
 class DatabaseTest : public testing::Test {
  protected:
-  /// The number of the error that an action on the opened file raises in a process of its own, if need be
-  /// without the administrator's rights; 0 for none.
+  /// The number of the error that an action on the opened file raises; 0 for none. It runs in a process of
+  /// its own. dropRights: without the administrator's rights.
   template <typename Action>
   int inOtherProcess(Action action, bool dropRights = false) {
     int result[2];
@@ -40,7 +40,7 @@ class DatabaseTest : public testing::Test {
     return number;
   }
 
-  /// The error's number, which the engine's collection must tell as well.
+  /// The number of the error that an action raises. The engine's collection must have the same one.
   template <typename Action>
   int failure(Action action) {
     lastDescription.clear();
@@ -63,7 +63,7 @@ class DatabaseTest : public testing::Test {
     return failure([&] { db->execute(sql); });
   }
 
-  /// The first value that a query gives; Null without rows.
+  /// The first value that a query gives; Null when there is no row.
   Value valueOf(const std::string& sql) {
     const auto rows = db->openRecordset(sql);
     return rows->eof() ? Value() : rows->get(0);
@@ -71,7 +71,8 @@ class DatabaseTest : public testing::Test {
 
   std::int32_t countOf(const std::string& from) { return valueOf("select count(*) from " + from).toInt32(); }
 
-  /// Stations (Id, Name, Active, Since) and Readers (Id, StationId, Position, Name, Note) with two stations.
+  /// Makes Stations (Id, Name, Active, Since) and Readers (Id, StationId, Position, Name, Note), with two
+  /// stations.
   void createTables() {
     db->createTable({"Stations",
                      {{"Id", DataType::Integer},

@@ -114,7 +114,7 @@ TEST_F(Rows, DeletedRowsAreSkippedOnceLeft) {
   EXPECT_EQ(rows->get("Id"), Value(3));
   rows->movePrevious();
   EXPECT_EQ(rows->get("Id"), Value(1));
-  // Deleted by a statement meanwhile: found out when the row is visited.
+  // A statement deletes the row meanwhile. A visit to the row finds that out.
   db->execute("delete * from Readers where Id = 3");
   rows->moveNext();
   EXPECT_EQ(failure([&] { (void)rows->get("Id"); }), err::dbRecordDeleted);
@@ -122,7 +122,7 @@ TEST_F(Rows, DeletedRowsAreSkippedOnceLeft) {
   rows->moveLast();
   EXPECT_EQ(rows->get("Id"), Value(4));
   for (rows->moveFirst(); !rows->eof(); rows->moveNext()) {
-    (void)errorOf([&] { rows->remove(); });  // one is gone already
+    (void)errorOf([&] { rows->remove(); });  // one was deleted before
   }
   EXPECT_EQ(countOf("Readers"), 0);
 }
@@ -147,7 +147,7 @@ TEST_F(Rows, ManyAreFetchedAsTheyAreVisited) {
   addReaders(1000);
   const auto rows = db->openRecordset("select * from Readers order by Id desc");
   ASSERT_EQ(rows->recordCount(), 1000U);
-  // A row that another user deletes behind the first ones, and one that he changes.
+  // Behind the first rows another user deletes a row and changes another one.
   EXPECT_EQ(inOtherProcess([](Database& other) {
               other.execute("delete from Readers where Id = 300");
               other.execute("update Readers set [Note] = 'new' where Id = 200");
@@ -170,7 +170,7 @@ TEST_F(Rows, ManyAreFetchedAsTheyAreVisited) {
   for (rows->moveLast(); ++expected < 300; rows->movePrevious()) {
     ASSERT_EQ(rows->get("Name"), Value("r" + std::to_string(expected)));
   }
-  // Not of one table's fields: read whole at once.
+  // The fields are not those of one table, so the result is read whole at once.
   const auto joined = db->openRecordset(
       "select Readers.Id, Stations.Name from Readers, Stations where Stations.Id = Readers.StationId order "
       "by Readers.Id");

@@ -87,7 +87,7 @@ TEST_F(Relations, ThoseThatFollowEachOtherInATransactionAllHold) {
   EXPECT_EQ(executeFailure("insert into Links (Site) values (9)"), err::dbRelatedMissing);
   engine->commit();
 
-  // A transaction of relations alone: its commit is what makes SQLite, and another user, read them.
+  // A transaction that only makes relations. Its commit is what makes SQLite, and another user, read them.
   const auto secondEngine = makeSqliteEngine(clock);
   const auto other = secondEngine->open(file);
   EXPECT_EQ(other->relations(), made);

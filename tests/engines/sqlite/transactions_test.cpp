@@ -14,7 +14,7 @@ class Transactions : public DatabaseTest {
  protected:
   void SetUp() override { createTables(); }
 
-  /// What a statement of SQLite's own answers on a connection that is none of the engine's.
+  /// The answer to an SQLite statement on a connection that is not the engine's.
   std::string plain(const char* sql) {
     if (raw == nullptr) {
       EXPECT_EQ(sqlite3_open(file.c_str(), &raw), SQLITE_OK);
@@ -45,7 +45,7 @@ TEST_F(Transactions, SpanAllDatabases) {
   EXPECT_EQ(failure([&] { engine->begin(); }), err::dbInvalidArgument);
   insert(*journal);
   db->execute("delete from Stations");
-  const auto late = engine->create(folder / "late.mdb");  // joins
+  const auto late = engine->create(folder / "late.mdb");  // it joins the transaction
   late->createTable({"Journal", {{"Id", DataType::Long}}, {}});
   engine->rollback();
   EXPECT_EQ(count(*journal), 0U);
@@ -56,7 +56,7 @@ TEST_F(Transactions, SpanAllDatabases) {
 
   {
     Transaction outer(*engine);
-    Transaction(*engine).commit();  // joins: decides nothing
+    Transaction(*engine).commit();  // it joins, so it decides nothing
     insert(*journal);
   }
   EXPECT_EQ(count(*journal), 0U);
@@ -73,7 +73,7 @@ TEST_F(Transactions, ThatCannotBeCommittedAreRolledBackInAllDatabases) {
   engine->begin();
   db->execute("delete from Stations");
   journal->execute("insert into Journal (Id) values (1)");
-  EXPECT_EQ(plain("begin; select count(*) from Stations"), "2");  // a reader, who keeps his lock
+  EXPECT_EQ(plain("begin; select count(*) from Stations"), "2");  // this reader keeps its lock
   EXPECT_EQ(failure([&] { engine->commit(); }), err::dbLocked);
   EXPECT_FALSE(engine->inTransaction());
   plain("commit");
@@ -86,7 +86,7 @@ TEST_F(Transactions, ThatTheEngineLosesAreOverForAll) {
   journal->createTable({"Journal", {{"Id", DataType::Long}}, {}});
   engine->begin();
   journal->execute("insert into Journal (Id) values (1)");
-  // What a full disk does to a transaction.
+  // This is what a full disk does to a transaction.
   int number = 0;
   const std::string big(20'000, 'x');
   {
@@ -132,7 +132,7 @@ TEST_F(Transactions, LocksOfOthersAreWaitedForAndThenTold) {
   ::waitpid(child, nullptr, 0);
 }
 
-// Another program changes the file while a transaction here has read it and is going to change it.
+// Another program changes the file between a read and a change in a transaction here.
 TEST_F(Transactions, ThatReadBeforeTheyWriteWaitForOthers) {
   for (const bool named : {false, true}) {
     db->execute("update Stations set Active = False");
@@ -229,7 +229,7 @@ TEST_F(Transactions, ReadingTogetherIsOfOneMomentAndEndsWithTheFirstChange) {
   }
   EXPECT_EQ(countOf("Readers"), 1);
   EXPECT_EQ(db->tableNames().size(), 3U);
-  engine->begin();  // within a transaction it is the transaction that decides
+  engine->begin();  // within a transaction only the transaction decides
   { const Reading reading(*db); }
   db->execute("delete from Readers");
   engine->rollback();

@@ -1,7 +1,7 @@
 #include <cerrno>
 #include <cstdint>
 
-// A driver with two of the nine operations, whose results tell the arguments apart.
+// A driver with two of the nine operations. Their results show which arguments they got.
 
 extern "C" {
 
