@@ -1,16 +1,14 @@
 // voxa db: copies of the main database.
 
 #include <CLI/CLI.hpp>
-#include <filesystem>
 #include <iostream>
 
-#include "app/installation_files.h"
 #include "app/qdb.h"
-#include "comm/modem_file.h"
 #include "commands.h"
 #include "may_write.h"
 #include "platform/files.h"
 #include "session.h"
+#include "work/copies.h"
 #include "work/refusal.h"
 
 namespace voxa::cli {
@@ -37,40 +35,16 @@ void save(Session& session, const FileOptions& options) {
   std::cout << "Saved as " << options.file << '\n';
 }
 
-/// The driver opens the modem files that the rows name: of a database from elsewhere a person has to have
-/// seen them.
-void requireModemsHere(Session& session, const std::string& file) {
-  if (session.settings.yes || !files::isPlain(file)) return;
-  std::string names;
-  try {
-    const auto backup = session.library().engine().open(file);
-    names = eachOnALine(stationsWithModemElsewhere(*backup));
-    backup->close();
-  } catch (const Error&) {
-    return;  // no database that could be restored, which the restore tells
-  }
-  if (names.empty()) return;
-  throw Refusal("these stations of " + file +
-                " have a modem file outside the installation; --yes takes it so:" + names);
-}
-
 void restore(Session& session, const FileOptions& options) {
   session.openForSending();
   CallerPrompts& prompts = session.prompts();
-  // A link that the person names is followed, since only files themselves are opened as databases.
-  std::error_code noSuchFile;
-  const std::string given = session.callersFile(options.file);
-  const std::filesystem::path found = std::filesystem::canonical(given, noSuchFile);
-  const std::string file = noSuchFile ? given : found.string();
-  if (isFileOfInstallation(session.folder(), file)) {
-    throw Refusal(options.file + " belongs to the installation: name a saved database");
-  }
   const bool asks = ConsolePrompts::isTerminal();
   if (!asks && !session.settings.answersYes()) {
     throw Refusal(
         "a restore replaces the database with all its cards: without a terminal to ask on it needs --yes");
   }
-  requireModemsHere(session, file);
+  const std::string file =
+      copyToRestore(session.library(), session.callersFile(options.file), session.settings.yes);
   // The first question is whether to save the present database. Only a person can name a file for it now.
   if (!options.saveFirst.empty()) {
     prompts.prepare(Answer::yes);

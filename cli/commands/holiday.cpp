@@ -3,19 +3,12 @@
 #include <CLI/CLI.hpp>
 #include <iostream>
 
-#include "app/qdb.h"
+#include "comm/com.h"
 #include "commands.h"
-#include "component.h"
-#include "download.h"
-#include "lines/controller_date.h"
 #include "output/table_output.h"
-#include "platform/datetime.h"
-#include "programs/holidays.h"
 #include "session.h"
-#include "work/look_up.h"
+#include "work/holidays.h"
 #include "work/refusal.h"
-#include "work/store_row.h"
-#include "work/words.h"
 
 namespace voxa::cli {
 
@@ -26,72 +19,33 @@ struct HolidayOptions {
   bool eachYear = false;
 };
 
-DateTime holidayDate(const std::string& text, bool eachYear, const Clock& clock) {
-  const auto date = parseDateTime(text, &clock);
-  if (!date || text.find(':') != std::string::npos) {
-    throw Refusal("'" + text + "' is no date: write day, month and year as 25/12/2026");
-  }
-  // The controllers know a year by its last two digits, and 00 means every year to them.
-  const int year = toCivil(*date).year;
-  if (eachYear || (year % 100 != 0 && controllersRead(*date, clock.now()))) return *date;
-  throw Refusal("the controllers cannot tell the year " + std::to_string(year) + " from another");
-}
-
-// Every controller gets every holiday; only the newer VRMD1 has more than 20 slots.
-bool allAreVrmd1(Session& session) {
-  const auto readers = session.rows("select ControllerType from Readers");
-  if (readers->eof()) return false;
-  while (!readers->eof() && readers->get("ControllerType") == Value("VRMD1")) readers->moveNext();
-  return readers->eof();
-}
-
 void addHoliday(Session& session, const HolidayOptions& options) {
   session.open();
-  bool sixtySlots = allAreVrmd1(session);
-  const std::int16_t slot = session.qdb().Holidays().getFreeId(sixtySlots);
-  if (slot == -1) {
-    throw Refusal(std::string("the controllers hold all the holidays they can (") +
-                  (sixtySlots ? "60)" : "20)"));
-  }
-  const auto rows = session.rows("select * from Holidays");
-  rows->addNew();
-  rows->set("Id", slot);
-  rows->set("Name", checkedName(options.name));
-  rows->set("Date", holidayDate(options.date, options.eachYear, session.clock()));
-  rows->set("EachYear", options.eachYear);
-  rows->set("HolidayFlagD", true);
-  storeRow(session.library(), *rows, "Holidays", "holiday");
+  const std::int16_t slot = voxa::addHoliday(session.library(), options.name, options.date, options.eachYear);
   std::cout << "Holiday " << slot << ": " << options.name << '\n';
 }
 
 void deleteHoliday(Session& session, const std::string& numberOrName) {
   session.openForSending();
-  const auto row = session.rows("select * from Holidays");
-  moveToNumberOrName(*row, "Id", numberOrName, "msgCantFindHolidays");
-  const std::string name = row->get("Name").toText();
-  const bool sent = session.qdb().Holidays().delete_(row->get("Id").toInt16()) == 0 &&
-                    session.prompts().failuresShown() == 0;
-  const std::vector<std::string> silent = silentControllers(session, {});
-  if (sent && silent.empty()) {
-    row->remove();
-    std::cout << "Deleted: " << name << '\n';
-    return;
+  const HolidayRow holiday = findHoliday(session.library(), numberOrName);
+  if (!session.com().readyToSend(CTActiveStations, "", nullptr)) {
+    throw Refusal("aborted: " + holiday.name + " stays as it is");
   }
-  // Some controllers may have emptied the slot: until it is deleted everywhere, they lack the holiday.
-  row->edit();
-  row->set("HolidayFlagD", true);
-  row->update();
-  throw Refusal(name + " stays, marked to be sent: delete it again when every controller answers" +
-                eachOnALine(silent));
+  const Report report = voxa::deleteHoliday(session.library(), holiday.slot);
+  const Report::Row& row = report.rows.front();
+  if (row.message) session.library().report(*row.message);
+  if (row.outcome != Outcome::done) {
+    throw Refusal(holiday.name + " stays, marked to be sent: delete it again when every controller answers" +
+                  eachOnALine(report.controllersWith(Outcome::silent)));
+  }
+  std::cout << "Deleted: " << holiday.name << '\n';
 }
 
 void listHolidays(Session& session, bool json) {
   session.open();
   TableOutput table({"Id", "Name", "Date", "EachYear", "ToSend"});
-  const auto rows = session.rows("select * from Holidays order by Id");
-  for (; !rows->eof(); rows->moveNext()) {
-    table.add({rows->get("Id"), rows->get("Name"), rows->get("Date"), rows->get("EachYear"),
-               rows->get("HolidayFlagD")});
+  for (const HolidayRow& holiday : voxa::listHolidays(session.library())) {
+    table.add({holiday.slot, holiday.name, holiday.date, holiday.eachYear, holiday.toSend});
   }
   table.print(std::cout, json);
 }

@@ -1,16 +1,14 @@
 #include "may_write.h"
 
-#include "app/installation_files.h"
 #include "platform/files.h"
 #include "session.h"
+#include "work/copies.h"
 #include "work/refusal.h"
 
 namespace voxa::cli {
 
 void requireMayWrite(Session& session, const std::string& path, bool force) {
-  if (isFileOfInstallation(session.folder(), path)) {
-    throw Refusal(path + " belongs to the installation: name another file");
-  }
+  requireForeignFile(session.library(), path);
   if (force || !files::exists(path)) return;
   const Answer answer =
       session.prompts().messageBox("The file " + path + " already exists. Replace it?",

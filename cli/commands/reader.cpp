@@ -1,57 +1,22 @@
 // voxa reader: the doors.
 
-#include "comm/reader.h"
-
 #include <CLI/CLI.hpp>
 #include <iostream>
 
-#include "app/qdb.h"
-#include "comm/station.h"
 #include "commands.h"
-#include "component.h"
 #include "output/table_output.h"
 #include "session.h"
-#include "work/links.h"
-#include "work/look_up.h"
-#include "work/refusal.h"
-#include "work/store_row.h"
-#include "work/words.h"
+#include "work/readers.h"
 
 namespace voxa::cli {
 
 namespace {
 
-struct ReaderOptions {
-  std::string name, station, address, position;
-  std::string type = "QSX3";
-};
-
-void addReader(Session& session, const ReaderOptions& options) {
+void addReader(Session& session, const ReaderTexts& texts) {
   session.openForSending();
-  const auto station = stationNamed(session.library(), options.station);
-  const std::int16_t stationId = station->get("Id").toInt16();
-  const std::int16_t address = numberWithin("the controller's address", options.address, 1, 16);
-  const std::int16_t position = numberWithin("the position", options.position, 1, 4);
-  const std::int16_t id = session.qdb().Readers().getFreeId();
-  if (id == -1) throw Refusal("the installation holds all the readers it can (998)");
-  const bool newController = !isKnownController(session.library(), stationId, address, id);
-  Transaction transaction(session.library().engine(), session.qdb().database());
-  const auto rows = session.rows("select * from Readers");
-  rows->addNew();
-  rows->set("Id", id);
-  rows->set("Name", checkedPlaceName(options.name));
-  rows->set("StationId", stationId);
-  rows->set("ControllerType", options.type);
-  rows->set("ControllerAddress", address);
-  rows->set("Position", position);
-  storeRow(session.library(), *rows, "Readers", "reader");
-  if (newController) markProgramsForNewController(session.library());
-  transaction.commit();
-  // The driver learns from the station's file which controllers are on the line.
-  session.qdb().Stations().createIniFile(stationId);
-  linkNewReader(session.library(), id);
-  std::cout << "Reader " << id << ": " << options.name << '\n';
-  if (newController) {
+  const AddedReader added = voxa::addReader(session.library(), texts);
+  std::cout << "Reader " << added.id << ": " << texts.name << '\n';
+  if (added.newController) {
     std::cout << "Its controller is new: 'voxa download all' sends it the programs and holidays\n";
   }
 }
@@ -59,14 +24,8 @@ void addReader(Session& session, const ReaderOptions& options) {
 void listReaders(Session& session, bool json) {
   session.open();
   TableOutput table({"Id", "Name", "Station", "Address", "Position", "Type"});
-  const auto rows = session.rows(
-      "select Readers.Id, Readers.Name, Stations.Name as Station, ControllerAddress, Position, "
-      "ControllerType from Readers inner join Stations on Readers.StationId = Stations.Id "
-      "order by Readers.Id");
-  for (; !rows->eof(); rows->moveNext()) {
-    std::vector<Value> cells;
-    for (std::size_t i = 0; i < rows->fieldCount(); ++i) cells.push_back(rows->get(i));
-    table.add(std::move(cells));
+  for (const ReaderRow& reader : voxa::listReaders(session.library())) {
+    table.add({reader.id, reader.name, reader.station, reader.address, reader.position, reader.type});
   }
   table.print(std::cout, json);
 }
@@ -77,7 +36,7 @@ void addReaderCommands(CLI::App& app, Session& session) {
   auto* group = app.add_subcommand("reader", "Doors")->require_subcommand(1);
 
   auto* add = group->add_subcommand("add", "Add a reader, which the default access group opens always");
-  auto options = std::make_shared<ReaderOptions>();
+  auto options = std::make_shared<ReaderTexts>();
   add->add_option("NAME", options->name, "Name of the new reader")->required();
   add->add_option("--station", options->station, "Its station")->required();
   add->add_option("--address", options->address, "Address of its controller on the line, 1 to 16")

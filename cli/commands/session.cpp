@@ -2,7 +2,7 @@
 
 #include <iostream>
 
-#include "app/installation_files.h"
+#include "work/installation_files.h"
 #include "app/qdb.h"
 #include "comm/com.h"
 #include "messages/strings.h"

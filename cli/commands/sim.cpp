@@ -2,11 +2,11 @@
 
 #include <CLI/CLI.hpp>
 #include <iostream>
+#include <map>
 #include <nlohmann/json.hpp>
 #include <optional>
 
 #include "commands.h"
-#include "component.h"
 #include "held_programs.h"
 #include "output/hidden_pins.h"
 #include "output/table_output.h"
@@ -14,8 +14,9 @@
 #include "session.h"
 #include "sim_commands.h"
 #include "site/site.h"
-#include "work/look_up.h"
+#include "work/readers.h"
 #include "work/refusal.h"
+#include "work/stations.h"
 #include "work/words.h"
 
 namespace voxa::cli {
@@ -35,14 +36,8 @@ struct FaultOptions {
   std::optional<std::string> refuse, after, cut, refuseClear, resultFile;
 };
 
-struct Place {
-  std::int16_t station = 0;
-  std::int16_t address = 0;
-};
-
-Place placeOf(Session& session, const ControllerOptions& options) {
-  return {stationNamed(session.library(), options.station)->get("Id").toInt16(),
-          numberWithin("the controller's address", options.address, 1, 16)};
+ControllerPlace placeOf(Session& session, const ControllerOptions& options) {
+  return {findStation(session.library(), options.station).id, controllerAddress(options.address)};
 }
 
 std::string faultsText(const site::Faults& faults) {
@@ -79,30 +74,30 @@ std::string momentText(const site::Moment& at) {
 }
 
 void addController(Session& session, site::Site& site, const ControllerOptions& options) {
-  const Place place = placeOf(session, options);
+  const StationRow station = findStation(session.library(), options.station);
   site::ControllerInfo info;
-  info.station = place.station;
-  info.address = place.address;
+  info.station = station.id;
+  info.address = controllerAddress(options.address);
   info.type = options.type;
-  info.speed = options.speed.empty()
-                   ? stationNamed(session.library(), options.station)->get("ComSpeed").toInt32()
-                   : number32("the speed", options.speed);
+  info.speed = options.speed.empty() ? station.speed.toInt32() : number32("the speed", options.speed);
   site.addController(info);
 }
 
 void listControllers(Session& session, site::Site& site, const ControllerOptions& options) {
+  std::map<int, std::string> names;
+  for (const StationRow& station : listStations(session.library())) names[station.id] = station.name;
   TableOutput table({"Station", "Address", "Type", "Speed", "Faults"});
   for (const site::ControllerInfo& info : site.list()) {
-    auto stations = session.rows("select Name from Stations where Id = " + std::to_string(info.station));
-    const Value name = stations->eof() ? Value() : stations->get("Name");
+    const auto name = names.find(info.station);
     const site::Faults faults = site.snapshot(info.station, info.address).faults;
-    table.add({name, info.address, info.type, info.speed, faultsText(faults)});
+    table.add({name == names.end() ? Value() : name->second, info.address, info.type, info.speed,
+               faultsText(faults)});
   }
   table.print(std::cout, options.json);
 }
 
 void showController(Session& session, site::Site& site, const ControllerOptions& options) {
-  const Place place = placeOf(session, options);
+  const ControllerPlace place = placeOf(session, options);
   const site::Snapshot snapshot = site.snapshot(place.station, place.address);
   TableOutput daily({"Number", "Intervals"});
   for (const auto& program : snapshot.dailyPrograms) daily.add({program.number, intervalsText(program)});
@@ -160,7 +155,7 @@ void showController(Session& session, site::Site& site, const ControllerOptions&
 
 void setFaults(Session& session, site::Site& site, const ControllerOptions& options,
                const FaultOptions& chosenFaults) {
-  const Place place = placeOf(session, options);
+  const ControllerPlace place = placeOf(session, options);
   site::Faults faults;
   faults.silent = chosenFaults.silent;
   if (chosenFaults.refuse) faults.refuse = number16("--refuse", *chosenFaults.refuse);
@@ -251,7 +246,7 @@ void addSimulatorCommands(CLI::App& app, Session& session) {
   addPlaceOptions(*remove, *removed);
   remove->footer("Example:\n  voxa sim controller remove --station Local --address 1");
   remove->callback(onSite(session, [removed](Session& i, site::Site& site) {
-    const Place place = placeOf(i, *removed);
+    const ControllerPlace place = placeOf(i, *removed);
     site.removeController(place.station, place.address);
   }));
 

@@ -3,13 +3,12 @@
 #include <CLI/CLI.hpp>
 #include <iostream>
 
-#include "component.h"
 #include "moments.h"
 #include "session.h"
 #include "sim_commands.h"
 #include "site/site.h"
 #include "work/card_values.h"
-#include "work/look_up.h"
+#include "work/readers.h"
 #include "work/refusal.h"
 #include "work/transaction_type.h"
 #include "work/words.h"
@@ -23,18 +22,11 @@ struct SwipeOptions {
 };
 
 site::Swipe swipeOf(Session& session, const SwipeOptions& options) {
-  const auto reader = readerNamed(session.library(), options.reader);
-  const std::int16_t station = stationNamed(session.library(), options.station)->get("Id").toInt16();
-  if (reader->get("StationId").toInt32() != station) {
-    throw Refusal("the reader " + options.reader + " is not on the station " + options.station);
-  }
-  if (reader->get("ControllerAddress").isNull() || reader->get("Position").isNull()) {
-    throw Refusal("the reader " + options.reader + " is not connected to a controller");
-  }
+  const ReaderPlace reader = placeOf(session.library(), options.station, options.reader);
   site::Swipe swipe;
-  swipe.station = station;
-  swipe.address = reader->get("ControllerAddress").toInt16();
-  swipe.position = reader->get("Position").toInt16();
+  swipe.station = reader.controller.station;
+  swipe.address = reader.controller.address;
+  swipe.position = reader.position;
   if (!options.card.empty()) swipe.cardNumber = cardNumber(options.card);
   if (!options.code.empty()) swipe.code = cardCode(options.code);
   if (!options.pin.empty()) swipe.pin = options.pin;

@@ -18,6 +18,7 @@
 #include "platform/datetime.h"
 #include "site/site.h"
 #include "week.h"
+#include "work/journal_list.h"
 #include "work/look_up.h"
 #include "work/refusal.h"
 
@@ -55,10 +56,8 @@ class Access {
           std::pair(Programs::cards, "Cards")}) {
       tell(title, download.send(programs, true));
     }
-    const auto format = badgeFormats(session_.library());
-    moveToNumberOrName(*format, "Id", demoBadgeFormat, "msgCantFindBadgeFormat");
+    const auto format = badgeFormatNamed(session_.library(), demoBadgeFormat);
     tell("Badge format", download.sendBadgeFormat(*format, false));
-    check_.expect(session_.prompts().failuresShown() == 0, "nothing fails");
   }
 
   void tell(const char* title, const DownloadCount& count) {
@@ -99,7 +98,7 @@ class Access {
   }
 
   std::size_t journalRows() {
-    return requireOpen(session_.qdb().Journal().DB())->openRecordset("select Id from Journal")->recordCount();
+    return JournalList(session_.library(), {}).each([](const JournalRow& /*row*/) {});
   }
 
   void compare() {
@@ -114,7 +113,7 @@ class Access {
       seen.at(static_cast<std::size_t>(expected.back().reason)) = true;
     }
     check_.expect(std::find(seen.begin(), seen.end(), false) == seen.end(), "the week has every reason");
-    const int differences = compareWithJournal(session_, expected);
+    const int differences = compareWithJournal(session_.library(), expected);
     std::cout << week_.size() << " presentations, " << journalRows() << " rows in the journal, "
               << differences << " differences.\n";
     check_.expect(differences == 0, "the journal says what happened");

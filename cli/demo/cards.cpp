@@ -4,14 +4,14 @@
 #include <cstdio>
 
 #include "access/access_group.h"
-#include "access/badge_format.h"
 #include "access/cardholder.h"
 #include "app/qdb.h"
 #include "commands/component.h"
 #include "commands/session.h"
 #include "platform/text.h"
-#include "programs/holidays.h"
+#include "work/badge_formats.h"
 #include "work/card_values.h"
+#include "work/holidays.h"
 #include "work/links.h"
 #include "work/look_up.h"
 #include "work/refusal.h"
@@ -86,9 +86,7 @@ constexpr DemoHoliday holidays[] = {{"Closing day", "24/12/2026", false},
 
 std::int16_t programNamed(Session& session, const std::string& name) {
   if (name.empty()) return 0;
-  const auto row = session.rows("select * from WeeklyPrograms where ProgType = 'C'");
-  moveToNumberOrName(*row, "ProgNum", name, "msgCantFindWeeklyProg");
-  return row->get("ProgNum").toInt16();
+  return weeklyProgramNamed(session.library(), "C", name)->get("ProgNum").toInt16();
 }
 
 std::int16_t addGroup(Session& session, const DemoGroup& group) {
@@ -149,36 +147,20 @@ void changeBlockCards(Session& session) {
   }
 }
 
-void addHolidays(Session& session) {
-  bool onlyNewVrmd1 = false;
-  const auto rows = session.rows("select * from Holidays");
+void addHolidays(Installation& installation) {
   for (const DemoHoliday& holiday : holidays) {
-    const std::int16_t slot = session.qdb().Holidays().getFreeId(onlyNewVrmd1);
-    rows->addNew();
-    rows->set("Id", slot);
-    rows->set("Name", holiday.name);
-    rows->set("Date", holiday.date);
-    rows->set("EachYear", holiday.eachYear);
-    rows->set("HolidayFlagD", true);
-    rows->update();
+    addHoliday(installation, holiday.name, holiday.date, holiday.eachYear);
   }
 }
 
-void addBadgeFormat(Session& session) {
-  session.qdb().BadgeFormat().CreateTable();
-  const auto rows = badgeFormats(session.library());
-  const std::int16_t id = session.qdb().BadgeFormat().getFreeId();
-  rows->addNew();
-  rows->set("Id", id);
-  rows->set("Name", demoBadgeFormat);
-  rows->set("SystemCard", true);
-  rows->set("Techno", std::int16_t{2});
-  rows->set("Pos_Site", std::int16_t{2});
-  rows->set("Size_Site", std::int16_t{4});
-  rows->set("Pos_Card", std::int16_t{6});
-  rows->set("Val_Site", "1A2F");
-  rows->set("BadgeFormatFlagD", true);
-  rows->update();
+void addSiteFormat(Installation& installation) {
+  BadgeFormatTexts format;
+  format.name = demoBadgeFormat;
+  format.site = "1A2F";
+  format.numbers = {"2", "6", {}, "2", "4"};
+  format.systemCard = true;
+  createBadgeFormats(installation);
+  addBadgeFormat(installation, format);
 }
 
 }  // namespace
@@ -199,9 +181,9 @@ void fillDemoCards(Session& session) {
   }
   Transaction transaction(session.library().engine(), session.qdb().database());
   changeBlockCards(session);
-  addHolidays(session);
-  addBadgeFormat(session);
   transaction.commit();
+  addHolidays(session.library());
+  addSiteFormat(session.library());
 }
 
 }  // namespace voxa::cli

@@ -4,10 +4,13 @@
 #include <iostream>
 
 #include "commands/held_programs.h"
-#include "commands/session.h"
 #include "output/table_output.h"
-#include "platform/database/database.h"
 #include "site/site.h"
+#include "work/daily_programs.h"
+#include "work/installation.h"
+#include "work/readers.h"
+#include "work/stations.h"
+#include "work/weekly_programs.h"
 
 namespace voxa::cli {
 
@@ -24,42 +27,49 @@ std::string weeklyKey(const std::string& family, int number) {
   return "weekly " + family + std::to_string(number);
 }
 
-std::string wantedIntervals(const Recordset& row) {
+std::string wantedIntervals(const DailyProgramRow& program) {
   std::string text;
-  for (const auto& [startColumn, endColumn] : {std::pair("StartFirstInterval", "EndFirstInterval"),
-                                               std::pair("StartSecondInterval", "EndSecondInterval")}) {
-    const std::string start = row.get(startColumn).toText();
-    const std::string end = row.get(endColumn).toText();
-    if (start == end) continue;
-    if (!text.empty()) text += ' ';
-    text += start + "-" + (end == "23:59" ? "24:00" : end);  // the last minute belongs to the day
+  for (const std::string& interval : program.intervals) {
+    if (interval != "none") text += (text.empty() ? "" : " ") + interval;
   }
   return text.empty() ? "none" : text;
 }
 
-std::string wantedDays(const Recordset& row) {
+std::string wantedDays(const WeeklyProgramRow& program) {
   std::string text;
-  for (int day = 1; day <= 7; ++day) {
-    text += (day == 1 ? "" : " ") + row.get("DailyProgDay" + std::to_string(day)).toText();
-  }
-  return text + ", holidays " + row.get("DailyProgHolidays").toText();
+  for (const Value& day : program.days) text += (text.empty() ? "" : " ") + day.toText();
+  return text + ", holidays " + program.holidays.toText();
 }
 
-Programs ofDatabase(Session& session, std::map<std::string, std::string>& names) {
+Programs ofDatabase(Installation& installation, std::map<std::string, std::string>& names) {
   Programs programs;
-  const auto add = [&](const std::string& key, const Recordset& row, const std::string& text) {
+  const auto add = [&](const std::string& key, const std::string& name, const std::string& text) {
     programs[key] = text;
-    names[key] = key + " " + row.get("Name").toText();
+    names[key] = key + " " + name;
   };
   // Programs 0 (never, always) are known to every controller and not sent.
-  for (auto rows = session.rows("select * from DailyPrograms where Id > 0"); !rows->eof(); rows->moveNext()) {
-    add(dailyKey(rows->get("Id").toInt16()), *rows, wantedIntervals(*rows));
+  for (const DailyProgramRow& program : listDailyPrograms(installation)) {
+    if (program.id != 0) add(dailyKey(program.id), program.name, wantedIntervals(program));
   }
-  for (auto rows = session.rows("select * from WeeklyPrograms where ProgNum > 0"); !rows->eof();
-       rows->moveNext()) {
-    add(weeklyKey(rows->get("ProgType").toText(), rows->get("ProgNum").toInt16()), *rows, wantedDays(*rows));
+  for (const WeeklyProgramRow& program : listWeeklyPrograms(installation)) {
+    if (program.number != 0) {
+      add(weeklyKey(program.family, program.number), program.name, wantedDays(program));
+    }
   }
   return programs;
+}
+
+/// The controllers on stations in use, with the station's name.
+std::map<ControllerPlace, std::string> controllersInUse(Installation& installation) {
+  std::map<std::int16_t, bool> inUse;
+  for (const StationRow& station : listStations(installation)) inUse[station.id] = station.active;
+  std::map<ControllerPlace, std::string> controllers;
+  for (const ReaderRow& reader : listReaders(installation)) {
+    if (inUse.at(reader.stationId)) {
+      controllers[{reader.stationId, reader.address.toInt16()}] = reader.station;
+    }
+  }
+  return controllers;
 }
 
 Programs ofController(const site::Snapshot& snapshot) {
@@ -79,22 +89,17 @@ std::string textOf(const Programs& programs, const std::string& key) {
 
 }  // namespace
 
-std::vector<Verdict> compareWithControllers(Session& session, site::Site& site) {
+std::vector<Verdict> compareWithControllers(Installation& installation, site::Site& site) {
   std::map<std::string, std::string> names;
-  const Programs wanted = ofDatabase(session, names);
+  const Programs wanted = ofDatabase(installation, names);
   std::vector<Verdict> verdicts;
-  const auto controllers = session.rows(
-      "select distinct StationId, ControllerAddress, Stations.Name as Station from Readers inner join "
-      "Stations on Readers.StationId = Stations.Id where Stations.Active = true "
-      "order by StationId, ControllerAddress");
-  for (; !controllers->eof(); controllers->moveNext()) {
-    const std::int16_t address = controllers->get("ControllerAddress").toInt16();
-    const Programs held = ofController(site.snapshot(controllers->get("StationId").toInt16(), address));
+  for (const auto& [place, station] : controllersInUse(installation)) {
+    const Programs held = ofController(site.snapshot(place.station, place.address));
     Programs all = wanted;
     all.insert(held.begin(), held.end());
     for (const auto& [key, text] : all) {
       const auto name = names.find(key);
-      verdicts.push_back({controllers->get("Station").toText() + " " + std::to_string(address),
+      verdicts.push_back({station + " " + std::to_string(place.address),
                           name == names.end() ? key : name->second, textOf(wanted, key), textOf(held, key)});
     }
   }

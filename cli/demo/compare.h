@@ -8,9 +8,11 @@ namespace site {
 class Site;
 }
 
-namespace voxa::cli {
+namespace voxa {
+class Installation;
+}
 
-class Session;
+namespace voxa::cli {
 
 /// One program on one controller: what the database says and what the controller holds.
 struct Verdict {
@@ -23,7 +25,7 @@ struct Verdict {
 
 /// Every program that the database or a controller of an active station has, controller by controller. Taken
 /// from the rows on one side and from the controllers' memories on the other; no command line is looked at.
-[[nodiscard]] std::vector<Verdict> compareWithControllers(Session& session, site::Site& site);
+[[nodiscard]] std::vector<Verdict> compareWithControllers(Installation& installation, site::Site& site);
 
 /// Prints them side by side; returns how many differ. onlyDifferences: leaves out those that do not.
 int printVerdicts(const std::vector<Verdict>& verdicts, bool onlyDifferences);

@@ -16,7 +16,9 @@
 #include "guard.h"
 #include "installation.h"
 #include "site/site.h"
+#include "work/daily_programs.h"
 #include "work/refusal.h"
+#include "work/weekly_programs.h"
 
 namespace voxa::cli {
 
@@ -75,7 +77,7 @@ class Demo {
  private:
   void createAndDownload() {
     session_.create();
-    fillDemoInstallation(session_, site_);
+    fillDemoInstallation(session_.library(), site_);
     std::cout
         << "1. A new installation: 2 stations, 6 controllers, 9 readers, 4 daily and 3 weekly programs.\n"
            "   Everything is marked to be sent, and is downloaded to every controller.\n\n";
@@ -83,7 +85,8 @@ class Demo {
     send(download_);
     showMarked();
     std::cout << '\n';
-    expect(printVerdicts(compareWithControllers(session_, site_), false) == 0, "all hold everything");
+    expect(printVerdicts(compareWithControllers(session_.library(), site_), false) == 0,
+           "all hold everything");
   }
 
   void failInTheSend() {
@@ -94,9 +97,8 @@ class Demo {
     site::Faults faults;
     faults.silent = true;
     site_.setFaults(silentStation, silentAddress, faults);
-    changeDaily(session_, "Office", "08:30");
-    send(download_);
-    expect(session_.prompts().failuresShown() == 1, "the failure is shown");
+    changeDailyProgram(session_.library(), "Office", {{}, {"08:30-12:00"}});
+    expect(send(download_) == 1, "the failure is told");
     session_.prompts().forgetFailures();
     expect(showMarked() == 1, "the program stays marked");
   }
@@ -106,7 +108,7 @@ class Demo {
         << "\n3. The weekly program Staff gets other holidays. This time the controllers are tested first:\n"
            "   the question is answered with Ignore, the others get what is marked, and because one\n"
            "   was left out the programs stay marked.\n\n";
-    changeWeekly(session_, "Staff", 2);
+    changeWeeklyProgram(session_.library(), "C", "Staff", {{}, {}, "2"});
     session_.prompts().prepare(Answer::ignore);
     Download download(session_, {});
     expect(download.ready(), "Ignore goes on");
@@ -114,7 +116,7 @@ class Demo {
     send(download);
     expect(showMarked() == 2, "both programs stay marked");
     std::cout << '\n';
-    const auto verdicts = compareWithControllers(session_, site_);
+    const auto verdicts = compareWithControllers(session_.library(), site_);
     expect(printVerdicts(verdicts, true) == 2, "two programs are missing");
     for (const Verdict& verdict : verdicts) {
       expect(verdict.same() || verdict.controller == silentController, "only the silent one lacks them");
@@ -129,7 +131,7 @@ class Demo {
     send(download);
     expect(showMarked() == 0, "nothing stays marked");
     std::cout << '\n';
-    const auto verdicts = compareWithControllers(session_, site_);
+    const auto verdicts = compareWithControllers(session_.library(), site_);
     std::vector<Verdict> ofReturned;
     for (const Verdict& verdict : verdicts) {
       if (verdict.controller == silentController) ofReturned.push_back(verdict);
@@ -139,24 +141,29 @@ class Demo {
     expect(printVerdicts(verdicts, true) == 0, "all hold everything");
   }
 
-  void send(Download& download) {
+  // How many could not be sent.
+  int send(Download& download) {
+    int failed = 0;
     for (const Programs programs : {Programs::daily, Programs::weekly}) {
       const DownloadCount count = download.send(programs, false);
       std::cout << "   " << (programs == Programs::daily ? "Daily" : "Weekly") << " programs: " << count.sent
                 << " sent, " << count.unchanged << " unchanged, " << count.failed << " failed\n";
+      failed += count.failed;
     }
+    return failed;
   }
 
   // Names the programs that are still to be sent, and returns how many they are.
   int showMarked() {
     std::string names;
     int count = 0;
-    for (const char* query : {"select Name from DailyPrograms where DailyProgramFlagD = true",
-                              "select Name from WeeklyPrograms where WeeklyProgramFlagD = true"}) {
-      for (auto rows = session_.rows(query); !rows->eof(); rows->moveNext(), ++count) {
-        names += (names.empty() ? "" : ", ") + rows->get("Name").toText();
-      }
-    }
+    const auto add = [&](const auto& program) {
+      if (!program.toSend) return;
+      names += (names.empty() ? "" : ", ") + program.name;
+      ++count;
+    };
+    for (const DailyProgramRow& program : listDailyPrograms(session_.library())) add(program);
+    for (const WeeklyProgramRow& program : listWeeklyPrograms(session_.library())) add(program);
     std::cout << "   Marked to be sent: " << (names.empty() ? "nothing" : names) << '\n';
     return count;
   }

@@ -6,6 +6,11 @@
 #include "commands/session.h"
 #include "platform/datetime.h"
 #include "platform/text.h"
+#include "work/daily_programs.h"
+#include "work/holidays.h"
+#include "work/readers.h"
+#include "work/stations.h"
+#include "work/weekly_programs.h"
 
 namespace voxa::cli {
 
@@ -21,7 +26,7 @@ std::string typeOf(TransactionMeaning meaning, int position) {
   return types.at(meaning).at(static_cast<std::size_t>(position) - 1);
 }
 
-// "08:30"
+// "08:30", the end of the day as "24:00"
 int minuteOf(const std::string& time) {
   return std::stoi(time.substr(0, 2)) * 60 + std::stoi(time.substr(3, 2));
 }
@@ -60,7 +65,7 @@ TransactionMeaning meaningOf(Reason reason) {
 DoorRules::DoorRules(Session& session) {
   readCards(session);
   readDoors(session);
-  readPrograms(session);
+  readPrograms(session.library());
 }
 
 void DoorRules::readCards(Session& session) {
@@ -81,14 +86,11 @@ void DoorRules::readCards(Session& session) {
 }
 
 void DoorRules::readDoors(Session& session) {
-  for (auto rows = session.rows("select * from Stations"); !rows->eof(); rows->moveNext()) {
-    stationNames_[rows->get("Id").toInt32()] = rows->get("Name").toText();
-  }
+  for (const StationRow& station : listStations(session.library())) stationNames_[station.id] = station.name;
   std::map<std::int32_t, Controller> controllers;
-  for (auto rows = session.rows("select * from Readers"); !rows->eof(); rows->moveNext()) {
-    const std::int32_t id = rows->get("Id").toInt32();
-    readerNames_[id] = rows->get("Name").toText();
-    controllers[id] = {rows->get("StationId").toInt32(), rows->get("ControllerAddress").toInt32()};
+  for (const ReaderRow& reader : listReaders(session.library())) {
+    readerNames_[reader.id] = reader.name;
+    controllers[reader.id] = {reader.stationId, reader.address.toInt32()};
   }
   for (auto rows = session.rows("select * from AccGroupReaders"); !rows->eof(); rows->moveNext()) {
     const std::int16_t group = rows->get("AccessGroupId").toInt16();
@@ -98,27 +100,26 @@ void DoorRules::readDoors(Session& session) {
   }
 }
 
-void DoorRules::readPrograms(Session& session) {
-  for (auto rows = session.rows("select * from WeeklyPrograms where ProgType = 'C'"); !rows->eof();
-       rows->moveNext()) {
-    Weekly& weekly = weekly_[rows->get("ProgNum").toInt16()];
+void DoorRules::readPrograms(Installation& installation) {
+  for (const WeeklyProgramRow& program : listWeeklyPrograms(installation)) {
+    if (program.family != "C") continue;
+    Weekly& weekly = weekly_[program.number];
     for (std::size_t day = 0; day < weekly.days.size(); ++day) {
-      weekly.days.at(day) = rows->get("DailyProgDay" + std::to_string(day + 1)).toInt16();
+      weekly.days.at(day) = program.days.at(day).toInt16();
     }
-    weekly.holidays = rows->get("DailyProgHolidays").toInt16();
+    weekly.holidays = program.holidays.toInt16();
   }
-  for (auto rows = session.rows("select * from DailyPrograms"); !rows->eof(); rows->moveNext()) {
-    auto& intervals = daily_[rows->get("Id").toInt16()];
-    for (const std::string which : {"First", "Second"}) {
-      const std::string start = rows->get("Start" + which + "Interval").toText();
-      const std::string end = rows->get("End" + which + "Interval").toText();
-      // The last minute belongs to the day; an interval that ends where it begins is none.
-      if (start != end) intervals.emplace_back(minuteOf(start), end == "23:59" ? 24 * 60 : minuteOf(end));
+  for (const DailyProgramRow& program : listDailyPrograms(installation)) {
+    auto& intervals = daily_[program.id];
+    for (const std::string& interval : program.intervals) {
+      if (interval == "none") continue;
+      const std::size_t dash = interval.find('-');
+      intervals.emplace_back(minuteOf(interval.substr(0, dash)), minuteOf(interval.substr(dash + 1)));
     }
   }
-  for (auto rows = session.rows("select * from Holidays"); !rows->eof(); rows->moveNext()) {
-    const CivilTime date = toCivil(rows->get("Date").toDateTime());
-    holidays_.insert({date.day, date.month, rows->get("EachYear").toBool() ? 0 : date.year});
+  for (const HolidayRow& holiday : listHolidays(installation)) {
+    const CivilTime date = toCivil(holiday.date.toDateTime());
+    holidays_.insert({date.day, date.month, holiday.eachYear ? 0 : date.year});
   }
 }
 

@@ -13,6 +13,10 @@
 #include "week.h"
 #include "work/transaction_type.h"
 
+namespace voxa {
+class Installation;
+}
+
 namespace voxa::cli {
 
 /// Why a door opens or stays shut.
@@ -72,7 +76,7 @@ class DoorRules {
 
   void readCards(Session& session);
   void readDoors(Session& session);
-  void readPrograms(Session& session);
+  void readPrograms(Installation& installation);
   Reason decide(const Card& card, const Presentation& presentation);
   [[nodiscard]] bool isHoliday(int day) const;
   [[nodiscard]] bool isOpen(int program, int day, int minute) const;

@@ -5,11 +5,9 @@
 #include <optional>
 #include <tuple>
 
-#include "app/qdb.h"
-#include "commands/session.h"
-#include "journal/journal.h"
 #include "output/table_output.h"
 #include "platform/datetime.h"
+#include "work/journal_list.h"
 
 namespace voxa::cli {
 
@@ -19,19 +17,15 @@ constexpr TransactionMeaning shownMeanings[] = {
     TransactionMeaning::granted, TransactionMeaning::refusedByTime, TransactionMeaning::refusedByRights,
     TransactionMeaning::unknownCard};
 
-JournalEntry entryOf(const Recordset& row) {
-  const auto text = [&](const char* column) {
-    const Value value = row.get(column);
-    return value.isNull() ? std::string() : value.toText();
-  };
-  return {formatDateTime(row.get("Date").toDateTime(), "dd/mm/yyyy hh:nn"),
-          row.get("StationId").toInt32(),
-          text("StationName"),
-          row.get("ReaderId").toInt32(),
-          text("ReaderName"),
-          text("TransactionType"),
-          text("CardholderName"),
-          text("TransactionData")};
+JournalEntry entryOf(const JournalRow& row) {
+  return {formatDateTime(row.date, "dd/mm/yyyy hh:nn"),
+          row.stationId,
+          row.station,
+          row.readerId,
+          row.reader,
+          row.type,
+          row.cardholder,
+          row.data};
 }
 
 std::string described(const JournalEntry& entry) {
@@ -86,14 +80,12 @@ class Doors {
 /// The rows of the journal, to be taken out one by one.
 class Found {
  public:
-  Found(Session& session, Doors& doors) {
-    const auto journal = requireOpen(session.qdb().Journal().DB());
-    const auto rows = journal->openRecordset("select * from Journal order by Id");
-    for (; !rows->eof(); rows->moveNext()) {
-      JournalEntry entry = entryOf(*rows);
+  Found(Installation& installation, Doors& doors) {
+    JournalList(installation, {}).each([&](const JournalRow& row) {
+      JournalEntry entry = entryOf(row);
       doors.add(entry, true);
       rows_[keyOf(entry)].push_back(std::move(entry));
-    }
+    });
   }
   /// The first row of that door, minute and card that has not been taken.
   std::optional<JournalEntry> take(const JournalEntry& like) {
@@ -133,10 +125,10 @@ void printReasons(const std::vector<Expected>& expected) {
 
 }  // namespace
 
-int compareWithJournal(Session& session, const std::vector<Expected>& expected) {
+int compareWithJournal(Installation& installation, const std::vector<Expected>& expected) {
   Doors doors;
   Differences differences;
-  Found found(session, doors);
+  Found found(installation, doors);
   for (const Expected& one : expected) {
     doors.add(one.entry, false);
     const auto row = found.take(one.entry);

@@ -7,6 +7,7 @@
 #include "commands/session.h"
 #include "platform/datetime.h"
 #include "random.h"
+#include "work/readers.h"
 
 namespace voxa::cli {
 
@@ -23,14 +24,9 @@ struct Card {
 class Week {
  public:
   explicit Week(Session& session) {
-    const auto readers = session.rows("select * from Readers order by Id");
-    for (; !readers->eof(); readers->moveNext()) {
-      doors_.push_back({readers->get("Id").toInt32(),
-                        readers->get("StationId").toInt16(),
-                        readers->get("ControllerAddress").toInt16(),
-                        readers->get("Position").toInt16(),
-                        {},
-                        {}});
+    for (const ReaderRow& reader : listReaders(session.library())) {
+      doors_.push_back(
+          {reader.id, reader.stationId, reader.address.toInt16(), reader.position.toInt16(), {}, {}});
     }
     const auto links = session.rows("select * from AccGroupReaders order by AccessGroupId, ReaderId");
     for (; !links->eof(); links->moveNext()) {

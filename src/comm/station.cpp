@@ -188,15 +188,19 @@ std::string Station::getControllerList(std::int16_t Id) {
   return list;
 }
 
-void Station::SendSpeed(std::int16_t StationID, std::int32_t Speed) {
+std::int16_t Station::SendSpeed(std::int16_t StationID, std::int32_t Speed) {
   const LineSpan whole(context_);  // no other process calls, or writes the ini file, at the speed in between
   whole.require();
   const std::string command = speedLine(Speed);
+  std::int16_t first = 0;
   for (const std::int32_t candidate : lineSpeeds) {
     if (candidate == Speed) continue;
     createIniFile(StationID, 0, candidate);
-    comm_.Com().sendLines({command, command, command}, ControllerPlace{StationID, CmToAllControllers});
+    const std::int16_t result =
+        comm_.Com().sendLines({command, command, command}, ControllerPlace{StationID, CmToAllControllers});
+    if (first == 0) first = result;
   }
+  return first;
 }
 
 }  // namespace voxa

@@ -41,8 +41,10 @@ class Station : public Table {
   std::int16_t createIniFile(std::int16_t Id, std::int16_t timeOutDelay = 0, std::int32_t Speed = 0);
   /// Tells every controller of the line to change to a speed of 4800, 9600, 19200 or 38400 bit/s. Since they
   /// may listen at any other speed, the broadcast is made at each. Leaves the ini file at the last of them:
-  /// the caller stores the new `ComSpeed` and calls createIniFile. Raises what createIniFile does.
-  void SendSpeed(std::int16_t StationID, std::int32_t Speed);
+  /// the caller stores the new `ComSpeed` and calls createIniFile. 0, or the first other result of the
+  /// broadcasts, as Com::Send has it; what the line answered is in `Com.errorList`. Raises what createIniFile
+  /// does.
+  std::int16_t SendSpeed(std::int16_t StationID, std::int32_t Speed);
 
   void createFields(TableDef& td) override;
   void createIndexes(TableDef& td) override;

@@ -17,6 +17,48 @@ bool isNumber(const std::string& text) {
   return !text.empty() && text.find_first_not_of("0123456789") == std::string::npos;
 }
 
+/// Where rows of a kind are.
+struct Kind {
+  const char* table;
+  const char* number;       // its column
+  const char* notFound;     // mnemonic
+  std::string family = "";  // of weekly programs only
+};
+
+std::unique_ptr<Recordset> rowsWith(Installation& installation, const Kind& kind, const std::string& column,
+                                    const char* type, const Value& value) {
+  std::vector<std::pair<std::string, Value>> values = {{"pValue", value}};
+  std::string declared = "parameters pValue " + std::string(type);
+  std::string condition = " where " + column + " = pValue";
+  if (!kind.family.empty()) {
+    declared += ", pFamily memo";
+    condition += " and ProgType = pFamily";
+    values.emplace_back("pFamily", kind.family);
+  }
+  return installation.database().openRecordset(declared + "; select * from " + kind.table + condition,
+                                               values);
+}
+
+std::unique_ptr<Recordset> named(Installation& installation, const Kind& kind, const std::string& name) {
+  auto rows = rowsWith(installation, kind, "Name", "memo", name);
+  if (rows->eof()) throw Refusal(kind.notFound, name);
+  return rows;
+}
+
+std::unique_ptr<Recordset> numberedOrNamed(Installation& installation, const Kind& kind,
+                                           const std::string& text) {
+  if (isNumber(text)) {
+    auto rows = rowsWith(installation, kind, kind.number, "long", number16("the number", text));
+    if (!rows->eof()) return rows;
+  }
+  return named(installation, kind, text);
+}
+
+void requireBadgeFormats(Installation& installation) {
+  if (hasBadgeFormats(installation)) return;
+  throw Refusal("the installation has no badge formats: create the default one with 'voxa badge create'");
+}
+
 }  // namespace
 
 bool moveToName(Recordset& rows, const std::string& name) {
@@ -36,15 +78,30 @@ void moveToNumberOrName(Recordset& rows, const char* numberColumn, const std::st
 }
 
 std::unique_ptr<Recordset> stationNamed(Installation& installation, const std::string& name) {
-  auto rows = installation.database().openRecordset("select * from Stations");
-  if (!moveToName(*rows, name)) throw Refusal("msgCantFindStation", name);
-  return rows;
+  return named(installation, {"Stations", "Id", "msgCantFindStation"}, name);
 }
 
 std::unique_ptr<Recordset> readerNamed(Installation& installation, const std::string& name) {
-  auto rows = installation.database().openRecordset("select * from Readers");
-  if (!moveToName(*rows, name)) throw Refusal("msgCantFindReader", name);
-  return rows;
+  return named(installation, {"Readers", "Id", "msgCantFindReader"}, name);
+}
+
+std::unique_ptr<Recordset> dailyProgramNamed(Installation& installation, const std::string& numberOrName) {
+  return numberedOrNamed(installation, {"DailyPrograms", "Id", "msgCantFindDailyProg"}, numberOrName);
+}
+
+std::unique_ptr<Recordset> weeklyProgramNamed(Installation& installation, const std::string& family,
+                                              const std::string& numberOrName) {
+  return numberedOrNamed(installation, {"WeeklyPrograms", "ProgNum", "msgCantFindWeeklyProg", family},
+                         numberOrName);
+}
+
+std::unique_ptr<Recordset> holidayNamed(Installation& installation, const std::string& numberOrName) {
+  return numberedOrNamed(installation, {"Holidays", "Id", "msgCantFindHolidays"}, numberOrName);
+}
+
+std::unique_ptr<Recordset> badgeFormatNamed(Installation& installation, const std::string& numberOrName) {
+  requireBadgeFormats(installation);
+  return numberedOrNamed(installation, {"BadgeFormat", "Id", "msgCantFindBadgeFormat"}, numberOrName);
 }
 
 bool hasBadgeFormats(Installation& installation) {
@@ -53,9 +110,8 @@ bool hasBadgeFormats(Installation& installation) {
 }
 
 std::unique_ptr<Recordset> badgeFormats(Installation& installation) {
-  if (hasBadgeFormats(installation))
-    return installation.database().openRecordset("select * from BadgeFormat order by Id");
-  throw Refusal("the installation has no badge formats: create the default one with 'voxa badge create'");
+  requireBadgeFormats(installation);
+  return installation.database().openRecordset("select * from BadgeFormat order by Id");
 }
 
 }  // namespace voxa

@@ -8,7 +8,30 @@ namespace voxa {
 class Installation;
 class Recordset;
 
-// Rows by what a person calls them.
+// Rows by what a person calls them: a number or a name, in any case. Each returns the rows placed on the one
+// that was found, with all columns, and raises a Refusal when there is none.
+
+[[nodiscard]] std::unique_ptr<Recordset> stationNamed(Installation& installation, const std::string& name);
+[[nodiscard]] std::unique_ptr<Recordset> readerNamed(Installation& installation, const std::string& name);
+
+// A text of digits alone is a number first, and a name when no row has that number. One that no 16-bit number
+// can hold is refused.
+
+[[nodiscard]] std::unique_ptr<Recordset> dailyProgramNamed(Installation& installation,
+                                                           const std::string& numberOrName);
+/// family: "C" or "E", each with numbers and names of its own.
+[[nodiscard]] std::unique_ptr<Recordset> weeklyProgramNamed(Installation& installation,
+                                                            const std::string& family,
+                                                            const std::string& numberOrName);
+[[nodiscard]] std::unique_ptr<Recordset> holidayNamed(Installation& installation,
+                                                      const std::string& numberOrName);
+/// A Refusal also when the installation has no table of badge formats.
+[[nodiscard]] std::unique_ptr<Recordset> badgeFormatNamed(Installation& installation,
+                                                          const std::string& numberOrName);
+
+/// Rows of the badge formats; a Refusal when the installation has no table of them.
+[[nodiscard]] std::unique_ptr<Recordset> badgeFormats(Installation& installation);
+[[nodiscard]] bool hasBadgeFormats(Installation& installation);
 
 /// Moves to the first row of that name; false, and past the last row, when there is none.
 bool moveToName(Recordset& rows, const std::string& name);
@@ -16,12 +39,5 @@ bool moveToName(Recordset& rows, const std::string& name);
 /// text of `mnemonic` when there is none.
 void moveToNumberOrName(Recordset& rows, const char* numberColumn, const std::string& text,
                         const char* mnemonic);
-/// Rows of a table placed on the one of that name; a Refusal when there is none.
-[[nodiscard]] std::unique_ptr<Recordset> stationNamed(Installation& installation, const std::string& name);
-[[nodiscard]] std::unique_ptr<Recordset> readerNamed(Installation& installation, const std::string& name);
-
-/// Rows of the badge formats; a Refusal when the installation has no table of them.
-[[nodiscard]] std::unique_ptr<Recordset> badgeFormats(Installation& installation);
-[[nodiscard]] bool hasBadgeFormats(Installation& installation);
 
 }  // namespace voxa

@@ -1,4 +1,4 @@
-#include "app/installation_files.h"
+#include "work/installation_files.h"
 
 #include <algorithm>
 #include <filesystem>

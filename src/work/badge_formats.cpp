@@ -1,0 +1,93 @@
+#include "work/badge_formats.h"
+
+#include "access/badge_format.h"
+#include "platform/database/database.h"
+#include "work/installation.h"
+#include "work/look_up.h"
+#include "work/refusal.h"
+#include "work/store_row.h"
+#include "work/words.h"
+
+namespace voxa {
+
+namespace {
+
+std::string siteCode(const std::string& text) {
+  constexpr std::size_t most = 8;
+  if (text.size() <= most && text.find_first_not_of("0123456789ABCDEFabcdef") == std::string::npos)
+    return text;
+  throw Refusal("a site code has up to 8 hexadecimal digits, not " + text);
+}
+
+void setFields(Recordset& row, const BadgeFormatTexts& texts) {
+  if (texts.name) row.set("Name", checkedName(*texts.name));
+  if (texts.site) row.set("Val_Site", siteCode(*texts.site));
+  if (texts.systemCard) row.set("SystemCard", *texts.systemCard);
+  for (std::size_t i = 0; i < badgeNumberCount; ++i) {
+    const BadgeNumber& number = badgeNumbers.at(i);
+    if (!texts.numbers.at(i)) continue;
+    row.set(number.column, numberWithin(number.called, *texts.numbers.at(i), 0, number.greatest));
+  }
+  row.set("BadgeFormatFlagD", true);
+}
+
+}  // namespace
+
+void createBadgeFormats(Installation& installation) {
+  if (hasBadgeFormats(installation)) throw Refusal("the installation has badge formats already");
+  BadgeFormat& table = installation.BadgeFormat();
+  Transaction transaction(installation.engine(), installation.database());
+  for (const TableDef& definition : table.definitions()) installation.database().createTable(definition);
+  table.insertDefaultRecs();
+  transaction.commit();
+}
+
+std::int16_t addBadgeFormat(Installation& installation, const BadgeFormatTexts& texts) {
+  const auto rows = badgeFormats(installation);
+  BadgeFormatTexts whole = texts;
+  if (!whole.name) whole.name = "";
+  if (!whole.site) whole.site = "";
+  const std::int16_t id = installation.BadgeFormat().getFreeId();
+  if (id == -1) throw Refusal("the installation has no free number for a badge format");
+  rows->addNew();
+  rows->set("Id", id);
+  setFields(*rows, whole);
+  storeRow(installation, *rows, "BadgeFormat", "badge format");
+  return id;
+}
+
+void changeBadgeFormat(Installation& installation, const std::string& numberOrName,
+                       const BadgeFormatTexts& texts) {
+  const auto row = badgeFormatNamed(installation, numberOrName);
+  row->edit();
+  setFields(*row, texts);
+  storeRow(installation, *row, "BadgeFormat", "badge format");
+}
+
+void restoreDefaultBadgeFormat(Installation& installation) {
+  (void)badgeFormats(installation);
+  Database& database = installation.database();
+  Transaction transaction(installation.engine(), database);
+  database.execute("delete from BadgeFormat where Id = 0");
+  installation.BadgeFormat().insertDefaultRecs();
+  database.execute("update BadgeFormat set BadgeFormatFlagD = True where Id = 0");
+  transaction.commit();
+}
+
+std::vector<BadgeFormatRow> listBadgeFormats(Installation& installation) {
+  std::vector<BadgeFormatRow> formats;
+  for (const auto rows = badgeFormats(installation); !rows->eof(); rows->moveNext()) {
+    BadgeFormatRow& format = formats.emplace_back();
+    format.id = rows->get("Id").toInt32();
+    format.name = rows->get("Name").toText();
+    for (std::size_t i = 0; i < badgeNumberCount; ++i) {
+      format.numbers.at(i) = rows->get(badgeNumbers.at(i).column);
+    }
+    format.site = rows->get("Val_Site");
+    format.systemCard = rows->get("SystemCard").toBool();
+    format.toSend = rows->get("BadgeFormatFlagD").toBool();
+  }
+  return formats;
+}
+
+}  // namespace voxa

@@ -1,0 +1,148 @@
+#include "work/stations.h"
+
+#include "comm/com.h"
+#include "comm/station.h"
+#include "lines/line_speed.h"
+#include "platform/database/database.h"
+#include "work/installation.h"
+#include "work/links.h"
+#include "work/look_up.h"
+#include "work/refusal.h"
+#include "work/store_row.h"
+#include "work/words.h"
+
+namespace voxa {
+
+namespace {
+
+constexpr std::int16_t lastPort = 256;
+constexpr std::int16_t lastDelay = 32767;
+constexpr std::size_t phoneLength = 25;
+constexpr std::size_t modemLength = 20;
+
+std::int32_t lineSpeed(const std::string& text) {
+  const std::int32_t speed = number32("the speed", text);
+  for (const std::int32_t known : lineSpeeds) {
+    if (speed == known) return speed;
+  }
+  throw Refusal("a line works at 4800, 9600, 19200 or 38400 bit/s, not at " + text);
+}
+
+std::int16_t portFrom0(const std::string& text) {
+  return static_cast<std::int16_t>(numberWithin("the port", text, 1, lastPort) - 1);
+}
+
+/// Name of a station in use on a port (from 0), other than that one; "" when there is none.
+std::string userOf(Installation& installation, std::int16_t port, std::int16_t otherThan) {
+  const auto user = installation.database().openRecordset(
+      "parameters pPort long, pOther long; select Name from Stations where ComPort = pPort and Active = true "
+      "and Id <> pOther",
+      {{"pPort", port}, {"pOther", otherThan}});
+  return user->eof() ? "" : user->get("Name").toText();
+}
+
+std::int16_t freePort(Installation& installation) {
+  std::int16_t port = 0;
+  while (!userOf(installation, port, 0).empty()) ++port;
+  return port;
+}
+
+/// One line per port: two stations in use on it would answer for each other.
+void requireFreePort(Installation& installation, std::int16_t port, std::int16_t ownId) {
+  const std::string user = userOf(installation, port, ownId);
+  if (user.empty()) return;
+  throw Refusal("port " + std::to_string(port + 1) + " is used by the active station " + user);
+}
+
+void setFields(Recordset& row, const StationTexts& texts) {
+  if (texts.name) row.set("Name", checkedPlaceName(*texts.name));
+  if (texts.speed) row.set("ComSpeed", lineSpeed(*texts.speed));
+  if (texts.phone) row.set("Phone", checkedText("a telephone number", *texts.phone, phoneLength));
+  if (texts.modem) row.set("ModemIniFile", checkedText("the modem file", *texts.modem, modemLength));
+  if (texts.timeout) row.set("TimeoutDelay", numberWithin("the time-out", *texts.timeout, 1, lastDelay));
+  if (texts.waiting) row.set("WaitingDelay", numberWithin("the waiting delay", *texts.waiting, 0, lastDelay));
+}
+
+StationRow stationOf(const Recordset& row) {
+  StationRow station;
+  station.id = row.get("Id").toInt16();
+  station.name = row.get("Name").toText();
+  station.port = row.get("ComPort").toInt32() + 1;
+  station.speed = row.get("ComSpeed");
+  station.phone = row.get("Phone");
+  station.modem = row.get("ModemIniFile");
+  station.timeout = row.get("TimeoutDelay");
+  station.waiting = row.get("WaitingDelay");
+  station.active = row.get("Active").toBool();
+  return station;
+}
+
+}  // namespace
+
+AddedStation addStation(Installation& installation, const StationTexts& texts) {
+  const bool active = texts.active.value_or(true);
+  const std::int16_t port = texts.port ? portFrom0(*texts.port) : freePort(installation);
+  if (active) requireFreePort(installation, port, 0);
+  const std::int16_t id = installation.Stations().getFreeId();
+  if (id == -1) throw Refusal("the installation holds all the stations it can (998)");
+  StationTexts named = texts;
+  if (!named.name) named.name = "";
+  Transaction transaction(installation.engine(), installation.database());
+  const auto rows = installation.database().openRecordset("select * from Stations");
+  rows->addNew();
+  rows->set("Id", id);
+  rows->set("ComPort", port);
+  rows->set("Active", active);
+  setFields(*rows, named);
+  storeRow(installation, *rows, "Stations", "station");
+  installation.Stations().createIniFile(id);
+  transaction.commit();
+  return {id, static_cast<std::int16_t>(port + 1)};
+}
+
+void changeStation(Installation& installation, const std::string& name, const StationTexts& texts) {
+  const auto row = stationNamed(installation, name);
+  const std::int16_t id = row->get("Id").toInt16();
+  const bool wasActive = row->get("Active").toBool();
+  const bool active = texts.active.value_or(wasActive);
+  const std::int16_t port = texts.port ? portFrom0(*texts.port) : row->get("ComPort").toInt16();
+  if (active) requireFreePort(installation, port, id);
+  Transaction transaction(installation.engine(), installation.database());
+  row->edit();
+  if (texts.port) row->set("ComPort", port);
+  if (texts.active) row->set("Active", active);
+  setFields(*row, texts);
+  storeRow(installation, *row, "Stations", "station");
+  if (active && !wasActive) markProgramsForNewController(installation);
+  installation.Stations().createIniFile(id);
+  transaction.commit();
+}
+
+void changeLineSpeed(Installation& installation, const std::string& name, const std::string& speed) {
+  const std::int32_t bits = lineSpeed(speed);
+  const auto row = stationNamed(installation, name);
+  const std::int16_t id = row->get("Id").toInt16();
+  const std::int16_t sent = installation.Stations().SendSpeed(id, bits);
+  const std::string failures = installation.Com().popErrorList();
+  const bool told = sent == 0 && failures.empty();
+  if (told) {
+    row->edit();
+    row->set("ComSpeed", bits);
+    row->update();
+  }
+  installation.Stations().createIniFile(id);  // at the speed of the row again, whichever that is now
+  if (!told) throw Refusal("msgCantSendCommand", failures);
+}
+
+StationRow findStation(Installation& installation, const std::string& name) {
+  return stationOf(*stationNamed(installation, name));
+}
+
+std::vector<StationRow> listStations(Installation& installation) {
+  std::vector<StationRow> stations;
+  const auto rows = installation.database().openRecordset("select * from Stations order by Id");
+  for (; !rows->eof(); rows->moveNext()) stations.push_back(stationOf(*rows));
+  return stations;
+}
+
+}  // namespace voxa

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/value.h"
+
+namespace voxa {
+
+class Installation;
+
+/// A station, a communication line, as a person writes it. What is not given stays as it is.
+struct StationTexts {
+  std::optional<std::string> name;
+  std::optional<std::string> port;              ///< serial port, from 1 to 256
+  std::optional<std::string> speed;             ///< 4800, 9600, 19200 or 38400 bit/s
+  std::optional<std::string> phone;             ///< of a modem line
+  std::optional<std::string> modem;             ///< file that initialises the modem
+  std::optional<std::string> timeout, waiting;  ///< ms
+  std::optional<bool> active;                   ///< whether the line is in use
+};
+
+struct StationRow {
+  std::int16_t id = 0;
+  std::string name;
+  std::int32_t port = 1;  ///< from 1
+  Value speed;            ///< bit/s
+  Value phone, modem;
+  Value timeout, waiting;  ///< ms
+  bool active = false;
+};
+
+struct AddedStation {
+  std::int16_t id = 0;
+  std::int16_t port = 1;  ///< from 1
+};
+
+// What cannot be as it is written, and a port on which another line is in use, is a Refusal; nothing is
+// changed then. Both write the file from which the driver knows the line: its failure is raised, and undoes
+// the row.
+
+/// Adds a station: in use unless told otherwise, and on the first port without a line in use unless one is
+/// given.
+AddedStation addStation(Installation& installation, const StationTexts& texts);
+/// Changes a station. One that comes into use has all programs and holidays marked to be sent: they count as
+/// sent once the lines in use have them.
+void changeStation(Installation& installation, const std::string& name, const StationTexts& texts);
+
+/// Has the controllers of a line change to another speed, and notes it when they were told. A Refusal with
+/// what the line answered otherwise: they may listen at the old speed.
+void changeLineSpeed(Installation& installation, const std::string& name, const std::string& speed);
+
+/// A Refusal when there is none of that name.
+[[nodiscard]] StationRow findStation(Installation& installation, const std::string& name);
+[[nodiscard]] std::vector<StationRow> listStations(Installation& installation);  ///< by id
+
+}  // namespace voxa
