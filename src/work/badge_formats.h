@@ -29,10 +29,10 @@ constexpr std::array<BadgeNumber, badgeNumberCount> badgeNumbers = {
 
 /// A badge format as a person writes it. What is not given stays as it is.
 struct BadgeFormatTexts {
-  std::optional<std::string> name;
-  std::optional<std::string> site;  ///< up to 8 hexadecimal digits
+  std::optional<std::string> name = {};
+  std::optional<std::string> site = {};  ///< up to 8 hexadecimal digits
   std::array<std::optional<std::string>, badgeNumberCount> numbers = {};
-  std::optional<bool> systemCard;  ///< whether the cards are the system's own
+  std::optional<bool> systemCard = {};  ///< whether the cards are the system's own
 };
 
 struct BadgeFormatRow {

@@ -15,7 +15,7 @@ constexpr std::size_t mostIntervals = 4;
 
 /// A daily program as a person writes it. What is not given stays as it is.
 struct DailyProgramTexts {
-  std::optional<std::string> name;
+  std::optional<std::string> name = {};
   /// "08:00-12:00", the end of the day as 24:00; "none" for an interval that is not used. The third and
   /// fourth are for controllers that work with four intervals a day.
   std::array<std::optional<std::string>, mostIntervals> intervals = {};

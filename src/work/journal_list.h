@@ -17,11 +17,11 @@ class Installation;
 
 /// Which transactions a person wants to see. An empty text asks for all.
 struct JournalFilter {
-  std::string since;   ///< a day, or a day and minute: from its beginning on
-  std::string until;   ///< the same, up to its end
-  std::string reader;  ///< name, in any case
-  std::string card;    ///< number, holder's name, or the code of a card that was not known
-  std::string type;    ///< granted, refused, time, rights, unknown, other, or two digits
+  std::string since = {};   ///< a day, or a day and minute: from its beginning on
+  std::string until = {};   ///< the same, up to its end
+  std::string reader = {};  ///< name, in any case
+  std::string card = {};    ///< number, holder's name, or the code of a card that was not known
+  std::string type = {};    ///< granted, refused, time, rights, unknown, other, or two digits
 };
 
 /// A transaction of the journal. A name that was not known then is "".

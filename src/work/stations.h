@@ -13,13 +13,13 @@ class Installation;
 
 /// A station, a communication line, as a person writes it. What is not given stays as it is.
 struct StationTexts {
-  std::optional<std::string> name;
-  std::optional<std::string> port;              ///< serial port, from 1 to 256
-  std::optional<std::string> speed;             ///< 4800, 9600, 19200 or 38400 bit/s
-  std::optional<std::string> phone;             ///< of a modem line
-  std::optional<std::string> modem;             ///< file that initialises the modem
-  std::optional<std::string> timeout, waiting;  ///< ms
-  std::optional<bool> active;                   ///< whether the line is in use
+  std::optional<std::string> name = {};
+  std::optional<std::string> port = {};                   ///< serial port, from 1 to 256
+  std::optional<std::string> speed = {};                  ///< 4800, 9600, 19200 or 38400 bit/s
+  std::optional<std::string> phone = {};                  ///< of a modem line
+  std::optional<std::string> modem = {};                  ///< file that initialises the modem
+  std::optional<std::string> timeout = {}, waiting = {};  ///< ms
+  std::optional<bool> active = {};                        ///< whether the line is in use
 };
 
 struct StationRow {

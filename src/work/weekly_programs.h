@@ -17,7 +17,7 @@ constexpr std::size_t daysAWeek = 7;
 
 /// A weekly program as a person writes it. What is not given stays as it is.
 struct WeeklyProgramTexts {
-  std::optional<std::string> name;
+  std::optional<std::string> name = {};
   /// Daily programs by number or name: one for all days, or seven, Monday first; none when they stay.
   std::vector<std::string> days = {};
   std::optional<std::string> holidays = {};  ///< daily program of holidays, by number or name
