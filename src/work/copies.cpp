@@ -37,7 +37,7 @@ void requireForeignFile(Installation& installation, const std::string& path) {
 
 std::string copyToRestore(Installation& installation, const std::string& path, bool modemsSeen) {
   std::error_code noSuchFile;
-  const std::filesystem::path found = std::filesystem::canonical(files::native(path), noSuchFile);
+  const std::filesystem::path found = std::filesystem::canonical(path, noSuchFile);
   const std::string file = noSuchFile ? path : found.string();
   requireForeignFile(installation, file);
   if (!modemsSeen) requireModemsHere(installation, file);
