@@ -2,10 +2,10 @@
 
 #include <iostream>
 
-#include "work/installation_files.h"
 #include "app/qdb.h"
 #include "comm/com.h"
 #include "messages/strings.h"
+#include "work/installation_files.h"
 #include "work/refusal.h"
 
 namespace voxa::cli {
