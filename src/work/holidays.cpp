@@ -30,10 +30,12 @@ DateTime holidayDate(const std::string& text, bool eachYear, const Clock& clock)
 
 /// Every controller gets every holiday; only the newer VRMD1 has more than 20 slots.
 bool allAreVrmd1(Database& database) {
+  bool any = false;
   const auto readers = database.openRecordset("select ControllerType from Readers");
-  if (readers->eof()) return false;
-  while (!readers->eof() && readers->get("ControllerType") == Value("VRMD1")) readers->moveNext();
-  return readers->eof();
+  for (; !readers->eof(); readers->moveNext(), any = true) {
+    if (readers->get("ControllerType") != Value("VRMD1")) return false;
+  }
+  return any;
 }
 
 HolidayRow holidayOf(const Recordset& row) {
