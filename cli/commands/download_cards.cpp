@@ -12,7 +12,7 @@
 #include "messages/strings.h"
 #include "session.h"
 #include "work/card_values.h"
-#include "work/forget_cards.h"
+#include "work/group_reach.h"
 
 namespace voxa::cli {
 

@@ -11,6 +11,7 @@
 #include "session.h"
 #include "work/card_values.h"
 #include "work/forget_cards.h"
+#include "work/group_reach.h"
 #include "work/look_up.h"
 #include "work/refusal.h"
 #include "work/store_row.h"

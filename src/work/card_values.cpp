@@ -10,7 +10,6 @@
 #include "platform/datetime.h"
 #include "platform/text.h"
 #include "work/installation.h"
-#include "work/look_up.h"
 #include "work/refusal.h"
 #include "work/words.h"
 
@@ -228,15 +227,17 @@ std::unique_ptr<Recordset> cardNamed(Installation& installation, const std::stri
   constexpr std::size_t digitsOfANumber = 4;
   const bool isNumber = isDigits(numberOrName);
   const auto numbered = [&] {
-    return installation.database().openRecordset("select * from Cardholders where CardNum = " +
-                                                 std::to_string(number16("the card number", numberOrName)) +
-                                                 " and Deleted = false");
+    return installation.database().openRecordset(
+        "parameters pNumber long; select * from Cardholders where CardNum = pNumber and Deleted = false",
+        {{"pNumber", number16("the card number", numberOrName)}});
   };
   if (isNumber && numberOrName.size() <= digitsOfANumber) {
     if (auto rows = numbered(); !rows->eof()) return rows;
   }
-  auto rows = installation.database().openRecordset("select * from Cardholders where Deleted = false");
-  if (moveToName(*rows, numberOrName)) return rows;
+  auto rows = installation.database().openRecordset(
+      "parameters pName memo; select * from Cardholders where Deleted = false and Name = pName",
+      {{"pName", numberOrName}});
+  if (!rows->eof()) return rows;
   // Names may be codes, which have 8 digits.
   if (!isNumber || numberOrName.size() >= codeLength) throw Refusal("msgCantFindCardholder", numberOrName);
   (void)cardNumber(numberOrName);

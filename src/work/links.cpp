@@ -1,9 +1,8 @@
 #include "work/links.h"
 
 #include "access/access_group.h"
-#include "work/forget_cards.h"
-
 #include "platform/database/database.h"
+#include "work/group_reach.h"
 #include "work/installation.h"
 
 namespace voxa {
@@ -17,8 +16,9 @@ constexpr std::int16_t always = 0;
 
 std::unique_ptr<Recordset> linkOf(Installation& installation, std::int16_t group, std::int32_t reader) {
   return installation.database().openRecordset(
-      "select * from AccGroupReaders where AccessGroupId = " + std::to_string(group) +
-      " and ReaderId = " + std::to_string(reader));
+      "parameters pGroup long, pReader long; select * from AccGroupReaders where AccessGroupId = pGroup and "
+      "ReaderId = pReader",
+      {{"pGroup", group}, {"pReader", reader}});
 }
 
 void linkReader(Installation& installation, std::int16_t group, std::int32_t reader, std::int16_t program) {
@@ -43,9 +43,10 @@ void linkReader(Installation& installation, std::int16_t group, std::int32_t rea
 bool isKnownController(Installation& installation, std::int16_t station, std::int16_t address,
                        std::int32_t otherThan) {
   return !installation.database()
-              .openRecordset("select Id from Readers where StationId = " + std::to_string(station) +
-                             " and ControllerAddress = " + std::to_string(address) + " and Id <> " +
-                             std::to_string(otherThan))
+              .openRecordset(
+                  "parameters pStation long, pAddress long, pOther long; select Id from Readers where "
+                  "StationId = pStation and ControllerAddress = pAddress and Id <> pOther",
+                  {{"pStation", station}, {"pAddress", address}, {"pOther", otherThan}})
               ->eof();
 }
 

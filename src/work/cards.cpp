@@ -1,0 +1,122 @@
+#include "work/cards.h"
+
+#include <algorithm>
+#include <functional>
+
+#include "access/card_record.h"
+#include "lines/code.h"
+#include "platform/database/database.h"
+#include "platform/text.h"
+#include "work/forget_cards.h"
+#include "work/group_reach.h"
+#include "work/installation.h"
+#include "work/refusal.h"
+
+namespace voxa {
+
+namespace {
+
+std::int16_t groupOf(const Recordset& card) {
+  const Value group = card.get("AccessGroupId");
+  return group.isNull() ? std::int16_t{0} : group.toInt16();
+}
+
+CardRow rowOf(const Recordset& card, const GroupNames& groups) {
+  const Value pin = card.get("PINCode");
+  return {card.get("CardNum"),
+          card.get("Name"),
+          card.get("CardCode"),
+          card.get("AccessGroupId").isNull() ? Value() : Value(groups.name(groupOf(card))),
+          card.get("Validated"),
+          card.get("Supervisor"),
+          card.get("ValidationDate"),
+          card.get("Credit"),
+          pin.isNull() ? "" : zeroPadded(pin.toInt32(), 4),
+          cardRecord(card).parts.any()};
+}
+
+std::vector<CardRow> rowsOf(Recordset& cards, const GroupNames& groups,
+                            const std::function<bool(const Recordset&)>& wanted) {
+  std::vector<CardRow> rows;
+  for (; !cards.eof(); cards.moveNext()) {
+    if (wanted(cards)) rows.push_back(rowOf(cards, groups));
+  }
+  return rows;
+}
+
+/// A number or code as people compare them: without regard to case and to zeros in front.
+std::string significant(const std::string& text) {
+  const std::string digits = toLower(shownCode(text));
+  return digits.substr(std::min(digits.find_first_not_of('0'), digits.size()));
+}
+
+}  // namespace
+
+std::int16_t addCard(Installation& installation, const CardTexts& texts) {
+  CardTexts whole = texts;
+  for (auto* needed : {&whole.name, &whole.code, &whole.group}) *needed = needed->value_or("");
+  CardValues values(whole, GroupNames(installation), installation.clock());
+  TakenByCards taken(installation);
+  taken.requireFree(values);
+  if (!values.number) values.number = taken.freeNumber();
+  const auto rows = installation.database().openRecordset("select * from Cardholders where Id = 0");
+  rows->addNew();
+  values.set(*rows);
+  markWhole(*rows);
+  rows->update();
+  return *values.number;
+}
+
+void changeCard(Installation& installation, const std::string& card, const CardTexts& texts) {
+  const auto row = cardNamed(installation, card);
+  const CardValues values(texts, GroupNames(installation), installation.clock());
+  TakenByCards(installation, row->get("Id").toInt32()).requireFree(values);
+  const std::int16_t group = groupOf(*row);
+  const std::int32_t number = row->get("CardNum").toInt32();
+  const bool another = (values.number && *values.number != number) ||
+                       (values.code && !isCode(row->get("CardCode"), *values.code));
+  const bool moves = another || (values.group && *values.group != group);
+  if (moves) {
+    std::vector<ReachedController> kept;
+    if (!another) kept = reachOf(installation, *values.group);
+    ForgetCards forget(installation);
+    forget.on(without(reachOf(installation, group), kept), {number});
+    forget.send();
+  }
+  row->edit();
+  values.set(*row);
+  if (moves) markWhole(*row);
+  row->update();
+}
+
+std::vector<CardRow> listCards(Installation& installation, const std::optional<std::string>& group,
+                               bool deleted) {
+  const GroupNames groups(installation);
+  std::optional<std::int16_t> wanted;
+  if (group) wanted = groups.id(*group);
+  const auto cards = installation.database().openRecordset(
+      "parameters pDeleted bit; select * from Cardholders where Deleted = pDeleted order by CardNum",
+      {{"pDeleted", deleted}});
+  return rowsOf(*cards, groups, [&](const Recordset& card) {
+    const Value has = card.get("AccessGroupId");
+    return !wanted || (!has.isNull() && has.toInt16() == *wanted);
+  });
+}
+
+std::vector<CardRow> findCards(Installation& installation, const std::string& text) {
+  const std::string part = toLower(text);
+  const std::string number = significant(text);
+  const auto is = [&](const Value& value) {
+    return !value.isNull() && !text.empty() && significant(value.toText()) == number;
+  };
+  const auto cards = installation.database().openRecordset(
+      "select * from Cardholders where Deleted = false order by CardNum");
+  std::vector<CardRow> found = rowsOf(*cards, GroupNames(installation), [&](const Recordset& card) {
+    return is(card.get("CardNum")) || is(card.get("CardCode")) ||
+           toLower(card.get("Name").toText()).find(part) != std::string::npos;
+  });
+  if (found.empty()) throw Refusal("msgCantFindCardholder", text);
+  return found;
+}
+
+}  // namespace voxa
