@@ -2,15 +2,17 @@
 // same result.
 
 #include <cstdint>
-#include <iostream>
 
-#include "app/qdb.h"
-#include "commands/card_table.h"
+#include "app/library.h"
 #include "commands/session.h"
 #include "platform/csv.h"
+#include "platform/database/database.h"
 #include "platform/temporary_folder.h"
 #include "require.h"
+#include "work/card_export.h"
+#include "work/card_import.h"
 #include "work/refusal.h"
+#include "work/report.h"
 
 namespace voxa::fuzz {
 namespace {
@@ -18,39 +20,40 @@ namespace {
 class Cards {
  public:
   Cards() {
-    std::cout.setstate(std::ios::badbit);  // messages about bad lines do not matter here
-    std::cerr.setstate(std::ios::badbit);
-    installation_.settings.folder = folder_.path();
-    installation_.create();
+    session_.settings.opening.folder = folder_.path();
+    session_.create();
   }
 
   void check(std::string_view table) {
     const bool imported = import(table);
-    const cli::CardTable exported = take();
-    require(exported.cards == (imported ? cli::readCsv(table).size() - 1 : 0),
+    const CardTable exported = take();
+    require(exported.cards == (imported ? readCsv(table).size() - 1 : 0),
             "a table is imported wholly or not at all");
     require(import(exported.text), "an exported table can be imported");
     require(take().text == exported.text, "cards come back as they were");
   }
 
  private:
+  class Nobody : public Observer {
+    void progress(const char* /*what*/, std::size_t /*done*/, std::size_t /*total*/) override {}
+  };
   bool import(std::string_view table) {
+    Nobody observer;
     try {
-      (void)cli::importCardTable(installation_, table);
-      return true;
-    } catch (const cli::Refusal&) {
+      return importCards(session_.library(), table, observer).badLines.empty();
+    } catch (const Refusal&) {
       return false;
     }
   }
   /// Returns the cards and removes them.
-  cli::CardTable take() {
-    cli::CardTable table = cli::cardTable(installation_, true);
-    installation_.qdb().DB()->execute("delete from Cardholders");
+  CardTable take() {
+    CardTable table = exportCards(session_.library(), true);
+    session_.library().database().execute("delete from Cardholders");
     return table;
   }
 
   TemporaryFolder folder_;
-  cli::Installation installation_;
+  cli::Session session_;
 };
 
 }  // namespace

@@ -97,9 +97,7 @@ std::vector<DoorsBesideLinks> grantDoor(Installation& installation, const std::s
   Database& database = installation.database();
   const std::int16_t id = GroupNames(installation).id(group);
   const std::int32_t readerId = readerNamed(installation, reader)->get("Id").toInt32();
-  const auto programs =
-      database.openRecordset("select ProgNum, Name from WeeklyPrograms where ProgType = 'C'");
-  moveToNumberOrName(*programs, "ProgNum", program, "msgCantFindWeeklyProg");
+  const auto programs = weeklyProgramNamed(installation, "C", program);
   linkReader(installation, id, readerId, programs->get("ProgNum").toInt16());
   std::vector<DoorsBesideLinks> beside;
   for (const GrantedController& controller : controllersOf(database, id)) {
