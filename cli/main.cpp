@@ -74,7 +74,7 @@ int run(CLI::App& app, voxa::cli::Session& session, int argc, char** argv) {
     return failed;
   }
   if (session.failed() || session.prompts().failuresShown() > 0) return failed;
-  return session.prompts().leftoverShown() ? left : done;
+  return session.left() || session.prompts().leftoverShown() ? left : done;
 }
 
 }  // namespace

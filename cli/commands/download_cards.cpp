@@ -89,7 +89,8 @@ DownloadCount Download::sendCards(bool full) {
   CardDownload erasing(session_.library(), {});
   for (const std::int32_t id : deleted) erasing.send(id, {});
   erasing.finish();
-  if (erasing.status() != 0 && !erasing.reported()) {
+  session_.show(erasing.failures());
+  if (erasing.status() != 0 && erasing.failures().empty()) {
     session_.strings().display("msgCantDownload", "voxa download", Value(session_.com().popErrorList()));
   }
   failed = failed || erasing.status() != 0;

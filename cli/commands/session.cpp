@@ -66,6 +66,14 @@ void Session::create() {
   installation_.create(settings.opening);
 }
 
+void Session::show(const std::vector<Notice>& notices) {
+  library().show(notices);
+  for (const Notice& notice : notices) {
+    failed_ = failed_ || notice.kind == Notice::Kind::failure;
+    left_ = left_ || notice.kind == Notice::Kind::leftover;
+  }
+}
+
 void Session::explainFailure(const std::string& command) {
   const auto say = [&](const std::string& sentence) { std::cerr << command << ": " << sentence << '\n'; };
   try {

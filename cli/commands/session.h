@@ -44,8 +44,12 @@ class Session {
   [[nodiscard]] std::unique_ptr<Recordset> rows(const std::string& sql);
   [[nodiscard]] const std::string& folder() const { return installation_.folder(); }
 
-  /// Whether the opening left something undone, which has been shown.
+  /// Shows what the work on the installation tells, for a person and for the exit status.
+  void show(const std::vector<Notice>& notices);
+  /// Whether a failure was shown, or the opening left something undone, which has been shown.
   [[nodiscard]] bool failed() const { return failed_; }
+  /// Whether something that is left for a person was shown.
+  [[nodiscard]] bool left() const { return left_; }
   [[nodiscard]] CallerPrompts& prompts() { return prompts_; }
   [[nodiscard]] std::string callersFile(const std::string& path) const {
     return installation_.callersFile(path);
@@ -58,6 +62,7 @@ class Session {
   void opened();
 
   bool failed_ = false;
+  bool left_ = false;
   CallerPrompts prompts_;
   OpenInstallation installation_{prompts_};
 };

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
+#include <vector>
 
 #include "access/acc_group_reader.h"
 #include "access/access_context.h"
@@ -9,6 +11,14 @@
 #include "tables/table.h"
 
 namespace voxa {
+
+class CardDownload;
+
+/// What became of sending a group's cards.
+struct SentGroup {
+  std::int16_t status = 0;      ///< as AccessGroup::download has it
+  std::vector<Notice> notices;  ///< what is to be told of it, in this order
+};
 
 /// Access groups: where and when their cards open. Table "AccessGroups"; group 0 is the default group. With
 /// it goes the link table of readers and weekly programs (AccGroupReader), which is built by the same calls.
@@ -28,6 +38,8 @@ class AccessGroup : public Table {
   /// 0 sent, nothing to send, aborted by the person, or a reader of a station that is not active; -1 an
   /// unknown group; else the line's code or an error's number. Failures and inactive stations are shown.
   std::int16_t download(std::int16_t Id, std::int16_t Params = DLDefault, std::int16_t readerId = 0);
+  /// The same without the test and without a box. A group that is not there any more has nothing to send.
+  [[nodiscard]] SentGroup send(std::int16_t Id, std::int16_t Params, std::int16_t readerId);
   /// Links a reader to group 0 with the program "always" and sends it the group's cards; shows a failure.
   void addReaderToDefaultGroup(std::int16_t readerId);
   /// Removes a reader's links; nothing is sent. A failure ends this silently.
@@ -44,7 +56,7 @@ class AccessGroup : public Table {
   void insertDefaultRecs() override;
 
  private:
-  std::int16_t sendCards(std::int16_t id, std::int16_t readerId);
+  std::int16_t sendCards(std::int16_t id, std::int16_t readerId, std::optional<CardDownload>& sending);
   bool testedFor(std::int16_t readerId);
 
   AccessContext& access_;

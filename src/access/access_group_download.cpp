@@ -1,5 +1,7 @@
 // AccessGroup: a group's cards on their way to the controllers.
 
+#include <optional>
+
 #include "access/access_context.h"
 #include "access/access_group.h"
 #include "access/card_download.h"
@@ -23,12 +25,30 @@ CardParts rightsOfCard() {
 
 std::int16_t AccessGroup::download(std::int16_t Id, std::int16_t Params, std::int16_t readerId) {
   bool missing = false;
+  bool tested = false;
   const std::int16_t status = context_.attempt([&]() -> std::int16_t {
-    const std::string condition = "id = " + std::to_string(Id);
-    missing = gen_.openWhere(condition);
+    missing = gen_.openWhere("id = " + std::to_string(Id));
     if (missing) return -1;
-    if (!testedFor(readerId)) return 0;
-    // Read after the test, in which a person may have taken a long time to answer.
+    tested = testedFor(readerId);
+    return 0;
+  });
+  if (missing) {
+    context_.report({"msgCantFindAccessGroup", "AccessGroups.download", Value(Id)});
+  } else if (status != 0) {
+    context_.report({"msgCantDownload", "AccessGroups.download", Value(access_.Com().popErrorList())});
+  }
+  if (!tested) return status;
+  // Read after the test, in which a person may have taken a long time to answer.
+  const SentGroup sent = send(Id, Params, readerId);
+  context_.show(sent.notices);
+  return sent.status;
+}
+
+SentGroup AccessGroup::send(std::int16_t Id, std::int16_t Params, std::int16_t readerId) {
+  SentGroup sending;
+  std::optional<CardDownload> cards;
+  sending.status = context_.attempt([&]() -> std::int16_t {
+    const std::string condition = "id = " + std::to_string(Id);
     if (gen_.openWhere(condition)) return 0;
     const bool marked = gen_.getFlagDSetFound();
     if ((Params & DLFull) != 0) {
@@ -36,17 +56,23 @@ std::int16_t AccessGroup::download(std::int16_t Id, std::int16_t Params, std::in
     } else if (Id != defaultGroup && !marked) {
       return 0;
     }
-    const std::int16_t sent = sendCards(Id, readerId);
+    const std::int16_t sent = sendCards(Id, readerId, cards);
     // The mark of a group that waits for its other readers stays.
     if (sent != 0 || (readerId != 0 && marked) || gen_.openWhere(condition)) return sent;
     return gen_.setFlagsD(false);
   });
-  if (missing) {
-    context_.report({"msgCantFindAccessGroup", "AccessGroups.download", Value(Id)});
-  } else if (status != 0) {
-    context_.report({"msgCantDownload", "AccessGroups.download", Value(access_.Com().popErrorList())});
+  if (cards) {
+    sending.notices = cards->failures();
+    for (Notice& notice : noticesOf(cards->twoPrograms(), cards->inactiveStations())) {
+      sending.notices.push_back(std::move(notice));
+    }
   }
-  return status;
+  if (sending.status != 0) {
+    sending.notices.push_back(
+        {Notice::Kind::failure,
+         context_.kept({"msgCantDownload", "AccessGroups.download", Value(access_.Com().popErrorList())})});
+  }
+  return sending;
 }
 
 bool AccessGroup::testedFor(std::int16_t readerId) {
@@ -59,7 +85,8 @@ bool AccessGroup::testedFor(std::int16_t readerId) {
   return access_.Com().readyToSend(CTReader, access_.Readers().getName(readerId), nullptr);
 }
 
-std::int16_t AccessGroup::sendCards(std::int16_t id, std::int16_t readerId) {
+std::int16_t AccessGroup::sendCards(std::int16_t id, std::int16_t readerId,
+                                    std::optional<CardDownload>& sending) {
   CardScope scope;
   std::string links = "AccessGroupId = " + std::to_string(id);
   if (readerId != 0) {
@@ -69,14 +96,13 @@ std::int16_t AccessGroup::sendCards(std::int16_t id, std::int16_t readerId) {
     scope = ControllerPlace{station, address};
     links += " and ReaderId = " + std::to_string(readerId);
   }
-  CardDownload download(access_, scope);
+  CardDownload& download = sending.emplace(access_, scope);
   const auto cards = rows(
       "select id, CardNum, CardCodeFlagD,ValidatedFlagD, AccessGroupIdFlagD from Cardholders where "
       "AccessGroupId = " +
       std::to_string(id));
   for (; !cards->eof(); cards->moveNext()) download.send(cards->get("id").toInt32(), rightsOfCard());
   download.finish();
-  tellLeftOut(access_, download.twoPrograms(), download.inactiveStations());
   if (download.complete()) database().execute("update AccGroupReaders set FlagD = False where " + links);
   return download.status();
 }

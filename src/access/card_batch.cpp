@@ -19,7 +19,7 @@ namespace voxa {
 namespace {
 
 constexpr int codeLength = 8;
-constexpr std::int16_t inUse = 1;
+constexpr std::int16_t isInUse = 1;
 constexpr std::int16_t notTaken = -1;
 
 std::string addToCardCode(const std::string& code, std::int32_t n) {
@@ -56,11 +56,11 @@ class Batch {
     firstCode_ = addToCardCode(firstCode_, 0);
   }
 
-  /// Whether a number or code of the block is in use; that has been shown then.
-  bool clashes() {
-    return shownInUse("CardNum", numbers(), "msgCardNumInUse") ||
-           shownInUse("CardCode", "cardCode between '" + firstCode_ + "' and '" + lastCode_ + "'",
-                      "msgCardCodeInUse");
+  /// The number or code of the block that is in use, if there is one.
+  std::optional<FailureMessage> clash() {
+    if (auto number = inUse("CardNum", numbers(), "msgCardNumInUse")) return number;
+    return inUse("CardCode", "cardCode between '" + firstCode_ + "' and '" + lastCode_ + "'",
+                 "msgCardCodeInUse");
   }
   void insert(bool groupMode);
   /// 0, or notTaken at the first controller that does not take the block.
@@ -69,14 +69,17 @@ class Batch {
   void settle();
   /// Takes the block back from the controllers that have it, or part of it.
   void takeBack();
-  void reportLeftOut() { tellLeftOut(context_, twoPrograms_, inactiveStations_); }
+  [[nodiscard]] std::vector<Notice> leftOut() const { return noticesOf(twoPrograms_, inactiveStations_); }
+  /// Whether all the group's controllers have it.
+  [[nodiscard]] bool everywhere() const { return everywhere_; }
 
  private:
   [[nodiscard]] Database& database() { return context_.database(); }
   [[nodiscard]] std::string numbers() const {
     return "cardNum between " + std::to_string(firstNum_) + " and " + std::to_string(lastNum_);
   }
-  bool shownInUse(const std::string& column, const std::string& condition, std::string_view mnemonic);
+  std::optional<FailureMessage> inUse(const std::string& column, const std::string& condition,
+                                      std::string_view mnemonic);
   [[nodiscard]] std::vector<std::string> blockLines(const GrantedController& controller,
                                                     const std::vector<std::int16_t>& lifts) const;
 
@@ -91,13 +94,14 @@ class Batch {
   std::vector<GrantedController> reached_;
   Names inactiveStations_;
   Names twoPrograms_;
+  bool everywhere_ = true;
 };
 
-bool Batch::shownInUse(const std::string& column, const std::string& condition, std::string_view mnemonic) {
+std::optional<FailureMessage> Batch::inUse(const std::string& column, const std::string& condition,
+                                           std::string_view mnemonic) {
   const auto rows = database().openRecordset("select id, " + column + " from Cardholders where " + condition);
-  if (rows->eof()) return false;
-  context_.report({mnemonic, "", Value("(" + rows->get(column).toText() + ")")});
-  return true;
+  if (rows->eof()) return std::nullopt;
+  return FailureMessage{mnemonic, "", Value("(" + rows->get(column).toText() + ")")};
 }
 
 void Batch::insert(bool groupMode) {
@@ -133,7 +137,6 @@ std::int16_t Batch::send() {
       "select id from Cardholders where cardNum = " + std::to_string(firstNum_) + " and Deleted = false");
   const std::int32_t firstId = first->get("id").toInt32();
   Com& com = context_.Com();
-  bool everywhere = true;
   const std::vector<GrantedController> controllers = controllersOf(database(), group_);
   std::vector<ControllerPlace> places;
   for (const GrantedController& controller : controllers) {
@@ -147,7 +150,7 @@ std::int16_t Batch::send() {
   for (const GrantedController& controller : controllers) {
     if (!controller.active) inactiveStations_.add(controller.stationName);
     if (!controller.active || !com.TestSend(controller.station, controller.address)) {
-      everywhere = false;
+      everywhere_ = false;
       continue;
     }
     if (controller.twoPrograms()) twoPrograms_.add(shutSides(database(), group_, controller));
@@ -155,7 +158,7 @@ std::int16_t Batch::send() {
     reached_.push_back(controller);
     if (com.sendLines(lines, controller) != 0) return notTaken;
   }
-  if (!everywhere) {  // for the download to those that were left out
+  if (!everywhere_) {  // for the download to those that were left out
     database().execute(
         "update Cardholders set CardCodeFlagD = True, AccessGroupIdFlagD = True, ValidatedFlagD = True "
         "where " +
@@ -189,37 +192,51 @@ void Batch::takeBack() {
 
 std::int16_t Cardholder::createGroup(std::int32_t firstCardNum, const std::string& firstCardCode,
                                      std::int16_t nCards, std::int16_t accessGroupId, bool GroupMode) {
-  (void)eraseUnfinishedBlocks(access_);  // what fails has been shown
-  std::int16_t status = 0;
-  // Also what a failing send shows: its cards are not to stay on the controllers until somebody has read it.
-  context_.showLater(
-      [&] { status = createBatch(firstCardNum, firstCardCode, nCards, accessGroupId, GroupMode); });
-  return status;
+  const CreatedCards created = create(firstCardNum, firstCardCode, nCards, accessGroupId, GroupMode);
+  context_.show(created.notices);
+  return created.status;
 }
 
-std::int16_t Cardholder::createBatch(std::int32_t firstCardNum, const std::string& firstCardCode,
+CreatedCards Cardholder::create(std::int32_t firstCardNum, const std::string& firstCardCode,
+                                std::int16_t nCards, std::int16_t accessGroupId, bool GroupMode) {
+  std::vector<Notice> notices = finishUnfinishedBlocks(access_);
+  CreatedCards created;
+  // What a failing send shows waits: its cards are not to stay on the controllers until somebody has read it.
+  context_.showLater(
+      [&] { created = createBatch(firstCardNum, firstCardCode, nCards, accessGroupId, GroupMode); });
+  created.notices.insert(created.notices.begin(), notices.begin(), notices.end());
+  return created;
+}
+
+CreatedCards Cardholder::createBatch(std::int32_t firstCardNum, const std::string& firstCardCode,
                                      std::int16_t nCards, std::int16_t accessGroupId, bool GroupMode) {
+  CreatedCards created;
   std::optional<Batch> batch;
-  bool clash = false;
-  const std::int16_t status = context_.attempt([&]() -> std::int16_t {
+  created.status = context_.attempt([&]() -> std::int16_t {
     batch.emplace(access_, firstCardNum, firstCardCode, nCards, accessGroupId);
-    if ((clash = batch->clashes())) return inUse;
+    if (const auto clash = batch->clash()) {
+      created.notices.push_back({Notice::Kind::failure, *clash});
+      return isInUse;
+    }
     Transaction transaction(context_.engine(), database());
     batch->insert(GroupMode);
     if (const std::int16_t failed = batch->send(); failed != 0) return failed;
     transaction.commit();
     return 0;
   });
-  if (status == 0) {
+  if (created.status == 0) {
     batch->settle();
-    batch->reportLeftOut();
+    created.notices = batch->leftOut();
+    created.everywhere = batch->everywhere();
   }
-  if (status == 0 || clash) return status;
+  if (created.status == 0 || !created.notices.empty()) return created;
   const ErrorInfo error = context_.error();
   if (batch) batch->takeBack();
   context_.error() = error;
-  context_.report({"msgCantDownload", "Cardholders.createGroup", Value(access_.Com().popErrorList())});
-  return status;
+  created.notices.push_back(
+      {Notice::Kind::failure,
+       context_.kept({"msgCantDownload", "Cardholders.createGroup", Value(access_.Com().popErrorList())})});
+  return created;
 }
 
 }  // namespace voxa

@@ -146,19 +146,30 @@ CardBlock::CardBlock(AccessContext& context, std::int32_t first, std::int32_t la
   }
 }
 
-bool eraseUnfinishedBlocks(AccessContext& context) {
+std::vector<Notice> finishUnfinishedBlocks(AccessContext& context) {
   Com& com = context.Com();
-  if (com.inhibitCom || !context.DB() || !files::folderExists(com.Chemin)) return true;
+  if (com.inhibitCom || !context.DB() || !files::folderExists(com.Chemin)) return {};
   bool good = true;
-  const std::int16_t failed = context.attempt({"msgUnexpecErr", "Cardholders.createGroup"}, [&] {
+  std::vector<Notice> notices;
+  const std::int16_t failed = context.attempt([&] {
     for (const std::string& name : files::list(com.Chemin)) {
       if (!isNote(name)) continue;
       if (auto note = files::OwnedFile::takeOver(pathOf(context, name)))
         good = finish(context, *note) && good;
     }
   });
-  if (!good) context.report({"msgCantSendCommand", "Cardholders.createGroup", Value(com.popErrorList())});
-  return good && failed == 0;
+  const auto fail = [&](const FailureMessage& message) {
+    notices.push_back({Notice::Kind::failure, context.kept(message)});
+  };
+  if (failed != 0) fail({"msgUnexpecErr", "Cardholders.createGroup"});
+  if (!good) fail({"msgCantSendCommand", "Cardholders.createGroup", Value(com.popErrorList())});
+  return notices;
+}
+
+bool eraseUnfinishedBlocks(AccessContext& context) {
+  const std::vector<Notice> failures = finishUnfinishedBlocks(context);
+  context.show(failures);
+  return failures.empty();
 }
 
 }  // namespace voxa

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "comm/com_types.h"
+#include "platform/context.h"
 #include "platform/files.h"
 
 namespace voxa {
@@ -38,5 +39,7 @@ class CardBlock {
 /// still at work are passed over, and all of them while communications are inhibited. Whether no controller
 /// failed.
 bool eraseUnfinishedBlocks(AccessContext& context);
+/// The same without a box: what failed.
+[[nodiscard]] std::vector<Notice> finishUnfinishedBlocks(AccessContext& context);
 
 }  // namespace voxa

@@ -31,13 +31,15 @@ std::string Names::inParentheses() const {
   return text + ")";
 }
 
-void tellLeftOut(AccessContext& context, const Names& twoPrograms, const Names& inactiveStations) {
-  if (!twoPrograms.empty()) {
-    context.warn({"msgTwoWeeklyProgOnController", "", Value(twoPrograms.inParentheses())});
-  }
-  if (!inactiveStations.empty()) {
-    context.report({"msgDownloadToUnactive", "", Value(inactiveStations.inParentheses())});
-  }
+std::vector<Notice> noticesOf(const Names& twoPrograms, const Names& inactiveStations) {
+  using Kind = Notice::Kind;
+  std::vector<Notice> notices;
+  const auto tell = [&](Kind kind, std::string_view mnemonic, const Names& names) {
+    if (!names.empty()) notices.push_back({kind, {mnemonic, "", Value(names.inParentheses())}});
+  };
+  tell(Kind::warning, "msgTwoWeeklyProgOnController", twoPrograms);
+  tell(Kind::leftover, "msgDownloadToUnactive", inactiveStations);
+  return notices;
 }
 
 namespace {
@@ -70,8 +72,8 @@ void CardDownload::send(std::int32_t cardholderId, const CardParts& anyway) {
 
 std::int16_t CardDownload::sendCard(std::int32_t id, const CardParts& anyway) {
   if (cards_.openWhere("Id = " + std::to_string(id))) {
-    context_.report({"msgCantFindCardholder", "Cardholder.downloadI", Value(id)});
-    reported_ = true;
+    failures_.push_back(
+        {Notice::Kind::failure, context_.kept({"msgCantFindCardholder", "Cardholder.downloadI", Value(id)})});
     return -1;
   }
   const Recordset& row = *cards_.currentRecordset();
@@ -144,14 +146,14 @@ bool CardDownload::isNobodys(const CardRecord& card) {
 
 void CardDownload::finish() {
   if (sent_.empty()) return;
-  const std::int16_t status = context_.attempt({"msgUnexpecErr", "Cardholder.downloadI"}, [&] {
+  const std::int16_t status = context_.attempt([&] {
     Transaction transaction(context_.engine(), context_.database());
     for (const Sent& card : sent_) writeFlags(card);
     transaction.commit();
   });
   if (status != 0) {
     fail(status);
-    reported_ = true;
+    failures_.push_back({Notice::Kind::failure, context_.kept({"msgUnexpecErr", "Cardholder.downloadI"})});
   }
   sent_.clear();
 }

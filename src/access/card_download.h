@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "access/card_doors.h"
+#include "platform/context.h"
 #include "tables/gen_table.h"
 
 namespace voxa {
@@ -24,17 +25,18 @@ class Names {
   std::vector<std::string> names_;
 };
 
-/// Shows what cards met at controllers that could not be told all: a warning about doors that stay shut, a
-/// failure about stations that are not in use.
-void tellLeftOut(AccessContext& context, const Names& twoPrograms, const Names& inactiveStations);
+/// What is to be told of cards at controllers that could not be told all: a warning about doors that stay
+/// shut, and what is left about stations that are not in use.
+[[nodiscard]] std::vector<Notice> noticesOf(const Names& twoPrograms, const Names& inactiveStations);
 
 /// The controllers that a download of cards goes to: all without a place, those of a station at address 0
 /// (CmToEachController), else one.
 using CardScope = std::optional<ControllerPlace>;
 
-/// Sends cards, one after the other, to the controllers of their access groups, and keeps the flags in step:
-/// a card's flags are cleared when every controller of its group has what the row said, and they are set
-/// when a part that was sent anyway did not arrive everywhere. A failed card does not stop the next.
+/// Sends cards without a box, one after the other, to the controllers of their access groups, and keeps the
+/// flags in step: a card's flags are cleared when every controller of its group has what the row said, and
+/// they are set when a part that was sent anyway did not arrive everywhere. A failed card does not stop the
+/// next.
 ///
 /// What cannot be right is not sent, named in `Com.errorList`, and keeps its flags: a card whose number no
 /// line can hold or another live card has too, and at a controller a group's link that names no program of
@@ -43,16 +45,16 @@ class CardDownload {
  public:
   CardDownload(AccessContext& context, const CardScope& scope);
 
-  /// Sends the flagged parts of a card's row, and `anyway`. A missing row is reported
-  /// ("msgCantFindCardholder"). Failures on the line are left in `Com.errorList`, others are added to it.
+  /// Sends the flagged parts of a card's row, and `anyway`. Failures on the line are left in `Com.errorList`,
+  /// others are added to it; a missing row ("msgCantFindCardholder") is among failures().
   void send(std::int32_t cardholderId, const CardParts& anyway);
   /// Writes the flags of the last cards. To be called behind the last send.
   void finish();
 
   /// First failure: the line's code or an error's number, -1 for a missing row; 0 when there was none.
   [[nodiscard]] std::int16_t status() const { return status_; }
-  /// Whether the failure has been shown.
-  [[nodiscard]] bool reported() const { return reported_; }
+  /// Failures with messages of their own, which are to be shown in place of one about status().
+  [[nodiscard]] const std::vector<Notice>& failures() const { return failures_; }
   /// The stations with controllers that were not sent to since the line is not in use.
   [[nodiscard]] const Names& inactiveStations() const { return inactiveStations_; }
   /// Group and door of each that stays shut though it is granted: its controller's doors are granted under
@@ -89,7 +91,7 @@ class CardDownload {
   CardScope scope_;
   std::vector<Sent> sent_;
   std::int16_t status_ = 0;
-  bool reported_ = false;
+  std::vector<Notice> failures_;
   bool complete_ = true;
   Names inactiveStations_;
   Names twoPrograms_;

@@ -144,9 +144,10 @@ std::int16_t Cardholder::generalDownload(ComponentType compType, const std::stri
 std::int16_t Cardholder::conclude(CardDownload& download, const char* method, std::int16_t params) {
   download.finish();
   const bool inactive = !download.inactiveStations().empty();
-  const bool failed = download.status() != 0 && !download.reported();
+  const bool failed = download.status() != 0 && download.failures().empty();
+  context_.show(download.failures());
   if ((params & DLNoMessage) == 0) {
-    tellLeftOut(access_, download.twoPrograms(), download.inactiveStations());
+    context_.show(noticesOf(download.twoPrograms(), download.inactiveStations()));
     if (failed) context_.report({"msgCantDownload", method, Value(access_.Com().popErrorList())});
   }
   return inactive ? std::int16_t{1} : download.status();

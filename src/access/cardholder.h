@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "access/access_context.h"
 #include "comm/com_types.h"
@@ -10,6 +11,13 @@
 namespace voxa {
 
 class CardDownload;
+
+/// What became of a block of new cards.
+struct CreatedCards {
+  std::int16_t status = 0;      ///< as Cardholder::createGroup has it
+  std::vector<Notice> notices;  ///< what is to be told of it, in this order
+  bool everywhere = true;  ///< whether all the group's controllers have them, or else the cards are marked
+};
 
 /// Cardholders: one row per card, known to the controllers by its number and its 8-digit code. Table
 /// "Cardholders", with the stored query "AccessGroupReaders" of a group's readers.
@@ -40,6 +48,9 @@ class Cardholder : public Table {
   /// that is killed meanwhile leaves on controllers, the next createGroup or generalDownload erases first.
   std::int16_t createGroup(std::int32_t firstCardNum, const std::string& firstCardCode, std::int16_t nCards,
                            std::int16_t accessGroupId, bool GroupMode = false);
+  /// The same without a box.
+  [[nodiscard]] CreatedCards create(std::int32_t firstCardNum, const std::string& firstCardCode,
+                                    std::int16_t nCards, std::int16_t accessGroupId, bool GroupMode);
 
   std::int16_t getCardNumId(std::int16_t cardNum);     ///< 0 when there is none
   std::string getNameByCardNum(std::int16_t cardNum);  ///< "" when there is none
@@ -52,7 +63,7 @@ class Cardholder : public Table {
   std::int16_t createRelations() override;
 
  private:
-  std::int16_t createBatch(std::int32_t firstCardNum, const std::string& firstCardCode, std::int16_t nCards,
+  CreatedCards createBatch(std::int32_t firstCardNum, const std::string& firstCardCode, std::int16_t nCards,
                            std::int16_t accessGroupId, bool GroupMode);
   std::int16_t conclude(CardDownload& download, const char* method, std::int16_t params);
   AccessContext& access_;

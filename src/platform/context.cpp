@@ -1,6 +1,7 @@
 #include "platform/context.h"
 
 #include <exception>
+#include <utility>
 
 #include "platform/database/database.h"
 
@@ -19,6 +20,7 @@ std::int16_t Context::recordFailure() {
 }
 
 void Context::report(const FailureMessage& message) {
+  if (message.error.number != 0) error_ = message.error;
   messages().display(message.mnemonic, message.method, message.argument, style::critical);
   error_.clear();
 }
@@ -26,6 +28,17 @@ void Context::report(const FailureMessage& message) {
 void Context::warn(const FailureMessage& message) {
   messages().display(message.mnemonic, message.method, message.argument, style::exclamation);
   error_.clear();
+}
+
+FailureMessage Context::kept(FailureMessage message) {
+  message.error = std::exchange(error_, {});
+  return message;
+}
+
+void Context::show(const std::vector<Notice>& notices) {
+  for (const Notice& notice : notices) {
+    notice.kind == Notice::Kind::warning ? warn(notice.message) : report(notice.message);
+  }
 }
 
 void Context::showLater(const std::function<void()>& body) {

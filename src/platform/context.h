@@ -7,6 +7,7 @@
 #include <string_view>
 #include <type_traits>
 #include <variant>
+#include <vector>
 
 #include "platform/error.h"
 #include "platform/ui/held_prompts.h"
@@ -28,6 +29,19 @@ struct FailureMessage {
   std::string_view mnemonic;
   std::string method;
   DisplayArgument argument = {};
+  ErrorInfo error =
+      {};  ///< of a message that is kept: the current error that it is shown with (Context::kept)
+};
+
+/// A message as a value, for whoever shows it later.
+struct Notice {
+  enum class Kind : std::uint8_t {
+    warning,   ///< done; a person is to know something of it
+    leftover,  ///< done, with something left that needs a person
+    failure
+  };
+  Kind kind = Kind::failure;
+  FailureMessage message;
 };
 
 /// The texts for a person, as the rooms that only use them see them.
@@ -109,6 +123,10 @@ class Context {
   void report(const FailureMessage& message);
   /// The same as a warning: nothing failed.
   void warn(const FailureMessage& message);
+  /// The message with the current error, which it is shown with later; the error is cleared.
+  [[nodiscard]] FailureMessage kept(FailureMessage message);
+  /// Shows messages in their order: warnings as warn does, others as report does.
+  void show(const std::vector<Notice>& notices);
 
   /// Runs `body`, which locks a database file, and shows the messages of the body when it has ended. Other
   /// programs wait for the file, and a person may take long to answer. The body must not ask a question.

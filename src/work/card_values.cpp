@@ -223,16 +223,28 @@ std::int16_t TakenByCards::freeNumber() {
   return nextFree_;
 }
 
+namespace {
+
+std::unique_ptr<Recordset> numbered(Installation& installation, std::int16_t number) {
+  return installation.database().openRecordset(
+      "parameters pNumber long; select * from Cardholders where CardNum = pNumber and Deleted = false",
+      {{"pNumber", number}});
+}
+
+}  // namespace
+
+std::unique_ptr<Recordset> cardNumbered(Installation& installation, std::int16_t number) {
+  auto rows = numbered(installation, number);
+  if (rows->eof()) throw Refusal("msgCardNumNotInUse", std::to_string(number));
+  return rows;
+}
+
 std::unique_ptr<Recordset> cardNamed(Installation& installation, const std::string& numberOrName) {
   constexpr std::size_t digitsOfANumber = 4;
   const bool isNumber = isDigits(numberOrName);
-  const auto numbered = [&] {
-    return installation.database().openRecordset(
-        "parameters pNumber long; select * from Cardholders where CardNum = pNumber and Deleted = false",
-        {{"pNumber", number16("the card number", numberOrName)}});
-  };
   if (isNumber && numberOrName.size() <= digitsOfANumber) {
-    if (auto rows = numbered(); !rows->eof()) return rows;
+    auto rows = numbered(installation, number16("the card number", numberOrName));
+    if (!rows->eof()) return rows;
   }
   auto rows = installation.database().openRecordset(
       "parameters pName memo; select * from Cardholders where Deleted = false and Name = pName",
@@ -240,8 +252,7 @@ std::unique_ptr<Recordset> cardNamed(Installation& installation, const std::stri
   if (!rows->eof()) return rows;
   // Names may be codes, which have 8 digits.
   if (!isNumber || numberOrName.size() >= codeLength) throw Refusal("msgCantFindCardholder", numberOrName);
-  (void)cardNumber(numberOrName);
-  rows = numbered();
+  rows = numbered(installation, cardNumber(numberOrName));
   if (rows->eof()) throw Refusal("msgCardNumNotInUse", numberOrName);
   return rows;
 }

@@ -93,6 +93,8 @@ class TakenByCards {
   std::int16_t nextFree_ = 1;
 };
 
+/// The row of the card of that number; a Refusal when there is none. Deleted cards are passed over.
+[[nodiscard]] std::unique_ptr<Recordset> cardNumbered(Installation& installation, std::int16_t number);
 /// The row of the card of that number (up to four digits) or name, with all columns; a Refusal when there is
 /// none. Deleted cards are passed over.
 [[nodiscard]] std::unique_ptr<Recordset> cardNamed(Installation& installation,

@@ -8,6 +8,7 @@
 #include "work/group_reach.h"
 #include "work/installation.h"
 #include "work/look_up.h"
+#include "work/readers.h"
 #include "work/refusal.h"
 #include "work/store_row.h"
 #include "work/words.h"
@@ -60,7 +61,7 @@ std::int32_t addLift(Installation& installation, const LiftTexts& lift) {
   alarms->set("Type", "M");
   alarms->set("Name", checkedName(lift.name));
   alarms->set("StationId", station);
-  alarms->set("ControllerAddress", numberWithin("the controller's address", lift.address, 1, 16));
+  alarms->set("ControllerAddress", controllerAddress(lift.address));
   storeRow(installation, *alarms, "Alarms", "lift output");
   return id;
 }
