@@ -34,7 +34,7 @@ class Access {
 
   void run() {
     downloadCards();
-    week_ = demoWeek(session_, presentationCount);
+    week_ = demoWeek(session_.library(), presentationCount);
     liveTheWeek();
     compare();
     if (!check_.asTold()) throw Refusal("the journal is not what the installation's rows say it must be");
@@ -47,7 +47,7 @@ class Access {
         << "\n5. 250 cardholders in 5 access groups, some with a last day or a credit, some invalidated,\n"
            "   4 holidays and a badge format. Two groups are created and sent as blocks of cards;\n"
            "   then everything is downloaded.\n\n";
-    fillDemoCards(session_);
+    fillDemoCards(session_.library());
     Download download(session_, {});
     check_.expect(download.ready() && download.leftOut().empty(), "every controller answers");
     for (const auto& [programs, title] :
@@ -105,7 +105,7 @@ class Access {
     std::cout
         << "\n7. What the rows of cards, groups, readers, programs and holidays say must have happened, and\n"
            "   what the journal says.\n\n";
-    DoorRules rules(session_);
+    DoorRules rules(session_.library());
     std::vector<Expected> expected;
     std::array<bool, reasonCount> seen{};
     for (const Presentation& presentation : week_) {

@@ -3,17 +3,14 @@
 #include <array>
 #include <cstdio>
 
-#include "access/access_group.h"
 #include "access/cardholder.h"
-#include "app/qdb.h"
-#include "commands/component.h"
-#include "commands/session.h"
-#include "platform/text.h"
+#include "platform/database/database.h"
 #include "work/badge_formats.h"
 #include "work/card_values.h"
+#include "work/cards.h"
+#include "work/groups.h"
 #include "work/holidays.h"
-#include "work/links.h"
-#include "work/look_up.h"
+#include "work/installation.h"
 #include "work/refusal.h"
 
 namespace voxa::cli {
@@ -22,7 +19,7 @@ namespace {
 
 struct Grant {
   const char* reader;
-  const char* program;  // weekly, of family C; "" is always
+  const char* program;  // weekly, of family C
 };
 
 struct DemoGroup {
@@ -52,20 +49,20 @@ const DemoGroup groups[] = {
      {{"Main entrance in", "Production"},
       {"Annex north", "Staff"},
       {"Annex south", "Staff"},
-      {"Laboratory", ""}},
+      {"Laboratory", "Always"}},
      201,
      35,
      ""},
     {"Management",
-     {{"Main entrance in", ""},
-      {"Main entrance out", ""},
-      {"Warehouse", ""},
-      {"Loading ramp", ""},
+     {{"Main entrance in", "Always"},
+      {"Main entrance out", "Always"},
+      {"Warehouse", "Always"},
+      {"Loading ramp", "Always"},
       {"Server room", "Staff"},
-      {"Annex north", ""},
-      {"Annex south", ""},
-      {"Laboratory", ""},
-      {"Garage", ""}},
+      {"Annex north", "Always"},
+      {"Annex south", "Always"},
+      {"Laboratory", "Always"},
+      {"Garage", "Always"}},
      301,
      15,
      ""},
@@ -84,66 +81,51 @@ constexpr DemoHoliday holidays[] = {{"Closing day", "24/12/2026", false},
                                     {"Boxing Day", "26/12/2020", true},
                                     {"New Year", "01/01/2020", true}};
 
-std::int16_t programNamed(Session& session, const std::string& name) {
-  if (name.empty()) return 0;
-  return weeklyProgramNamed(session.library(), "C", name)->get("ProgNum").toInt16();
-}
-
-std::int16_t addGroup(Session& session, const DemoGroup& group) {
-  const std::int16_t id = session.qdb().AccessGroups().getFreeId();
-  const auto rows = session.rows("select * from AccessGroups");
-  rows->addNew();
-  rows->set("Id", id);
-  rows->set("Name", group.name);
-  rows->update();
-  for (const Grant& grant : group.grants) {
-    linkReader(session.library(), id, readerNamed(session.library(), grant.reader)->get("Id").toInt32(),
-               programNamed(session, grant.program));
-  }
+/// Returns its number.
+std::int16_t addGroup(Installation& installation, const DemoGroup& group) {
+  const std::int16_t id = voxa::addGroup(installation, group.name);
+  for (const Grant& grant : group.grants) grantDoor(installation, group.name, grant.reader, grant.program);
   return id;
 }
 
-// What single cards have besides their place in the group.
-void setExtras(Recordset& row, std::int16_t card) {
-  if (card >= 1001) row.set("ValidationDate", card % 3 == 0 ? "23/12/2026" : "31/12/2026");
-  if (card % 11 == 0) row.set("Validated", false);
-  if (card % 10 == 5) row.set("Credit", static_cast<std::int16_t>(1 + card % 3));
-  if (card == 301) row.set("Supervisor", true);
-  if (card > 301 && card < 310) row.set("PINCode", static_cast<std::int16_t>(card));
+/// What single cards have besides their place in the group.
+void setExtras(CardTexts& texts, std::int16_t card) {
+  if (card >= 1001) texts.until = card % 3 == 0 ? "23/12/2026" : "31/12/2026";
+  if (card % 11 == 0) texts.valid = "no";
+  if (card % 10 == 5) texts.credit = std::to_string(1 + card % 3);
+  if (card == 301) texts.supervisor = "yes";
+  if (card > 301 && card < 310) texts.pin = std::to_string(card);
 }
 
-void addCards(Session& session, const DemoGroup& group, std::int16_t id) {
+void addCards(Installation& installation, const DemoGroup& group) {
   constexpr std::uint32_t firstCode = 0xA0C3E001;
   constexpr std::uint32_t step = 0x1011;
-  const auto rows = session.rows("select * from Cardholders where Id = 0");
   for (std::int16_t i = 0; i < group.cards; ++i) {
     const auto number = static_cast<std::int16_t>(group.firstCard + i);
     std::array<char, 16> code{};
     std::snprintf(code.data(), code.size(), "%08X", firstCode + static_cast<std::uint32_t>(number) * step);
     const auto place = static_cast<std::size_t>(number);
-    rows->addNew();
-    rows->set("CardNum", number);
-    rows->set("Name", std::string(firstNames[place % std::size(firstNames)]) + " " +
-                          lastNames[place % std::size(lastNames)] + " " + std::to_string(number));
-    rows->set("CardCode", code.data());
-    rows->set("AccessGroupId", id);
-    setExtras(*rows, number);
-    markWhole(*rows);
-    rows->update();
+    CardTexts texts;
+    texts.number = std::to_string(number);
+    texts.name = std::string(firstNames[place % std::size(firstNames)]) + " " +
+                 lastNames[place % std::size(lastNames)] + " " + *texts.number;
+    texts.code = code.data();
+    texts.group = group.name;
+    setExtras(texts, number);
+    addCard(installation, texts);
   }
 }
 
-// Of the blocks, which the controllers hold by now, some cards are invalidated, some get a last day.
-void changeBlockCards(Session& session) {
-  const auto rows = session.rows("select * from Cardholders where CardNum < 200");
-  for (; !rows->eof(); rows->moveNext()) {
-    const std::int32_t number = rows->get("CardNum").toInt32();
-    if (number % 17 != 0 && number % 20 != 3) continue;
-    rows->edit();
-    if (number % 17 == 0) rows->set("Validated", false);
-    if (number % 20 == 3) rows->set("ValidationDate", "22/12/2026");
-    markWhole(*rows);
-    rows->update();
+/// Of the blocks, which the controllers hold by now, some cards are invalidated, some get a last day.
+void changeBlockCards(Installation& installation) {
+  for (const DemoGroup& group : groups) {
+    if (*group.firstCode == '\0') continue;
+    for (std::int16_t number = group.firstCard; number < group.firstCard + group.cards; ++number) {
+      CardTexts texts;
+      if (number % 17 == 0) texts.valid = "no";
+      if (number % 20 == 3) texts.until = "22/12/2026";
+      if (texts.valid || texts.until) changeCard(installation, std::to_string(number), texts);
+    }
   }
 }
 
@@ -165,25 +147,22 @@ void addSiteFormat(Installation& installation) {
 
 }  // namespace
 
-void fillDemoCards(Session& session) {
+void fillDemoCards(Installation& installation) {
   for (const DemoGroup& group : groups) {
-    std::int16_t id = 0;
-    {
-      Transaction transaction(session.library().engine(), session.qdb().database());
-      id = addGroup(session, group);
-      if (*group.firstCode == '\0') addCards(session, group, id);
+    const std::int16_t id = addGroup(installation, group);
+    if (*group.firstCode == '\0') {
+      // One transaction: the disk is waited for once.
+      Transaction transaction(installation.engine(), installation.database());
+      addCards(installation, group);
       transaction.commit();
-    }
-    if (*group.firstCode == '\0') continue;
-    if (session.qdb().Cardholders().createGroup(group.firstCard, group.firstCode, group.cards, id) != 0) {
+    } else if (installation.Cardholders().createGroup(group.firstCard, group.firstCode, group.cards, id) !=
+               0) {
       throw Refusal(std::string("the cards of ") + group.name + " were not taken");
     }
   }
-  Transaction transaction(session.library().engine(), session.qdb().database());
-  changeBlockCards(session);
-  transaction.commit();
-  addHolidays(session.library());
-  addSiteFormat(session.library());
+  changeBlockCards(installation);
+  addHolidays(installation);
+  addSiteFormat(installation);
 }
 
 }  // namespace voxa::cli

@@ -3,10 +3,11 @@
 #include <algorithm>
 #include <cmath>
 
-#include "commands/session.h"
 #include "platform/datetime.h"
 #include "platform/text.h"
+#include "work/cards.h"
 #include "work/daily_programs.h"
+#include "work/groups.h"
 #include "work/holidays.h"
 #include "work/readers.h"
 #include "work/stations.h"
@@ -62,41 +63,40 @@ TransactionMeaning meaningOf(Reason reason) {
   }
 }
 
-DoorRules::DoorRules(Session& session) {
-  readCards(session);
-  readDoors(session);
-  readPrograms(session.library());
+DoorRules::DoorRules(Installation& installation) {
+  readDoors(installation);
+  readPrograms(installation);
+  readCards(installation);
 }
 
-void DoorRules::readCards(Session& session) {
-  const auto rows = session.rows("select * from Cardholders where Deleted = false");
-  for (; !rows->eof(); rows->moveNext()) {
-    Card card{rows->get("CardNum").toInt32(),
-              rows->get("Name").toText(),
-              rows->get("AccessGroupId").toInt16(),
-              rows->get("Validated").toBool(),
-              {},
-              0};
-    if (const Value last = rows->get("ValidationDate"); !last.isNull()) {
-      card.lastDay = static_cast<int>(last.toDateTime().days);
-    }
-    if (const Value credit = rows->get("Credit"); !credit.isNull()) card.credit = credit.toInt16();
-    cards_.emplace(rows->get("CardCode").toText(), std::move(card));
-  }
-}
-
-void DoorRules::readDoors(Session& session) {
-  for (const StationRow& station : listStations(session.library())) stationNames_[station.id] = station.name;
-  std::map<std::int32_t, Controller> controllers;
-  for (const ReaderRow& reader : listReaders(session.library())) {
+void DoorRules::readDoors(Installation& installation) {
+  for (const StationRow& station : listStations(installation)) stationNames_[station.id] = station.name;
+  std::map<std::string, ReaderRow> readers;
+  for (const ReaderRow& reader : listReaders(installation)) {
     readerNames_[reader.id] = reader.name;
-    controllers[reader.id] = {reader.stationId, reader.address.toInt32()};
+    readers[reader.name] = reader;
   }
-  for (auto rows = session.rows("select * from AccGroupReaders"); !rows->eof(); rows->moveNext()) {
-    const std::int16_t group = rows->get("AccessGroupId").toInt16();
-    const std::int32_t reader = rows->get("ReaderId").toInt32();
-    programs_[{group, reader}] = rows->get("WeeklyProgNum").toInt16();
-    reached_.insert({group, controllers.at(reader)});
+  for (const GroupRow& group : listGroups(installation)) {
+    groups_[group.name] = group.id;
+    for (const GroupRow::Door& door : group.doors) {
+      if (door.side.access == DoorSide::Access::otherSide) continue;  // which it opens is no grant
+      const ReaderRow& reader = readers.at(door.side.reader);
+      programs_[{group.id, reader.id}] = door.side.weeklyProgram;
+      reached_.insert({group.id, {reader.stationId, reader.address.toInt32()}});
+    }
+  }
+}
+
+void DoorRules::readCards(Installation& installation) {
+  for (const CardRow& row : listCards(installation)) {
+    Card card{row.number.toInt32(),
+              row.name.toText(),
+              groups_.at(row.group.toText()),
+              row.valid.toBool(),
+              {},
+              row.credit.isNull() ? 0 : row.credit.toInt16()};
+    if (!row.until.isNull()) card.lastDay = static_cast<int>(row.until.toDateTime().days);
+    cards_.emplace(row.code.toText(), std::move(card));
   }
 }
 

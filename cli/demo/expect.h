@@ -55,7 +55,7 @@ struct Expected {
 /// a credit is used up.
 class DoorRules {
  public:
-  explicit DoorRules(Session& session);
+  explicit DoorRules(Installation& installation);
   [[nodiscard]] Expected expect(const Presentation& presentation);
 
  private:
@@ -74,14 +74,15 @@ class DoorRules {
   using Controller = std::pair<std::int32_t, std::int32_t>;  // station and address
   using Interval = std::pair<int, int>;                      // minutes of the day, the end not in it
 
-  void readCards(Session& session);
-  void readDoors(Session& session);
+  void readCards(Installation& installation);
+  void readDoors(Installation& installation);
   void readPrograms(Installation& installation);
   Reason decide(const Card& card, const Presentation& presentation);
   [[nodiscard]] bool isHoliday(int day) const;
   [[nodiscard]] bool isOpen(int program, int day, int minute) const;
 
-  std::map<std::string, Card> cards_;  // by code
+  std::map<std::string, Card> cards_;           // by code
+  std::map<std::string, std::int16_t> groups_;  // by name
   std::map<std::int32_t, std::string> stationNames_;
   std::map<std::int32_t, std::string> readerNames_;
   std::map<std::pair<std::int16_t, std::int32_t>, int> programs_;  // weekly, by group and reader

@@ -4,9 +4,10 @@
 #include <map>
 #include <set>
 
-#include "commands/session.h"
 #include "platform/datetime.h"
 #include "random.h"
+#include "work/cards.h"
+#include "work/groups.h"
 #include "work/readers.h"
 
 namespace voxa::cli {
@@ -23,26 +24,26 @@ struct Card {
 
 class Week {
  public:
-  explicit Week(Session& session) {
-    for (const ReaderRow& reader : listReaders(session.library())) {
+  explicit Week(Installation& installation) {
+    std::map<std::string, std::int16_t> groups;
+    std::map<std::string, Presentation> doors;
+    for (const ReaderRow& reader : listReaders(installation)) {
       doors_.push_back(
           {reader.id, reader.stationId, reader.address.toInt16(), reader.position.toInt16(), {}, {}});
+      doors[reader.name] = doors_.back();
     }
-    const auto links = session.rows("select * from AccGroupReaders order by AccessGroupId, ReaderId");
-    for (; !links->eof(); links->moveNext()) {
-      const std::int32_t reader = links->get("ReaderId").toInt32();
-      const auto door = std::find_if(doors_.begin(), doors_.end(),
-                                     [&](const Presentation& one) { return one.reader == reader; });
-      doorsOfGroup_[links->get("AccessGroupId").toInt16()].push_back(*door);
+    for (const GroupRow& group : listGroups(installation)) {
+      groups[group.name] = group.id;
+      auto& open = doorsOfGroup_[group.id];
+      for (const GroupRow::Door& door : group.doors) open.push_back(doors.at(door.side.reader));
+      std::sort(open.begin(), open.end(),
+                [](const Presentation& one, const Presentation& other) { return one.reader < other.reader; });
     }
-    const auto cards = session.rows("select * from Cardholders where Deleted = false order by CardNum");
-    for (; !cards->eof(); cards->moveNext()) {
-      const Card card{cards->get("CardCode").toText(), cards->get("AccessGroupId").toInt16()};
+    for (const CardRow& row : listCards(installation)) {
+      const Card card{row.code.toText(), groups.at(row.group.toText())};
       cards_.push_back(card);
       codes_.insert(card.code);
-      const bool limited = !cards->get("ValidationDate").isNull() || !cards->get("Credit").isNull() ||
-                           !cards->get("Validated").toBool();
-      if (limited) limited_.push_back(card);
+      if (!row.until.isNull() || !row.credit.isNull() || !row.valid.toBool()) limited_.push_back(card);
     }
   }
 
@@ -91,8 +92,8 @@ class Week {
 
 }  // namespace
 
-std::vector<Presentation> demoWeek(Session& session, std::size_t count) {
-  Week week(session);
+std::vector<Presentation> demoWeek(Installation& installation, std::size_t count) {
+  Week week(installation);
   std::vector<int> minutes(count);
   std::generate(minutes.begin(), minutes.end(), [&] { return week.minute(); });
   std::sort(minutes.begin(), minutes.end());

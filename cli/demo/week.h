@@ -6,9 +6,11 @@
 
 #include "platform/value.h"
 
-namespace voxa::cli {
+namespace voxa {
+class Installation;
+}
 
-class Session;
+namespace voxa::cli {
 
 /// A card held before a reader.
 struct Presentation {
@@ -23,6 +25,6 @@ struct Presentation {
 /// What people do at the doors from Monday 21 to Sunday 27 December 2026, by time: most come with their own
 /// card to a door of their group, some to any door, some with an unknown card; at all hours, the minutes at
 /// which programs begin and end more often than others. The same for the same rows.
-[[nodiscard]] std::vector<Presentation> demoWeek(Session& session, std::size_t count);
+[[nodiscard]] std::vector<Presentation> demoWeek(Installation& installation, std::size_t count);
 
 }  // namespace voxa::cli
