@@ -233,8 +233,7 @@ void downloadTables(Session& session, const std::vector<Programs>& kinds, const 
 
 void downloadBadgeFormat(Session& session, const DownloadOptions& options) {
   session.openForSending();
-  const auto format = badgeFormats(session.library());
-  moveToNumberOrName(*format, "Id", options.badgeFormat, "msgCantFindBadgeFormat");
+  const auto format = badgeFormatNamed(session.library(), options.badgeFormat);
   download(session, options, [&](Download& to) {
     const DownloadCount count = to.sendBadgeFormat(*format, options.full);
     if (count.sent + count.unchanged + count.failed == 0 && to.leftOut().empty()) {

@@ -4,7 +4,6 @@
 
 #include "access/badge_format.h"
 #include "platform/database/database.h"
-#include "platform/text.h"
 #include "work/installation.h"
 #include "work/refusal.h"
 #include "work/words.h"
@@ -60,22 +59,6 @@ void requireBadgeFormats(Installation& installation) {
 }
 
 }  // namespace
-
-bool moveToName(Recordset& rows, const std::string& name) {
-  while (!rows.eof() && !equalNoCase(rows.get("Name").toText(), name)) rows.moveNext();
-  return !rows.eof();
-}
-
-void moveToNumberOrName(Recordset& rows, const char* numberColumn, const std::string& text,
-                        const char* mnemonic) {
-  if (isNumber(text)) {
-    const std::int16_t number = number16("the number", text);
-    while (!rows.eof() && rows.get(numberColumn).toInt32() != number) rows.moveNext();
-    if (!rows.eof()) return;
-    rows.moveFirst();
-  }
-  if (!moveToName(rows, text)) throw Refusal(mnemonic, text);
-}
 
 std::unique_ptr<Recordset> stationNamed(Installation& installation, const std::string& name) {
   return named(installation, {"Stations", "Id", "msgCantFindStation"}, name);

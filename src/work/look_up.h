@@ -33,11 +33,4 @@ class Recordset;
 [[nodiscard]] std::unique_ptr<Recordset> badgeFormats(Installation& installation);
 [[nodiscard]] bool hasBadgeFormats(Installation& installation);
 
-/// Moves to the first row of that name; false, and past the last row, when there is none.
-bool moveToName(Recordset& rows, const std::string& name);
-/// Moves to the row of that number, when the text is one, else to the row of that name. A Refusal with the
-/// text of `mnemonic` when there is none.
-void moveToNumberOrName(Recordset& rows, const char* numberColumn, const std::string& text,
-                        const char* mnemonic);
-
 }  // namespace voxa
