@@ -47,7 +47,8 @@ class GroupNames {
 /// As it was written; what is not given stays as it is. "none" for a personal code, last day or credit takes
 /// it away.
 struct CardTexts {
-  std::optional<std::string> name, number, code, group, pin, until, credit, supervisor, valid;
+  std::optional<std::string> name = {}, number = {}, code = {}, group = {}, pin = {}, until = {}, credit = {},
+                             supervisor = {}, valid = {};
 };
 
 /// The same, checked.

@@ -1,0 +1,153 @@
+#include "work/cards.h"
+#include "comm/com.h"
+#include "support/installation_test.h"
+#include "work/card_batch.h"
+#include "work/card_erasing.h"
+#include "work/card_import.h"
+#include "work/groups.h"
+#include "work/lifts.h"
+#include "work/refusal.h"
+#include "work/report.h"
+
+namespace voxa {
+namespace {
+
+// Staff opens Front on controller 1 and Back on controller 5, and uses a lift output on 1; Guests open Back.
+class CardWorkTest : public test::InstallationTest {
+ protected:
+  void SetUp() override {
+    createInstallation();
+    addReader(1, "Front", 1, 1, 1);
+    addReader(2, "Back", 1, 5, 1);
+    addGroup(*library, "Staff");
+    addGroup(*library, "Guests");
+    for (const auto& [group, door] : {std::pair("Staff", "Front"), {"Staff", "Back"}, {"Guests", "Back"}}) {
+      grantDoor(*library, group, door, "0");
+    }
+    addLift(*library, {"Top", "Local", "1", "3"});
+    grantLift(*library, "Staff", "Top");
+    addCard(*library, {"Ann", "12", "4711", "Staff", "42"});
+    forgetMarks();
+    testLine(bothAnswer);
+  }
+  void TearDown() override { EXPECT_TRUE(boxes().empty()) << "work shows nothing"; }
+
+  void forgetMarks() { db().execute("update Cardholders set CardCodeFlagD = False, PINCodeFlagD = False"); }
+  std::string marked() { return query("select PINCodeFlagD from Cardholders where Name = 'Ann'"); }
+  void testLine(const char* answers) {
+    driver.resultFile = answers;
+    (void)library->Com().TestCom();
+    driver.calls.clear();
+  }
+  void refuseCommands(bool refuse) {
+    driver.answer = [refuse](const auto& call) { return refuse && call.command == CmSendCommand ? 4 : 100; };
+  }
+
+  static constexpr const char* bothAnswer = "1XXX1XXXXXXXXXXX";
+  static constexpr const char* frontSilent = "2XXX1XXXXXXXXXXX";
+};
+
+TEST_F(CardWorkTest, WhatACardLosesErasesItBeforeTheRowsChange) {
+  const auto rows = [this] {
+    std::string all;
+    for (const char* field :
+         {"CardNum from Cardholders", "CardCode from Cardholders", "AccessGroupId from Cardholders",
+          "count(*) from AccGroupReaders", "count(*) from LiftGroup", "count(*) from AccessGroups"}) {
+      all += query(std::string("select ") + field) + " ";
+    }
+    return all;
+  };
+  const auto change = [this](const char* card, CardTexts texts) {
+    return [this, card, texts] { changeCard(*library, card, texts); };
+  };
+  const std::pair<const char*, std::function<void()>> works[] = {
+      {"090012", change("Ann", {.code = "4712"})},
+      {"090012", change("12", {.number = "13"})},
+      {"090013", [this] { revokeLift(*library, "Staff", "top"); }},
+      {"090013", change("13", {.group = "Guests"})},
+      {"", change("Ann", {.group = "Staff"})},
+      {"090013", [this] { revokeDoor(*library, "staff", "Front"); }},
+      {"", [this] { grantDoor(*library, "Staff", "Front", "0"); }},
+      {"090013", [this] { deleteGroup(*library, "Staff", "Guests"); }}};
+  for (const auto& [line, work] : works) {
+    SCOPED_TRACE(rows());
+    forgetMarks();
+    driver.calls.clear();
+    if (*line != '\0') {
+      const std::string before = rows();
+      driver.resultFile = frontSilent;
+      EXPECT_THROW(work(), Refusal);
+      EXPECT_EQ(driver.sent() + marked(), "False") << "nothing is sent when one does not answer";
+      driver.resultFile = bothAnswer;
+      refuseCommands(true);
+      EXPECT_THROW(work(), Refusal);
+      EXPECT_EQ(marked(), "True") << "one may have erased it";
+      EXPECT_EQ(rows(), before);
+      refuseCommands(false);
+      driver.calls.clear();
+      forgetMarks();
+    }
+    work();
+    EXPECT_EQ(driver.sent().substr(0, 6), line);
+    EXPECT_EQ(marked(), "True");
+  }
+  EXPECT_EQ(rows(), "13 00004712 2 1 0 2 ");
+  EXPECT_THROW(deleteGroup(*library, "Guests"), Refusal) << "it has a card";
+}
+
+TEST_F(CardWorkTest, WhatTheControllersWereNotToldIsReturned) {
+  const CardBatch batch(*library, {"40", "500", "2", "Staff"});
+  refuseCommands(true);
+  CreatedBatch created = createCards(*library, batch, true);
+  EXPECT_FALSE(created.created);
+  ASSERT_EQ(created.notices.size(), 1U);
+  EXPECT_EQ(created.notices[0].message.mnemonic, "msgCantDownload");
+  EXPECT_THROW((void)invalidateCard(*library, 12, {}), Refusal);
+  ErasedCard card = deleteCard(*library, 12);
+  EXPECT_FALSE(card.erased);
+  ASSERT_EQ(card.notices.size(), 1U);
+  EXPECT_EQ(marked() + query("select Deleted from Cardholders"), "TrueFalse");
+
+  refuseCommands(false);
+  testLine(frontSilent);
+  created = createCards(*library, batch, true);
+  EXPECT_TRUE(created.created && created.notices.empty());
+  const std::vector<std::string> front = {"Local Controller 1  -  Front"};
+  EXPECT_EQ(created.silent, front);
+  EXPECT_EQ(query("select count(*) from Cardholders where CardCodeFlagD = True and CardNum >= 40"), "2");
+  created = createCards(*library, batch, true);
+  ASSERT_EQ(created.notices.size(), 1U);
+  EXPECT_EQ(created.notices[0].message.mnemonic, "msgCardNumInUse");
+  EXPECT_EQ(invalidateCard(*library, 12, {}).holders, front);
+  card = deleteCard(*library, 12);
+  EXPECT_EQ(card.holders, front);
+  EXPECT_EQ(query("select CardCodeFlagD from Cardholders where Deleted = True"), "True")
+      << "to be erased yet";
+  EXPECT_THROW((void)deleteCard(*library, 500), Refusal) << "a name, and the number of no card";
+}
+
+TEST_F(CardWorkTest, ATableIsImportedWhollyOrNotAtAll) {
+  struct : Observer {
+    void progress(const char* /*what*/, std::size_t done, std::size_t total) override {
+      last = std::to_string(done) + "/" + std::to_string(total);
+    }
+    std::string last;
+  } observer;
+  const auto import = [&](const std::string& lines) {
+    return importCards(*library, "\xEF\xBB\xBFname, code ,group,number\r\n" + lines, observer);
+  };
+  const CardImport bad =
+      import("Ben,1,Staff,\nAnn,2,Staff,\n\nCas,1,Staff,\nDan,3,Nobody,\nEve,4,Staff,12\n,5,0,\nF\n");
+  std::string lines;
+  for (const auto& line : bad.badLines) lines += std::to_string(line.line) + " ";
+  EXPECT_EQ(lines, "3 5 6 7 8 9 ");
+  EXPECT_EQ(bad.badLines[1].reason, "Card code already in use (00000001: line 2)");
+  EXPECT_EQ(query("select count(*) from Cardholders") + observer.last, "1");
+
+  EXPECT_EQ(import("Ben,1,Staff,\nCas,2,guests,1\n").cards, 2U);
+  EXPECT_EQ(observer.last, "2/2");
+  EXPECT_EQ(query("select CardNum from Cardholders where Name = 'Ben' and ValidatedFlagD = True"), "2");
+}
+
+}  // namespace
+}  // namespace voxa
