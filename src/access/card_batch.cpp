@@ -106,13 +106,13 @@ std::optional<FailureMessage> Batch::inUse(const std::string& column, const std:
 
 void Batch::insert(bool groupMode) {
   const std::string prefix = groupMode ? "" : context_.messages().read("nameGroupCard") + " ";
+  const auto insert = database().prepare(
+      "parameters pName memo, pNumber long, pCode memo, pGroup long; insert into Cardholders (Name, cardNum, "
+      "CardCode, AccessGroupId) values (pName, pNumber, pCode, pGroup)");
   for (std::int16_t i = 0; i < cards_; ++i) {
     const std::int16_t number = cardNumber(firstNum_ + i);
     const std::string code = addToCardCode(firstCode_, i);
-    std::string sql = "insert into Cardholders (Name, cardNum, CardCode,AccessGroupId)  values ('";
-    sql += groupMode ? code : prefix + zeroPadded(number, 4);
-    sql.append("',").append(std::to_string(number)).append(", '").append(code);
-    database().execute(sql.append("',").append(std::to_string(group_)).append(")"));
+    insert->execute({groupMode ? code : prefix + zeroPadded(number, 4), number, code, group_});
   }
 }
 

@@ -1,5 +1,6 @@
 #include "work/cards.h"
 #include "comm/com.h"
+#include "messages/strings.h"
 #include "support/installation_test.h"
 #include "work/card_batch.h"
 #include "work/card_erasing.h"
@@ -110,11 +111,13 @@ TEST_F(CardWorkTest, WhatTheControllersWereNotToldIsReturned) {
 
   refuseCommands(false);
   testLine(frontSilent);
-  created = createCards(*library, batch, true);
+  glob->Strings().insert("nameGroupCard", "Carte d'accès", 2000, "Table Cardholders", "Name");
+  created = createCards(*library, batch, false);
   EXPECT_TRUE(created.created && created.notices.empty());
   const std::vector<std::string> front = {"Local Controller 1  -  Front"};
   EXPECT_EQ(created.silent, front);
-  EXPECT_EQ(query("select count(*) from Cardholders where CardCodeFlagD = True and CardNum >= 40"), "2");
+  EXPECT_EQ(query("select Name from Cardholders where CardCodeFlagD = True and CardNum = 41"),
+            "Carte d'accès 0041");
   created = createCards(*library, batch, true);
   ASSERT_EQ(created.notices.size(), 1U);
   EXPECT_EQ(created.notices[0].message.mnemonic, "msgCardNumInUse");
@@ -123,6 +126,7 @@ TEST_F(CardWorkTest, WhatTheControllersWereNotToldIsReturned) {
   EXPECT_EQ(card.holders, front);
   EXPECT_EQ(query("select CardCodeFlagD from Cardholders where Deleted = True"), "True")
       << "to be erased yet";
+  changeCard(*library, "40", {.name = "500"});
   EXPECT_THROW((void)deleteCard(*library, 500), Refusal) << "a name, and the number of no card";
 }
 
