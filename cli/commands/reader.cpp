@@ -3,9 +3,11 @@
 #include <CLI/CLI.hpp>
 #include <iostream>
 
+#include "comm/com.h"
 #include "commands.h"
 #include "output/table_output.h"
 #include "session.h"
+#include "work/links.h"
 #include "work/readers.h"
 
 namespace voxa::cli {
@@ -15,6 +17,9 @@ namespace {
 void addReader(Session& session, const ReaderTexts& texts) {
   session.openForSending();
   const AddedReader added = voxa::addReader(session.library(), texts);
+  if (added.cardsToSend && session.com().readyToSend(CTReader, texts.name, nullptr)) {
+    session.show(sendDefaultGroup(session.library(), added.id));
+  }
   std::cout << "Reader " << added.id << ": " << texts.name << '\n';
   if (added.newController) {
     std::cout << "Its controller is new: 'voxa download all' sends it the programs and holidays\n";

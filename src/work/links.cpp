@@ -59,13 +59,13 @@ void markProgramsForNewController(Installation& installation) {
   transaction.commit();
 }
 
-void linkNewReader(Installation& installation, std::int16_t reader) {
-  // Without cards there is nothing to send, and no controller to ask for.
-  if (cardsOf(installation, defaultGroup).live.empty()) {
-    return linkReader(installation, defaultGroup, reader, always);
-  }
-  markGroup(installation, defaultGroup);
-  installation.AccessGroups().addReaderToDefaultGroup(reader);
+bool linkNewReader(Installation& installation, std::int16_t reader) {
+  linkReader(installation, defaultGroup, reader, always);
+  return !cardsOf(installation, defaultGroup).live.empty();
+}
+
+std::vector<Notice> sendDefaultGroup(Installation& installation, std::int16_t reader) {
+  return installation.AccessGroups().send(defaultGroup, DLFull, reader).notices;
 }
 
 }  // namespace voxa

@@ -2,6 +2,9 @@
 
 #include <cstdint>
 #include <memory>
+#include <vector>
+
+#include "platform/context.h"
 
 namespace voxa {
 class Recordset;
@@ -23,8 +26,11 @@ void linkReader(Installation& installation, std::int16_t group, std::int32_t rea
 /// Marks all programs and holidays to be sent: there is a controller that may hold none of them, and would
 /// judge by what it has, "no holiday" for one. The others get them once more.
 void markProgramsForNewController(Installation& installation);
-/// What a new reader begins with: the default group opens it always. Cards of that group are sent to its
-/// controller now; they stay marked when that fails, which has been shown.
-void linkNewReader(Installation& installation, std::int16_t reader);
+/// What a new reader begins with: the default group opens it always. Whether that group has cards, which are
+/// marked and to be sent.
+bool linkNewReader(Installation& installation, std::int16_t reader);
+/// Sends the cards of the default group to a reader's controller, behind a test of it. What is to be told of
+/// it; what did not arrive stays marked.
+[[nodiscard]] std::vector<Notice> sendDefaultGroup(Installation& installation, std::int16_t reader);
 
 }  // namespace voxa

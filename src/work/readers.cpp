@@ -1,5 +1,6 @@
 #include "work/readers.h"
 
+#include "comm/com.h"
 #include "comm/reader.h"
 #include "comm/station.h"
 #include "platform/database/database.h"
@@ -47,10 +48,11 @@ AddedReader addReader(Installation& installation, const ReaderTexts& texts) {
   rows->set("Position", position);
   storeRow(installation, *rows, "Readers", "reader");
   if (added.newController) markProgramsForNewController(installation);
+  const bool cards = linkNewReader(installation, added.id);
+  added.cardsToSend = cards && installation.Com().isInUse(station);
   // The driver learns from the station's file which controllers are on the line.
   installation.Stations().createIniFile(station);
   transaction.commit();
-  linkNewReader(installation, added.id);
   return added;
 }
 

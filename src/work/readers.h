@@ -32,11 +32,13 @@ struct ReaderRow {
 struct AddedReader {
   std::int16_t id = 0;
   bool newController = false;  ///< the first reader of its controller
+  bool cardsToSend = false;    ///< the default group has cards, and the line is in use: see sendDefaultGroup
 };
 
-/// Adds a reader, which the default group opens always, and writes the file from which the driver knows the
-/// line. All programs and holidays are marked to be sent when its controller is new: it may hold none of
-/// them. What cannot be as it is written is a Refusal, and nothing is changed then.
+/// Adds a reader, which the default group opens always, marks that group when it has cards, and writes the
+/// file from which the driver knows the line. All programs and holidays are marked to be sent when its
+/// controller is new: it may hold none of them. What cannot be as it is written is a Refusal, and nothing is
+/// changed then.
 AddedReader addReader(Installation& installation, const ReaderTexts& texts);
 
 [[nodiscard]] std::vector<ReaderRow> listReaders(Installation& installation);  ///< by id

@@ -7,6 +7,8 @@
 #include "work/card_import.h"
 #include "work/groups.h"
 #include "work/lifts.h"
+#include "work/links.h"
+#include "work/readers.h"
 #include "work/refusal.h"
 #include "work/report.h"
 
@@ -128,6 +130,23 @@ TEST_F(CardWorkTest, WhatTheControllersWereNotToldIsReturned) {
       << "to be erased yet";
   changeCard(*library, "40", {.name = "500"});
   EXPECT_THROW((void)deleteCard(*library, 500), Refusal) << "a name, and the number of no card";
+}
+
+TEST_F(CardWorkTest, ANewReaderStaysMarkedUntilItHasTheCardsOfTheDefaultGroup) {
+  addCard(*library, {"Zoe", {}, "5", "0"});
+  testLine(frontSilent);
+  const AddedReader side = voxa::addReader(*library, {"Side", "Local", "1", "2"});
+  EXPECT_TRUE(side.cardsToSend);
+  EXPECT_TRUE(driver.calls.empty()) << "whether to send is asked before";
+  const auto links = "select count(*) from AccGroupReaders where AccessGroupId = 0 and FlagD = True";
+  for (const auto& [answers, marked] : {std::pair(frontSilent, "1"), {bothAnswer, "0"}}) {
+    testLine(answers);
+    EXPECT_TRUE(sendDefaultGroup(*library, side.id).empty());
+    EXPECT_EQ(query(links), marked);
+  }
+  db().execute("update Stations set Active = False");
+  EXPECT_FALSE(voxa::addReader(*library, {"Rear", "Local", "1", "4"}).cardsToSend);
+  EXPECT_EQ(query(links), "1");
 }
 
 TEST_F(CardWorkTest, ATableIsImportedWhollyOrNotAtAll) {
