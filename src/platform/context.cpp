@@ -7,6 +7,16 @@
 
 namespace voxa {
 
+namespace {
+
+void tell(Context& context, const FailureMessage& message, int style) {
+  if (message.error.number != 0) context.error() = message.error;
+  context.messages().display(message.mnemonic, message.method, message.argument, style);
+  context.error().clear();
+}
+
+}  // namespace
+
 Context::Context(const Seams& seams)
     : seams_(seams), prompts_(seams.prompts, [this] {
         for (const auto& database : engine().databases()) database->endReading();
@@ -20,14 +30,11 @@ std::int16_t Context::recordFailure() {
 }
 
 void Context::report(const FailureMessage& message) {
-  if (message.error.number != 0) error_ = message.error;
-  messages().display(message.mnemonic, message.method, message.argument, style::critical);
-  error_.clear();
+  tell(*this, message, style::critical);
 }
 
 void Context::warn(const FailureMessage& message) {
-  messages().display(message.mnemonic, message.method, message.argument, style::exclamation);
-  error_.clear();
+  tell(*this, message, style::exclamation);
 }
 
 FailureMessage Context::kept(FailureMessage message) {
