@@ -5,7 +5,7 @@
 
 #include "card_commands.h"
 #include "component.h"
-#include "download.h"
+#include "line_question.h"
 #include "session.h"
 #include "work/card_batch.h"
 #include "work/card_erasing.h"
@@ -23,8 +23,9 @@ struct BatchOptions {
 
 /// Asks the component's controllers, and the person when some do not answer.
 void test(Session& session, const Component& component) {
-  Download download(session, component);
-  if (!download.ready()) throw Refusal("aborted: nothing was sent");
+  const std::optional<LineTest> test = testedLines(session, component);
+  if (!test) throw Refusal("aborted: nothing was sent");
+  passOver(session.library(), test->silent);
 }
 
 void createBatch(Session& session, const BatchOptions& options) {

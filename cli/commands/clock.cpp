@@ -3,30 +3,22 @@
 #include <CLI/CLI.hpp>
 #include <iostream>
 
-#include "comm/com.h"
 #include "commands.h"
 #include "component.h"
-#include "download.h"
 #include "session.h"
-#include "work/refusal.h"
+#include "work/line_commands.h"
+#include "work/line_test.h"
 
 namespace voxa::cli {
 
 namespace {
 
-void setClocks(Session& session, const ComponentChoice& choice) {
+void setAll(Session& session, const ComponentChoice& choice) {
   session.openForSending();
-  Com& com = session.com();
   const Component component = chosen(session, choice);
-  // A controller that is passed over keeps its wrong clock without a word, so none is.
-  const bool allAnswer = com.TestCom(component.type, component.name);
-  const std::string silent = eachOnALine(silentControllers(session, component));
-  if ((!allAnswer || !silent.empty()) && !com.inhibitCom) {
-    throw Refusal("not every controller answers: no clock was set (see voxa status)" + silent);
-  }
-  if (com.sendToComp(CmSendDate, component.type, component.name) != 0) {
-    throw Refusal("msgCantSendDate", com.popErrorList());
-  }
+  const LineTest test = testLines(session.library(), component);
+  session.show(test.notices);
+  setClocks(session.library(), component, test);
   std::cout << "The clocks are set\n";
 }
 
@@ -37,7 +29,7 @@ void addClockCommand(CLI::App& app, Session& session) {
   auto choice = std::make_shared<ComponentChoice>();
   addComponentOptions(*clock, *choice);
   clock->footer("Example:\n  voxa clock --station Local");
-  clock->callback([&session, choice] { setClocks(session, *choice); });
+  clock->callback([&session, choice] { setAll(session, *choice); });
 }
 
 }  // namespace voxa::cli

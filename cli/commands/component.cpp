@@ -3,8 +3,7 @@
 #include <CLI/CLI.hpp>
 
 #include "session.h"
-#include "work/look_up.h"
-#include "work/refusal.h"
+#include "work/line_test.h"
 
 namespace voxa::cli {
 
@@ -14,16 +13,7 @@ void addComponentOptions(CLI::App& command, ComponentChoice& choice) {
 }
 
 Component chosen(Session& session, const ComponentChoice& choice) {
-  if (!choice.station.empty()) {
-    return {CTStation, stationNamed(session.library(), choice.station)->get("Name").toText()};
-  }
-  if (!choice.reader.empty()) {
-    return {CTReader, readerNamed(session.library(), choice.reader)->get("Name").toText()};
-  }
-  if (session.rows("select Id from Stations where Active = true")->eof()) {
-    throw Refusal("msgNoActiveStation", "");
-  }
-  return {};
+  return componentNamed(session.library(), choice.station, choice.reader);
 }
 
 }  // namespace voxa::cli

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "comm/row_download.h"
+#include "comm/com_types.h"
 
 namespace CLI {
 class App;

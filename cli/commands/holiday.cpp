@@ -33,7 +33,7 @@ void deleteHoliday(Session& session, const std::string& numberOrName) {
   }
   const Report report = voxa::deleteHoliday(session.library(), holiday.slot);
   const Report::Row& row = report.rows.front();
-  if (row.message) session.library().report(*row.message);
+  session.show(report);
   if (row.outcome != Outcome::done) {
     throw Refusal(holiday.name + " stays, marked to be sent: delete it again when every controller answers" +
                   eachOnALine(report.controllersWith(Outcome::silent)));

@@ -12,7 +12,6 @@
 #include "work/card_export.h"
 #include "work/card_import.h"
 #include "work/refusal.h"
-#include "work/report.h"
 
 namespace voxa::cli {
 
@@ -25,22 +24,14 @@ std::string contentsOf(const std::string& path) {
   return text;
 }
 
-class ShownProgress : public Observer {
- public:
-  void progress(const char* what, std::size_t /*done*/, std::size_t total) override {
-    if (!shown_) shown_.emplace(what, total);
-    shown_->step();
-  }
-
- private:
-  std::optional<Progress> shown_;
-};
-
 void importTable(Session& session, const std::string& path) {
   constexpr std::size_t shownLines = 20;
   session.openForSending();
-  ShownProgress progress;
-  const CardImport import = importCards(session.library(), contentsOf(session.callersFile(path)), progress);
+  CardImport import;
+  {
+    Progress progress;
+    import = importCards(session.library(), contentsOf(session.callersFile(path)), progress);
+  }
   const std::size_t bad = import.badLines.size();
   for (std::size_t i = 0; i < std::min(bad, shownLines); ++i) {
     std::cerr << "line " << import.badLines[i].line << ": " << import.badLines[i].reason << '\n';

@@ -1,18 +1,17 @@
 // voxa command and voxa log: what goes over the line.
 
 #include <CLI/CLI.hpp>
-#include <deque>
+#include <functional>
 #include <iostream>
+#include <optional>
 
-#include "comm/com.h"
 #include "commands.h"
 #include "component.h"
-#include "files/seq_file.h"
 #include "output/hidden_pins.h"
 #include "output/table_output.h"
-#include "platform/files.h"
 #include "session.h"
-#include "work/refusal.h"
+#include "work/communication_log.h"
+#include "work/line_commands.h"
 #include "work/words.h"
 
 namespace voxa::cli {
@@ -21,10 +20,9 @@ namespace {
 
 void sendCommand(Session& session, const std::string& text, const ComponentChoice& choice) {
   session.openForSending();
-  if (text.empty()) throw Refusal("an empty command is not sent");
-  if (text.find_first_of("\r\n") != std::string::npos) throw Refusal("a command is one line");
-  const Component component = chosen(session, choice);
-  if (session.com().sendCommand(text, component.type, component.name) == 0) std::cout << "Sent\n";
+  const Report report = sendCommandLine(session.library(), chosen(session, choice), text);
+  session.show(report);
+  if (!report.failed()) std::cout << "Sent\n";
 }
 
 struct LogOptions {
@@ -33,38 +31,17 @@ struct LogOptions {
   bool json = false;
 };
 
-/// Hands each line of the log to `line`, or the last ones.
-void eachLogLine(Session& session, const LogOptions& options,
-                 const std::function<void(const std::string&)>& line) {
-  SeqFile log(session.library());
-  log.Name(session.com().logFileName);
-  if (!files::exists(log.Name())) return;
-  const bool all = options.tail.empty();
-  const auto most = all ? 0 : static_cast<std::size_t>(numberWithin("--tail", options.tail, 0, 32767));
-  std::deque<std::string> last;
-  log.fopen("r");
-  while (!log.fEOF()) {
-    std::string text = log.flineInput();
-    if (!options.showPins) text = withoutPin(std::move(text));
-    if (all) {
-      line(text);
-      continue;
-    }
-    last.push_back(std::move(text));
-    if (last.size() > most) last.pop_front();
-  }
-  log.fclose();
-  for (const std::string& text : last) line(text);
-}
-
 void showLog(Session& session, const LogOptions& options) {
   session.open();
-  if (!options.json) {
-    return eachLogLine(session, options, [](const std::string& line) { std::cout << line << '\n'; });
-  }
-  printList(std::cout, {"Line"}, true, [&](const auto& row) {
-    eachLogLine(session, options, [&](const std::string& line) { row({line}); });
-  });
+  const auto each = [&](const std::function<void(const std::string&)>& line) {
+    std::optional<std::size_t> last;
+    if (!options.tail.empty()) last = numberWithin("--tail", options.tail, 0, 32767);
+    eachLogLine(session.library(), last,
+                [&](const std::string& text) { line(options.showPins ? text : withoutPin(text)); });
+  };
+  if (!options.json) return each([](const std::string& line) { std::cout << line << '\n'; });
+  printList(std::cout, {"Line"}, true,
+            [&](const auto& row) { each([&](const std::string& line) { row({line}); }); });
 }
 
 }  // namespace

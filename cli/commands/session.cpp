@@ -74,6 +74,11 @@ void Session::show(const std::vector<Notice>& notices) {
   }
 }
 
+void Session::show(const Report& report) {
+  show(report.allNotices());
+  failed_ = failed_ || report.failed();
+}
+
 void Session::explainFailure(const std::string& command) {
   const auto say = [&](const std::string& sentence) { std::cerr << command << ": " << sentence << '\n'; };
   try {

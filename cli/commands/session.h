@@ -8,6 +8,7 @@
 #include "app/open_installation.h"
 #include "output/caller_prompts.h"
 #include "platform/text.h"
+#include "work/report.h"
 
 namespace voxa::cli {
 
@@ -46,6 +47,7 @@ class Session {
 
   /// Shows what the work on the installation tells, for a person and for the exit status.
   void show(const std::vector<Notice>& notices);
+  void show(const Report& report);
   /// Whether a failure was shown, or the opening left something undone, which has been shown.
   [[nodiscard]] bool failed() const { return failed_; }
   /// Whether something that is left for a person was shown.

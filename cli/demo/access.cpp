@@ -8,7 +8,7 @@
 #include "cards.h"
 #include "check.h"
 #include "commands/component.h"
-#include "commands/download.h"
+#include "commands/line_question.h"
 #include "commands/moments.h"
 #include "commands/session.h"
 #include "expect.h"
@@ -18,8 +18,8 @@
 #include "platform/datetime.h"
 #include "site/site.h"
 #include "week.h"
+#include "work/download.h"
 #include "work/journal_list.h"
-#include "work/look_up.h"
 #include "work/refusal.h"
 
 namespace voxa::cli {
@@ -48,21 +48,25 @@ class Access {
            "   4 holidays and a badge format. Two groups are created and sent as blocks of cards;\n"
            "   then everything is downloaded.\n\n";
     fillDemoCards(session_.library());
-    Download download(session_, {});
-    check_.expect(download.ready() && download.leftOut().empty(), "every controller answers");
-    for (const auto& [programs, title] :
-         {std::pair(Programs::daily, "Daily programs"), std::pair(Programs::weekly, "Weekly programs"),
-          std::pair(Programs::holidays, "Holidays"), std::pair(Programs::groups, "Access groups"),
-          std::pair(Programs::cards, "Cards")}) {
-      tell(title, download.send(programs, true));
+    const std::optional<LineTest> test = testedLines(session_, {});
+    check_.expect(test && test->silent.empty(), "every controller answers");
+    const DownloadTarget all{{}, true};
+    for (const auto& [kind, title] :
+         {std::pair(DownloadKind::dailyPrograms, "Daily programs"),
+          std::pair(DownloadKind::weeklyPrograms, "Weekly programs"),
+          std::pair(DownloadKind::holidays, "Holidays"), std::pair(DownloadKind::groups, "Access groups"),
+          std::pair(DownloadKind::cards, "Cards")}) {
+      tell(title, download(session_.library(), kind, all));
     }
-    const auto format = badgeFormatNamed(session_.library(), demoBadgeFormat);
-    tell("Badge format", download.sendBadgeFormat(*format, false));
+    tell("Badge format", downloadBadgeFormat(session_.library(), demoBadgeFormat, {}));
   }
 
-  void tell(const char* title, const DownloadCount& count) {
-    std::cout << "   " << title << ": " << count.sent << " sent, " << count.failed << " failed\n";
-    check_.expect(count.sent > 0 && count.failed == 0, "everything is sent");
+  void tell(const char* title, const Report& report) {
+    session_.show(report);
+    const std::size_t sent = report.rowsWith(Outcome::done);
+    std::cout << "   " << title << ": " << sent << " sent, " << report.rowsWith(Outcome::failed)
+              << " failed\n";
+    check_.expect(sent > 0 && !report.failed(), "everything is sent");
   }
 
   void liveTheWeek() {
@@ -74,12 +78,14 @@ class Access {
     const auto noon = std::find_if(week_.begin(), week_.end(), [&](const Presentation& presentation) {
       return presentation.moment >= toDateTime(thursdayNoon);
     });
-    Progress progress("Presenting card", week_.size());
+    Progress progress;
+    std::size_t presented = 0;
     const auto present = [&](auto from, auto to) {
-      for (; from != to; ++from, progress.step()) {
+      for (; from != to; ++from) {
         site::Swipe swipe{from->station, from->address, from->position, from->code};
         swipe.moment = siteMoment(from->moment);
         site_.swipe(swipe);
+        progress.progress("Presenting card", ++presented, week_.size());
       }
     };
     Journal& journal = session_.qdb().Journal();

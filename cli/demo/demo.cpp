@@ -10,13 +10,14 @@
 #include "access.h"
 #include "check.h"
 #include "commands/commands.h"
-#include "commands/download.h"
+#include "commands/line_question.h"
 #include "commands/session.h"
 #include "compare.h"
 #include "guard.h"
 #include "installation.h"
 #include "site/site.h"
 #include "work/daily_programs.h"
+#include "work/download.h"
 #include "work/refusal.h"
 #include "work/weekly_programs.h"
 
@@ -81,8 +82,8 @@ class Demo {
     std::cout
         << "1. A new installation: 2 stations, 6 controllers, 9 readers, 4 daily and 3 weekly programs.\n"
            "   Everything is marked to be sent, and is downloaded to every controller.\n\n";
-    expect(download_.ready(), "every controller answers");
-    send(download_);
+    expect(target(0).has_value(), "every controller answers");
+    send({});
     showMarked();
     std::cout << '\n';
     expect(printVerdicts(compareWithControllers(session_.library(), site_), false) == 0,
@@ -98,7 +99,7 @@ class Demo {
     faults.silent = true;
     site_.setFaults(silentStation, silentAddress, faults);
     changeDailyProgram(session_.library(), "Office", {{}, {"08:30-12:00"}});
-    expect(send(download_) == 1, "the failure is told");
+    expect(send({}) == 1, "the failure is told");
     session_.prompts().forgetFailures();
     expect(showMarked() == 1, "the program stays marked");
   }
@@ -110,10 +111,9 @@ class Demo {
            "   was left out the programs stay marked.\n\n";
     changeWeeklyProgram(session_.library(), "C", "Staff", {{}, {}, "2"});
     session_.prompts().prepare(Answer::ignore);
-    Download download(session_, {});
-    expect(download.ready(), "Ignore goes on");
-    expect(download.leftOut().size() == 1, "one controller is left out");
-    send(download);
+    const auto withoutOne = target(1);
+    expect(withoutOne.has_value(), "Ignore goes on without one controller");
+    send(withoutOne.value_or(DownloadTarget{}));
     expect(showMarked() == 2, "both programs stay marked");
     std::cout << '\n';
     const auto verdicts = compareWithControllers(session_.library(), site_);
@@ -126,9 +126,9 @@ class Demo {
   void bringBack() {
     std::cout << "\n4. The controller is back: what is marked is downloaded.\n\n";
     site_.clearFaults(silentStation, silentAddress);
-    Download download(session_, {});
-    expect(download.ready() && download.leftOut().empty(), "every controller answers again");
-    send(download);
+    const auto toAll = target(0);
+    expect(toAll.has_value(), "every controller answers again");
+    send(toAll.value_or(DownloadTarget{}));
     expect(showMarked() == 0, "nothing stays marked");
     std::cout << '\n';
     const auto verdicts = compareWithControllers(session_.library(), site_);
@@ -141,14 +141,24 @@ class Demo {
     expect(printVerdicts(verdicts, true) == 0, "all hold everything");
   }
 
+  // All controllers, tested; none when not so many of them are silent.
+  std::optional<DownloadTarget> target(std::size_t silent) {
+    const std::optional<LineTest> test = testedLines(session_, {});
+    if (!test || test->silent.size() != silent) return std::nullopt;
+    return DownloadTarget{{}, false, test->silent};
+  }
+
   // How many could not be sent.
-  int send(Download& download) {
-    int failed = 0;
-    for (const Programs programs : {Programs::daily, Programs::weekly}) {
-      const DownloadCount count = download.send(programs, false);
-      std::cout << "   " << (programs == Programs::daily ? "Daily" : "Weekly") << " programs: " << count.sent
-                << " sent, " << count.unchanged << " unchanged, " << count.failed << " failed\n";
-      failed += count.failed;
+  std::size_t send(const DownloadTarget& target) {
+    std::size_t failed = 0;
+    for (const DownloadKind kind : {DownloadKind::dailyPrograms, DownloadKind::weeklyPrograms}) {
+      const Report report = download(session_.library(), kind, target);
+      session_.library().show(report.allNotices());
+      std::cout << "   " << (kind == DownloadKind::dailyPrograms ? "Daily" : "Weekly")
+                << " programs: " << report.rowsWith(Outcome::done) << " sent, "
+                << report.rowsWith(Outcome::unchanged) << " unchanged, " << report.rowsWith(Outcome::failed)
+                << " failed\n";
+      failed += report.rowsWith(Outcome::failed);
     }
     return failed;
   }
@@ -172,7 +182,6 @@ class Demo {
 
   Session& session_;
   site::Site site_{fs::path(session_.settings.opening.folder) / "site"};
-  Download download_{session_, {}};
   DemoCheck check_;
 };
 

@@ -64,6 +64,11 @@ std::int16_t BadgeFormat::download(std::int16_t BadgeFormatID, std::int16_t& Rea
                                    ComponentType compType, const std::string& compName, std::int16_t Params,
                                    bool* AlreadyComTested) {
   if (!access_.Com().readyToSend(compType, compName, AlreadyComTested)) return 0;
+  return send(BadgeFormatID, ReaderNumber, isVRMD1, {compType, compName}, Params, showing(context_));
+}
+
+std::int16_t BadgeFormat::send(std::int16_t BadgeFormatID, std::int16_t ReaderNumber, bool isVRMD1,
+                               const Component& component, std::int16_t Params, const Tell& teller) {
   RowDownload what;
   what.condition = "Id = " + std::to_string(BadgeFormatID);
   what.row = "Badge format " + std::to_string(BadgeFormatID);
@@ -77,7 +82,7 @@ std::int16_t BadgeFormat::download(std::int16_t BadgeFormatID, std::int16_t& Rea
   what.lines = [&](const Recordset& row) {
     return std::vector{badgeFormatLine(recordOf(row), ReaderNumber, isVRMD1)};
   };
-  return downloadRow(access_, gen_, what, {compType, compName}, Params);
+  return downloadRow(access_, gen_, what, component, Params, teller);
 }
 
 }  // namespace voxa

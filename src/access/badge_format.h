@@ -5,6 +5,7 @@
 
 #include "access/access_context.h"
 #include "comm/com_types.h"
+#include "platform/notice.h"
 #include "tables/table.h"
 
 namespace voxa {
@@ -30,6 +31,9 @@ class BadgeFormat : public Table {
   std::int16_t download(std::int16_t BadgeFormatID, std::int16_t& ReaderNumber, bool& isVRMD1,
                         ComponentType compType = CTActiveStations, const std::string& compName = "",
                         std::int16_t Params = DLDefault, bool* AlreadyComTested = nullptr);
+  /// The same behind a test of the lines: asks and shows nothing.
+  std::int16_t send(std::int16_t BadgeFormatID, std::int16_t ReaderNumber, bool isVRMD1,
+                    const Component& component, std::int16_t Params, const Tell& teller);
 
   void createFields(TableDef& td) override;
   void createIndexes(TableDef& td) override;

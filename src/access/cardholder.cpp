@@ -107,7 +107,9 @@ std::int16_t Cardholder::download(std::int16_t Id) {
   if (group && access_.AccessGroups().AccessGroupCheckCom(*group)) return 0;
   CardDownload download(access_, {});
   download.send(Id, {});
-  return conclude(download, "Cardholders.download", DLDefault);
+  const SentCards sent = conclude(download, "Cardholders.download", DLDefault);
+  context_.show(sent.notices);
+  return sent.status;
 }
 
 std::int16_t Cardholder::generalDownload(ComponentType compType, const std::string& compName,
@@ -118,39 +120,55 @@ std::int16_t Cardholder::generalDownload(ComponentType compType, const std::stri
                             [&] { requireKnown(compType); });
   }
   if (!access_.Com().readyToSend(compType, compName, AlreadyComTested)) return 0;
-  (void)eraseUnfinishedBlocks(access_);  // what fails has been shown
+  const SentCards sent = sendAll({compType, compName}, Params);
+  context_.show(sent.notices);
+  return sent.status;
+}
+
+SentCards Cardholder::sendAll(const Component& component, std::int16_t Params) {
+  SentCards sent{0, finishUnfinishedBlocks(access_)};
   CardScope scope;
   std::int16_t station = 0;
-  if (compType == CTStation) {
-    if ((station = access_.Stations().getId(compName)) == -1) return -1;
-    scope = ControllerPlace{station, CmToEachController};
-  } else if (compType == CTReader) {
-    std::int16_t address = 0;
-    if (access_.Readers().getControllerAddr(compName, station, address) != 0) return -1;
-    scope = ControllerPlace{station, address};
+  std::int16_t address = CmToEachController;
+  if (component.type == CTStation) {
+    station = access_.Stations().getId(component.name);
+    if (station == -1) sent.status = -1;
+  } else if (component.type == CTReader) {
+    if (access_.Readers().getControllerAddr(component.name, station, address) != 0) sent.status = -1;
   }
+  if (sent.status != 0) return sent;  // which the table has shown
+  if (component.type != CTActiveStations) scope = ControllerPlace{station, address};
   CardParts anyway;
   if ((Params & (DLFull | DLMemErased)) != 0) anyway.set();
   CardDownload download(access_, scope);
-  const std::int16_t failed = context_.attempt({"msgCantDownload", "Cardholders.generalDownload"}, [&] {
+  const std::int16_t failed = context_.attempt([&] {
     const auto cards = rows("select Id from cardholders where Deleted = false");
     for (; !cards->eof(); cards->moveNext()) download.send(cards->get("Id").toInt32(), anyway);
   });
-  const std::int16_t status = conclude(download, "Cardholders.generalDownload", Params);
-  return failed != 0 ? failed : status;
+  if (failed != 0) {
+    sent.notices.push_back(
+        {Notice::Kind::failure, context_.kept({"msgCantDownload", "Cardholders.generalDownload"})});
+  }
+  SentCards end = conclude(download, "Cardholders.generalDownload", Params);
+  sent.status = failed != 0 ? failed : end.status;
+  std::move(end.notices.begin(), end.notices.end(), std::back_inserter(sent.notices));
+  return sent;
 }
 
-// Writes the last flags and shows what the cards met on their way, once for all of them.
-std::int16_t Cardholder::conclude(CardDownload& download, const char* method, std::int16_t params) {
+// Writes the last flags, and says what the cards met on their way, once for all of them.
+SentCards Cardholder::conclude(CardDownload& download, const char* method, std::int16_t params) {
   download.finish();
   const bool inactive = !download.inactiveStations().empty();
-  const bool failed = download.status() != 0 && download.failures().empty();
-  context_.show(download.failures());
-  if ((params & DLNoMessage) == 0) {
-    context_.show(noticesOf(download.twoPrograms(), download.inactiveStations()));
-    if (failed) context_.report({"msgCantDownload", method, Value(access_.Com().popErrorList())});
+  SentCards sent{inactive ? std::int16_t{1} : download.status(), download.failures()};
+  if ((params & DLNoMessage) != 0) return sent;
+  for (Notice& notice : noticesOf(download.twoPrograms(), download.inactiveStations())) {
+    sent.notices.push_back(std::move(notice));
   }
-  return inactive ? std::int16_t{1} : download.status();
+  if (download.status() != 0 && download.failures().empty()) {
+    sent.notices.push_back({Notice::Kind::failure,
+                            context_.kept({"msgCantDownload", method, Value(access_.Com().popErrorList())})});
+  }
+  return sent;
 }
 
 }  // namespace voxa

@@ -12,6 +12,12 @@ namespace voxa {
 
 class CardDownload;
 
+/// What became of sending cards.
+struct SentCards {
+  std::int16_t status = 0;      ///< as the member that shows it returns it
+  std::vector<Notice> notices;  ///< what is to be told of it, in this order
+};
+
 /// What became of a block of new cards.
 struct CreatedCards {
   std::int16_t status = 0;      ///< as Cardholder::createGroup has it
@@ -36,6 +42,8 @@ class Cardholder : public Table {
   /// active stations leaves the flags of what it was sent, for the controllers that were not.
   std::int16_t generalDownload(ComponentType compType = CTActiveStations, const std::string& compName = "",
                                std::int16_t Params = DLDefault, bool* AlreadyComTested = nullptr);
+  /// The same without the test and without a box. component: of a known type.
+  [[nodiscard]] SentCards sendAll(const Component& component, std::int16_t Params);
   /// Clears a card in the controllers of a component; the line's result, for the caller to show.
   std::int16_t invalidate(std::int16_t cardNum, ComponentType compType = CTActiveStations,
                           const std::string& compName = "");
@@ -65,7 +73,7 @@ class Cardholder : public Table {
  private:
   CreatedCards createBatch(std::int32_t firstCardNum, const std::string& firstCardCode, std::int16_t nCards,
                            std::int16_t accessGroupId, bool GroupMode);
-  std::int16_t conclude(CardDownload& download, const char* method, std::int16_t params);
+  SentCards conclude(CardDownload& download, const char* method, std::int16_t params);
   AccessContext& access_;
 };
 

@@ -12,6 +12,7 @@
 #include "comm/com_types.h"
 #include "comm/inter.h"
 #include "files/file_context.h"
+#include "platform/notice.h"
 
 namespace voxa {
 
@@ -60,6 +61,12 @@ class Com : public Paths {
   /// Refreshes the status of the component's controllers; true when every station could be read and no
   /// controller is marked as not answering.
   bool TestCom(ComponentType compType = CTActiveStations, const std::string& compName = "");
+  /// What a test found. broken: it failed of itself, for a station or altogether, which has been told.
+  struct Test {
+    bool allAnswer = false;  ///< as TestCom returns it
+    bool broken = false;
+  };
+  [[nodiscard]] Test test(const Component& component, const Tell& teller);
   /// Asks whether to abort when controllers of the component are marked as not answering; true: abort.
   bool MsgChooseAbort(ComponentType compType = CTActiveStations, const std::string& compName = "");
   /// Reads the dates of a station's controllers, of all active stations when none is given, and writes what
@@ -72,13 +79,15 @@ class Com : public Paths {
   enum class Refresh : std::uint8_t {
     read,        ///< the driver has told who answers
     unanswered,  ///< it failed as a whole, which stands in errorList
-    broken       ///< nobody could be asked, which has been shown
+    broken       ///< nobody could be asked, which has been told
   };
-  Refresh refresh(std::optional<std::int16_t> onlyStation);
+  Refresh refresh(std::optional<std::int16_t> onlyStation, const Tell& teller);
   void updateDBComStatus(std::int16_t StationID, std::int16_t controllerID, std::int16_t Status,
                          DateTime mDate);
   /// A controller has just answered, whatever the last test found: what is sent does not pass it over.
   void noteAnswer(std::int16_t StationID, std::int16_t controllerID);
+  /// A controller is not known to answer: what is sent passes it over until a test finds that it does.
+  void noteSilence(std::int16_t StationID, std::int16_t controllerID);
   /// "Local Controller 3  -  Front door": station, controller unless 0 or 95, the controller's readers.
   [[nodiscard]] std::string getName(std::int16_t StationID, std::int16_t ControllerAddr);
   /// A fresh, silent date read of the controller, or of the station without its old result file.
@@ -94,6 +103,8 @@ class Com : public Paths {
   /// Sends one command text; a failure is shown.
   std::int16_t sendCommand(const std::string& commandCode, ComponentType compType = CTActiveStations,
                            const std::string& compName = "");
+  /// The same, telling a failure.
+  std::int16_t sendCommand(const std::string& commandCode, const Component& component, const Tell& teller);
 
   /// The component's controllers that the last test does not know to answer: those that did not, and those
   /// with a reader on a station in use of which it says nothing, since the station's read failed as a whole
@@ -106,9 +117,8 @@ class Com : public Paths {
   /// alreadyTested: may be null; when true nothing is tested; true afterwards unless the person chose to
   /// abort.
   [[nodiscard]] bool readyToSend(ComponentType compType, const std::string& compName, bool* alreadyTested);
-  /// The same for a caller that takes nobody's silence for an answer: a controller that is not known to
-  /// answer is marked as not answering, asked about, and passed over by what is sent.
-  [[nodiscard]] bool readyToSendToKnown(ComponentType compType, const std::string& compName);
+  /// Asks what to do about controllers that do not answer: abort, retry or ignore.
+  [[nodiscard]] Answer askAboutSilent(const std::vector<ControllerPlace>& silent);
 
  private:
   static constexpr std::int16_t perController = 247;  // the station result file tells who did not answer
@@ -123,10 +133,8 @@ class Com : public Paths {
   void recordFailure(std::int16_t result, ComCommandsEnum command, const ControllerPlace& target,
                      std::int16_t driverAddress);
   std::int16_t eachActiveStation(ComCommandsEnum command, std::int16_t address);
-  Refresh refreshStation(std::int16_t station);
+  Refresh refreshStation(std::int16_t station, const Tell& teller);
   bool readStation(std::int16_t station);
-  /// Marks the component's controllers that are not known to answer; false when all are marked already.
-  bool markUnknown(ComponentType compType, const std::string& compName);
   void storeStation(std::int16_t station, const StationResult& result);
   [[nodiscard]] std::vector<ControllerPlace> notAnswering(ComponentType compType,
                                                           const std::string& compName);

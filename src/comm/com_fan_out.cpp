@@ -66,8 +66,14 @@ std::int16_t Com::sendLines(const std::vector<std::string>& lines, const Control
 
 std::int16_t Com::sendCommand(const std::string& commandCode, ComponentType compType,
                               const std::string& compName) {
-  const std::int16_t result = context_.attempt([&] { return sendLines({commandCode}, compType, compName); });
-  if (result != 0) context_.report({"msgCantSendCommand", "Com.SendCommand", Value(popErrorList())});
+  return sendCommand(commandCode, {compType, compName}, showing(context_));
+}
+
+std::int16_t Com::sendCommand(const std::string& commandCode, const Component& component,
+                              const Tell& teller) {
+  const std::int16_t result =
+      context_.attempt([&] { return sendLines({commandCode}, component.type, component.name); });
+  if (result != 0) tell(context_, teller, {"msgCantSendCommand", "Com.SendCommand", Value(popErrorList())});
   return result;
 }
 

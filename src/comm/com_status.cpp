@@ -90,14 +90,18 @@ void Com::noteAnswer(std::int16_t StationID, std::int16_t controllerID) {
   answering_[StationID].insert(controllerID);
 }
 
-void Com::UpdateComStatus(std::optional<std::int16_t> StationID,
-                          std::optional<std::int16_t> /*controllerID*/) {
-  (void)refresh(StationID);
+void Com::noteSilence(std::int16_t StationID, std::int16_t controllerID) {
+  if (TestSend(StationID, controllerID)) updateDBComStatus(StationID, controllerID, notAnswered, noDate());
 }
 
-Com::Refresh Com::refresh(std::optional<std::int16_t> onlyStation) {
+void Com::UpdateComStatus(std::optional<std::int16_t> StationID,
+                          std::optional<std::int16_t> /*controllerID*/) {
+  (void)refresh(StationID, showing(context_));
+}
+
+Com::Refresh Com::refresh(std::optional<std::int16_t> onlyStation, const Tell& teller) {
   Refresh worst = Refresh::read;
-  const std::int16_t failed = context_.attempt(cantRefresh(), [&] {
+  const std::int16_t failed = context_.attempt([&] {
     std::string query = "select Id From Stations where Active = true";
     if (onlyStation) {
       query = "Select ID From Stations where ID = " + std::to_string(*onlyStation);
@@ -106,23 +110,28 @@ Com::Refresh Com::refresh(std::optional<std::int16_t> onlyStation) {
     }
     const auto stations = database()->openRecordset(query);
     for (; !stations->eof(); stations->moveNext()) {
-      worst = std::max(worst, refreshStation(stations->get("Id").toInt16()));
+      worst = std::max(worst, refreshStation(stations->get("Id").toInt16(), teller));
     }
   });
-  return failed == 0 ? worst : Refresh::broken;
+  if (failed == 0) return worst;
+  tell(context_, teller, cantRefresh());
+  return Refresh::broken;
 }
 
-Com::Refresh Com::refreshStation(std::int16_t station) {
+Com::Refresh Com::refreshStation(std::int16_t station, const Tell& teller) {
   bool read = false;
   answering_[station].clear();
-  const std::int16_t failed = context_.attempt(cantRefresh(), [&] {
+  const std::int16_t failed = context_.attempt([&] {
     try {
       read = readStation(station);
     } catch (const Error& failure) {
       throw Error(failure.number(), getName(station, CmToEachController) + ": " + failure.description());
     }
   });
-  if (failed != 0) return Refresh::broken;
+  if (failed != 0) {
+    tell(context_, teller, cantRefresh());
+    return Refresh::broken;
+  }
   return read ? Refresh::read : Refresh::unanswered;
 }
 
@@ -163,14 +172,19 @@ void Com::storeStation(std::int16_t station, const StationResult& result) {
 }
 
 bool Com::TestCom(ComponentType compType, const std::string& compName) {
-  bool allAnswer = false;
-  context_.attempt({"msgUnexpecErr", "Com.TestCom"}, [&] {
-    requireKnown(compType);
-    Refresh read = Refresh::read;
+  return test({compType, compName}, showing(context_)).allAnswer;
+}
+
+Com::Test Com::test(const Component& component, const Tell& teller) {
+  const std::string& compName = component.name;
+  Refresh read = Refresh::read;
+  Test found;
+  const std::int16_t failed = context_.attempt([&] {
+    requireKnown(component.type);
     std::string query;
-    switch (compType) {
+    switch (component.type) {
       case CTActiveStations:
-        read = refresh({});
+        read = refresh({}, teller);
         query =
             "select * From ComStatus, Stations where ComStatus.StationID = Stations.ID and "
             "abs(Stations.Active)=1 ";
@@ -178,7 +192,7 @@ bool Com::TestCom(ComponentType compType, const std::string& compName) {
       case CTStation: {
         const auto stations =
             database()->openRecordset("select * From Stations where Stations.Name = '" + compName + "'");
-        if (!stations->eof()) read = refresh(stations->get("Id").toInt16());
+        if (!stations->eof()) read = refresh(stations->get("Id").toInt16(), teller);
         query =
             "select * From ComStatus, Stations where ComStatus.StationID = Stations.ID and "
             "abs(Stations.Active)=1 and Stations.Name = '" +
@@ -188,7 +202,7 @@ bool Com::TestCom(ComponentType compType, const std::string& compName) {
       case CTReader: {
         const auto readers =
             database()->openRecordset("select * From Readers where  Readers.Name = '" + compName + "'");
-        if (!readers->eof()) read = refresh(readers->get("StationID").toInt16());
+        if (!readers->eof()) read = refresh(readers->get("StationID").toInt16(), teller);
         query =
             "select * From ComStatus, Readers where CtrAddr = Readers.ControllerAddress and  "
             "ComStatus.StationID=[Readers].[StationID] and Readers.Name = '" +
@@ -197,12 +211,17 @@ bool Com::TestCom(ComponentType compType, const std::string& compName) {
       }
     }
     const auto rows = database()->openRecordset(query);
-    allAnswer = read == Refresh::read;
-    for (; !rows->eof() && allAnswer; rows->moveNext()) {
-      allAnswer = rows->get("Status") != Value(notAnswered);
+    found.allAnswer = read == Refresh::read;
+    for (; !rows->eof() && found.allAnswer; rows->moveNext()) {
+      found.allAnswer = rows->get("Status") != Value(notAnswered);
     }
   });
-  return allAnswer;
+  if (failed != 0) {
+    found.allAnswer = false;
+    tell(context_, teller, {"msgUnexpecErr", "Com.TestCom"});
+  }
+  found.broken = failed != 0 || read == Refresh::broken;
+  return found;
 }
 
 std::vector<ControllerPlace> Com::notAnswering(ComponentType compType, const std::string& compName) {
@@ -235,22 +254,24 @@ std::vector<ControllerPlace> Com::notAnswering(ComponentType compType, const std
   return found;
 }
 
+Answer Com::askAboutSilent(const std::vector<ControllerPlace>& silent) {
+  Messages& strings = context_.messages();
+  std::string question = strings.read("msgChooseAbort1");
+  for (const ControllerPlace& target : silent) question += "\r\n" + getName(target.station, target.address);
+  for (const char* text : {"msgChooseAbort2", "msgChooseAbort3", "msgChooseAbort4"}) {
+    question += "\r\n" + strings.read(text);
+  }
+  return context_.prompts().messageBox(question, style::abortRetryIgnore, strings.read("MDIkrvCaption"));
+}
+
 bool Com::MsgChooseAbort(ComponentType compType, const std::string& compName) {
   bool abort = false;
   context_.attempt({"msgUnexpecErr", "Com.MsgChooseAbort"}, [&] {
     requireKnown(compType);
-    Messages& strings = context_.messages();
     for (;;) {
       const std::vector<ControllerPlace> silent = notAnswering(compType, compName);
       if (silent.empty()) return;
-      std::string question = strings.read("msgChooseAbort1");
-      for (const ControllerPlace& target : silent)
-        question += "\r\n" + getName(target.station, target.address);
-      for (const char* text : {"msgChooseAbort2", "msgChooseAbort3", "msgChooseAbort4"}) {
-        question += "\r\n" + strings.read(text);
-      }
-      const Answer answer =
-          context_.prompts().messageBox(question, style::abortRetryIgnore, strings.read("MDIkrvCaption"));
+      const Answer answer = askAboutSilent(silent);
       abort = answer == Answer::abort;
       if (answer != Answer::retry || TestCom(compType, compName)) return;
     }
@@ -290,26 +311,6 @@ std::vector<ControllerPlace> Com::notKnownToAnswer(ComponentType compType, const
     if (unknown || silent.contains(place)) found.insert(place);
   }
   return {found.begin(), found.end()};
-}
-
-bool Com::markUnknown(ComponentType compType, const std::string& compName) {
-  bool marked = false;
-  for (const auto& [station, address] : notKnownToAnswer(compType, compName)) {
-    if (!TestSend(station, address)) continue;
-    updateDBComStatus(station, address, notAnswered, noDate());
-    marked = true;
-  }
-  return marked;
-}
-
-bool Com::readyToSendToKnown(ComponentType compType, const std::string& compName) {
-  const bool allAnswer = TestCom(compType, compName);
-  if (inhibitCom) return true;
-  // A person who lets it be tested again is asked about those again that are still not known to answer.
-  for (bool ask = markUnknown(compType, compName) || !allAnswer; ask; ask = markUnknown(compType, compName)) {
-    if (MsgChooseAbort(compType, compName)) return false;
-  }
-  return true;
 }
 
 bool Com::readyToSend(ComponentType compType, const std::string& compName, bool* alreadyTested) {

@@ -2,6 +2,7 @@
 
 #include <compare>
 #include <cstdint>
+#include <string>
 
 #include "platform/driver/driver.h"
 #include "platform/error.h"
@@ -20,6 +21,12 @@ inline void requireKnown(ComponentType compType) {
   if (isKnown(compType)) return;
   throw Error(err::invalidArgument, "Invalid argument: no such component type");
 }
+
+/// Where something is sent, or what a test concerns.
+struct Component {
+  ComponentType type = CTActiveStations;
+  std::string name = {};  ///< of the station or reader
+};
 
 /// Reserved controller addresses.
 enum ComSpecialController : std::int16_t {

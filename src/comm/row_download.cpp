@@ -31,12 +31,12 @@ std::int16_t sendRow(CommContext& context, GenTable& rows, const RowDownload& wh
 }  // namespace
 
 std::int16_t downloadRow(CommContext& context, GenTable& rows, const RowDownload& what,
-                         const Component& component, std::int16_t params) {
+                         const Component& component, std::int16_t params, const Tell& teller) {
   bool nothingToSend = false;
   std::vector<Value> sent;
   std::int16_t status = context.attempt([&]() -> std::int16_t {
     if (rows.openWhere(what.condition)) {
-      context.report({what.notFoundMnemonic, what.notFoundMethod, Value(what.number)});
+      tell(context, teller, {what.notFoundMnemonic, what.notFoundMethod, Value(what.number)});
       nothingToSend = true;
       return what.notFoundResult;
     }
@@ -51,7 +51,7 @@ std::int16_t downloadRow(CommContext& context, GenTable& rows, const RowDownload
   if (nothingToSend) return status;
   if (status == 0) return what.clearsFlags ? rows.clearFlagsOfSent(what.condition, sent) : status;
   if (what.alwaysShowsFailure || (params & DLNoMessage) == 0) {
-    context.report({"msgCantDownload", what.failureMethod, Value(context.Com().popErrorList())});
+    tell(context, teller, {"msgCantDownload", what.failureMethod, Value(context.Com().popErrorList())});
   } else if (context.error().number != 0) {
     context.Com().errorList += "\r\n" + what.row + ": " + context.error().description;
   }
@@ -71,10 +71,11 @@ std::int16_t downloadEach(CommContext& context, const std::string& query,
 }
 
 std::int16_t downloadTable(CommContext& context, const std::string& query, const char* failureMethod,
+                           const Tell& teller,
                            const std::function<std::int16_t(const Recordset&)>& download) {
   const std::int16_t status = context.attempt([&] { return downloadEach(context, query, download); });
   if (status != 0) {
-    context.report({"msgCantDownload", failureMethod, Value(context.Com().popErrorList())});
+    tell(context, teller, {"msgCantDownload", failureMethod, Value(context.Com().popErrorList())});
   }
   return status;
 }

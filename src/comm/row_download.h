@@ -6,18 +6,13 @@
 #include <vector>
 
 #include "comm/com_types.h"
+#include "platform/notice.h"
 
 namespace voxa {
 
 class GenTable;
 class CommContext;
 class Recordset;
-
-/// Where a download goes.
-struct Component {
-  ComponentType type = CTActiveStations;
-  std::string name;
-};
 
 /// What tells the downloads of programs, holidays and badge formats apart; all of them send one row by one
 /// command file to one component.
@@ -38,18 +33,18 @@ struct RowDownload {
 /// Sends one row when its flags, or DLFull in `params`, say so. 0 when it was sent or nothing had to be; else
 /// notFoundResult, the result of the send, or an error's number. A failed row keeps its flags, and so does a
 /// row that was changed while it was being sent. Nothing is written of a row that cannot be right, nor to a
-/// reader whose address is that of a whole line; what is wrong is shown, with DLNoMessage left in
+/// reader whose address is that of a whole line. What is wrong is told, with DLNoMessage left in
 /// `Com.errorList`.
 std::int16_t downloadRow(CommContext& context, GenTable& rows, const RowDownload& what,
-                         const Component& component, std::int16_t params);
+                         const Component& component, std::int16_t params, const Tell& teller);
 
 /// Downloads rows one after the other, whatever becomes of each; the first non-zero result.
 /// query: gives the rows; download: sends the current one.
 std::int16_t downloadEach(CommContext& context, const std::string& query,
                           const std::function<std::int16_t(const Recordset&)>& download);
-/// The same as a public operation: a failure, of the rows or of their sending, is shown once at the end.
+/// The same; a failure, of the rows or of their sending, is told once at the end.
 /// failureMethod: method text of "msgCantDownload".
 std::int16_t downloadTable(CommContext& context, const std::string& query, const char* failureMethod,
-                           const std::function<std::int16_t(const Recordset&)>& download);
+                           const Tell& teller, const std::function<std::int16_t(const Recordset&)>& download);
 
 }  // namespace voxa

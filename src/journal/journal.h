@@ -10,6 +10,8 @@
 #include "access/access_context.h"
 #include "comm/com_types.h"
 #include "platform/driver/driver.h"
+#include "platform/notice.h"
+#include "platform/observer.h"
 #include "tables/table.h"
 
 namespace voxa {
@@ -60,12 +62,23 @@ class Journal : public Table {
   /// is shown.
   std::int16_t readAuto();
 
-  /// What came of reading one controller.
+  /// What came of reading one controller, or of dialling a station's line and hanging up.
   struct ControllerRead {
-    std::int16_t controller = 0;
-    std::int16_t result = 0;  ///< 0: read and cleared; else numbered as by readTransactions
-    std::string failure;      ///< what to tell of it
+    ControllerPlace place;     ///< address 0: the line
+    std::string name;          ///< for a person
+    std::int16_t result = 0;   ///< 0: read and cleared; else numbered as by readTransactions
+    std::string failure = {};  ///< what to tell of it
   };
+  /// What came of readAuto. A controller is named by it as in the progress log, "North - 5".
+  struct Run {
+    std::int16_t status = 0;            ///< what readAuto returns
+    std::vector<ControllerRead> reads;  ///< each controller, more than once when more than one step failed
+    std::vector<Notice> notices;        ///< of a failure of the run itself
+  };
+  /// readAuto, which shows nothing. observer: told as each controller is begun; null for none.
+  Run readEach(Observer* observer);
+  /// readTransactions behind a test of the lines: asks and shows nothing. -1 when there is no such component.
+  std::int16_t readTested(const Component& component, const Tell& teller);
   /// Reads and clears the controllers of a station one by one, in the order of their addresses. Whoever does
   /// not answer is passed over; what the others held is in the journal, and cleared. Asks nothing and shows
   /// nothing. A failure of the database or of the station's ini file is raised.

@@ -19,6 +19,14 @@ namespace {
 constexpr int secondsBeforeDialling = 20;
 constexpr int secondsAfterDialling = 5;
 
+/// Whether a run reads the controller: a reader that is not connected yet has none, and a line that is
+/// neither in use nor dialled is nobody's failure.
+bool isRead(const Recordset& controller) {
+  if (controller.get("ControllerAddress").isNull()) return false;
+  const Value phone = controller.get("Phone");
+  return controller.get("Active").toBool() || !(phone.isNull() || phone == Value(""));
+}
+
 /// "Log.txt": what a run did and when. Closed after each line, so that it can be read meanwhile.
 class ProgressLog {
  public:
@@ -28,14 +36,15 @@ class ProgressLog {
     file_.fopen("w");
     file_.fclose();
   }
-  /// One line: date, time, the mnemonic's text (itself while it has none), the detail.
-  void write(const char* mnemonic, const std::string& detail = "") {
+  /// One line: date, time, the mnemonic's text (itself while it has none), the detail. Returns the last two.
+  std::string write(const char* mnemonic, const std::string& detail = "") {
     std::string text = context_.messages().read(mnemonic);
     if (text.empty()) text = mnemonic;
+    text += (detail.empty() ? "" : " ") + detail;
     file_.fopen();
-    file_.fprint(formatDateTime(context_.clock().now(), "dd/mm/yyyy hh:nn:ss") + " : " + text +
-                 (detail.empty() ? "" : " ") + detail);
+    file_.fprint(formatDateTime(context_.clock().now(), "dd/mm/yyyy hh:nn:ss") + " : " + text);
     file_.fclose();
+    return text;
   }
 
  private:
@@ -47,10 +56,10 @@ class ProgressLog {
 
 class Journal::AutoRun {
  public:
-  explicit AutoRun(Journal& journal)
-      : journal_(journal), context_(journal.access_), com_(context_.Com()), log_(context_) {}
+  AutoRun(Journal& journal, Run& run)
+      : journal_(journal), run_(run), context_(journal.access_), com_(context_.Com()), log_(context_) {}
 
-  std::int16_t readAll();
+  std::int16_t readAll(Observer* observer);
   /// Ends the call that is up, if one is; what the driver said.
   std::int16_t disconnect();
 
@@ -60,9 +69,12 @@ class Journal::AutoRun {
   void hangUp();
   std::int16_t dial(std::int16_t station);
   std::int16_t readController(const ControllerPlace& source);
+  /// A step of a controller failed, or one of the line (address 0): into the log and the run.
+  void fail(const ControllerRead& what, const char* mnemonic, const std::string& why);
   [[nodiscard]] Database& database() const;
 
   Journal& journal_;
+  Run& run_;
   AccessContext& context_;
   Com& com_;
   ProgressLog log_;
@@ -83,11 +95,17 @@ std::int16_t Journal::AutoRun::disconnect() {
   return result;
 }
 
+void Journal::AutoRun::fail(const ControllerRead& what, const char* mnemonic, const std::string& why) {
+  run_.reads.push_back(what);
+  run_.reads.back().failure = log_.write(mnemonic, why);
+}
+
 void Journal::AutoRun::hangUp() {
   if (!dialled_) return;
+  const ControllerPlace line{*dialled_, CmToEachController};
   log_.write("LogDisconnect", stationName_);
-  if (disconnect() != 0) {
-    log_.write("msgUICantDisconnect", com_.popErrorList());
+  if (const std::int16_t result = disconnect(); result != 0) {
+    fail({line, stationName_, result}, "msgUICantDisconnect", com_.popErrorList());
   } else {
     log_.write("msgUIStationDisconnected");
   }
@@ -103,7 +121,7 @@ std::int16_t Journal::AutoRun::dial(std::int16_t station) {
     result = com_.Send(CmConnect, station);
   }
   if (result != 0) {
-    log_.write("msgUICantConnect", com_.popErrorList());
+    fail({{station, CmToEachController}, stationName_, result}, "msgUICantConnect", com_.popErrorList());
   } else {
     log_.write("msgUIStationConnected");
     context_.Stations().setActive(station, true);
@@ -122,7 +140,9 @@ std::int16_t Journal::AutoRun::begin(std::int16_t station) {
 }
 
 std::int16_t Journal::AutoRun::readController(const ControllerPlace& source) {
-  log_.write("LogControllerStart", stationName_ + " - " + std::to_string(source.address));
+  const std::string name = stationName_ + " - " + std::to_string(source.address);
+  log_.write("LogControllerStart", name);
+  const std::size_t before = run_.reads.size();
   const std::int16_t result = journal_.readController(
       source,
       [&](ComCommandsEnum command) {
@@ -130,12 +150,16 @@ std::int16_t Journal::AutoRun::readController(const ControllerPlace& source) {
         if (command == cmReadMemory) log_.write("LogReadTrans");
         if (command == CmSendClear) log_.write("LogDelete");
       },
-      [&](const char* mnemonic, const std::string& why) { log_.write(mnemonic, why); });
+      [&](const char* mnemonic, const std::string& why) {
+        fail({source, name}, mnemonic, why);
+      });
   log_.write("LogControllerEnd");
+  if (run_.reads.size() == before) run_.reads.push_back({source, name});
+  for (std::size_t i = before; i < run_.reads.size(); ++i) run_.reads[i].result = result;
   return result;
 }
 
-std::int16_t Journal::AutoRun::readAll() {
+std::int16_t Journal::AutoRun::readAll(Observer* observer) {
   log_.empty();
   log_.write("LogProcessStart");
   const auto controllers = database().openRecordset(
@@ -143,30 +167,54 @@ std::int16_t Journal::AutoRun::readAll() {
       "FROM Stations INNER JOIN Readers ON Stations.Id = Readers.StationId  "
       "GROUP BY Readers.StationId, Readers.ControllerAddress, Stations.Active, Stations.Phone "
       "ORDER BY Readers.StationId, Readers.ControllerAddress");
+  std::size_t total = 0;
+  for (; !controllers->eof(); controllers->moveNext()) total += isRead(*controllers) ? 1 : 0;
+  if (total > 0) controllers->moveFirst();
+  std::size_t number = 0;
   std::int16_t first = 0;
   for (; !controllers->eof(); controllers->moveNext()) {
     const std::int16_t station = controllers->get("StationId").toInt16();
     const Value controller = controllers->get("ControllerAddress");
-    if (controller.isNull()) continue;  // a reader that is not connected yet
+    if (controller.isNull()) continue;
+    if (isRead(*controllers)) ++number;
     const auto count = [&](std::int16_t result) {
       if (first == 0) first = result;
     };
     if (station != station_) count(begin(station));
-    // A line that is not in use is nobody's failure; one that could not be dialled was told.
-    if (com_.isInUse(station)) count(readController({station, controller.toInt16()}));
+    if (!com_.isInUse(station)) continue;  // one that could not be dialled was told
+    if (observer != nullptr) observer->progress("Reading controller", number, total);
+    count(readController({station, controller.toInt16()}));
   }
   hangUp();
   log_.write("LogProcessEnd");
   return first;
 }
 
-std::int16_t Journal::readAuto() {
-  const FailureMessage broken{"msgCantTransferTransac", "Journal.readAuto"};
-  AutoRun run(*this);
-  const std::int16_t status = context_.attempt(broken, [&] { return run.readAll(); });
+Journal::Run Journal::readEach(Observer* observer) {
+  Run result;
+  AutoRun run(*this, result);
+  const auto orTold = [&](const std::function<std::int16_t()>& step) {
+    bool broken = true;
+    const std::int16_t status = context_.attempt([&] {
+      const std::int16_t done = step();
+      broken = false;
+      return done;
+    });
+    if (broken) {
+      tell(context_, into(result.notices), {"msgCantTransferTransac", "Journal.readAuto"});
+    }
+    return status;
+  };
+  result.status = orTold([&] { return run.readAll(observer); });
   // A run that broke off leaves no telephone line open.
-  context_.attempt(broken, [&] { (void)run.disconnect(); });
-  return status;
+  (void)orTold([&] { return run.disconnect(); });
+  return result;
+}
+
+std::int16_t Journal::readAuto() {
+  const Run run = readEach(nullptr);
+  context_.show(run.notices);
+  return run.status;
 }
 
 }  // namespace voxa

@@ -44,9 +44,10 @@ std::vector<Journal::ControllerRead> Journal::readStation(std::int16_t station) 
   std::vector<ControllerRead> reads;
   for (; !controllers->eof(); controllers->moveNext()) {
     ControllerRead& read = reads.emplace_back();
-    read.controller = controllers->get("ControllerAddress").toInt16();
+    read.place = {station, controllers->get("ControllerAddress").toInt16()};
+    read.name = access_.Com().getName(station, read.place.address);
     read.result = readController(
-        {station, read.controller}, [](ComCommandsEnum) {},
+        read.place, [](ComCommandsEnum) {},
         [&](const char* mnemonic, const std::string& why) {
           read.failure += context_.messages().read(mnemonic) + " " + why;
         });

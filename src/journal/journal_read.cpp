@@ -93,12 +93,17 @@ std::int16_t Journal::readTransactions(ComponentType compType, const std::string
     // Of a reader there is nothing to read when its one controller does not answer.
     if (com.MsgChooseAbort(compType, compName) || compType == CTReader) return -1;
   }
+  return readTested({compType, compName}, showing(context_));
+}
+
+std::int16_t Journal::readTested(const Component& component, const Tell& teller) {
+  const auto& [type, name] = component;
   return transfer(
-      {.send = [&](ComCommandsEnum command) { return com.sendToComp(command, compType, compName); },
-       .source = [&] { return sourceOf(compType, compName); },
+      {.send = [&](ComCommandsEnum command) { return access_.Com().sendToComp(command, type, name); },
+       .source = [&] { return sourceOf(type, name); },
        .fail =
            [&](const char* mnemonic, const std::string& why) {
-             context_.report({mnemonic, "Journal.readTransactions", Value(why)});
+             tell(context_, teller, {mnemonic, "Journal.readTransactions", Value(why)});
            }});
 }
 

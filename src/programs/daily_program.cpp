@@ -73,6 +73,12 @@ std::int16_t DailyProgram::download(std::int16_t Id, ComponentType compType, con
                                     std::int16_t Params, bool* AlreadyComTested) {
   if (Id == neverProgram) return 0;
   if (!comm_.Com().readyToSend(compType, compName, AlreadyComTested)) return 0;
+  return send(Id, {compType, compName}, Params, showing(context_));
+}
+
+std::int16_t DailyProgram::send(std::int16_t Id, const Component& component, std::int16_t Params,
+                                const Tell& teller) {
+  if (Id == neverProgram) return 0;
   RowDownload what;
   what.condition = "Id = " + std::to_string(Id);
   what.row = "Daily program " + std::to_string(Id);
@@ -91,17 +97,20 @@ std::int16_t DailyProgram::download(std::int16_t Id, ComponentType compType, con
     }
     return std::vector{dailyProgramLine(Id, moments)};
   };
-  return downloadRow(comm_, gen_, what, {compType, compName}, Params);
+  return downloadRow(comm_, gen_, what, component, Params, teller);
 }
 
 std::int16_t DailyProgram::generalDownload(ComponentType compType, const std::string& compName,
                                            bool* AlreadyComTested) {
   if (!comm_.Com().readyToSend(compType, compName, AlreadyComTested)) return 0;
-  bool tested = true;
-  return downloadTable(
-      comm_, "select Id from DailyPrograms", "DailyPrograms.generalDownload", [&](const Recordset& row) {
-        return download(row.get("Id").toInt16(), compType, compName, DLFull | DLNoMessage, &tested);
-      });
+  return sendAll({compType, compName}, showing(context_));
+}
+
+std::int16_t DailyProgram::sendAll(const Component& component, const Tell& teller) {
+  return downloadTable(comm_, "select Id from DailyPrograms", "DailyPrograms.generalDownload", teller,
+                       [&](const Recordset& row) {
+                         return send(row.get("Id").toInt16(), component, DLFull | DLNoMessage, teller);
+                       });
 }
 
 }  // namespace voxa

@@ -5,6 +5,7 @@
 
 #include "comm/com_types.h"
 #include "comm/comm_context.h"
+#include "platform/notice.h"
 #include "tables/table.h"
 
 namespace voxa {
@@ -30,6 +31,9 @@ class DailyProgram : public Table {
   /// Sends every program; the first non-zero result.
   std::int16_t generalDownload(ComponentType compType = CTActiveStations, const std::string& compName = "",
                                bool* AlreadyComTested = nullptr);
+  // The same two behind a test of the lines: they ask and show nothing.
+  std::int16_t send(std::int16_t Id, const Component& component, std::int16_t Params, const Tell& teller);
+  std::int16_t sendAll(const Component& component, const Tell& teller);
 
   /// create() with the columns of provideFourZones.
   void createWithFourZones();

@@ -27,6 +27,11 @@ std::int16_t Holidays::getFreeId(bool& withNewVRMD1) {
 
 std::int16_t Holidays::download(std::int16_t Id, ComponentType compType, const std::string& compName,
                                 std::int16_t Params) {
+  return send(Id, {compType, compName}, Params, showing(context_));
+}
+
+std::int16_t Holidays::send(std::int16_t Id, const Component& component, std::int16_t Params,
+                            const Tell& teller) {
   RowDownload what;
   what.condition = "Id = " + std::to_string(Id);
   what.row = "Holiday " + std::to_string(Id);
@@ -41,7 +46,7 @@ std::int16_t Holidays::download(std::int16_t Id, ComponentType compType, const s
     const HolidayRecord holiday{Id, row.get("Date").toDateTime(), row.get("EachYear").toBool()};
     return std::vector{holidayLine(holiday, context_.clock().now())};
   };
-  return downloadRow(comm_, gen_, what, {compType, compName}, Params);
+  return downloadRow(comm_, gen_, what, component, Params, teller);
 }
 
 std::int16_t Holidays::delete_(std::int16_t Id) {
@@ -52,9 +57,13 @@ std::int16_t Holidays::delete_(std::int16_t Id) {
 std::int16_t Holidays::generalDownload(ComponentType compType, const std::string& compName,
                                        bool* AlreadyComTested) {
   if (!comm_.Com().readyToSend(compType, compName, AlreadyComTested)) return 0;
-  return downloadTable(comm_, "select Id from Holidays", "Holidays.generalDownload",
+  return sendAll({compType, compName}, showing(context_));
+}
+
+std::int16_t Holidays::sendAll(const Component& component, const Tell& teller) {
+  return downloadTable(comm_, "select Id from Holidays", "Holidays.generalDownload", teller,
                        [&](const Recordset& row) {
-                         return download(row.get("Id").toInt16(), compType, compName, DLFull | DLNoMessage);
+                         return send(row.get("Id").toInt16(), component, DLFull | DLNoMessage, teller);
                        });
 }
 

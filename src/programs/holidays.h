@@ -5,6 +5,7 @@
 
 #include "comm/com_types.h"
 #include "comm/comm_context.h"
+#include "platform/notice.h"
 #include "tables/table.h"
 
 namespace voxa {
@@ -31,6 +32,9 @@ class Holidays : public Table {
   /// when true.
   std::int16_t generalDownload(ComponentType compType = CTActiveStations, const std::string& compName = "",
                                bool* AlreadyComTested = nullptr);
+  // download, and generalDownload behind a test of the lines: they ask and show nothing.
+  std::int16_t send(std::int16_t Id, const Component& component, std::int16_t Params, const Tell& teller);
+  std::int16_t sendAll(const Component& component, const Tell& teller);
 
   void createFields(TableDef& td) override;
   void createIndexes(TableDef& td) override;

@@ -101,6 +101,12 @@ std::int16_t WeeklyProgram::download(const std::string& ProgType, std::int16_t P
                                      bool* AlreadyComTested) {
   if (ProgNum == alwaysProgram) return 0;
   if (!comm_.Com().readyToSend(compType, compName, AlreadyComTested)) return 0;
+  return send(ProgType, ProgNum, {compType, compName}, Params, showing(context_));
+}
+
+std::int16_t WeeklyProgram::send(const std::string& ProgType, std::int16_t ProgNum,
+                                 const Component& component, std::int16_t Params, const Tell& teller) {
+  if (ProgNum == alwaysProgram) return 0;
   RowDownload what;
   what.condition = " ProgType = '" + ProgType + "' and ProgNum = " + std::to_string(ProgNum);
   what.row = "Weekly program " + ProgType + " " + std::to_string(ProgNum);
@@ -112,23 +118,32 @@ std::int16_t WeeklyProgram::download(const std::string& ProgType, std::int16_t P
   what.alwaysShowsFailure = true;
   what.clearsFlags = true;
   what.lines = [&](const Recordset& row) { return weeklyProgramLines(recordOf(ProgType, ProgNum, row)); };
-  return downloadRow(comm_, gen_, what, {compType, compName}, Params);
+  return downloadRow(comm_, gen_, what, component, Params, teller);
 }
 
 std::int16_t WeeklyProgram::generalDownload(ComponentType compType, const std::string& compName,
                                             const std::string& whereExpr, bool* AlreadyComTested) {
   if (!comm_.Com().readyToSend(compType, compName, AlreadyComTested)) return 0;
+  return sendAll({compType, compName}, whereExpr, showing(context_));
+}
+
+std::int16_t WeeklyProgram::sendAll(const Component& component, const std::string& whereExpr,
+                                    const Tell& teller) {
   if (const std::int16_t failed = gen_.setTableFlagsD(true, whereExpr); failed != 0) return failed;
-  bool tested = true;
-  return context_.attempt({"msgCantDownload", "WeeklyPrograms.generalDownload"}, [&] {
-    return downloadEach(
+  bool failed = true;
+  const std::int16_t status = context_.attempt([&] {
+    const std::int16_t first = downloadEach(
         comm_,
         "select ProgType, ProgNum from WeeklyPrograms" + (whereExpr.empty() ? "" : " WHERE " + whereExpr),
         [&](const Recordset& row) {
-          return download(row.get("ProgType").toText(), row.get("ProgNum").toInt16(), compType, compName,
-                          DLFull | DLNoMessage, &tested);
+          return send(row.get("ProgType").toText(), row.get("ProgNum").toInt16(), component,
+                      DLFull | DLNoMessage, teller);
         });
+    failed = false;
+    return first;
   });
+  if (failed) tell(context_, teller, {"msgCantDownload", "WeeklyPrograms.generalDownload"});
+  return status;
 }
 
 }  // namespace voxa

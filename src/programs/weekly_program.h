@@ -5,6 +5,7 @@
 
 #include "comm/com_types.h"
 #include "comm/comm_context.h"
+#include "platform/notice.h"
 #include "tables/table.h"
 
 namespace voxa {
@@ -39,6 +40,10 @@ class WeeklyProgram : public Table {
   /// Marks and sends every program that satisfies `whereExpr` ("" for all); the first non-zero result.
   std::int16_t generalDownload(ComponentType compType = CTActiveStations, const std::string& compName = "",
                                const std::string& whereExpr = "", bool* AlreadyComTested = nullptr);
+  // The same two behind a test of the lines: they ask and show nothing.
+  std::int16_t send(const std::string& ProgType, std::int16_t ProgNum, const Component& component,
+                    std::int16_t Params, const Tell& teller);
+  std::int16_t sendAll(const Component& component, const std::string& whereExpr, const Tell& teller);
 
   void createFields(TableDef& td) override;
   void createIndexes(TableDef& td) override;

@@ -44,7 +44,7 @@ void ForgetCards::requireAnswers() {
   std::set<std::int16_t> tested;
   for (const auto& [place, erasing] : erasing_) {
     if (erasing.controller.active && tested.insert(place.station).second) {
-      read = std::max(read, com.refresh(place.station));
+      read = std::max(read, com.refresh(place.station, showing(installation_)));
     }
   }
   const auto unknown = com.notKnownToAnswer(CTActiveStations, "");

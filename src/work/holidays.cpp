@@ -81,11 +81,7 @@ Report deleteHoliday(Installation& installation, std::int16_t slot) {
   Report report;
   Report::Row& told = report.rows.emplace_back();
   told.row = row->get("Name").toText();
-  const std::int16_t sent =
-      installation.attempt([&] { return com.sendLines({clearHolidayLine(slot)}, CTActiveStations, ""); });
-  const ErrorInfo failure = installation.error();
-  if (sent != 0)
-    told.message = FailureMessage{"msgCantSendCommand", "Com.SendCommand", Value(com.popErrorList())};
+  const std::int16_t sent = com.sendCommand(clearHolidayLine(slot), {}, into(told.notices));
   for (const ControllerPlace& place : com.notKnownToAnswer(CTActiveStations, "")) {
     report.controllers.push_back({place, com.getName(place.station, place.address), Outcome::silent});
   }
@@ -97,7 +93,6 @@ Report deleteHoliday(Installation& installation, std::int16_t slot) {
   row->edit();
   row->set("HolidayFlagD", true);
   row->update();
-  installation.error() = failure;
   return report;
 }
 

@@ -32,8 +32,8 @@ std::int16_t addHoliday(Installation& installation, const std::string& name, con
 /// Erases a holiday on the controllers of all active stations, and deletes its row when all of them have done
 /// so; the caller has tested the lines. Otherwise the row stays, marked to be sent: some controllers may have
 /// emptied the slot, and lack the holiday until it is sent or deleted everywhere.
-/// The Report has one row: done, or failed with the message about the send if that failed (its error is the
-/// current one); and the controllers that are not known to answer. A Refusal when the holiday is gone.
+/// The Report has one row: done, or failed with a notice about the send if that failed; and the controllers
+/// that are not known to answer. A Refusal when the holiday is gone.
 Report deleteHoliday(Installation& installation, std::int16_t slot);
 
 }  // namespace voxa

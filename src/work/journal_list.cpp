@@ -94,11 +94,14 @@ bool isOfCard(const JournalRow& row, const std::string& card) {
 
 }  // namespace
 
+std::shared_ptr<Database> openedJournal(Installation& installation) {
+  std::shared_ptr<Database> journal = installation.Journal().DB();
+  if (journal && journal->isOpen()) return journal;
+  throw Refusal("the journal of " + installation.paths().Chemin + " (Journal.MDB) cannot be opened");
+}
+
 JournalList::JournalList(Installation& installation, JournalFilter filter)
-    : installation_(installation), filter_(std::move(filter)), journal_(installation.Journal().DB()) {
-  if (!journal_ || !journal_->isOpen()) {
-    throw Refusal("the journal of " + installation.paths().Chemin + " (Journal.MDB) cannot be opened");
-  }
+    : installation_(installation), filter_(std::move(filter)), journal_(openedJournal(installation)) {
   if (!filter_.since.empty()) since_ = writtenMoment(filter_.since, installation.clock());
   if (!filter_.until.empty()) until_ = behind(filter_.until, installation.clock());
   requireType(filter_.type);

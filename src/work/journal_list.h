@@ -38,6 +38,9 @@ struct JournalRow {
   std::string code;  ///< of a card that was not known, in 0 to 9 and A to F; "" for every other
 };
 
+/// The database of the journal; a Refusal when it is not open.
+[[nodiscard]] std::shared_ptr<Database> openedJournal(Installation& installation);
+
 /// The transactions that pass a filter.
 class JournalList {
  public:

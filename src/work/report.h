@@ -1,12 +1,12 @@
 #pragma once
 
 #include <cstddef>
-#include <optional>
 #include <string>
 #include <vector>
 
 #include "comm/com_types.h"
-#include "platform/context.h"
+#include "platform/notice.h"
+#include "platform/observer.h"
 
 namespace voxa {
 
@@ -25,8 +25,7 @@ struct Report {
   struct Row {
     std::string row;  ///< "Daily program 7"
     Outcome outcome = Outcome::done;
-    /// What to tell of it: a text of the catalogue, the member concerned, the reason. None when nothing is.
-    std::optional<FailureMessage> message = {};
+    std::vector<Notice> notices = {};  ///< what to tell of it
   };
   struct Controller {
     ControllerPlace place;
@@ -37,19 +36,17 @@ struct Report {
 
   std::vector<Row> rows;
   std::vector<Controller> controllers;
+  std::vector<Notice> notices;  ///< what to tell of the whole, behind what is told of the rows
+  bool broken = false;          ///< it failed as a whole, whatever the rows say
 
+  /// Everything that is to be told, in its order.
+  [[nodiscard]] std::vector<Notice> allNotices() const;
+  /// Whether it is broken, a row failed, or a notice tells of a failure.
+  [[nodiscard]] bool failed() const;
   [[nodiscard]] std::size_t rowsWith(Outcome outcome) const;
   [[nodiscard]] std::vector<std::string> controllersWith(Outcome outcome) const;  ///< their names
   /// Behind another's: one report of both.
   void add(Report other);
-};
-
-/// Told of the progress of work that takes long, from the thread that works.
-class Observer {
- public:
-  virtual ~Observer() = default;
-  /// `done` of `total` rows or controllers are finished. what: "Sending".
-  virtual void progress(const char* what, std::size_t done, std::size_t total) = 0;
 };
 
 }  // namespace voxa

@@ -96,16 +96,14 @@ TEST_F(ComTest, AStationThatCannotBeReadStopsNoOtherAndItsControllersAreUnknown)
   answerAll(101);
   EXPECT_FALSE(com.TestCom(CTReader, "Door"));
   EXPECT_EQ(com.notKnownToAnswer(CTReader, "Door"), (Places{{1, 3}}));
-  prompts.answers = {Answer::retry, Answer::ignore, Answer::abort};
-  EXPECT_TRUE(com.readyToSendToKnown(CTActiveStations, ""));
-  EXPECT_NE(boxes().at(1).find("|Local Controller 3  -  Door  -  Gate|"), std::string::npos);
+  com.noteSilence(1, 3);
+  prompts.answers = {Answer::ignore};
+  EXPECT_FALSE(com.MsgChooseAbort());
+  EXPECT_NE(boxes().at(0).find("|Local Controller 3  -  Door  -  Gate|"), std::string::npos);
   command("31");
   calls();
   EXPECT_EQ(com.sendToReader(CmSendCommand, "Door"), 0);
   EXPECT_EQ(calls(), "") << "passed over";
-  EXPECT_FALSE(com.readyToSendToKnown(CTStation, "Annex"));
-  com.inhibitCom = true;
-  EXPECT_TRUE(com.readyToSendToKnown(CTStation, "Annex"));
 }
 
 TEST_F(ComTest, ComponentsAreTestedAndAskedAbout) {

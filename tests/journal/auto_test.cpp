@@ -117,9 +117,9 @@ TEST_F(ReadAutoTest, AStationIsReadControllerByController) {
   for (int time = 0; time < 3; ++time) {
     const auto reads = journal().readStation(3);
     ASSERT_EQ(reads.size(), 2U);
-    EXPECT_EQ(reads[0].controller * 100 + reads[0].result, 502);
+    EXPECT_EQ(reads[0].place.address * 100 + reads[0].result, 502);
     EXPECT_NE(oneLine(reads[0].failure).find("|North Controller 5"), std::string::npos);
-    EXPECT_EQ(reads[1].controller * 100 + reads[1].result, 600);
+    EXPECT_EQ(reads[1].place.address * 100 + reads[1].result, 600);
     EXPECT_EQ(reads[1].failure, "");
     EXPECT_EQ(rowCount(), 1U) << "once, however often the other controller is silent";
   }
