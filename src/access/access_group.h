@@ -13,12 +13,7 @@
 namespace voxa {
 
 class CardDownload;
-
-/// What became of sending a group's cards.
-struct SentGroup {
-  std::int16_t status = 0;      ///< as AccessGroup::download has it
-  std::vector<Notice> notices;  ///< what is to be told of it, in this order
-};
+struct SentCards;
 
 /// Access groups: where and when their cards open. Table "AccessGroups"; group 0 is the default group. With
 /// it goes the link table of readers and weekly programs (AccGroupReader), which is built by the same calls.
@@ -39,7 +34,7 @@ class AccessGroup : public Table {
   /// unknown group; else the line's code or an error's number. Failures and inactive stations are shown.
   std::int16_t download(std::int16_t Id, std::int16_t Params = DLDefault, std::int16_t readerId = 0);
   /// The same without the test and without a box. A group that is not there any more has nothing to send.
-  [[nodiscard]] SentGroup send(std::int16_t Id, std::int16_t Params, std::int16_t readerId);
+  [[nodiscard]] SentCards send(std::int16_t Id, std::int16_t Params, std::int16_t readerId);
   /// Links a reader to group 0 with the program "always" and sends it the group's cards; shows a failure.
   void addReaderToDefaultGroup(std::int16_t readerId);
   /// Removes a reader's links; nothing is sent. A failure ends this silently.

@@ -39,13 +39,13 @@ std::int16_t AccessGroup::download(std::int16_t Id, std::int16_t Params, std::in
   }
   if (!tested) return status;
   // Read after the test, in which a person may have taken a long time to answer.
-  const SentGroup sent = send(Id, Params, readerId);
+  const SentCards sent = send(Id, Params, readerId);
   context_.show(sent.notices);
   return sent.status;
 }
 
-SentGroup AccessGroup::send(std::int16_t Id, std::int16_t Params, std::int16_t readerId) {
-  SentGroup sending;
+SentCards AccessGroup::send(std::int16_t Id, std::int16_t Params, std::int16_t readerId) {
+  SentCards sending;
   std::optional<CardDownload> cards;
   sending.status = context_.attempt([&]() -> std::int16_t {
     const std::string condition = "id = " + std::to_string(Id);

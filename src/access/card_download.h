@@ -29,6 +29,12 @@ class Names {
 /// shut, and what is left about stations that are not in use.
 [[nodiscard]] std::vector<Notice> noticesOf(const Names& twoPrograms, const Names& inactiveStations);
 
+/// What became of sending cards.
+struct SentCards {
+  std::int16_t status = 0;      ///< as the member that shows it returns it
+  std::vector<Notice> notices;  ///< what is to be told of it, in this order
+};
+
 /// The controllers that a download of cards goes to: all without a place, those of a station at address 0
 /// (CmToEachController), else one.
 using CardScope = std::optional<ControllerPlace>;

@@ -11,12 +11,7 @@
 namespace voxa {
 
 class CardDownload;
-
-/// What became of sending cards.
-struct SentCards {
-  std::int16_t status = 0;      ///< as the member that shows it returns it
-  std::vector<Notice> notices;  ///< what is to be told of it, in this order
-};
+struct SentCards;
 
 /// What became of a block of new cards.
 struct CreatedCards {

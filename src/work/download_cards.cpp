@@ -90,7 +90,7 @@ Report downloadGroups(Installation& installation, const DownloadTarget& target) 
     const std::vector<std::int32_t> live = cardsOf(installation, id).live;
     markWhole(installation, {live.begin(), live.end()});
     Report::Row& row = report.rows.emplace_back(Report::Row{name});
-    SentGroup sent = installation.AccessGroups().send(id, DLFull, 0);
+    SentCards sent = installation.AccessGroups().send(id, DLFull, 0);
     row.notices = std::move(sent.notices);
     const bool waits = target.silent.empty() && markedGroups(installation).contains(id);
     row.outcome = sent.status != 0 ? Outcome::failed : waits ? Outcome::waiting : Outcome::done;

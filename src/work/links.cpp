@@ -1,6 +1,7 @@
 #include "work/links.h"
 
 #include "access/access_group.h"
+#include "access/card_download.h"
 #include "platform/database/database.h"
 #include "work/group_reach.h"
 #include "work/installation.h"
