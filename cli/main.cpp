@@ -73,8 +73,8 @@ int run(CLI::App& app, voxa::cli::Session& session, int argc, char** argv) {
     session.explainFailure(calledCommand(app));
     return failed;
   }
-  if (session.failed() || session.prompts().failuresShown() > 0) return failed;
-  return session.left() || session.prompts().leftoverShown() ? left : done;
+  if (session.failed()) return failed;
+  return session.left() ? left : done;
 }
 
 }  // namespace

@@ -3,13 +3,14 @@
 #include <CLI/CLI.hpp>
 #include <iostream>
 
-#include "app/qdb.h"
 #include "card_commands.h"
 #include "component.h"
-#include "journal/journal.h"
+#include "line_question.h"
 #include "lines/code.h"
+#include "platform/database/database.h"
 #include "session.h"
 #include "work/look_up.h"
+#include "work/reading.h"
 #include "work/transaction_type.h"
 
 namespace voxa::cli {
@@ -19,8 +20,11 @@ namespace {
 void showLastUnknown(Session& session, const std::string& reader) {
   session.openForSending();
   const std::string name = readerNamed(session.library(), reader)->get("Name").toText();
-  const std::string code = session.qdb().Journal().getLastCardCode(name);
-  if (!code.empty()) std::cout << shownCode(code) << '\n';  // that there is none has been shown
+  LineTest test;
+  const bool answers = readerAnswers(session, name, test);
+  const UnknownCard card = takeLastUnknownCard(session.library(), name, answers);
+  session.show(card.report);
+  if (!card.code.empty()) std::cout << shownCode(card.code) << '\n';
 }
 
 }  // namespace

@@ -1,8 +1,8 @@
 #pragma once
 
 #include <optional>
+#include <string>
 
-#include "platform/ui/prompts.h"
 #include "work/line_test.h"
 
 namespace voxa::cli {
@@ -14,8 +14,8 @@ class Session;
 /// Refusal when the test failed and nobody can be asked about.
 [[nodiscard]] std::optional<LineTest> testedLines(Session& session, const Component& component);
 
-/// One test and its question, to which the answer is ignore when there is nobody to ask about, and where
-/// communications are inhibited.
-[[nodiscard]] Answer testAndAsk(Session& session, const Component& component, LineTest& test);
+/// Tests the controller of one reader before it is read. When it does not answer the person may have it
+/// tested again; otherwise there is nothing to read. test: what the last test found.
+[[nodiscard]] bool readerAnswers(Session& session, const std::string& reader, LineTest& test);
 
 }  // namespace voxa::cli

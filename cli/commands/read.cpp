@@ -3,7 +3,6 @@
 #include <CLI/CLI.hpp>
 #include <iostream>
 
-#include "comm/com.h"
 #include "commands.h"
 #include "component.h"
 #include "line_question.h"
@@ -45,15 +44,12 @@ void readEach(Session& session) {
   conclude(report, "    ");
 }
 
-void readOne(Session& session, const Component& reader) {
+void readOne(Session& session, const std::string& reader) {
   LineTest test;
-  for (;;) {
-    const Answer answer = testAndAsk(session, reader, test);
-    if (test.allAnswer || session.com().inhibitCom) break;
-    if (answer == Answer::retry) continue;
+  if (!readerAnswers(session, reader, test)) {
     throw Refusal("nothing was read: the controller does not answer, or reading was aborted" + test.said);
   }
-  session.show(readReader(session.library(), reader.name));
+  session.show(readReader(session.library(), reader));
 }
 
 void read(Session& session, const ReadOptions& options) {
@@ -70,7 +66,7 @@ void read(Session& session, const ReadOptions& options) {
     } else if (component.type == CTStation) {
       conclude(readStation(session.library(), component.name), "  ");
     } else {
-      readOne(session, component);
+      readOne(session, component.name);
     }
   } catch (...) {
     tell();

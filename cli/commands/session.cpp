@@ -45,8 +45,6 @@ void Session::opened() {
   if (!strings().isOpen()) {
     std::cerr << "voxa: the message texts of " << folder() << " (I18N.MDB) cannot be read\n";
   }
-  prompts_.takeForLeftover(strings().read("msgDownloadToUnactive"));
-  prompts_.forgetFailures();  // a journal that cannot be opened has been told, and most commands need none
 }
 
 void Session::open() {

@@ -100,7 +100,6 @@ class Demo {
     site_.setFaults(silentStation, silentAddress, faults);
     changeDailyProgram(session_.library(), "Office", {{}, {"08:30-12:00"}});
     expect(send({}) == 1, "the failure is told");
-    session_.prompts().forgetFailures();
     expect(showMarked() == 1, "the program stays marked");
   }
 

@@ -12,13 +12,8 @@ void CallerPrompts::files(const std::string& toSave, const std::string& toOpen) 
 }
 
 Answer CallerPrompts::messageBox(const std::string& prompt, int style, const std::string& title) {
-  if ((style & style::buttonMask) == style::okOnly) {
-    const bool leftover = !leftover_.empty() && prompt.starts_with(leftover_);
-    leftoverShown_ = leftoverShown_ || leftover;
-    if (!leftover && (style & style::iconMask) == style::critical) ++failuresShown_;
+  if (prepared_.empty() || (style & style::buttonMask) == style::okOnly)
     return ConsolePrompts::messageBox(prompt, style, title);
-  }
-  if (prepared_.empty()) return ConsolePrompts::messageBox(prompt, style, title);
   ConsolePrompts::messageBox(prompt, style::okOnly, title);
   const Answer answer = prepared_.front();
   prepared_.pop_front();

@@ -20,15 +20,6 @@ class CallerPrompts : public ConsolePrompts {
   /// The files that no dialog may choose, those of the installation.
   void protect(std::function<bool(const std::string&)> isProtected) { isProtected_ = std::move(isProtected); }
 
-  /// A message that begins with this text tells that something is left for a person, not that something
-  /// failed.
-  void takeForLeftover(std::string text) { leftover_ = std::move(text); }
-  [[nodiscard]] bool leftoverShown() const { return leftoverShown_; }
-
-  /// How many messages about failures were shown: after one the command has failed, whatever else it did.
-  [[nodiscard]] int failuresShown() const { return failuresShown_; }
-  void forgetFailures() { failuresShown_ = 0; }
-
   Answer messageBox(const std::string& prompt, int style, const std::string& title) override;
   std::string chooseFile(const FileDialog& dialog) override;
 
@@ -37,9 +28,6 @@ class CallerPrompts : public ConsolePrompts {
   std::string toSave_;
   std::string toOpen_;
   std::function<bool(const std::string&)> isProtected_ = [](const std::string&) { return false; };
-  int failuresShown_ = 0;
-  std::string leftover_;
-  bool leftoverShown_ = false;
 };
 
 }  // namespace voxa::cli

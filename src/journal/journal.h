@@ -86,6 +86,8 @@ class Journal : public Table {
   /// The code of the last unknown card shown at a reader today, which is read first; the row leaves the
   /// journal. "" when there is none, which is shown.
   std::string getLastCardCode(const std::string& readerName);
+  /// The same of what the journal has, without reading: asks and shows nothing.
+  std::string takeLastCardCode(const std::string& readerName, const Tell& teller);
 
  private:
   class AutoRun;

@@ -110,9 +110,12 @@ std::int16_t Journal::readTested(const Component& component, const Tell& teller)
 std::string Journal::getLastCardCode(const std::string& readerName) {
   // What it shows is all there is to say about its failure: an older card may still be in the journal.
   (void)readTransactions(CTReader, readerName);
-  const FailureMessage noCode{"msgCantReadCardCode", "Journal.getLastCardCode"};
+  return takeLastCardCode(readerName, showing(context_));
+}
+
+std::string Journal::takeLastCardCode(const std::string& readerName, const Tell& teller) {
   std::string code;
-  const std::int16_t status = context_.attempt(noCode, [&] {
+  const std::int16_t status = context_.attempt([&] {
     const auto last = rows(
         "SELECT TOP 1 Journal.TransactionType, Journal.TransactionData From Journal "
         "WHERE (((Journal.TransactionType)='10' Or (Journal.TransactionType)='12' Or "
@@ -124,7 +127,7 @@ std::string Journal::getLastCardCode(const std::string& readerName) {
     last->remove();
     if (!data.isNull()) code = data.toText();
   });
-  if (status == 0 && code.empty()) context_.report(noCode);
+  if (status != 0 || code.empty()) tell(context_, teller, {"msgCantReadCardCode", "Journal.getLastCardCode"});
   return code;
 }
 

@@ -48,6 +48,13 @@ Report readReader(Installation& installation, const std::string& reader) {
   return report;
 }
 
+UnknownCard takeLastUnknownCard(Installation& installation, const std::string& reader, bool answers) {
+  UnknownCard card;
+  if (answers) card.report = readReader(installation, reader);
+  card.code = installation.Journal().takeLastCardCode(reader, into(card.report.notices));
+  return card;
+}
+
 std::int32_t journalSize(Installation& installation) {
   return openedJournal(installation)
       ->openRecordset("select count(*) as Transactions from Journal")

@@ -24,6 +24,15 @@ Report readStation(Installation& installation, const std::string& station);
 /// answer, which the caller knows from the test.
 Report readReader(Installation& installation, const std::string& reader);
 
+/// The code of the unknown card that a reader saw last today; "" when there is none, which the Report tells.
+struct UnknownCard {
+  std::string code;
+  Report report;
+};
+/// Takes it out of the journal. answers: whether the reader's controller does, by a test that has just been
+/// made; it is read first then. What fails in that is told: an older card may still be in the journal.
+UnknownCard takeLastUnknownCard(Installation& installation, const std::string& reader, bool answers);
+
 /// How many transactions the journal has. A Refusal when it cannot be opened.
 [[nodiscard]] std::int32_t journalSize(Installation& installation);
 
