@@ -1,6 +1,5 @@
 #pragma once
 
-#include <compare>
 #include <cstdint>
 #include <string>
 
@@ -38,7 +37,10 @@ enum ComSpecialController : std::int16_t {
 struct ControllerPlace {
   std::int16_t station = 0;
   std::int16_t address = 0;  ///< on the station's line, 1 to 16, or one of ComSpecialController
-  friend auto operator<=>(const ControllerPlace&, const ControllerPlace&) = default;
+  friend bool operator==(const ControllerPlace&, const ControllerPlace&) = default;
+  friend bool operator<(const ControllerPlace& one, const ControllerPlace& other) {
+    return one.station != other.station ? one.station < other.station : one.address < other.address;
+  }
 };
 
 /// Bit flags of every download.

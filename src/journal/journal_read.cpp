@@ -97,14 +97,15 @@ std::int16_t Journal::readTransactions(ComponentType compType, const std::string
 }
 
 std::int16_t Journal::readTested(const Component& component, const Tell& teller) {
-  const auto& [type, name] = component;
-  return transfer(
-      {.send = [&](ComCommandsEnum command) { return access_.Com().sendToComp(command, type, name); },
-       .source = [&] { return sourceOf(type, name); },
-       .fail =
-           [&](const char* mnemonic, const std::string& why) {
-             tell(context_, teller, {mnemonic, "Journal.readTransactions", Value(why)});
-           }});
+  return transfer({.send =
+                       [&](ComCommandsEnum command) {
+                         return access_.Com().sendToComp(command, component.type, component.name);
+                       },
+                   .source = [&] { return sourceOf(component.type, component.name); },
+                   .fail =
+                       [&](const char* mnemonic, const std::string& why) {
+                         tell(context_, teller, {mnemonic, "Journal.readTransactions", Value(why)});
+                       }});
 }
 
 std::string Journal::getLastCardCode(const std::string& readerName) {
