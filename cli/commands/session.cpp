@@ -28,10 +28,6 @@ Answer answerNamed(const std::string& name) {
 
 }  // namespace
 
-std::unique_ptr<Recordset> Session::rows(const std::string& sql) {
-  return library().database().openRecordset(sql);
-}
-
 void Session::prepare() {
   for (const std::string& name : settings.answers) prompts_.assume(answerNamed(name));
   if (settings.yes) {

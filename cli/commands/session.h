@@ -42,7 +42,6 @@ class Session {
   [[nodiscard]] Com& com() { return library().Com(); }
   [[nodiscard]] Strings& strings() { return library().Strings(); }
   [[nodiscard]] const Clock& clock() const { return installation_.clock(); }
-  [[nodiscard]] std::unique_ptr<Recordset> rows(const std::string& sql);
   [[nodiscard]] const std::string& folder() const { return installation_.folder(); }
 
   /// Shows what the work on the installation tells, for a person and for the exit status.
