@@ -192,13 +192,13 @@ void Batch::takeBack() {
 
 std::int16_t Cardholder::createGroup(std::int32_t firstCardNum, const std::string& firstCardCode,
                                      std::int16_t nCards, std::int16_t accessGroupId, bool GroupMode) {
-  const CreatedCards created = create(firstCardNum, firstCardCode, nCards, accessGroupId, GroupMode);
+  const CreatedCards created = createCards(firstCardNum, firstCardCode, nCards, accessGroupId, GroupMode);
   context_.show(created.notices);
   return created.status;
 }
 
-CreatedCards Cardholder::create(std::int32_t firstCardNum, const std::string& firstCardCode,
-                                std::int16_t nCards, std::int16_t accessGroupId, bool GroupMode) {
+CreatedCards Cardholder::createCards(std::int32_t firstCardNum, const std::string& firstCardCode,
+                                     std::int16_t nCards, std::int16_t accessGroupId, bool GroupMode) {
   std::vector<Notice> notices = finishUnfinishedBlocks(access_);
   CreatedCards created;
   // What a failing send shows waits: its cards are not to stay on the controllers until somebody has read it.

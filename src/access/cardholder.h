@@ -52,8 +52,8 @@ class Cardholder : public Table {
   std::int16_t createGroup(std::int32_t firstCardNum, const std::string& firstCardCode, std::int16_t nCards,
                            std::int16_t accessGroupId, bool GroupMode = false);
   /// The same without a box.
-  [[nodiscard]] CreatedCards create(std::int32_t firstCardNum, const std::string& firstCardCode,
-                                    std::int16_t nCards, std::int16_t accessGroupId, bool GroupMode);
+  [[nodiscard]] CreatedCards createCards(std::int32_t firstCardNum, const std::string& firstCardCode,
+                                         std::int16_t nCards, std::int16_t accessGroupId, bool GroupMode);
 
   std::int16_t getCardNumId(std::int16_t cardNum);     ///< 0 when there is none
   std::string getNameByCardNum(std::int16_t cardNum);  ///< "" when there is none

@@ -20,8 +20,8 @@ CardBatch::CardBatch(Installation& installation, const CardBatchTexts& texts)
 CreatedBatch createCards(Installation& installation, const CardBatch& batch, bool codesAsNames) {
   Com& com = installation.Com();
   const auto unknown = com.notKnownToAnswer(CTActiveStations, "");
-  CreatedCards cards =
-      installation.Cardholders().create(batch.first, batch.firstCode, batch.count, batch.group, codesAsNames);
+  CreatedCards cards = installation.Cardholders().createCards(batch.first, batch.firstCode, batch.count,
+                                                              batch.group, codesAsNames);
   CreatedBatch created{cards.status == 0, std::move(cards.notices), {}};
   if (!created.created || cards.everywhere) return created;
   for (const auto& [station, address] : unknown) created.silent.push_back(com.getName(station, address));
