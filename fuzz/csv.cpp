@@ -11,24 +11,24 @@ namespace {
 
 void check(std::string_view text) {
   std::string written;
-  std::vector<cli::CsvRecord> sound;
+  std::vector<CsvRecord> sound;
   std::size_t line = 0;
-  for (const cli::CsvRecord& record : cli::readCsv(text)) {
+  for (const CsvRecord& record : readCsv(text)) {
     require(record.line > line, "each record begins behind the one before");
     line = record.line;
     if (!record.fault.empty()) continue;
     for (const std::string& field : record.fields) {
-      written += (&field == &record.fields.front() ? "" : ",") + cli::csvField(field);
+      written += (&field == &record.fields.front() ? "" : ",") + csvField(field);
     }
     written += "\r\n";
     sound.push_back(record);
   }
-  const std::vector<cli::CsvRecord> again = cli::readCsv(written);
+  const std::vector<CsvRecord> again = readCsv(written);
   require(again.size() == sound.size(), "as many records are read as were written");
   for (std::size_t i = 0; i < sound.size(); ++i) {
     require(again[i].fault.empty(), "what was written has no faults");
     std::vector<std::string> texts;
-    for (const std::string& field : again[i].fields) texts.push_back(cli::csvText(field));
+    for (const std::string& field : again[i].fields) texts.push_back(csvText(field));
     require(texts == sound[i].fields, "the fields come back as they were");
   }
 }
