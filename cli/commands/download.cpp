@@ -61,9 +61,7 @@ DownloadTarget testedTarget(Session& session, const DownloadOptions& options) {
 
 /// What became of it all, when not everything was sent everywhere.
 void conclude(const Report& all, const DownloadTarget& target) {
-  std::vector<std::string> names;
-  for (const Report::Controller& controller : target.silent) names.push_back(controller.name);
-  std::string silent = eachOnALine(names);
+  std::string silent = eachOnALine(namesOf(target.silent));
   if (!silent.empty())
     silent = "these controllers did not answer, and what was sent stays marked for them:" + silent;
   if (all.rowsWith(Outcome::failed) > 0) {

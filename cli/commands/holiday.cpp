@@ -36,7 +36,7 @@ void deleteHoliday(Session& session, const std::string& numberOrName) {
   session.show(report);
   if (row.outcome != Outcome::done) {
     throw Refusal(holiday.name + " stays, marked to be sent: delete it again when every controller answers" +
-                  eachOnALine(report.controllersWith(Outcome::silent)));
+                  eachOnALine(namesOf(report.controllers)));
   }
   std::cout << "Deleted: " << holiday.name << '\n';
 }

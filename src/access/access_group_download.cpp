@@ -8,6 +8,7 @@
 #include "comm/com.h"
 #include "comm/reader.h"
 #include "platform/database/database.h"
+#include "platform/notice.h"
 
 namespace voxa {
 
@@ -61,16 +62,10 @@ SentCards AccessGroup::send(std::int16_t Id, std::int16_t Params, std::int16_t r
     if (sent != 0 || (readerId != 0 && marked) || gen_.openWhere(condition)) return sent;
     return gen_.setFlagsD(false);
   });
-  if (cards) {
-    sending.notices = cards->failures();
-    for (Notice& notice : noticesOf(cards->twoPrograms(), cards->inactiveStations())) {
-      sending.notices.push_back(std::move(notice));
-    }
-  }
+  if (cards) sending.notices = cards->notices();
   if (sending.status != 0) {
-    sending.notices.push_back(
-        {Notice::Kind::failure,
-         context_.kept({"msgCantDownload", "AccessGroups.download", Value(access_.Com().popErrorList())})});
+    tell(context_, into(sending.notices),
+         {"msgCantDownload", "AccessGroups.download", Value(access_.Com().popErrorList())});
   }
   return sending;
 }

@@ -12,6 +12,7 @@
 #include "comm/com.h"
 #include "platform/clock.h"
 #include "platform/database/database.h"
+#include "platform/notice.h"
 #include "platform/text.h"
 
 namespace voxa {
@@ -233,9 +234,8 @@ CreatedCards Cardholder::createBatch(std::int32_t firstCardNum, const std::strin
   const ErrorInfo error = context_.error();
   if (batch) batch->takeBack();
   context_.error() = error;
-  created.notices.push_back(
-      {Notice::Kind::failure,
-       context_.kept({"msgCantDownload", "Cardholders.createGroup", Value(access_.Com().popErrorList())})});
+  tell(context_, into(created.notices),
+       {"msgCantDownload", "Cardholders.createGroup", Value(access_.Com().popErrorList())});
   return created;
 }
 

@@ -8,6 +8,7 @@
 #include "comm/com.h"
 #include "files/conversions.h"
 #include "platform/database/database.h"
+#include "platform/notice.h"
 #include "platform/text.h"
 
 namespace voxa {
@@ -120,10 +121,7 @@ bool eraseCards(AccessContext& context, const ControllerPlace& place,
   bool confirmed = false;
   context.attempt([&] {
     if (!com.TestSend(place.station, place.address)) return;  // it would be passed over without a word
-    std::vector<std::string> lines;
-    lines.reserve(numbers.size());
-    for (const std::int32_t number : numbers) lines.push_back(clearCardLine(number));
-    confirmed = com.sendLinesTested(lines, place) == 0;
+    confirmed = com.sendLinesTested(clearCardLines(numbers), place) == 0;
   });
   if (confirmed) return true;
   com.errorList += "\r\n" + context.messages().read("msgCantSendCommand") + " (" +
@@ -158,11 +156,11 @@ std::vector<Notice> finishUnfinishedBlocks(AccessContext& context) {
         good = finish(context, *note) && good;
     }
   });
-  const auto fail = [&](const FailureMessage& message) {
-    notices.push_back({Notice::Kind::failure, context.kept(message)});
-  };
-  if (failed != 0) fail({"msgUnexpecErr", "Cardholders.createGroup"});
-  if (!good) fail({"msgCantSendCommand", "Cardholders.createGroup", Value(com.popErrorList())});
+  const Tell teller = into(notices);
+  if (failed != 0) tell(context, teller, {"msgUnexpecErr", "Cardholders.createGroup"});
+  if (!good) {
+    tell(context, teller, {"msgCantSendCommand", "Cardholders.createGroup", Value(com.popErrorList())});
+  }
   return notices;
 }
 

@@ -10,6 +10,7 @@
 #include "files/conversions.h"
 #include "platform/clock.h"
 #include "platform/database/database.h"
+#include "platform/notice.h"
 
 namespace voxa {
 
@@ -72,8 +73,7 @@ void CardDownload::send(std::int32_t cardholderId, const CardParts& anyway) {
 
 std::int16_t CardDownload::sendCard(std::int32_t id, const CardParts& anyway) {
   if (cards_.openWhere("Id = " + std::to_string(id))) {
-    failures_.push_back(
-        {Notice::Kind::failure, context_.kept({"msgCantFindCardholder", "Cardholder.downloadI", Value(id)})});
+    tell(context_, into(failures_), {"msgCantFindCardholder", "Cardholder.downloadI", Value(id)});
     return -1;
   }
   const Recordset& row = *cards_.currentRecordset();
@@ -144,6 +144,12 @@ bool CardDownload::isNobodys(const CardRecord& card) {
                                         names + ": none of them is sent until each has a number of its own");
 }
 
+std::vector<Notice> CardDownload::notices() const {
+  std::vector<Notice> all = failures_;
+  for (Notice& notice : noticesOf(twoPrograms_, inactiveStations_)) all.push_back(std::move(notice));
+  return all;
+}
+
 void CardDownload::finish() {
   if (sent_.empty()) return;
   const std::int16_t status = context_.attempt([&] {
@@ -153,7 +159,7 @@ void CardDownload::finish() {
   });
   if (status != 0) {
     fail(status);
-    failures_.push_back({Notice::Kind::failure, context_.kept({"msgUnexpecErr", "Cardholder.downloadI"})});
+    tell(context_, into(failures_), {"msgUnexpecErr", "Cardholder.downloadI"});
   }
   sent_.clear();
 }

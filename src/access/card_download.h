@@ -61,6 +61,8 @@ class CardDownload {
   [[nodiscard]] std::int16_t status() const { return status_; }
   /// Failures with messages of their own, which are to be shown in place of one about status().
   [[nodiscard]] const std::vector<Notice>& failures() const { return failures_; }
+  /// failures(), and what is to be told of controllers that could not be told all.
+  [[nodiscard]] std::vector<Notice> notices() const;
   /// The stations with controllers that were not sent to since the line is not in use.
   [[nodiscard]] const Names& inactiveStations() const { return inactiveStations_; }
   /// Group and door of each that stays shut though it is granted: its controller's doors are granted under

@@ -12,6 +12,7 @@
 #include "comm/station.h"
 #include "files/conversions.h"
 #include "platform/database/database.h"
+#include "platform/notice.h"
 
 namespace voxa {
 
@@ -146,8 +147,7 @@ SentCards Cardholder::sendAll(const Component& component, std::int16_t Params) {
     for (; !cards->eof(); cards->moveNext()) download.send(cards->get("Id").toInt32(), anyway);
   });
   if (failed != 0) {
-    sent.notices.push_back(
-        {Notice::Kind::failure, context_.kept({"msgCantDownload", "Cardholders.generalDownload"})});
+    tell(context_, into(sent.notices), {"msgCantDownload", "Cardholders.generalDownload"});
   }
   SentCards end = conclude(download, "Cardholders.generalDownload", Params);
   sent.status = failed != 0 ? failed : end.status;
@@ -161,12 +161,9 @@ SentCards Cardholder::conclude(CardDownload& download, const char* method, std::
   const bool inactive = !download.inactiveStations().empty();
   SentCards sent{inactive ? std::int16_t{1} : download.status(), download.failures()};
   if ((params & DLNoMessage) != 0) return sent;
-  for (Notice& notice : noticesOf(download.twoPrograms(), download.inactiveStations())) {
-    sent.notices.push_back(std::move(notice));
-  }
+  sent.notices = download.notices();
   if (download.status() != 0 && download.failures().empty()) {
-    sent.notices.push_back({Notice::Kind::failure,
-                            context_.kept({"msgCantDownload", method, Value(access_.Com().popErrorList())})});
+    tell(context_, into(sent.notices), {"msgCantDownload", method, Value(access_.Com().popErrorList())});
   }
   return sent;
 }

@@ -52,12 +52,11 @@ void OpenInstallation::start(const Opening& how) {
   com.pDailyPrograms4Zones = how.fourZones ? 1 : 0;
 }
 
-void OpenInstallation::placeFiles() {
-  Com& com = library_->Com();
-  com.AppDB = folder_ + "\\" + mainDatabase;
-  com.IniFile = folder_ + "\\S001.ini";
-  com.logFileName = folder_ + "\\COM.LOG";
-  com.Chemin = folder_;
+Paths OpenInstallation::places() const {
+  return {.AppDB = folder_ + "\\" + mainDatabase,
+          .IniFile = folder_ + "\\S001.ini",
+          .logFileName = folder_ + "\\COM.LOG",
+          .Chemin = folder_};
 }
 
 void OpenInstallation::requireInstallation() const {
@@ -69,15 +68,20 @@ bool OpenInstallation::openForSending(const Opening& how) {
   enterFolder(how);
   requireInstallation();
   lock_ = std::make_unique<InstallationLock>();
-  open(how);
+  openHere(how);
   return eraseUnfinishedBlocks(*library_);
 }
 
 void OpenInstallation::open(const Opening& how) {
   enterFolder(how);
   requireInstallation();
+  openHere(how);
+}
+
+void OpenInstallation::openHere(const Opening& how) {
   start(how);
-  glob_->Initialize(folder_ + "\\" + mainDatabase, folder_ + "\\S001.ini", folder_ + "\\COM.LOG", folder_);
+  const Paths paths = places();
+  glob_->Initialize(paths.AppDB, paths.IniFile, paths.logFileName, paths.Chemin);
   if (library_->DB()) return;
   throw Refusal("the installation in " + folder_ + " cannot be opened: its " + mainDatabase +
                 " is damaged, or not yours to read; a copy made with 'voxa db save' can be put in its place");
@@ -126,7 +130,7 @@ void OpenInstallation::create(const Opening& how) {
   if (files::exists(mainDatabase)) throw Refusal(folder_ + " holds an installation already");
   start(how);
   fillCatalogue();
-  placeFiles();
+  static_cast<Paths&>(library_->Com()) = places();
   Journal& journal = library_->QDB().Journal();
   if (!files::exists(Journal::dbName) && journal.createDB() != 0) refuseIncomplete();
   if (journal.DB()) journal.DB()->close();  // an open one would be put aside for a new one

@@ -54,7 +54,8 @@ class OpenInstallation {
   void enterFolder(const Opening& how);
   void requireInstallation() const;
   void start(const Opening& how);
-  void placeFiles();
+  void openHere(const Opening& how);
+  [[nodiscard]] Paths places() const;  // of the files in the folder
   void fillCatalogue();
   [[noreturn]] void refuseIncomplete() const;
   // A database without a table is what a creation that was killed had come to.

@@ -42,6 +42,13 @@ std::string clearCardLine(std::int32_t cardNum) {
   return "09" + zeroPadded(cardNum, 4) + clearingCode;
 }
 
+std::vector<std::string> clearCardLines(const std::vector<std::int32_t>& cardNums) {
+  std::vector<std::string> lines;
+  lines.reserve(cardNums.size());
+  for (const std::int32_t number : cardNums) lines.push_back(clearCardLine(number));
+  return lines;
+}
+
 std::vector<std::string> cardLines(const CardRecord& card, const CardRights& rights,
                                    const std::vector<std::int16_t>& liftOutputs,
                                    std::string_view controllerType, DateTime today) {

@@ -46,6 +46,7 @@ struct CardRights {
 
 /// The line that clears a card on the controllers: "09", the number in four digits, eight zeros.
 [[nodiscard]] std::string clearCardLine(std::int32_t cardNum);
+[[nodiscard]] std::vector<std::string> clearCardLines(const std::vector<std::int32_t>& cardNums);
 
 /// The lines of one card for one controller, only those of `parts`:
 ///   09 code, 33 weekly program (two digits), 16 and 17 first and second door (0 or 1), 19 personal code

@@ -1,6 +1,7 @@
 #include "work/badge_formats.h"
 
 #include "access/badge_format.h"
+#include "lines/code.h"
 #include "platform/database/database.h"
 #include "work/installation.h"
 #include "work/look_up.h"
@@ -13,8 +14,7 @@ namespace voxa {
 namespace {
 
 std::string siteCode(const std::string& text) {
-  constexpr std::size_t most = 8;
-  if (text.size() <= most && text.find_first_not_of("0123456789ABCDEFabcdef") == std::string::npos)
+  if (text.size() <= codeLength && text.find_first_not_of("0123456789ABCDEFabcdef") == std::string::npos)
     return text;
   throw Refusal("a site code has up to 8 hexadecimal digits, not " + text);
 }

@@ -1,9 +1,9 @@
 #include "work/card_batch.h"
 
 #include "access/cardholder.h"
-#include "comm/com.h"
 #include "work/card_values.h"
 #include "work/installation.h"
+#include "work/line_test.h"
 #include "work/words.h"
 
 namespace voxa {
@@ -18,13 +18,12 @@ CardBatch::CardBatch(Installation& installation, const CardBatchTexts& texts)
 }
 
 CreatedBatch createCards(Installation& installation, const CardBatch& batch, bool codesAsNames) {
-  Com& com = installation.Com();
-  const auto unknown = com.notKnownToAnswer(CTActiveStations, "");
+  const auto silent = silentControllers(installation, {});
   CreatedCards cards = installation.Cardholders().createCards(batch.first, batch.firstCode, batch.count,
                                                               batch.group, codesAsNames);
   CreatedBatch created{cards.status == 0, std::move(cards.notices), {}};
   if (!created.created || cards.everywhere) return created;
-  for (const auto& [station, address] : unknown) created.silent.push_back(com.getName(station, address));
+  created.silent = namesOf(silent);
   return created;
 }
 

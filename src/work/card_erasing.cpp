@@ -7,6 +7,7 @@
 #include "platform/database/database.h"
 #include "work/card_values.h"
 #include "work/installation.h"
+#include "work/line_test.h"
 #include "work/refusal.h"
 
 namespace voxa {
@@ -55,9 +56,8 @@ ErasedCard deleteCard(Installation& installation, std::int16_t number) {
   erased.holders = outOfReach(installation, nullToInt(card->get("AccessGroupId")));
   markWhole(installation, {number});
   if (sendClearing(installation, number, {}).status != 0) {
-    erased.notices.push_back(
-        {Notice::Kind::failure, installation.kept({"msgCantSendCommand", "Com.SendCommand",
-                                                   Value(installation.Com().popErrorList())})});
+    tell(installation, into(erased.notices),
+         {"msgCantSendCommand", "Com.SendCommand", Value(installation.Com().popErrorList())});
     return erased;
   }
   card->edit();
@@ -71,19 +71,17 @@ ErasedCard deleteCard(Installation& installation, std::int16_t number) {
 }
 
 ErasedCard invalidateCard(Installation& installation, std::int16_t number, const Component& component) {
-  Com& com = installation.Com();
-  const auto unknown = com.notKnownToAnswer(component.type, component.name);
+  const auto silent = silentControllers(installation, component);
   markWhole(installation, {number});
   ErasedCard erased;
   const Sent sent = sendClearing(installation, number, component);
   if (sent.raised) {
-    erased.notices.push_back(
-        {Notice::Kind::failure, installation.kept({"msgCantWriteCommand", "Cardholders.invalidate"})});
+    tell(installation, into(erased.notices), {"msgCantWriteCommand", "Cardholders.invalidate"});
     return erased;
   }
-  if (sent.status != 0) throw Refusal("msgCantSendCommand", com.popErrorList());
+  if (sent.status != 0) throw Refusal("msgCantSendCommand", installation.Com().popErrorList());
   erased.erased = true;
-  for (const auto& [station, address] : unknown) erased.holders.push_back(com.getName(station, address));
+  erased.holders = namesOf(silent);
   return erased;
 }
 

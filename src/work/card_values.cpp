@@ -31,10 +31,6 @@ std::string storedCode(const Value& code) {
   return padded(toUpper(shownCode(code.toText())));
 }
 
-bool isDigits(const std::string& text) {
-  return !text.empty() && text.find_first_not_of("0123456789") == std::string::npos;
-}
-
 const std::string& filled(const std::string& what, const std::string& text) {
   if (text.empty()) throw Refusal("msgDBMandField", "(" + what + ")");
   return text;
@@ -113,7 +109,7 @@ GroupNames::GroupNames(Installation& installation) {
 
 std::int16_t GroupNames::id(const std::string& nameOrNumber) const {
   if (const auto found = ids_.find(toLower(nameOrNumber)); found != ids_.end()) return found->second;
-  if (isDigits(nameOrNumber)) {
+  if (isNumber(nameOrNumber)) {
     const std::int16_t number = number16("the access group", nameOrNumber);
     if (names_.contains(number)) return number;
   }
@@ -241,8 +237,8 @@ std::unique_ptr<Recordset> cardNumbered(Installation& installation, std::int16_t
 
 std::unique_ptr<Recordset> cardNamed(Installation& installation, const std::string& numberOrName) {
   constexpr std::size_t digitsOfANumber = 4;
-  const bool isNumber = isDigits(numberOrName);
-  if (isNumber && numberOrName.size() <= digitsOfANumber) {
+  const bool digits = isNumber(numberOrName);
+  if (digits && numberOrName.size() <= digitsOfANumber) {
     auto rows = numbered(installation, number16("the card number", numberOrName));
     if (!rows->eof()) return rows;
   }
@@ -251,7 +247,7 @@ std::unique_ptr<Recordset> cardNamed(Installation& installation, const std::stri
       {{"pName", numberOrName}});
   if (!rows->eof()) return rows;
   // Names may be codes, which have 8 digits.
-  if (!isNumber || numberOrName.size() >= codeLength) throw Refusal("msgCantFindCardholder", numberOrName);
+  if (!digits || numberOrName.size() >= codeLength) throw Refusal("msgCantFindCardholder", numberOrName);
   rows = numbered(installation, cardNumber(numberOrName));
   if (rows->eof()) throw Refusal("msgCardNumNotInUse", numberOrName);
   return rows;

@@ -4,6 +4,7 @@
 #include <functional>
 
 #include "access/card_record.h"
+#include "files/conversions.h"
 #include "lines/code.h"
 #include "platform/database/database.h"
 #include "platform/text.h"
@@ -16,17 +17,13 @@ namespace voxa {
 
 namespace {
 
-std::int16_t groupOf(const Recordset& card) {
-  const Value group = card.get("AccessGroupId");
-  return group.isNull() ? std::int16_t{0} : group.toInt16();
-}
-
 CardRow rowOf(const Recordset& card, const GroupNames& groups) {
   const Value pin = card.get("PINCode");
+  const Value group = card.get("AccessGroupId");
   return {card.get("CardNum"),
           card.get("Name"),
           card.get("CardCode"),
-          card.get("AccessGroupId").isNull() ? Value() : Value(groups.name(groupOf(card))),
+          group.isNull() ? Value() : Value(groups.name(group.toInt16())),
           card.get("Validated"),
           card.get("Supervisor"),
           card.get("ValidationDate"),
@@ -71,7 +68,7 @@ void changeCard(Installation& installation, const std::string& card, const CardT
   const auto row = cardNamed(installation, card);
   const CardValues values(texts, GroupNames(installation), installation.clock());
   TakenByCards(installation, row->get("Id").toInt32()).requireFree(values);
-  const std::int16_t group = groupOf(*row);
+  const std::int16_t group = nullToInt(row->get("AccessGroupId"));
   const std::int32_t number = row->get("CardNum").toInt32();
   const bool another = (values.number && *values.number != number) ||
                        (values.code && !isCode(row->get("CardCode"), *values.code));
@@ -92,15 +89,18 @@ void changeCard(Installation& installation, const std::string& card, const CardT
 std::vector<CardRow> listCards(Installation& installation, const std::optional<std::string>& group,
                                bool deleted) {
   const GroupNames groups(installation);
-  std::optional<std::int16_t> wanted;
-  if (group) wanted = groups.id(*group);
+  const auto all = [](const Recordset& /*card*/) { return true; };
+  if (!group) {
+    const auto cards = installation.database().openRecordset(
+        "parameters pDeleted bit; select * from Cardholders where Deleted = pDeleted order by CardNum",
+        {{"pDeleted", deleted}});
+    return rowsOf(*cards, groups, all);
+  }
   const auto cards = installation.database().openRecordset(
-      "parameters pDeleted bit; select * from Cardholders where Deleted = pDeleted order by CardNum",
-      {{"pDeleted", deleted}});
-  return rowsOf(*cards, groups, [&](const Recordset& card) {
-    const Value has = card.get("AccessGroupId");
-    return !wanted || (!has.isNull() && has.toInt16() == *wanted);
-  });
+      "parameters pDeleted bit, pGroup long; select * from Cardholders where Deleted = pDeleted and "
+      "AccessGroupId = pGroup order by CardNum",
+      {{"pDeleted", deleted}, {"pGroup", groups.id(*group)}});
+  return rowsOf(*cards, groups, all);
 }
 
 std::vector<CardRow> findCards(Installation& installation, const std::string& text) {

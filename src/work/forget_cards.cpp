@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "comm/com.h"
-#include "files/command_file.h"
 #include "work/card_values.h"
 #include "work/installation.h"
 #include "work/refusal.h"
@@ -66,9 +65,8 @@ void ForgetCards::requireAnswers() {
 }
 
 bool ForgetCards::erase(const Erasing& erasing) {
-  std::vector<std::string> lines;
-  for (const std::int32_t number : erasing.numbers) lines.push_back(clearCardLine(number));
-  return installation_.Com().sendLines(lines, erasing.controller) == 0;
+  const std::vector<std::int32_t> numbers(erasing.numbers.begin(), erasing.numbers.end());
+  return installation_.Com().sendLines(clearCardLines(numbers), erasing.controller) == 0;
 }
 
 }  // namespace voxa

@@ -8,6 +8,7 @@
 #include "platform/datetime.h"
 #include "programs/holidays.h"
 #include "work/installation.h"
+#include "work/line_test.h"
 #include "work/look_up.h"
 #include "work/refusal.h"
 #include "work/store_row.h"
@@ -77,14 +78,11 @@ std::vector<HolidayRow> listHolidays(Installation& installation) {
 
 Report deleteHoliday(Installation& installation, std::int16_t slot) {
   const auto row = holidayNamed(installation, std::to_string(slot));
-  Com& com = installation.Com();
   Report report;
   Report::Row& told = report.rows.emplace_back();
   told.row = row->get("Name").toText();
-  const std::int16_t sent = com.sendCommand(clearHolidayLine(slot), {}, into(told.notices));
-  for (const ControllerPlace& place : com.notKnownToAnswer(CTActiveStations, "")) {
-    report.controllers.push_back({place, com.getName(place.station, place.address), Outcome::silent});
-  }
+  const std::int16_t sent = installation.Com().sendCommand(clearHolidayLine(slot), {}, into(told.notices));
+  report.controllers = silentControllers(installation, {});
   if (sent == 0 && report.controllers.empty()) {
     row->remove();
     return report;

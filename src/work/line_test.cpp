@@ -17,10 +17,17 @@ LineTest testLines(Installation& installation, const Component& component) {
   found.allAnswer = test.allAnswer;
   found.broken = test.broken;
   found.said = com.popErrorList();
-  for (const ControllerPlace& place : com.notKnownToAnswer(component.type, component.name)) {
-    found.silent.push_back({place, com.getName(place.station, place.address), Outcome::silent});
-  }
+  found.silent = silentControllers(installation, component);
   return found;
+}
+
+std::vector<Report::Controller> silentControllers(Installation& installation, const Component& component) {
+  Com& com = installation.Com();
+  std::vector<Report::Controller> silent;
+  for (const ControllerPlace& place : com.notKnownToAnswer(component.type, component.name)) {
+    silent.push_back({place, com.getName(place.station, place.address), Outcome::silent});
+  }
+  return silent;
 }
 
 void passOver(Installation& installation, const std::vector<Report::Controller>& silent) {

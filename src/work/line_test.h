@@ -28,6 +28,10 @@ struct LineTest {
 };
 [[nodiscard]] LineTest testLines(Installation& installation, const Component& component);
 
+/// The controllers of a component that are not known to answer, by the last test.
+[[nodiscard]] std::vector<Report::Controller> silentControllers(Installation& installation,
+                                                                const Component& component);
+
 /// What is sent from now on passes these over, until a test finds that they answer.
 void passOver(Installation& installation, const std::vector<Report::Controller>& silent);
 

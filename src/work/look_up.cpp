@@ -12,10 +12,6 @@ namespace voxa {
 
 namespace {
 
-bool isNumber(const std::string& text) {
-  return !text.empty() && text.find_first_not_of("0123456789") == std::string::npos;
-}
-
 /// Where rows of a kind are.
 struct Kind {
   const char* table;

@@ -25,19 +25,18 @@ std::size_t Report::rowsWith(Outcome outcome) const {
   return static_cast<std::size_t>(count);
 }
 
-std::vector<std::string> Report::controllersWith(Outcome outcome) const {
-  std::vector<std::string> names;
-  for (const Controller& controller : controllers) {
-    if (controller.outcome == outcome) names.push_back(controller.name);
-  }
-  return names;
-}
-
 void Report::add(Report other) {
   std::move(other.rows.begin(), other.rows.end(), std::back_inserter(rows));
   std::move(other.controllers.begin(), other.controllers.end(), std::back_inserter(controllers));
   std::move(other.notices.begin(), other.notices.end(), std::back_inserter(notices));
   broken = broken || other.broken;
+}
+
+std::vector<std::string> namesOf(const std::vector<Report::Controller>& controllers) {
+  std::vector<std::string> names;
+  names.reserve(controllers.size());
+  for (const Report::Controller& controller : controllers) names.push_back(controller.name);
+  return names;
 }
 
 }  // namespace voxa

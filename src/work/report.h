@@ -44,9 +44,10 @@ struct Report {
   /// Whether it is broken, a row failed, or a notice tells of a failure.
   [[nodiscard]] bool failed() const;
   [[nodiscard]] std::size_t rowsWith(Outcome outcome) const;
-  [[nodiscard]] std::vector<std::string> controllersWith(Outcome outcome) const;  ///< their names
   /// Behind another's: one report of both.
   void add(Report other);
 };
+
+[[nodiscard]] std::vector<std::string> namesOf(const std::vector<Report::Controller>& controllers);
 
 }  // namespace voxa

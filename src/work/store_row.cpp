@@ -2,11 +2,10 @@
 
 #include <algorithm>
 
-#include "platform/text.h"
-#include "work/refusal.h"
-
 #include "platform/database/database.h"
+#include "platform/text.h"
 #include "work/installation.h"
+#include "work/refusal.h"
 
 namespace voxa {
 

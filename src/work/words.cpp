@@ -30,6 +30,10 @@ constexpr std::size_t nameLength = 50;
 
 }  // namespace
 
+bool isNumber(const std::string& text) {
+  return !text.empty() && text.find_first_not_of("0123456789") == std::string::npos;
+}
+
 std::int16_t number16(const std::string& what, const std::string& text) {
   using Limits = std::numeric_limits<std::int16_t>;
   return whole(what, text, Limits::min(), Limits::max());

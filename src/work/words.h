@@ -16,7 +16,9 @@ class Clock;
 /// included, and for one outside the range.
 [[nodiscard]] std::int16_t number16(const std::string& what, const std::string& text);
 [[nodiscard]] std::int32_t number32(const std::string& what, const std::string& text);
-/// The same within bounds.
+/// Whether it is digits alone.
+[[nodiscard]] bool isNumber(const std::string& text);
+/// A number within bounds.
 [[nodiscard]] std::int16_t numberWithin(const std::string& what, const std::string& text, std::int16_t least,
                                         std::int16_t greatest);
 
