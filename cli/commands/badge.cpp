@@ -4,6 +4,7 @@
 #include <iostream>
 
 #include "commands.h"
+#include "list_command.h"
 #include "output/table_output.h"
 #include "session.h"
 #include "work/badge_formats.h"
@@ -91,11 +92,7 @@ void addBadgeCommands(CLI::App& app, Session& session) {
       "--site 1A2F");
   add->callback([&session, added] { addFormat(session, *added); });
 
-  auto* list = group->add_subcommand("list", "List the badge formats");
-  auto json = std::make_shared<bool>(false);
-  list->add_flag("--json", *json, "As a JSON array");
-  list->footer("Example:\n  voxa badge list");
-  list->callback([&session, json] { listFormats(session, *json); });
+  addListCommand(*group, session, "list", "List the badge formats", "voxa badge list", listFormats);
 
   auto* set = group->add_subcommand("set", "Change a badge format; it is to be sent again then");
   auto changed = std::make_shared<BadgeOptions>();

@@ -4,6 +4,7 @@
 #include <iostream>
 
 #include "commands.h"
+#include "list_command.h"
 #include "output/table_output.h"
 #include "session.h"
 #include "work/daily_programs.h"
@@ -60,11 +61,7 @@ void addDailyCommands(CLI::App& app, Session& session) {
   add->footer("Example:\n  voxa daily add Office --first 08:00-12:00 --second 13:00-17:00");
   add->callback([&session, added] { addDaily(session, *added); });
 
-  auto* list = group->add_subcommand("list", "List the daily programs");
-  auto json = std::make_shared<bool>(false);
-  list->add_flag("--json", *json, "As a JSON array");
-  list->footer("Example:\n  voxa daily list");
-  list->callback([&session, json] { listDaily(session, *json); });
+  addListCommand(*group, session, "list", "List the daily programs", "voxa daily list", listDaily);
 
   auto* set = group->add_subcommand("set", "Change a daily program; it is to be sent again then");
   auto program = std::make_shared<std::string>();

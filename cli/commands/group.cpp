@@ -4,6 +4,7 @@
 #include <iostream>
 
 #include "commands.h"
+#include "list_command.h"
 #include "messages/strings.h"
 #include "output/table_output.h"
 #include "platform/ui/prompts.h"
@@ -91,11 +92,8 @@ void addGroupCommands(CLI::App& app, Session& session) {
   adding->footer("Example:\n  voxa group add Staff");
   adding->callback([&session, name] { add(session, *name); });
 
-  auto* listing = group->add_subcommand("list", "List the access groups and the doors they open");
-  auto json = std::make_shared<bool>(false);
-  listing->add_flag("--json", *json, "As a JSON array");
-  listing->footer("Example:\n  voxa group list");
-  listing->callback([&session, json] { list(session, *json); });
+  addListCommand(*group, session, "list", "List the access groups and the doors they open", "voxa group list",
+                 list);
 
   auto* granting = group->add_subcommand("grant", "Let a group's cards open a door, or at other times");
   auto granted = std::make_shared<GroupOptions>();

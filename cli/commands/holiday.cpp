@@ -5,6 +5,7 @@
 
 #include "comm/com.h"
 #include "commands.h"
+#include "list_command.h"
 #include "output/table_output.h"
 #include "session.h"
 #include "work/holidays.h"
@@ -63,11 +64,7 @@ void addHolidayCommands(CLI::App& app, Session& session) {
   add->footer("Example:\n  voxa holiday add Christmas --date 25/12/2026 --each-year");
   add->callback([&session, added] { addHoliday(session, *added); });
 
-  auto* list = group->add_subcommand("list", "List the holidays");
-  auto json = std::make_shared<bool>(false);
-  list->add_flag("--json", *json, "As a JSON array");
-  list->footer("Example:\n  voxa holiday list");
-  list->callback([&session, json] { listHolidays(session, *json); });
+  addListCommand(*group, session, "list", "List the holidays", "voxa holiday list", listHolidays);
 
   auto* remove = group->add_subcommand("delete", "Erase a holiday on the controllers, then delete it");
   auto name = std::make_shared<std::string>();

@@ -4,6 +4,7 @@
 #include <iostream>
 
 #include "commands.h"
+#include "list_command.h"
 #include "output/table_output.h"
 #include "session.h"
 #include "work/lifts.h"
@@ -64,11 +65,8 @@ void addLiftCommands(CLI::App& app, Session& session) {
   adding->footer("Example:\n  voxa lift add \"Third floor\" --station Local --address 1 --num 3");
   adding->callback([&session, added] { add(session, *added); });
 
-  auto* listing = group->add_subcommand("list", "List the lift outputs and the groups that may use them");
-  auto json = std::make_shared<bool>(false);
-  listing->add_flag("--json", *json, "As a JSON array");
-  listing->footer("Example:\n  voxa lift list");
-  listing->callback([&session, json] { list(session, *json); });
+  addListCommand(*group, session, "list", "List the lift outputs and the groups that may use them",
+                 "voxa lift list", list);
 
   auto* granting = group->add_subcommand("grant", "Let an access group use a lift output");
   auto granted = std::make_shared<GrantOptions>();

@@ -5,6 +5,7 @@
 
 #include "comm/com.h"
 #include "commands.h"
+#include "list_command.h"
 #include "output/table_output.h"
 #include "session.h"
 #include "work/links.h"
@@ -56,11 +57,7 @@ void addReaderCommands(CLI::App& app, Session& session) {
       "the\nother.\nExample:\n  voxa reader add \"Front door\" --station Local --address 1 --position 1");
   add->callback([&session, options] { addReader(session, *options); });
 
-  auto* list = group->add_subcommand("list", "List the readers");
-  auto json = std::make_shared<bool>(false);
-  list->add_flag("--json", *json, "As a JSON array");
-  list->footer("Example:\n  voxa reader list");
-  list->callback([&session, json] { listReaders(session, *json); });
+  addListCommand(*group, session, "list", "List the readers", "voxa reader list", listReaders);
 }
 
 }  // namespace voxa::cli

@@ -4,6 +4,7 @@
 #include <iostream>
 
 #include "commands.h"
+#include "list_command.h"
 #include "output/table_output.h"
 #include "session.h"
 #include "work/stations.h"
@@ -63,11 +64,7 @@ void addStationCommands(CLI::App& app, Session& session) {
   add->footer("Example:\n  voxa station add Annex --port 2 --speed 9600");
   add->callback([&session, added] { addStation(session, *added); });
 
-  auto* list = group->add_subcommand("list", "List the stations");
-  auto json = std::make_shared<bool>(false);
-  list->add_flag("--json", *json, "As a JSON array");
-  list->footer("Example:\n  voxa station list --json");
-  list->callback([&session, json] { listStations(session, *json); });
+  addListCommand(*group, session, "list", "List the stations", "voxa station list --json", listStations);
 
   auto* set = group->add_subcommand("set", "Change a station");
   auto changed = std::make_shared<StationOptions>();

@@ -4,6 +4,7 @@
 #include <iostream>
 
 #include "commands.h"
+#include "list_command.h"
 #include "output/table_output.h"
 #include "session.h"
 #include "work/line_test.h"
@@ -36,11 +37,8 @@ void showStatus(Session& session, bool json) {
 }  // namespace
 
 void addStatusCommand(CLI::App& app, Session& session) {
-  auto* status = app.add_subcommand("status", "Ask every controller of the active stations for its clock");
-  auto json = std::make_shared<bool>(false);
-  status->add_flag("--json", *json, "As a JSON array");
-  status->footer("Example:\n  voxa status");
-  status->callback([&session, json] { showStatus(session, *json); });
+  addListCommand(app, session, "status", "Ask every controller of the active stations for its clock",
+                 "voxa status", showStatus);
 }
 
 }  // namespace voxa::cli

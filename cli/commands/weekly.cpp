@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "commands.h"
+#include "list_command.h"
 #include "output/table_output.h"
 #include "session.h"
 #include "work/weekly_programs.h"
@@ -74,11 +75,7 @@ void addWeeklyCommands(CLI::App& app, Session& session) {
       "--holidays Never");
   add->callback([&session, added] { addWeekly(session, *added); });
 
-  auto* list = group->add_subcommand("list", "List the weekly programs");
-  auto json = std::make_shared<bool>(false);
-  list->add_flag("--json", *json, "As a JSON array");
-  list->footer("Example:\n  voxa weekly list");
-  list->callback([&session, json] { listWeekly(session, *json); });
+  addListCommand(*group, session, "list", "List the weekly programs", "voxa weekly list", listWeekly);
 
   auto* set = group->add_subcommand("set", "Change a weekly program; it is to be sent again then");
   auto changed = std::make_shared<WeeklyOptions>();

@@ -1,0 +1,17 @@
+#include "list_command.h"
+
+#include <CLI/CLI.hpp>
+#include <memory>
+
+namespace voxa::cli {
+
+void addListCommand(CLI::App& group, Session& session, const std::string& name, const std::string& help,
+                    const std::string& example, void (*print)(Session& session, bool json)) {
+  auto* list = group.add_subcommand(name, help);
+  auto json = std::make_shared<bool>(false);
+  list->add_flag("--json", *json, "As a JSON array");
+  list->footer("Example:\n  " + example);
+  list->callback([&session, json, print] { print(session, *json); });
+}
+
+}  // namespace voxa::cli
