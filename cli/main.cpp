@@ -4,6 +4,7 @@
 
 #include "commands/commands.h"
 #include "commands/session.h"
+#include "output/command_line.h"
 #include "output/terminal_filter.h"
 #include "platform/ui/console_prompts.h"
 #include "work/refusal.h"
@@ -91,26 +92,27 @@ int main(int argc, char** argv) {
     app.footer(
         "Exit status: 0 done, 1 failed, 2 wrong usage, 3 done, with something left that needs a person.");
     addGlobalOptions(app, session.settings);
-    voxa::cli::addInitCommand(app, session);
-    voxa::cli::addStationCommands(app, session);
-    voxa::cli::addReaderCommands(app, session);
-    voxa::cli::addDailyCommands(app, session);
-    voxa::cli::addWeeklyCommands(app, session);
-    voxa::cli::addHolidayCommands(app, session);
-    voxa::cli::addBadgeCommands(app, session);
-    voxa::cli::addGroupCommands(app, session);
-    voxa::cli::addCardCommands(app, session);
-    voxa::cli::addLiftCommands(app, session);
-    voxa::cli::addImportCommands(app, session);
-    voxa::cli::addStatusCommand(app, session);
-    voxa::cli::addClockCommand(app, session);
-    voxa::cli::addDownloadCommands(app, session);
-    voxa::cli::addReadCommand(app, session);
-    voxa::cli::addJournalCommand(app, session);
-    voxa::cli::addSendCommands(app, session);
-    voxa::cli::addDatabaseCommands(app, session);
-    voxa::cli::addSimulatorCommands(app, session);
-    voxa::cli::addDemoCommand(app, session);
+    voxa::cli::Command commands(app);
+    voxa::cli::addInitCommand(commands, session);
+    voxa::cli::addStationCommands(commands, session);
+    voxa::cli::addReaderCommands(commands, session);
+    voxa::cli::addDailyCommands(commands, session);
+    voxa::cli::addWeeklyCommands(commands, session);
+    voxa::cli::addHolidayCommands(commands, session);
+    voxa::cli::addBadgeCommands(commands, session);
+    voxa::cli::addGroupCommands(commands, session);
+    voxa::cli::addCardCommands(commands, session);
+    voxa::cli::addLiftCommands(commands, session);
+    voxa::cli::addImportCommands(commands, session);
+    voxa::cli::addStatusCommand(commands, session);
+    voxa::cli::addClockCommand(commands, session);
+    voxa::cli::addDownloadCommands(commands, session);
+    voxa::cli::addReadCommand(commands, session);
+    voxa::cli::addJournalCommand(commands, session);
+    voxa::cli::addSendCommands(commands, session);
+    voxa::cli::addDatabaseCommands(commands, session);
+    voxa::cli::addSimulatorCommands(commands, session);
+    voxa::cli::addDemoCommand(commands, session);
     const int status = run(app, session, argc, argv);
     std::cout.flush();
     if (std::cout || !voxa::ConsolePrompts::hasOutput()) return status;

@@ -1,10 +1,10 @@
 // voxa badge: how readers find the card number and the site code on a card.
 
-#include <CLI/CLI.hpp>
 #include <iostream>
 
 #include "commands.h"
 #include "list_command.h"
+#include "output/command_line.h"
 #include "output/table_output.h"
 #include "session.h"
 #include "work/badge_formats.h"
@@ -61,7 +61,7 @@ void listFormats(Session& session, bool json) {
   table.print(std::cout, json);
 }
 
-void addFormatOptions(CLI::App& command, BadgeOptions& options) {
+void addFormatOptions(Command& command, BadgeOptions& options) {
   for (std::size_t i = 0; i < badgeNumberCount; ++i) {
     command.add_option(numberOptions[i].option, options.texts.numbers.at(i), numberOptions[i].help);
   }
@@ -72,7 +72,7 @@ void addFormatOptions(CLI::App& command, BadgeOptions& options) {
 
 }  // namespace
 
-void addBadgeCommands(CLI::App& app, Session& session) {
+void addBadgeCommands(Command& app, Session& session) {
   auto* group = app.add_subcommand("badge", "Badge formats of the readers")->require_subcommand(1);
 
   auto* create =

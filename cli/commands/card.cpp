@@ -1,10 +1,10 @@
 // voxa card: the cards. Clearing and creating them on the controllers is in card_batch.cpp.
 
-#include <CLI/CLI.hpp>
 #include <iostream>
 
 #include "card_commands.h"
 #include "commands.h"
+#include "output/command_line.h"
 #include "output/table_output.h"
 #include "session.h"
 #include "work/cards.h"
@@ -61,7 +61,7 @@ void find(Session& session, const ListOptions& options) {
   print(findCards(session.library(), options.text), options);
 }
 
-void addValueOptions(CLI::App& command, CardTexts& texts) {
+void addValueOptions(Command& command, CardTexts& texts) {
   command.add_option("--number", texts.number, "Its number on the controllers, 1 to 9999");
   command.add_option("--code", texts.code, "Its code, 1 to 8 characters 0 to 9 and A to F");
   command.add_option("--group", texts.group, "Name or number of its access group");
@@ -70,14 +70,14 @@ void addValueOptions(CLI::App& command, CardTexts& texts) {
   command.add_option("--credit", texts.credit, "How many times it opens, 1 to 99; or none: always");
 }
 
-void addListOptions(CLI::App& command, ListOptions& options) {
+void addListOptions(Command& command, ListOptions& options) {
   command.add_flag("--show-pins", options.showPins, "With the personal codes");
   command.add_flag("--json", options.json, "As a JSON array");
 }
 
 }  // namespace
 
-void addCardCommands(CLI::App& app, Session& session) {
+void addCardCommands(Command& app, Session& session) {
   auto* group = app.add_subcommand("card", "Cards")->require_subcommand(1);
 
   auto* adding = group->add_subcommand("add", "Add a card, which is to be sent then");

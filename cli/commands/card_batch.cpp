@@ -1,11 +1,11 @@
 // voxa card batch, delete, invalidate: the changes of cards that reach the controllers at once.
 
-#include <CLI/CLI.hpp>
 #include <iostream>
 
 #include "card_commands.h"
 #include "component.h"
 #include "line_question.h"
+#include "output/command_line.h"
 #include "session.h"
 #include "work/card_batch.h"
 #include "work/card_erasing.h"
@@ -71,7 +71,7 @@ void invalidate(Session& session, const std::string& text, const ComponentChoice
 
 }  // namespace
 
-void addCardClearingCommands(CLI::App& group, Session& session) {
+void addCardClearingCommands(Command& group, Session& session) {
   auto* batch = group.add_subcommand("batch", "Create consecutive cards and send them, all or none");
   auto created = std::make_shared<BatchOptions>();
   batch->add_option("--first-number", created->texts.firstNumber, "Number of the first card, 1 to 9999")

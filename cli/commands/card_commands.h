@@ -1,16 +1,13 @@
 #pragma once
 
-namespace CLI {
-class App;
-}
-
 namespace voxa::cli {
 
+class Command;
 class Session;
 
 /// "batch", "delete" and "invalidate" of the group "card".
-void addCardClearingCommands(CLI::App& group, Session& session);
+void addCardClearingCommands(Command& group, Session& session);
 /// "last-unknown" of it.
-void addLastUnknownCommand(CLI::App& group, Session& session);
+void addLastUnknownCommand(Command& group, Session& session);
 
 }  // namespace voxa::cli

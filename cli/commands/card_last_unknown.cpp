@@ -1,12 +1,12 @@
 // voxa card last-unknown: how the code of a new card gets in.
 
-#include <CLI/CLI.hpp>
 #include <iostream>
 
 #include "card_commands.h"
 #include "component.h"
 #include "line_question.h"
 #include "lines/code.h"
+#include "output/command_line.h"
 #include "platform/database/database.h"
 #include "session.h"
 #include "work/look_up.h"
@@ -29,7 +29,7 @@ void showLastUnknown(Session& session, const std::string& reader) {
 
 }  // namespace
 
-void addLastUnknownCommand(CLI::App& group, Session& session) {
+void addLastUnknownCommand(Command& group, Session& session) {
   auto* command = group.add_subcommand(
       "last-unknown", "Print the code of the unknown card that a reader saw last today, for 'voxa card add'");
   auto reader = std::make_shared<std::string>();

@@ -1,10 +1,10 @@
 // voxa clock: the controllers' clocks, by which they date transactions and judge times.
 
-#include <CLI/CLI.hpp>
 #include <iostream>
 
 #include "commands.h"
 #include "component.h"
+#include "output/command_line.h"
 #include "session.h"
 #include "work/line_commands.h"
 #include "work/line_test.h"
@@ -24,7 +24,7 @@ void setAll(Session& session, const ComponentChoice& choice) {
 
 }  // namespace
 
-void addClockCommand(CLI::App& app, Session& session) {
+void addClockCommand(Command& app, Session& session) {
   auto* clock = app.add_subcommand("clock", "Set the controllers' clocks to that of this computer");
   auto choice = std::make_shared<ComponentChoice>();
   addComponentOptions(*clock, *choice);

@@ -1,13 +1,12 @@
 #include "component.h"
 
-#include <CLI/CLI.hpp>
-
+#include "output/command_line.h"
 #include "session.h"
 #include "work/line_test.h"
 
 namespace voxa::cli {
 
-void addComponentOptions(CLI::App& command, ComponentChoice& choice) {
+void addComponentOptions(Command& command, ComponentChoice& choice) {
   auto* station = command.add_option("--station", choice.station, "Only the controllers of this station");
   command.add_option("--reader", choice.reader, "Only the controller of this reader")->excludes(station);
 }

@@ -4,12 +4,9 @@
 
 #include "comm/com_types.h"
 
-namespace CLI {
-class App;
-}
-
 namespace voxa::cli {
 
+class Command;
 class Session;
 
 /// Where a download or command goes, as the person chose it.
@@ -17,7 +14,7 @@ struct ComponentChoice {
   std::string station;
   std::string reader;
 };
-void addComponentOptions(CLI::App& command, ComponentChoice& choice);
+void addComponentOptions(Command& command, ComponentChoice& choice);
 /// The component; a Refusal when there is no such station or reader, or no active station at all.
 [[nodiscard]] Component chosen(Session& session, const ComponentChoice& choice);
 

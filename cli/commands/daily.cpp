@@ -1,10 +1,10 @@
 // voxa daily: the intervals of a day.
 
-#include <CLI/CLI.hpp>
 #include <iostream>
 
 #include "commands.h"
 #include "list_command.h"
+#include "output/command_line.h"
 #include "output/table_output.h"
 #include "session.h"
 #include "work/daily_programs.h"
@@ -39,7 +39,7 @@ void listDaily(Session& session, bool json) {
   table.print(std::cout, json);
 }
 
-void addIntervalOptions(CLI::App& command, DailyProgramTexts& texts) {
+void addIntervalOptions(Command& command, DailyProgramTexts& texts) {
   constexpr const char* help[mostIntervals] = {"First interval, as 08:00-12:00, or none", "Second interval",
                                                "Third interval (with --four-zones)",
                                                "Fourth interval (with --four-zones)"};
@@ -50,7 +50,7 @@ void addIntervalOptions(CLI::App& command, DailyProgramTexts& texts) {
 
 }  // namespace
 
-void addDailyCommands(CLI::App& app, Session& session) {
+void addDailyCommands(Command& app, Session& session) {
   auto* group = app.add_subcommand("daily", "Daily programs")->require_subcommand(1);
 
   auto* add = group->add_subcommand("add", "Add a daily program");

@@ -1,11 +1,11 @@
 // voxa db: copies of the main database.
 
-#include <CLI/CLI.hpp>
 #include <iostream>
 
 #include "app/qdb.h"
 #include "commands.h"
 #include "may_write.h"
+#include "output/command_line.h"
 #include "platform/files.h"
 #include "session.h"
 #include "work/copies.h"
@@ -60,7 +60,7 @@ void restore(Session& session, const FileOptions& options) {
 
 }  // namespace
 
-void addDatabaseCommands(CLI::App& app, Session& session) {
+void addDatabaseCommands(Command& app, Session& session) {
   auto* group = app.add_subcommand("db", "Copies of the main database")->require_subcommand(1);
 
   auto* saving = group->add_subcommand("save", "Save a copy");

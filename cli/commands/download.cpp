@@ -1,8 +1,8 @@
 // voxa download: what was changed, on its way to the controllers.
 
 #include "work/download.h"
+#include "output/command_line.h"
 
-#include <CLI/CLI.hpp>
 #include <iostream>
 
 #include "commands.h"
@@ -101,7 +101,7 @@ void downloadFormat(Session& session, const DownloadOptions& options) {
 
 }  // namespace
 
-void addDownloadCommands(CLI::App& app, Session& session) {
+void addDownloadCommands(Command& app, Session& session) {
   auto* group =
       app.add_subcommand("download", "Send what was changed to the controllers")->require_subcommand(1);
   const auto add = [&](const std::string& name, const char* what, std::vector<DownloadKind> kinds) {

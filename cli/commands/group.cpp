@@ -1,11 +1,11 @@
 // voxa group: access groups, the doors that their cards open and when.
 
-#include <CLI/CLI.hpp>
 #include <iostream>
 
 #include "commands.h"
 #include "list_command.h"
 #include "messages/strings.h"
+#include "output/command_line.h"
 #include "output/table_output.h"
 #include "platform/ui/prompts.h"
 #include "session.h"
@@ -76,14 +76,14 @@ void remove(Session& session, const GroupOptions& options) {
   deleteGroup(session.library(), options.group, options.moveTo);
 }
 
-void addLinkOptions(CLI::App& command, GroupOptions& options) {
+void addLinkOptions(Command& command, GroupOptions& options) {
   command.add_option("GROUP", options.group, "Name or number of the access group")->required();
   command.add_option("READER", options.reader, "Name of the reader")->required();
 }
 
 }  // namespace
 
-void addGroupCommands(CLI::App& app, Session& session) {
+void addGroupCommands(Command& app, Session& session) {
   auto* group = app.add_subcommand("group", "Access groups")->require_subcommand(1);
 
   auto* adding = group->add_subcommand("add", "Add an access group, which opens no door yet");

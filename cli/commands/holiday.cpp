@@ -1,11 +1,11 @@
 // voxa holiday: the dates on which the holiday program of every weekly program is in force.
 
-#include <CLI/CLI.hpp>
 #include <iostream>
 
 #include "comm/com.h"
 #include "commands.h"
 #include "list_command.h"
+#include "output/command_line.h"
 #include "output/table_output.h"
 #include "session.h"
 #include "work/holidays.h"
@@ -53,7 +53,7 @@ void listHolidays(Session& session, bool json) {
 
 }  // namespace
 
-void addHolidayCommands(CLI::App& app, Session& session) {
+void addHolidayCommands(Command& app, Session& session) {
   auto* group = app.add_subcommand("holiday", "Holidays")->require_subcommand(1);
 
   auto* add = group->add_subcommand("add", "Add a holiday");

@@ -1,11 +1,11 @@
 // voxa import and voxa export: the cards as a table in a text file.
 
-#include <CLI/CLI.hpp>
 #include <iostream>
 #include <optional>
 
 #include "commands.h"
 #include "may_write.h"
+#include "output/command_line.h"
 #include "output/progress.h"
 #include "platform/files.h"
 #include "session.h"
@@ -64,7 +64,7 @@ void exportTable(Session& session, const ExportOptions& options) {
 
 }  // namespace
 
-void addImportCommands(CLI::App& app, Session& session) {
+void addImportCommands(Command& app, Session& session) {
   auto* reading = app.add_subcommand("import", "Read a table of cards")->require_subcommand(1);
   auto* importing = reading->add_subcommand("cards", "Add the cards of a table, all or none");
   auto source = std::make_shared<std::string>();

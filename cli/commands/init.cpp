@@ -1,14 +1,14 @@
 // voxa init: a new installation in a folder.
 
-#include <CLI/CLI.hpp>
 #include <iostream>
 
 #include "commands.h"
+#include "output/command_line.h"
 #include "session.h"
 
 namespace voxa::cli {
 
-void addInitCommand(CLI::App& app, Session& session) {
+void addInitCommand(Command& app, Session& session) {
   auto* init = app.add_subcommand("init", "Create an installation in the folder");
   init->footer("Example:\n  voxa --dir plant init");
   init->callback([&] {

@@ -1,9 +1,9 @@
 // voxa journal: what happened at the doors.
 
-#include <CLI/CLI.hpp>
 #include <iostream>
 
 #include "commands.h"
+#include "output/command_line.h"
 #include "output/table_output.h"
 #include "platform/csv.h"
 #include "platform/datetime.h"
@@ -59,7 +59,7 @@ void showJournal(Session& session, const JournalOptions& options) {
 
 }  // namespace
 
-void addJournalCommand(CLI::App& app, Session& session) {
+void addJournalCommand(Command& app, Session& session) {
   auto* journal = app.add_subcommand("journal", "Show what happened at the doors, the oldest first");
   auto options = std::make_shared<JournalOptions>();
   journal->add_option("--since", options->filter.since,

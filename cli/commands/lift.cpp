@@ -1,10 +1,10 @@
 // voxa lift: the lift outputs of controllers, and the access groups that may use them.
 
-#include <CLI/CLI.hpp>
 #include <iostream>
 
 #include "commands.h"
 #include "list_command.h"
+#include "output/command_line.h"
 #include "output/table_output.h"
 #include "session.h"
 #include "work/lifts.h"
@@ -45,14 +45,14 @@ void revoke(Session& session, const GrantOptions& options) {
   revokeLift(session.library(), options.group, options.lift);
 }
 
-void addGroupLiftOptions(CLI::App& command, GrantOptions& options) {
+void addGroupLiftOptions(Command& command, GrantOptions& options) {
   command.add_option("GROUP", options.group, "Name or number of the access group")->required();
   command.add_option("LIFT", options.lift, "Name of the lift output")->required();
 }
 
 }  // namespace
 
-void addLiftCommands(CLI::App& app, Session& session) {
+void addLiftCommands(Command& app, Session& session) {
   auto* group = app.add_subcommand("lift", "Lift outputs")->require_subcommand(1);
 
   auto* adding = group->add_subcommand("add", "Add a lift output");

@@ -1,11 +1,11 @@
 #include "list_command.h"
 
-#include <CLI/CLI.hpp>
 #include <memory>
+#include "output/command_line.h"
 
 namespace voxa::cli {
 
-void addListCommand(CLI::App& group, Session& session, const std::string& name, const std::string& help,
+void addListCommand(Command& group, Session& session, const std::string& name, const std::string& help,
                     const std::string& example, void (*print)(Session& session, bool json)) {
   auto* list = group.add_subcommand(name, help);
   auto json = std::make_shared<bool>(false);

@@ -1,11 +1,11 @@
 // voxa read: the transactions of the controllers on their way into the journal.
 
-#include <CLI/CLI.hpp>
 #include <iostream>
 
 #include "commands.h"
 #include "component.h"
 #include "line_question.h"
+#include "output/command_line.h"
 #include "output/progress.h"
 #include "session.h"
 #include "work/reading.h"
@@ -77,7 +77,7 @@ void read(Session& session, const ReadOptions& options) {
 
 }  // namespace
 
-void addReadCommand(CLI::App& app, Session& session) {
+void addReadCommand(Command& app, Session& session) {
   auto* command =
       app.add_subcommand("read", "Read the controllers' transactions into the journal and clear them");
   auto options = std::make_shared<ReadOptions>();

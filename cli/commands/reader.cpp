@@ -1,11 +1,11 @@
 // voxa reader: the doors.
 
-#include <CLI/CLI.hpp>
 #include <iostream>
 
 #include "comm/com.h"
 #include "commands.h"
 #include "list_command.h"
+#include "output/command_line.h"
 #include "output/table_output.h"
 #include "session.h"
 #include "work/links.h"
@@ -38,7 +38,7 @@ void listReaders(Session& session, bool json) {
 
 }  // namespace
 
-void addReaderCommands(CLI::App& app, Session& session) {
+void addReaderCommands(Command& app, Session& session) {
   auto* group = app.add_subcommand("reader", "Doors")->require_subcommand(1);
 
   auto* add = group->add_subcommand("add", "Add a reader, which the default access group opens always");
@@ -49,7 +49,7 @@ void addReaderCommands(CLI::App& app, Session& session) {
       ->required();
   add->add_option("--position", options->position, "Its door on the controller, 1 to 4")->required();
   add->add_option("--type", options->type, "Type of its controller")
-      ->check(CLI::IsMember({"QSX3", "VRMD1"}))
+      ->isMember({"QSX3", "VRMD1"})
       ->capture_default_str();
   add->footer(
       "Positions 1 and 3, 2 and 4 are the two sides of one door: an access group that may pass one side may "

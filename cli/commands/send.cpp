@@ -1,12 +1,12 @@
 // voxa command and voxa log: what goes over the line.
 
-#include <CLI/CLI.hpp>
 #include <functional>
 #include <iostream>
 #include <optional>
 
 #include "commands.h"
 #include "component.h"
+#include "output/command_line.h"
 #include "output/hidden_pins.h"
 #include "output/table_output.h"
 #include "session.h"
@@ -46,7 +46,7 @@ void showLog(Session& session, const LogOptions& options) {
 
 }  // namespace
 
-void addSendCommands(CLI::App& app, Session& session) {
+void addSendCommands(Command& app, Session& session) {
   auto* command = app.add_subcommand("command", "Send one command line to the controllers");
   auto text = std::make_shared<std::string>();
   auto choice = std::make_shared<ComponentChoice>();

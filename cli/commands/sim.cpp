@@ -1,6 +1,5 @@
 // voxa sim: the simulated controllers that the driver finds in the folder "site" of the installation.
 
-#include <CLI/CLI.hpp>
 #include <iostream>
 #include <map>
 #include <nlohmann/json.hpp>
@@ -8,6 +7,7 @@
 
 #include "commands.h"
 #include "held_programs.h"
+#include "output/command_line.h"
 #include "output/hidden_pins.h"
 #include "output/table_output.h"
 #include "platform/text.h"
@@ -185,12 +185,12 @@ std::function<void()> onSite(Session& session, Action action) {
   };
 }
 
-void addPlaceOptions(CLI::App& command, ControllerOptions& options) {
+void addPlaceOptions(Command& command, ControllerOptions& options) {
   command.add_option("--station", options.station, "Station of the controller")->required();
   command.add_option("--address", options.address, "Its address on the line, 1 to 16")->required();
 }
 
-void addFaultCommand(CLI::App& group, Session& session) {
+void addFaultCommand(Command& group, Session& session) {
   auto* fault = group.add_subcommand("fault", "Set the faults of a controller, in place of those it has");
   auto place = std::make_shared<ControllerOptions>();
   auto faults = std::make_shared<FaultOptions>();
@@ -202,7 +202,7 @@ void addFaultCommand(CLI::App& group, Session& session) {
   fault->add_option("--cut", faults->cut, "A memory read breaks after so many records");
   fault->add_option("--refuse-clear", faults->refuseClear, "It answers a clear with this code");
   fault->add_option("--result-file", faults->resultFile, "What becomes of its part of the result file")
-      ->check(CLI::IsMember({"garbage", "truncated"}));
+      ->isMember({"garbage", "truncated"});
   fault->footer("Example:\n  voxa sim controller fault --station Local --address 2 --silent");
   fault->callback(onSite(
       session, [place, faults](Session& i, site::Site& site) { setFaults(i, site, *place, *faults); }));
@@ -210,16 +210,14 @@ void addFaultCommand(CLI::App& group, Session& session) {
 
 }  // namespace
 
-void addSimulatorCommands(CLI::App& app, Session& session) {
+void addSimulatorCommands(Command& app, Session& session) {
   auto* sim = app.add_subcommand("sim", "Simulated controllers")->require_subcommand(1);
   auto* group = sim->add_subcommand("controller", "Simulated controllers")->require_subcommand(1);
 
   auto* add = group->add_subcommand("add", "Put a controller on a line");
   auto added = std::make_shared<ControllerOptions>();
   addPlaceOptions(*add, *added);
-  add->add_option("--type", added->type, "Its type")
-      ->check(CLI::IsMember({"QSX3", "VRMD1"}))
-      ->capture_default_str();
+  add->add_option("--type", added->type, "Its type")->isMember({"QSX3", "VRMD1"})->capture_default_str();
   add->add_option("--speed", added->speed, "Line speed it listens at; that of the station unless given");
   add->footer("Example:\n  voxa sim controller add --station Local --address 1");
   add->callback(onSite(session, [added](Session& i, site::Site& site) { addController(i, site, *added); }));

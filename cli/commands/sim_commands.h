@@ -1,14 +1,11 @@
 #pragma once
 
-namespace CLI {
-class App;
-}
-
 namespace voxa::cli {
 
+class Command;
 class Session;
 
 /// "swipe" of the group "sim".
-void addSwipeCommand(CLI::App& group, Session& session);
+void addSwipeCommand(Command& group, Session& session);
 
 }  // namespace voxa::cli

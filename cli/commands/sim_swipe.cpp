@@ -1,9 +1,9 @@
 // voxa sim swipe: a card held before a reader.
 
-#include <CLI/CLI.hpp>
 #include <iostream>
 
 #include "moments.h"
+#include "output/command_line.h"
 #include "session.h"
 #include "sim_commands.h"
 #include "site/site.h"
@@ -51,7 +51,7 @@ void swipeCard(Session& session, const SwipeOptions& options) {
 
 }  // namespace
 
-void addSwipeCommand(CLI::App& group, Session& session) {
+void addSwipeCommand(Command& group, Session& session) {
   auto* swipe = group.add_subcommand("swipe", "Hold a card before a reader; its controller decides");
   auto options = std::make_shared<SwipeOptions>();
   swipe->add_option("--station", options->station, "Station of the reader")->required();

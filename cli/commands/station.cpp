@@ -1,10 +1,10 @@
 // voxa station: the communication lines.
 
-#include <CLI/CLI.hpp>
 #include <iostream>
 
 #include "commands.h"
 #include "list_command.h"
+#include "output/command_line.h"
 #include "output/table_output.h"
 #include "session.h"
 #include "work/stations.h"
@@ -42,7 +42,7 @@ void listStations(Session& session, bool json) {
   table.print(std::cout, json);
 }
 
-void addFieldOptions(CLI::App& command, StationOptions& options) {
+void addFieldOptions(Command& command, StationOptions& options) {
   command.add_option("--port", options.texts.port, "Serial port, counted from 1");
   command.add_option("--speed", options.texts.speed, "Line speed: 4800, 9600, 19200 or 38400 bit/s");
   command.add_option("--phone", options.texts.phone, "Telephone number of a modem line");
@@ -54,7 +54,7 @@ void addFieldOptions(CLI::App& command, StationOptions& options) {
 
 }  // namespace
 
-void addStationCommands(CLI::App& app, Session& session) {
+void addStationCommands(Command& app, Session& session) {
   auto* group = app.add_subcommand("station", "Communication lines")->require_subcommand(1);
 
   auto* add = group->add_subcommand("add", "Add a station");

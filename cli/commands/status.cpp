@@ -1,10 +1,10 @@
 // voxa status: which controllers answer.
 
-#include <CLI/CLI.hpp>
 #include <iostream>
 
 #include "commands.h"
 #include "list_command.h"
+#include "output/command_line.h"
 #include "output/table_output.h"
 #include "session.h"
 #include "work/line_test.h"
@@ -36,7 +36,7 @@ void showStatus(Session& session, bool json) {
 
 }  // namespace
 
-void addStatusCommand(CLI::App& app, Session& session) {
+void addStatusCommand(Command& app, Session& session) {
   addListCommand(app, session, "status", "Ask every controller of the active stations for its clock",
                  "voxa status", showStatus);
 }

@@ -1,12 +1,13 @@
 // voxa weekly: the daily program of each day of the week.
 
-#include <CLI/CLI.hpp>
 #include <iostream>
 #include <optional>
 
 #include "commands.h"
 #include "list_command.h"
+#include "output/command_line.h"
 #include "output/table_output.h"
+#include "platform/text.h"
 #include "session.h"
 #include "work/weekly_programs.h"
 
@@ -24,7 +25,7 @@ struct WeeklyOptions {
     WeeklyProgramTexts all = texts;
     if (!days) return all;
     std::istringstream items(*days + ",");
-    for (std::string item; std::getline(items, item, ',');) all.days.push_back(CLI::detail::trim_copy(item));
+    for (std::string item; std::getline(items, item, ',');) all.days.push_back(trimmed(item));
     return all;
   }
 };
@@ -49,9 +50,9 @@ void listWeekly(Session& session, bool json) {
   table.print(std::cout, json);
 }
 
-void addProgramOptions(CLI::App& command, WeeklyOptions& options) {
+void addProgramOptions(Command& command, WeeklyOptions& options) {
   command.add_option("--family", options.family, "Family of the program: C or E")
-      ->transform(CLI::IsMember({"C", "E"}, CLI::ignore_case))
+      ->isMemberInAnyCase({"C", "E"})
       ->capture_default_str();
   command.add_option(
       "--days", options.days,
@@ -61,7 +62,7 @@ void addProgramOptions(CLI::App& command, WeeklyOptions& options) {
 
 }  // namespace
 
-void addWeeklyCommands(CLI::App& app, Session& session) {
+void addWeeklyCommands(Command& app, Session& session) {
   auto* group = app.add_subcommand("weekly", "Weekly programs")->require_subcommand(1);
 
   auto* add = group->add_subcommand("add", "Add a weekly program");

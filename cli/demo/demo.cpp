@@ -1,7 +1,6 @@
 // voxa demo: the main job, from an empty folder to controllers that hold what the database says, and to a
 // journal of what happened at their doors.
 
-#include <CLI/CLI.hpp>
 #include <cstdlib>
 #include <filesystem>
 #include <iostream>
@@ -15,6 +14,7 @@
 #include "compare.h"
 #include "guard.h"
 #include "installation.h"
+#include "output/command_line.h"
 #include "site/site.h"
 #include "work/daily_programs.h"
 #include "work/download.h"
@@ -198,7 +198,7 @@ void demonstrate(Session& session, const std::string& folder) {
 
 }  // namespace
 
-void addDemoCommand(CLI::App& app, Session& session) {
+void addDemoCommand(Command& app, Session& session) {
   auto* demo = app.add_subcommand(
       "demo", "Create an installation, download it, present cards and check controllers and journal");
   auto folder = std::make_shared<std::string>();

@@ -223,6 +223,13 @@ std::string toLower(std::string_view text) {
   return mapped(text, lower);
 }
 
+std::string trimmed(const std::string& text) {
+  constexpr const char* space = " \t\n\v\f\r";
+  const auto first = text.find_first_not_of(space);
+  if (first == std::string::npos) return "";
+  return text.substr(first, text.find_last_not_of(space) - first + 1);
+}
+
 std::string toUpper(std::string_view text) {
   return mapped(text, upper);
 }

@@ -22,6 +22,8 @@ namespace voxa {
 /// is.
 [[nodiscard]] std::string toLower(std::string_view text);
 [[nodiscard]] std::string toUpper(std::string_view text);
+/// Without the white space of ASCII at both ends.
+[[nodiscard]] std::string trimmed(const std::string& text);
 /// Number of characters (code points) of a UTF-8 text.
 [[nodiscard]] std::size_t lengthInCharacters(std::string_view utf8);
 /// Whether the bytes are well-formed UTF-8.

@@ -29,13 +29,6 @@ constexpr Column columns[] = {
     {"credit", &CardTexts::credit, false}, {"supervisor", &CardTexts::supervisor, false},
     {"valid", &CardTexts::valid, false}};
 
-std::string trimmed(const std::string& text) {
-  constexpr const char* space = " \t\n\v\f\r";
-  const auto first = text.find_first_not_of(space);
-  if (first == std::string::npos) return "";
-  return text.substr(first, text.find_last_not_of(space) - first + 1);
-}
-
 std::vector<const Column*> columnsOf(const CsvRecord& header) {
   std::vector<const Column*> order;
   for (const std::string& field : header.fields) {

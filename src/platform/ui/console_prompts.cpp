@@ -14,12 +14,6 @@ bool has(const std::vector<Answer>& buttons, Answer answer) {
   return std::find(buttons.begin(), buttons.end(), answer) != buttons.end();
 }
 
-std::string_view trimmed(std::string_view text) {
-  const auto first = text.find_first_not_of(" \t\r");
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(" \t\r") - first + 1);
-}
-
 /// The answer to a box when nobody is there. Nothing is replaced or deleted without a person's word.
 Answer leastAnswer(const std::vector<Answer>& buttons) {
   for (const Answer least : {Answer::cancel, Answer::no, Answer::abort}) {
@@ -61,7 +55,7 @@ void ConsolePrompts::show(std::string_view lines) {
 std::optional<std::string> ConsolePrompts::readLine() {
   std::string line;
   out_.flush();
-  if (std::getline(in_, line)) return std::string(trimmed(line));
+  if (std::getline(in_, line)) return trimmed(line);
   in_.clear();  // a terminal can be asked again after its end of input
   out_ << '\n';
   return std::nullopt;
