@@ -24,6 +24,7 @@ struct CreatedCards {
 /// "Cardholders", with the stored query "AccessGroupReaders" of a group's readers.
 ///
 /// The lookups by card number pass over deleted cards and are silent about a number that is not in use.
+/// Blocks of new cards are in card_batch.cpp, everything else is in cardholder.cpp.
 class Cardholder : public Table {
  public:
   explicit Cardholder(AccessContext& context) : Table(context, "Cardholders"), access_(context) {}

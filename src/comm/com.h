@@ -30,6 +30,9 @@ struct StationResult;
 /// failure, and lines that are in use, show nothing: they add lines to `errorList`, which the operation that
 /// caused it reads with popErrorList and shows when it is done.
 /// TestSend, updateDBComStatus, getName and ResetRSOUT raise a failure of the database or the file system.
+///
+/// Who answers, and the questions about it, are in com_status.cpp, the sends to components and of lines in
+/// com_fan_out.cpp, a single operation is in com.cpp.
 class Com : public Paths {
  public:
   explicit Com(CommContext& context);

@@ -165,6 +165,18 @@ TEST_F(CardsTest, TwoProgramsOnAControllerKeepTheSecondDoorShut) {
   EXPECT_EQ(openOtherSides(db(), 1, controller),
             "access group Staff, Local Controller 1: Front out opens too, the other side of a granted door");
   EXPECT_EQ(driver.count(CmSendCommand), 2U);  // one file a controller
+
+  // A reader at position 3 opens the first door, one at 4 the second.
+  addReader(6, "Side out", 1, 1, 4);
+  card(2, "2", 2, "AccessGroupIdFlagD = True");
+  db().execute("insert into AccessGroups (Id, Name) values (2, 'Leaving')");
+  grant(2, 6, 4);
+  EXPECT_EQ(cards().download(2), 0);
+  grant(2, 5, 3);
+  EXPECT_EQ(groups().download(2, DLFull), 0);
+  EXPECT_TRUE(sentTo(1).find("33000204\r\n1600020\r\n1700021\r\n") != std::string::npos) << sentTo(1);
+  EXPECT_TRUE(sentTo(1).ends_with("33000203\r\n1600021\r\n1700020\r\n\r\n")) << sentTo(1);
+  EXPECT_EQ(boxes().size(), 1U);
 }
 
 TEST_F(CardsTest, WhatDoesNotArriveEverywhereStaysFlagged) {
@@ -348,6 +360,12 @@ TEST_F(CardsTest, ABlockOfCardsIsAllOrNothing) {
   write("CardBlock2.txt", "60,62\r\n1,1\r\n3,1\r\nend\r\n");
   write("CardBlock3.txt", "1,9\r\n1,1\r\n");  // not at its end: nothing was sent
   card(61, "61", 1);
+
+  // As long as the second refuses to erase them, every download says so, and the note stays.
+  cards().generalDownload();
+  const auto shown = boxes();
+  EXPECT_TRUE(!shown.empty() && shown[0].find("(Annex Controller 5): 090030 - 0031") != std::string::npos);
+  EXPECT_EQ(textOf("CardBlock1.txt"), "30,31\r\n2,5\r\nend\r\n");
   driver.calls.clear();
 
   // A station that is not in use, and a controller that the person goes on without, are caught up with later.
