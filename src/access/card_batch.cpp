@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <limits>
 #include <optional>
+#include <set>
 
 #include "access/access_context.h"
 #include "access/card_block.h"
@@ -10,6 +11,7 @@
 #include "access/card_download.h"
 #include "access/cardholder.h"
 #include "comm/com.h"
+#include "comm/send_ledger.h"
 #include "platform/clock.h"
 #include "platform/database/database.h"
 #include "platform/notice.h"
@@ -55,6 +57,7 @@ class Batch {
     lastNum_ = cardNumber(std::int64_t{cardNumber(firstNum)} + cards - 1);
     lastCode_ = addToCardCode(firstCode_, cards - 1);
     firstCode_ = addToCardCode(firstCode_, 0);
+    for (std::int32_t number = firstNum_; number <= lastNum_; ++number) numbers_.push_back(number);
   }
 
   /// The number or code of the block that is in use, if there is one.
@@ -75,6 +78,7 @@ class Batch {
   [[nodiscard]] bool everywhere() const { return everywhere_; }
 
  private:
+  std::int16_t send(const std::vector<PlannedSend>& sends);
   [[nodiscard]] Database& database() { return context_.database(); }
   [[nodiscard]] std::string numbers() const {
     return "cardNum between " + std::to_string(firstNum_) + " and " + std::to_string(lastNum_);
@@ -91,8 +95,9 @@ class Batch {
   std::string lastCode_;
   std::int16_t cards_;
   std::int16_t group_;
-  std::optional<CardBlock> block_;
-  std::vector<GrantedController> reached_;
+  std::vector<std::int32_t> numbers_;
+  std::vector<UnfinishedCards> noted_;
+  std::vector<ControllerPlace> reached_;
   Names inactiveStations_;
   Names twoPrograms_;
   bool everywhere_ = true;
@@ -138,27 +143,19 @@ std::int16_t Batch::send() {
       "select id from Cardholders where cardNum = " + std::to_string(firstNum_) + " and Deleted = false");
   const std::int32_t firstId = first->get("id").toInt32();
   Com& com = context_.Com();
-  const std::vector<GrantedController> controllers = controllersOf(database(), group_);
-  std::vector<ControllerPlace> places;
-  for (const GrantedController& controller : controllers) {
-    if (!controller.active) continue;
-    if (const std::string fault = faultOf(database(), group_, controller); !fault.empty()) {
-      throw Error(err::invalidArgument, "Invalid argument: " + fault);
-    }
-    places.push_back(controller);
-  }
-  if (!places.empty() && !com.inhibitCom) block_.emplace(context_, firstNum_, lastNum_, places);
-  for (const GrantedController& controller : controllers) {
+  std::vector<PlannedSend> sends;
+  for (const GrantedController& controller : controllersOf(database(), group_)) {
     if (!controller.active) inactiveStations_.add(controller.stationName);
+    const std::string fault = controller.active ? faultOf(database(), group_, controller) : "";
+    if (!fault.empty()) throw Error(err::invalidArgument, "Invalid argument: " + fault);
     if (!controller.active || !com.TestSend(controller.station, controller.address)) {
       everywhere_ = false;
       continue;
     }
     if (controller.twoPrograms()) twoPrograms_.add(shutSides(database(), group_, controller));
-    const auto lines = blockLines(controller, liftOutputs(database(), firstId, controller));
-    reached_.push_back(controller);
-    if (com.sendLines(lines, controller) != 0) return notTaken;
+    sends.push_back({controller, blockLines(controller, liftOutputs(database(), firstId, controller))});
   }
+  if (const std::int16_t failed = send(sends); failed != 0) return failed;
   if (!everywhere_) {  // for the download to those that were left out
     database().execute(
         "update Cardholders set CardCodeFlagD = True, AccessGroupIdFlagD = True, ValidatedFlagD = True "
@@ -168,25 +165,36 @@ std::int16_t Batch::send() {
   return 0;
 }
 
+std::int16_t Batch::send(const std::vector<PlannedSend>& sends) {
+  SendLedger& ledger = context_.ledger();
+  if (!context_.Com().inhibitCom) {
+    for (const PlannedSend& send : sends) noted_.push_back({send.place, numbers_});
+    ledger.noteUnfinished(noted_, true);
+  }
+  const ExpectedSends expected(ledger, context_.Com().inhibitCom ? std::vector<PlannedSend>{} : sends);
+  for (const PlannedSend& send : sends) {
+    reached_.push_back(send.place);
+    if (context_.Com().sendLines(send.lines, send.place) != 0) return notTaken;
+  }
+  return 0;
+}
+
 void Batch::settle() {
-  // A note that cannot be removed says nothing wrong: all its cards are in the table.
-  if (block_) context_.attempt([&] { block_->settle(); });
-  context_.error().clear();
+  for (const UnfinishedCards& cards : noted_) context_.ledger().forgetUnfinished(cards);
 }
 
 void Batch::takeBack() {
-  std::vector<std::int32_t> numbers;
-  for (std::int32_t number = firstNum_; number <= lastNum_; ++number) numbers.push_back(number);
-  std::vector<ControllerPlace> open;
-  for (const GrantedController& controller : reached_) {
-    if (!eraseCards(context_, controller, numbers)) open.push_back(controller);
+  std::set<ControllerPlace> open;
+  for (const ControllerPlace& place : reached_) {
+    if (!eraseCards(context_, place, numbers_)) open.insert(place);
   }
-  if (!block_) return;
-  // When this fails, more controllers than necessary stay noted.
-  context_.attempt([&] {
-    if (!open.empty()) const CardBlock rest(context_, firstNum_, lastNum_, open);
-    block_->settle();
-  });
+  for (const UnfinishedCards& cards : noted_) {
+    if (open.contains(cards.place)) {
+      context_.ledger().noteUnfinished({cards}, false);  // for the next time
+    } else {
+      context_.ledger().forgetUnfinished(cards);
+    }
+  }
 }
 
 }  // namespace

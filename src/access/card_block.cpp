@@ -1,13 +1,16 @@
 #include "access/card_block.h"
 
 #include <charconv>
+#include <optional>
 #include <set>
 
 #include "access/access_context.h"
 #include "access/card_record.h"
 #include "comm/com.h"
+#include "comm/send_ledger.h"
 #include "files/conversions.h"
 #include "platform/database/database.h"
+#include "platform/files.h"
 #include "platform/notice.h"
 #include "platform/text.h"
 
@@ -47,7 +50,9 @@ TwoNumbers twoNumbers(const std::string& line) {
   return numbers;
 }
 
-/// None when its writer did not come to the end: then nothing was sent.
+/// A file "CardBlock0.txt" and so on: lines of two numbers, first and last card, then station and address of
+/// each controller; the last line is "end". None when its writer did not come to the end: then nothing was
+/// sent.
 std::optional<Note> read(const std::string& path) {
   std::vector<TwoNumbers> lines;
   bool complete = false;
@@ -68,49 +73,63 @@ bool canBeAsked(AccessContext& context, const ControllerPlace& place) {
   return context.Com().isInUse(place.station) && context.Com().TestSend(place.station, place.address);
 }
 
-/// The numbers of the block that no card of the table has on the controller.
-std::vector<std::int32_t> strays(AccessContext& context, const Note& note, const ControllerPlace& place) {
+std::vector<std::int32_t> numbersOf(std::int32_t first, std::int32_t last) {
+  std::vector<std::int32_t> numbers;
+  for (std::int32_t number = first; number <= last; ++number) numbers.push_back(number);
+  return numbers;
+}
+
+/// The numbers that no card of the table has on the controller.
+std::vector<std::int32_t> strays(AccessContext& context, const UnfinishedCards& cards) {
   Database& database = context.database();
   std::set<std::int16_t> groups;
   for (const auto rows = database.openRecordset(
            "select a.AccessGroupId from AccGroupReaders as a, Readers as r where a.ReaderId = r.Id and "
            "r.StationId = " +
-           std::to_string(place.station) + " and r.ControllerAddress = " + std::to_string(place.address));
+           std::to_string(cards.place.station) +
+           " and r.ControllerAddress = " + std::to_string(cards.place.address));
        !rows->eof(); rows->moveNext()) {
-    groups.insert(nullToInt(rows->get(std::size_t{0})));
+    groups.insert(nullToInt(rows->get("AccessGroupId")));
   }
   std::set<std::int32_t> kept;
   for (const auto rows = database.openRecordset(
            "select CardNum, AccessGroupId from Cardholders where Deleted = false and CardNum between " +
-           std::to_string(note.first) + " and " + std::to_string(note.last));
+           std::to_string(cards.numbers.front()) + " and " + std::to_string(cards.numbers.back()));
        !rows->eof(); rows->moveNext()) {
     if (groups.contains(nullToInt(rows->get("AccessGroupId")))) kept.insert(rows->get("CardNum").toInt32());
   }
   std::vector<std::int32_t> numbers;
-  for (std::int32_t card = note.first; card <= note.last; ++card) {
+  for (const std::int32_t card : cards.numbers) {
     if (!kept.contains(card)) numbers.push_back(card);
   }
   return numbers;
 }
 
-/// Whether no controller failed; those that are still to be asked stay noted.
-bool finish(AccessContext& context, files::OwnedFile& file) {
-  bool good = true;
-  if (const std::optional<Note> note = read(file.path())) {
-    std::vector<ControllerPlace> open;
-    for (const ControllerPlace& place : note->places) {
-      const std::vector<std::int32_t> numbers = strays(context, *note, place);
-      if (numbers.empty()) continue;
-      const bool asked = canBeAsked(context, place);
-      if (asked && eraseCards(context, place, numbers)) continue;
-      good = good && !asked;
-      open.push_back(place);
+/// Notes of earlier versions of the system, which wrote files, go to the ledger.
+void takeOverNotes(AccessContext& context) {
+  for (const std::string& name : files::list(context.Com().Chemin)) {
+    if (!isNote(name)) continue;
+    auto file = files::OwnedFile::takeOver(pathOf(context, name));
+    if (!file) continue;  // its process is still at work
+    if (const std::optional<Note> note = read(file->path())) {
+      std::vector<UnfinishedCards> cards;
+      for (const ControllerPlace& place : note->places)
+        cards.push_back({place, numbersOf(note->first, note->last)});
+      context.ledger().noteUnfinished(cards, false);
     }
-    if (!open.empty() && open.size() == note->places.size()) return good;
-    if (!open.empty()) const CardBlock rest(context, note->first, note->last, open);
+    file->remove();
   }
-  file.remove();
-  return good;
+}
+
+/// Whether the controller did not fail; one that is still to be asked stays noted.
+bool finish(AccessContext& context, const UnfinishedCards& cards) {
+  const std::vector<std::int32_t> numbers = strays(context, cards);
+  if (!numbers.empty()) {
+    if (!canBeAsked(context, cards.place)) return true;
+    if (!eraseCards(context, cards.place, numbers)) return false;
+  }
+  context.ledger().forgetUnfinished(cards);
+  return true;
 }
 
 }  // namespace
@@ -130,31 +149,14 @@ bool eraseCards(AccessContext& context, const ControllerPlace& place,
   return false;
 }
 
-CardBlock::CardBlock(AccessContext& context, std::int32_t first, std::int32_t last,
-                     const std::vector<ControllerPlace>& places) {
-  const auto line = [](std::int32_t one, std::int32_t other) {
-    return std::to_string(one) + "," + std::to_string(other) + "\r\n";
-  };
-  std::string text = line(first, last);
-  for (const auto& [station, address] : places) text += line(station, address);
-  text += std::string(lastLine) + "\r\n";
-  for (int n = 0; !note_; ++n) {
-    note_ = files::OwnedFile::create(
-        pathOf(context, std::string(namePrefix) + std::to_string(n) + std::string(nameSuffix)), text);
-  }
-}
-
 std::vector<Notice> finishUnfinishedBlocks(AccessContext& context) {
   Com& com = context.Com();
   if (com.inhibitCom || !context.DB() || !files::folderExists(com.Chemin)) return {};
   bool good = true;
   std::vector<Notice> notices;
   const std::int16_t failed = context.attempt([&] {
-    for (const std::string& name : files::list(com.Chemin)) {
-      if (!isNote(name)) continue;
-      if (auto note = files::OwnedFile::takeOver(pathOf(context, name)))
-        good = finish(context, *note) && good;
-    }
+    takeOverNotes(context);
+    for (const UnfinishedCards& cards : context.ledger().unfinished()) good = finish(context, cards) && good;
   });
   const Tell teller = into(notices);
   if (failed != 0) tell(context, teller, {"msgUnexpecErr", "Cardholders.createGroup"});

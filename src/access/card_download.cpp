@@ -1,12 +1,14 @@
 #include "access/card_download.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "access/access_context.h"
 #include "access/card_doors.h"
 #include "access/card_record.h"
 #include "access/cardholder.h"
 #include "comm/com.h"
+#include "comm/send_ledger.h"
 #include "files/conversions.h"
 #include "platform/clock.h"
 #include "platform/database/database.h"
@@ -16,8 +18,8 @@ namespace voxa {
 
 namespace {
 
-// Flags are written for so many cards at once: the disk is waited for once, and a download that is killed
-// sends no more than these again.
+// So many cards are sent as a block: the disk is waited for before and behind it alone, and a download that
+// is killed sends no more than these again.
 constexpr std::size_t batch = 100;
 
 }  // namespace
@@ -62,65 +64,108 @@ void CardDownload::fail(std::int16_t status) {
 }
 
 void CardDownload::send(std::int32_t cardholderId, const CardParts& anyway) {
-  const std::int16_t status = context_.attempt([&] { return sendCard(cardholderId, anyway); });
-  if (const ErrorInfo error = context_.error(); error.number != 0) {
-    context_.Com().errorList += "\r\nCardholder " + std::to_string(cardholderId) + ": " + error.description;
-    context_.error().clear();
-  }
-  if (status != 0) fail(status);
-  if (sent_.size() >= batch) finish();
+  if (std::optional<Prepared> card = prepare(cardholderId, anyway)) prepared_.push_back(std::move(*card));
+  if (prepared_.size() >= batch) finish();
 }
 
-std::int16_t CardDownload::sendCard(std::int32_t id, const CardParts& anyway) {
-  if (cards_.openWhere("Id = " + std::to_string(id))) {
-    tell(context_, into(failures_), {"msgCantFindCardholder", "Cardholder.downloadI", Value(id)});
-    return -1;
-  }
-  const Recordset& row = *cards_.currentRecordset();
-  Sending sending{id, nullToInt(row.get("AccessGroupId")), cardRecord(row)};
-  const bool flagged = sending.card.parts.any();
-  sending.card.parts |= anyway;
-  if (sending.card.parts.none()) return 0;
-  Sent sent{id, true, cards_.currentValues(), sending.card.parts};
-  if (!isNobodys(sending.card)) {
-    for (const GrantedController& controller : controllersOf(context_.database(), sending.group)) {
-      sent.everywhere = sendTo(controller, sending) && sent.everywhere;
+// None when there is nothing to send.
+std::optional<CardDownload::Prepared> CardDownload::prepare(std::int32_t id, const CardParts& anyway) {
+  Prepared card;
+  card.sent.id = id;
+  bool needed = false;
+  card.status = context_.attempt([&]() -> std::int16_t {
+    const Reading reading(context_.database());  // of one moment, and the file locked once
+    if (cards_.openWhere("Id = " + std::to_string(id))) {
+      tell(context_, into(failures_), {"msgCantFindCardholder", "Cardholder.downloadI", Value(id)});
+      return -1;
     }
-  }
-  if (flagged || !sent.everywhere) sent_.push_back(std::move(sent));
-  return sending.status;
+    const Recordset& row = *cards_.currentRecordset();
+    CardRecord record = cardRecord(row);
+    card.flagged = record.parts.any();
+    record.parts |= anyway;
+    needed = record.parts.any();
+    if (!needed) return 0;
+    card.sent.values = cards_.currentValues();
+    card.sent.parts = record.parts;
+    card.sent.everywhere = true;
+    if (isNobodys(record)) return 0;
+    const std::int16_t group = nullToInt(row.get("AccessGroupId"));
+    for (const GrantedController& controller : controllersOf(context_.database(), group)) {
+      const bool planned = plan(card, record, group, controller);
+      card.sent.everywhere = planned && card.sent.everywhere;
+    }
+    return 0;
+  });
+  card.error = std::exchange(context_.error(), {});
+  const bool failed = card.status != 0;
+  return needed || failed ? std::optional(std::move(card)) : std::nullopt;
 }
 
-void CardDownload::refuse(Sending& sending, const std::string& why) {
-  context_.Com().errorList += "\r\nCardholder " + std::to_string(sending.id) + ": " + why;
-  if (sending.status == 0) sending.status = err::invalidArgument;
-  complete_ = false;
-}
-
-// Whether the controller has it all now, or needs nothing.
-bool CardDownload::sendTo(const GrantedController& controller, Sending& sending) {
+// Whether the controller will have it all when it takes its lines, or needs nothing.
+bool CardDownload::plan(Prepared& card, const CardRecord& record, std::int16_t group,
+                        const GrantedController& controller) {
   // Of a card that is sent to some controllers only, the flags stay as they are for the others.
   if (!covers(scope_, controller)) return true;
-  Com& com = context_.Com();
   if (!controller.active) {
     inactiveStations_.add(controller.stationName);
     return complete_ = false;
   }
   Database& database = context_.database();
-  if (const std::string fault = faultOf(database, sending.group, controller); !fault.empty()) {
-    refuse(sending, fault);
+  if (std::string fault = faultOf(database, group, controller); !fault.empty()) {
+    card.steps.push_back({controller, {}, std::move(fault)});
     return false;
   }
-  if (controller.twoPrograms()) tellOfTwoPrograms(controller, sending.group);
-  // Of one moment, and the file locked once; the send ends it before the driver is called.
-  const Reading reading(database);
-  if (!com.TestSend(controller.station, controller.address)) return complete_ = false;
-  const std::vector<std::string> lines =
-      cardLines(sending.card, controller.rights(), liftOutputs(database, sending.id, controller),
-                controller.type, context_.clock().now());
-  const std::int16_t result = com.sendLinesTested(lines, controller);
-  if (sending.status == 0) sending.status = result;
-  return result == 0;
+  if (controller.twoPrograms()) tellOfTwoPrograms(controller, group);
+  if (!context_.Com().TestSend(controller.station, controller.address)) return complete_ = false;
+  card.steps.push_back(
+      {controller,
+       cardLines(record, controller.rights(), liftOutputs(database, card.sent.id, controller),
+                 controller.type, context_.clock().now()),
+       {}});
+  return true;
+}
+
+// Sends what was prepared, and notes what became of it.
+void CardDownload::sendPrepared() {
+  if (prepared_.empty()) return;
+  std::vector<PlannedSend> sends;
+  if (!context_.Com().inhibitCom) {
+    for (const Prepared& card : prepared_) {
+      for (const Step& step : card.steps) {
+        if (!step.lines.empty()) sends.push_back({step.place, step.lines});
+      }
+    }
+  }
+  const ExpectedSends expected(context_.ledger(), sends);
+  for (Prepared& card : std::exchange(prepared_, {})) sendCard(card);
+}
+
+void CardDownload::sendCard(Prepared& card) {
+  Com& com = context_.Com();
+  const std::string name = "\r\nCardholder " + std::to_string(card.sent.id) + ": ";
+  std::int16_t status = 0;  // the first failure
+  const std::int16_t failed = context_.attempt([&] {
+    for (const Step& step : card.steps) {
+      std::int16_t result = err::invalidArgument;
+      if (step.fault.empty()) {
+        const Reading reading(context_.database());  // which the send ends before the driver is called
+        result = com.sendLinesTested(step.lines, step.place);
+      } else {
+        com.errorList += name + step.fault;
+        complete_ = false;
+      }
+      if (status == 0) status = result;
+      card.sent.everywhere = card.sent.everywhere && result == 0;
+    }
+  });
+  ErrorInfo error = std::exchange(context_.error(), {});
+  if (error.number == 0) error = card.error;
+  if (error.number != 0) com.errorList += name + error.description;
+  if (failed != 0) status = failed;
+  if (card.status != 0) status = card.status;
+  if (status != 0) fail(status);
+  const bool whole = failed == 0 && card.status == 0;
+  if (whole && (card.flagged || !card.sent.everywhere)) sent_.push_back(std::move(card.sent));
 }
 
 void CardDownload::tellOfTwoPrograms(const GrantedController& controller, std::int16_t group) {
@@ -151,6 +196,7 @@ std::vector<Notice> CardDownload::notices() const {
 }
 
 void CardDownload::finish() {
+  sendPrepared();
   if (sent_.empty()) return;
   const std::int16_t status = context_.attempt([&] {
     Transaction transaction(context_.engine(), context_.database());

@@ -51,10 +51,11 @@ class CardDownload {
  public:
   CardDownload(AccessContext& context, const CardScope& scope);
 
-  /// Sends the flagged parts of a card's row, and `anyway`. Failures on the line are left in `Com.errorList`,
-  /// others are added to it; a missing row ("msgCantFindCardholder") is among failures().
+  /// Sends the flagged parts of a card's row, and `anyway`, with others as a block, and at the latest in
+  /// finish(). Failures on the line are left in `Com.errorList`, others are added to it; a missing row
+  /// ("msgCantFindCardholder") is among failures().
   void send(std::int32_t cardholderId, const CardParts& anyway);
-  /// Writes the flags of the last cards. To be called behind the last send.
+  /// Sends what is left, and writes the flags. To be called behind the last send.
   void finish();
 
   /// First failure: the line's code or an error's number, -1 for a missing row; 0 when there was none.
@@ -73,22 +74,31 @@ class CardDownload {
 
  private:
   struct Sent {
-    std::int32_t id;
-    bool everywhere;            ///< clear its flags, else set those of `parts`
+    std::int32_t id = 0;
+    bool everywhere = false;    ///< clear its flags, else set those of `parts`
     std::vector<Value> values;  ///< the row as it was sent
     CardParts parts;
   };
-
-  std::int16_t sendCard(std::int32_t id, const CardParts& anyway);
-  /// A card on its way.
-  struct Sending {
-    std::int32_t id;
-    std::int16_t group;
-    CardRecord card;
-    std::int16_t status = 0;  ///< first failure
+  /// What is to be done at a controller: sending lines, or saying why the card cannot be sent there.
+  struct Step {
+    ControllerPlace place;
+    std::vector<std::string> lines;
+    std::string fault;
   };
-  bool sendTo(const GrantedController& controller, Sending& sending);
-  void refuse(Sending& sending, const std::string& why);
+  /// A card on its way.
+  struct Prepared {
+    Sent sent;
+    bool flagged = false;  ///< its row was marked
+    std::vector<Step> steps;
+    std::int16_t status = 0;  ///< what its preparation ended with
+    ErrorInfo error = {};
+  };
+
+  std::optional<Prepared> prepare(std::int32_t id, const CardParts& anyway);
+  bool plan(Prepared& card, const CardRecord& record, std::int16_t group,
+            const GrantedController& controller);
+  void sendPrepared();
+  void sendCard(Prepared& card);
   bool isNobodys(const CardRecord& card);
   void tellOfTwoPrograms(const GrantedController& controller, std::int16_t group);
   void fail(std::int16_t status);
@@ -97,6 +107,7 @@ class CardDownload {
   AccessContext& context_;
   GenTable cards_;
   CardScope scope_;
+  std::vector<Prepared> prepared_;
   std::vector<Sent> sent_;
   std::int16_t status_ = 0;
   std::vector<Notice> failures_;

@@ -2,12 +2,19 @@
 
 #include "app/qdb.h"
 #include "comm/com.h"
+#include "controllers/ledger.h"
+#include "controllers/ledger_driver.h"
+#include "engines/sqlite/engine.h"
 #include "files/command_file.h"
 #include "messages/strings.h"
 
 namespace voxa {
 
-Library::Library(const Seams& seams) : Installation(seams) {}
+Library::Library(const Seams& seams)
+    : Installation(seams),
+      ledgerEngine_(makeSqliteEngine(seams.clock, {.journal = SqliteOptions::Journal::ahead})),
+      ledger_(std::make_unique<Ledger>(*this, *ledgerEngine_)),
+      ledgerDriver_(std::make_unique<LedgerDriver>(seams.driver, *ledger_)) {}
 
 Library::~Library() = default;
 
@@ -29,6 +36,14 @@ Library::~Library() = default;
 ::voxa::QDB& Library::QDB() {
   if (!qdb_) qdb_ = std::make_unique<::voxa::QDB>(*this);
   return *qdb_;
+}
+
+Driver& Library::driver() {
+  return *ledgerDriver_;
+}
+
+Ledger& Library::ledger() {
+  return *ledger_;
 }
 
 Messages& Library::messages() {

@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include "controllers/ledger.h"
 #include "files/line_span.h"
 #include "work/installation.h"
 
@@ -20,6 +21,9 @@ class Library : public Installation {
   [[nodiscard]] ::voxa::Strings& Strings();
   [[nodiscard]] ::voxa::Com& Com() override;
   [[nodiscard]] ::voxa::CommandFile& CommandFile() override;
+  /// The driver, with the ledger of what it has sent over it.
+  [[nodiscard]] Driver& driver() override;
+  [[nodiscard]] ::voxa::Ledger& ledger() override;
   [[nodiscard]] ::voxa::QDB& QDB();
 
   [[nodiscard]] Messages& messages() override;
@@ -38,6 +42,9 @@ class Library : public Installation {
 
  private:
   LineLock lineLock_;
+  std::unique_ptr<DatabaseEngine> ledgerEngine_;
+  std::unique_ptr<::voxa::Ledger> ledger_;
+  std::unique_ptr<Driver> ledgerDriver_;
   // Destroyed from the last to the first: the table objects go before what they use.
   std::unique_ptr<::voxa::Strings> strings_;
   std::unique_ptr<::voxa::Com> com_;

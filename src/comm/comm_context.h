@@ -6,6 +6,7 @@ namespace voxa {
 
 class Com;
 class Reader;
+class SendLedger;
 class Station;
 
 /// What uses the lines: the road to the controllers, and the two tables that say where they are.
@@ -14,6 +15,8 @@ class CommContext : public TableContext {
   using TableContext::TableContext;
 
   [[nodiscard]] virtual ::voxa::Com& Com() = 0;
+  /// The account of what each controller holds.
+  [[nodiscard]] virtual SendLedger& ledger() = 0;
   [[nodiscard]] virtual Station& Stations() = 0;
   [[nodiscard]] virtual Reader& Readers() = 0;
 };

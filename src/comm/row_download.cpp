@@ -3,6 +3,7 @@
 #include "comm/com.h"
 #include "comm/comm_context.h"
 #include "comm/reader.h"
+#include "files/conversions.h"
 #include "platform/database/database.h"
 #include "tables/gen_table.h"
 
@@ -28,7 +29,43 @@ std::int16_t sendRow(CommContext& context, GenTable& rows, const RowDownload& wh
   return context.Com().sendLines(what.lines(*rows.currentRecordset()), component.type, component.name);
 }
 
+// Where a component's lines go. A line where somebody is silent is sent to controller by controller; what
+// goes to each of a station covers that.
+std::vector<ControllerPlace> placesOf(Database& database, const Component& component) {
+  const bool all = component.type == CTActiveStations;
+  const auto rows = component.type == CTReader
+                        ? database.openRecordset(
+                              "parameters pName memo; select StationId as Station, "
+                              "ControllerAddress as Address from Readers where Name = pName",
+                              {{"pName", component.name}})
+                        : database.openRecordset(
+                              "parameters pAll bit, pName memo; select Id as Station, 0 as Address "
+                              "from Stations where Active = true and (pAll = true or Name = pName)",
+                              {{"pAll", all}, {"pName", component.name}});
+  std::vector<ControllerPlace> places;
+  for (; !rows->eof(); rows->moveNext()) {
+    places.push_back({nullToInt(rows->get("Station")), nullToInt(rows->get("Address"))});
+  }
+  return places;
+}
+
 }  // namespace
+
+std::vector<PlannedSend> rowSends(CommContext& context, const Component& component, const std::string& query,
+                                  const RowLines& lines) {
+  std::vector<PlannedSend> sends;
+  if (context.Com().inhibitCom) return sends;
+  try {
+    const std::vector<ControllerPlace> places = placesOf(context.database(), component);
+    for (auto rows = context.database().openRecordset(query); !rows->eof(); rows->moveNext()) {
+      const std::vector<std::string> ofRow = lines(*rows);
+      for (const ControllerPlace& place : places) sends.push_back({place, ofRow});
+    }
+  } catch (const Error&) {
+    // The download says what is wrong. Until then, what is not announced is put in doubt send by send.
+  }
+  return sends;
+}
 
 std::int16_t downloadRow(CommContext& context, GenTable& rows, const RowDownload& what,
                          const Component& component, std::int16_t params, const Tell& teller) {

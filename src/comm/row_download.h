@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "comm/com_types.h"
+#include "comm/send_ledger.h"
 #include "platform/notice.h"
 
 namespace voxa {
@@ -13,6 +14,9 @@ namespace voxa {
 class GenTable;
 class CommContext;
 class Recordset;
+
+/// The command lines of a row; raises what makes it a row that no line can hold.
+using RowLines = std::function<std::vector<std::string>(const Recordset&)>;
 
 /// What tells the downloads of programs, holidays and badge formats apart; all of them send one row by one
 /// command file to one component.
@@ -26,8 +30,7 @@ struct RowDownload {
   const char* failureMethod;     ///< method text of "msgCantDownload"
   bool alwaysShowsFailure;       ///< whether DLNoMessage is not heeded
   bool clearsFlags;              ///< whether a successful send clears the row's FlagD columns
-  /// The row's command lines; raises what makes it a row that no line can hold.
-  std::function<std::vector<std::string>(const Recordset&)> lines;
+  RowLines lines;
 };
 
 /// Sends one row when its flags, or DLFull in `params`, say so. 0 when it was sent or nothing had to be; else
@@ -37,6 +40,11 @@ struct RowDownload {
 /// `Com.errorList`.
 std::int16_t downloadRow(CommContext& context, GenTable& rows, const RowDownload& what,
                          const Component& component, std::int16_t params, const Tell& teller);
+
+/// What a download of all these rows to a component is going to send, for the ledger. query: gives whole
+/// rows. Rows that cannot be right are left out, and nothing is sent while communications are inhibited.
+[[nodiscard]] std::vector<PlannedSend> rowSends(CommContext& context, const Component& component,
+                                                const std::string& query, const RowLines& lines);
 
 /// Downloads rows one after the other, whatever becomes of each; the first non-zero result.
 /// query: gives the rows; download: sends the current one.

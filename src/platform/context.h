@@ -75,7 +75,7 @@ class Context {
   Context& operator=(const Context&) = delete;
 
   [[nodiscard]] DatabaseEngine& engine() const { return seams_.engine; }
-  [[nodiscard]] Driver& driver() const { return seams_.driver; }
+  [[nodiscard]] virtual Driver& driver() { return seams_.driver; }
   [[nodiscard]] HeldPrompts& prompts() { return prompts_; }
   [[nodiscard]] Clock& clock() const { return seams_.clock; }
   [[nodiscard]] virtual Messages& messages() = 0;

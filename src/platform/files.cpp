@@ -141,6 +141,23 @@ bool holds(std::string_view path, std::string_view bytes) {
   return found == bytes;
 }
 
+std::optional<std::string> contents(std::string_view path) {
+  int error = 0;
+  const File file(openFile(native(path), Open::read, false, error), &std::fclose);
+  if (!file) return std::nullopt;
+  (void)std::setvbuf(file.get(), nullptr, _IONBF, 0);  // it is read in large pieces
+  std::string found;
+  for (std::size_t size = 4096; found.size() + size > found.size(); size *= 2) {
+    const std::size_t before = found.size();
+    found.resize(before + size);
+    const std::size_t read = std::fread(found.data() + before, 1, size, file.get());
+    found.resize(before + read);
+    if (read < size) break;
+  }
+  if (std::ferror(file.get()) != 0) return std::nullopt;
+  return found;
+}
+
 void remove(std::string_view path) {
   const fs::path found = asPath(native(path));
   std::error_code error;
@@ -174,16 +191,11 @@ void copy(std::string_view from, std::string_view to) {
   copied.replaceTarget();
 }
 
-std::optional<OwnedFile> OwnedFile::create(std::string_view path, std::string_view text) {
+std::optional<OwnedFile> OwnedFile::create(std::string_view path) {
   int error = 0;
   OwnedFile file(path, openOwned(native(path), error));
   if (error == EEXIST) return std::nullopt;
   if (!file.file_) throw creationError(error, path);
-  const bool written = std::fwrite(text.data(), 1, text.size(), file.file_.get()) == text.size();
-  if (error = written ? flushToDevice(file.file_.get()) : errno; error != 0) {
-    file.remove();
-    throw fileError(error, std::string(path));
-  }
   return file;
 }
 

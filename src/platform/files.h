@@ -34,6 +34,8 @@ namespace files {
 [[nodiscard]] std::string folderFault(std::string_view folder, bool trustGroup);
 /// Whether `bytes` are the file's whole content; false also when the file cannot be read.
 [[nodiscard]] bool holds(std::string_view path, std::string_view bytes);
+/// The file's bytes; none when it cannot be read, and for anything but a regular file of that very name.
+[[nodiscard]] std::optional<std::string> contents(std::string_view path);
 void remove(std::string_view path);  ///< deletes one file; 53 when there is none
 /// Deletes the file of that name if it is a regular one, and says whether it did. A link, a device and a
 /// folder stay, and so does a file that may not be deleted.
@@ -54,14 +56,13 @@ void makeFolders(std::string_view path);
 [[nodiscard]] std::vector<std::string> list(std::string_view folder);
 [[nodiscard]] std::string currentFolder();  ///< absolute, native separators, without a trailing one
 
-/// A small file that says whether the process that made it is still at work. The process owns the file for as
-/// long as this object lives. When the process ends, even by a kill, nobody owns the file. remove() deletes
-/// it.
+/// An empty file that says whether the process that made it is still at work. The process owns the file for
+/// as long as this object lives. When the process ends, even by a kill, nobody owns the file. remove()
+/// deletes it.
 class OwnedFile {
  public:
-  /// Creates the file with that text, which is on the device when this returns. None when a file of that name
-  /// exists.
-  [[nodiscard]] static std::optional<OwnedFile> create(std::string_view path, std::string_view text);
+  /// Creates the file. None when a file of that name exists.
+  [[nodiscard]] static std::optional<OwnedFile> create(std::string_view path);
   /// Takes over a file that nobody owns. None when a process owns it, or when there is no such file.
   [[nodiscard]] static std::optional<OwnedFile> takeOver(std::string_view path);
 

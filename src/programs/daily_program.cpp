@@ -1,7 +1,6 @@
 #include "programs/daily_program.h"
 
 #include "comm/com.h"
-#include "comm/row_download.h"
 #include "lines/daily_program.h"
 #include "platform/database/database.h"
 
@@ -26,6 +25,15 @@ FieldDef furtherField(const char* bound) {
 }
 
 }  // namespace
+
+std::vector<std::string> linesOfDailyProgram(const Recordset& row, bool fourZones) {
+  std::vector<DateTime> moments;
+  for (const char* bound : bounds) moments.push_back(row.get(bound).toDateTime());
+  if (fourZones) {
+    for (const char* bound : furtherBounds) moments.push_back(row.get(bound).toDateTime());
+  }
+  return {dailyProgramLine(row.get("Id").toInt16(), moments)};
+}
 
 void DailyProgram::createWithFourZones() {
   fourZones_ = true;
@@ -89,14 +97,7 @@ std::int16_t DailyProgram::send(std::int16_t Id, const Component& component, std
   what.failureMethod = "DailyProgram.download";
   what.alwaysShowsFailure = false;
   what.clearsFlags = true;
-  what.lines = [&](const Recordset& row) {
-    std::vector<DateTime> moments;
-    for (const char* bound : bounds) moments.push_back(row.get(bound).toDateTime());
-    if (comm_.Com().pDailyPrograms4Zones == 1) {
-      for (const char* bound : furtherBounds) moments.push_back(row.get(bound).toDateTime());
-    }
-    return std::vector{dailyProgramLine(Id, moments)};
-  };
+  what.lines = lines();
   return downloadRow(comm_, gen_, what, component, Params, teller);
 }
 
@@ -106,7 +107,15 @@ std::int16_t DailyProgram::generalDownload(ComponentType compType, const std::st
   return sendAll({compType, compName}, showing(context_));
 }
 
+RowLines DailyProgram::lines() {
+  return [this](const Recordset& row) {
+    return linesOfDailyProgram(row, comm_.Com().pDailyPrograms4Zones == 1);
+  };
+}
+
 std::int16_t DailyProgram::sendAll(const Component& component, const Tell& teller) {
+  const auto sends = rowSends(comm_, component, "select * from DailyPrograms where Id <> 0", lines());
+  const ExpectedSends expected(comm_.ledger(), sends);
   return downloadTable(comm_, "select Id from DailyPrograms", "DailyPrograms.generalDownload", teller,
                        [&](const Recordset& row) {
                          return send(row.get("Id").toInt16(), component, DLFull | DLNoMessage, teller);

@@ -2,9 +2,11 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "comm/com_types.h"
 #include "comm/comm_context.h"
+#include "comm/row_download.h"
 #include "platform/notice.h"
 #include "tables/table.h"
 
@@ -46,8 +48,13 @@ class DailyProgram : public Table {
   void insertDefaultRecs() override;  ///< a failure is raised
 
  private:
+  [[nodiscard]] RowLines lines();
   bool fourZones_ = false;
   CommContext& comm_;
 };
+
+/// The command lines of a row of the table; raises what makes it a row that no line can hold. fourZones: of
+/// controllers that work with four intervals.
+[[nodiscard]] std::vector<std::string> linesOfDailyProgram(const Recordset& row, bool fourZones);
 
 }  // namespace voxa

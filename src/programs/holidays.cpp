@@ -1,12 +1,16 @@
 #include "programs/holidays.h"
 
 #include "comm/com.h"
-#include "comm/row_download.h"
 #include "lines/holiday.h"
 #include "platform/clock.h"
 #include "platform/database/database.h"
 
 namespace voxa {
+
+std::vector<std::string> linesOfHoliday(const Recordset& row, DateTime today) {
+  return {holidayLine({row.get("Id").toInt16(), row.get("Date").toDateTime(), row.get("EachYear").toBool()},
+                      today)};
+}
 
 void Holidays::createFields(TableDef& td) {
   addField(td, "Id", DataType::Integer);
@@ -42,10 +46,7 @@ std::int16_t Holidays::send(std::int16_t Id, const Component& component, std::in
   what.failureMethod = "Holidays.download";
   what.alwaysShowsFailure = false;
   what.clearsFlags = true;
-  what.lines = [&](const Recordset& row) {
-    const HolidayRecord holiday{Id, row.get("Date").toDateTime(), row.get("EachYear").toBool()};
-    return std::vector{holidayLine(holiday, context_.clock().now())};
-  };
+  what.lines = lines();
   return downloadRow(comm_, gen_, what, component, Params, teller);
 }
 
@@ -60,7 +61,13 @@ std::int16_t Holidays::generalDownload(ComponentType compType, const std::string
   return sendAll({compType, compName}, showing(context_));
 }
 
+RowLines Holidays::lines() {
+  return [this](const Recordset& row) { return linesOfHoliday(row, context_.clock().now()); };
+}
+
 std::int16_t Holidays::sendAll(const Component& component, const Tell& teller) {
+  const auto sends = rowSends(comm_, component, "select * from Holidays", lines());
+  const ExpectedSends expected(comm_.ledger(), sends);
   return downloadTable(comm_, "select Id from Holidays", "Holidays.generalDownload", teller,
                        [&](const Recordset& row) {
                          return send(row.get("Id").toInt16(), component, DLFull | DLNoMessage, teller);

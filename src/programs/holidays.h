@@ -2,9 +2,11 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "comm/com_types.h"
 #include "comm/comm_context.h"
+#include "comm/row_download.h"
 #include "platform/notice.h"
 #include "tables/table.h"
 
@@ -40,7 +42,12 @@ class Holidays : public Table {
   void createIndexes(TableDef& td) override;
 
  private:
+  [[nodiscard]] RowLines lines();
   CommContext& comm_;
 };
+
+/// The command line of a row of the table, as the controllers read it `today`; raises what makes it a row
+/// that no line can hold.
+[[nodiscard]] std::vector<std::string> linesOfHoliday(const Recordset& row, DateTime today);
 
 }  // namespace voxa

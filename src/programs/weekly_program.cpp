@@ -19,8 +19,9 @@ std::string dayColumn(int day) {
   return "DailyProgDay" + std::to_string(day);
 }
 
-WeeklyProgramRecord recordOf(const std::string& progType, std::int16_t progNum, const Recordset& row) {
-  WeeklyProgramRecord program{progType, progNum, {}, nullToInt(row.get("DailyProgHolidays"))};
+WeeklyProgramRecord recordOf(const std::string& family, const Recordset& row) {
+  WeeklyProgramRecord program{
+      family, row.get("ProgNum").toInt16(), {}, nullToInt(row.get("DailyProgHolidays"))};
   for (int day = 1; day <= days; ++day) {
     program.days.at(static_cast<std::size_t>(day - 1)) = nullToInt(row.get(dayColumn(day)));
   }
@@ -28,6 +29,10 @@ WeeklyProgramRecord recordOf(const std::string& progType, std::int16_t progNum, 
 }
 
 }  // namespace
+
+std::vector<std::string> linesOfWeeklyProgram(const Recordset& row) {
+  return weeklyProgramLines(recordOf(row.get("ProgType").toText(), row));
+}
 
 void WeeklyProgram::createFields(TableDef& td) {
   addField(td, "ProgType", DataType::Text, 1);
@@ -117,7 +122,8 @@ std::int16_t WeeklyProgram::send(const std::string& ProgType, std::int16_t ProgN
   what.failureMethod = "WeeklyPrograms.download";
   what.alwaysShowsFailure = true;
   what.clearsFlags = true;
-  what.lines = [&](const Recordset& row) { return weeklyProgramLines(recordOf(ProgType, ProgNum, row)); };
+  // The caller's spelling of the family decides, not the row's.
+  what.lines = [&](const Recordset& row) { return weeklyProgramLines(recordOf(ProgType, row)); };
   return downloadRow(comm_, gen_, what, component, Params, teller);
 }
 
@@ -132,10 +138,12 @@ std::int16_t WeeklyProgram::sendAll(const Component& component, const std::strin
   if (const std::int16_t failed = gen_.setTableFlagsD(true, whereExpr); failed != 0) return failed;
   bool failed = true;
   const std::int16_t status = context_.attempt([&] {
+    const std::string where = whereExpr.empty() ? "" : " WHERE " + whereExpr;
+    const auto sends =
+        rowSends(comm_, component, "select * from WeeklyPrograms" + where, linesOfWeeklyProgram);
+    const ExpectedSends expected(comm_.ledger(), sends);
     const std::int16_t first = downloadEach(
-        comm_,
-        "select ProgType, ProgNum from WeeklyPrograms" + (whereExpr.empty() ? "" : " WHERE " + whereExpr),
-        [&](const Recordset& row) {
+        comm_, "select ProgType, ProgNum from WeeklyPrograms" + where, [&](const Recordset& row) {
           return send(row.get("ProgType").toText(), row.get("ProgNum").toInt16(), component,
                       DLFull | DLNoMessage, teller);
         });

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "comm/com_types.h"
 #include "comm/comm_context.h"
@@ -53,5 +54,8 @@ class WeeklyProgram : public Table {
  private:
   CommContext& comm_;
 };
+
+/// The command lines of a row of the table; raises what makes it a row that no line can hold.
+[[nodiscard]] std::vector<std::string> linesOfWeeklyProgram(const Recordset& row);
 
 }  // namespace voxa

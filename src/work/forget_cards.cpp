@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "comm/com.h"
+#include "platform/notice.h"
 #include "work/card_values.h"
 #include "work/installation.h"
 #include "work/refusal.h"
@@ -40,10 +41,11 @@ void ForgetCards::send() {
 void ForgetCards::requireAnswers() {
   Com& com = installation_.Com();
   auto read = Com::Refresh::read;
+  std::vector<Notice> notices;
   std::set<std::int16_t> tested;
   for (const auto& [place, erasing] : erasing_) {
     if (erasing.controller.active && tested.insert(place.station).second) {
-      read = std::max(read, com.refresh(place.station, showing(installation_)));
+      read = std::max(read, com.refresh(place.station, into(notices)));
     }
   }
   const auto unknown = com.notKnownToAnswer(CTActiveStations, "");
@@ -57,7 +59,9 @@ void ForgetCards::requireAnswers() {
   }
   (void)com.popErrorList();  // of the test: it names the same controllers
   if (read == Com::Refresh::broken) {
-    throw Refusal("the controllers cannot be tested: nothing is changed");
+    std::string why;
+    for (const Notice& notice : notices) why += "\n" + notice.message.error.description;
+    throw Refusal("the controllers cannot be tested: nothing is changed" + why);
   }
   if (silent.empty()) return;
   throw Refusal(installation_.messages().read("msgComErr247") + ":" + silent +

@@ -136,8 +136,8 @@ void deleteGroup(Installation& installation, const std::string& group, const std
   if (id == defaultGroup) throw Refusal("the default access group cannot be deleted");
   const CardsOfGroup cards = cardsOf(installation, id);
   if (!cards.live.empty() && moveTo.empty()) {
-    throw Refusal("msgDBDelRelated",
-                  "(" + std::to_string(cards.live.size()) + " cards; see --move-cards-to)");
+    throw Refusal("msgDBDelRelated", "(" + std::to_string(cards.live.size()) +
+                                         " cards: name the access group that they move to)");
   }
   const std::int16_t target = moveTo.empty() ? defaultGroup : names.id(moveTo);
   if (target == id) throw Refusal("the cards cannot stay in the access group " + group);

@@ -14,9 +14,9 @@ namespace fs = std::filesystem;
 
 bool isReserved(const fs::path& name) {
   // The databases with what their engine or a copy leaves beside them, the files of the driver and of a read,
-  // logs, the notes of batches, the driver itself.
+  // logs, the driver itself. Earlier versions noted batches of cards in files.
   static const std::regex reserved(
-      R"((KRV\.mdb|Journal\.MDB|I18N\.MDB)([-~].*)?|COMMAND\.TXT|COM\.LOG|Log\.txt|voxa\.lck|S\d+\.ini|RS\d+\.OUT|)"
+      R"((KRV\.mdb|Journal\.MDB|I18N\.MDB|Ledger\.MDB)([-~.].*)?|Ledger\d+\.own|COMMAND\.TXT|COM\.LOG|Log\.txt|voxa\.lck|S\d+\.ini|RS\d+\.OUT|)"
       R"(J\.DAT|J-?\d+\.(DAT|OLD|BAD)|CardBlock\d+\.txt|(lib)?TLXP32(\.so|\.dll)?|Backup|site)",
       std::regex::icase);
   return std::regex_match(name.string(), reserved);

@@ -80,9 +80,7 @@ std::string Watched::chooseFile(const FileDialog& dialog) {
 }
 
 std::int16_t Watched::call(ComCommandsEnum command, std::int16_t stationId, std::int16_t controllerAddr) {
-  const bool batch = std::any_of(
-      std::filesystem::directory_iterator("."), std::filesystem::directory_iterator(),
-      [](const auto& entry) { return entry.path().filename().string().starts_with("CardBlock"); });
+  const bool batch = engine != nullptr && engine->inTransaction();
   if (!batch) requireNoLock(std::string(driverNames[command]));
   return driver_.call(command, stationId, controllerAddr);
 }

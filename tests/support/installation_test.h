@@ -59,7 +59,7 @@ class StillClock : public Clock {
 
 /// The seams to a person and to the driver. Both may take long, and others wait for a database file that is
 /// locked. So the test fails when one of them is called while a database file is locked. There is one
-/// exception: a batch of cards is sent within its transaction. Its note in the folder tells of it.
+/// exception: a batch of cards is sent within its transaction.
 class Watched : public Prompts, public Driver {
  public:
   Watched(Prompts& prompts, Driver& driver) : prompts_(prompts), driver_(driver) {}

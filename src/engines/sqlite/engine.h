@@ -12,6 +12,11 @@ class Clock;
 struct SqliteOptions {
   int busyTimeoutMs = 5000;  ///< how long a call waits for another user's lock before it raises 3260
   bool readOnly = false;     ///< every file is opened only for reading
+  /// What makes a change whole when it is broken off. behind: a copy of the old pages, in a file that exists
+  /// meanwhile alone; a commit waits for the disk four times. ahead: the new pages, in a file that stays
+  /// beside the database while it is open; a commit waits once. Such a file cannot be on a network share.
+  enum class Journal { behind, ahead };
+  Journal journal = Journal::behind;
 };
 
 /// Makes the embedded engine, in which each database is one SQLite file with the name that it was given.

@@ -1,0 +1,94 @@
+#include "controllers/card_state.h"
+
+#include <algorithm>
+#include <charconv>
+
+namespace voxa {
+
+namespace {
+
+constexpr char betweenParts = ',';
+constexpr char betweenOutputs = '+';
+constexpr char behindOutput = '=';
+
+// Takes the text up to a separator, and the separator.
+std::string_view next(std::string_view& text, char separator) {
+  const std::size_t end = std::min(text.find(separator), text.size());
+  const std::string_view taken = text.substr(0, end);
+  text.remove_prefix(std::min(end + 1, text.size()));
+  return taken;
+}
+
+}  // namespace
+
+void CardState::take(const SentLine& line, bool certain) {
+  if (line.field == CardField::code) return takeCode(line.value, certain);
+  Possible& thing = line.field == CardField::lift ? lifts_.try_emplace(line.output, otherLifts_).first->second
+                                                  : part(line.field);
+  // A controller without the card may drop its parts, or keep them for later.
+  if (certain && part(CardField::code).isThere()) {
+    thing.becomes(line.value);
+  } else {
+    thing.mayBecome(line.value);
+  }
+}
+
+void CardState::takeCode(std::string_view code, bool certain) {
+  Possible& present = part(CardField::code);
+  if (!certain) {
+    present.mayBecome(code);
+    if (!code.empty()) return;
+    for (std::size_t i = index(CardField::weekly); i < partCount; ++i) parts_.at(i).mayBecome("");
+    for (auto& [output, state] : lifts_) state.mayBecome("");
+    otherLifts_.mayBecome("");
+    return;
+  }
+  present.becomes(code);
+  if (!code.empty()) return;
+  for (Possible& each : parts_) each.becomes("");
+  lifts_.clear();
+  otherLifts_.becomes("");
+}
+
+void CardState::mayBeAnything() {
+  for (Possible& each : parts_) each.mayBeAnything();
+  for (auto& [output, state] : lifts_) state.mayBeAnything();
+  otherLifts_.mayBeAnything();
+}
+
+Possible CardState::lift(std::int16_t output) const {
+  const auto found = lifts_.find(output);
+  return found == lifts_.end() ? otherLifts_ : found->second;
+}
+
+bool CardState::isHeld() const {
+  return otherLifts_.isHeld() &&
+         std::all_of(parts_.begin(), parts_.end(), [](const Possible& each) { return each.isHeld(); }) &&
+         std::all_of(lifts_.begin(), lifts_.end(), [](const auto& lift) { return lift.second.isHeld(); });
+}
+
+std::string CardState::text() const {
+  std::string text;
+  for (const Possible& each : parts_) (text += each.text()) += betweenParts;
+  text += otherLifts_.text();
+  for (const auto& [output, state] : lifts_) {
+    ((text += betweenOutputs) += std::to_string(output)) += behindOutput;
+    text += state.text();
+  }
+  return text;
+}
+
+CardState CardState::read(std::string_view text) {
+  CardState state;
+  for (Possible& each : state.parts_) each = Possible::read(next(text, betweenParts));
+  state.otherLifts_ = Possible::read(next(text, betweenOutputs));
+  while (!text.empty()) {
+    const std::string_view digits = next(text, behindOutput);
+    std::int16_t output = 0;
+    (void)std::from_chars(digits.data(), digits.data() + digits.size(), output);
+    state.lifts_[output] = Possible::read(next(text, betweenOutputs));
+  }
+  return state;
+}
+
+}  // namespace voxa

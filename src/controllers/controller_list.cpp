@@ -1,0 +1,143 @@
+#include "controllers/controller_list.h"
+
+#include "files/conversions.h"
+#include "platform/clock.h"
+#include "platform/database/database.h"
+#include "tables/table_context.h"
+
+namespace voxa {
+
+namespace {
+
+std::string textOf(const Recordset& row, const char* field) {
+  const Value value = row.get(field);
+  return value.isNull() ? "" : value.toText();
+}
+
+}  // namespace
+
+ControllerList::ControllerList(Database& ledger, TableContext& context) : ledger_(ledger), context_(context) {
+  readLedger();
+  const std::shared_ptr<Database> main = context.DB();
+  if (!main) return;
+  try {
+    readInstallation(*main);
+  } catch (const Error&) {
+    return;  // it is locked, or no main database: what the ledger knows of the controllers holds
+  }
+  align();
+}
+
+void ControllerList::readLedger() {
+  const auto rows = ledger_.openRecordset("select * from Controllers where Retired is null");
+  for (; !rows->eof(); rows->moveNext()) {
+    LedgerController controller;
+    controller.id = rows->get("Id").toInt32();
+    controller.place = {rows->get("Station").toInt16(), rows->get("Address").toInt16()};
+    controller.type = textOf(*rows, "Type");
+    controller.changes = rows->get("Changes").toInt32();
+    controller.since = rows->get("Since").toDateTime();
+    knownLines_[controller.place] = {textOf(*rows, "StationName"), rows->get("ComPort"),
+                                     textOf(*rows, "Phone")};
+    controllers_[controller.place] = controller;
+  }
+}
+
+void ControllerList::readInstallation(Database& main) {
+  const auto stations = main.openRecordset("select Id, Name, ComPort, Phone from Stations");
+  for (; !stations->eof(); stations->moveNext()) {
+    lines_[stations->get("Id").toInt16()] = {textOf(*stations, "Name"), stations->get("ComPort"),
+                                             textOf(*stations, "Phone")};
+  }
+  const auto readers = main.openRecordset("select StationId, ControllerAddress, ControllerType from Readers");
+  for (; !readers->eof(); readers->moveNext()) {
+    const ControllerPlace place{nullToInt(readers->get("StationId")),
+                                nullToInt(readers->get("ControllerAddress"))};
+    const auto [known, added] = types_.emplace(place, textOf(*readers, "ControllerType"));
+    if (!added && known->second != textOf(*readers, "ControllerType")) known->second.clear();
+  }
+}
+
+void ControllerList::align() {
+  for (auto known = controllers_.begin(); known != controllers_.end();) {
+    LedgerController& controller = known->second;
+    const auto line = lines_.find(controller.place.station);
+    const Line& before = knownLines_.at(controller.place);
+    if (line == lines_.end() || isAnother(before, line->second)) {
+      retire(controller);
+      known = controllers_.erase(known);
+      continue;
+    }
+    const auto type = types_.find(controller.place);
+    const std::string now = type == types_.end() ? "" : type->second;
+    const bool sameLine = before.name == line->second.name && before.port == line->second.port &&
+                          before.phone == line->second.phone;
+    if (!sameLine || now != controller.type) {
+      const auto row =
+          ledger_.openRecordset("select * from Controllers where Id = " + std::to_string(controller.id));
+      row->edit();
+      row->set("Type", now);
+      row->set("StationName", line->second.name);
+      row->set("ComPort", line->second.port);
+      row->set("Phone", line->second.phone);
+      row->update();
+      controller.type = now;
+    }
+    ++known;
+  }
+}
+
+bool ControllerList::isAnother(const Line& known, const Line& now) {
+  const bool direct = known.phone.empty() && now.phone.empty();  // which has no number that could change
+  return known.name != now.name && known.port != now.port && (direct || known.phone != now.phone);
+}
+
+void ControllerList::retire(const LedgerController& controller) {
+  ledger_.execute("update Controllers set Retired = Now() where Id = " + std::to_string(controller.id));
+}
+
+LedgerController& ControllerList::at(const ControllerPlace& place) {
+  if (const auto known = controllers_.find(place); known != controllers_.end()) return known->second;
+  LedgerController controller;
+  controller.place = place;
+  controller.since = context_.clock().now();
+  if (const auto type = types_.find(place); type != types_.end()) controller.type = type->second;
+  const auto line = lines_.find(place.station);
+  const auto rows = ledger_.openRecordset("select * from Controllers where Id = 0");
+  rows->addNew();
+  rows->set("Station", place.station);
+  rows->set("Address", place.address);
+  rows->set("Type", controller.type);
+  rows->set("StationName", line == lines_.end() ? "" : line->second.name);
+  rows->set("ComPort", line == lines_.end() ? Value() : line->second.port);
+  rows->set("Phone", line == lines_.end() ? "" : line->second.phone);
+  rows->set("Since", controller.since);
+  rows->update();
+  controller.id = ledger_.openRecordset("select max(Id) as Last from Controllers")->get("Last").toInt32();
+  return controllers_[place] = controller;
+}
+
+const LedgerController* ControllerList::find(const ControllerPlace& place) const {
+  const auto known = controllers_.find(place);
+  return known == controllers_.end() ? nullptr : &known->second;
+}
+
+std::vector<ControllerPlace> ControllerList::ofStation(std::int16_t station) const {
+  std::vector<ControllerPlace> places;
+  for (const auto& [place, controller] : controllers_) {
+    if (place.station == station) places.push_back(place);
+  }
+  for (const auto& [place, type] : types_) {
+    if (place.station == station && find(place) == nullptr) places.push_back(place);
+  }
+  return places;
+}
+
+void ControllerList::replace(const ControllerPlace& place) {
+  const auto known = controllers_.find(place);
+  if (known == controllers_.end()) return;
+  retire(known->second);
+  controllers_.erase(known);
+}
+
+}  // namespace voxa

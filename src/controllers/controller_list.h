@@ -1,0 +1,67 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "comm/com_types.h"
+#include "platform/value.h"
+
+namespace voxa {
+
+class Database;
+class TableContext;
+
+/// A controller as the ledger knows it. Station numbers are used again, so that a place alone does not say
+/// which controller is meant: each generation has a number of its own.
+struct LedgerController {
+  std::int32_t id = 0;
+  ControllerPlace place;
+  std::string type;          ///< "QSX3", "VRMD1"; "" when it has no reader, or readers of two types
+  std::int32_t changes = 0;  ///< how often something was noted of it
+  DateTime since;
+  std::optional<DateTime> retired;
+};
+
+/// The controllers in use, by place. It is read once, and holds for one piece of work.
+///
+/// A station that is deleted retires its controllers. So does one of which name, port and telephone number
+/// have all changed: it is another station under the same number.
+class ControllerList {
+ public:
+  /// Brings the ledger's list in line with the stations and readers of the main database, as far as that can
+  /// be read. Within a transaction of the ledger.
+  ControllerList(Database& ledger, TableContext& context);
+
+  /// The controller at a place. One that was not known is added.
+  LedgerController& at(const ControllerPlace& place);
+  [[nodiscard]] const LedgerController* find(const ControllerPlace& place) const;
+  /// The known controllers of a line.
+  [[nodiscard]] std::vector<ControllerPlace> ofStation(std::int16_t station) const;
+  [[nodiscard]] const std::map<ControllerPlace, LedgerController>& all() const { return controllers_; }
+  /// Retires the controller at a place: the one that is there now is another one.
+  void replace(const ControllerPlace& place);
+
+ private:
+  struct Line {
+    std::string name;
+    Value port;
+    std::string phone;
+  };
+  void readLedger();
+  void readInstallation(Database& main);
+  void align();
+  void retire(const LedgerController& controller);
+  [[nodiscard]] static bool isAnother(const Line& known, const Line& now);
+
+  Database& ledger_;
+  TableContext& context_;
+  std::map<ControllerPlace, LedgerController> controllers_;
+  std::map<ControllerPlace, Line> knownLines_;    // as the ledger has them
+  std::map<std::int16_t, Line> lines_;            // of the stations, as they are now
+  std::map<ControllerPlace, std::string> types_;  // of the readers
+};
+
+}  // namespace voxa

@@ -1,0 +1,185 @@
+#include "controllers/holdings.h"
+
+#include <algorithm>
+#include <set>
+
+#include "controllers/thing_slot.h"
+
+namespace voxa {
+
+namespace {
+
+// The things of a controller that some lines touch: read together, changed, written where they differ.
+class TouchedThings {
+ public:
+  TouchedThings(const LedgerFile& file, std::int32_t controller)
+      : file_(file), base_(controller * slotsOfController) {}
+
+  void read(const std::set<std::int32_t>& slots) {
+    if (slots.empty()) return;
+    // One query for things that lie together, as the cards of a block do.
+    const std::int32_t span = *slots.rbegin() - *slots.begin();
+    if (static_cast<std::size_t>(span) <= 4 * slots.size() + 16) return read(*slots.begin(), *slots.rbegin());
+    for (const std::int32_t slot : slots) read(slot, slot);
+  }
+  void read(std::int32_t first, std::int32_t last) {
+    const auto rows = file_.database().openRecordset(
+        "parameters pFirst long, pLast long; select Id, State from Things where Id between pFirst and pLast",
+        {{"pFirst", base_ + first}, {"pLast", base_ + last}});
+    for (; !rows->eof(); rows->moveNext()) {
+      stored_[rows->get(std::size_t{0}).toInt32() - base_] = rows->get(std::size_t{1}).toText();
+    }
+  }
+
+  void take(const SentLine& line, bool certain) {
+    if (line.kind == ThingKind::card) return card(line.number).take(line, certain);
+    Possible& state = thing(slotOf(line.kind, line.number));
+    certain ? state.becomes(line.value) : state.mayBecome(line.value);
+  }
+  void mayBeAnything(ThingKind kind) {
+    const SlotRange range = slotsOf(kind);
+    read(range.first, range.end - 1);
+    for (auto stored = stored_.lower_bound(range.first); stored != stored_.end() && stored->first < range.end;
+         ++stored) {
+      kind == ThingKind::card ? card(stored->first).mayBeAnything() : thing(stored->first).mayBeAnything();
+    }
+  }
+
+  void write() const {
+    for (const auto& [slot, state] : cards_) write(slot, state.text());
+    for (const auto& [slot, state] : things_) write(slot, state.text());
+  }
+
+ private:
+  template <typename State>
+  State& touched(std::map<std::int32_t, State>& states, std::int32_t slot) {
+    const auto [state, added] = states.try_emplace(slot);
+    if (!added) return state->second;
+    if (const auto stored = stored_.find(slot); stored != stored_.end())
+      state->second = State::read(stored->second);
+    return state->second;
+  }
+  CardState& card(std::int32_t number) { return touched(cards_, number); }
+  Possible& thing(std::int32_t slot) { return touched(things_, slot); }
+
+  void write(std::int32_t slot, const std::string& text) const {
+    const auto stored = stored_.find(slot);
+    if (stored == stored_.end()) {
+      file_.insertThing().execute({base_ + slot, text});
+    } else if (stored->second != text) {
+      file_.updateThing().execute({text, base_ + slot});
+    }
+  }
+
+  const LedgerFile& file_;
+  std::int32_t base_;
+  std::map<std::int32_t, std::string> stored_;
+  std::map<std::int32_t, CardState> cards_;
+  std::map<std::int32_t, Possible> things_;
+};
+
+void keepNotUnderstood(Database& ledger, const LedgerController& controller, std::string_view line,
+                       DateTime now) {
+  const std::string text(line.substr(0, 255));
+  const auto rows = ledger.openRecordset(
+      "parameters pId long, pLine memo; select * from NotUnderstood where ControllerId = pId and Line = "
+      "pLine",
+      {{"pId", controller.id}, {"pLine", text}});
+  if (rows->eof()) {
+    rows->addNew();
+    rows->set("ControllerId", controller.id);
+    rows->set("Line", text);
+  } else {
+    rows->edit();
+  }
+  rows->set("Sent", now);
+  rows->update();
+}
+
+}  // namespace
+
+void takeLines(const LedgerFile& file, const LedgerController& controller, const std::vector<SentLines>& sent,
+               DateTime now) {
+  std::vector<std::pair<SentLine, bool>> lines;
+  std::set<std::int32_t> slots;
+  for (const SentLines& each : sent) {
+    for (const std::string_view text : each.lines) {
+      SentLine line = sentLine(text, controller.type);
+      const bool ofThing = line.fit == SentLine::Fit::certain || line.fit == SentLine::Fit::doubtful;
+      if (ofThing) slots.insert(slotOf(line.kind, line.number));
+      if (line.fit == SentLine::Fit::notUnderstood) keepNotUnderstood(file.database(), controller, text, now);
+      lines.emplace_back(std::move(line), each.certain);
+    }
+  }
+  TouchedThings things(file, controller.id);
+  things.read(slots);
+  for (const auto& [line, certain] : lines) {
+    switch (line.fit) {
+      case SentLine::Fit::certain:
+        things.take(line, certain);
+        break;
+      case SentLine::Fit::doubtful:
+        things.take(line, false);
+        break;
+      case SentLine::Fit::wholeKind:
+        things.mayBeAnything(line.kind);
+        break;
+      case SentLine::Fit::lineSpeed:
+      case SentLine::Fit::notUnderstood:
+        break;
+    }
+  }
+  things.write();
+}
+
+Holdings readHoldings(const LedgerFile& file, const LedgerController& controller) {
+  Holdings holdings;
+  const std::int32_t base = controller.id * slotsOfController;
+  const auto rows = file.database().openRecordset(
+      "parameters pFirst long, pLast long; select Id, State from Things where Id between pFirst and pLast "
+      "order by Id",
+      {{"pFirst", base}, {"pLast", base + slotsOfController - 1}});
+  for (; !rows->eof(); rows->moveNext()) {
+    const std::int32_t slot = rows->get("Id").toInt32() - base;
+    const std::string state = rows->get("State").toText();
+    if (slot < firstSlotBehindCards) {
+      holdings.cards[slot] = CardState::read(state);
+      continue;
+    }
+    for (const ThingKind kind : {ThingKind::daily, ThingKind::weeklyC, ThingKind::weeklyE, ThingKind::holiday,
+                                 ThingKind::badgeFormat}) {
+      const SlotRange range = slotsOf(kind);
+      if (slot >= range.first && slot < range.end)
+        holdings.things[{kind, slot - range.first}] = Possible::read(state);
+    }
+  }
+  const auto others = file.database().openRecordset("select Line from NotUnderstood where ControllerId = " +
+                                                    std::to_string(controller.id) + " order by Sent, Id");
+  for (; !others->eof(); others->moveNext()) holdings.notUnderstood.push_back(others->get("Line").toText());
+  return holdings;
+}
+
+void mayTake(Holdings& holdings, std::string_view text, std::string_view controllerType) {
+  const SentLine line = sentLine(text, controllerType);
+  switch (line.fit) {
+    case SentLine::Fit::certain:
+    case SentLine::Fit::doubtful:
+      if (line.kind == ThingKind::card) return holdings.cards[line.number].take(line, false);
+      return holdings.things[{line.kind, line.number}].mayBecome(line.value);
+    case SentLine::Fit::wholeKind:
+      if (line.kind == ThingKind::card) {
+        for (auto& [number, card] : holdings.cards) card.mayBeAnything();
+      }
+      for (auto& [key, state] : holdings.things) {
+        if (key.first == line.kind) state.mayBeAnything();
+      }
+      return;
+    case SentLine::Fit::notUnderstood:
+      holdings.notUnderstood.emplace_back(text);
+      return;
+    case SentLine::Fit::lineSpeed:
+      return;
+  }
+}
+
+}  // namespace voxa

@@ -1,0 +1,335 @@
+#include "controllers/ledger.h"
+
+#include <algorithm>
+#include <charconv>
+#include <iterator>
+#include <utility>
+
+#include "access/access_context.h"
+#include "controllers/assumptions.h"
+#include "controllers/unfinished_cards.h"
+#include "platform/clock.h"
+#include "platform/files.h"
+#include "platform/text.h"
+
+namespace voxa {
+
+namespace {
+
+constexpr std::int16_t driverSuccess = 100;
+constexpr std::int16_t lastAddress = 16;
+constexpr std::int16_t driverOffset = 40;  // what the driver calls controller 1 is 41
+// The driver finds the name in the station's ini file, where the system always writes this one.
+constexpr const char* commandFile = "COMMAND.TXT";
+
+std::string_view nextLine(std::string_view& text) {
+  const std::size_t end = std::min(text.find('\n'), text.size());
+  std::string_view line = text.substr(0, end);
+  text.remove_prefix(std::min(end + 1, text.size()));
+  while (line.ends_with('\r')) line.remove_suffix(1);
+  return line;
+}
+
+std::vector<std::string> linesOf(std::string_view text) {
+  std::vector<std::string> lines;
+  while (!text.empty()) {
+    const std::string_view line = nextLine(text);
+    if (!line.empty()) lines.emplace_back(line);
+  }
+  return lines;
+}
+
+// As the command file has them.
+std::string textOf(const std::vector<std::string>& lines) {
+  std::string text;
+  for (const std::string& line : lines) (text += line) += "\r\n";
+  return text += "\r\n";
+}
+
+// The controllers that the driver asks when it is told to ask each of a line; none when its file names none.
+std::vector<ControllerPlace> askedControllers(std::int16_t station) {
+  std::vector<ControllerPlace> places;
+  const auto ini = files::contents("S" + zeroPadded(station, 3) + ".ini");
+  for (const std::string& line : linesOf(ini.value_or(""))) {
+    if (!line.starts_with("TER:")) continue;
+    std::string_view list = std::string_view(line).substr(4);
+    while (!list.empty()) {
+      const std::string_view digits = list.substr(0, list.find(','));
+      list.remove_prefix(std::min(digits.size() + 1, list.size()));
+      std::int16_t address = 0;
+      (void)std::from_chars(digits.data(), digits.data() + digits.size(), address);
+      if (address >= 1 && address <= lastAddress) places.push_back({station, address});
+    }
+  }
+  return places;
+}
+
+bool isOne(const ControllerPlace& place) {
+  return place.address >= 1 && place.address <= lastAddress;
+}
+
+}  // namespace
+
+Ledger::Ledger(AccessContext& context, DatabaseEngine& engine)
+    : context_(context), file_(engine), pending_(file_) {}
+
+Ledger::~Ledger() = default;
+
+void Ledger::tell(const Error& error) {
+  context_.error() = {error.number(), error.description()};
+  context_.report({"msgUnexpecErr", "Ledger"});
+}
+
+bool Ledger::open() {
+  const std::string& folder = context_.paths().Chemin;
+  if (file_.isOpen() && file_.folder() == folder) return true;
+  block_.reset();
+  pending_.leave();
+  const auto begin = [&] { assumeRows(file_, context_); };
+  try {
+    return file_.open(folder, begin) != LedgerFile::Opened::none;
+  } catch (const Error& error) {
+    if (error.number() != err::dbNotADatabase) throw;
+    putAside(error);
+  }
+  return file_.open(folder, begin) != LedgerFile::Opened::none;
+}
+
+void Ledger::putAside(const Error& error) {
+  block_.reset();
+  pending_.leave();
+  const std::string aside = file_.setAside();
+  tell(Error(error.number(), "The ledger of what the controllers hold is damaged. It is kept as " + aside +
+                                 ", and a new one begins: what it knew counts as assumed. " +
+                                 error.description()));
+}
+
+template <typename Body>
+void Ledger::write(Body body) {
+  pending_.join();
+  Transaction transaction(file_.engine(), file_.database());
+  body();
+  transaction.commit();
+}
+
+// For what may wait when the ledger cannot be written.
+template <typename Body>
+void Ledger::attempt(Body body) {
+  try {
+    if (open()) write(body);
+  } catch (const Error& error) {
+    failed(error);
+  }
+}
+
+// What processes that are no longer at work were sending may have arrived.
+void Ledger::takeAbandoned(ControllerList& controllers) {
+  std::vector<Result> results;
+  for (PlannedSend& send : pending_.takeAbandoned()) {
+    for (const ControllerPlace& place : placesOf(controllers, send.place)) {
+      results.push_back({place, send.lines, false});
+    }
+  }
+  apply(controllers, results, false);
+}
+
+void Ledger::apply(ControllerList& controllers, const std::vector<Result>& results, bool contested) {
+  std::map<ControllerPlace, std::vector<SentLines>> byPlace;
+  for (const Result& result : results) {
+    SentLines& sent = byPlace[result.place].emplace_back();
+    sent.lines.assign(result.lines.begin(), result.lines.end());
+    sent.certain = result.certain && !contested;
+  }
+  Database& ledger = file_.database();
+  for (auto& [place, sent] : byPlace) {
+    LedgerController& controller = controllers.at(place);
+    const auto row = ledger.openRecordset(
+        "parameters pId long; select Id, Changes from Controllers where Id = pId", {{"pId", controller.id}});
+    const std::int32_t changes = row->get("Changes").toInt32();
+    // Another process sent to it meanwhile: which of the two came last, nobody knows.
+    if (changes != controller.changes) {
+      for (SentLines& each : sent) each.certain = false;
+    }
+    takeLines(file_, controller, sent, context_.clock().now());
+    controller.changes = changes + 1;
+    row->edit();
+    row->set("Changes", controller.changes);
+    row->update();
+  }
+}
+
+std::vector<ControllerPlace> Ledger::placesOf(const ControllerList& controllers,
+                                              const ControllerPlace& place) const {
+  if (isOne(place)) return {place};
+  if (place.address == CmToEachController) {
+    if (auto asked = askedControllers(place.station); !asked.empty()) return asked;
+  }
+  return controllers.ofStation(place.station);
+}
+
+void Ledger::expect(const std::vector<PlannedSend>& sends) {
+  if (block_ || sends.empty()) return;  // within another block a send costs waits of its own
+  try {
+    if (!open()) return;
+    write([&] {
+      ControllerList controllers(file_.database(), context_);
+      takeAbandoned(controllers);
+      block_.emplace(Block{pending_.add(sends), std::move(controllers), {}, {}});
+    });
+    for (const PlannedSend& send : sends) block_->expected[send.place].insert(textOf(send.lines));
+  } catch (const Error&) {
+    block_.reset();  // each send is put in doubt by itself then, and says what is wrong
+  }
+}
+
+void Ledger::settle() {
+  if (!block_) return;
+  Block block = std::move(*block_);
+  block_.reset();
+  attempt([&] {
+    const bool contested = !pending_.remove(block.row) || pending_.othersAtWork();
+    apply(block.controllers, block.results, contested);
+  });
+}
+
+// What is noted as being sent stays in doubt.
+void Ledger::failed(const Error& error) {
+  if (error.number() == err::dbNotADatabase && file_.isOpen()) return putAside(error);
+  tell(error);
+}
+
+bool Ledger::isExpected(const ControllerPlace& place, const std::string& text) const {
+  if (!block_) return false;
+  const auto has = [&](const ControllerPlace& there) {
+    const auto texts = block_->expected.find(there);
+    return texts != block_->expected.end() && texts->second.contains(text);
+  };
+  return has(place) || has({place.station, CmToEachController});
+}
+
+Ledger::Call Ledger::begin(const ControllerPlace& driverPlace) {
+  try {
+    return beginOnce(driverPlace);
+  } catch (const Error& error) {
+    if (error.number() != err::dbNotADatabase || !file_.isOpen()) throw;
+    putAside(error);
+  }
+  return beginOnce(driverPlace);
+}
+
+Ledger::Call Ledger::beginOnce(const ControllerPlace& driverPlace) {
+  Call call;
+  if (!open()) return call;
+  call.kept = true;
+  ControllerPlace place = driverPlace;
+  if (place.address > driverOffset && place.address <= driverOffset + lastAddress) {
+    place.address = static_cast<std::int16_t>(place.address - driverOffset);
+  } else if (place.address != CmToEachController) {
+    place.address = CmToAllControllers;  // any other address may be anybody's
+  }
+  const auto file = files::contents(commandFile);
+  const std::string text = fromCp1252(file.value_or(""));
+  call.lines = linesOf(text);
+  // A file that cannot be read may set anything: a code alone stands for everything of its kind.
+  if (!file) call.lines = {"04", "09", "31", "32", "34", "42"};
+  call.canBeCertain =
+      isOne(place) || (place.address == CmToEachController && !askedControllers(place.station).empty());
+  if (isExpected(place, text)) {
+    call.places = placesOf(block_->controllers, place);
+    return call;
+  }
+  write([&] {
+    ControllerList& controllers =
+        block_ ? block_->controllers : call.controllers.emplace(file_.database(), context_);
+    takeAbandoned(controllers);
+    call.places = placesOf(controllers, place);
+    std::vector<PlannedSend> sends;
+    for (const ControllerPlace& each : call.places) sends.push_back({each, call.lines});
+    call.row = pending_.add(sends);
+  });
+  return call;
+}
+
+void Ledger::end(Call& call, std::optional<std::int16_t> result) {
+  if (!call.kept) return;
+  const bool certain = call.canBeCertain && result == driverSuccess;
+  std::vector<Result> results;
+  for (const ControllerPlace& place : call.places) results.push_back({place, call.lines, certain});
+  if (!call.row) {
+    if (block_) std::move(results.begin(), results.end(), std::back_inserter(block_->results));
+    return;
+  }
+  attempt([&] {
+    const bool contested = pending_.othersAtWork();
+    // What was sent before it within the block comes first.
+    if (block_) apply(block_->controllers, std::exchange(block_->results, {}), contested);
+    const bool mine = pending_.remove(*call.row);
+    ControllerList& controllers = block_ ? block_->controllers : *call.controllers;
+    apply(controllers, results, contested || !mine);
+  });
+}
+
+void Ledger::withdraw(Call& call) {
+  if (call.row) attempt([&] { pending_.remove(*call.row); });
+}
+
+std::vector<LedgerController> Ledger::controllers() {
+  std::vector<LedgerController> all;
+  if (!open()) return all;
+  Transaction transaction(file_.engine(), file_.database());
+  const ControllerList list(file_.database(), context_);
+  transaction.commit();
+  for (const auto& [place, controller] : list.all()) all.push_back(controller);
+  return all;
+}
+
+Holdings Ledger::holdings(const ControllerPlace& place) {
+  if (!open()) return {};
+  Transaction transaction(file_.engine(), file_.database());
+  const ControllerList list(file_.database(), context_);
+  Holdings holdings;
+  if (const LedgerController* controller = list.find(place)) {
+    holdings = readHoldings(file_, *controller);
+    for (const PlannedSend& send : pending_.all()) {
+      const auto places = placesOf(list, send.place);
+      if (std::find(places.begin(), places.end(), place) == places.end()) continue;
+      for (const std::string& line : send.lines) mayTake(holdings, line, controller->type);
+    }
+  }
+  transaction.commit();
+  return holdings;
+}
+
+void Ledger::replace(const ControllerPlace& place) {
+  if (!open()) return;
+  write([&] {
+    ControllerList list(file_.database(), context_);
+    list.replace(place);
+  });
+}
+
+void Ledger::noteUnfinished(const std::vector<UnfinishedCards>& cards, bool underWay) {
+  attempt([&] {
+    ControllerList list(file_.database(), context_);
+    voxa::noteUnfinished(file_.database(), list, cards, underWay ? pending_.owner() : PendingSends::nobody);
+  });
+}
+
+std::vector<UnfinishedCards> Ledger::unfinished() {
+  std::vector<UnfinishedCards> cards;
+  attempt([&] {
+    ControllerList list(file_.database(), context_);
+    takeAbandoned(list);
+    cards = unfinishedCards(file_.database(), list, pending_);
+  });
+  return cards;
+}
+
+void Ledger::forgetUnfinished(const UnfinishedCards& cards) {
+  attempt([&] {
+    ControllerList list(file_.database(), context_);
+    voxa::forgetUnfinished(file_.database(), list, cards);
+  });
+}
+
+}  // namespace voxa

@@ -1,0 +1,100 @@
+#pragma once
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "comm/send_ledger.h"
+#include "controllers/controller_list.h"
+#include "controllers/holdings.h"
+#include "controllers/ledger_file.h"
+#include "controllers/pending_sends.h"
+
+namespace voxa {
+
+class AccessContext;
+
+/// The account of what each controller holds, by what the driver acknowledged. What is going to be sent is in
+/// doubt, on the disk, before the driver is called; what came of it is noted behind the call, or behind all
+/// calls of an announced block. Killed at any instant the ledger says "in doubt" rather than "held".
+///
+/// An installation without a ledger begins with what the rows say: where their marks are clear a controller
+/// is assumed to hold them. A damaged ledger is put aside, which is told, and a new one begins in the same
+/// way.
+class Ledger : public SendLedger {
+ public:
+  /// engine: see LedgerFile. Both must outlive this object.
+  Ledger(AccessContext& context, DatabaseEngine& engine);
+  ~Ledger() override;
+
+  void expect(const std::vector<PlannedSend>& sends) override;
+  void settle() override;
+  void noteUnfinished(const std::vector<UnfinishedCards>& cards, bool underWay) override;
+  [[nodiscard]] std::vector<UnfinishedCards> unfinished() override;
+  void forgetUnfinished(const UnfinishedCards& cards) override;
+
+  /// A call of the driver with a command file.
+  struct Call {
+    bool kept = false;  ///< there is a ledger
+    std::vector<ControllerPlace> places;
+    std::vector<std::string> lines;
+    bool canBeCertain = false;        ///< success says that every place has taken it
+    std::optional<std::int32_t> row;  ///< what it stands as among the pending sends; none within a block
+    std::optional<ControllerList> controllers;
+  };
+  /// Puts what the call sends in doubt. place: station and address as the driver gets them. Raises what keeps
+  /// the ledger from being written: then the driver must not be called.
+  [[nodiscard]] Call begin(const ControllerPlace& place);
+  /// Notes what came of it: the driver's result, none when nobody knows.
+  void end(Call& call, std::optional<std::int16_t> result);
+  /// The driver was not there: nothing was sent.
+  void withdraw(Call& call);
+
+  // For those who ask. Each raises what fails; without a ledger there is nothing.
+
+  /// Opens the ledger of the working folder, and begins it when there is none. Whether there is one.
+  bool open();
+  [[nodiscard]] std::vector<LedgerController> controllers();  ///< in use, by place
+  /// What a controller in use holds, with the sends that are under way in doubt.
+  [[nodiscard]] Holdings holdings(const ControllerPlace& place);
+  /// From now on another controller is at this place, of which nothing is known.
+  void replace(const ControllerPlace& place);
+
+ private:
+  struct Result {
+    ControllerPlace place;
+    std::vector<std::string> lines;
+    bool certain = false;
+  };
+  /// What was announced and is being sent.
+  struct Block {
+    std::int32_t row = 0;
+    ControllerList controllers;
+    std::map<ControllerPlace, std::set<std::string>> expected;  // texts of command files
+    std::vector<Result> results;
+  };
+
+  [[nodiscard]] Call beginOnce(const ControllerPlace& driverPlace);
+  template <typename Body>
+  void write(Body body);
+  template <typename Body>
+  void attempt(Body body);
+  void tell(const Error& error);
+  void failed(const Error& error);
+  void putAside(const Error& error);
+  void takeAbandoned(ControllerList& controllers);
+  void apply(ControllerList& controllers, const std::vector<Result>& results, bool contested);
+  [[nodiscard]] std::vector<ControllerPlace> placesOf(const ControllerList& controllers,
+                                                      const ControllerPlace& place) const;
+  [[nodiscard]] bool isExpected(const ControllerPlace& place, const std::string& text) const;
+
+  AccessContext& context_;
+  LedgerFile file_;
+  PendingSends pending_;
+  std::optional<Block> block_;
+};
+
+}  // namespace voxa

@@ -1,0 +1,113 @@
+#include "controllers/ledger_file.h"
+
+#include "platform/files.h"
+
+namespace voxa {
+
+namespace {
+
+TableDef table(const char* name) {
+  TableDef definition{name, {}, {}};
+  FieldDef id;
+  id.name = "Id";
+  id.type = DataType::Long;
+  id.autoIncrement = true;
+  definition.fields.push_back(id);
+  addIndex(definition, "Id", {"Id"}, IndexKind::primary);
+  return definition;
+}
+
+void addText(TableDef& definition, const char* name, DataType type, int size = 0) {
+  FieldDef field;
+  field.name = name;
+  field.type = type;
+  field.size = size;
+  field.allowZeroLength = true;
+  definition.fields.push_back(field);
+}
+
+}  // namespace
+
+LedgerFile::Opened LedgerFile::open(const std::string& folder, const std::function<void()>& begin) {
+  if (isOpen() && folder == folder_) return Opened::before;
+  close();
+  if (folder.empty() || !files::folderExists(folder)) return Opened::none;
+  folder_ = folder;
+  if (!files::exists(path())) {
+    try {
+      database_ = engine_.create(path());
+    } catch (const Error& error) {
+      // Nobody can keep account here, and nobody did: nothing is claimed of any controller.
+      if (error.number() == err::dbCannotOpen) return Opened::none;
+      if (error.number() != err::dbFileExists) throw;  // else another process was first
+    }
+  }
+  if (!database_) database_ = engine_.open(path());
+  try {
+    if (database_->tableNames().empty()) createTables(begin);
+    prepare();
+  } catch (...) {
+    close();
+    throw;
+  }
+  return Opened::now;
+}
+
+void LedgerFile::prepare() {
+  insertThing_ = database_->prepare(
+      "parameters pId long, pState memo; insert into Things (Id, State) values (pId, pState)");
+  updateThing_ =
+      database_->prepare("parameters pState memo, pId long; update Things set State = pState where Id = pId");
+}
+
+void LedgerFile::close() {
+  insertThing_.reset();
+  updateThing_.reset();
+  if (database_) database_->close();
+  database_.reset();
+}
+
+std::string LedgerFile::setAside() {
+  close();
+  for (int n = 1;; ++n) {
+    std::string aside = path() + ".damaged" + std::to_string(n);
+    if (files::exists(aside)) continue;
+    files::rename(path(), aside);
+    for (const char* rest : {"-wal", "-shm"}) (void)files::removeRegular(path() + rest);
+    return aside;
+  }
+}
+
+void LedgerFile::createTables(const std::function<void()>& begin) {
+  TableDef controllers = table("Controllers");
+  addField(controllers, "Station", DataType::Integer);
+  addField(controllers, "Address", DataType::Integer);
+  addText(controllers, "Type", DataType::Text, 10);
+  addText(controllers, "StationName", DataType::Text, 50);
+  addField(controllers, "ComPort", DataType::Integer);
+  addText(controllers, "Phone", DataType::Text, 25);
+  addField(controllers, "Since", DataType::Date);
+  addField(controllers, "Retired", DataType::Date);
+  addField(controllers, "Changes", DataType::Long, 0, 0);
+  TableDef things = table("Things");
+  addText(things, "State", DataType::Memo);
+  TableDef sends = table("Sends");
+  addField(sends, "Owner", DataType::Integer);
+  addText(sends, "Lines", DataType::Memo);
+  TableDef unfinished = table("Unfinished");
+  addField(unfinished, "Owner", DataType::Integer);
+  TableDef notUnderstood = table("NotUnderstood");
+  addField(notUnderstood, "ControllerId", DataType::Long);
+  addText(notUnderstood, "Line", DataType::Text, 255);
+  addField(notUnderstood, "Sent", DataType::Date);
+  Transaction transaction(engine_, *database_);
+  if (!database_->tableNames().empty()) return;  // another process was first
+  for (const TableDef& definition : {controllers, things, sends, unfinished, notUnderstood}) {
+    database_->createTable(definition);
+  }
+  prepare();
+  begin();
+  transaction.commit();
+}
+
+}  // namespace voxa

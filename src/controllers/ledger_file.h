@@ -1,0 +1,56 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "platform/database/database.h"
+
+namespace voxa {
+
+/// The database of the ledger, in the working folder of an installation. It is opened when it is first
+/// needed, in an engine of its own: whoever takes back changes of another database takes back nothing of it.
+///
+/// Its tables: "Controllers", a row a controller and generation; "Things", a row a card, program, holiday or
+/// badge format and controller, with what is known of it as text; "Sends", what is being sent; "Unfinished",
+/// cards of batches that did not come to their end; "NotUnderstood", command lines of unknown kind.
+class LedgerFile {
+ public:
+  static constexpr const char* name = "Ledger.MDB";
+
+  /// engine: with databases that wait for the disk once a transaction.
+  explicit LedgerFile(DatabaseEngine& engine) : engine_(engine) {}
+
+  enum class Opened : std::uint8_t {
+    before,  ///< it was open
+    now,     ///< it was opened or made
+    none     ///< there is none, and none can be made in this folder
+  };
+  /// Opens the ledger of a folder. A new one gets its tables, and what `begin` writes into them, in one
+  /// transaction. Raises what fails; a damaged file raises `err::dbNotADatabase`.
+  Opened open(const std::string& folder, const std::function<void()>& begin);
+  void close();
+  /// Puts a damaged ledger aside, under a name of its own, which is returned.
+  std::string setAside();
+
+  [[nodiscard]] bool isOpen() const { return database_ != nullptr; }
+  [[nodiscard]] const std::string& folder() const { return folder_; }
+  [[nodiscard]] DatabaseEngine& engine() const { return engine_; }
+  // Once it is open:
+  [[nodiscard]] Database& database() const { return *database_; }
+  [[nodiscard]] Command& insertThing() const { return *insertThing_; }  ///< (Id, State)
+  [[nodiscard]] Command& updateThing() const { return *updateThing_; }  ///< (State, Id)
+
+ private:
+  [[nodiscard]] std::string path() const { return folder_ + "\\" + name; }
+  void prepare();
+  void createTables(const std::function<void()>& begin);
+
+  DatabaseEngine& engine_;
+  std::string folder_;
+  std::shared_ptr<Database> database_;
+  std::unique_ptr<Command> insertThing_;
+  std::unique_ptr<Command> updateThing_;
+};
+
+}  // namespace voxa
