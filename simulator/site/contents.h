@@ -95,6 +95,13 @@ struct Faults {
   std::optional<std::int16_t> refuseClear;  ///< answers a clear with this result and does not erase
   /// What happens to its place in the station result file: noise, or the file ends within its date line.
   ResultFileFault resultFile = ResultFileFault::none;
+  bool forgets = false;     ///< acknowledges a command file and stores nothing of it
+  bool loseAnswer = false;  ///< carries a command file out, but its answer is lost on the line
+  std::optional<int>
+      stopBehind;  ///< of a command file with more lines it takes so many, then the line breaks
+  /// So many command files meet one of the two faults above, of which there is one at a time; then that fault
+  /// is gone. None: it stays.
+  std::optional<int> times;
   bool operator==(const Faults&) const = default;
 };
 

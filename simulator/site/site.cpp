@@ -118,6 +118,12 @@ void Site::setClock(int station, int address, std::optional<std::int64_t> offset
 void Site::setFaults(int station, int address, const Faults& faults) {
   require(faults.goodCalls.value_or(0) >= 0, "The number of good calls is not negative.");
   require(faults.cutAfter.value_or(0) >= 0, "The number of records before the cut is not negative.");
+  require(faults.stopBehind.value_or(0) >= 0, "The number of lines before the break is not negative.");
+  require(!faults.loseAnswer || !faults.stopBehind,
+          "A controller loses its answers or stops behind a line: set one of the two.");
+  require(!faults.times || faults.loseAnswer || faults.stopBehind,
+          "A number of times goes with a lost answer or a stop behind a line.");
+  require(faults.times.value_or(1) >= 1, "A fault happens at least once.");
   change(file_, station, address, [&](Storage& storage, Controller& controller) {
     controller.faults = faults;
     storeFaults(storage, controller);

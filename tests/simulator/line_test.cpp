@@ -131,6 +131,46 @@ TEST_F(OnTheLine, aRefusedClearErasesNothing) {
   EXPECT_EQ(look().memory.records.size(), 1U);
 }
 
+TEST_F(OnTheLine, aControllerLiesAboutACommandFile) {
+  add(1);
+  const std::vector<std::string> lines = {"09001200001234", "1600121", "33001203"};
+  site::Faults faults;
+  const auto lie = [&] { site_.setFaults(1, 1, faults); };
+  faults.loseAnswer = true;
+  faults.times = 2;
+  lie();
+  EXPECT_EQ(send(lines, 95), 100) << "no answer that could get lost";
+  EXPECT_EQ(send(lines), 2);
+  EXPECT_EQ(look().faults.times, 1);
+  EXPECT_EQ(send({"36001299"}), 2);
+  EXPECT_EQ(look().cards.at(0).credit, 99) << "carried out";
+  EXPECT_EQ(look().faults, site::Faults());
+
+  faults.times.reset();
+  faults.stopBehind = 2;
+  EXPECT_THROW(lie(), site::Failure) << "one of the two";
+  faults.loseAnswer = false;
+  lie();
+  for (int time = 0; time < 2; ++time) {
+    EXPECT_EQ(send({"1600120", "1700121", "36001298"}), 5);
+    EXPECT_EQ(look().cards.at(0).credit, 99) << "behind the break";
+  }
+  EXPECT_FALSE(look().cards.at(0).door1);
+  EXPECT_EQ(look().received.size(), 3U + 3U + 1U + 2U + 2U);
+  faults.times = 1;
+  lie();
+  EXPECT_EQ(send({"1600121", "36001297"}), 100) << "a file that ends before the break";
+  EXPECT_EQ(send(lines), 5);
+  EXPECT_EQ(send(lines), 100) << "only once";
+
+  faults = {};
+  faults.forgets = true;
+  lie();
+  EXPECT_EQ(send({"36001205", "1600120"}), 100);
+  EXPECT_TRUE(look().cards.at(0).credit == 97 && look().cards.at(0).door1);
+  EXPECT_NE(look().received.back().reason, "") << "the lines are there to be seen";
+}
+
 TEST_F(OnTheLine, aSpoiltResultFile) {
   for (int address = 1; address <= 3; ++address) add(address);
   site::Faults faults;

@@ -103,6 +103,9 @@ TEST_F(Keeping, aBrokenSiteFileIsAFailureNotACrash) {
   EXPECT_THROW((void)site::Site().list(), site::Failure);
   unsetenv("TLXP_SITE");
   EXPECT_EQ(driverCall("RDSTAT", 1, 41), 100);
+  fs::create_directory("old");
+  site::Storage("old/site.db").run("pragma user_version = 1");  // knows nothing of lost answers
+  EXPECT_THROW((void)site::Site("old").list(), site::Failure);
 }
 
 TEST_F(Keeping, whatTheDiskRefusesRollsTheCallBack) {
