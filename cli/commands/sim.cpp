@@ -258,6 +258,15 @@ void addSimulatorCommands(Command& app, Session& session) {
 
   addFaultCommand(*group, session);
 
+  auto* replace = group->add_subcommand("replace", "Put a new controller, which holds nothing, in its place");
+  auto replaced = std::make_shared<ControllerOptions>();
+  addPlaceOptions(*replace, *replaced);
+  replace->footer("Example:\n  voxa sim controller replace --station Local --address 1");
+  replace->callback(onSite(session, [replaced](Session& i, site::Site& site) {
+    const ControllerPlace place = placeOf(i, *replaced);
+    site.replace(place.station, place.address);
+  }));
+
   auto* remove = group->add_subcommand("remove", "Take a controller off the line, with all it holds");
   auto removed = std::make_shared<ControllerOptions>();
   addPlaceOptions(*remove, *removed);

@@ -78,7 +78,7 @@ struct ReceivedLine {
 struct Memory {
   std::vector<std::string> records;  ///< lines as the driver dumps them, the oldest first
   int read = 0;                      ///< so many of them the read pointer has passed
-  std::int64_t overflows = 0;        ///< records overwritten since the controller was added
+  std::int64_t overflows = 0;        ///< records overwritten since the controller was added or replaced
 };
 
 enum class ResultFileFault : std::uint8_t { none, garbage, truncated };

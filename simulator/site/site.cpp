@@ -46,6 +46,12 @@ void change(SiteFile& file, int station, int address, Change apply) {
   transaction.commit();
 }
 
+void eraseContents(Storage& storage, const Controller& controller) {
+  eraseHoldings(storage, controller.id);
+  storage.run("delete from received where controller = ?", controller.id);
+  storage.run("delete from records where controller = ?", controller.id);
+}
+
 }  // namespace
 
 std::filesystem::path defaultFolder() {
@@ -73,10 +79,17 @@ void Site::addController(const ControllerInfo& info) {
 
 void Site::removeController(int station, int address) {
   change(file_, station, address, [](Storage& storage, const Controller& controller) {
-    eraseHoldings(storage, controller.id);
-    storage.run("delete from received where controller = ?", controller.id);
-    storage.run("delete from records where controller = ?", controller.id);
+    eraseContents(storage, controller);
     storage.run("delete from controllers where id = ?", controller.id);
+  });
+}
+
+void Site::replace(int station, int address) {
+  change(file_, station, address, [](Storage& storage, Controller& controller) {
+    eraseContents(storage, controller);
+    controller.ring = {};
+    storeRing(storage, controller);
+    storeClock(storage, controller, std::nullopt);
   });
 }
 
