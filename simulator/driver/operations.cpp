@@ -102,7 +102,7 @@ std::int16_t sendCommand(site::Storage& storage, int station, int address) {
 
 std::int16_t connect(site::Storage& storage, int station, bool connected) {
   if (!readIni(station)) return result::noIniFile;
-  storage.run("replace into lines values (?, ?)", station, connected);
+  site::storeLineConnected(storage, station, connected);
   return result::success;
 }
 

@@ -108,6 +108,18 @@ std::vector<Controller> controllersOf(Storage& storage, int station) {
   return found;
 }
 
+bool lineConnected(Storage& storage, int station) {
+  bool connected = false;
+  storage.each(
+      "select connected from lines where station = ?", [&](const Row& row) { connected = row.flag(0); },
+      station);
+  return connected;
+}
+
+void storeLineConnected(Storage& storage, int station, bool connected) {
+  storage.run("replace into lines values (?, ?)", station, connected);
+}
+
 void storeSpeed(Storage& storage, Controller& controller, int speed) {
   controller.info.speed = speed;
   storage.run("update controllers set speed = ? where id = ?", speed, controller.id);

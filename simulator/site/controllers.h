@@ -38,6 +38,10 @@ struct Controller {
 /// The controllers of a station, or of every station for 0, ordered by station and address.
 [[nodiscard]] std::vector<Controller> controllersOf(Storage& storage, int station);
 
+/// Whether the driver's last call for the station's line connected it.
+[[nodiscard]] bool lineConnected(Storage& storage, int station);
+void storeLineConnected(Storage& storage, int station, bool connected);
+
 void storeSpeed(Storage& storage, Controller& controller, int speed);
 void storeClock(Storage& storage, Controller& controller, std::optional<std::int64_t> offset);
 void storeRing(Storage& storage, const Controller& controller);

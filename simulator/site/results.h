@@ -10,7 +10,7 @@ inline constexpr std::int16_t success = 100;
 
 /// The address is none of the line's (0, 41 to 56, 95), or no controller of the site has it.
 inline constexpr std::int16_t unknownController = 1;
-/// The controller keeps silent, or its answer was lost.
+/// The controller keeps silent, its answer was lost, or its line is a dial-up line that is not connected.
 inline constexpr std::int16_t noAnswer = 2;
 /// The line runs at another speed than the controller. What comes back, if anything, is noise.
 inline constexpr std::int16_t garbled = 3;

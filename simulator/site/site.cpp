@@ -157,11 +157,7 @@ SwipeResult Site::swipe(const Swipe& swipe) {
 }
 
 bool Site::connected(int station) {
-  bool connected = false;
-  file_.get().each(
-      "select connected from lines where station = ?", [&](const Row& row) { connected = row.flag(0); },
-      station);
-  return connected;
+  return lineConnected(file_.get(), station);
 }
 
 }  // namespace site

@@ -185,12 +185,38 @@ TEST_F(OnTheLine, aSpoiltResultFile) {
   EXPECT_EQ(text.substr(38), "DATE02  0");
 }
 
-TEST_F(OnTheLine, connectAndDisconnectMarkTheLine) {
+TEST_F(OnTheLine, aDialUpLineIsReachedBetweenConnectAndDisconnect) {
   add(1);
+  site_.addController({2, 1});
+  ini("1,2", 4800, 2);
+  const std::string direct = readFile("S001.ini");
+  writeFile("S001.ini", direct + "TEL:\r\n");
+  EXPECT_EQ(driverCall("RDSTAT", 1, 41), 100) << "no number";
+  writeFile("S001.ini", direct + "TEL:0123\r\n");
+  site::Faults faults;
+  faults.goodCalls = 2;
+  site_.setFaults(1, 1, faults);
+  const auto unreached = [&] {
+    for (const char* operation : {"RDSTAT", "RDDAT", "SDDAT", "RDMEM", "SDRST", "SDCLR"}) {
+      for (const int address : {0, 41, 42}) EXPECT_EQ(driverCall(operation, 1, address), 2) << operation;
+    }
+    EXPECT_EQ(readFile("RS001.OUT"), "2XXXXXXXXXXXXXXX\r\n");
+    EXPECT_FALSE(std::filesystem::exists("J.DAT"));
+    EXPECT_EQ(send({"09001200001234"}, 95), 100);
+    EXPECT_TRUE(look().received.empty());
+    EXPECT_FALSE(look().clockOffset);
+  };
+  driverCall("CONNECT", 2);
+  unreached();
   EXPECT_EQ(driverCall("CONNECT", 1), 100);
   EXPECT_TRUE(site_.connected(1));
+  EXPECT_EQ(driverCall("RDDAT", 1, 41), 100) << "the calls before never came to it";
+  EXPECT_EQ(driverCall("RDDAT", 1, 0), 100);
   EXPECT_EQ(driverCall("DISNNECT", 1), 100);
   EXPECT_FALSE(site_.connected(1));
+  unreached();
+  driverCall("DISNNECT", 2);
+  EXPECT_EQ(driverCall("RDSTAT", 2, 41), 100) << "a direct line";
 }
 
 }  // namespace
