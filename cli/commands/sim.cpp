@@ -33,7 +33,9 @@ struct ControllerOptions {
 struct FaultOptions {
   bool none = false;
   bool silent = false;
-  std::optional<std::string> refuse, after, cut, refuseClear, resultFile;
+  bool loseAnswer = false;
+  bool forgets = false;
+  std::optional<std::string> refuse, after, cut, refuseClear, resultFile, stopBehind, times;
 };
 
 ControllerPlace placeOf(Session& session, const ControllerOptions& options) {
@@ -50,6 +52,12 @@ std::string faultsText(const site::Faults& faults) {
   if (faults.refuseClear) add("refuses a clear with " + std::to_string(*faults.refuseClear));
   if (faults.resultFile == site::ResultFileFault::garbage) add("garbage in the result file");
   if (faults.resultFile == site::ResultFileFault::truncated) add("truncates the result file");
+  if (faults.forgets) add("forgets what it acknowledges");
+  const std::string left = faults.times ? " (" + std::to_string(*faults.times) + " more)" : "";
+  if (faults.loseAnswer) add("loses its answer to a command file" + left);
+  if (faults.stopBehind) {
+    add("stops behind line " + std::to_string(*faults.stopBehind) + " of a command file" + left);
+  }
   return text.empty() ? "none" : text;
 }
 
@@ -166,6 +174,10 @@ void setFaults(Session& session, site::Site& site, const ControllerOptions& opti
     faults.resultFile = *chosenFaults.resultFile == "garbage" ? site::ResultFileFault::garbage
                                                               : site::ResultFileFault::truncated;
   }
+  faults.forgets = chosenFaults.forgets;
+  faults.loseAnswer = chosenFaults.loseAnswer;
+  if (chosenFaults.stopBehind) faults.stopBehind = number16("--stop-behind", *chosenFaults.stopBehind);
+  if (chosenFaults.times) faults.times = number16("--times", *chosenFaults.times);
   const bool any = faults != site::Faults{};
   if (any == chosenFaults.none) throw Refusal("name the faults that the controller has now, or --none");
   site.setFaults(place.station, place.address, faults);
@@ -203,6 +215,13 @@ void addFaultCommand(Command& group, Session& session) {
   fault->add_option("--refuse-clear", faults->refuseClear, "It answers a clear with this code");
   fault->add_option("--result-file", faults->resultFile, "What becomes of its part of the result file")
       ->isMember({"garbage", "truncated"});
+  fault->add_flag("--forgets", faults->forgets, "It acknowledges command files and stores nothing");
+  fault->add_flag("--lose-answer", faults->loseAnswer,
+                  "It carries command files out, but its answers are lost");
+  fault->add_option("--stop-behind", faults->stopBehind,
+                    "The line breaks behind so many lines of a longer command file");
+  fault->add_option("--times", faults->times,
+                    "So many command files meet --lose-answer or --stop-behind; all unless given");
   fault->footer("Example:\n  voxa sim controller fault --station Local --address 2 --silent");
   fault->callback(onSite(
       session, [place, faults](Session& i, site::Site& site) { setFaults(i, site, *place, *faults); }));
@@ -238,6 +257,15 @@ void addSimulatorCommands(Command& app, Session& session) {
   show->callback(onSite(session, [shown](Session& i, site::Site& site) { showController(i, site, *shown); }));
 
   addFaultCommand(*group, session);
+
+  auto* replace = group->add_subcommand("replace", "Put a new controller, which holds nothing, in its place");
+  auto replaced = std::make_shared<ControllerOptions>();
+  addPlaceOptions(*replace, *replaced);
+  replace->footer("Example:\n  voxa sim controller replace --station Local --address 1");
+  replace->callback(onSite(session, [replaced](Session& i, site::Site& site) {
+    const ControllerPlace place = placeOf(i, *replaced);
+    site.replace(place.station, place.address);
+  }));
 
   auto* remove = group->add_subcommand("remove", "Take a controller off the line, with all it holds");
   auto removed = std::make_shared<ControllerOptions>();

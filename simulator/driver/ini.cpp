@@ -55,6 +55,7 @@ std::optional<Ini> readIni(int station) {
     const std::string_view value = line.substr(key.size());
     if (key == "BDR:") ini.speed = number(value).value_or(0);
     if (key == "CFL:") ini.commandFile = value;
+    if (key == "TEL:") ini.dialUp = !value.empty();
     if (key == "TER:") ini.controllers = numbers(value);
   }
   return ini;

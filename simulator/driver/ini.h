@@ -11,6 +11,7 @@ namespace driver {
 struct Ini {
   int speed = 4800;              ///< BDR, the line's speed in bit/s
   std::string commandFile;       ///< CFL, empty when it names none
+  bool dialUp = false;           ///< TEL names a telephone number
   std::vector<int> controllers;  ///< TER, the addresses that a call to each controller asks
 };
 

@@ -13,11 +13,12 @@ constexpr int lastController = 56;
 
 std::int16_t Line::send(int address, const Operation& operation) {
   if (address == broadcast) {
+    if (!open_) return site::result::success;
     for (site::Controller& controller : site::controllersOf(storage_, station_)) reach(controller, operation);
     return site::result::success;
   }
   if (address == each) {
-    std::int16_t first = site::result::success;
+    std::int16_t first = open_ ? site::result::success : site::result::noAnswer;
     for (const int controller : ini_.controllers) {
       const std::int16_t result = ask(controller, operation);
       if (first == site::result::success) first = result;
@@ -29,8 +30,11 @@ std::int16_t Line::send(int address, const Operation& operation) {
 }
 
 std::int16_t Line::ask(int address, const Operation& operation) {
-  auto controller = site::findController(storage_, station_, address);
-  const std::int16_t result = controller ? reach(*controller, operation) : site::result::unknownController;
+  std::int16_t result = site::result::noAnswer;
+  if (open_) {
+    auto controller = site::findController(storage_, station_, address);
+    result = controller ? reach(*controller, operation) : site::result::unknownController;
+  }
   if (result != site::result::success && operation.failed) operation.failed(address, result);
   return result;
 }

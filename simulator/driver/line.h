@@ -14,13 +14,19 @@ namespace driver {
 /// Addresses: 41 to 56 are the controllers 1 to 16. 0 is each controller that the ini file lists, one after
 /// the other; all are asked even after a failure, and the first failure is the result. 95 is all controllers
 /// of the line at once; none of them acknowledges.
+///
+/// A dial-up line reaches its controllers from CONNECT to DISNNECT. Without that no address has an answer,
+/// and no controller knows of the call.
 class Line {
  public:
   static constexpr int each = 0;
   static constexpr int broadcast = 95;
 
   Line(site::Storage& storage, int station, const Ini& ini)
-      : storage_(storage), station_(station), ini_(ini) {}
+      : storage_(storage),
+        station_(station),
+        ini_(ini),
+        open_(!ini.dialUp || site::lineConnected(storage, station)) {}
 
   /// What the steps of one operation do. `perform` acts on a controller that takes the call, `refused` on one
   /// that heard the call and refuses it. `failed` is told each address that gave no success.
@@ -38,6 +44,7 @@ class Line {
   site::Storage& storage_;
   int station_;
   const Ini& ini_;
+  bool open_;  // a direct line always is
 };
 
 }  // namespace driver

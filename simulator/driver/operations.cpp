@@ -94,18 +94,15 @@ std::int16_t sendCommand(site::Storage& storage, int station, int address) {
   const auto lines = ini->commandFile.empty() ? std::nullopt : readLines(ini->commandFile);
   if (!lines) return result::noCommandFile;
   Line::Operation operation{[&](site::Controller& controller) {
-    site::receive(storage, controller, *lines, true);
-    return result::success;
+    return site::receive(storage, controller, *lines, address != Line::broadcast);
   }};
-  operation.refused = [&](site::Controller& controller) {
-    site::receive(storage, controller, *lines, false);
-  };
+  operation.refused = [&](site::Controller& controller) { site::refuse(storage, controller, *lines); };
   return Line(storage, station, *ini).send(address, operation);
 }
 
 std::int16_t connect(site::Storage& storage, int station, bool connected) {
   if (!readIni(station)) return result::noIniFile;
-  storage.run("replace into lines values (?, ?)", station, connected);
+  site::storeLineConnected(storage, station, connected);
   return result::success;
 }
 

@@ -23,7 +23,7 @@ std::int16_t sendClear(site::Storage& storage, int station, int address);
 /// Sends the lines of the command file; the ini file names it.
 std::int16_t sendCommand(site::Storage& storage, int station, int address);
 
-/// Marks the line as connected or not.
+/// Marks the line as connected or not: a dial-up line reaches its controllers only while it is.
 std::int16_t connect(site::Storage& storage, int station, bool connected);
 
 }  // namespace driver

@@ -78,7 +78,7 @@ struct ReceivedLine {
 struct Memory {
   std::vector<std::string> records;  ///< lines as the driver dumps them, the oldest first
   int read = 0;                      ///< so many of them the read pointer has passed
-  std::int64_t overflows = 0;        ///< records overwritten since the controller was added
+  std::int64_t overflows = 0;        ///< records overwritten since the controller was added or replaced
 };
 
 enum class ResultFileFault : std::uint8_t { none, garbage, truncated };
@@ -95,6 +95,13 @@ struct Faults {
   std::optional<std::int16_t> refuseClear;  ///< answers a clear with this result and does not erase
   /// What happens to its place in the station result file: noise, or the file ends within its date line.
   ResultFileFault resultFile = ResultFileFault::none;
+  bool forgets = false;     ///< acknowledges a command file and stores nothing of it
+  bool loseAnswer = false;  ///< carries a command file out, but its answer is lost on the line
+  std::optional<int>
+      stopBehind;  ///< of a command file with more lines it takes so many, then the line breaks
+  /// So many command files meet one of the two faults above, of which there is one at a time; then that fault
+  /// is gone. None: it stays.
+  std::optional<int> times;
   bool operator==(const Faults&) const = default;
 };
 

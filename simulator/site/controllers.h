@@ -38,6 +38,10 @@ struct Controller {
 /// The controllers of a station, or of every station for 0, ordered by station and address.
 [[nodiscard]] std::vector<Controller> controllersOf(Storage& storage, int station);
 
+/// Whether the driver's last call for the station's line connected it.
+[[nodiscard]] bool lineConnected(Storage& storage, int station);
+void storeLineConnected(Storage& storage, int station, bool connected);
+
 void storeSpeed(Storage& storage, Controller& controller, int speed);
 void storeClock(Storage& storage, Controller& controller, std::optional<std::int64_t> offset);
 void storeRing(Storage& storage, const Controller& controller);
@@ -52,8 +56,13 @@ struct Reception {
 };
 Reception call(Storage& storage, Controller& controller, int lineSpeed);
 
-/// Takes the lines of a command file. Each is kept as received. When the controller is willing, each is
-/// applied. A change of the line speed counts from the end of the file on.
-void receive(Storage& storage, Controller& controller, const std::vector<std::string>& lines, bool willing);
+/// A willing controller takes the lines of a command file. Each is kept as received and applied, unless a
+/// fault is in the way. A change of the line speed counts from the end of the file on. Returns what the
+/// caller gets: 100, 2 when the answer was lost, 5 when the line broke. Nobody waits for an answer that is
+/// not `acknowledged`, so none is lost.
+std::int16_t receive(Storage& storage, Controller& controller, const std::vector<std::string>& lines,
+                     bool acknowledged);
+/// A controller that refuses a command file keeps its lines as received.
+void refuse(Storage& storage, Controller& controller, const std::vector<std::string>& lines);
 
 }  // namespace site

@@ -46,6 +46,12 @@ void change(SiteFile& file, int station, int address, Change apply) {
   transaction.commit();
 }
 
+void eraseContents(Storage& storage, const Controller& controller) {
+  eraseHoldings(storage, controller.id);
+  storage.run("delete from received where controller = ?", controller.id);
+  storage.run("delete from records where controller = ?", controller.id);
+}
+
 }  // namespace
 
 std::filesystem::path defaultFolder() {
@@ -73,10 +79,17 @@ void Site::addController(const ControllerInfo& info) {
 
 void Site::removeController(int station, int address) {
   change(file_, station, address, [](Storage& storage, const Controller& controller) {
-    eraseHoldings(storage, controller.id);
-    storage.run("delete from received where controller = ?", controller.id);
-    storage.run("delete from records where controller = ?", controller.id);
+    eraseContents(storage, controller);
     storage.run("delete from controllers where id = ?", controller.id);
+  });
+}
+
+void Site::replace(int station, int address) {
+  change(file_, station, address, [](Storage& storage, Controller& controller) {
+    eraseContents(storage, controller);
+    controller.ring = {};
+    storeRing(storage, controller);
+    storeClock(storage, controller, std::nullopt);
   });
 }
 
@@ -118,6 +131,12 @@ void Site::setClock(int station, int address, std::optional<std::int64_t> offset
 void Site::setFaults(int station, int address, const Faults& faults) {
   require(faults.goodCalls.value_or(0) >= 0, "The number of good calls is not negative.");
   require(faults.cutAfter.value_or(0) >= 0, "The number of records before the cut is not negative.");
+  require(faults.stopBehind.value_or(0) >= 0, "The number of lines before the break is not negative.");
+  require(!faults.loseAnswer || !faults.stopBehind,
+          "A controller loses its answers or stops behind a line: set one of the two.");
+  require(!faults.times || faults.loseAnswer || faults.stopBehind,
+          "A number of times goes with a lost answer or a stop behind a line.");
+  require(faults.times.value_or(1) >= 1, "A fault happens at least once.");
   change(file_, station, address, [&](Storage& storage, Controller& controller) {
     controller.faults = faults;
     storeFaults(storage, controller);
@@ -138,11 +157,7 @@ SwipeResult Site::swipe(const Swipe& swipe) {
 }
 
 bool Site::connected(int station) {
-  bool connected = false;
-  file_.get().each(
-      "select connected from lines where station = ?", [&](const Row& row) { connected = row.flag(0); },
-      station);
-  return connected;
+  return lineConnected(file_.get(), station);
 }
 
 }  // namespace site

@@ -52,6 +52,9 @@ class Site {
   void addController(const ControllerInfo& info);
   /// Removes the controller and all that it holds.
   void removeController(int station, int address);
+  /// Puts a new controller in the place of this one: it holds nothing, and its clock was never set. Type,
+  /// speed, capacity and faults stay.
+  void replace(int station, int address);
   /// All controllers, ordered by station and address.
   [[nodiscard]] std::vector<ControllerInfo> list();
   [[nodiscard]] Snapshot snapshot(int station, int address);

@@ -12,7 +12,7 @@ namespace site {
 namespace {
 
 constexpr int busyMilliseconds = 10000;
-constexpr int layout = 1;
+constexpr int layout = 2;
 
 // The transaction memory of a controller holds the records from first_record up to, not including,
 // next_record.
@@ -25,7 +25,8 @@ create table controllers (
   overflowed integer not null default 0,
   silent integer not null default 0, refuse integer, good_calls integer, cut_after integer,
   cut_half integer not null default 0, cut_once integer not null default 0, refuse_clear integer,
-  result_file integer not null default 0,
+  result_file integer not null default 0, forgets integer not null default 0,
+  lose_answer integer not null default 0, stop_behind integer, times integer,
   unique (station, address));
 create table received (
   id integer primary key, controller integer not null, at integer not null, line text not null,
@@ -121,12 +122,16 @@ void Storage::createTables() {
     readLayout();  // another process may have made the tables first
     if (found == 0) {
       execute(tables);
-      execute("pragma user_version = 1");
+      execute(("pragma user_version = " + std::to_string(layout)).c_str());
       found = layout;
     }
     transaction.commit();
   }
-  if (found != layout) throw Failure("The site file " + name_ + " is of another version of this program.");
+  if (found != layout) {
+    throw Failure(
+        "The site file " + name_ +
+        " is of another version of this program. Move its folder away and add the controllers again.");
+  }
 }
 
 void Storage::execute(const char* sql) {

@@ -131,6 +131,29 @@ TEST_F(OnTheLine, aRefusedClearErasesNothing) {
   EXPECT_EQ(look().memory.records.size(), 1U);
 }
 
+TEST_F(OnTheLine, aControllerLiesAboutACommandFile) {
+  add(1);
+  site::Faults lie;
+  lie.loseAnswer = true;
+  lie.times = 1;
+  site_.setFaults(1, 1, lie);
+  EXPECT_EQ(send({"09001200001234", "1600121"}, 95), 100) << "no answer that could get lost";
+  EXPECT_EQ(send({"36001299"}), 2);
+  EXPECT_EQ(look().faults, site::Faults()) << "only once";
+  lie.loseAnswer = false;
+  lie.stopBehind = 1;
+  site_.setFaults(1, 1, lie);
+  EXPECT_EQ(send({"1700121"}), 100) << "it ends before the break";
+  EXPECT_EQ(send({"1600120", "36001298"}), 5);
+  EXPECT_EQ(look().faults, site::Faults());
+  lie = {};
+  lie.forgets = true;
+  site_.setFaults(1, 1, lie);
+  EXPECT_EQ(send({"1700120"}), 100);
+  const site::Card card = look().cards.at(0);
+  EXPECT_TRUE(card.credit == 99 && !card.door1 && card.door2);
+}
+
 TEST_F(OnTheLine, aSpoiltResultFile) {
   for (int address = 1; address <= 3; ++address) add(address);
   site::Faults faults;
@@ -145,12 +168,24 @@ TEST_F(OnTheLine, aSpoiltResultFile) {
   EXPECT_EQ(text.substr(38), "DATE02  0");
 }
 
-TEST_F(OnTheLine, connectAndDisconnectMarkTheLine) {
+TEST_F(OnTheLine, aDialUpLineIsReachedBetweenConnectAndDisconnect) {
   add(1);
+  ini("1", 4800, 2);
+  writeFile("S001.ini", readFile("S001.ini") + "TEL:0123\r\n");
+  const auto unreached = [&] {
+    EXPECT_FALSE(site_.connected(1));
+    EXPECT_EQ(driverCall("SDDAT", 1, 41), 2);
+    EXPECT_EQ(driverCall("RDDAT", 1, 0), 2);
+    EXPECT_EQ(readFile("RS001.OUT"), "2XXXXXXXXXXXXXXX\r\n");
+    EXPECT_EQ(driverCall("SDDAT", 1, 95), 100);
+    EXPECT_FALSE(look().clockOffset);
+  };
+  driverCall("CONNECT", 2);
+  unreached();
   EXPECT_EQ(driverCall("CONNECT", 1), 100);
-  EXPECT_TRUE(site_.connected(1));
+  EXPECT_EQ(driverCall("RDDAT", 1, 0), 100);
   EXPECT_EQ(driverCall("DISNNECT", 1), 100);
-  EXPECT_FALSE(site_.connected(1));
+  unreached();
 }
 
 }  // namespace

@@ -56,6 +56,21 @@ TEST_F(Keeping, controllersAreAddedListedAndRemoved) {
               look().dailyPrograms.empty());
 }
 
+TEST_F(Keeping, aReplacedControllerHoldsNothingAndKeepsItsFaults) {
+  add(1, "QSX3", 2);
+  driverCall("SDDAT", 1, 41);
+  send({"09001200001234"});
+  fill(3);
+  site::Faults faults;
+  faults.refuseClear = 4;
+  site_.setFaults(1, 1, faults);
+  site_.replace(1, 1);
+  EXPECT_TRUE(look().cards.empty() && look().received.empty() && !look().clockOffset);
+  EXPECT_EQ(look().faults, faults);
+  EXPECT_EQ(driverCall("RDMEM", 1, 41), 100) << "a new memory has lost nothing";
+  EXPECT_EQ(readFile("J.DAT"), "");
+}
+
 TEST_F(Keeping, filesAreForTheirOwnerOnly) {
   add(1);
   send({"09001200001234"});
@@ -103,6 +118,9 @@ TEST_F(Keeping, aBrokenSiteFileIsAFailureNotACrash) {
   EXPECT_THROW((void)site::Site().list(), site::Failure);
   unsetenv("TLXP_SITE");
   EXPECT_EQ(driverCall("RDSTAT", 1, 41), 100);
+  fs::create_directory("old");
+  site::Storage("old/site.db").run("pragma user_version = 1");  // knows nothing of lost answers
+  EXPECT_THROW((void)site::Site("old").list(), site::Failure);
 }
 
 TEST_F(Keeping, whatTheDiskRefusesRollsTheCallBack) {
