@@ -17,7 +17,8 @@ struct SentCards;
 
 /// Access groups: where and when their cards open. Table "AccessGroups"; group 0 is the default group. With
 /// it goes the link table of readers and weekly programs (AccGroupReader), which is built by the same calls.
-/// What is sent for a group, and its readers, are in access_group_download.cpp, the table is in access_group.cpp.
+/// What is sent for a group, and its readers, are in access_group_download.cpp, the table is in
+/// access_group.cpp.
 class AccessGroup : public Table {
  public:
   static constexpr const char* tableName = "AccessGroups";

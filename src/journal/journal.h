@@ -30,8 +30,8 @@ namespace voxa {
 /// before the rows are committed.
 ///
 /// The database is in journal.cpp, a read on request in journal_read.cpp, a run over many controllers in
-/// journal_auto.cpp and journal_controllers.cpp, from a file to rows in journal_decode.cpp, the files of a dump
-/// in journal_files.cpp.
+/// journal_auto.cpp and journal_controllers.cpp, from a file to rows in journal_decode.cpp, the files of a
+/// dump in journal_files.cpp.
 class Journal : public Table {
  public:
   static constexpr const char* dbName = "Journal.MDB";
