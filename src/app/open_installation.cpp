@@ -83,8 +83,8 @@ void OpenInstallation::openHere(const Opening& how) {
   const Paths paths = places();
   glob_->Initialize(paths.AppDB, paths.IniFile, paths.logFileName, paths.Chemin);
   if (library_->DB()) return;
-  throw Refusal("the installation in " + folder_ + " cannot be opened: its " + mainDatabase +
-                " is damaged, or not yours to read; a copy made with 'voxa db save' can be put in its place");
+  throw Refusal("the installation in " + folder_ + " cannot be opened, as was told; if its " + mainDatabase +
+                " is damaged, a copy made with 'voxa db save' can be put in its place");
 }
 
 void OpenInstallation::fillCatalogue() {

@@ -15,6 +15,7 @@
 #include "files/database_files.h"
 #include "journal/journal.h"
 #include "platform/database/database.h"
+#include "platform/database/schema_version.h"
 #include "platform/text.h"
 #include "platform/ui/prompts.h"
 #include "programs/daily_program.h"
@@ -72,10 +73,16 @@ ITable& QDB::tables(std::string_view tableName) const {
   return **found;
 }
 
+void QDB::openFile(const std::string& path) {
+  auto opened = library_.engine().open(path);
+  bringForward(library_.engine(), *opened, mainDatabaseSteps());
+  database_ = std::move(opened);
+}
+
 std::int16_t QDB::openCommonDB() {
   const std::string path = library_.Com().AppDB;
   return library_.attempt({"msgCantLoad", path}, [&] {
-    database_ = library_.engine().open(path);
+    openFile(path);
     if (library_.Com().pDailyPrograms4Zones == 1) dailyPrograms_->provideFourZones();
   });
 }
@@ -90,7 +97,7 @@ std::int16_t QDB::openDB() {
 /// database that was open.
 void QDB::reopen(const std::string& name) {
   if (openCommonDB() == 0 || !database_ || database_->isOpen()) return;
-  library_.attempt([&] { database_ = library_.engine().open(name); });
+  library_.attempt([&] { openFile(name); });
   library_.error().clear();
 }
 
@@ -127,6 +134,7 @@ void QDB::buildTables() {
   }
   createComStatus(*database_);
   for (Table* table : registry_) table->createRelations();
+  database_->setSchemaVersion(mainDatabaseSteps().size());
   transaction.commit();
 }
 
@@ -172,8 +180,10 @@ std::vector<TableDef> QDB::definitions() {
 
 std::int16_t QDB::restoreDB() {
   return throughClosedFile("QDB.restoreDB", [&](const std::string& name) {
-    return restoreDatabase(library_, name, "msgReplaceSaveDBYN",
-                           [&](Database& backup) { requireMainDatabase(backup, definitions()); });
+    return restoreDatabase(library_, name, "msgReplaceSaveDBYN", [&](Database& backup) {
+      checkBroughtForward(library_.engine(), backup, mainDatabaseSteps(), name + "~trial",
+                          [&](Database& future) { requireMainDatabase(future, definitions()); });
+    });
   });
 }
 

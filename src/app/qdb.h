@@ -76,6 +76,7 @@ class QDB {
   bool confirmReplace();  // true when a new database may be created
   bool mayReplace(const Database& database, const char* mnemonic, bool overwriteAllowed,
                   const std::function<void()>& openAgain);
+  void openFile(const std::string& path);  // raises; then the database that was open stays
   void reopen(const std::string& name);
   void buildTables();
   std::int16_t throughClosedFile(const char* method,

@@ -2,11 +2,24 @@
 
 #include "journal/journal_rows.h"
 #include "platform/database/database.h"
+#include "platform/database/schema_version.h"
 
 namespace voxa {
 
+namespace {
+
+SchemaSteps schemaSteps() {
+  return {SchemaStep()};  // 1: files have a number
+}
+
+}  // namespace
+
 std::int16_t Journal::openDB() {
-  return context_.attempt({"msgCantLoad", dbName}, [&] { database_ = context_.engine().open(dbName); });
+  return context_.attempt({"msgCantLoad", dbName}, [&] {
+    auto opened = context_.engine().open(dbName);
+    bringForward(context_.engine(), *opened, schemaSteps());
+    database_ = std::move(opened);
+  });
 }
 
 std::int16_t Journal::createDB() {
@@ -15,8 +28,13 @@ std::int16_t Journal::createDB() {
 
 void Journal::createFile() {
   database_ = context_.engine().create(dbName);
-  create();
-  (void)database_->tableDef(Name());  // raises what create tells of and passes over: a journal is its table
+  context_.showLater([&] {
+    Transaction transaction(context_.engine(), *database_);
+    create();
+    (void)database_->tableDef(Name());  // raises what create tells of and passes over: a journal is its table
+    database_->setSchemaVersion(schemaSteps().size());
+    transaction.commit();
+  });
 }
 
 void Journal::createFields(TableDef& td) {

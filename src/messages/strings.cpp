@@ -1,6 +1,7 @@
 #include "messages/strings.h"
 
 #include "platform/database/database.h"
+#include "platform/database/schema_version.h"
 #include "platform/driver/driver.h"
 #include "platform/ui/prompts.h"
 
@@ -13,6 +14,10 @@ namespace {
 constexpr const char* storeName = "I18N.MDB";
 constexpr const char* tableName = "Strings";
 constexpr const char* crLf = "\r\n";
+
+SchemaSteps schemaSteps() {
+  return {SchemaStep()};  // 1: files have a number
+}
 
 void appendLine(std::string& text, const std::string& line) {
   if (line.empty()) return;
@@ -37,8 +42,14 @@ Database& Strings::database() const {
 }
 
 void Strings::openDB() {
-  const std::int16_t status = context_.attempt([&] { store_ = context_.engine().open(storeName); });
-  if (status != 0) showStoreFailure("msgCantLoad");
+  std::shared_ptr<Database> opened;
+  if (context_.attempt([&] { opened = context_.engine().open(storeName); }) != 0) {
+    showStoreFailure("msgCantLoad");
+  } else if (context_.attempt([&] { bringForward(context_.engine(), *opened, schemaSteps()); }) != 0) {
+    showBox("msgCantLoad", context_.error().description);
+  } else {
+    store_ = std::move(opened);
+  }
   context_.error().clear();
 }
 
@@ -50,9 +61,13 @@ void Strings::showStoreFailure(const char* mnem) {
   const ErrorInfo failure = context_.error();
   context_.attempt([&] {
     const double sum = failure.number + Value(failure.description).toDouble();
-    context_.prompts().messageBox(std::string(mnem) + " " + storeName + crLf + Value(sum).toText(),
-                                  style::okOnly, read("MDIkrvCaption"));
+    showBox(mnem, Value(sum).toText());
   });
+}
+
+void Strings::showBox(const char* mnem, const std::string& reason) {
+  context_.prompts().messageBox(std::string(mnem) + " " + storeName + crLf + reason, style::okOnly,
+                                read("MDIkrvCaption"));
 }
 
 std::int16_t Strings::createDB() {
@@ -79,7 +94,10 @@ void Strings::createTable() {
   addField(td, "FontSize", DataType::Integer);
   addField(td, "FontBold", DataType::Integer);
   addIndex(td, "Mnemonic", {"Mnemonic"}, IndexKind::primary);
+  Transaction transaction(context_.engine(), *store_);
   store_->createTable(td);
+  store_->setSchemaVersion(schemaSteps().size());
+  transaction.commit();
 }
 
 std::int16_t Strings::insert(const std::string& mnem, const std::string& textEng, std::int16_t width,

@@ -54,6 +54,7 @@ class Strings : public Messages {
   void openDB();
   void createTable();
   void showStoreFailure(const char* mnem);
+  void showBox(const char* mnem, const std::string& reason);
   [[nodiscard]] std::string errorText();
 
   Context& context_;

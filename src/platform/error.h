@@ -37,6 +37,7 @@ inline constexpr int dbDuplicate = 3022;         ///< duplicate value in a uniqu
 inline constexpr int dbFileNotFound = 3024;      ///< database file not found
 inline constexpr int dbDiskFull = 3026;          ///< not enough space on disk
 inline constexpr int dbNoTransaction = 3034;     ///< commit or rollback without begin
+inline constexpr int dbVersion = 3041;           ///< incompatible database version
 inline constexpr int dbCannotOpen = 3051;        ///< file cannot be opened or written (rights, exclusive use)
 inline constexpr int dbNullKey = 3058;           ///< Null in a primary or required index
 inline constexpr int dbTooFewParameters = 3061;  ///< a name in the statement is neither column nor parameter

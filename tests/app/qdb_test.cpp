@@ -193,6 +193,45 @@ TEST_F(QDBTest, SaveAndRestoreGoThroughAClosedFile) {
   EXPECT_EQ(query("select Name from Stations where Id = 2"), "Before");
 }
 
+TEST_F(QDBTest, DatabasesOfOtherVersions) {
+  createInstallation();
+  std::filesystem::copy_file("KRV.mdb", "copy.mdb");
+  const auto openAll = [&](const std::string& file, int version) {
+    plain(file, "pragma user_version=" + std::to_string(version));
+    restart();
+    glob->Initialize(folder + "\\KRV.mdb", "", "", folder);
+    return int{library->DB() != nullptr} + int{glob->QDB().Journal().DB() != nullptr} +
+           int{glob->Strings().isOpen()};
+  };
+  for (const std::string name : {"KRV.mdb", Journal::dbName, "I18N.MDB"}) {
+    EXPECT_EQ(engine->open(name)->schemaVersion(), 1U) << name;  // as it was created
+    EXPECT_EQ(openAll(name, 0), 3);
+    EXPECT_EQ(engine->open(name)->schemaVersion(), 1U) << name;
+    EXPECT_TRUE(boxes().empty());
+    EXPECT_EQ(openAll(name, 2), 2);
+    const auto shown = boxes();
+    ASSERT_EQ(shown.size(), 1U) << name;
+    EXPECT_NE(shown[0].find(name + " is of a newer version of this system (2, this one knows 1)"),
+              std::string::npos)
+        << shown[0];
+    EXPECT_EQ(engine->open(name)->schemaVersion(), 2U) << name;
+    EXPECT_EQ(openAll(name, 1), 3);
+  }
+
+  addStation(2, "Present");
+  for (const bool newer : {true, false}) {
+    plain("copy.mdb", newer ? "pragma user_version=2" : "pragma user_version=0");
+    prompts.answers = {Answer::no, Answer::yes};
+    prompts.choices = {folder + "\\copy.mdb"};
+    EXPECT_EQ(glob->QDB().restoreDB(), newer ? err::dbVersion : 0);
+    EXPECT_EQ(query("select Name from Stations where Id = 2"), newer ? "Present" : "none");
+    EXPECT_EQ(db().schemaVersion(), 1U);
+  }
+  plain("KRV.mdb", "pragma user_version=2");  // a newer version was at work meanwhile
+  EXPECT_EQ(glob->QDB().saveDB(), -1);
+  EXPECT_FALSE(library->DB()->isOpen());
+}
+
 TEST_F(QDBTest, SaveWithNoDatabaseOpenOpensIt) {
   createInstallation();
   restart();

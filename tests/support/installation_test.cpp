@@ -159,8 +159,9 @@ void InstallationTest::whileChangedElsewhere(const std::string& file, const std:
     sqlite3* raw = nullptr;
     EXPECT_EQ(sqlite3_open(file.c_str(), &raw), SQLITE_OK);
     sqlite3_busy_timeout(raw, 5000);
-    EXPECT_EQ(sqlite3_exec(raw, "BEGIN IMMEDIATE; PRAGMA user_version=1", nullptr, nullptr, nullptr),
-              SQLITE_OK);
+    EXPECT_EQ(
+        sqlite3_exec(raw, "BEGIN IMMEDIATE; PRAGMA application_id=0x566f7841", nullptr, nullptr, nullptr),
+        SQLITE_OK);
     locked.set_value();
     std::this_thread::sleep_for(std::chrono::milliseconds(50));
     EXPECT_EQ(sqlite3_exec(raw, "COMMIT", nullptr, nullptr, nullptr), SQLITE_OK);

@@ -149,6 +149,14 @@ std::int64_t Connection::number(const std::string& sql) {
   return statement.integer(0);
 }
 
+void Connection::copyFrom(const Connection& source) {
+  sqlite3_backup* copying = sqlite3_backup_init(handle_.get(), "main", source.handle_.get(), "main");
+  if (copying == nullptr) fail(sqlite3_extended_errcode(handle_.get()));
+  const int code = sqlite3_backup_step(copying, -1);
+  (void)sqlite3_backup_finish(copying);  // it repeats the code
+  if (code != SQLITE_DONE) fail(code);
+}
+
 void Connection::beginReading() {
   if (inTransaction()) return;
   if (!begin_) {

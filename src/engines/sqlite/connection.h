@@ -65,6 +65,9 @@ class Connection {
   void run(const std::string& sql);                           ///< statements without a result
   [[nodiscard]] std::int64_t number(const std::string& sql);  ///< first column of the only row
 
+  /// Makes this file, an empty one, a copy of what is committed in another.
+  void copyFrom(const Connection& source);
+
   /// Begins a reading: several statements that only read share one lock. Does nothing where a transaction
   /// runs.
   void beginReading();

@@ -59,17 +59,9 @@ Error createFailure(const Error& error) {
   }
 }
 
-}  // namespace
-
-std::string databasePath(std::string_view path) {
-  std::string native = files::native(path);
-  const std::u8string utf8(native.begin(), native.end());
-  if (!std::filesystem::path(utf8).is_absolute())
-    native = files::native(files::currentFolder() + "\\" + native);
-  return native;
-}
-
-void createDatabaseFile(std::string_view given, const Session& session) {
+/// Makes a file as `fill` fills it, or none.
+template <typename Fill>
+void makeFile(std::string_view given, const Session& session, Fill&& fill) {
   // The file is made under another name, so that a process that is killed meanwhile leaves no half database.
   const std::string begun = std::string(given) + "~new";
   try {
@@ -82,12 +74,8 @@ void createDatabaseFile(std::string_view given, const Session& session) {
   try {
     {
       Connection connection(databasePath(begun), session.options, session.clock);
-      // There is no earlier state to keep. The first commit waits for the disk, and these pages are part of
-      // it.
-      connection.run("PRAGMA journal_mode=OFF; PRAGMA synchronous=OFF; BEGIN; PRAGMA application_id=" +
-                     std::to_string(applicationId) + "; CREATE TABLE " + Catalog::queryTable +
-                     " (Name TEXT COLLATE " + dialect::collation +
-                     " PRIMARY KEY, Sql TEXT NOT NULL); COMMIT");
+      connection.run("PRAGMA journal_mode=OFF");  // a failure undoes the file
+      fill(connection);
     }
     // Somebody may have deleted a database of this name and left its journal, which must not be rolled back
     // into this one.
@@ -98,6 +86,30 @@ void createDatabaseFile(std::string_view given, const Session& session) {
     if (error.number() == err::fileExists) throw createFailure(error);  // another process was first
     throw;
   }
+}
+
+}  // namespace
+
+std::string databasePath(std::string_view path) {
+  std::string native = files::native(path);
+  const std::u8string utf8(native.begin(), native.end());
+  if (!std::filesystem::path(utf8).is_absolute())
+    native = files::native(files::currentFolder() + "\\" + native);
+  return native;
+}
+
+void createDatabaseFile(std::string_view given, const Session& session) {
+  makeFile(given, session, [](Connection& begun) {
+    // There is no earlier state to keep. The first commit waits for the disk, and these pages are part of it.
+    begun.run("PRAGMA synchronous=OFF; BEGIN; PRAGMA application_id=" + std::to_string(applicationId) +
+              "; CREATE TABLE " + Catalog::queryTable + " (Name TEXT COLLATE " + dialect::collation +
+              " PRIMARY KEY, Sql TEXT NOT NULL); COMMIT");
+  });
+}
+
+void copyDatabaseFile(const std::string& path, std::string_view given, const Session& session) {
+  const Connection source(path, session.options, session.clock);
+  makeFile(given, session, [&](Connection& begun) { begun.copyFrom(source); });
 }
 
 void checkDatabaseFile(const std::string& path, std::string_view given) {

@@ -15,6 +15,10 @@ struct Session;
 /// given: the path as the caller gave it.
 void createDatabaseFile(std::string_view given, const Session& session);
 
+/// Makes a database file with what is committed in another one, on the same terms; it is on the disk when
+/// this returns. path: of the other one, as databasePath gives it.
+void copyDatabaseFile(const std::string& path, std::string_view given, const Session& session);
+
 /// Raises 3024 when the file is missing, 3051 when it cannot be read, 3343 when its first bytes are not those
 /// of a database of this engine. It only reads, so a file of another kind stays as it is.
 void checkDatabaseFile(const std::string& path, std::string_view given);

@@ -18,8 +18,8 @@
 
 namespace voxa {
 
-/// One open database file of the embedded engine. Definitions (tables, relations, stored queries) are in
-/// sqlite_schema.cpp, everything else is in sqlite_database.cpp.
+/// One open database file of the embedded engine. Definitions (tables, relations, stored queries), their
+/// version and copies of the file are in sqlite_schema.cpp, everything else is in sqlite_database.cpp.
 class SqliteDatabase final : public Database, public std::enable_shared_from_this<SqliteDatabase> {
  public:
   using Parameters = std::vector<std::pair<std::string, Value>>;
@@ -41,6 +41,10 @@ class SqliteDatabase final : public Database, public std::enable_shared_from_thi
   void lockForChanges() override;
   [[nodiscard]] std::unique_ptr<Recordset> openRecordset(std::string_view source,
                                                          const Parameters& parameters) override;
+
+  [[nodiscard]] std::size_t schemaVersion() const override;
+  void setSchemaVersion(std::size_t version) override;
+  void copyTo(std::string_view path) const override;
 
   [[nodiscard]] std::vector<std::string> tableNames() const override;
   [[nodiscard]] const TableDef& tableDef(std::string_view table) const override;

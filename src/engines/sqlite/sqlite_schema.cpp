@@ -1,7 +1,9 @@
-// Definitions of tables, relations and stored queries: reading and changing them.
+// Definitions of tables, relations and stored queries: reading and changing them. Their version, and copies
+// of the file.
 
 #include <algorithm>
 
+#include "engines/sqlite/database_file.h"
 #include "engines/sqlite/ddl.h"
 #include "engines/sqlite/sqlite_database.h"
 #include "platform/text.h"
@@ -55,6 +57,29 @@ const TableDef& SqliteDatabase::definition(std::string_view table) const {
   if (!open.catalog.refresh()) (void)file();
   if (const TableDef* found = open.catalog.table(table)) return *found;
   throw Error(err::dbUnknownTable, "There is no table '" + std::string(table) + "'");
+}
+
+std::size_t SqliteDatabase::schemaVersion() const {
+  // SQLite keeps 32 bits there and has nothing to do with them itself. What another program has made negative
+  // is a great number.
+  return session_->guarded([&] {
+    return static_cast<std::size_t>(
+        static_cast<std::uint32_t>(opened().connection.number("PRAGMA user_version")));
+  });
+}
+
+void SqliteDatabase::setSchemaVersion(std::size_t version) {
+  session_->guarded([&] {
+    beginChange();
+    file().connection.run("PRAGMA user_version=" + std::to_string(version));
+  });
+}
+
+void SqliteDatabase::copyTo(std::string_view path) const {
+  session_->guarded([&] {
+    (void)opened();
+    copyDatabaseFile(path_, path, *session_);
+  });
 }
 
 std::vector<std::string> SqliteDatabase::tableNames() const {

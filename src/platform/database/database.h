@@ -106,6 +106,17 @@ class Database {
   /// a statement does. It does nothing outside of a transaction.
   virtual void lockForChanges() = 0;
 
+  /// The number that setSchemaVersion has put into the file; 0 in one without. Others can go on reading and
+  /// changing the file.
+  [[nodiscard]] virtual std::size_t schemaVersion() const = 0;
+  /// A change of the file, as execute makes one: a part of the running transaction, or made at once.
+  virtual void setSchemaVersion(std::size_t version) = 0;
+  /// Copies what is committed, the version with it, into a new database file that only its owner can use;
+  /// 3204 when a file of that name exists. The whole file is there or none, and it is on the disk. To have a
+  /// copy that is still the newest afterwards, lock the file first (lockForChanges), and make no change
+  /// before.
+  virtual void copyTo(std::string_view path) const = 0;
+
   [[nodiscard]] virtual std::vector<std::string> tableNames() const = 0;  ///< in order of creation
   /// The definition as the file holds it; 3078 when there is no such table.
   [[nodiscard]] virtual const TableDef& tableDef(std::string_view table) const = 0;

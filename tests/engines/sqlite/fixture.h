@@ -1,5 +1,6 @@
 #pragma once
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -38,6 +39,20 @@ class DatabaseTest : public testing::Test {
     ::close(result[0]);
     ::waitpid(child, nullptr, 0);
     return number;
+  }
+
+  /// Whether another process finds a lock on the file. It asks the system: SQLite in a forked process takes
+  /// its parent's locks for its own process's, even when the parent has lost them.
+  [[nodiscard]] bool locked() const {
+    const pid_t child = ::fork();
+    if (child == 0) {
+      struct flock lock {};
+      lock.l_type = F_WRLCK;
+      const bool answered = ::fcntl(::open(file.c_str(), O_RDWR), F_GETLK, &lock) == 0;
+      ::_exit(answered && lock.l_type != F_UNLCK ? 1 : 0);
+    }
+    int status = 0;
+    return ::waitpid(child, &status, 0) == child && WEXITSTATUS(status) == 1;
   }
 
   /// The number of the error that an action raises. The engine's collection must have the same one.
