@@ -67,6 +67,9 @@ void PendingSends::join() {
   for (std::int16_t number = 0; number < std::numeric_limits<std::int16_t>::max(); ++number) {
     if ((sign_ = files::OwnedFile::create(fileOf(number)))) {
       owner_ = number;
+      // What the last process of that number has left is nobody's.
+      file_.database().execute("update Unfinished set Owner = " + std::to_string(nobody) +
+                               " where Owner = " + std::to_string(number));
       return;
     }
     if (!isAtWork(number)) --number;  // it was left behind, and its number is free now
