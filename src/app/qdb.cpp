@@ -84,6 +84,7 @@ std::int16_t QDB::openCommonDB() {
   return library_.attempt({"msgCantLoad", path}, [&] {
     openFile(path);
     if (library_.Com().pDailyPrograms4Zones == 1) dailyPrograms_->provideFourZones();
+    library_.ledger().provide();
   });
 }
 

@@ -122,7 +122,7 @@ class Assumptions {
     }
     CardState& state = cards_[slot] = {};
     for (const std::string& text : lines) {
-      const SentLine line = sentLine(text, granted.type);
+      const SentLine line = sentLine(text, controller.type);
       if (line.field == CardField::lift) {
         state.setLift(line.output, card.parts.none() ? Possible::assumed("1") : Possible::unknown());
       } else {

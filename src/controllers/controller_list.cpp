@@ -53,8 +53,10 @@ void ControllerList::readInstallation(Database& main) {
   for (; !readers->eof(); readers->moveNext()) {
     const ControllerPlace place{nullToInt(readers->get("StationId")),
                                 nullToInt(readers->get("ControllerAddress"))};
-    const auto [known, added] = types_.emplace(place, textOf(*readers, "ControllerType"));
-    if (!added && known->second != textOf(*readers, "ControllerType")) known->second.clear();
+    // Whatever a row calls it: lines have two forms.
+    const std::string type = textOf(*readers, "ControllerType") == "VRMD1" ? "VRMD1" : "QSX3";
+    const auto [known, added] = types_.emplace(place, type);
+    if (!added && known->second != type) known->second.clear();
   }
 }
 

@@ -19,7 +19,7 @@ class TableContext;
 struct LedgerController {
   std::int32_t id = 0;
   ControllerPlace place;
-  std::string type;          ///< "QSX3", "VRMD1"; "" when it has no reader, or readers of two types
+  std::string type;          ///< "VRMD1", or "QSX3" for any other; "" without a reader, or with two forms
   std::int32_t changes = 0;  ///< how often something was noted of it
   DateTime since;
   std::optional<DateTime> retired;

@@ -95,6 +95,16 @@ bool Ledger::open() {
   return file_.open(folder, begin) != LedgerFile::Opened::none;
 }
 
+void Ledger::provide() {
+  const std::string& folder = context_.paths().Chemin;
+  if (folder.empty() || files::exists(LedgerFile::pathIn(folder))) return;
+  try {
+    (void)open();
+  } catch (const Error&) {
+    // The next send tries again, and says what is wrong.
+  }
+}
+
 void Ledger::putAside(const Error& error) {
   block_.reset();
   pending_.leave();

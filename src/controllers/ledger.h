@@ -57,6 +57,9 @@ class Ledger : public SendLedger {
 
   /// Opens the ledger of the working folder, and begins it when there is none. Whether there is one.
   bool open();
+  /// Begins it when there is none. To be called when a main database is opened, before its rows change;
+  /// whoever sends later is told what fails.
+  void provide();
   [[nodiscard]] std::vector<LedgerController> controllers();  ///< in use, by place
   /// What a controller in use holds, with the sends that are under way in doubt.
   [[nodiscard]] Holdings holdings(const ControllerPlace& place);

@@ -17,6 +17,7 @@ namespace voxa {
 class LedgerFile {
  public:
   static constexpr const char* name = "Ledger.MDB";
+  [[nodiscard]] static std::string pathIn(const std::string& folder) { return folder + "\\" + name; }
 
   /// engine: with databases that wait for the disk once a transaction.
   explicit LedgerFile(DatabaseEngine& engine) : engine_(engine) {}
@@ -42,7 +43,7 @@ class LedgerFile {
   [[nodiscard]] Command& updateThing() const { return *updateThing_; }  ///< (State, Id)
 
  private:
-  [[nodiscard]] std::string path() const { return folder_ + "\\" + name; }
+  [[nodiscard]] std::string path() const { return pathIn(folder_); }
   void prepare();
   void createTables(const std::function<void()>& begin);
 
