@@ -153,7 +153,8 @@ std::int16_t Batch::send() {
       continue;
     }
     if (controller.twoPrograms()) twoPrograms_.add(shutSides(database(), group_, controller));
-    sends.push_back({controller, blockLines(controller, liftOutputs(database(), firstId, controller))});
+    const ControllerPlace& place = controller;
+    sends.push_back({place, blockLines(controller, liftOutputs(database(), firstId, controller))});
   }
   if (const std::int16_t failed = send(sends); failed != 0) return failed;
   if (!everywhere_) {  // for the download to those that were left out

@@ -110,15 +110,16 @@ bool CardDownload::plan(Prepared& card, const CardRecord& record, std::int16_t g
     inactiveStations_.add(controller.stationName);
     return complete_ = false;
   }
+  const ControllerPlace& place = controller;
   Database& database = context_.database();
   if (std::string fault = faultOf(database, group, controller); !fault.empty()) {
-    card.steps.push_back({controller, {}, std::move(fault)});
+    card.steps.push_back({place, {}, std::move(fault)});
     return false;
   }
   if (controller.twoPrograms()) tellOfTwoPrograms(controller, group);
   if (!context_.Com().TestSend(controller.station, controller.address)) return complete_ = false;
   card.steps.push_back(
-      {controller,
+      {place,
        cardLines(record, controller.rights(), liftOutputs(database, card.sent.id, controller),
                  controller.type, context_.clock().now()),
        {}});
