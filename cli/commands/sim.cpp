@@ -227,6 +227,19 @@ void addFaultCommand(Command& group, Session& session) {
       session, [place, faults](Session& i, site::Site& site) { setFaults(i, site, *place, *faults); }));
 }
 
+// A command that does one thing with the controller at a place.
+void addPlaceCommand(Command& group, Session& session, const std::string& name, const std::string& help,
+                     void (site::Site::*action)(int station, int address)) {
+  auto* command = group.add_subcommand(name, help);
+  auto options = std::make_shared<ControllerOptions>();
+  addPlaceOptions(*command, *options);
+  command->footer("Example:\n  voxa sim controller " + name + " --station Local --address 1");
+  command->callback(onSite(session, [options, action](Session& i, site::Site& site) {
+    const ControllerPlace place = placeOf(i, *options);
+    (site.*action)(place.station, place.address);
+  }));
+}
+
 }  // namespace
 
 void addSimulatorCommands(Command& app, Session& session) {
@@ -258,23 +271,10 @@ void addSimulatorCommands(Command& app, Session& session) {
 
   addFaultCommand(*group, session);
 
-  auto* replace = group->add_subcommand("replace", "Put a new controller, which holds nothing, in its place");
-  auto replaced = std::make_shared<ControllerOptions>();
-  addPlaceOptions(*replace, *replaced);
-  replace->footer("Example:\n  voxa sim controller replace --station Local --address 1");
-  replace->callback(onSite(session, [replaced](Session& i, site::Site& site) {
-    const ControllerPlace place = placeOf(i, *replaced);
-    site.replace(place.station, place.address);
-  }));
-
-  auto* remove = group->add_subcommand("remove", "Take a controller off the line, with all it holds");
-  auto removed = std::make_shared<ControllerOptions>();
-  addPlaceOptions(*remove, *removed);
-  remove->footer("Example:\n  voxa sim controller remove --station Local --address 1");
-  remove->callback(onSite(session, [removed](Session& i, site::Site& site) {
-    const ControllerPlace place = placeOf(i, *removed);
-    site.removeController(place.station, place.address);
-  }));
+  addPlaceCommand(*group, session, "replace", "Put a new controller, which holds nothing, in its place",
+                  &site::Site::replace);
+  addPlaceCommand(*group, session, "remove", "Take a controller off the line, with all it holds",
+                  &site::Site::removeController);
 
   addSwipeCommand(*sim, session);
 }

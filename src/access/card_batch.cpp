@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <limits>
 #include <optional>
-#include <set>
 
 #include "access/access_context.h"
 #include "access/card_block.h"
@@ -57,7 +56,7 @@ class Batch {
     lastNum_ = cardNumber(std::int64_t{cardNumber(firstNum)} + cards - 1);
     lastCode_ = addToCardCode(firstCode_, cards - 1);
     firstCode_ = addToCardCode(firstCode_, 0);
-    for (std::int32_t number = firstNum_; number <= lastNum_; ++number) numbers_.push_back(number);
+    numbers_ = numbersOf(firstNum_, lastNum_);
   }
 
   /// The number or code of the block that is in use, if there is one.
@@ -181,21 +180,21 @@ std::int16_t Batch::send(const std::vector<PlannedSend>& sends) {
 }
 
 void Batch::settle() {
-  for (const UnfinishedCards& cards : noted_) context_.ledger().forgetUnfinished(cards);
+  context_.ledger().forgetUnfinished(noted_);
 }
 
 void Batch::takeBack() {
-  std::set<ControllerPlace> open;
+  std::vector<UnfinishedCards> open;
   for (const ControllerPlace& place : reached_) {
-    if (!eraseCards(context_, place, numbers_)) open.insert(place);
+    if (!eraseCards(context_, place, numbers_)) open.push_back({place, numbers_});
   }
-  for (const UnfinishedCards& cards : noted_) {
-    if (open.contains(cards.place)) {
-      context_.ledger().noteUnfinished({cards}, false);  // for the next time
-    } else {
-      context_.ledger().forgetUnfinished(cards);
-    }
-  }
+  if (noted_.empty()) return;
+  // First those that stay, for the next time: a process that is killed in between forgets none.
+  context_.ledger().noteUnfinished(open, false);
+  std::erase_if(noted_, [&](const UnfinishedCards& cards) {
+    return std::any_of(open.begin(), open.end(), [&](const auto& left) { return left.place == cards.place; });
+  });
+  context_.ledger().forgetUnfinished(noted_);
 }
 
 }  // namespace

@@ -73,12 +73,6 @@ bool canBeAsked(AccessContext& context, const ControllerPlace& place) {
   return context.Com().isInUse(place.station) && context.Com().TestSend(place.station, place.address);
 }
 
-std::vector<std::int32_t> numbersOf(std::int32_t first, std::int32_t last) {
-  std::vector<std::int32_t> numbers;
-  for (std::int32_t number = first; number <= last; ++number) numbers.push_back(number);
-  return numbers;
-}
-
 /// The numbers that no card of the table has on the controller.
 std::vector<std::int32_t> strays(AccessContext& context, const UnfinishedCards& cards) {
   Database& database = context.database();
@@ -128,11 +122,17 @@ bool finish(AccessContext& context, const UnfinishedCards& cards) {
     if (!canBeAsked(context, cards.place)) return true;
     if (!eraseCards(context, cards.place, numbers)) return false;
   }
-  context.ledger().forgetUnfinished(cards);
+  context.ledger().forgetUnfinished({cards});
   return true;
 }
 
 }  // namespace
+
+std::vector<std::int32_t> numbersOf(std::int32_t first, std::int32_t last) {
+  std::vector<std::int32_t> numbers;
+  for (std::int32_t number = first; number <= last; ++number) numbers.push_back(number);
+  return numbers;
+}
 
 bool eraseCards(AccessContext& context, const ControllerPlace& place,
                 const std::vector<std::int32_t>& numbers) {

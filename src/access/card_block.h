@@ -10,6 +10,9 @@ namespace voxa {
 
 class AccessContext;
 
+/// The card numbers from the first to the last.
+[[nodiscard]] std::vector<std::int32_t> numbersOf(std::int32_t first, std::int32_t last);
+
 /// Erases cards on a controller; whether it confirmed. Otherwise a line in `Com.errorList` tells what is
 /// still on it.
 [[nodiscard]] bool eraseCards(AccessContext& context, const ControllerPlace& place,

@@ -18,17 +18,15 @@ namespace voxa {
 
 namespace {
 
-constexpr std::int16_t driverSuccess = 100;
 constexpr const char* crLf = "\r\n";
 
 bool isComFailure(std::int16_t result) {
   return result >= 1 && result <= 16;
 }
 
-// Controllers 1 to 16 are 41 to 56 to the driver; every other address is its own.
 std::int16_t toDriverAddress(std::int16_t controller) {
-  constexpr std::int16_t offset = 40;
-  return controller >= 1 && controller <= 16 ? static_cast<std::int16_t>(controller + offset) : controller;
+  return isOfController(controller) ? static_cast<std::int16_t>(controller + driverAddressOffset)
+                                    : controller;
 }
 
 bool skipsTest(ComCommandsEnum command, std::int16_t controller) {

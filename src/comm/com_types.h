@@ -33,6 +33,14 @@ enum ComSpecialController : std::int16_t {
   CmToAllControllers = 95  ///< broadcast on the station's line; nobody acknowledges
 };
 
+/// Whether an address is that of one controller of a line.
+[[nodiscard]] constexpr bool isOfController(int address) {
+  return address >= 1 && address <= 16;
+}
+/// The driver knows controller 1 as 41, and so on; other addresses are the same to it.
+inline constexpr std::int16_t driverAddressOffset = 40;
+inline constexpr std::int16_t driverSuccess = 100;  ///< of every operation
+
 /// Where a controller is.
 struct ControllerPlace {
   std::int16_t station = 0;

@@ -42,7 +42,8 @@ std::int16_t downloadRow(CommContext& context, GenTable& rows, const RowDownload
                          const Component& component, std::int16_t params, const Tell& teller);
 
 /// What a download of all these rows to a component is going to send, for the ledger. query: gives whole
-/// rows. Rows that cannot be right are left out, and nothing is sent while communications are inhibited.
+/// rows. It ends before the first row that cannot be right: what is behind it is not announced. Nothing is
+/// sent while communications are inhibited.
 [[nodiscard]] std::vector<PlannedSend> rowSends(CommContext& context, const Component& component,
                                                 const std::string& query, const RowLines& lines);
 

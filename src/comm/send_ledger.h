@@ -37,7 +37,7 @@ class SendLedger {
   virtual void noteUnfinished(const std::vector<UnfinishedCards>& cards, bool underWay) = 0;
   /// What was noted and nobody is at work on any more, by place.
   [[nodiscard]] virtual std::vector<UnfinishedCards> unfinished() = 0;
-  virtual void forgetUnfinished(const UnfinishedCards& cards) = 0;
+  virtual void forgetUnfinished(const std::vector<UnfinishedCards>& cards) = 0;
 };
 
 /// What is going to be sent while it lives.

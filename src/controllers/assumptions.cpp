@@ -57,7 +57,7 @@ class Assumptions {
     for (; !readers->eof(); readers->moveNext()) {
       const ControllerPlace place{nullToInt(readers->get("StationId")),
                                   nullToInt(readers->get("ControllerAddress"))};
-      if (place.address >= 1 && place.address <= 16) places.insert(place);
+      if (isOfController(place.address)) places.insert(place);
     }
     const bool fourZones = context_.Com().pDailyPrograms4Zones == 1;
     const DateTime today = context_.clock().now();
@@ -70,23 +70,35 @@ class Assumptions {
   }
 
   void cards() {
-    std::map<std::int16_t, std::vector<GrantedController>> groups;
-    const auto rows = main_.openRecordset("select * from Cardholders order by AccessGroupId, CardNum");
+    std::map<std::int16_t, std::vector<Granted>> groups;
+    // Deleted cards come last: a number that a live card has is that one's.
+    const auto rows =
+        main_.openRecordset("select * from Cardholders order by Deleted desc, AccessGroupId, CardNum");
     for (; !rows->eof(); rows->moveNext()) {
       const std::int16_t group = nullToInt(rows->get("AccessGroupId"));
       const auto [reached, added] = groups.try_emplace(group);
-      if (added) reached->second = controllersOf(main_, group);
+      if (added) reached->second = grantedBy(group, rows->get("Id").toInt32());
       const CardRecord card = cardRecord(*rows);
       if (card.number < 1 || card.number >= firstSlotBehindCards) continue;
-      for (const GrantedController& controller : reached->second) {
-        if (controller.address >= 1 && controller.address <= 16)
-          assume(controller, rows->get("Id").toInt32(), card);
-      }
+      for (const Granted& granted : reached->second) assume(granted, card);
     }
-    for (const auto& [slot, state] : cards_) file_.insertThing().execute({slot, state.text()});
   }
 
  private:
+  struct Granted {
+    GrantedController controller;
+    std::vector<std::int16_t> lifts;
+  };
+  std::vector<Granted> grantedBy(std::int16_t group, std::int32_t cardholder) {
+    std::vector<Granted> all;
+    for (GrantedController& controller : controllersOf(main_, group)) {
+      if (!isOfController(controller.address)) continue;
+      std::vector<std::int16_t> lifts = liftOutputs(main_, cardholder, controller);
+      all.push_back({std::move(controller), std::move(lifts)});
+    }
+    return all;
+  }
+
   void rows(const std::set<ControllerPlace>& places, const char* query, const char* flag,
             const std::function<std::vector<std::string>(const Recordset&)>& linesOf) {
     for (auto row = main_.openRecordset(query); !row->eof(); row->moveNext()) {
@@ -107,20 +119,20 @@ class Assumptions {
     }
   }
 
-  void assume(const GrantedController& granted, std::int32_t cardholder, const CardRecord& card) {
-    const LedgerController& controller = controllers_.at(granted);
+  void assume(const Granted& granted, const CardRecord& card) {
+    const LedgerController& controller = controllers_.at(granted.controller);
     const std::int32_t slot = controller.id * slotsOfController + slotOf(ThingKind::card, card.number);
-    if (card.deleted && cards_.contains(slot)) return;  // its number is another card's
     CardRecord whole = card;
     whole.parts.set();
     std::vector<std::string> lines;
     try {
-      lines = cardLines(whole, granted.rights(), liftOutputs(main_, cardholder, granted), granted.type,
+      lines = cardLines(whole, granted.controller.rights(), granted.lifts, granted.controller.type,
                         context_.clock().now());
     } catch (const Error&) {
       return;  // such a row was never sent
     }
-    CardState& state = cards_[slot] = {};
+    if (!cards_.insert(slot).second) return;
+    CardState state;
     for (const std::string& text : lines) {
       const SentLine line = sentLine(text, controller.type);
       if (line.field == CardField::lift) {
@@ -133,13 +145,14 @@ class Assumptions {
       if (!card.parts[part]) continue;
       for (const CardField field : fieldsOf(part)) state.part(field) = Possible::unknown();
     }
+    file_.insertThing().execute({slot, state.text()});
   }
 
   const LedgerFile& file_;
   AccessContext& context_;
   Database& main_;
   ControllerList controllers_;
-  std::map<std::int32_t, CardState> cards_;  // by the number of their row in the ledger
+  std::set<std::int32_t> cards_;  // the rows of the ledger that have one
 };
 
 }  // namespace

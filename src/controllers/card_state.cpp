@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <charconv>
 
+#include "platform/text.h"
+
 namespace voxa {
 
 namespace {
@@ -10,14 +12,6 @@ namespace {
 constexpr char betweenParts = ',';
 constexpr char betweenOutputs = '+';
 constexpr char behindOutput = '=';
-
-// Takes the text up to a separator, and the separator.
-std::string_view next(std::string_view& text, char separator) {
-  const std::size_t end = std::min(text.find(separator), text.size());
-  const std::string_view taken = text.substr(0, end);
-  text.remove_prefix(std::min(end + 1, text.size()));
-  return taken;
-}
 
 }  // namespace
 
@@ -80,13 +74,13 @@ std::string CardState::text() const {
 
 CardState CardState::read(std::string_view text) {
   CardState state;
-  for (Possible& each : state.parts_) each = Possible::read(next(text, betweenParts));
-  state.otherLifts_ = Possible::read(next(text, betweenOutputs));
+  for (Possible& each : state.parts_) each = Possible::read(takeUntil(text, betweenParts));
+  state.otherLifts_ = Possible::read(takeUntil(text, betweenOutputs));
   while (!text.empty()) {
-    const std::string_view digits = next(text, behindOutput);
+    const std::string_view digits = takeUntil(text, behindOutput);
     std::int16_t output = 0;
     (void)std::from_chars(digits.data(), digits.data() + digits.size(), output);
-    state.lifts_[output] = Possible::read(next(text, betweenOutputs));
+    state.lifts_[output] = Possible::read(takeUntil(text, betweenOutputs));
   }
   return state;
 }

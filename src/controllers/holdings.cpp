@@ -159,27 +159,4 @@ Holdings readHoldings(const LedgerFile& file, const LedgerController& controller
   return holdings;
 }
 
-void mayTake(Holdings& holdings, std::string_view text, std::string_view controllerType) {
-  const SentLine line = sentLine(text, controllerType);
-  switch (line.fit) {
-    case SentLine::Fit::certain:
-    case SentLine::Fit::doubtful:
-      if (line.kind == ThingKind::card) return holdings.cards[line.number].take(line, false);
-      return holdings.things[{line.kind, line.number}].mayBecome(line.value);
-    case SentLine::Fit::wholeKind:
-      if (line.kind == ThingKind::card) {
-        for (auto& [number, card] : holdings.cards) card.mayBeAnything();
-      }
-      for (auto& [key, state] : holdings.things) {
-        if (key.first == line.kind) state.mayBeAnything();
-      }
-      return;
-    case SentLine::Fit::notUnderstood:
-      holdings.notUnderstood.emplace_back(text);
-      return;
-    case SentLine::Fit::lineSpeed:
-      return;
-  }
-}
-
 }  // namespace voxa

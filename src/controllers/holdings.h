@@ -18,8 +18,6 @@ struct Holdings {
   std::vector<std::string> notUnderstood;                         ///< lines, the oldest first
 };
 [[nodiscard]] Holdings readHoldings(const LedgerFile& file, const LedgerController& controller);
-/// The same after lines of which nobody knows whether they arrived.
-void mayTake(Holdings& holdings, std::string_view line, std::string_view controllerType);
 
 /// Lines that were sent to a controller, in their order.
 struct SentLines {

@@ -16,24 +16,14 @@ namespace voxa {
 
 namespace {
 
-constexpr std::int16_t driverSuccess = 100;
-constexpr std::int16_t lastAddress = 16;
-constexpr std::int16_t driverOffset = 40;  // what the driver calls controller 1 is 41
 // The driver finds the name in the station's ini file, where the system always writes this one.
 constexpr const char* commandFile = "COMMAND.TXT";
-
-std::string_view nextLine(std::string_view& text) {
-  const std::size_t end = std::min(text.find('\n'), text.size());
-  std::string_view line = text.substr(0, end);
-  text.remove_prefix(std::min(end + 1, text.size()));
-  while (line.ends_with('\r')) line.remove_suffix(1);
-  return line;
-}
 
 std::vector<std::string> linesOf(std::string_view text) {
   std::vector<std::string> lines;
   while (!text.empty()) {
-    const std::string_view line = nextLine(text);
+    std::string_view line = takeUntil(text, '\n');
+    while (line.ends_with('\r')) line.remove_suffix(1);
     if (!line.empty()) lines.emplace_back(line);
   }
   return lines;
@@ -54,18 +44,13 @@ std::vector<ControllerPlace> askedControllers(std::int16_t station) {
     if (!line.starts_with("TER:")) continue;
     std::string_view list = std::string_view(line).substr(4);
     while (!list.empty()) {
-      const std::string_view digits = list.substr(0, list.find(','));
-      list.remove_prefix(std::min(digits.size() + 1, list.size()));
+      const std::string_view digits = takeUntil(list, ',');
       std::int16_t address = 0;
       (void)std::from_chars(digits.data(), digits.data() + digits.size(), address);
-      if (address >= 1 && address <= lastAddress) places.push_back({station, address});
+      if (isOfController(address)) places.push_back({station, address});
     }
   }
   return places;
-}
-
-bool isOne(const ControllerPlace& place) {
-  return place.address >= 1 && place.address <= lastAddress;
 }
 
 }  // namespace
@@ -134,9 +119,13 @@ void Ledger::attempt(Body body) {
 
 // What processes that are no longer at work were sending may have arrived.
 void Ledger::takeAbandoned(ControllerList& controllers) {
+  takeInDoubt(controllers, pending_.takeAbandoned());
+}
+
+void Ledger::takeInDoubt(ControllerList& controllers, const std::vector<PlannedSend>& sends) {
   std::vector<Result> results;
-  for (PlannedSend& send : pending_.takeAbandoned()) {
-    for (const ControllerPlace& place : placesOf(controllers, send.place)) {
+  for (const PlannedSend& send : sends) {
+    for (const ControllerPlace& place : addressed(controllers, send.place).places) {
       results.push_back({place, send.lines, false});
     }
   }
@@ -168,13 +157,12 @@ void Ledger::apply(ControllerList& controllers, const std::vector<Result>& resul
   }
 }
 
-std::vector<ControllerPlace> Ledger::placesOf(const ControllerList& controllers,
-                                              const ControllerPlace& place) const {
-  if (isOne(place)) return {place};
+Ledger::Addressed Ledger::addressed(const ControllerList& controllers, const ControllerPlace& place) const {
+  if (isOfController(place.address)) return {{place}, true};
   if (place.address == CmToEachController) {
-    if (auto asked = askedControllers(place.station); !asked.empty()) return asked;
+    if (auto asked = askedControllers(place.station); !asked.empty()) return {std::move(asked), true};
   }
-  return controllers.ofStation(place.station);
+  return {controllers.ofStation(place.station), false};
 }
 
 void Ledger::expect(const std::vector<PlannedSend>& sends) {
@@ -232,8 +220,8 @@ Ledger::Call Ledger::beginOnce(const ControllerPlace& driverPlace) {
   if (!open()) return call;
   call.kept = true;
   ControllerPlace place = driverPlace;
-  if (place.address > driverOffset && place.address <= driverOffset + lastAddress) {
-    place.address = static_cast<std::int16_t>(place.address - driverOffset);
+  if (const int own = place.address - driverAddressOffset; isOfController(own)) {
+    place.address = static_cast<std::int16_t>(own);
   } else if (place.address != CmToEachController) {
     place.address = CmToAllControllers;  // any other address may be anybody's
   }
@@ -242,19 +230,17 @@ Ledger::Call Ledger::beginOnce(const ControllerPlace& driverPlace) {
   call.lines = linesOf(text);
   // A file that cannot be read may set anything: a code alone stands for everything of its kind.
   if (!file) call.lines = {"04", "09", "31", "32", "34", "42"};
-  call.canBeCertain =
-      isOne(place) || (place.address == CmToEachController && !askedControllers(place.station).empty());
   if (isExpected(place, text)) {
-    call.places = placesOf(block_->controllers, place);
+    call.to = addressed(block_->controllers, place);
     return call;
   }
   write([&] {
     ControllerList& controllers =
         block_ ? block_->controllers : call.controllers.emplace(file_.database(), context_);
     takeAbandoned(controllers);
-    call.places = placesOf(controllers, place);
+    call.to = addressed(controllers, place);
     std::vector<PlannedSend> sends;
-    for (const ControllerPlace& each : call.places) sends.push_back({each, call.lines});
+    for (const ControllerPlace& each : call.to.places) sends.push_back({each, call.lines});
     call.row = pending_.add(sends);
   });
   return call;
@@ -262,9 +248,9 @@ Ledger::Call Ledger::beginOnce(const ControllerPlace& driverPlace) {
 
 void Ledger::end(Call& call, std::optional<std::int16_t> result) {
   if (!call.kept) return;
-  const bool certain = call.canBeCertain && result == driverSuccess;
+  const bool certain = call.to.byName && result == driverSuccess;
   std::vector<Result> results;
-  for (const ControllerPlace& place : call.places) results.push_back({place, call.lines, certain});
+  for (const ControllerPlace& place : call.to.places) results.push_back({place, call.lines, certain});
   if (!call.row) {
     if (block_) std::move(results.begin(), results.end(), std::back_inserter(block_->results));
     return;
@@ -295,19 +281,12 @@ std::vector<LedgerController> Ledger::controllers() {
 
 Holdings Ledger::holdings(const ControllerPlace& place) {
   if (!open()) return {};
-  Transaction transaction(file_.engine(), file_.database());
-  const ControllerList list(file_.database(), context_);
-  Holdings holdings;
-  if (const LedgerController* controller = list.find(place)) {
-    holdings = readHoldings(file_, *controller);
-    for (const PlannedSend& send : pending_.all()) {
-      const auto places = placesOf(list, send.place);
-      if (std::find(places.begin(), places.end(), place) == places.end()) continue;
-      for (const std::string& line : send.lines) mayTake(holdings, line, controller->type);
-    }
-  }
-  transaction.commit();
-  return holdings;
+  // What is being sent is taken in as if its process were gone, and given back at the end.
+  const Transaction undone(file_.engine(), file_.database());
+  ControllerList list(file_.database(), context_);
+  takeInDoubt(list, pending_.all());
+  const LedgerController* controller = list.find(place);
+  return controller == nullptr ? Holdings() : readHoldings(file_, *controller);
 }
 
 void Ledger::replace(const ControllerPlace& place) {
@@ -319,6 +298,7 @@ void Ledger::replace(const ControllerPlace& place) {
 }
 
 void Ledger::noteUnfinished(const std::vector<UnfinishedCards>& cards, bool underWay) {
+  if (cards.empty()) return;
   attempt([&] {
     ControllerList list(file_.database(), context_);
     voxa::noteUnfinished(file_.database(), list, cards, underWay ? pending_.owner() : PendingSends::nobody);
@@ -335,7 +315,8 @@ std::vector<UnfinishedCards> Ledger::unfinished() {
   return cards;
 }
 
-void Ledger::forgetUnfinished(const UnfinishedCards& cards) {
+void Ledger::forgetUnfinished(const std::vector<UnfinishedCards>& cards) {
+  if (cards.empty()) return;
   attempt([&] {
     ControllerList list(file_.database(), context_);
     voxa::forgetUnfinished(file_.database(), list, cards);

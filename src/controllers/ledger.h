@@ -34,14 +34,18 @@ class Ledger : public SendLedger {
   void settle() override;
   void noteUnfinished(const std::vector<UnfinishedCards>& cards, bool underWay) override;
   [[nodiscard]] std::vector<UnfinishedCards> unfinished() override;
-  void forgetUnfinished(const UnfinishedCards& cards) override;
+  void forgetUnfinished(const std::vector<UnfinishedCards>& cards) override;
 
+  /// The controllers that an address of the driver means.
+  struct Addressed {
+    std::vector<ControllerPlace> places;
+    bool byName = false;  ///< the driver asks each of them: success says that all have taken what was sent
+  };
   /// A call of the driver with a command file.
   struct Call {
     bool kept = false;  ///< there is a ledger
-    std::vector<ControllerPlace> places;
+    Addressed to;
     std::vector<std::string> lines;
-    bool canBeCertain = false;        ///< success says that every place has taken it
     std::optional<std::int32_t> row;  ///< what it stands as among the pending sends; none within a block
     std::optional<ControllerList> controllers;
   };
@@ -89,9 +93,9 @@ class Ledger : public SendLedger {
   void failed(const Error& error);
   void putAside(const Error& error);
   void takeAbandoned(ControllerList& controllers);
+  void takeInDoubt(ControllerList& controllers, const std::vector<PlannedSend>& sends);
   void apply(ControllerList& controllers, const std::vector<Result>& results, bool contested);
-  [[nodiscard]] std::vector<ControllerPlace> placesOf(const ControllerList& controllers,
-                                                      const ControllerPlace& place) const;
+  [[nodiscard]] Addressed addressed(const ControllerList& controllers, const ControllerPlace& place) const;
   [[nodiscard]] bool isExpected(const ControllerPlace& place, const std::string& text) const;
 
   AccessContext& context_;

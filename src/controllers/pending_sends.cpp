@@ -4,6 +4,8 @@
 #include <limits>
 #include <map>
 
+#include "platform/text.h"
+
 namespace voxa {
 
 namespace {
@@ -25,13 +27,6 @@ std::string textOf(const std::vector<PlannedSend>& sends) {
   return text;
 }
 
-std::string_view next(std::string_view& text, char separator) {
-  const std::size_t end = std::min(text.find(separator), text.size());
-  const std::string_view taken = text.substr(0, end);
-  text.remove_prefix(std::min(end + 1, text.size()));
-  return taken;
-}
-
 std::int16_t numberOf(std::string_view digits) {
   std::int16_t number = 0;
   (void)std::from_chars(digits.data(), digits.data() + digits.size(), number);
@@ -40,13 +35,13 @@ std::int16_t numberOf(std::string_view digits) {
 
 void addFrom(std::string_view text, std::vector<PlannedSend>& sends) {
   while (!text.empty()) {
-    std::string_view places = next(text, '\n');
+    std::string_view places = takeUntil(text, '\n');
     std::vector<std::string> lines;
-    for (std::string_view line = next(text, '\n'); !line.empty(); line = next(text, '\n'))
+    for (std::string_view line = takeUntil(text, '\n'); !line.empty(); line = takeUntil(text, '\n'))
       lines.emplace_back(line);
     while (!places.empty()) {
-      std::string_view place = next(places, ' ');
-      const std::int16_t station = numberOf(next(place, ','));
+      std::string_view place = takeUntil(places, ' ');
+      const std::int16_t station = numberOf(takeUntil(place, ','));
       sends.push_back({{station, numberOf(place)}, lines});
     }
   }

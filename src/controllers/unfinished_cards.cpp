@@ -21,8 +21,8 @@ void noteUnfinished(Database& ledger, ControllerList& controllers, const std::ve
                     std::int16_t owner) {
   const auto insert = ledger.prepare(
       "parameters pId long, pOwner short; insert into Unfinished (Id, Owner) values (pId, pOwner)");
+  forgetUnfinished(ledger, controllers, cards);
   for (const UnfinishedCards& each : cards) {
-    forgetUnfinished(ledger, controllers, each);
     for (const std::int32_t number : each.numbers)
       insert->execute({idOf(controllers.at(each.place), number), owner});
   }
@@ -52,10 +52,13 @@ std::vector<UnfinishedCards> unfinishedCards(Database& ledger, const ControllerL
   return list;
 }
 
-void forgetUnfinished(Database& ledger, ControllerList& controllers, const UnfinishedCards& cards) {
+void forgetUnfinished(Database& ledger, ControllerList& controllers,
+                      const std::vector<UnfinishedCards>& cards) {
   const auto remove = ledger.prepare("parameters pId long; delete from Unfinished where Id = pId");
-  for (const std::int32_t number : cards.numbers)
-    remove->execute({idOf(controllers.at(cards.place), number)});
+  for (const UnfinishedCards& each : cards) {
+    for (const std::int32_t number : each.numbers)
+      remove->execute({idOf(controllers.at(each.place), number)});
+  }
 }
 
 }  // namespace voxa

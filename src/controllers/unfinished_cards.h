@@ -21,6 +21,7 @@ void noteUnfinished(Database& ledger, ControllerList& controllers, const std::ve
 [[nodiscard]] std::vector<UnfinishedCards> unfinishedCards(Database& ledger,
                                                            const ControllerList& controllers,
                                                            const PendingSends& processes);
-void forgetUnfinished(Database& ledger, ControllerList& controllers, const UnfinishedCards& cards);
+void forgetUnfinished(Database& ledger, ControllerList& controllers,
+                      const std::vector<UnfinishedCards>& cards);
 
 }  // namespace voxa

@@ -223,6 +223,13 @@ std::string toLower(std::string_view text) {
   return mapped(text, lower);
 }
 
+std::string_view takeUntil(std::string_view& text, char separator) {
+  const std::size_t end = std::min(text.find(separator), text.size());
+  const std::string_view taken = text.substr(0, end);
+  text.remove_prefix(std::min(end + 1, text.size()));
+  return taken;
+}
+
 std::string trimmed(const std::string& text) {
   constexpr const char* space = " \t\n\v\f\r";
   const auto first = text.find_first_not_of(space);

@@ -24,6 +24,8 @@ namespace voxa {
 [[nodiscard]] std::string toUpper(std::string_view text);
 /// Without the white space of ASCII at both ends.
 [[nodiscard]] std::string trimmed(const std::string& text);
+/// Takes the part before the first `separator`, all when there is none, and the separator off the text.
+[[nodiscard]] std::string_view takeUntil(std::string_view& text, char separator);
 /// Number of characters (code points) of a UTF-8 text.
 [[nodiscard]] std::size_t lengthInCharacters(std::string_view utf8);
 /// Whether the bytes are well-formed UTF-8.
