@@ -83,6 +83,7 @@ bool Ledger::open() {
 void Ledger::provide() {
   const std::string& folder = context_.paths().Chemin;
   if (folder.empty() || files::exists(LedgerFile::pathIn(folder))) return;
+  file_.tryAgain();
   try {
     (void)open();
   } catch (const Error&) {

@@ -31,14 +31,17 @@ void addText(TableDef& definition, const char* name, DataType type, int size = 0
 LedgerFile::Opened LedgerFile::open(const std::string& folder, const std::function<void()>& begin) {
   if (isOpen() && folder == folder_) return Opened::before;
   close();
-  if (folder.empty() || !files::folderExists(folder)) return Opened::none;
+  if (folder.empty() || folder == impossible_ || !files::folderExists(folder)) return Opened::none;
   folder_ = folder;
   if (!files::exists(path())) {
     try {
       database_ = engine_.create(path());
     } catch (const Error& error) {
       // Nobody can keep account here, and nobody did: nothing is claimed of any controller.
-      if (error.number() == err::dbCannotOpen) return Opened::none;
+      if (error.number() == err::dbCannotOpen) {
+        impossible_ = folder;
+        return Opened::none;
+      }
       if (error.number() != err::dbFileExists) throw;  // else another process was first
     }
   }

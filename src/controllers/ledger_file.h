@@ -30,6 +30,8 @@ class LedgerFile {
   /// Opens the ledger of a folder. A new one gets its tables, and what `begin` writes into them, in one
   /// transaction. Raises what fails; a damaged file raises `err::dbNotADatabase`.
   Opened open(const std::string& folder, const std::function<void()>& begin);
+  /// A folder in which none could be made is tried again.
+  void tryAgain() { impossible_.clear(); }
   void close();
   /// Puts a damaged ledger aside, under a name of its own, which is returned.
   std::string setAside();
@@ -49,6 +51,7 @@ class LedgerFile {
 
   DatabaseEngine& engine_;
   std::string folder_;
+  std::string impossible_;  ///< the folder in which none could be made
   std::shared_ptr<Database> database_;
   std::unique_ptr<Command> insertThing_;
   std::unique_ptr<Command> updateThing_;

@@ -335,6 +335,9 @@ TEST_F(CardsTest, ABlockOfCardsIsAllOrNothing) {
   db().execute("update Cardholders set Deleted = True where CardNum = 2");
   EXPECT_EQ(cards().createGroup(2, "200", 5, 1), 1);
   EXPECT_EQ(cards().createGroup(10, "90", 11, 1), 1);
+  db().execute("update Cardholders set CardNum = 12, CardCode = '00000092' where CardNum = 2");
+  EXPECT_EQ(cards().createGroup(10, "90", 2, 1), 0);  // up to its neighbour
+  db().execute("delete from Cardholders where CardNum = 10 or CardNum = 11");
   EXPECT_EQ(boxes(), (std::vector<std::string>{"Card number already in use (2)",
                                                "Card code already in use (00000100)"}));
   const struct {

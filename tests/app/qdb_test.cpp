@@ -96,6 +96,14 @@ TEST_F(QDBTest, CreateDBOverTheOpenDatabaseAsksAndHeedsTheAnswers) {
   EXPECT_EQ(query("select Name from Stations where Id = 2"), "Kept");
   boxes();
 
+  // Yes: what was saved is replaced, the journal too.
+  glob->QDB().Journal().DB()->execute("insert into Journal (TransactionData) values ('seen')");
+  prompts.answers = {Answer::no, Answer::yes, Answer::no};
+  EXPECT_EQ(glob->QDB().createDB(), 0);
+  EXPECT_TRUE(glob->QDB().Journal().DB()->openRecordset("select * from Journal")->eof());
+  addStation(2, "Kept");
+  boxes();
+
   // No, then No to the second question: the file is saved all the same. The journal is kept (Cancel).
   prompts.answers = {Answer::no, Answer::no, Answer::cancel};
   prompts.choices = {folder + "\\Saved.mdb"};

@@ -141,6 +141,7 @@ TEST_F(StationTest, TheIniFileAndTheSpeedsOfALine) {
                {"//srv/m.ini", false, true},
                {"/\\?\\C:\\m", false, true},
                {"nul", false, true},
+               {"COM0", false, true},
                {"x\\Com1 .ini", false, true},
                {"LPT\u00B2", false, true},
                {"aux:", false, true},
