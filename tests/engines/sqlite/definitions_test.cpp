@@ -61,7 +61,10 @@ TEST_F(Definitions, BadOnesAreRefusedWhole) {
   for (const auto& bad : cases) {
     EXPECT_EQ(failure([&] { db->createTable(bad.first); }), bad.second) << lastDescription;
   }
-  EXPECT_EQ(failure([&] { db->createTable(table({a}, {{"I", {"A"}}, {"i", {"A"}}})); }), err::dbInvalidArgument);
+  EXPECT_EQ(failure([&] {
+              db->createTable(table({a}, {{"I", {"A"}}, {"i", {"A"}}}));
+            }),
+            err::dbInvalidArgument);
   EXPECT_EQ(lastDescription, "Index 'i' of table 'T' is defined twice");
   EXPECT_EQ(failure([&] { (void)db->tableDef("T"); }), err::dbUnknownTable);
   EXPECT_EQ(failure([&] { db->addField("Nowhere", a); }), err::dbUnknownTable);
