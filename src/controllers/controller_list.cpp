@@ -119,6 +119,29 @@ LedgerController& ControllerList::at(const ControllerPlace& place) {
   return controllers_[place] = controller;
 }
 
+bool ControllerList::refresh(const ControllerPlace& place) {
+  const auto row = ledger_.openRecordset(
+      "parameters pStation short, pAddress short; select Id, Changes from Controllers where Station = "
+      "pStation "
+      "and Address = pAddress and Retired is null",
+      {{"pStation", place.station}, {"pAddress", place.address}});
+  const auto known = controllers_.find(place);
+  if (row->eof()) {
+    if (known == controllers_.end()) return true;
+    controllers_.erase(known);
+    return false;
+  }
+  const std::int32_t id = row->get("Id").toInt32();
+  const std::int32_t changes = row->get("Changes").toInt32();
+  if (known != controllers_.end() && known->second.id == id && known->second.changes == changes) return true;
+  LedgerController& controller = controllers_[place];
+  controller.id = id;
+  controller.place = place;
+  controller.changes = changes;
+  if (const auto type = types_.find(place); type != types_.end()) controller.type = type->second;
+  return false;
+}
+
 const LedgerController* ControllerList::find(const ControllerPlace& place) const {
   const auto known = controllers_.find(place);
   return known == controllers_.end() ? nullptr : &known->second;

@@ -37,6 +37,9 @@ class ControllerList {
 
   /// The controller at a place. One that was not known is added.
   LedgerController& at(const ControllerPlace& place);
+  /// Brings the entry of a place up to date. False when another process has noted something of the
+  /// controller since the list knew of it, or put another one in its place.
+  [[nodiscard]] bool refresh(const ControllerPlace& place);
   [[nodiscard]] const LedgerController* find(const ControllerPlace& place) const;
   /// The known controllers of a line.
   [[nodiscard]] std::vector<ControllerPlace> ofStation(std::int16_t station) const;

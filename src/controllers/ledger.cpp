@@ -130,31 +130,42 @@ void Ledger::takeInDoubt(ControllerList& controllers, const std::vector<PlannedS
       results.push_back({place, send.lines, false});
     }
   }
-  apply(controllers, results, false);
+  apply(controllers, results);
 }
 
-void Ledger::apply(ControllerList& controllers, const std::vector<Result>& results, bool contested) {
+// What this process has sent. mine: nobody has taken it for dead meanwhile.
+void Ledger::applyMine(ControllerList& controllers, std::vector<Result> results, bool mine) {
+  const std::vector<PlannedSend> others = pending_.ofOthers();
+  if (!mine || !others.empty()) {
+    for (Result& result : results) result.certain = false;
+  }
+  // There is one command file: a process that is sending may send what this one wrote into it.
+  std::set<std::vector<std::string>> files;
+  for (const Result& result : results) files.insert(result.lines);
+  for (const PlannedSend& send : others) {
+    for (const ControllerPlace& place : addressed(controllers, send.place).places) {
+      for (const auto& lines : files) results.push_back({place, lines, false});
+    }
+  }
+  apply(controllers, results);
+}
+
+void Ledger::apply(ControllerList& controllers, const std::vector<Result>& results) {
   std::map<ControllerPlace, std::vector<SentLines>> byPlace;
   for (const Result& result : results) {
     SentLines& sent = byPlace[result.place].emplace_back();
     sent.lines.assign(result.lines.begin(), result.lines.end());
-    sent.certain = result.certain && !contested;
+    sent.certain = result.certain;
   }
-  Database& ledger = file_.database();
   for (auto& [place, sent] : byPlace) {
-    LedgerController& controller = controllers.at(place);
-    const auto row = ledger.openRecordset(
-        "parameters pId long; select Id, Changes from Controllers where Id = pId", {{"pId", controller.id}});
-    const std::int32_t changes = row->get("Changes").toInt32();
     // Another process sent to it meanwhile: which of the two came last, nobody knows.
-    if (changes != controller.changes) {
+    if (!controllers.refresh(place)) {
       for (SentLines& each : sent) each.certain = false;
     }
+    LedgerController& controller = controllers.at(place);
     takeLines(file_, controller, sent, context_.clock().now());
-    controller.changes = changes + 1;
-    row->edit();
-    row->set("Changes", controller.changes);
-    row->update();
+    file_.database().execute("update Controllers set Changes = " + std::to_string(++controller.changes) +
+                             " where Id = " + std::to_string(controller.id));
   }
 }
 
@@ -186,8 +197,8 @@ void Ledger::settle() {
   Block block = std::move(*block_);
   block_.reset();
   attempt([&] {
-    const bool contested = !pending_.remove(block.row) || pending_.othersAtWork();
-    apply(block.controllers, block.results, contested);
+    const bool mine = pending_.remove(block.row);
+    applyMine(block.controllers, std::move(block.results), mine);
   });
 }
 
@@ -227,11 +238,11 @@ Ledger::Call Ledger::beginOnce(const ControllerPlace& driverPlace) {
     place.address = CmToAllControllers;  // any other address may be anybody's
   }
   const auto file = files::contents(commandFile);
-  const std::string text = fromCp1252(file.value_or(""));
-  call.lines = linesOf(text);
+  call.text = fromCp1252(file.value_or(""));
+  call.lines = linesOf(call.text);
   // A file that cannot be read may set anything: a code alone stands for everything of its kind.
   if (!file) call.lines = {"04", "09", "31", "32", "34", "42"};
-  if (isExpected(place, text)) {
+  if (isExpected(place, call.text)) {
     call.to = addressed(block_->controllers, place);
     return call;
   }
@@ -249,20 +260,23 @@ Ledger::Call Ledger::beginOnce(const ControllerPlace& driverPlace) {
 
 void Ledger::end(Call& call, std::optional<std::int16_t> result) {
   if (!call.kept) return;
-  const bool certain = call.to.byName && result == driverSuccess;
+  // Another process that wrote the file meanwhile may have had the driver send its own lines.
+  const std::string text = fromCp1252(files::contents(commandFile).value_or(""));
+  const bool certain = call.to.byName && result == driverSuccess && text == call.text;
   std::vector<Result> results;
-  for (const ControllerPlace& place : call.to.places) results.push_back({place, call.lines, certain});
+  for (const ControllerPlace& place : call.to.places) {
+    results.push_back({place, call.lines, certain});
+    if (text != call.text) results.push_back({place, linesOf(text), false});
+  }
   if (!call.row) {
     if (block_) std::move(results.begin(), results.end(), std::back_inserter(block_->results));
     return;
   }
   attempt([&] {
-    const bool contested = pending_.othersAtWork();
     // What was sent before it within the block comes first.
-    if (block_) apply(block_->controllers, std::exchange(block_->results, {}), contested);
+    if (block_) applyMine(block_->controllers, std::exchange(block_->results, {}), true);
     const bool mine = pending_.remove(*call.row);
-    ControllerList& controllers = block_ ? block_->controllers : *call.controllers;
-    apply(controllers, results, contested || !mine);
+    applyMine(block_ ? block_->controllers : *call.controllers, std::move(results), mine);
   });
 }
 

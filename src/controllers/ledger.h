@@ -45,6 +45,7 @@ class Ledger : public SendLedger {
   struct Call {
     bool kept = false;  ///< there is a ledger
     Addressed to;
+    std::string text;  ///< of the command file
     std::vector<std::string> lines;
     std::optional<std::int32_t> row;  ///< what it stands as among the pending sends; none within a block
     std::optional<ControllerList> controllers;
@@ -94,7 +95,8 @@ class Ledger : public SendLedger {
   void putAside(const Error& error);
   void takeAbandoned(ControllerList& controllers);
   void takeInDoubt(ControllerList& controllers, const std::vector<PlannedSend>& sends);
-  void apply(ControllerList& controllers, const std::vector<Result>& results, bool contested);
+  void apply(ControllerList& controllers, const std::vector<Result>& results);
+  void applyMine(ControllerList& controllers, std::vector<Result> results, bool mine);
   [[nodiscard]] Addressed addressed(const ControllerList& controllers, const ControllerPlace& place) const;
   [[nodiscard]] bool isExpected(const ControllerPlace& place, const std::string& text) const;
 

@@ -1,10 +1,15 @@
 #include "controllers/ledger_file.h"
 
+#include "platform/database/schema_version.h"
 #include "platform/files.h"
 
 namespace voxa {
 
 namespace {
+
+SchemaSteps schemaSteps() {
+  return {SchemaStep()};  // 1: files have a number
+}
 
 TableDef table(const char* name) {
   TableDef definition{name, {}, {}};
@@ -48,6 +53,7 @@ LedgerFile::Opened LedgerFile::open(const std::string& folder, const std::functi
   if (!database_) database_ = engine_.open(path());
   try {
     if (database_->tableNames().empty()) createTables(begin);
+    bringForward(engine_, *database_, schemaSteps());
     prepare();
   } catch (...) {
     close();
@@ -108,6 +114,7 @@ void LedgerFile::createTables(const std::function<void()>& begin) {
   for (const TableDef& definition : {controllers, things, sends, unfinished, notUnderstood}) {
     database_->createTable(definition);
   }
+  database_->setSchemaVersion(schemaSteps().size());
   prepare();
   begin();
   transaction.commit();

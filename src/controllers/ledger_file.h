@@ -28,7 +28,8 @@ class LedgerFile {
     none     ///< there is none, and none can be made in this folder
   };
   /// Opens the ledger of a folder. A new one gets its tables, and what `begin` writes into them, in one
-  /// transaction. Raises what fails; a damaged file raises `err::dbNotADatabase`.
+  /// transaction. Raises what fails; a damaged file raises `err::dbNotADatabase`, one of a
+  /// newer version of this system `err::dbVersion`.
   Opened open(const std::string& folder, const std::function<void()>& begin);
   /// A folder in which none could be made is tried again.
   void tryAgain() { impossible_.clear(); }

@@ -125,20 +125,19 @@ std::vector<PlannedSend> PendingSends::takeAbandoned() {
   return sends;
 }
 
-std::vector<PlannedSend> PendingSends::all() const {
+std::vector<PlannedSend> PendingSends::sends(const std::string& where) const {
   std::vector<PlannedSend> sends;
-  const auto rows = file_.database().openRecordset("select Lines from Sends order by Id");
+  const auto rows = file_.database().openRecordset("select Lines from Sends" + where + " order by Id");
   for (; !rows->eof(); rows->moveNext()) addFrom(rows->get("Lines").toText(), sends);
   return sends;
 }
 
-bool PendingSends::othersAtWork() const {
-  const auto rows =
-      file_.database().openRecordset("select Owner from Sends where Owner <> " + std::to_string(owner_));
-  for (; !rows->eof(); rows->moveNext()) {
-    if (isAtWork(rows->get("Owner").toInt16())) return true;
-  }
-  return false;
+std::vector<PlannedSend> PendingSends::all() const {
+  return sends("");
+}
+
+std::vector<PlannedSend> PendingSends::ofOthers() const {
+  return sends(" where Owner <> " + std::to_string(owner_));
 }
 
 }  // namespace voxa

@@ -33,8 +33,8 @@ class PendingSends {
   [[nodiscard]] std::vector<PlannedSend> takeAbandoned();
   /// All that stand there, whoever works at them.
   [[nodiscard]] std::vector<PlannedSend> all() const;
-  /// Whether another process is sending.
-  [[nodiscard]] bool othersAtWork() const;
+  /// Those of other processes, at work or not.
+  [[nodiscard]] std::vector<PlannedSend> ofOthers() const;
 
   /// Whether a process of that number is at work. One that is not is forgotten.
   [[nodiscard]] bool isAtWork(std::int16_t owner) const;
@@ -43,6 +43,7 @@ class PendingSends {
 
  private:
   [[nodiscard]] std::string fileOf(std::int16_t owner) const;
+  [[nodiscard]] std::vector<PlannedSend> sends(const std::string& where) const;
 
   LedgerFile& file_;
   std::optional<files::OwnedFile> sign_;  // that this process is at work

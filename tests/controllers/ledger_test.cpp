@@ -122,7 +122,7 @@ TEST_F(LedgerTest, WhatIsBeingSentIsInDoubtForEverybodyAndStaysSoAfterAKill) {
     sendAs(*library, 42, {"090007       3"});
   }
   EXPECT_EQ(card(1), "00000002|00000004|00000003,~,~");
-  EXPECT_EQ(card(2), "00000003,~,~");
+  EXPECT_EQ(card(2), "~|00000004|00000003,~,~");  // there is one command file for both
   // A caller's own transaction takes back nothing that a controller has.
   engine->begin();
   sendAs(*library, 41, {"090007       5"});
@@ -160,6 +160,13 @@ TEST_F(LedgerTest, ANewLedgerBeginsWithTheRows) {
   db().execute("update DailyPrograms set DailyProgramFlagD = False");
   EXPECT_EQ(card(1) + " " + card(1, 8) + " " + card(2), "~00000001,~00,~1 ~00000002,^,~1 none");
   EXPECT_EQ(daily(2, 1), "~0000240024002400");
+  // One of a newer version is not touched, and what it does not know of is not sent.
+  restart();
+  plain("Ledger.MDB", "pragma user_version=2");
+  static_cast<Paths&>(glob->Com()) = {folder + "\\KRV.mdb", "", "", folder};
+  EXPECT_THROW(send(41, 100, {"330007 5"}), Error);
+  EXPECT_TRUE(driver.calls.empty());
+  plain("Ledger.MDB", "pragma user_version=1");
   // A damaged one is put aside, which is said, and nothing of it is believed any more.
   send(41, 100, {"090007       9"});
   restart();
