@@ -95,6 +95,13 @@ TEST_F(JournalTest, NoiseByTheMegabyteStaysSmall) {
 TEST_F(JournalTest, TheLastUnknownCardOfToday) {
   const std::string missing =
       "Can't find a new card code. Pass your card, and read again.|(Journal.getLastCardCode)";
+  for (const char* type : {"10", "11", "12", "13"}) {
+    journal().DB()->execute(
+        std::string("insert into Journal (Id, [Date], ReaderName, TransactionType, TransactionData) values "
+                    "(90, Now(), 'Front', '") +
+        type + "', '000000" + type + "')");
+    EXPECT_EQ(journal().getLastCardCode("Front"), std::string("000000") + type);
+  }
   memory =
       "05 10231226235900000001\r\n"                             // yesterday
       "05 10241226100000000002\r\n05 10241226100000000003\r\n"  // in one minute

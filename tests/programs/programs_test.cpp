@@ -211,10 +211,11 @@ TEST_F(ProgramsTest, WhatIsNotSentKeepsItsFlag) {
   db().execute("update Stations set Active = False");
   EXPECT_EQ(download("D", 3), -1);
   db().execute("update Stations set Active = True");
-  prompts.answers = {Answer::abort, Answer::abort, Answer::abort};
+  prompts.answers = {Answer::abort, Answer::abort, Answer::abort, Answer::abort};
   EXPECT_EQ(daily.download(3), 0);
   EXPECT_EQ(daily.generalDownload(), 0);
   EXPECT_EQ(weekly.generalDownload(), 0);
+  EXPECT_EQ(glob->QDB().Holidays().generalDownload(), 0);
   EXPECT_EQ(driver.count(CmSendCommand), 0U);
   EXPECT_EQ(flags(), all);
   boxes();

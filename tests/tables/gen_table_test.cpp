@@ -74,6 +74,7 @@ TEST_F(GenTableTest, FlagsAreTheColumnsWhoseNamesEndInFlagD) {
   EXPECT_FALSE(table.gen().getFlagDSetFound());
   EXPECT_EQ(query("select count(*) from Odd where FlagD = true"), "1");
   EXPECT_TRUE(table.gen().openWhere("Id = 3"));
+  EXPECT_THROW(table.gen().appendField("Late", DataType::Long, 0, {}), Error);  // no table is being built
 }
 
 TEST_F(GenTableTest, RowsBeforeOneThatFailsKeepWhatTheyWereGiven) {

@@ -56,6 +56,13 @@ TEST_F(DownloadTest, WhoeverIsSilentIsPassedOverAndWhatIsSentStaysMarkedForHim) 
   EXPECT_TRUE(again.silent.empty());
   (void)download(*library, DownloadKind::dailyPrograms, {{}, false, again.silent});
   EXPECT_EQ(marked(), "0");
+  db().execute("insert into AccessGroups (Id, Name) values (9, 'Nobody')");
+  db().execute(
+      "insert into Cardholders (CardNum, Name, CardCode, AccessGroupId, CardCodeFlagD) "
+      "values (7, 'Ann', '7', 9, True)");
+  db().execute(
+      "insert into AccGroupReaders (AccessGroupId, ReaderId, WeeklyProgNum) select 9, Id, 0 from Readers");
+  EXPECT_EQ(rowsOf(download(*library, DownloadKind::cards, {{}, false, test.silent})), "Ann done|");
   EXPECT_EQ(boxes(), std::vector<std::string>{});
 }
 

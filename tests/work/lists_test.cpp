@@ -3,6 +3,7 @@
 #include "journal/journal.h"
 #include "support/installation_test.h"
 #include "work/daily_programs.h"
+#include "work/holidays.h"
 #include "work/look_up.h"
 #include "work/refusal.h"
 #include "work/weekly_programs.h"
@@ -88,6 +89,7 @@ TEST_F(ListsTest, ARefusedChangeChangesNothing) {
   for (const auto& [program, texts] : weekly) {
     EXPECT_THROW(changeWeeklyProgram(*library, "C", program, texts), Refusal) << program;
   }
+  EXPECT_THROW(addHoliday(*library, "Past", "25/12/2000", false), Refusal);
   EXPECT_EQ(listDailyPrograms(*library)[2].intervals, (std::vector<std::string>{"08:00-12:00", "none"}));
   EXPECT_EQ(query("select count(*) from DailyPrograms where DailyProgramFlagD = True"), "0");
   EXPECT_EQ(query("select count(*) from WeeklyPrograms where WeeklyProgramFlagD = True"), "0");

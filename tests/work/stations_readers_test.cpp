@@ -1,6 +1,7 @@
 #include <filesystem>
 
 #include "comm/com.h"
+#include "comm/reader.h"
 #include "support/installation_test.h"
 #include "work/daily_programs.h"
 #include "work/holidays.h"
@@ -46,6 +47,7 @@ TEST_F(PlacesTest, WhatANewControllerMayLackIsMarked) {
   EXPECT_TRUE(add("Front", "local", "1", "1").newController);
   EXPECT_EQ(marks(), all);
   EXPECT_FALSE(add("Side", "Local", "1", "2").newController);
+  EXPECT_EQ(voxa::addressFault("Last", Value(16)), "");
   EXPECT_EQ(marks(), none);
   StationTexts annex;
   annex.name = "Annex";

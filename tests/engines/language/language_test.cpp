@@ -204,6 +204,7 @@ TEST_F(Language, RefusesWhatItCannotRead) {
       {"select Id from T, U", "!3079"},
       {"select Soundex(Name) from T", "!3085"},
       {"select Len(Name, 1) from T", "!3085"},
+      {"select max(Id, 1) from T", "!3085"},
       {"select first(Name) from T", "!3085"},
       {"select count(*) from T", "3"},
   });
