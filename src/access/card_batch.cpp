@@ -169,7 +169,11 @@ std::int16_t Batch::send(const std::vector<PlannedSend>& sends) {
   SendLedger& ledger = context_.ledger();
   if (!context_.Com().inhibitCom) {
     for (const PlannedSend& send : sends) noted_.push_back({send.place, numbers_});
-    ledger.noteUnfinished(noted_, true);
+    if (!ledger.noteUnfinished(noted_, true)) {
+      throw Error(err::internalError,
+                  "It cannot be noted which cards are going to be sent, so none was: see that the working "
+                  "folder can be written, and create them again");
+    }
   }
   const ExpectedSends expected(ledger, context_.Com().inhibitCom ? std::vector<PlannedSend>{} : sends);
   for (const PlannedSend& send : sends) {
@@ -190,7 +194,7 @@ void Batch::takeBack() {
   }
   if (noted_.empty()) return;
   // First those that stay, for the next time: a process that is killed in between forgets none.
-  context_.ledger().noteUnfinished(open, false);
+  if (!context_.ledger().noteUnfinished(open, false)) return;  // those of the beginning stay
   std::erase_if(noted_, [&](const UnfinishedCards& cards) {
     return std::any_of(open.begin(), open.end(), [&](const auto& left) { return left.place == cards.place; });
   });

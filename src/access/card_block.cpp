@@ -109,7 +109,7 @@ void takeOverNotes(AccessContext& context) {
       std::vector<UnfinishedCards> cards;
       for (const ControllerPlace& place : note->places)
         cards.push_back({place, numbersOf(note->first, note->last)});
-      context.ledger().noteUnfinished(cards, false);
+      if (!context.ledger().noteUnfinished(cards, false)) continue;  // the next one tries again
     }
     file->remove();
   }

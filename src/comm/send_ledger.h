@@ -33,8 +33,9 @@ class SendLedger {
   virtual void settle() = 0;
 
   /// Notes that cards may be left on controllers, until forgetUnfinished(). A batch notes its cards so before
-  /// its first send. underWay: by this process, which is at work on them.
-  virtual void noteUnfinished(const std::vector<UnfinishedCards>& cards, bool underWay) = 0;
+  /// its first send. underWay: by this process, which is at work on them. False when nothing is noted, which
+  /// is told unless there is no ledger.
+  [[nodiscard]] virtual bool noteUnfinished(const std::vector<UnfinishedCards>& cards, bool underWay) = 0;
   /// What was noted and nobody is at work on any more, by place.
   [[nodiscard]] virtual std::vector<UnfinishedCards> unfinished() = 0;
   virtual void forgetUnfinished(const std::vector<UnfinishedCards>& cards) = 0;

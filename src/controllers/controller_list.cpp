@@ -1,5 +1,7 @@
 #include "controllers/controller_list.h"
 
+#include "controllers/card_state.h"
+#include "controllers/thing_slot.h"
 #include "files/conversions.h"
 #include "platform/clock.h"
 #include "platform/database/database.h"
@@ -74,17 +76,20 @@ void ControllerList::align() {
     const std::string now = type == types_.end() ? "" : type->second;
     const bool sameLine = before.name == line->second.name && before.port == line->second.port &&
                           before.phone == line->second.phone;
-    if (!sameLine || now != controller.type) {
+    // One that has no reader for a while, or readers of two types, keeps its type until there is another.
+    const bool otherType = !now.empty() && now != controller.type;
+    if (otherType && !controller.type.empty()) forgetHoldings(controller);
+    if (!sameLine || otherType) {
       const auto row =
           ledger_.openRecordset("select * from Controllers where Id = " + std::to_string(controller.id));
       row->edit();
-      row->set("Type", now);
+      if (otherType) row->set("Type", now);
       row->set("StationName", line->second.name);
       row->set("ComPort", line->second.port);
       row->set("Phone", line->second.phone);
       row->update();
-      controller.type = now;
     }
+    controller.type = now;
     ++known;
   }
 }
@@ -96,6 +101,18 @@ bool ControllerList::isAnother(const Line& known, const Line& now) {
 
 void ControllerList::retire(const LedgerController& controller) {
   ledger_.execute("update Controllers set Retired = Now() where Id = " + std::to_string(controller.id));
+}
+
+void ControllerList::forgetHoldings(const LedgerController& controller) {
+  const std::int32_t first = controller.id * slotsOfController;
+  const auto forget = [&](std::int32_t from, std::int32_t end, const std::string& state) {
+    ledger_.execute("update Things set State = '" + state + "' where Id between " +
+                    std::to_string(first + from) + " and " + std::to_string(first + end - 1));
+  };
+  CardState card;
+  card.mayBeAnything();
+  forget(0, firstSlotBehindCards, card.text());
+  forget(firstSlotBehindCards, slotsOfController, Possible::unknown().text());
 }
 
 LedgerController& ControllerList::at(const ControllerPlace& place) {

@@ -28,7 +28,9 @@ struct LedgerController {
 /// The controllers in use, by place. It is read once, and holds for one piece of work.
 ///
 /// A station that is deleted retires its controllers. So does one of which name, port and telephone number
-/// have all changed: it is another station under the same number.
+/// have all changed: it is another station under the same number. Of a controller whose type was corrected,
+/// or which was exchanged for one of another type, nothing is known any more: lines in the other form may
+/// have been acknowledged and thrown away.
 class ControllerList {
  public:
   /// Brings the ledger's list in line with the stations and readers of the main database, as far as that can
@@ -44,6 +46,8 @@ class ControllerList {
   /// The known controllers of a line.
   [[nodiscard]] std::vector<ControllerPlace> ofStation(std::int16_t station) const;
   [[nodiscard]] const std::map<ControllerPlace, LedgerController>& all() const { return controllers_; }
+  /// The places with readers, each with the type of its controller.
+  [[nodiscard]] const std::map<ControllerPlace, std::string>& installed() const { return types_; }
   /// Retires the controller at a place: the one that is there now is another one.
   void replace(const ControllerPlace& place);
 
@@ -57,6 +61,7 @@ class ControllerList {
   void readInstallation(Database& main);
   void align();
   void retire(const LedgerController& controller);
+  void forgetHoldings(const LedgerController& controller);
   [[nodiscard]] static bool isAnother(const Line& known, const Line& now);
 
   Database& ledger_;

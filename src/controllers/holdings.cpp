@@ -13,7 +13,9 @@ namespace {
 class TouchedThings {
  public:
   TouchedThings(const LedgerFile& file, std::int32_t controller)
-      : file_(file), base_(controller * slotsOfController) {}
+      : file_(file), base_(controller * slotsOfController) {
+    read(slotOfOthers(ThingKind::card), slotOfOthers(ThingKind::badgeFormat));
+  }
 
   void read(const std::set<std::int32_t>& slots) {
     if (slots.empty()) return;
@@ -36,13 +38,30 @@ class TouchedThings {
     Possible& state = thing(slotOf(line.kind, line.number));
     certain ? state.becomes(line.value) : state.mayBecome(line.value);
   }
+  // Its value is one that cannot be kept.
+  void mayBeAnything(const SentLine& line) {
+    if (line.kind != ThingKind::card) return thing(slotOf(line.kind, line.number)).mayBeAnything();
+    line.field == CardField::code ? card(line.number).mayBeAnything()
+                                  : card(line.number).part(line.field).mayBeAnything();
+  }
   void mayBeAnything(ThingKind kind) {
     const SlotRange range = slotsOf(kind);
     read(range.first, range.end - 1);
     for (auto stored = stored_.lower_bound(range.first); stored != stored_.end() && stored->first < range.end;
          ++stored) {
-      kind == ThingKind::card ? card(stored->first).mayBeAnything() : thing(stored->first).mayBeAnything();
+      if (kind == ThingKind::card) {
+        (void)card(stored->first);
+      } else {
+        (void)thing(stored->first);
+      }
     }
+    if (kind == ThingKind::card) {
+      for (auto& [number, state] : cards_) state.mayBeAnything();
+    }
+    for (auto& [slot, state] : things_) {
+      if (slot >= range.first && slot < range.end) state.mayBeAnything();
+    }
+    things_[slotOfOthers(kind)] = Possible::unknown();
   }
 
   void write() const {
@@ -52,15 +71,18 @@ class TouchedThings {
 
  private:
   template <typename State>
-  State& touched(std::map<std::int32_t, State>& states, std::int32_t slot) {
+  State& touched(std::map<std::int32_t, State>& states, std::int32_t slot, ThingKind kind) {
     const auto [state, added] = states.try_emplace(slot);
     if (!added) return state->second;
-    if (const auto stored = stored_.find(slot); stored != stored_.end())
+    if (const auto stored = stored_.find(slot); stored != stored_.end()) {
       state->second = State::read(stored->second);
+    } else if (stored_.contains(slotOfOthers(kind)) || things_.contains(slotOfOthers(kind))) {
+      state->second.mayBeAnything();
+    }
     return state->second;
   }
-  CardState& card(std::int32_t number) { return touched(cards_, number); }
-  Possible& thing(std::int32_t slot) { return touched(things_, slot); }
+  CardState& card(std::int32_t number) { return touched(cards_, number, ThingKind::card); }
+  Possible& thing(std::int32_t slot) { return touched(things_, slot, kindOf(slot)); }
 
   void write(std::int32_t slot, const std::string& text) const {
     const auto stored = stored_.find(slot);
@@ -105,7 +127,7 @@ void takeLines(const LedgerFile& file, const LedgerController& controller, const
   for (const SentLines& each : sent) {
     for (const std::string_view text : each.lines) {
       SentLine line = sentLine(text, controller.type);
-      const bool ofThing = line.fit == SentLine::Fit::certain || line.fit == SentLine::Fit::doubtful;
+      const bool ofThing = line.fit <= SentLine::Fit::anyValue;
       if (ofThing) slots.insert(slotOf(line.kind, line.number));
       if (line.fit == SentLine::Fit::notUnderstood) keepNotUnderstood(file.database(), controller, text, now);
       lines.emplace_back(std::move(line), each.certain);
@@ -121,6 +143,9 @@ void takeLines(const LedgerFile& file, const LedgerController& controller, const
       case SentLine::Fit::doubtful:
         things.take(line, false);
         break;
+      case SentLine::Fit::anyValue:
+        things.mayBeAnything(line);
+        break;
       case SentLine::Fit::wholeKind:
         things.mayBeAnything(line.kind);
         break;
@@ -130,6 +155,18 @@ void takeLines(const LedgerFile& file, const LedgerController& controller, const
     }
   }
   things.write();
+}
+
+CardState Holdings::card(std::int32_t number) const {
+  if (const auto known = cards.find(number); known != cards.end()) return known->second;
+  CardState state;
+  if (unknownOthers.contains(ThingKind::card)) state.mayBeAnything();
+  return state;
+}
+
+Possible Holdings::thing(ThingKind kind, std::int32_t number) const {
+  if (const auto known = things.find({kind, number}); known != things.end()) return known->second;
+  return unknownOthers.contains(kind) ? Possible::unknown() : Possible();
 }
 
 Holdings readHoldings(const LedgerFile& file, const LedgerController& controller) {
@@ -146,11 +183,11 @@ Holdings readHoldings(const LedgerFile& file, const LedgerController& controller
       holdings.cards[slot] = CardState::read(state);
       continue;
     }
-    for (const ThingKind kind : {ThingKind::daily, ThingKind::weeklyC, ThingKind::weeklyE, ThingKind::holiday,
-                                 ThingKind::badgeFormat}) {
-      const SlotRange range = slotsOf(kind);
-      if (slot >= range.first && slot < range.end)
-        holdings.things[{kind, slot - range.first}] = Possible::read(state);
+    const ThingKind kind = kindOf(slot);
+    if (slot == slotOfOthers(kind)) {
+      holdings.unknownOthers.insert(kind);
+    } else {
+      holdings.things[{kind, slot - slotsOf(kind).first}] = Possible::read(state);
     }
   }
   const auto others = file.database().openRecordset("select Line from NotUnderstood where ControllerId = " +

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <map>
+#include <set>
 #include <string_view>
 #include <vector>
 
@@ -15,7 +16,12 @@ namespace voxa {
 struct Holdings {
   std::map<std::int32_t, CardState> cards;                        ///< by number
   std::map<std::pair<ThingKind, std::int32_t>, Possible> things;  ///< all others
+  std::set<ThingKind> unknownOthers;                              ///< kinds of which others may be there
   std::vector<std::string> notUnderstood;                         ///< lines, the oldest first
+
+  /// Also of one that is not listed.
+  [[nodiscard]] CardState card(std::int32_t number) const;
+  [[nodiscard]] Possible thing(ThingKind kind, std::int32_t number) const;
 };
 [[nodiscard]] Holdings readHoldings(const LedgerFile& file, const LedgerController& controller);
 

@@ -67,7 +67,7 @@ void Ledger::tell(const Error& error) {
 
 bool Ledger::open() {
   const std::string& folder = context_.paths().Chemin;
-  if (file_.isOpen() && file_.folder() == folder) return true;
+  if (file_.isCurrent(folder)) return true;
   block_.reset();
   pending_.leave();
   const auto begin = [&] { assumeRows(file_, context_); };
@@ -82,8 +82,8 @@ bool Ledger::open() {
 
 void Ledger::provide() {
   const std::string& folder = context_.paths().Chemin;
-  if (folder.empty() || files::exists(LedgerFile::pathIn(folder))) return;
   file_.tryAgain();
+  if (folder.empty() || files::exists(LedgerFile::pathIn(folder))) return;
   try {
     (void)open();
   } catch (const Error&) {
@@ -95,6 +95,7 @@ void Ledger::putAside(const Error& error) {
   block_.reset();
   pending_.leave();
   const std::string aside = file_.setAside();
+  if (aside.empty()) return;  // another process has done it
   tell(Error(error.number(), "The ledger of what the controllers hold is damaged. It is kept as " + aside +
                                  ", and a new one begins: what it knew counts as assumed. " +
                                  error.description()));
@@ -110,12 +111,15 @@ void Ledger::write(Body body) {
 
 // For what may wait when the ledger cannot be written.
 template <typename Body>
-void Ledger::attempt(Body body) {
+bool Ledger::attempt(Body body) {
   try {
-    if (open()) write(body);
+    if (!open()) return false;
+    write(body);
+    return true;
   } catch (const Error& error) {
     failed(error);
   }
+  return false;
 }
 
 // What processes that are no longer at work were sending may have arrived.
@@ -184,7 +188,12 @@ void Ledger::expect(const std::vector<PlannedSend>& sends) {
     write([&] {
       ControllerList controllers(file_.database(), context_);
       takeAbandoned(controllers);
-      block_.emplace(Block{pending_.add(sends), std::move(controllers), {}, {}});
+      std::vector<PlannedSend> each;
+      for (const PlannedSend& send : sends) {
+        for (const ControllerPlace& place : addressed(controllers, send.place).places)
+          each.push_back({place, send.lines});
+      }
+      block_.emplace(Block{pending_.add(each), std::move(controllers), {}, {}});
     });
     for (const PlannedSend& send : sends) block_->expected[send.place].insert(textOf(send.lines));
   } catch (const Error&) {
@@ -204,7 +213,11 @@ void Ledger::settle() {
 
 // What is noted as being sent stays in doubt.
 void Ledger::failed(const Error& error) {
-  if (error.number() == err::dbNotADatabase && file_.isOpen()) return putAside(error);
+  try {
+    if (error.number() == err::dbNotADatabase && file_.isOpen()) return putAside(error);
+  } catch (const Error&) {
+    // It is in use elsewhere: the next send tries again.
+  }
   tell(error);
 }
 
@@ -272,12 +285,13 @@ void Ledger::end(Call& call, std::optional<std::int16_t> result) {
     if (block_) std::move(results.begin(), results.end(), std::back_inserter(block_->results));
     return;
   }
-  attempt([&] {
+  const bool noted = attempt([&] {
     // What was sent before it within the block comes first.
-    if (block_) applyMine(block_->controllers, std::exchange(block_->results, {}), true);
+    if (block_) applyMine(block_->controllers, block_->results, true);
     const bool mine = pending_.remove(*call.row);
     applyMine(block_ ? block_->controllers : *call.controllers, std::move(results), mine);
   });
+  if (noted && block_) block_->results.clear();
 }
 
 void Ledger::withdraw(Call& call) {
@@ -312,12 +326,12 @@ void Ledger::replace(const ControllerPlace& place) {
   });
 }
 
-void Ledger::noteUnfinished(const std::vector<UnfinishedCards>& cards, bool underWay) {
-  if (cards.empty()) return;
-  attempt([&] {
-    ControllerList list(file_.database(), context_);
-    voxa::noteUnfinished(file_.database(), list, cards, underWay ? pending_.owner() : PendingSends::nobody);
-  });
+bool Ledger::noteUnfinished(const std::vector<UnfinishedCards>& cards, bool underWay) {
+  return cards.empty() || attempt([&] {
+           ControllerList list(file_.database(), context_);
+           voxa::noteUnfinished(file_.database(), list, cards,
+                                underWay ? pending_.owner() : PendingSends::nobody);
+         });
 }
 
 std::vector<UnfinishedCards> Ledger::unfinished() {

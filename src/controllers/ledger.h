@@ -32,7 +32,7 @@ class Ledger : public SendLedger {
 
   void expect(const std::vector<PlannedSend>& sends) override;
   void settle() override;
-  void noteUnfinished(const std::vector<UnfinishedCards>& cards, bool underWay) override;
+  [[nodiscard]] bool noteUnfinished(const std::vector<UnfinishedCards>& cards, bool underWay) override;
   [[nodiscard]] std::vector<UnfinishedCards> unfinished() override;
   void forgetUnfinished(const std::vector<UnfinishedCards>& cards) override;
 
@@ -89,7 +89,7 @@ class Ledger : public SendLedger {
   template <typename Body>
   void write(Body body);
   template <typename Body>
-  void attempt(Body body);
+  bool attempt(Body body);
   void tell(const Error& error);
   void failed(const Error& error);
   void putAside(const Error& error);

@@ -34,9 +34,10 @@ void addText(TableDef& definition, const char* name, DataType type, int size = 0
 }  // namespace
 
 LedgerFile::Opened LedgerFile::open(const std::string& folder, const std::function<void()>& begin) {
-  if (isOpen() && folder == folder_) return Opened::before;
+  if (isCurrent(folder)) return Opened::before;
   close();
-  if (folder.empty() || folder == impossible_ || !files::folderExists(folder)) return Opened::none;
+  if (folder.empty() || !files::folderExists(folder)) return Opened::none;
+  if (folder == impossible_ && !files::exists(pathIn(folder))) return Opened::none;
   folder_ = folder;
   if (!files::exists(path())) {
     try {
@@ -50,6 +51,7 @@ LedgerFile::Opened LedgerFile::open(const std::string& folder, const std::functi
       if (error.number() != err::dbFileExists) throw;  // else another process was first
     }
   }
+  identity_ = files::identity(path());
   if (!database_) database_ = engine_.open(path());
   try {
     if (database_->tableNames().empty()) createTables(begin);
@@ -60,6 +62,10 @@ LedgerFile::Opened LedgerFile::open(const std::string& folder, const std::functi
     throw;
   }
   return Opened::now;
+}
+
+bool LedgerFile::isCurrent(const std::string& folder) const {
+  return isOpen() && folder == folder_ && files::identity(path()) == identity_;
 }
 
 void LedgerFile::prepare() {
@@ -78,6 +84,7 @@ void LedgerFile::close() {
 
 std::string LedgerFile::setAside() {
   close();
+  if (files::identity(path()) != identity_) return "";
   for (int n = 1;; ++n) {
     std::string aside = path() + ".damaged" + std::to_string(n);
     if (files::exists(aside)) continue;

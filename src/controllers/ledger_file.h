@@ -34,7 +34,10 @@ class LedgerFile {
   /// A folder in which none could be made is tried again.
   void tryAgain() { impossible_.clear(); }
   void close();
-  /// Puts a damaged ledger aside, under a name of its own, which is returned.
+  /// Whether the ledger of that folder is open, and still the file that has its name.
+  [[nodiscard]] bool isCurrent(const std::string& folder) const;
+  /// Puts a damaged ledger aside, under a name of its own, which is returned; "" when another file has taken
+  /// its place meanwhile.
   std::string setAside();
 
   [[nodiscard]] bool isOpen() const { return database_ != nullptr; }
@@ -52,6 +55,7 @@ class LedgerFile {
 
   DatabaseEngine& engine_;
   std::string folder_;
+  std::uint64_t identity_ = 0;
   std::string impossible_;  ///< the folder in which none could be made
   std::shared_ptr<Database> database_;
   std::unique_ptr<Command> insertThing_;

@@ -185,10 +185,7 @@ SentLine card(CardField field, std::string_view rest, std::string_view type) {
   return line;
 }
 
-}  // namespace
-
-SentLine sentLine(std::string_view line, std::string_view controllerType) {
-  if (line.starts_with(speedChange)) return {Fit::lineSpeed, {}, 0, {}, 0, ""};
+SentLine understood(std::string_view line, std::string_view controllerType) {
   const std::string_view command = line.substr(0, 2);
   const std::string_view rest = line.substr(command.size());
   if (command == "31") return daily(rest);
@@ -198,6 +195,19 @@ SentLine sentLine(std::string_view line, std::string_view controllerType) {
   if (command == "04") return badgeFormat(rest, controllerType);
   if (const auto field = fieldOf(command)) return card(*field, rest, controllerType);
   return {};
+}
+
+}  // namespace
+
+SentLine sentLine(std::string_view line, std::string_view controllerType) {
+  if (line.starts_with(speedChange)) return {Fit::lineSpeed, {}, 0, {}, 0, ""};
+  SentLine result = understood(line, controllerType);
+  const auto isOfValue = [](char c) { return c == ' ' || (c >= '0' && c <= '?'); };
+  if (!std::all_of(result.value.begin(), result.value.end(), isOfValue)) {
+    result.fit = Fit::anyValue;
+    result.value.clear();
+  }
+  return result;
 }
 
 }  // namespace voxa

@@ -17,6 +17,7 @@ struct SentLine {
   enum class Fit : std::uint8_t {
     certain,       ///< a controller of that type that acknowledges it has taken it
     doubtful,      ///< it names its thing, but its form or a value in it is not one that the controller takes
+    anyValue,      ///< the same, and its value has characters that no value has
     wholeKind,     ///< of a known kind, but not of its width: which thing it sets cannot be said
     lineSpeed,     ///< changes the speed of the line, and nothing that decides about doors
     notUnderstood  ///< of no known kind

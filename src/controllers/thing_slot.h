@@ -7,7 +7,7 @@
 namespace voxa {
 
 // The things of a controller in one row of numbers, so that the ledger finds each by one: cards at their
-// number, up to 9999, then a hundred numbers for each of the other kinds.
+// number, up to 9999, then a hundred numbers for each of the other kinds, then one for each kind.
 
 inline constexpr std::int32_t slotsOfController = 16'384;
 inline constexpr std::int32_t firstSlotBehindCards = 10'000;
@@ -25,9 +25,24 @@ struct SlotRange {
   return {first, first + ofKind};
 }
 
+/// Where it stands what is known of the things of a kind that have no row: nothing, or nothing is there.
+[[nodiscard]] constexpr std::int32_t slotOfOthers(ThingKind kind) {
+  constexpr std::int32_t first = firstSlotBehindCards + 1000;
+  return first + static_cast<std::int32_t>(kind);
+}
+
 /// number: as SentLine has it, within the kind's range.
 [[nodiscard]] constexpr std::int32_t slotOf(ThingKind kind, std::int32_t number) {
   return slotsOf(kind).first + number;
+}
+
+/// Of a slot, also that of others.
+[[nodiscard]] constexpr ThingKind kindOf(std::int32_t slot) {
+  if (slot < firstSlotBehindCards) return ThingKind::card;
+  if (slot >= slotOfOthers(ThingKind::card))
+    return static_cast<ThingKind>(slot - slotOfOthers(ThingKind::card));
+  constexpr std::int32_t ofKind = 100;
+  return static_cast<ThingKind>((slot - firstSlotBehindCards) / ofKind + 1);
 }
 
 }  // namespace voxa

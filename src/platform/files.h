@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <cstdio>
 #include <memory>
 #include <optional>
@@ -23,7 +24,10 @@ namespace files {
 /// spelled as it exists; an exact match wins. The rest stays as given. Never fails.
 [[nodiscard]] std::string native(std::string_view path);
 
-[[nodiscard]] bool exists(std::string_view path);        ///< a file or folder of that name
+[[nodiscard]] bool exists(std::string_view path);  ///< a file or folder of that name
+/// Tells whether a name still means the same file: on Linux a number of the file, which no other file of its
+/// disk has while it is open; 0 without one. On Windows always 0: a file that is open keeps its name.
+[[nodiscard]] std::uint64_t identity(const std::string& path);
 [[nodiscard]] bool folderExists(std::string_view path);  ///< a folder of that name
 /// A regular file by that very name: no link, folder, pipe or device.
 [[nodiscard]] bool isPlain(std::string_view path);

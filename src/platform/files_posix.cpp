@@ -86,6 +86,11 @@ std::string native(std::string_view path) {
   return found;
 }
 
+std::uint64_t identity(const std::string& path) {
+  struct stat found = {};
+  return ::stat(native(path).c_str(), &found) == 0 ? found.st_ino : 0;
+}
+
 std::string currentFolder() {
   std::error_code error;
   std::string folder = std::filesystem::current_path(error).string();

@@ -81,13 +81,16 @@ TEST_F(LedgerTest, TheAddressAndTheAnswerDecideWhatIsHeld) {
        "00000002,~|05|08|09,1"},  // no such value
       {42, 4, "09000700000000", "00000001,07|08,~", "00000001|,07|08|,~|2", "00000002,~|05|08|09,1"},
       {42, 100, "09000700000000", "00000001,07|08,~", ",,", "00000002,~|05|08|09,1"},
-      {41, 100, "330007", "^,^,^", ",,", "00000002,~|05|08|09,1"}};  // which card it is, nobody can say
+      {42, 100, "0900070000,103", "00000001,07|08,~", "^,^,^", "00000002,~|05|08|09,1"},  // no code
+      {41, 100, "330007", "^,^,^", "^,^,^", "00000002,~|05|08|09,1"}};  // which card it is, nobody can say
   for (const auto& step : steps) {
     ASSERT_EQ(send(step.address, step.result, {step.line}), step.result);
     EXPECT_EQ(card(1) + " " + card(2) + " " + card(3),
               std::string(step.one) + " " + step.two + " " + step.gate)
         << step.address << ": " << step.line;
   }
+  EXPECT_EQ(card(1, 8) + " " + card(2, 8), "none none");
+  EXPECT_EQ(library->ledger().holdings({1, 1}).card(8).text().substr(0, 3), "^,^");
   // Of several lines that fail each may have arrived. A speed decides about no door; what nobody knows is
   // kept.
   send(41, 100,
@@ -145,6 +148,8 @@ TEST_F(LedgerTest, AnotherStationOfTheSameNumberHasOtherControllers) {
   EXPECT_EQ(card(1), "none");
   send(41, 100, {"090007       2"});
   EXPECT_EQ(card(1), "00000002,~,~");
+  db().execute("update Readers set ControllerType = 'VRMD1' where Id = 1");
+  EXPECT_EQ(card(1), "^,^,^");  // what was sent to it was in the other form
   library->ledger().replace({1, 1});
   EXPECT_EQ(card(1), "none");
 }

@@ -138,6 +138,8 @@ Compared compare(const World& world, Session& session) {
   Compared compared;
   site::Site site(world.site);
   for (const auto& [place, type] : world.controllers) {
+    // Lines in the form of another type are acknowledged and thrown away.
+    if (world.wrongType.contains(place)) continue;
     const site::Snapshot there = site.snapshot(place.station, place.address);
     const Holdings known = session.library().ledger().holdings(place);
     Comparison comparison(compared, nameOf(place), world.assumed.at(place));
@@ -146,22 +148,22 @@ Compared compare(const World& world, Session& session) {
                                      [&](const site::Card& each) { return each.number == number; });
       const auto state = known.cards.find(number);
       if (card == there.cards.end() && state == known.cards.end()) continue;
-      comparison.card(number, state == known.cards.end() ? CardState() : state->second,
-                      card == there.cards.end() ? nullptr : &*card);
+      comparison.card(number, known.card(number), card == there.cards.end() ? nullptr : &*card);
     }
     auto things = thingsOf(there);
     for (const auto& [thing, state] : known.things) things.try_emplace(thing);
     for (const auto& [thing, text] : things) {
-      const auto state = known.things.find(thing);
       comparison.value(std::string(" ") + kinds[static_cast<std::size_t>(thing.first)] + " " +
                            std::to_string(thing.second),
-                       state == known.things.end() ? Possible() : state->second, {text});
+                       known.thing(thing.first, thing.second), {text});
     }
   }
   return compared;
 }
 
 std::vector<std::string> uncertainCards(const World& world, Session& session) {
+  static constexpr CardField sent[] = {CardField::code, CardField::weekly, CardField::door1, CardField::door2,
+                                       CardField::pin};
   std::vector<std::string> uncertain;
   const auto cards = session.db().openRecordset(
       "select CardNum, CardCode, AccessGroupId from Cardholders where not Deleted and Validated");
@@ -169,10 +171,12 @@ std::vector<std::string> uncertainCards(const World& world, Session& session) {
     const std::int32_t number = cards->get("CardNum").toInt32();
     for (const auto& controller : controllersOf(session.db(), cards->get("AccessGroupId").toInt16())) {
       const ControllerPlace place{controller.station, controller.address};
-      if (!controller.active || !world.controllers.contains(place)) continue;
-      const Holdings known = session.library().ledger().holdings(place);
-      const auto card = known.cards.find(number);
-      if (card != known.cards.end() && card->second.part(CardField::code).isHeld()) continue;
+      if (!controller.active || !world.controllers.contains(place) || world.wrongType.contains(place))
+        continue;
+      const CardState card = session.library().ledger().holdings(place).card(number);
+      if (std::all_of(std::begin(sent), std::end(sent),
+                      [&](CardField field) { return card.part(field).isHeld(); }))
+        continue;
       uncertain.push_back(nameOf(place) + " card " + std::to_string(number) +
                           " was sent in full and acknowledged, and the ledger is not certain of it");
     }

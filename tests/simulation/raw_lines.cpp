@@ -19,8 +19,8 @@ std::string time(Chance& chance) {
 std::string cardLine(Chance& chance, bool vrmd1) {
   static const std::vector<std::string> commands = {"09", "09", "09", "33", "16", "17",
                                                     "19", "49", "35", "36", "37"};
-  static const std::vector<std::string> codes = {
-      "00000000", "00000101", "     102", "0000010:", "00000103", "00000000", "0000X103", "       0"};
+  static const std::vector<std::string> codes = {"00000000", "00000101", "     102", "0000010:", "00000103",
+                                                 "00000000", "0000X103", "0000,103", "       0"};
   static const std::vector<std::string> days = {"000000", "311227", "010100", "310227", "290228"};
   const std::string command = chance.of(commands);
   const std::string number = zeroPadded(chance.below(World::greatestCard + 1), 4);

@@ -132,8 +132,11 @@ Step raw(World& world) {
   for (const std::string& line : lines) what += " '" + line + "'";
   Step step{what};
   step.sends = true;
+  const bool gone = world.chance.once(12);
+  if (gone) step.what += " without a file";
   step.work = [=](Session& session) {
     session.glob().CommandFile().write(lines);
+    if (gone) fs::remove("COMMAND.TXT");
     (void)Inter(session.library()).sendCommand(place.station, address);
   };
   return step;
@@ -218,6 +221,19 @@ Step otherStation(World& world) {
           }};
 }
 
+// The row names the other type, or the right one again.
+Step otherType(World& world) {
+  const ControllerPlace place = anyController(world);
+  const bool wrong = world.wrongType.insert(place).second;
+  if (!wrong) world.wrongType.erase(place);
+  const std::string type = (world.controllers.at(place) == "VRMD1") != wrong ? "VRMD1" : "QSX3";
+  return {"type of " + nameOf(place) + " is " + type, [=](Session& session) {
+            session.execute("update Readers set ControllerType = '" + type +
+                            "' where StationId = " + std::to_string(place.station) +
+                            " and ControllerAddress = " + std::to_string(place.address));
+          }};
+}
+
 Step command(World& world) {
   Chance& chance = world.chance;
   const std::string card = std::to_string(chance.from(1, World::greatestCard));
@@ -289,7 +305,8 @@ Step nextStep(World& world) {
     case 12:
       return command(world);
     case 13:
-      return world.chance.once(4) ? damage(world) : otherStation(world);
+      if (world.chance.once(4)) return damage(world);
+      return world.chance.once(2) ? otherType(world) : otherStation(world);
     case 14:
     case 15:
     case 16:

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <map>
 #include <random>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -50,7 +51,8 @@ struct World {
   /// Whether what the ledger assumes of a controller must be right, too. Not once its ledger was lost, or
   /// when the ledger takes it for another one than it is.
   std::map<ControllerPlace, bool> assumed;
-  std::int64_t clockOffset = 0;  ///< seconds
+  std::set<ControllerPlace> wrongType;  ///< controllers whose rows name the other type
+  std::int64_t clockOffset = 0;         ///< seconds
 
   static constexpr int greatestCard = 12;  ///< number
 };
