@@ -101,6 +101,8 @@ TEST_F(LedgerTest, TheAddressAndTheAnswerDecideWhatIsHeld) {
   send(41, 5, {"31020900120013001700", "34012412", "3401241226"});
   EXPECT_EQ(daily(1, 2), "0800120013001700|0900120013001700");
   EXPECT_EQ(library->ledger().holdings({1, 1}).notUnderstood, std::vector<std::string>{"99 hello"});
+  send(41, 100, {"32010202020202000001"});
+  EXPECT_EQ(library->ledger().holdings({1, 1}).thing(ThingKind::weeklyC, 1).text(), "0202020202000001");
   glob->Com().inhibitCom = true;
   glob->Com().sendLines({"31020000240024002400"}, ControllerPlace{1, 1});
   EXPECT_EQ(daily(1, 2), "0800120013001700|0900120013001700");
