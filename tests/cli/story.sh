@@ -77,6 +77,7 @@ refuses "Annex Controller 5" status
 refuses "no clock was set" clock
 succeeds daily set Office --second 13:00-18:00
 refuses "aborted" --answer abort download daily
+grep -q "^These controllers do not answer:" err out || fail "nobody says what the controllers do not do"
 refuses "stays marked" --yes download daily
 succeeds daily list --json
 shows '"ToSend": true'
