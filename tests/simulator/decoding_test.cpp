@@ -166,6 +166,7 @@ TEST_F(Decoding, aWrongLineIsKeptWithItsReasonAndChangesNothing) {
     EXPECT_NE(reason(wrong), "") << wrong;
   }
   EXPECT_EQ(reason("33001300"), "unknown card");
+  EXPECT_EQ(reason("0900000000101"), "card number is 0000");
   const site::Snapshot held = look();
   EXPECT_TRUE(held.dailyPrograms.empty() && held.weeklyPrograms.empty() && held.holidays.empty() &&
               held.badgeFormats.empty());
