@@ -3,6 +3,7 @@
 // whether the time grows with cards or controllers.
 
 #include <cstdio>
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <string>
@@ -50,7 +51,12 @@ class Cards {
   Installation* operator->() { return &installation_; }
 
   Side ours() {
-    return {[this] { send(); }, [this] { installation_.db().execute(changeAll); }};
+    return {[this] { send(); },
+            [this] {
+              // Drivers and ledger look for the command file there, and another installation was made since.
+              std::filesystem::current_path(installation_.folder());
+              installation_.db().execute(changeAll);
+            }};
   }
   /// The contents of all command files, each behind the address that it is sent to.
   std::string sentBy(const Side& side, const std::string& commandFile) {
