@@ -68,8 +68,9 @@ void Ledger::tell(const Error& error) {
 bool Ledger::open() {
   const std::string& folder = context_.paths().Chemin;
   if (file_.isCurrent(folder)) return true;
-  block_.reset();
+  if (file_.folder() != folder) block_.reset();
   pending_.leave();
+  ++openings_;
   const auto begin = [&] { assumeRows(file_, context_); };
   try {
     return file_.open(folder, begin) != LedgerFile::Opened::none;
@@ -92,7 +93,6 @@ void Ledger::provide() {
 }
 
 void Ledger::putAside(const Error& error) {
-  block_.reset();
   pending_.leave();
   const std::string aside = file_.setAside();
   if (aside.empty()) return;  // another process has done it
@@ -143,6 +143,7 @@ void Ledger::applyMine(ControllerList& controllers, std::vector<Result> results,
   if (!mine || !others.empty()) {
     for (Result& result : results) result.certain = false;
   }
+  if (others.empty()) return apply(controllers, results);
   // There is one command file: a process that is sending may send what this one wrote into it.
   std::set<std::vector<std::string>> files;
   for (const Result& result : results) files.insert(result.lines);
@@ -151,6 +152,13 @@ void Ledger::applyMine(ControllerList& controllers, std::vector<Result> results,
       for (const auto& lines : files) results.push_back({place, lines, false});
     }
   }
+  apply(controllers, results);
+}
+
+// What was begun in a ledger that another one has replaced since: it has lost count of what else was sent.
+void Ledger::applyAnew(std::vector<Result> results) {
+  for (Result& result : results) result.certain = false;
+  ControllerList controllers(file_.database(), context_);
   apply(controllers, results);
 }
 
@@ -193,7 +201,7 @@ void Ledger::expect(const std::vector<PlannedSend>& sends) {
         for (const ControllerPlace& place : addressed(controllers, send.place).places)
           each.push_back({place, send.lines});
       }
-      block_.emplace(Block{pending_.add(each), std::move(controllers), {}, {}});
+      block_.emplace(Block{pending_.add(each), std::move(controllers), {}, {}, openings_});
     });
     for (const PlannedSend& send : sends) block_->expected[send.place].insert(textOf(send.lines));
   } catch (const Error&) {
@@ -206,6 +214,7 @@ void Ledger::settle() {
   Block block = std::move(*block_);
   block_.reset();
   attempt([&] {
+    if (block.opening != openings_) return applyAnew(std::move(block.results));
     const bool mine = pending_.remove(block.row);
     applyMine(block.controllers, std::move(block.results), mine);
   });
@@ -221,11 +230,16 @@ void Ledger::failed(const Error& error) {
   tell(error);
 }
 
-bool Ledger::isExpected(const ControllerPlace& place, const std::string& text) const {
-  if (!block_) return false;
+Ledger::Block* Ledger::block() {
+  return block_ && block_->opening == openings_ ? &*block_ : nullptr;
+}
+
+bool Ledger::isExpected(const ControllerPlace& place, const std::string& text) {
+  const Block* announced = block();
+  if (announced == nullptr) return false;
   const auto has = [&](const ControllerPlace& there) {
-    const auto texts = block_->expected.find(there);
-    return texts != block_->expected.end() && texts->second.contains(text);
+    const auto texts = announced->expected.find(there);
+    return texts != announced->expected.end() && texts->second.contains(text);
   };
   return has(place) || has({place.station, CmToEachController});
 }
@@ -244,6 +258,7 @@ Ledger::Call Ledger::beginOnce(const ControllerPlace& driverPlace) {
   Call call;
   if (!open()) return call;
   call.kept = true;
+  call.opening = openings_;
   ControllerPlace place = driverPlace;
   if (const int own = place.address - driverAddressOffset; isOfController(own)) {
     place.address = static_cast<std::int16_t>(own);
@@ -261,7 +276,7 @@ Ledger::Call Ledger::beginOnce(const ControllerPlace& driverPlace) {
   }
   write([&] {
     ControllerList& controllers =
-        block_ ? block_->controllers : call.controllers.emplace(file_.database(), context_);
+        block() ? block()->controllers : call.controllers.emplace(file_.database(), context_);
     takeAbandoned(controllers);
     call.to = addressed(controllers, place);
     std::vector<PlannedSend> sends;
@@ -276,26 +291,32 @@ void Ledger::end(Call& call, std::optional<std::int16_t> result) {
   // Another process that wrote the file meanwhile may have had the driver send its own lines.
   const std::string text = fromCp1252(files::contents(commandFile).value_or(""));
   const bool certain = call.to.byName && result == driverSuccess && text == call.text;
+  const std::vector<std::string> others = text == call.text ? std::vector<std::string>{} : linesOf(text);
   std::vector<Result> results;
   for (const ControllerPlace& place : call.to.places) {
     results.push_back({place, call.lines, certain});
-    if (text != call.text) results.push_back({place, linesOf(text), false});
+    if (!others.empty()) results.push_back({place, others, false});
   }
-  if (!call.row) {
-    if (block_) std::move(results.begin(), results.end(), std::back_inserter(block_->results));
+  if (!call.row && block_) {
+    std::move(results.begin(), results.end(), std::back_inserter(block_->results));
     return;
   }
   const bool noted = attempt([&] {
+    const bool known = block() != nullptr || call.controllers;
+    if (call.opening != openings_ || !known) return applyAnew(std::move(results));
     // What was sent before it within the block comes first.
-    if (block_) applyMine(block_->controllers, block_->results, true);
-    const bool mine = pending_.remove(*call.row);
-    applyMine(block_ ? block_->controllers : *call.controllers, std::move(results), mine);
+    if (block()) applyMine(block()->controllers, block()->results, true);
+    const bool mine = !call.row || pending_.remove(*call.row);
+    applyMine(block() ? block()->controllers : *call.controllers, std::move(results), mine);
   });
-  if (noted && block_) block_->results.clear();
+  if (noted && block()) block()->results.clear();
 }
 
 void Ledger::withdraw(Call& call) {
-  if (call.row) attempt([&] { pending_.remove(*call.row); });
+  if (!call.row) return;
+  attempt([&] {
+    if (call.opening == openings_) pending_.remove(*call.row);
+  });
 }
 
 std::vector<LedgerController> Ledger::controllers() {

@@ -49,6 +49,7 @@ class Ledger : public SendLedger {
     std::vector<std::string> lines;
     std::optional<std::int32_t> row;  ///< what it stands as among the pending sends; none within a block
     std::optional<ControllerList> controllers;
+    int opening = 0;  ///< of the ledger that it stands in
   };
   /// Puts what the call sends in doubt. place: station and address as the driver gets them. Raises what keeps
   /// the ledger from being written: then the driver must not be called.
@@ -83,6 +84,7 @@ class Ledger : public SendLedger {
     ControllerList controllers;
     std::map<ControllerPlace, std::set<std::string>> expected;  // texts of command files
     std::vector<Result> results;
+    int opening = 0;  ///< of the ledger that it stands in
   };
 
   [[nodiscard]] Call beginOnce(const ControllerPlace& driverPlace);
@@ -97,13 +99,16 @@ class Ledger : public SendLedger {
   void takeInDoubt(ControllerList& controllers, const std::vector<PlannedSend>& sends);
   void apply(ControllerList& controllers, const std::vector<Result>& results);
   void applyMine(ControllerList& controllers, std::vector<Result> results, bool mine);
+  void applyAnew(std::vector<Result> results);
+  [[nodiscard]] Block* block();
   [[nodiscard]] Addressed addressed(const ControllerList& controllers, const ControllerPlace& place) const;
-  [[nodiscard]] bool isExpected(const ControllerPlace& place, const std::string& text) const;
+  [[nodiscard]] bool isExpected(const ControllerPlace& place, const std::string& text);
 
   AccessContext& context_;
   LedgerFile file_;
   PendingSends pending_;
   std::optional<Block> block_;
+  int openings_ = 0;  ///< how often a ledger was opened: it may be replaced at any time
 };
 
 }  // namespace voxa

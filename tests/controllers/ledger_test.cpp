@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 #include "access/cardholder.h"
 #include "app/qdb.h"
 #include "comm/com.h"
@@ -140,6 +142,24 @@ TEST_F(LedgerTest, WhatIsBeingSentIsInDoubtForEverybodyAndStaysSoAfterAKill) {
   driver.answer = [](const auto&) -> std::int16_t { throw Error(err::fileNotFound, "no driver"); };
   EXPECT_THROW(sendAs(*library, 41, {"090007       7"}), Error);
   EXPECT_EQ(card(1), "00000005|00000006,~,~");
+}
+
+TEST_F(LedgerTest, WhatIsBeingSentWhileTheLedgerIsReplacedIsInDoubtInTheNewOne) {
+  for (const bool announced : {false, true}) {
+    send(41, 100, {"090007       1"});
+    driver.answer = [](const auto&) {
+      for (const char* part : {"Ledger.MDB", "Ledger.MDB-wal", "Ledger.MDB-shm"})
+        std::filesystem::remove(part);
+      return std::int16_t{100};
+    };
+    {
+      const std::vector<PlannedSend> sends = {{{1, 1}, {"090007       2"}}};
+      const ExpectedSends expected(library->ledger(), announced ? sends : std::vector<PlannedSend>{});
+      sendAs(*library, 41, {"090007       2"});
+    }
+    EXPECT_EQ(card(1), "~|00000002,~,~") << announced;
+    EXPECT_EQ(boxes(), std::vector<std::string>{});
+  }
 }
 
 TEST_F(LedgerTest, AnotherStationOfTheSameNumberHasOtherControllers) {
