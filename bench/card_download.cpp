@@ -27,10 +27,6 @@ constexpr int fewControllers = 4;
 constexpr int roundsOfFew = 3;
 constexpr int roundsOfMany = 1;  // one round writes 160,000 command files on each side
 
-constexpr const char* changeAll =
-    "update Cardholders set CardCodeFlagD = -1, AccessGroupIdFlagD = -1, ValidatedFlagD = -1, "
-    "PINCodeFlagD = -1, SupervisorFlagD = -1, ValidationDateFlagD = -1, CreditFlagD = -1";
-
 /// Cards of one group. They may pass all doors of the first controllers of the station.
 class Cards {
  public:
@@ -38,13 +34,7 @@ class Cards {
     installation_.createDatabase();
     installation_.addCardholders(cards);
     installation_.addReaders();
-    Database& database = installation_.db();
-    database.execute("insert into AccessGroups (Id, Name) values (1, 'Staff')");
-    database.execute(
-        "insert into AccGroupReaders (AccessGroupId, ReaderId, WeeklyProgType, WeeklyProgNum) "
-        "select 1, Id, 'C', 0 from Readers where ControllerAddress <= " +
-        std::to_string(controllers));
-    database.execute("update Cardholders set AccessGroupId = 1");
+    installation_.addStaff(controllers);
   }
 
   Installation& operator*() { return installation_; }
@@ -55,7 +45,7 @@ class Cards {
             [this] {
               // Drivers and ledger look for the command file there, and another installation was made since.
               std::filesystem::current_path(installation_.folder());
-              installation_.db().execute(changeAll);
+              installation_.db().execute(Installation::markCards);
             }};
   }
   /// The contents of all command files, each behind the address that it is sent to.
@@ -104,7 +94,7 @@ class PlainDownload {
             "WHERE Id = ?1")) {}
 
   Side side() {
-    return {[this] { run(); }, [this] { sqlite_.run(changeAll); }};
+    return {[this] { run(); }, [this] { sqlite_.run(Installation::markCards); }};
   }
   [[nodiscard]] const std::string& commandFile() const { return commandFile_; }
 

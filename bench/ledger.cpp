@@ -24,23 +24,12 @@ constexpr int controllers = 16;
 constexpr int lines = 4;   // with so many controllers each, in the large ledger
 constexpr int rounds = 1;  // each writes 160,000 command files on either side
 
-constexpr const char* changeAll =
-    "update Cardholders set CardCodeFlagD = -1, AccessGroupIdFlagD = -1, ValidatedFlagD = -1, "
-    "PINCodeFlagD = -1, SupervisorFlagD = -1, ValidationDateFlagD = -1, CreditFlagD = -1";
-
 /// Cards of one group that may pass the doors of every controller.
 void fill(Installation& installation, int count) {
   installation.createDatabase();
   installation.addCardholders(count);
   installation.addReaders();
-  Database& database = installation.db();
-  Transaction transaction(installation.engine());
-  database.execute("insert into AccessGroups (Id, Name) values (1, 'Staff')");
-  database.execute(
-      "insert into AccGroupReaders (AccessGroupId, ReaderId, WeeklyProgType, WeeklyProgNum) "
-      "select 1, Id, 'C', 0 from Readers");
-  database.execute("update Cardholders set AccessGroupId = 1");
-  transaction.commit();
+  installation.addStaff(controllers);
 }
 
 /// The same readers at further lines.
@@ -85,7 +74,7 @@ class Download {
     return {[this] { run(); },
             [this, kept] {
               keepAccount(installation_, kept);
-              installation_.db().execute(changeAll);
+              installation_.db().execute(Installation::markCards);
             }};
   }
 

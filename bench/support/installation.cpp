@@ -97,6 +97,17 @@ void Installation::addReaders() {
   driver_.statuses.assign(controllers, '1');
 }
 
+void Installation::addStaff(int controllers) {
+  Transaction transaction(*engine_);
+  db().execute("insert into AccessGroups (Id, Name) values (1, 'Staff')");
+  db().execute(
+      "insert into AccGroupReaders (AccessGroupId, ReaderId, WeeklyProgType, WeeklyProgNum) "
+      "select 1, Id, 'C', 0 from Readers where ControllerAddress <= " +
+      std::to_string(controllers));
+  db().execute("update Cardholders set AccessGroupId = 1");
+  transaction.commit();
+}
+
 std::string Installation::copyDatabase() const {
   std::string copy = folder_ + "/rival.mdb";
   std::filesystem::copy_file(databasePath_, copy);

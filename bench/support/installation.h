@@ -43,6 +43,12 @@ class Installation {
   /// Adds readers 1 to 64, "Reader 1" and so on, at the four positions of each of the 16 controllers of
   /// station 1. All controllers answer the driver.
   void addReaders();
+  /// A group "Staff" of all cardholders, who may pass all doors of the controllers up to that address.
+  void addStaff(int controllers);
+  /// Marks all seven parts of all cards to be sent.
+  static constexpr const char* markCards =
+      "update Cardholders set CardCodeFlagD = -1, AccessGroupIdFlagD = -1, ValidatedFlagD = -1, "
+      "PINCodeFlagD = -1, SupervisorFlagD = -1, ValidationDateFlagD = -1, CreditFlagD = -1";
   /// Copies the main database as it is now to a file beside it; returns the path.
   [[nodiscard]] std::string copyDatabase() const;
 

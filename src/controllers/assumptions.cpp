@@ -23,7 +23,7 @@ Possible assumption(const std::string& value, bool marked) {
 
 CardState stateOf(const CardImage& image) {
   CardState state;
-  for (std::size_t i = 0; i < CardImage::partCount; ++i) {
+  for (std::size_t i = 0; i < cardFieldCount; ++i) {
     const auto field = static_cast<CardField>(i);
     state.part(field) = assumption(image.part(field), image.isMarked(field));
   }

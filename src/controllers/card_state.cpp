@@ -32,7 +32,7 @@ void CardState::takeCode(std::string_view code, bool certain) {
   if (!certain) {
     present.mayBecome(code);
     if (!code.empty()) return;
-    for (std::size_t i = index(CardField::weekly); i < partCount; ++i) parts_.at(i).mayBecome("");
+    for (std::size_t i = index(CardField::weekly); i < cardFieldCount; ++i) parts_.at(i).mayBecome("");
     for (auto& [output, state] : lifts_) state.mayBecome("");
     otherLifts_.mayBecome("");
     return;

@@ -37,11 +37,10 @@ class CardState {
   [[nodiscard]] static CardState read(std::string_view text);
 
  private:
-  static constexpr std::size_t partCount = 8;
   static std::size_t index(CardField field) { return static_cast<std::size_t>(field); }
   void takeCode(std::string_view code, bool certain);
 
-  std::array<Possible, partCount> parts_;
+  std::array<Possible, cardFieldCount> parts_;
   std::map<std::int16_t, Possible> lifts_;
   Possible otherLifts_;
 };

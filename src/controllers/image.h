@@ -24,11 +24,9 @@ struct ThingImage {
 
 /// A card as the rows want it on a controller.
 struct CardImage {
-  static constexpr std::size_t partCount = 8;
-
-  std::array<std::string, partCount> parts;  ///< by CardField; the values are those of SentLine
-  std::vector<std::int16_t> lifts;           ///< outputs that it may use
-  CardParts marks;                           ///< parts of the row that are to be sent
+  std::array<std::string, cardFieldCount> parts;  ///< by CardField; the values are those of SentLine
+  std::vector<std::int16_t> lifts;                ///< outputs that it may use
+  CardParts marks;                                ///< parts of the row that are to be sent
 
   [[nodiscard]] const std::string& part(CardField field) const {
     return parts.at(static_cast<std::size_t>(field));

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -11,6 +12,9 @@ enum class ThingKind : std::uint8_t { card, daily, weeklyC, weeklyE, holiday, ba
 
 /// The parts of a card on a controller, in the order in which they are sent.
 enum class CardField : std::uint8_t { code, weekly, door1, door2, pin, supervisor, lastDay, credit, lift };
+
+/// Those of which a card has one each: all but the lift outputs, which are the last.
+inline constexpr std::size_t cardFieldCount = 8;
 
 /// A command line, understood.
 struct SentLine {

@@ -11,6 +11,7 @@ namespace voxa {
 
 inline constexpr std::int32_t slotsOfController = 16'384;
 inline constexpr std::int32_t firstSlotBehindCards = 10'000;
+inline constexpr std::int32_t slotsOfKind = 100;
 
 /// Behind the last slot of the kind that starts with the first one.
 struct SlotRange {
@@ -19,10 +20,9 @@ struct SlotRange {
 };
 
 [[nodiscard]] constexpr SlotRange slotsOf(ThingKind kind) {
-  constexpr std::int32_t ofKind = 100;
   if (kind == ThingKind::card) return {0, firstSlotBehindCards};
-  const std::int32_t first = firstSlotBehindCards + (static_cast<std::int32_t>(kind) - 1) * ofKind;
-  return {first, first + ofKind};
+  const std::int32_t first = firstSlotBehindCards + (static_cast<std::int32_t>(kind) - 1) * slotsOfKind;
+  return {first, first + slotsOfKind};
 }
 
 /// Where it stands what is known of the things of a kind that have no row: nothing, or nothing is there.
@@ -41,8 +41,7 @@ struct SlotRange {
   if (slot < firstSlotBehindCards) return ThingKind::card;
   if (slot >= slotOfOthers(ThingKind::card))
     return static_cast<ThingKind>(slot - slotOfOthers(ThingKind::card));
-  constexpr std::int32_t ofKind = 100;
-  return static_cast<ThingKind>((slot - firstSlotBehindCards) / ofKind + 1);
+  return static_cast<ThingKind>((slot - firstSlotBehindCards) / slotsOfKind + 1);
 }
 
 }  // namespace voxa

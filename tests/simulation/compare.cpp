@@ -126,11 +126,14 @@ class Comparison {
   bool assumed_;
 };
 
-std::string nameOf(const ControllerPlace& place) {
-  return std::to_string(place.station) + "/" + std::to_string(place.address);
-}
-
 }  // namespace
+
+void Compared::addCounts(const Compared& other) {
+  held += other.held;
+  assumed += other.assumed;
+  doubt += other.doubt;
+  unknown += other.unknown;
+}
 
 Compared compare(const World& world, Session& session) {
   static constexpr const char* kinds[] = {"card",    "daily program", "weekly program C", "weekly program E",
@@ -143,13 +146,10 @@ Compared compare(const World& world, Session& session) {
     const site::Snapshot there = site.snapshot(place.station, place.address);
     const Holdings known = session.library().ledger().holdings(place);
     Comparison comparison(compared, nameOf(place), world.assumed.at(place));
-    for (std::int32_t number = 1; number <= 9999; ++number) {
-      const auto card = std::find_if(there.cards.begin(), there.cards.end(),
-                                     [&](const site::Card& each) { return each.number == number; });
-      const auto state = known.cards.find(number);
-      if (card == there.cards.end() && state == known.cards.end()) continue;
-      comparison.card(number, known.card(number), card == there.cards.end() ? nullptr : &*card);
-    }
+    std::map<std::int32_t, const site::Card*> cards;
+    for (const site::Card& card : there.cards) cards[card.number] = &card;
+    for (const auto& [number, state] : known.cards) cards.try_emplace(number, nullptr);
+    for (const auto& [number, card] : cards) comparison.card(number, known.card(number), card);
     auto things = thingsOf(there);
     for (const auto& [thing, state] : known.things) things.try_emplace(thing);
     for (const auto& [thing, text] : things) {
@@ -164,6 +164,10 @@ Compared compare(const World& world, Session& session) {
 std::vector<std::string> uncertainCards(const World& world, Session& session) {
   static constexpr CardField sent[] = {CardField::code, CardField::weekly, CardField::door1, CardField::door2,
                                        CardField::pin};
+  std::map<ControllerPlace, Holdings> holdings;
+  for (const auto& [place, type] : world.controllers) {
+    if (!world.wrongType.contains(place)) holdings[place] = session.library().ledger().holdings(place);
+  }
   std::vector<std::string> uncertain;
   const auto cards = session.db().openRecordset(
       "select CardNum, CardCode, AccessGroupId from Cardholders where not Deleted and Validated");
@@ -171,9 +175,9 @@ std::vector<std::string> uncertainCards(const World& world, Session& session) {
     const std::int32_t number = cards->get("CardNum").toInt32();
     for (const auto& controller : controllersOf(session.db(), cards->get("AccessGroupId").toInt16())) {
       const ControllerPlace place{controller.station, controller.address};
-      if (!controller.active || !world.controllers.contains(place) || world.wrongType.contains(place))
-        continue;
-      const CardState card = session.library().ledger().holdings(place).card(number);
+      const auto known = holdings.find(place);
+      if (!controller.active || known == holdings.end()) continue;
+      const CardState card = known->second.card(number);
       if (std::all_of(std::begin(sent), std::end(sent),
                       [&](CardField field) { return card.part(field).isHeld(); }))
         continue;

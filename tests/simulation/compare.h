@@ -15,6 +15,8 @@ struct Compared {
   long doubt = 0;
   long unknown = 0;
   std::vector<std::string> wrong;
+
+  void addCounts(const Compared& other);
 };
 
 /// Compares what the ledger says of each controller with what is there: a held value is the one that is

@@ -212,12 +212,7 @@ class Round {
     }
     Compared counts;
     std::istringstream said(ended.said);
-    if (said >> counts.held >> counts.assumed >> counts.doubt >> counts.unknown) {
-      seen.held += counts.held;
-      seen.assumed += counts.assumed;
-      seen.doubt += counts.doubt;
-      seen.unknown += counts.unknown;
-    }
+    if (said >> counts.held >> counts.assumed >> counts.doubt >> counts.unknown) seen.addCounts(counts);
     // A command or a call that fails is no fault, as long as the ledger is right behind it.
     const bool fails = ended.crashed || (!what.empty() && ended.status != 0);
     return fails ? what + ": status " + std::to_string(ended.status) + '\n' + ended.said : "";
@@ -246,10 +241,7 @@ int simulate(const Options& options) {
     }
     steps += round.steps;
     killed += round.killed;
-    seen.held += round.seen.held;
-    seen.assumed += round.seen.assumed;
-    seen.doubt += round.seen.doubt;
-    seen.unknown += round.seen.unknown;
+    seen.addCounts(round.seen);
   }
   std::error_code none;
   const std::uintmax_t sent = fs::file_size(scratch / "disturbances", none);

@@ -32,10 +32,6 @@ ControllerPlace anyController(World& world) {
   return chosen->first;
 }
 
-std::string nameOf(const ControllerPlace& place) {
-  return std::to_string(place.station) + "/" + std::to_string(place.address);
-}
-
 // A row is changed and marked, as a program does that has the tables open.
 Step edit(World& world) {
   Chance& chance = world.chance;
@@ -128,7 +124,7 @@ Step raw(World& world) {
   const std::int16_t address =
       world.chance.once(2) ? static_cast<std::int16_t>(place.address + 40) : world.chance.of(others);
   const std::vector<std::string> lines = rawLines(world.chance, world.controllers.at(place) == "VRMD1");
-  std::string what = "send to " + std::to_string(place.station) + "/" + std::to_string(address) + ":";
+  std::string what = "send to " + nameOf({place.station, address}) + ":";
   for (const std::string& line : lines) what += " '" + line + "'";
   Step step{what};
   step.sends = true;

@@ -4,6 +4,10 @@
 
 namespace voxa::simulation {
 
+std::string nameOf(const ControllerPlace& place) {
+  return std::to_string(place.station) + "/" + std::to_string(place.address);
+}
+
 World::World(fs::path voxa, fs::path scratch, std::uint64_t seed)
     : program(std::move(voxa)),
       folder(scratch / "installation"),

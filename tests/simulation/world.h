@@ -37,6 +37,9 @@ struct Line {
   bool dialled = false;  ///< a dial-up line
 };
 
+/// As a person reads a place: "1/2".
+[[nodiscard]] std::string nameOf(const ControllerPlace& place);
+
 /// One random installation with its controllers, and what the simulation knows of them.
 struct World {
   World(fs::path program, fs::path scratch, std::uint64_t seed);
