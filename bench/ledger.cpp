@@ -9,6 +9,7 @@
 #include "app/qdb.h"
 #include "comm/com.h"
 #include "controllers/ledger.h"
+#include "controllers/ledger_view.h"
 #include "programs/weekly_program.h"
 #include "support/harness.h"
 #include "support/installation.h"
@@ -148,7 +149,10 @@ Rows opening(const Harness& harness) {
       std::filesystem::remove(installation.folder() + "/Ledger.MDB" + part);
   };
   const auto open = [&] {
-    const std::size_t known = installation.library().ledger().controllers().size();
+    std::size_t known = 0;
+    require(installation.library().ledger().look(
+                [&](const LedgerView& ledger) { known = ledger.controllers().all().size(); }),
+            "There is no ledger");
     require(known == std::size_t{lines} * controllers, "The ledger does not know the controllers");
   };
   const Times times = harness.compare({open, remove}, {open, start}, Pace::once, 1);

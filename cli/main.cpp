@@ -105,7 +105,9 @@ int main(int argc, char** argv) {
     voxa::cli::addLiftCommands(commands, session);
     voxa::cli::addImportCommands(commands, session);
     voxa::cli::addStatusCommand(commands, session);
+    voxa::cli::addControllerCommands(commands, session);
     voxa::cli::addClockCommand(commands, session);
+    voxa::cli::addPlanCommand(commands, session);
     voxa::cli::addDownloadCommands(commands, session);
     voxa::cli::addReadCommand(commands, session);
     voxa::cli::addJournalCommand(commands, session);

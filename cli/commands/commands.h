@@ -19,6 +19,8 @@ void addCardCommands(Command& app, Session& session);
 void addLiftCommands(Command& app, Session& session);
 void addImportCommands(Command& app, Session& session);
 void addStatusCommand(Command& app, Session& session);
+void addControllerCommands(Command& app, Session& session);
+void addPlanCommand(Command& app, Session& session);
 void addClockCommand(Command& app, Session& session);
 void addDownloadCommands(Command& app, Session& session);
 void addReadCommand(Command& app, Session& session);

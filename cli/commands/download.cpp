@@ -9,8 +9,10 @@
 #include "component.h"
 #include "line_question.h"
 #include "output/progress.h"
+#include "plan_output.h"
 #include "platform/database/database.h"
 #include "session.h"
+#include "work/carry_out.h"
 #include "work/look_up.h"
 #include "work/refusal.h"
 
@@ -21,6 +23,7 @@ namespace {
 struct DownloadOptions {
   ComponentChoice component;
   bool full = false;
+  bool dial = false;
   std::string badgeFormat;
 };
 
@@ -90,6 +93,59 @@ void downloadTables(Session& session, const std::vector<DownloadKind>& kinds,
   conclude(all, target);
 }
 
+const char* textOf(Outcome outcome) {
+  switch (outcome) {
+    case Outcome::silent:
+      return "does not answer";
+    case Outcome::waiting:
+      return "waits";
+    case Outcome::failed:
+      return "not everything was taken";
+    case Outcome::done:
+    case Outcome::unchanged:
+      break;
+  }
+  return "";
+}
+
+void tell(const CarriedOut& controller) {
+  std::cout << controller.name << ": " << controller.sent << " sent";
+  if (!controller.missing.empty()) {
+    std::cout << ", " << controller.missing.size()
+              << " missing: " << (controller.reason.empty() ? textOf(controller.outcome) : controller.reason);
+  }
+  std::cout << '\n';
+  for (const std::string& refused : controller.refused) std::cout << "  refused: " << refused << '\n';
+  for (const PlanRow& row : rowsOf(controller.missing))
+    std::cout << "  missing: " << row.action << ' ' << row.what << " (" << row.reason << ")\n";
+  for (const LeftOut& row : controller.leftOut) std::cout << "  left out: " << voxa::cli::textOf(row) << '\n';
+}
+
+/// Brings every controller to what the rows say.
+void downloadPlan(Session& session, const DownloadOptions& options) {
+  session.openForSending();
+  CarryOut how;
+  how.scope.places = placesOf(session.library(), options.component.station, options.component.reader);
+  how.scope.full = options.full;
+  how.dial = options.dial;
+  CarriedOutPlan carried;
+  {
+    Progress progress;
+    carried = carryOut(session.library(), how, &progress);
+  }
+  session.show(carried.notices);
+  std::size_t unchanged = 0;
+  for (const CarriedOut& controller : carried.controllers) {
+    const bool quiet = controller.outcome == Outcome::unchanged && controller.leftOut.empty();
+    quiet ? static_cast<void>(++unchanged) : tell(controller);
+  }
+  std::cout << unchanged << (unchanged == 1 ? " controller holds" : " controllers hold")
+            << " it all already\n";
+  for (const LeftOut& row : carried.leftOut) std::cout << "left out: " << voxa::cli::textOf(row) << '\n';
+  if (!carried.isComplete())
+    throw Leftover("not every controller holds what it should: 'voxa plan' tells what is missing where");
+}
+
 void downloadFormat(Session& session, const DownloadOptions& options) {
   session.openForSending();
   const std::string name = badgeFormatNamed(session.library(), options.badgeFormat)->get("Name").toText();
@@ -99,11 +155,27 @@ void downloadFormat(Session& session, const DownloadOptions& options) {
   conclude(report, target);
 }
 
+/// isMeant: whether no command behind it is meant.
+void addPlanDownload(Command& command, Session& session, const std::function<bool()>& isMeant) {
+  auto options = std::make_shared<DownloadOptions>();
+  addComponentOptions(command, options->component);
+  command.add_flag("--full", options->full, "Everything, also what the controllers hold");
+  command.add_flag("--dial", options->dial,
+                   "Call the stations with a telephone number that miss something, and hang up behind it");
+  command.footer(
+      "Sends each controller what it misses ('voxa plan'), and tells what is still missing. One that does "
+      "not "
+      "answer\nor is not in use gets it with the next download.\nExample:\n  voxa download --station Local");
+  command.callback([&session, options, isMeant] {
+    if (isMeant()) downloadPlan(session, *options);
+  });
+}
+
 }  // namespace
 
 void addDownloadCommands(Command& app, Session& session) {
-  auto* group =
-      app.add_subcommand("download", "Send what was changed to the controllers")->require_subcommand(1);
+  auto* group = app.add_subcommand("download", "Send what was changed to the controllers");
+  addPlanDownload(*group, session, [group] { return !group->hasSubcommand(); });
   const auto add = [&](const std::string& name, const char* what, std::vector<DownloadKind> kinds) {
     auto* command = group->add_subcommand(name, what);
     auto options = std::make_shared<DownloadOptions>();
@@ -123,9 +195,8 @@ void addDownloadCommands(Command& app, Session& session) {
   add("holidays", "Send the holidays that were changed", {DownloadKind::holidays});
   add("groups", "Send the cards of the access groups that were changed", {DownloadKind::groups});
   add("cards", "Send the cards that were changed", {DownloadKind::cards});
-  add("all", "Send the programs, the holidays, the access groups and the cards that were changed",
-      {DownloadKind::dailyPrograms, DownloadKind::weeklyPrograms, DownloadKind::holidays,
-       DownloadKind::groups, DownloadKind::cards});
+  addPlanDownload(*group->add_subcommand("all", "The same as download without a word behind it"), session,
+                  [] { return true; });
 
   auto* badge = group->add_subcommand("badge", "Send a badge format to readers; it stays marked");
   auto options = std::make_shared<DownloadOptions>();

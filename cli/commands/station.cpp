@@ -78,6 +78,22 @@ void addStationCommands(Command& app, Session& session) {
     changeStation(session.library(), changed->station, changed->read());
   });
 
+  const auto addCall = [&](const char* word, const char* help,
+                           void (*call)(Installation&, const std::string&), const char* done) {
+    auto* command = group->add_subcommand(word, help);
+    auto station = std::make_shared<std::string>();
+    command->add_option("NAME", *station, "A station with a telephone number")->required();
+    command->footer(std::string("Example:\n  voxa station ") + word + " Annex");
+    command->callback([&session, station, call, done] {
+      session.openForSending();
+      call(session.library(), *station);
+      std::cout << *station << done << '\n';
+    });
+  };
+  addCall("connect", "Call a station; it is in use until it is disconnected", connectStation,
+          " is connected");
+  addCall("disconnect", "Hang up a station", disconnectStation, " is hung up");
+
   auto* speed = group->add_subcommand("speed", "Switch the controllers of a line to another line speed");
   auto name = std::make_shared<std::string>();
   auto bits = std::make_shared<std::string>();

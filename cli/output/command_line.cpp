@@ -75,6 +75,10 @@ CommandOption* Command::add_flag_callback(const std::string& name, const std::fu
   return keep(app_.add_flag_callback(name, given, help));
 }
 
+bool Command::hasSubcommand() const {
+  return !app_.get_subcommands().empty();
+}
+
 CommandOption* Command::get_option(const std::string& name) {
   return keep(app_.get_option(name));
 }

@@ -49,6 +49,7 @@ class Command {
   CommandOption* add_flag(const std::string& name, bool& variable, const std::string& help);
   CommandOption* add_flag_callback(const std::string& name, const std::function<void()>& given,
                                    const std::string& help);
+  [[nodiscard]] bool hasSubcommand() const;            ///< one was named on the command line
   CommandOption* get_option(const std::string& name);  ///< one that was added
   void footer(const std::string& text);                ///< behind the help
   void callback(const std::function<void()>& run);

@@ -49,6 +49,24 @@ std::string named(Database& database, std::int16_t accessGroupId, const GrantedC
          " Controller " + std::to_string(controller.address) + ": " + readers;
 }
 
+/// Takes a row of a group's doors, which come by station, address and position.
+void addDoor(std::vector<GrantedController>& controllers, const Recordset& row) {
+  const std::int16_t station = row.get("s.Id").toInt16();
+  const std::int16_t address = nullToInt(row.get("ControllerAddress"));
+  if (controllers.empty() || controllers.back().station != station || controllers.back().address != address) {
+    const Value type = row.get("ControllerType");
+    controllers.push_back({{station, address},
+                           row.get("Name").toText(),
+                           row.get("Active").toBool(),
+                           type.isNull() ? "" : type.toText(),
+                           {}});
+  }
+  const Value program = row.get("WeeklyProgNum");
+  controllers.back().doors.push_back({nullToInt(row.get("Position")), nullToInt(program),
+                                      row.get("r.Id").toInt32(),
+                                      !program.isNull() && isOfCards(row.get("WeeklyProgType"))});
+}
+
 }  // namespace
 
 CardRights GrantedController::rights() const {
@@ -70,24 +88,19 @@ std::vector<GrantedController> controllersOf(Database& database, std::int16_t ac
       "((s.id) = [r].[StationID]) And ((a.accessGroupId) = " +
       std::to_string(accessGroupId) + ")) ORDER BY s.Id, r.ControllerAddress, r.Position ");
   std::vector<GrantedController> controllers;
-  for (; !rows->eof(); rows->moveNext()) {
-    const std::int16_t station = rows->get("s.Id").toInt16();
-    const std::int16_t address = nullToInt(rows->get("ControllerAddress"));
-    if (controllers.empty() || controllers.back().station != station ||
-        controllers.back().address != address) {
-      const Value type = rows->get("ControllerType");
-      controllers.push_back({{station, address},
-                             rows->get("Name").toText(),
-                             rows->get("Active").toBool(),
-                             type.isNull() ? "" : type.toText(),
-                             {}});
-    }
-    const Value program = rows->get("WeeklyProgNum");
-    controllers.back().doors.push_back({nullToInt(rows->get("Position")), nullToInt(program),
-                                        rows->get("r.Id").toInt32(),
-                                        !program.isNull() && isOfCards(rows->get("WeeklyProgType"))});
-  }
+  for (; !rows->eof(); rows->moveNext()) addDoor(controllers, *rows);
   return controllers;
+}
+
+std::map<std::int16_t, std::vector<GrantedController>> controllersOfGroups(Database& database) {
+  const auto rows = database.openRecordset(
+      "select r.Id, r.ControllerAddress, r.ControllerType, r.Position, a.WeeklyProgType, a.WeeklyProgNum, "
+      "s.Id, s.Name, s.Active, a.AccessGroupId from AccGroupReaders as a, Readers as r, Stations as s "
+      "where r.Id = a.ReaderId and s.Id = r.StationId "
+      "order by a.AccessGroupId, s.Id, r.ControllerAddress, r.Position");
+  std::map<std::int16_t, std::vector<GrantedController>> groups;
+  for (; !rows->eof(); rows->moveNext()) addDoor(groups[rows->get("AccessGroupId").toInt16()], *rows);
+  return groups;
 }
 
 std::string faultOf(Database& database, std::int16_t accessGroupId, const GrantedController& controller) {
@@ -159,6 +172,18 @@ std::vector<std::int16_t> liftOutputs(Database& database, std::int32_t cardholde
   std::vector<std::int16_t> outputs;
   for (; !rows->eof(); rows->moveNext()) outputs.push_back(nullToInt(rows->get("Num")));
   return outputs;
+}
+
+LiftRights liftRights(Database& database) {
+  const auto rows = database.openRecordset(
+      "select LiftGroup.AccessGroup, Alarms.Num, Alarms.StationId, Alarms.ControllerAddress from LiftGroup "
+      "inner join Alarms on LiftGroup.LiftNum = Alarms.Id where Alarms.Type = 'M'");
+  LiftRights rights;
+  for (; !rows->eof(); rows->moveNext()) {
+    const ControllerPlace place{nullToInt(rows->get("StationId")), nullToInt(rows->get("ControllerAddress"))};
+    rights[{rows->get("AccessGroup").toInt16(), place}].push_back(nullToInt(rows->get("Num")));
+  }
+  return rights;
 }
 
 }  // namespace voxa

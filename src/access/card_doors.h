@@ -1,7 +1,9 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "comm/com_types.h"
@@ -37,6 +39,8 @@ struct GrantedController : ControllerPlace {
 
 /// The controllers of an access group by station and address.
 [[nodiscard]] std::vector<GrantedController> controllersOf(Database& database, std::int16_t accessGroupId);
+/// Those of every access group, by group.
+[[nodiscard]] std::map<std::int16_t, std::vector<GrantedController>> controllersOfGroups(Database& database);
 
 /// Why the controller cannot be told of the group's cards, naming the reader and the group; "" when it can.
 /// An address that is none of a controller's would reach the whole line; a link without a program of family C
@@ -70,5 +74,8 @@ struct DoorSide {
 /// The lift outputs that a cardholder's group may use on a controller.
 [[nodiscard]] std::vector<std::int16_t> liftOutputs(Database& database, std::int32_t cardholderId,
                                                     const GrantedController& controller);
+/// Those of every access group and controller.
+using LiftRights = std::map<std::pair<std::int16_t, ControllerPlace>, std::vector<std::int16_t>>;
+[[nodiscard]] LiftRights liftRights(Database& database);
 
 }  // namespace voxa

@@ -9,6 +9,7 @@
 #include "app/main_database.h"
 #include "app/qdb.h"
 #include "comm/com.h"
+#include "comm/dialling.h"
 #include "engines/sqlite/engine.h"
 #include "journal/journal.h"
 #include "messages/strings.h"
@@ -69,6 +70,7 @@ bool OpenInstallation::openForSending(const Opening& how) {
   requireInstallation();
   lock_ = std::make_unique<InstallationLock>();
   openHere(how);
+  hangUpAbandoned(*library_);
   return eraseUnfinishedBlocks(*library_);
 }
 

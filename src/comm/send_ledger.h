@@ -39,6 +39,12 @@ class SendLedger {
   /// What was noted and nobody is at work on any more, by place.
   [[nodiscard]] virtual std::vector<UnfinishedCards> unfinished() = 0;
   virtual void forgetUnfinished(const std::vector<UnfinishedCards>& cards) = 0;
+
+  /// Notes that this process calls a station, until forgetCall().
+  virtual void noteCall(std::int16_t station) = 0;
+  virtual void forgetCall(std::int16_t station) = 0;
+  /// Stations that were called by processes that are no longer at work.
+  [[nodiscard]] virtual std::vector<std::int16_t> abandonedCalls() = 0;
 };
 
 /// What is going to be sent while it lives.

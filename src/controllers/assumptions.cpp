@@ -1,16 +1,11 @@
 #include "controllers/assumptions.h"
 
-#include <map>
-#include <set>
-
 #include "access/access_context.h"
-#include "comm/com.h"
 #include "controllers/card_state.h"
 #include "controllers/controller_list.h"
 #include "controllers/image.h"
 #include "controllers/ledger_file.h"
 #include "controllers/thing_slot.h"
-#include "platform/database/database.h"
 
 namespace voxa {
 
@@ -21,47 +16,44 @@ Possible assumption(const std::string& value, bool marked) {
   return marked ? Possible::unknown() : Possible::assumed(value);
 }
 
-CardState stateOf(const CardImage& image) {
+CardState stateOf(const ImageCard& card, const ImageRights& granted) {
   CardState state;
+  const CardImage image = card.wanted ? Image::on(card, granted) : CardImage();
   for (std::size_t i = 0; i < cardFieldCount; ++i) {
     const auto field = static_cast<CardField>(i);
-    state.part(field) = assumption(image.part(field), image.isMarked(field));
+    state.part(field) = assumption(ledgerValue(field, image.value(field)), card.marks[partOf(field)]);
   }
-  for (const std::int16_t output : image.lifts) state.setLift(output, assumption("1", image.marks.any()));
+  if (!card.wanted) return state;
+  for (const std::int16_t output : granted.lifts) state.setLift(output, assumption("1", card.marks.any()));
   return state;
 }
 
-void assume(const LedgerFile& file, AccessContext& context, Database& main) {
+void assume(const LedgerFile& file, AccessContext& context) {
   ControllerList controllers(file.database(), context);
-  const Image image(context, main);
+  const Image image(context);
   const auto insert = [&](const ControllerPlace& place, std::int32_t slot, const std::string& state) {
     file.insertThing().execute({controllers.at(place).id * slotsOfController + slot, state});
   };
-  std::map<std::string, std::vector<ThingImage>> byType;
   for (const auto& [place, type] : controllers.installed()) {
     if (!isOfController(place.address)) continue;
-    const auto [things, added] = byType.try_emplace(type);
-    if (added) things->second = image.things(type, context.Com().pDailyPrograms4Zones == 1);
-    for (const ThingImage& thing : things->second) {
+    for (const ThingImage& thing : image.things(type).things) {
       insert(place, slotOf(thing.line.kind, thing.line.number),
              assumption(thing.line.value, thing.marked).text());
     }
-  }
-  std::map<ControllerPlace, std::set<std::int32_t>> known;
-  image.cards([&](const ControllerPlace& place, std::int32_t number, const CardImage& card) {
-    if (number < firstSlotBehindCards && known[place].insert(number).second) {
-      insert(place, slotOf(ThingKind::card, number), stateOf(card).text());
+    for (const ImageCard& card : image.cards()) {
+      const ImageRights* granted = image.granted(place, card.group);
+      if (granted == nullptr || !card.fault.empty() || !granted->fault.empty()) continue;
+      insert(place, slotOf(ThingKind::card, card.number), stateOf(card, *granted).text());
     }
-  });
+  }
 }
 
 }  // namespace
 
 void assumeRows(const LedgerFile& file, AccessContext& context) {
-  const std::shared_ptr<Database> main = context.DB();
-  if (!main) return;
+  if (!context.DB()) return;
   try {
-    assume(file, context, *main);
+    assume(file, context);
   } catch (const Error& error) {
     // What is no main database of ours says nothing of controllers.
     if (error.number() != err::dbUnknownTable && error.number() != err::dbTooFewParameters) throw;

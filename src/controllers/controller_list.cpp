@@ -1,6 +1,7 @@
 #include "controllers/controller_list.h"
 
 #include "controllers/card_state.h"
+#include "controllers/digest.h"
 #include "controllers/thing_slot.h"
 #include "files/conversions.h"
 #include "platform/clock.h"
@@ -18,6 +19,21 @@ std::string textOf(const Recordset& row, const char* field) {
 
 }  // namespace
 
+LedgerController ledgerController(const Recordset& row) {
+  LedgerController controller;
+  controller.id = row.get("Id").toInt32();
+  controller.place = {row.get("Station").toInt16(), row.get("Address").toInt16()};
+  controller.type = textOf(row, "Type");
+  controller.changes = row.get("Changes").toInt32();
+  controller.since = row.get("Since").toDateTime();
+  controller.stationName = textOf(row, "StationName");
+  const Value retired = row.get("Retired");
+  if (!retired.isNull()) controller.retired = retired.toDateTime();
+  const Value contact = row.get("LastContact");
+  if (!contact.isNull()) controller.lastContact = contact.toDateTime();
+  return controller;
+}
+
 ControllerList::ControllerList(Database& ledger, TableContext& context) : ledger_(ledger), context_(context) {
   readLedger();
   const std::shared_ptr<Database> main = context.DB();
@@ -33,12 +49,7 @@ ControllerList::ControllerList(Database& ledger, TableContext& context) : ledger
 void ControllerList::readLedger() {
   const auto rows = ledger_.openRecordset("select * from Controllers where Retired is null");
   for (; !rows->eof(); rows->moveNext()) {
-    LedgerController controller;
-    controller.id = rows->get("Id").toInt32();
-    controller.place = {rows->get("Station").toInt16(), rows->get("Address").toInt16()};
-    controller.type = textOf(*rows, "Type");
-    controller.changes = rows->get("Changes").toInt32();
-    controller.since = rows->get("Since").toDateTime();
+    const LedgerController controller = ledgerController(*rows);
     knownLines_[controller.place] = {textOf(*rows, "StationName"), rows->get("ComPort"),
                                      textOf(*rows, "Phone")};
     controllers_[controller.place] = controller;
@@ -113,6 +124,13 @@ void ControllerList::forgetHoldings(const LedgerController& controller) {
   card.mayBeAnything();
   forget(0, firstSlotBehindCards, card.text());
   forget(firstSlotBehindCards, slotsOfController, Possible::unknown().text());
+  forgetDigests(controller);
+}
+
+void ControllerList::forgetDigests(const LedgerController& controller) {
+  const std::int32_t first = controller.id * bucketsOfController;
+  ledger_.execute("delete from Digests where Id between " + std::to_string(first) + " and " +
+                  std::to_string(first + bucketsOfController - 1));
 }
 
 LedgerController& ControllerList::at(const ControllerPlace& place) {
@@ -173,6 +191,11 @@ std::vector<ControllerPlace> ControllerList::ofStation(std::int16_t station) con
     if (place.station == station && find(place) == nullptr) places.push_back(place);
   }
   return places;
+}
+
+std::string ControllerList::nameOf(std::int16_t station) const {
+  const auto line = lines_.find(station);
+  return line == lines_.end() ? "" : line->second.name;
 }
 
 void ControllerList::replace(const ControllerPlace& place) {

@@ -12,6 +12,7 @@
 namespace voxa {
 
 class Database;
+class Recordset;
 class TableContext;
 
 /// A controller as the ledger knows it. Station numbers are used again, so that a place alone does not say
@@ -23,7 +24,11 @@ struct LedgerController {
   std::int32_t changes = 0;  ///< how often something was noted of it
   DateTime since;
   std::optional<DateTime> retired;
+  std::optional<DateTime> lastContact;  ///< when it acknowledged something last
+  std::string stationName;              ///< as it was called last
 };
+/// One as a row of the ledger's table has it.
+[[nodiscard]] LedgerController ledgerController(const Recordset& row);
 
 /// The controllers in use, by place. It is read once, and holds for one piece of work.
 ///
@@ -48,6 +53,8 @@ class ControllerList {
   [[nodiscard]] const std::map<ControllerPlace, LedgerController>& all() const { return controllers_; }
   /// The places with readers, each with the type of its controller.
   [[nodiscard]] const std::map<ControllerPlace, std::string>& installed() const { return types_; }
+  /// Name of a station that there is; "" of any other.
+  [[nodiscard]] std::string nameOf(std::int16_t station) const;
   /// Retires the controller at a place: the one that is there now is another one.
   void replace(const ControllerPlace& place);
 
@@ -62,6 +69,7 @@ class ControllerList {
   void align();
   void retire(const LedgerController& controller);
   void forgetHoldings(const LedgerController& controller);
+  void forgetDigests(const LedgerController& controller);
   [[nodiscard]] static bool isAnother(const Line& known, const Line& now);
 
   Database& ledger_;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <set>
 
+#include "controllers/digest.h"
 #include "controllers/thing_slot.h"
 
 namespace voxa {
@@ -13,7 +14,7 @@ namespace {
 class TouchedThings {
  public:
   TouchedThings(const LedgerFile& file, std::int32_t controller)
-      : file_(file), base_(controller * slotsOfController) {
+      : file_(file), controller_(controller), base_(controller * slotsOfController) {
     read(slotOfOthers(ThingKind::card), slotOfOthers(ThingKind::badgeFormat));
   }
 
@@ -64,9 +65,13 @@ class TouchedThings {
     things_[slotOfOthers(kind)] = Possible::unknown();
   }
 
-  void write() const {
+  void write() {
     for (const auto& [slot, state] : cards_) write(slot, state.text());
     for (const auto& [slot, state] : things_) write(slot, state.text());
+    for (const std::int32_t bucket : changed_) {
+      const std::int32_t id = controller_ * bucketsOfController + bucket;
+      file_.deleteDigests().execute({id, id});
+    }
   }
 
  private:
@@ -84,17 +89,31 @@ class TouchedThings {
   CardState& card(std::int32_t number) { return touched(cards_, number, ThingKind::card); }
   Possible& thing(std::int32_t slot) { return touched(things_, slot, kindOf(slot)); }
 
-  void write(std::int32_t slot, const std::string& text) const {
+  void write(std::int32_t slot, const std::string& text) {
     const auto stored = stored_.find(slot);
     if (stored == stored_.end()) {
       file_.insertThing().execute({base_ + slot, text});
     } else if (stored->second != text) {
       file_.updateThing().execute({text, base_ + slot});
+    } else {
+      return;
+    }
+    noteChange(slot);
+  }
+  void noteChange(std::int32_t slot) {
+    if (slot < firstSlotBehindCards) {
+      changed_.insert(bucketOfCard(slot));
+    } else if (slot == slotOfOthers(ThingKind::card)) {
+      for (std::int32_t bucket = 0; bucket < cardBuckets; ++bucket) changed_.insert(bucket);
+    } else {
+      changed_.insert(bucketOfThings);
     }
   }
 
   const LedgerFile& file_;
+  std::int32_t controller_;
   std::int32_t base_;
+  std::set<std::int32_t> changed_;  // buckets
   std::map<std::int32_t, std::string> stored_;
   std::map<std::int32_t, CardState> cards_;
   std::map<std::int32_t, Possible> things_;
@@ -169,18 +188,18 @@ Possible Holdings::thing(ThingKind kind, std::int32_t number) const {
   return unknownOthers.contains(kind) ? Possible::unknown() : Possible();
 }
 
-Holdings readHoldings(const LedgerFile& file, const LedgerController& controller) {
-  Holdings holdings;
+void readThings(const LedgerFile& file, const LedgerController& controller, const SlotRange& slots,
+                Holdings& holdings) {
   const std::int32_t base = controller.id * slotsOfController;
   const auto rows = file.database().openRecordset(
       "parameters pFirst long, pLast long; select Id, State from Things where Id between pFirst and pLast "
       "order by Id",
-      {{"pFirst", base}, {"pLast", base + slotsOfController - 1}});
+      {{"pFirst", base + slots.first}, {"pLast", base + slots.end - 1}});
   for (; !rows->eof(); rows->moveNext()) {
-    const std::int32_t slot = rows->get("Id").toInt32() - base;
-    const std::string state = rows->get("State").toText();
+    const std::int32_t slot = rows->get(std::size_t{0}).toInt32() - base;
+    const std::string state = rows->get(std::size_t{1}).toText();
     if (slot < firstSlotBehindCards) {
-      holdings.cards[slot] = CardState::read(state);
+      holdings.cards.emplace_hint(holdings.cards.end(), slot, CardState::read(state));
       continue;
     }
     const ThingKind kind = kindOf(slot);
@@ -190,6 +209,11 @@ Holdings readHoldings(const LedgerFile& file, const LedgerController& controller
       holdings.things[{kind, slot - slotsOf(kind).first}] = Possible::read(state);
     }
   }
+}
+
+Holdings readHoldings(const LedgerFile& file, const LedgerController& controller) {
+  Holdings holdings;
+  readThings(file, controller, allSlots, holdings);
   const auto others = file.database().openRecordset("select Line from NotUnderstood where ControllerId = " +
                                                     std::to_string(controller.id) + " order by Sent, Id");
   for (; !others->eof(); others->moveNext()) holdings.notUnderstood.push_back(others->get("Line").toText());

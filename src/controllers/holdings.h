@@ -9,6 +9,7 @@
 #include "controllers/card_state.h"
 #include "controllers/controller_list.h"
 #include "controllers/ledger_file.h"
+#include "controllers/thing_slot.h"
 
 namespace voxa {
 
@@ -24,6 +25,9 @@ struct Holdings {
   [[nodiscard]] Possible thing(ThingKind kind, std::int32_t number) const;
 };
 [[nodiscard]] Holdings readHoldings(const LedgerFile& file, const LedgerController& controller);
+/// Adds what is known of these slots (thing_slot.h), each of which was not added before.
+void readThings(const LedgerFile& file, const LedgerController& controller, const SlotRange& slots,
+                Holdings& holdings);
 
 /// Lines that were sent to a controller, in their order.
 struct SentLines {

@@ -1,7 +1,10 @@
 #include "controllers/image.h"
 
+#include <algorithm>
+
 #include "access/access_context.h"
 #include "access/card_record.h"
+#include "comm/com.h"
 #include "files/conversions.h"
 #include "platform/clock.h"
 #include "platform/database/database.h"
@@ -13,105 +16,197 @@ namespace voxa {
 
 namespace {
 
-CardPart partOf(CardField field) {
-  switch (field) {
-    case CardField::code:
-      return cardCodePart;
-    case CardField::door1:
-    case CardField::door2:
-      return validatedPart;
-    case CardField::pin:
-      return pinCodePart;
-    case CardField::supervisor:
-      return supervisorPart;
-    case CardField::lastDay:
-      return validationDatePart;
-    case CardField::credit:
-      return creditPart;
-    case CardField::weekly:
-    case CardField::lift:
-      break;
-  }
-  return accessGroupPart;
+constexpr std::int32_t greatestNumber = 9999;
+constexpr const char* clearingCode = "00000000";
+constexpr CardField ofRow[] = {CardField::code, CardField::pin, CardField::supervisor, CardField::lastDay,
+                               CardField::credit};
+
+std::string& at(std::array<std::string, cardFieldCount>& values, CardField field) {
+  return values.at(static_cast<std::size_t>(field));
 }
+
+std::string nameOf(const Recordset& row) {
+  const Value name = row.get("Name");
+  return name.isNull() ? "" : name.toText();
+}
+
+std::string rowOf(const char* kind, std::int32_t number, const std::string& name) {
+  return std::string(kind) + " " + std::to_string(number) + (name.empty() ? "" : " (" + name + ")");
+}
+
+/// Why lines cannot have what a group grants; "" when they can.
+std::string faultOf(const ImageRights& granted) {
+  try {
+    (void)cardValue(CardField::weekly, {}, granted.rights, {});
+    for (const std::int16_t output : granted.lifts) (void)liftValue(output);
+  } catch (const Error& error) {
+    return error.description();
+  }
+  return "";
+}
+
+/// A kind of program, or the holidays.
+struct Rows {
+  const char* query;
+  const char* flag;
+  const char* number;
+  const char* kind;  ///< what a person calls a row
+};
+
+constexpr Rows dailies = {"select * from DailyPrograms where Id <> 0 order by Id", "DailyProgramFlagD", "Id",
+                          "daily program"};
+constexpr Rows weeklies = {"select * from WeeklyPrograms where ProgNum <> 0 order by ProgType, ProgNum",
+                           "WeeklyProgramFlagD", "ProgNum", "weekly program"};
+constexpr Rows holidays = {"select * from Holidays order by Id", "HolidayFlagD", "Id", "holiday"};
 
 }  // namespace
 
-bool CardImage::isMarked(CardField field) const {
-  return marks[partOf(field)];
+std::string ledgerValue(CardField field, const std::string& lineValue) {
+  std::string value = lineValue;
+  if (field == CardField::code) std::replace(value.begin(), value.end(), ' ', '0');
+  return value;
 }
 
-std::vector<ThingImage> Image::things(std::string_view controllerType, bool fourIntervals) const {
-  std::vector<ThingImage> things;
-  const auto take = [&](const char* query, const char* flag, const auto& linesOf) {
-    for (const auto row = main_.openRecordset(query); !row->eof(); row->moveNext()) {
-      std::string text;
+Image::Image(AccessContext& context, std::optional<std::int32_t> only)
+    : context_(context), fourIntervals_(context.Com().pDailyPrograms4Zones == 1) {
+  Database& main = context.database();
+  const Reading moment(main);
+  readCards(main, only);
+  readRights(main);
+}
+
+void Image::readCards(Database& main, std::optional<std::int32_t> only) {
+  static const std::string fields =
+      "select CardNum, CardCode, Name, AccessGroupId, Deleted, Validated, PINCode, Supervisor, "
+      "ValidationDate, "
+      "Credit, CardCodeFlagD, AccessGroupIdFlagD, ValidatedFlagD, PINCodeFlagD, SupervisorFlagD, "
+      "ValidationDateFlagD, CreditFlagD from Cardholders";
+  // Of one number the cards in use first: a deleted one counts only when there is no other.
+  const auto rows = only ? main.openRecordset("parameters pNumber long; " + fields +
+                                                  " where CardNum = pNumber order by Deleted desc",
+                                              {{"pNumber", *only}})
+                         : main.openRecordset(fields + " order by CardNum, Deleted desc");
+  for (; !rows->eof(); rows->moveNext()) addCard(*rows);
+  for (const ImageCard& card : cards_) {
+    if (!card.fault.empty())
+      leftOut_.push_back({ThingKind::card, card.number, rowOf("card", card.number, card.name), card.fault});
+  }
+}
+
+void Image::addCard(const Recordset& row) {
+  const CardRecord record = cardRecord(row);
+  ImageCard card;
+  card.number = record.number;
+  card.group = nullToInt(row.get("AccessGroupId"));
+  card.name = nameOf(row);
+  card.deleted = record.deleted;
+  card.validated = record.validated;
+  card.wanted = isForControllers(record);
+  card.marks = record.parts;
+  if (card.number < 1 || card.number > greatestNumber) {
+    if (card.wanted) {
+      leftOut_.push_back({ThingKind::card, card.number, rowOf("card", card.number, card.name),
+                          "its number is none of 1 to 9999"});
+    }
+    return;
+  }
+  if (!cards_.empty() && cards_.back().number == card.number) {
+    ImageCard& first = cards_.back();
+    if (card.deleted) return;
+    first.name += " and " + card.name;
+    first.fault = "several cards have this number: none of them is sent until each has its own";
+    return;
+  }
+  if (card.wanted) {
+    try {
+      for (const CardField field : ofRow)
+        at(card.values, field) = cardValue(field, record, {}, context_.clock().now());
+      if (ledgerValue(CardField::code, at(card.values, CardField::code)) == clearingCode)
+        card.fault = "its code is zero, which clears a card";
+    } catch (const Error& error) {
+      card.fault = error.description();
+    }
+  }
+  cards_.push_back(std::move(card));
+}
+
+void Image::readRights(Database& main) {
+  const LiftRights lifts = liftRights(main);
+  for (const auto& [group, controllers] : controllersOfGroups(main)) {
+    for (const GrantedController& controller : controllers) {
+      if (!isOfController(controller.address)) continue;
+      ImageRights& granted = rights_[controller][group];
+      granted.controllerType = controller.type;
+      granted.rights = controller.rights();
+      if (const auto found = lifts.find({group, controller}); found != lifts.end())
+        granted.lifts = found->second;
+      granted.fault = faultOf(main, group, controller);
+      if (granted.fault.empty()) granted.fault = faultOf(granted);
+    }
+  }
+}
+
+const ImageCard* Image::card(std::int32_t number) const {
+  const auto found =
+      std::lower_bound(cards_.begin(), cards_.end(), number,
+                       [](const ImageCard& card, std::int32_t than) { return card.number < than; });
+  return found == cards_.end() || found->number != number ? nullptr : &*found;
+}
+
+const std::map<std::int16_t, ImageRights>& Image::grantedAt(const ControllerPlace& place) const {
+  static const std::map<std::int16_t, ImageRights> nothing;
+  const auto found = rights_.find(place);
+  return found == rights_.end() ? nothing : found->second;
+}
+
+const ImageRights* Image::granted(const ControllerPlace& place, std::int16_t group) const {
+  const auto& groups = grantedAt(place);
+  const auto found = groups.find(group);
+  return found == groups.end() ? nullptr : &found->second;
+}
+
+CardImage Image::on(const ImageCard& card, const ImageRights& granted) {
+  CardRecord record;
+  record.validated = card.validated;
+  CardImage image{card.values};
+  for (const CardField field : {CardField::weekly, CardField::door1, CardField::door2})
+    at(image.values, field) = cardValue(field, record, granted.rights, {});
+  return image;
+}
+
+const ThingImages& Image::things(const std::string& controllerType) const {
+  const auto [known, added] = things_.try_emplace(controllerType);
+  if (added) known->second = thingsFor(controllerType);
+  return known->second;
+}
+
+ThingImages Image::thingsFor(const std::string& controllerType) const {
+  ThingImages images;
+  const auto take = [&](const Rows& rows, ThingKind kind, const auto& linesOf) {
+    for (const auto row = context_.database().openRecordset(rows.query); !row->eof(); row->moveNext()) {
+      const std::int32_t number = row->get(rows.number).toInt32();
+      LeftOut leftOut{kind, number, rowOf(rows.kind, number, nameOf(*row)), {}};
+      if (kind == ThingKind::weeklyC && row->get("ProgType") != Value("C")) leftOut.kind = ThingKind::weeklyE;
       try {
-        text = linesOf(*row).front();
-      } catch (const Error&) {
-        continue;
+        ThingImage image{{}, linesOf(*row).front(), row->get(rows.flag).toBool()};
+        image.line = sentLine(image.text, controllerType);
+        if (image.line.fit == SentLine::Fit::certain) {
+          images.things.push_back(std::move(image));
+          continue;
+        }
+        leftOut.reason = "controllers of its kind do not take it";
+      } catch (const Error& error) {
+        leftOut.reason = error.description();
       }
-      SentLine line = sentLine(text, controllerType);
-      if (line.fit == SentLine::Fit::certain) things.push_back({std::move(line), row->get(flag).toBool()});
+      images.leftOut.push_back(std::move(leftOut));
     }
   };
   const DateTime today = context_.clock().now();
-  take("select * from DailyPrograms where Id <> 0", "DailyProgramFlagD",
-       [&](const Recordset& row) { return linesOfDailyProgram(row, fourIntervals); });
-  take("select * from WeeklyPrograms where ProgNum <> 0", "WeeklyProgramFlagD",
-       [](const Recordset& row) { return linesOfWeeklyProgram(row); });
-  take("select * from Holidays", "HolidayFlagD",
-       [&](const Recordset& row) { return linesOfHoliday(row, today); });
-  return things;
-}
-
-void Image::cards(const TakeCard& take) const {
-  std::optional<std::int16_t> group;
-  std::vector<Granted> reached;
-  const auto rows =
-      main_.openRecordset("select * from Cardholders order by Deleted desc, AccessGroupId, CardNum");
-  for (; !rows->eof(); rows->moveNext()) {
-    const std::int16_t own = nullToInt(rows->get("AccessGroupId"));
-    if (group != own) reached = grantedBy(own, rows->get("Id").toInt32());
-    group = own;
-    const CardRecord card = cardRecord(*rows);
-    for (const Granted& granted : reached) {
-      if (const auto image = cardOn(granted, card)) take(granted.controller, card.number, *image);
-    }
-  }
-}
-
-std::vector<Image::Granted> Image::grantedBy(std::int16_t group, std::int32_t cardholder) const {
-  std::vector<Granted> all;
-  for (GrantedController& controller : controllersOf(main_, group)) {
-    if (!isOfController(controller.address)) continue;
-    std::vector<std::int16_t> lifts = liftOutputs(main_, cardholder, controller);
-    all.push_back({std::move(controller), std::move(lifts)});
-  }
-  return all;
-}
-
-std::optional<CardImage> Image::cardOn(const Granted& granted, const CardRecord& card) const {
-  CardRecord whole = card;
-  whole.parts.set();
-  std::vector<std::string> lines;
-  try {
-    lines = cardLines(whole, granted.controller.rights(), granted.lifts, granted.controller.type,
-                      context_.clock().now());
-  } catch (const Error&) {
-    return std::nullopt;
-  }
-  CardImage image;
-  image.marks = card.parts;
-  for (const std::string& text : lines) {
-    SentLine line = sentLine(text, granted.controller.type);
-    if (line.field == CardField::lift) {
-      image.lifts.push_back(line.output);
-    } else {
-      image.parts.at(static_cast<std::size_t>(line.field)) = std::move(line.value);
-    }
-  }
-  return image;
+  take(dailies, ThingKind::daily,
+       [&](const Recordset& row) { return linesOfDailyProgram(row, fourIntervals_); });
+  take(weeklies, ThingKind::weeklyC, [](const Recordset& row) { return linesOfWeeklyProgram(row); });
+  take(holidays, ThingKind::holiday, [&](const Recordset& row) { return linesOfHoliday(row, today); });
+  return images;
 }
 
 }  // namespace voxa

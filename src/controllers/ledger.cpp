@@ -7,6 +7,9 @@
 
 #include "access/access_context.h"
 #include "controllers/assumptions.h"
+#include "controllers/ledger_settings.h"
+#include "controllers/ledger_view.h"
+#include "controllers/replacement.h"
 #include "controllers/unfinished_cards.h"
 #include "platform/clock.h"
 #include "platform/files.h"
@@ -176,9 +179,16 @@ void Ledger::apply(ControllerList& controllers, const std::vector<Result>& resul
     }
     LedgerController& controller = controllers.at(place);
     takeLines(file_, controller, sent, context_.clock().now());
-    file_.database().execute("update Controllers set Changes = " + std::to_string(++controller.changes) +
-                             " where Id = " + std::to_string(controller.id));
+    noteSends(controller, sent);
   }
+}
+
+void Ledger::noteSends(LedgerController& controller, const std::vector<SentLines>& sent) {
+  std::string contact;
+  if (std::any_of(sent.begin(), sent.end(), [](const SentLines& each) { return each.certain; }))
+    contact = ", LastContact = Now()";
+  file_.database().execute("update Controllers set Changes = " + std::to_string(++controller.changes) +
+                           contact + " where Id = " + std::to_string(controller.id));
 }
 
 Ledger::Addressed Ledger::addressed(const ControllerList& controllers, const ControllerPlace& place) const {
@@ -319,31 +329,50 @@ void Ledger::withdraw(Call& call) {
   });
 }
 
-std::vector<LedgerController> Ledger::controllers() {
-  std::vector<LedgerController> all;
-  if (!open()) return all;
+bool Ledger::look(const std::function<void(LedgerView&)>& body) {
+  if (!open()) return false;
+  // What is being sent is taken in as if its process were gone, and given back at the end.
   Transaction transaction(file_.engine(), file_.database());
-  const ControllerList list(file_.database(), context_);
-  transaction.commit();
-  for (const auto& [place, controller] : list.all()) all.push_back(controller);
-  return all;
+  ControllerList list(file_.database(), context_);
+  const std::vector<PlannedSend> pending = pending_.all();
+  takeInDoubt(list, pending);
+  LedgerView view(file_, list, pending.empty());
+  body(view);
+  if (pending.empty()) transaction.commit();
+  return true;
 }
 
 Holdings Ledger::holdings(const ControllerPlace& place) {
-  if (!open()) return {};
-  // What is being sent is taken in as if its process were gone, and given back at the end.
-  const Transaction undone(file_.engine(), file_.database());
-  ControllerList list(file_.database(), context_);
-  takeInDoubt(list, pending_.all());
-  const LedgerController* controller = list.find(place);
-  return controller == nullptr ? Holdings() : readHoldings(file_, *controller);
+  Holdings holdings;
+  (void)look([&](const LedgerView& view) { holdings = view.holdings(place); });
+  return holdings;
 }
 
-void Ledger::replace(const ControllerPlace& place) {
+void Ledger::replace(const ControllerPlace& place, bool usedElsewhere) {
   if (!open()) return;
   write([&] {
     ControllerList list(file_.database(), context_);
-    list.replace(place);
+    replaceController(file_, list, place, usedElsewhere);
+  });
+}
+
+void Ledger::noteFourIntervals(bool four) {
+  if (open()) write([&] { storeFourIntervals(file_.database(), four); });
+}
+
+void Ledger::beginCredits(const std::map<std::int32_t, std::vector<ControllerPlace>>& controllers) {
+  if (controllers.empty() || !open()) return;
+  write([&] {
+    ControllerList list(file_.database(), context_);
+    voxa::beginCredits(file_, list, controllers);
+  });
+}
+
+void Ledger::endCredits(const std::vector<std::int32_t>& numbers) {
+  if (numbers.empty() || !open()) return;
+  write([&] {
+    for (const std::int32_t number : numbers)
+      file_.database().execute("delete from CreditsSent where Id = " + std::to_string(number));
   });
 }
 
@@ -371,6 +400,34 @@ void Ledger::forgetUnfinished(const std::vector<UnfinishedCards>& cards) {
     ControllerList list(file_.database(), context_);
     voxa::forgetUnfinished(file_.database(), list, cards);
   });
+}
+
+void Ledger::noteCall(std::int16_t station) {
+  attempt([&] {
+    const auto row =
+        file_.database().openRecordset("select * from Dialled where Id = " + std::to_string(station));
+    row->eof() ? row->addNew() : row->edit();
+    row->set("Id", static_cast<std::int32_t>(station));
+    row->set("Owner", pending_.owner());
+    row->update();
+  });
+}
+
+void Ledger::forgetCall(std::int16_t station) {
+  attempt([&] { file_.database().execute("delete from Dialled where Id = " + std::to_string(station)); });
+}
+
+std::vector<std::int16_t> Ledger::abandonedCalls() {
+  std::vector<std::int16_t> stations;
+  attempt([&] {
+    const auto rows = file_.database().openRecordset("select * from Dialled order by Id");
+    for (; !rows->eof(); rows->moveNext()) {
+      const std::int16_t owner = rows->get("Owner").toInt16();
+      if (owner == pending_.owner() || pending_.isAtWork(owner)) continue;
+      stations.push_back(rows->get("Id").toInt16());
+    }
+  });
+  return stations;
 }
 
 }  // namespace voxa

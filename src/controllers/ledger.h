@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -16,6 +17,7 @@
 namespace voxa {
 
 class AccessContext;
+class LedgerView;
 
 /// The account of what each controller holds, by what the driver acknowledged. What is going to be sent is in
 /// doubt, on the disk, before the driver is called; what came of it is noted behind the call, or behind all
@@ -35,6 +37,9 @@ class Ledger : public SendLedger {
   [[nodiscard]] bool noteUnfinished(const std::vector<UnfinishedCards>& cards, bool underWay) override;
   [[nodiscard]] std::vector<UnfinishedCards> unfinished() override;
   void forgetUnfinished(const std::vector<UnfinishedCards>& cards) override;
+  void noteCall(std::int16_t station) override;
+  void forgetCall(std::int16_t station) override;
+  [[nodiscard]] std::vector<std::int16_t> abandonedCalls() override;
 
   /// The controllers that an address of the driver means.
   struct Addressed {
@@ -66,11 +71,20 @@ class Ledger : public SendLedger {
   /// Begins it when there is none. To be called when a main database is opened, before its rows change;
   /// whoever sends later is told what fails.
   void provide();
-  [[nodiscard]] std::vector<LedgerController> controllers();  ///< in use, by place
+  /// Shows the ledger as it is at this moment. False when there is none.
+  bool look(const std::function<void(LedgerView&)>& body);
   /// What a controller in use holds, with the sends that are under way in doubt.
   [[nodiscard]] Holdings holdings(const ControllerPlace& place);
-  /// From now on another controller is at this place, of which nothing is known.
-  void replace(const ControllerPlace& place);
+  /// From now on another controller is at this place. usedElsewhere: it may hold anything; else it is taken
+  /// to hold nothing. It is to get the badge formats of the one before.
+  void replace(const ControllerPlace& place, bool usedElsewhere);
+  /// The controllers work with daily programs of four intervals, or of two.
+  void noteFourIntervals(bool four);
+  /// The marked credits of these cards are going to be sent: until they have been acknowledged, each of their
+  /// controllers has any. A card of which that was said before is on its way.
+  void beginCredits(const std::map<std::int32_t, std::vector<ControllerPlace>>& controllers);
+  /// They are no longer marked.
+  void endCredits(const std::vector<std::int32_t>& numbers);
 
  private:
   struct Result {
@@ -98,6 +112,7 @@ class Ledger : public SendLedger {
   void takeAbandoned(ControllerList& controllers);
   void takeInDoubt(ControllerList& controllers, const std::vector<PlannedSend>& sends);
   void apply(ControllerList& controllers, const std::vector<Result>& results);
+  void noteSends(LedgerController& controller, const std::vector<SentLines>& sent);
   void applyMine(ControllerList& controllers, std::vector<Result> results, bool mine);
   void applyAnew(std::vector<Result> results);
   [[nodiscard]] Block* block();

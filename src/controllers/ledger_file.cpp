@@ -7,10 +7,6 @@ namespace voxa {
 
 namespace {
 
-SchemaSteps schemaSteps() {
-  return {SchemaStep()};  // 1: files have a number
-}
-
 TableDef table(const char* name) {
   TableDef definition{name, {}, {}};
   FieldDef id;
@@ -29,6 +25,30 @@ void addText(TableDef& definition, const char* name, DataType type, int size = 0
   field.size = size;
   field.allowZeroLength = true;
   definition.fields.push_back(field);
+}
+
+// What the plan keeps.
+void addPlan(Database& database) {
+  FieldDef contact;
+  contact.name = "LastContact";
+  contact.type = DataType::Date;
+  database.addField("Controllers", contact);
+  TableDef digests = table("Digests");
+  addText(digests, "Digest", DataType::Text, 16);
+  TableDef settings{"Settings", {}, {}};
+  addText(settings, "Name", DataType::Text, 50);
+  addText(settings, "Content", DataType::Text, 50);
+  addIndex(settings, "Name", {"Name"}, IndexKind::primary);
+  TableDef dialled = table("Dialled");
+  addField(dialled, "Owner", DataType::Integer);
+  for (const TableDef& definition : {digests, settings, dialled, table("CreditsSent")}) {
+    database.createTable(definition);
+  }
+}
+
+SchemaSteps schemaSteps() {
+  return {SchemaStep(),  // 1: files have a number
+          addPlan};      // 2: the plan
 }
 
 }  // namespace
@@ -73,11 +93,17 @@ void LedgerFile::prepare() {
       "parameters pId long, pState memo; insert into Things (Id, State) values (pId, pState)");
   updateThing_ =
       database_->prepare("parameters pState memo, pId long; update Things set State = pState where Id = pId");
+  insertDigest_ = database_->prepare(
+      "parameters pId long, pDigest text; insert into Digests (Id, Digest) values (pId, pDigest)");
+  deleteDigests_ = database_->prepare(
+      "parameters pFirst long, pLast long; delete from Digests where Id between pFirst and pLast");
 }
 
 void LedgerFile::close() {
   insertThing_.reset();
   updateThing_.reset();
+  insertDigest_.reset();
+  deleteDigests_.reset();
   if (database_) database_->close();
   database_.reset();
 }
@@ -121,6 +147,7 @@ void LedgerFile::createTables(const std::function<void()>& begin) {
   for (const TableDef& definition : {controllers, things, sends, unfinished, notUnderstood}) {
     database_->createTable(definition);
   }
+  addPlan(*database_);
   database_->setSchemaVersion(schemaSteps().size());
   prepare();
   begin();

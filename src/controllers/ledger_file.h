@@ -13,7 +13,9 @@ namespace voxa {
 ///
 /// Its tables: "Controllers", a row a controller and generation; "Things", a row a card, program, holiday or
 /// badge format and controller, with what is known of it as text; "Sends", what is being sent; "Unfinished",
-/// cards of batches that did not come to their end; "NotUnderstood", command lines of unknown kind.
+/// cards of batches that did not come to their end; "NotUnderstood", command lines of unknown kind;
+/// "Digests", what the rows wanted of a part of a controller when it was in order; "CreditsSent", cards of
+/// which the marked credit is on its way; "Dialled", stations that somebody has called; "Settings".
 class LedgerFile {
  public:
   static constexpr const char* name = "Ledger.MDB";
@@ -45,8 +47,10 @@ class LedgerFile {
   [[nodiscard]] DatabaseEngine& engine() const { return engine_; }
   // Once it is open:
   [[nodiscard]] Database& database() const { return *database_; }
-  [[nodiscard]] Command& insertThing() const { return *insertThing_; }  ///< (Id, State)
-  [[nodiscard]] Command& updateThing() const { return *updateThing_; }  ///< (State, Id)
+  [[nodiscard]] Command& insertThing() const { return *insertThing_; }      ///< (Id, State)
+  [[nodiscard]] Command& updateThing() const { return *updateThing_; }      ///< (State, Id)
+  [[nodiscard]] Command& insertDigest() const { return *insertDigest_; }    ///< (Id, Digest)
+  [[nodiscard]] Command& deleteDigests() const { return *deleteDigests_; }  ///< (first Id, last Id)
 
  private:
   [[nodiscard]] std::string path() const { return pathIn(folder_); }
@@ -60,6 +64,8 @@ class LedgerFile {
   std::shared_ptr<Database> database_;
   std::unique_ptr<Command> insertThing_;
   std::unique_ptr<Command> updateThing_;
+  std::unique_ptr<Command> insertDigest_;
+  std::unique_ptr<Command> deleteDigests_;
 };
 
 }  // namespace voxa

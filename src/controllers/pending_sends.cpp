@@ -65,6 +65,8 @@ void PendingSends::join() {
       // What the last process of that number has left is nobody's.
       file_.database().execute("update Unfinished set Owner = " + std::to_string(nobody) +
                                " where Owner = " + std::to_string(number));
+      file_.database().execute("update Dialled set Owner = " + std::to_string(nobody) +
+                               " where Owner = " + std::to_string(number));
       return;
     }
     if (!isAtWork(number)) --number;  // it was left behind, and its number is free now

@@ -33,6 +33,10 @@ class Possible {
   [[nodiscard]] bool isHeld() const { return base_ == Certainty::held && since_.empty(); }
   /// Whether the thing may have this value, by what is certain; an assumption excludes nothing.
   [[nodiscard]] bool mayBe(std::string_view value) const;
+  /// Whether it has this value, and no other was sent since: certain, or assumed.
+  [[nodiscard]] bool is(std::string_view value) const {
+    return base_ != Certainty::unknown && since_.empty() && last_ == value;
+  }
   /// Whether it is certain that there is a value.
   [[nodiscard]] bool isThere() const;
   [[nodiscard]] const std::string& last() const { return last_; }  ///< certain or assumed

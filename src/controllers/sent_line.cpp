@@ -4,6 +4,8 @@
 #include <array>
 #include <optional>
 
+#include "lines/holiday.h"
+
 namespace voxa {
 
 namespace {
@@ -73,7 +75,7 @@ SentLine holiday(std::string_view rest, std::string_view type) {
   const int slot = number(rest.substr(0, 2));
   const std::string_view day = rest.substr(2);
   const bool erases = day == noDay;
-  const bool fits = slot >= 1 && slot <= (type == vrmd1 ? 60 : 20) && (erases || isDay(day, true));
+  const bool fits = slot >= 1 && slot <= holidaySlots(type) && (erases || isDay(day, true));
   return thing(ThingKind::holiday, rest.substr(0, 2), erases ? "" : day, fits);
 }
 

@@ -1,20 +1,15 @@
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
+
+#include "lines/card.h"
 
 namespace voxa {
 
 /// What one command line sets on a controller, and the next such line replaces.
 enum class ThingKind : std::uint8_t { card, daily, weeklyC, weeklyE, holiday, badgeFormat };
-
-/// The parts of a card on a controller, in the order in which they are sent.
-enum class CardField : std::uint8_t { code, weekly, door1, door2, pin, supervisor, lastDay, credit, lift };
-
-/// Those of which a card has one each: all but the lift outputs, which are the last.
-inline constexpr std::size_t cardFieldCount = 8;
 
 /// A command line, understood.
 struct SentLine {

@@ -31,6 +31,13 @@ struct SlotRange {
   return first + static_cast<std::int32_t>(kind);
 }
 
+/// Those of every kind.
+inline constexpr SlotRange slotsOfOthers = {slotOfOthers(ThingKind::card),
+                                            slotOfOthers(ThingKind::badgeFormat) + 1};
+/// All that are no cards, those of others among them.
+inline constexpr SlotRange slotsBehindCards = {firstSlotBehindCards, slotsOfController};
+inline constexpr SlotRange allSlots = {0, slotsOfController};
+
 /// number: as SentLine has it, within the kind's range.
 [[nodiscard]] constexpr std::int32_t slotOf(ThingKind kind, std::int32_t number) {
   return slotsOf(kind).first + number;

@@ -5,6 +5,7 @@
 
 #include "access/access_context.h"
 #include "comm/com.h"
+#include "comm/dialling.h"
 #include "comm/station.h"
 #include "files/seq_file.h"
 #include "journal/journal.h"
@@ -15,9 +16,6 @@
 namespace voxa {
 
 namespace {
-
-constexpr int secondsBeforeDialling = 20;
-constexpr int secondsAfterDialling = 5;
 
 /// Whether a run reads the controller: a reader that is not connected yet has none, and a line that is
 /// neither in use nor dialled is nobody's failure.
@@ -90,9 +88,7 @@ Database& Journal::AutoRun::database() const {
 std::int16_t Journal::AutoRun::disconnect() {
   if (!dialled_) return 0;
   const std::int16_t station = *std::exchange(dialled_, std::nullopt);
-  const std::int16_t result = com_.Send(CmDisconnect, station);
-  context_.Stations().setActive(station, false);
-  return result;
+  return hangUpStation(context_, station);
 }
 
 void Journal::AutoRun::fail(const ControllerRead& what, const char* mnemonic, const std::string& why) {
@@ -112,21 +108,20 @@ void Journal::AutoRun::hangUp() {
 }
 
 std::int16_t Journal::AutoRun::dial(std::int16_t station) {
-  context_.clock().wait(secondsBeforeDialling);
+  context_.clock().wait(secondsBeforeCall);
   log_.write("LogConnect", stationName_);
   dialled_ = station;
-  std::int16_t result = com_.Send(CmConnect, station);
+  std::int16_t result = callStation(context_, station, false);
   if (result != 0) {
     (void)com_.popErrorList();  // the second attempt decides
-    result = com_.Send(CmConnect, station);
+    result = callStation(context_, station, false);
   }
   if (result != 0) {
     fail({{station, CmToEachController}, stationName_, result}, "msgUICantConnect", com_.popErrorList());
   } else {
     log_.write("msgUIStationConnected");
-    context_.Stations().setActive(station, true);
   }
-  context_.clock().wait(secondsAfterDialling);
+  context_.clock().wait(secondsBehindCall);
   return result;
 }
 

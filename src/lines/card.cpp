@@ -1,5 +1,7 @@
 #include "lines/card.h"
 
+#include <array>
+
 #include "lines/code.h"
 #include "lines/controller_date.h"
 #include "lines/field.h"
@@ -12,29 +14,8 @@ namespace {
 constexpr const char* clearingCode = "00000000";
 constexpr const char* noDate = "000000";
 
-// Makes the lines of one card for one kind of controller.
-class Lines {
- public:
-  Lines(std::int32_t cardNum, bool separated)
-      : number_(numberField(cardNum, 1, 4, "card number")), separated_(separated) {}
-
-  void add(const std::string& command, const std::string& value) {
-    lines_.push_back(separated_ ? command + ";01;" + number_ + ";" + value : command + number_ + value);
-  }
-  void supervisor(bool on) {
-    if (separated_) return add("49", on ? "1" : "0");
-    add("49", on ? "" : "0");
-  }
-  void lift(std::int16_t output) {
-    lines_.push_back("37" + number_ + numberField(output, 1, 2, "lift output"));
-  }
-  std::vector<std::string> take() { return std::move(lines_); }
-
- private:
-  std::string number_;
-  bool separated_;
-  std::vector<std::string> lines_;
-};
+constexpr std::array<std::string_view, cardFieldCount + 1> commands = {"09", "33", "16", "17", "19",
+                                                                       "49", "35", "36", "37"};
 
 }  // namespace
 
@@ -49,30 +30,72 @@ std::vector<std::string> clearCardLines(const std::vector<std::int32_t>& cardNum
   return lines;
 }
 
+CardPart partOf(CardField field) {
+  static constexpr std::array<CardPart, cardFieldCount + 1> parts = {
+      cardCodePart,   accessGroupPart,    validatedPart, validatedPart,  pinCodePart,
+      supervisorPart, validationDatePart, creditPart,    accessGroupPart};
+  return parts.at(static_cast<std::size_t>(field));
+}
+
+bool isForControllers(const CardRecord& card) {
+  return !card.deleted && !card.code.empty();
+}
+
+std::string cardValue(CardField field, const CardRecord& card, const CardRights& rights, DateTime today) {
+  switch (field) {
+    case CardField::code:
+      return convertCardCode(card.code);
+    case CardField::weekly:
+      return numberField(rights.weeklyProgram, 0, 2, "weekly program");
+    case CardField::door1:
+      return card.validated && rights.firstDoor ? "1" : "0";
+    case CardField::door2:
+      return card.validated && rights.secondDoor ? "1" : "0";
+    case CardField::pin:
+      return numberField(card.pinCode, 0, 4, "personal code");
+    case CardField::supervisor:
+      return card.supervisor ? "1" : "0";
+    case CardField::lastDay:
+      return card.validationDate ? controllerDate(*card.validationDate, today) : noDate;
+    case CardField::credit:
+      return numberField(card.credit, 0, 2, "credit");
+    case CardField::lift:
+      break;
+  }
+  return "";
+}
+
+std::string liftValue(std::int16_t output) {
+  return numberField(output, 1, 2, "lift output");
+}
+
+std::string cardLine(CardField field, std::int32_t cardNum, std::string_view value,
+                     std::string_view controllerType) {
+  std::string line(commands.at(static_cast<std::size_t>(field)));
+  const bool separated = controllerType == "VRMD1" && field != CardField::lift;
+  // The plain form says of a supervisor nothing, and of any other card 0.
+  if (field == CardField::supervisor && !separated && value == "1") value = "";
+  if (separated) line += ";01;";
+  line += numberField(cardNum, 1, 4, "card number");
+  if (separated) line += ';';
+  return line += value;
+}
+
 std::vector<std::string> cardLines(const CardRecord& card, const CardRights& rights,
                                    const std::vector<std::int16_t>& liftOutputs,
                                    std::string_view controllerType, DateTime today) {
-  Lines lines(card.number, controllerType == "VRMD1");
   // A controller must not keep the old code of a card that is gone or has no code any more.
-  if (card.deleted || (card.parts[cardCodePart] && card.code.empty())) {
-    lines.add("09", clearingCode);
-    return lines.take();
+  if (card.deleted || (card.parts[cardCodePart] && card.code.empty()))
+    return {cardLine(CardField::code, card.number, clearingCode, controllerType)};
+  std::vector<std::string> lines;
+  for (std::size_t i = 0; i < cardFieldCount; ++i) {
+    const auto field = static_cast<CardField>(i);
+    if (!card.parts[partOf(field)]) continue;
+    lines.push_back(cardLine(field, card.number, cardValue(field, card, rights, today), controllerType));
   }
-  const auto digit = [&](bool door) { return card.validated && door ? "1" : "0"; };
-  if (card.parts[cardCodePart]) lines.add("09", convertCardCode(card.code));
-  if (card.parts[accessGroupPart]) lines.add("33", numberField(rights.weeklyProgram, 0, 2, "weekly program"));
-  if (card.parts[validatedPart]) {
-    lines.add("16", digit(rights.firstDoor));
-    lines.add("17", digit(rights.secondDoor));
-  }
-  if (card.parts[pinCodePart]) lines.add("19", numberField(card.pinCode, 0, 4, "personal code"));
-  if (card.parts[supervisorPart]) lines.supervisor(card.supervisor);
-  if (card.parts[validationDatePart]) {
-    lines.add("35", card.validationDate ? controllerDate(*card.validationDate, today) : noDate);
-  }
-  if (card.parts[creditPart]) lines.add("36", numberField(card.credit, 0, 2, "credit"));
-  for (const std::int16_t output : liftOutputs) lines.lift(output);
-  return lines.take();
+  for (const std::int16_t output : liftOutputs)
+    lines.push_back(cardLine(CardField::lift, card.number, liftValue(output), controllerType));
+  return lines;
 }
 
 }  // namespace voxa

@@ -24,6 +24,13 @@ enum CardPart : std::uint8_t {
 constexpr std::size_t cardPartCount = 7;
 using CardParts = std::bitset<cardPartCount>;
 
+/// What a controller keeps of a card, in the order in which it is sent.
+enum class CardField : std::uint8_t { code, weekly, door1, door2, pin, supervisor, lastDay, credit, lift };
+/// Those of which a card has one each: all but the lift outputs, which are the last.
+inline constexpr std::size_t cardFieldCount = 8;
+/// The part of its record from which a field comes; a lift output comes from its group.
+[[nodiscard]] CardPart partOf(CardField field);
+
 /// A card's number and code, and what a controller must know of it.
 struct CardRecord {
   std::int32_t number = 0;  ///< 1 to 9999 on the controllers
@@ -43,6 +50,19 @@ struct CardRights {
   bool firstDoor = false;          ///< reader positions 1 and 3
   bool secondDoor = false;         ///< reader positions 2 and 4
 };
+
+/// Whether controllers are to have the card at all: not one that is deleted, or has no code.
+[[nodiscard]] bool isForControllers(const CardRecord& card);
+
+/// The value of a field, not of a lift output, as its line has it; raises what cardLines raises for it.
+[[nodiscard]] std::string cardValue(CardField field, const CardRecord& card, const CardRights& rights,
+                                    DateTime today);
+/// The value of a lift output's line; raises `err::overflow` for one that has more than two digits.
+[[nodiscard]] std::string liftValue(std::int16_t output);
+/// The line that sets a field, one of those below. value: as cardValue or liftValue gives it. Raises
+/// `err::overflow` for a number that is not 1 to 9999.
+[[nodiscard]] std::string cardLine(CardField field, std::int32_t cardNum, std::string_view value,
+                                   std::string_view controllerType);
 
 /// The line that clears a card on the controllers: "09", the number in four digits, eight zeros.
 [[nodiscard]] std::string clearCardLine(std::int32_t cardNum);

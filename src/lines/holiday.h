@@ -2,10 +2,16 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 #include "platform/value.h"
 
 namespace voxa {
+
+/// How many slots for holidays a controller has: slots 1 to 20, of a VRMD1 to 60.
+[[nodiscard]] constexpr std::int16_t holidaySlots(std::string_view controllerType) {
+  return controllerType == "VRMD1" ? 60 : 20;
+}
 
 /// A date on which the holiday programs are in force.
 struct HolidayRecord {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "access/access_context.h"
+#include "controllers/ledger.h"
 
 namespace voxa {
 
@@ -20,6 +21,7 @@ class Installation : public AccessContext {
   [[nodiscard]] virtual ::voxa::Holidays& Holidays() = 0;
   [[nodiscard]] virtual ::voxa::BadgeFormat& BadgeFormat() = 0;
   [[nodiscard]] virtual ::voxa::Journal& Journal() = 0;
+  [[nodiscard]] ::voxa::Ledger& ledger() override = 0;
 };
 
 }  // namespace voxa

@@ -1,6 +1,7 @@
 #include "work/stations.h"
 
 #include "comm/com.h"
+#include "comm/dialling.h"
 #include "comm/station.h"
 #include "lines/line_speed.h"
 #include "platform/database/database.h"
@@ -132,6 +133,30 @@ void changeLineSpeed(Installation& installation, const std::string& name, const 
   }
   installation.Stations().createIniFile(id);  // at the speed of the row again, whichever that is now
   if (!told) throw Refusal("msgCantSendCommand", failures);
+}
+
+namespace {
+
+std::int16_t dialUpStation(Installation& installation, const std::string& name) {
+  const auto row = stationNamed(installation, name);
+  const Value phone = row->get("Phone");
+  if (phone.isNull() || phone == Value(""))
+    throw Refusal("the station " + name + " has no telephone number: nobody needs to call it");
+  return row->get("Id").toInt16();
+}
+
+}  // namespace
+
+void connectStation(Installation& installation, const std::string& name) {
+  const std::int16_t station = dialUpStation(installation, name);
+  if (callStation(installation, station, true) == 0) return;
+  throw Refusal("msgUICantConnect", installation.Com().popErrorList());
+}
+
+void disconnectStation(Installation& installation, const std::string& name) {
+  const std::int16_t station = dialUpStation(installation, name);
+  if (hangUpStation(installation, station) == 0) return;
+  throw Refusal("msgUICantDisconnect", installation.Com().popErrorList());
 }
 
 StationRow findStation(Installation& installation, const std::string& name) {

@@ -52,6 +52,11 @@ void changeStation(Installation& installation, const std::string& name, const St
 /// what the line answered otherwise: they may listen at the old speed.
 void changeLineSpeed(Installation& installation, const std::string& name, const std::string& speed);
 
+/// Calls a station that has a telephone number, and leaves it connected and in use; hangs it up. A Refusal
+/// when it has none, and with what the driver said otherwise.
+void connectStation(Installation& installation, const std::string& name);
+void disconnectStation(Installation& installation, const std::string& name);
+
 /// A Refusal when there is none of that name.
 [[nodiscard]] StationRow findStation(Installation& installation, const std::string& name);
 [[nodiscard]] std::vector<StationRow> listStations(Installation& installation);  ///< by id

@@ -61,10 +61,12 @@ succeeds status
 succeeds clock
 succeeds status
 shows "$(date +%d/%m/%Y)"
+succeeds plan --station Annex
+shows "daily program 1, 2  new controller"
+succeeds download
+shows "Annex Controller 5  -  Garage: 3 sent"
 succeeds download all
-shows "Daily programs: 2 sent, 0 unchanged, 0 failed"
-succeeds download all
-shows "Weekly programs: 0 sent, 1 unchanged, 0 failed"
+shows "2 controllers hold it all already"
 succeeds sim controller show --station Annex --address 5 --json
 shows '"Intervals": "08:00-12:00 13:00-24:00"'
 shows '"Days": "2 2 2 2 2 0 0, holidays 0"'
@@ -221,7 +223,6 @@ succeeds card list
 shows 0000AB12
 grep -q 0042 out && fail "a personal code is shown unasked"
 succeeds download all
-shows "Cards: 1 sent, 3 unchanged"
 holds "1 10 11 12 " Local 1
 grep -qE '^ *1 +0000:;12 +0 +1 2 +0042 +yes +31/12/2031 +5 +3$' out || fail "the whole card"
 succeeds sim controller fault --station Local --address 1 --result-file garbage
@@ -454,8 +455,22 @@ succeeds download all
 succeeds station set Annex --inactive
 succeeds card set 700 --pin 77
 status 3 download cards
+status 3 download
+shows "1 missing: its line is not in use"
+succeeds plan
+grep -qE "Annex Controller .*not in use.* send +card 700 +changed" out || fail "the plan forgets the inactive line"
 succeeds station set Annex --active
 succeeds download all
+succeeds sim controller replace --station Annex --address 9
+status 3 controller check
+grep -q "probably replaced" err || fail "a replaced controller is not noticed"
+succeeds controller replaced --station Annex --address 9
+succeeds plan --json
+grep -q '"Reason": "new controller"' out || fail "nothing is planned for a replaced controller"
+succeeds controller list
+status 1 station connect Annex
+grep -q "no telephone number" err || fail "a line without a telephone number is called"
+succeeds download
 succeeds group grant Crew "Lab out" --program Always
 succeeds download all
 

@@ -172,7 +172,7 @@ TEST_F(LedgerTest, AnotherStationOfTheSameNumberHasOtherControllers) {
   EXPECT_EQ(card(1), "00000002,~,~");
   db().execute("update Readers set ControllerType = 'VRMD1' where Id = 1");
   EXPECT_EQ(card(1), "^,^,^");  // what was sent to it was in the other form
-  library->ledger().replace({1, 1});
+  library->ledger().replace({1, 1}, false);
   EXPECT_EQ(card(1), "none");
 }
 
@@ -189,11 +189,11 @@ TEST_F(LedgerTest, ANewLedgerBeginsWithTheRows) {
   EXPECT_EQ(daily(2, 1), "~0000240024002400");
   // One of a newer version is not touched, and what it does not know of is not sent.
   restart();
-  plain("Ledger.MDB", "pragma user_version=2");
+  plain("Ledger.MDB", "pragma user_version=3");
   static_cast<Paths&>(glob->Com()) = {folder + "\\KRV.mdb", "", "", folder};
   EXPECT_THROW(send(41, 100, {"330007 5"}), Error);
   EXPECT_TRUE(driver.calls.empty());
-  plain("Ledger.MDB", "pragma user_version=1");
+  plain("Ledger.MDB", "pragma user_version=2");
   // A damaged one is put aside, which is said, and nothing of it is believed any more.
   send(41, 100, {"090007       9"});
   restart();

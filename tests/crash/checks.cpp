@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <set>
+#include <tuple>
 
 #include "access/card_doors.h"
 #include "access/card_record.h"
+#include "app/open_installation.h"
 #include "crash/plant.h"
 #include "engines/sqlite/connection.h"
 #include "engines/sqlite/engine.h"
@@ -13,7 +15,9 @@
 #include "platform/datetime.h"
 #include "platform/error.h"
 #include "platform/text.h"
+#include "platform/ui/scripted_prompts.h"
 #include "site/site.h"
+#include "work/carry_out.h"
 
 namespace voxa::crash {
 
@@ -21,19 +25,45 @@ namespace {
 
 SystemClock systemClock;
 
+/// What each controller is still to get.
+using Planned = std::set<std::tuple<ControllerPlace, ThingKind, std::int32_t>>;
+
+Planned plannedIn(const fs::path& folder) {
+  ScriptedPrompts prompts;
+  OpenInstallation installation(prompts);
+  Opening how;
+  how.folder = folder.string();
+  installation.open(how);
+  Planned planned;
+  for (const PlannedController& controller : planAll(installation.library(), {}).controllers) {
+    for (const PlanItem& item : controller.plan.items)
+      planned.emplace(controller.plan.place, item.kind, item.number);
+  }
+  installation.leave();
+  return planned;
+}
+
 /// The main database and the controllers, side by side.
 class Sides {
  public:
   explicit Sides(const Plant& plant)
-      : engine_(makeSqliteEngine(systemClock)), database(engine_->open((plant.folder / "KRV.mdb").string())) {
+      : planned_(plannedIn(plant.folder)),
+        engine_(makeSqliteEngine(systemClock)),
+        database(engine_->open((plant.folder / "KRV.mdb").string())) {
     site::Site site(plant.site);
     for (const auto& info : site.list()) controllers.push_back(site.snapshot(info.station, info.address));
+  }
+  [[nodiscard]] bool isPlanned(const site::Snapshot& there, ThingKind kind, std::int32_t number) const {
+    const ControllerPlace place{static_cast<std::int16_t>(there.info.station),
+                                static_cast<std::int16_t>(there.info.address)};
+    return planned_.contains({place, kind, number});
   }
   [[nodiscard]] std::unique_ptr<Recordset> rows(const std::string& sql) const {
     return database->openRecordset(sql);
   }
 
  private:
+  Planned planned_;
   std::unique_ptr<DatabaseEngine> engine_;
 
  public:
@@ -59,15 +89,16 @@ auto find(const Items& items, Matches matches) {
   return found == items.end() ? nullptr : &*found;
 }
 
-/// How the rows of one kind are compared: those that are not marked must be on a controller as they are.
+/// How the rows of one kind are compared.
 struct Kind {
-  const char* name;
-  const char* unmarked;
+  ThingKind kind;
+  const char* rows;
+  const char* number;
   bool (*holds)(const site::Snapshot&, const Recordset& row);
 };
 
 constexpr Kind kinds[] = {
-    {"daily program", "select * from DailyPrograms where Id > 1 and DailyProgramFlagD = false",
+    {ThingKind::daily, "select * from DailyPrograms where Id > 1", "Id",
      [](const site::Snapshot& controller, const Recordset& row) {
        const auto* held = find(controller.dailyPrograms,
                                [&](const auto& one) { return one.number == row.get("Id").toInt16(); });
@@ -75,15 +106,14 @@ constexpr Kind kinds[] = {
        return held != nullptr && held->intervals.front().start ==
                                      std::stoi(start.substr(0, 2)) * 60 + std::stoi(start.substr(3));
      }},
-    {"weekly program",
-     "select * from WeeklyPrograms where ProgType = 'C' and ProgNum > 0 and WeeklyProgramFlagD = false",
+    {ThingKind::weeklyC, "select * from WeeklyPrograms where ProgType = 'C' and ProgNum > 0", "ProgNum",
      [](const site::Snapshot& controller, const Recordset& row) {
        const auto* held = find(controller.weeklyPrograms, [&](const auto& one) {
          return one.family == 'C' && one.number == row.get("ProgNum").toInt16();
        });
        return held != nullptr && held->days.front() == row.get("DailyProgDay1").toInt16();
      }},
-    {"holiday", "select * from Holidays where HolidayFlagD = false",
+    {ThingKind::holiday, "select * from Holidays", "Id",
      [](const site::Snapshot& controller, const Recordset& row) {
        const auto* held =
            find(controller.holidays, [&](const auto& one) { return one.slot == row.get("Id").toInt16(); });
@@ -94,23 +124,18 @@ constexpr Kind kinds[] = {
 
 void checkPrograms(const Sides& sides, Findings& findings) {
   for (const Kind& kind : kinds) {
-    for (const auto rows = sides.rows(kind.unmarked); !rows->eof(); rows->moveNext()) {
+    for (const auto rows = sides.rows(kind.rows); !rows->eof(); rows->moveNext()) {
       for (const site::Snapshot& controller : sides.controllers) {
-        if (kind.holds(controller, *rows)) continue;
-        findings.wrong.push_back(std::string(kind.name) + " " + rows->get("Name").toText() +
-                                 " is not marked and not on " + nameOf(controller));
+        const std::int32_t number = rows->get(kind.number).toInt32();
+        if (kind.holds(controller, *rows) || sides.isPlanned(controller, kind.kind, number)) continue;
+        findings.wrong.push_back(voxa::nameOf(kind.kind, number) + " is not planned and not on " +
+                                 nameOf(controller));
       }
     }
   }
 }
 
 void checkCards(const Sides& sides, Findings& findings) {
-  std::set<std::int16_t> marked;  // groups whose cards wait for their rights
-  for (const auto rows = sides.rows("select a.AccessGroupId from AccGroupReaders a, AccessGroups g where "
-                                    "a.AccessGroupId = g.Id and (a.FlagD = true or g.FlagD = true)");
-       !rows->eof(); rows->moveNext()) {
-    marked.insert(rows->get("AccessGroupId").toInt16());
-  }
   std::map<std::int16_t, std::vector<GrantedController>> granted;
   for (const auto rows = sides.rows("select * from Cardholders where Deleted = false"); !rows->eof();
        rows->moveNext()) {
@@ -123,14 +148,13 @@ void checkCards(const Sides& sides, Findings& findings) {
       });
       const auto* held = find(controller->cards, [&](const auto& one) { return one.number == card.number; });
       const CardRights rights = place.rights();
-      const bool code = card.parts[cardCodePart] || (held != nullptr && held->code == card.code);
-      const bool program = card.parts[accessGroupPart] || marked.contains(group) ||
-                           (held != nullptr && held->weekly == rights.weeklyProgram);
-      const bool doors = card.parts[validatedPart] || marked.contains(group) ||
-                         (held != nullptr && held->door1 == (card.validated && rights.firstDoor) &&
-                          held->door2 == (card.validated && rights.secondDoor));
+      if (sides.isPlanned(*controller, ThingKind::card, card.number)) continue;
+      const bool code = held != nullptr && held->code == card.code;
+      const bool program = held != nullptr && held->weekly == rights.weeklyProgram;
+      const bool doors = held != nullptr && held->door1 == (card.validated && rights.firstDoor) &&
+                         held->door2 == (card.validated && rights.secondDoor);
       if (code && program && doors) continue;
-      findings.wrong.push_back("card " + std::to_string(card.number) + " is not marked and not on " +
+      findings.wrong.push_back("card " + std::to_string(card.number) + " is not planned and not on " +
                                nameOf(*controller) + (code ? "" : ": code") + (program ? "" : ": program") +
                                (doors ? "" : ": doors"));
     }

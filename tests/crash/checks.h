@@ -25,7 +25,7 @@ struct Findings {
 /// - each recorded transaction is in the journal or on its controller. A row comes at most once an attempt,
 ///   and only while its controller had not cleared it;
 /// - a block of cards is there with all its cards or with none;
-/// - what is not marked to be sent is on every controller as its row says.
+/// - what is not planned to be sent to a controller is there as its row says, marked or not.
 void check(const Plant& plant, int runs, Findings& findings);
 /// Looks for cards that are on controllers and in no table. After a kill the next command must erase them.
 void checkStrays(const Plant& plant, Findings& findings);

@@ -29,7 +29,8 @@ void addLines(const World& world, Session& session) {
                       "', True, " + id + ")");
     }
     if (line.dialled)
-      session.execute("update Stations set Phone = '55" + id + "', ModemIniFile = 'm.ini' where Id = " + id);
+      session.execute("update Stations set Phone = '55" + id + "', ModemIniFile = 'm.ini', Active = " +
+                      (world.planned ? "False" : "True") + " where Id = " + id);
     session.glob().QDB().Stations().createIniFile(line.station);
   }
   site::Site site(world.site);
@@ -49,7 +50,7 @@ void addLines(const World& world, Session& session) {
   }
 }
 
-void addTimes(Session& session, Chance& chance) {
+void addTimes(Session& session, Chance& chance, bool planned) {
   for (int n = 2; n < 2 + programs; ++n) {
     session.execute(
         "insert into DailyPrograms (Id, Name, StartFirstInterval, EndFirstInterval, "
@@ -73,9 +74,8 @@ void addTimes(Session& session, Chance& chance) {
   session.execute(
       "insert into Holidays (Id, Name, [Date], EachYear, HolidayFlagD) values (1, 'Winter', "
       "#12/25/2026#, True, True)");
-  session.execute(
-      "insert into Holidays (Id, Name, [Date], EachYear, HolidayFlagD) values (25, 'Spring', "
-      "#5/3/2027#, False, True)");
+  session.execute("insert into Holidays (Id, Name, [Date], EachYear, HolidayFlagD) values (" +
+                  std::string(planned ? "5" : "25") + ", 'Spring', #5/3/2027#, False, True)");
 }
 
 // Doors of one controller are often granted under different programs: one of the two then stays shut.
@@ -111,6 +111,7 @@ void addCards(Session& session, Chance& chance) {
 }  // namespace
 
 void choose(World& world) {
+  world.planned = world.chance.once(2);
   const int lines = world.chance.from(1, 3);
   for (int n = 1; n <= lines; ++n) {
     const auto station = static_cast<std::int16_t>(n);
@@ -131,7 +132,7 @@ void build(const World& world, Chance rows) {
   if (!session.library().ledger().open()) throw std::runtime_error("there is no ledger");
   Transaction transaction(session.library().engine());
   addLines(world, session);
-  addTimes(session, rows);
+  addTimes(session, rows, world.planned);
   addCards(session, rows);
   transaction.commit();
 }

@@ -16,6 +16,8 @@
 #include "platform/error.h"
 #include "simulation/build.h"
 #include "simulation/compare.h"
+#include "simulation/doors.h"
+#include "simulation/planned_steps.h"
 #include "simulation/steps.h"
 #include "simulation/sudden.h"
 
@@ -94,18 +96,25 @@ class Round {
       return 0;
     });
     for (int step = 0; step < stepsOfRound && wrong.empty(); ++step) wrong = next();
-    if (wrong.empty()) wrong = take(sendEverything(world_), {}, {});
-    if (wrong.empty()) wrong = inProcess("all cards", [&] { return tellUncertain(); });
+    if (wrong.empty() && !world_.planned) {
+      wrong = take(sendEverything(world_), {}, {});
+      if (wrong.empty()) wrong = inProcess("all cards", [&] { return tell(uncertainCards); });
+    }
+    if (wrong.empty()) wrong = take(carryOutEverything(world_), {}, {});
+    if (wrong.empty()) wrong = inProcess("the plan is carried out", [&] { return tell(differences); });
+    if (wrong.empty() && world_.planned) ++planned;
+    fs::remove(scratch_ / "allowed");
     return wrong;
   }
 
   long steps = 0;
   long killed = 0;
-  Compared seen;  // the counts alone
+  long planned = 0;  // rounds in which only plans were carried out
+  Compared seen;     // the counts alone
 
  private:
   std::string next() {
-    const Step step = nextStep(world_);
+    const Step step = world_.planned ? nextPlannedStep(world_) : nextStep(world_);
     Fate fate;
     Step second;
     if (step.sends) {
@@ -121,7 +130,7 @@ class Round {
           break;
         case 3:
           fate.disturbedAtCall = world_.chance.from(1, 6);
-          second = disturbance(world_);
+          second = world_.planned ? carryOutStep(world_) : disturbance(world_);
           break;
         default:
           break;
@@ -191,16 +200,21 @@ class Round {
     const Compared compared = compare(world_, session);
     std::cout << compared.held << ' ' << compared.assumed << ' ' << compared.doubt << ' ' << compared.unknown
               << '\n';
-    for (const std::string& wrong : compared.wrong) std::cout << wrong << '\n';
-    return compared.wrong.empty() ? 0 : 1;
+    std::vector<std::string> wrong = compared.wrong;
+    if (world_.planned) {
+      for (std::string& each : neverAllowed(world_, session, scratch_ / "allowed"))
+        wrong.push_back(std::move(each));
+    }
+    for (const std::string& each : wrong) std::cout << each << '\n';
+    return wrong.empty() ? 0 : 1;
   }
 
-  int tellUncertain() {
+  int tell(std::vector<std::string> (*look)(const World&, Session&)) {
     Session session(world_, 0);
     session.open();
-    const auto uncertain = uncertainCards(world_, session);
-    for (const std::string& each : uncertain) std::cout << each << '\n';
-    return uncertain.empty() ? 0 : 1;
+    const auto wrong = look(world_, session);
+    for (const std::string& each : wrong) std::cout << each << '\n';
+    return wrong.empty() ? 0 : 1;
   }
 
   /// Runs something in a process of its own. What it says when it fails. Its first line may be counts.
@@ -230,6 +244,7 @@ int simulate(const Options& options) {
   const fs::path scratch = pattern;
   long steps = 0;
   long killed = 0;
+  long planned = 0;
   int failed = 0;
   Compared seen;
   for (int n = 0; n < options.rounds; ++n) {
@@ -241,6 +256,7 @@ int simulate(const Options& options) {
     }
     steps += round.steps;
     killed += round.killed;
+    planned += round.planned;
     seen.addCounts(round.seen);
   }
   std::error_code none;
@@ -251,7 +267,8 @@ int simulate(const Options& options) {
   std::cout << "  values compared: " << seen.held << " held, " << seen.assumed << " assumed, " << seen.doubt
             << " in doubt, " << seen.unknown << " unknown; processes killed: " << killed
             << ", disturbed: " << disturbed << '\n'
-            << options.rounds << " rounds, " << steps << " operations, " << failed << " failed\n";
+            << options.rounds << " rounds, " << planned << " with plans alone, " << steps << " operations, "
+            << failed << " failed\n";
   // So few rounds may meet none of what they are made for.
   constexpr int few = 50;
   const bool met = seen.held != 0 && seen.doubt != 0 && killed != 0 && disturbed != 0;

@@ -33,7 +33,7 @@ ControllerPlace anyController(World& world) {
 }
 
 // A row is changed and marked, as a program does that has the tables open.
-Step edit(World& world) {
+Step editOf(World& world) {
   Chance& chance = world.chance;
   const std::string card = std::to_string(chance.from(1, World::greatestCard));
   const std::string few = std::to_string(chance.from(2, 4));
@@ -147,7 +147,7 @@ Step dial(World& world) {
           }};
 }
 
-Step fault(World& world) {
+Step faultOf(World& world) {
   const ControllerPlace place = anyController(world);
   site::Faults faults;
   switch (world.chance.below(5)) {
@@ -173,18 +173,10 @@ Step fault(World& world) {
           }};
 }
 
-void mend(const World& world) {
-  site::Site site(world.site);
-  for (const auto& [place, type] : world.controllers) {
-    site.clearFaults(place.station, place.address);
-    site.setSpeed(place.station, place.address, 4800);
-  }
-}
-
 // Sometimes the old one has forgotten before what it acknowledged.
 Step replace(World& world) {
   const ControllerPlace place = anyController(world);
-  const bool forgot = world.chance.once(2);
+  const bool forgot = !world.planned && world.chance.once(2);
   world.assumed[place] = true;
   return {"another controller at " + nameOf(place), [=, &world](Session& session) {
             site::Site site(world.site);
@@ -198,7 +190,7 @@ Step replace(World& world) {
               site.clearFaults(place.station, place.address);
             }
             site.replace(place.station, place.address);
-            session.library().ledger().replace(place);
+            session.library().ledger().replace(place, false);
           }};
 }
 
@@ -273,6 +265,26 @@ Step damage(World& world) {
 
 }  // namespace
 
+Step editStep(World& world) {
+  return editOf(world);
+}
+
+Step faultStep(World& world) {
+  return faultOf(world);
+}
+
+Step replacedStep(World& world) {
+  return replace(world);
+}
+
+void mend(const World& world) {
+  site::Site site(world.site);
+  for (const auto& [place, type] : world.controllers) {
+    site.clearFaults(place.station, place.address);
+    site.setSpeed(place.station, place.address, 4800);
+  }
+}
+
 Step disturbance(World& world) {
   return raw(world);
 }
@@ -283,10 +295,10 @@ Step nextStep(World& world) {
     case 1:
     case 2:
     case 3:
-      return edit(world);
+      return editStep(world);
     case 4:
     case 5:
-      return fault(world);
+      return faultStep(world);
     case 6:
       return {"all faults are mended", {}, [&world] { mend(world); }};
     case 7:

@@ -23,6 +23,13 @@ struct Step {
 [[nodiscard]] Step nextStep(World& world);
 /// A step that sends, of the shorter ones.
 [[nodiscard]] Step disturbance(World& world);
+/// A row is changed and marked.
+[[nodiscard]] Step editStep(World& world);
+/// A controller gets a fault.
+[[nodiscard]] Step faultStep(World& world);
+/// Another controller, which holds nothing, is put in a place, and the ledger is told.
+[[nodiscard]] Step replacedStep(World& world);
+void mend(const World& world);
 /// Mends all controllers and connects the lines, then sends everything.
 [[nodiscard]] Step sendEverything(const World& world);
 

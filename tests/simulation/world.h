@@ -56,6 +56,8 @@ struct World {
   std::map<ControllerPlace, bool> assumed;
   std::set<ControllerPlace> wrongType;  ///< controllers whose rows name the other type
   std::int64_t clockOffset = 0;         ///< seconds
+  /// Nobody sends anything but plans, so that no card may ever open what no row allows.
+  bool planned = false;
 
   static constexpr int greatestCard = 12;  ///< number
 };

@@ -1,0 +1,213 @@
+#include "controllers/card_plan.h"
+
+#include <algorithm>
+#include <bitset>
+
+#include "controllers/times_plan.h"
+
+namespace voxa {
+
+namespace {
+
+using Fields = std::bitset<cardFieldCount>;
+
+constexpr std::size_t index(CardField field) {
+  return static_cast<std::size_t>(field);
+}
+
+constexpr CardField doors[] = {CardField::door1, CardField::door2};
+
+bool hasValue(const Possible& part) {
+  return part.certainty() != Certainty::unknown && !part.last().empty() &&
+         std::none_of(part.since().begin(), part.since().end(),
+                      [](const std::string& value) { return value.empty(); });
+}
+
+/// Compares one card at one controller, and makes its item.
+class Comparison {
+ public:
+  Comparison(const CardsAt& at, const ImageCard& card, const ImageRights& granted, const CardState& held)
+      : at_(at), card_(card), granted_(granted), held_(held), image_(Image::on(card, granted)) {
+    for (std::size_t i = 0; i < cardFieldCount; ++i) {
+      const auto field = static_cast<CardField>(i);
+      differs_[i] = !held.part(field).is(ledgerValue(field, image_.value(field)));
+    }
+    for (const std::int16_t output : granted.lifts) {
+      if (!held.lift(output).is("1")) missingLifts_.push_back(output);
+    }
+  }
+
+  std::optional<PlanItem> item(bool creditSent) {
+    const bool absent = code().is("");
+    const bool creditMarked = card_.marks[creditPart];
+    const bool sendsCredit = creditMarked && !creditSent;
+    const bool eraseFirst = !absent && hasOtherLift();
+    if (differs_.none() && missingLifts_.empty() && !eraseFirst && !sendsCredit && !at_.full)
+      return times(PlanReason::timesChange);
+    PlanItem item = begun(absent, eraseFirst);
+    item.creditMarked = creditMarked;
+    item.creditAnew = eraseFirst;
+    // What a controller keeps of a card that may not be there, it may have dropped.
+    const bool whole = absent || eraseFirst || !hasValue(code()) || at_.full;
+    Fields sent = differs_;
+    if (sendsCredit) sent.set(index(CardField::credit));
+    if (whole) sent.set();
+    if (!code().isThere()) sent.set(index(CardField::code));
+    if (eraseFirst) {
+      item.of(PlanPhase::erase).push_back(clearCardLine(card_.number));
+    } else if (!absent && mayOpen() && mixes(sendsCredit)) {
+      shut(item, sent);
+    }
+    fill(item, sent, whole ? granted_.lifts : missingLifts_, absent || eraseFirst);
+    return item;
+  }
+
+ private:
+  [[nodiscard]] const Possible& code() const { return held_.part(CardField::code); }
+
+  PlanItem begun(bool absent, bool eraseFirst) const {
+    PlanItem item;
+    item.number = card_.number;
+    item.program = granted_.rights.weeklyProgram;
+    item.reason = reason(absent, eraseFirst);
+    const bool again = item.reason == PlanReason::answerLost || item.reason == PlanReason::unknown;
+    item.action = again ? PlanItem::Action::sendAgain : PlanItem::Action::send;
+    return item;
+  }
+
+  [[nodiscard]] PlanReason reason(bool absent, bool eraseFirst) const {
+    if (at_.isNew) return PlanReason::newController;
+    bool doubt = false;
+    bool unknown = false;
+    const auto look = [&](const Possible& part) {
+      doubt = doubt || part.certainty() == Certainty::doubt;
+      unknown = unknown || part.certainty() == Certainty::unknown;
+    };
+    for (std::size_t i = 0; i < cardFieldCount; ++i) {
+      if (differs_[i]) look(held_.part(static_cast<CardField>(i)));
+    }
+    for (const std::int16_t output : missingLifts_) look(held_.lift(output));
+    if (unknown) return PlanReason::unknown;
+    if (doubt) return PlanReason::answerLost;
+    if (absent) return PlanReason::notSent;
+    if (eraseFirst) return PlanReason::liftTaken;
+    if (differs_.any() || !missingLifts_.empty()) return PlanReason::changed;
+    return card_.marks[creditPart] && !at_.full ? PlanReason::creditMarked : PlanReason::requested;
+  }
+
+  /// Whether it may have a lift output that its group does not grant.
+  [[nodiscard]] bool hasOtherLift() const {
+    if (!held_.otherLifts().is("")) return true;
+    return std::any_of(held_.lifts().begin(), held_.lifts().end(), [&](const auto& lift) {
+      const auto& outputs = granted_.lifts;
+      return !lift.second.is("") && std::find(outputs.begin(), outputs.end(), lift.first) == outputs.end();
+    });
+  }
+
+  [[nodiscard]] bool mayOpen() const {
+    return std::any_of(std::begin(doors), std::end(doors), [&](CardField door) { return mayOpen(door); });
+  }
+  [[nodiscard]] bool mayOpen(CardField door) const {
+    return !held_.part(door).is("0") && !held_.part(door).is("");
+  }
+
+  /// What happens to the times of the program that it may have, and to those of the one that it gets.
+  [[nodiscard]] TimesPlan::Change timesChange() const {
+    const Possible& program = held_.part(CardField::weekly);
+    TimesPlan::Change worst = at_.times.of(granted_.rights.weeklyProgram);
+    if (program.certainty() == Certainty::unknown) return std::max(worst, at_.times.ofAny());
+    const auto take = [&](const std::string& number) {
+      if (!number.empty())
+        worst = std::max(worst, at_.times.of(static_cast<std::int16_t>(std::stoi(number))));
+    };
+    take(program.last());
+    for (const std::string& number : program.since()) take(number);
+    return worst;
+  }
+
+  /// Whether in between it could open as neither the old nor the new rows have it: when more changes than one
+  /// line can. Doors that are shut and doors that are opened do not mix, since the ones come first.
+  [[nodiscard]] bool mixes(bool sendsCredit) const {
+    Fields others = differs_;
+    for (const CardField door : doors) others.reset(index(door));
+    if (sendsCredit) others.set(index(CardField::credit));
+    const bool anyDoor = differs_[index(CardField::door1)] || differs_[index(CardField::door2)];
+    const std::size_t changes = others.count() + missingLifts_.size() + (anyDoor ? 1 : 0);
+    if (changes == 0) return timesChange() == TimesPlan::Change::mixed;
+    return changes > 1 || timesChange() != TimesPlan::Change::none;
+  }
+
+  void add(PlanItem& item, PlanPhase phase, CardField field, const std::string& value) const {
+    item.of(phase).push_back(cardLine(field, card_.number, value, at_.controllerType));
+  }
+
+  // What is told of a card that is not certainly there is told again behind its code.
+  void shut(PlanItem& item, Fields& sent) const {
+    for (const CardField door : doors) {
+      if (!mayOpen(door)) continue;
+      add(item, PlanPhase::shut, door, "0");
+      sent[index(door)] = image_.value(door) == "1" || !code().isThere();
+    }
+  }
+
+  /// The lines of the fields in `sent`. fresh: the controller does not have the card until then.
+  void fill(PlanItem& item, const Fields& sent, const std::vector<std::int16_t>& lifts, bool fresh) const {
+    for (std::size_t i = 0; i < cardFieldCount; ++i) {
+      const auto field = static_cast<CardField>(i);
+      if (!sent[i]) continue;
+      const std::string& value = image_.value(field);
+      const bool door = std::find(std::begin(doors), std::end(doors), field) != std::end(doors);
+      const PlanPhase phase = !door                        ? PlanPhase::cards
+                              : value == "1"               ? PlanPhase::doors
+                              : fresh || !code().isThere() ? PlanPhase::cards
+                                                           : PlanPhase::shut;
+      add(item, phase, field, value);
+    }
+    for (const std::int16_t output : lifts) add(item, PlanPhase::cards, CardField::lift, liftValue(output));
+  }
+
+  /// The card is as it should be; it is shut while its times change if they mix.
+  std::optional<PlanItem> times(PlanReason reason) {
+    if (!mayOpen() || timesChange() != TimesPlan::Change::mixed) return std::nullopt;
+    PlanItem item;
+    item.number = card_.number;
+    item.program = granted_.rights.weeklyProgram;
+    item.action = PlanItem::Action::shutMeanwhile;
+    item.reason = reason;
+    Fields sent;
+    sent[index(CardField::code)] = !code().isThere();
+    shut(item, sent);
+    fill(item, sent, {}, false);
+    return item;
+  }
+
+  const CardsAt& at_;
+  const ImageCard& card_;
+  const ImageRights& granted_;
+  const CardState& held_;
+  CardImage image_;
+  Fields differs_;
+  std::vector<std::int16_t> missingLifts_;
+};
+
+}  // namespace
+
+std::optional<PlanItem> wantedCard(const CardsAt& at, const ImageCard& card, const ImageRights& granted,
+                                   const CardState& held, bool creditSent) {
+  return Comparison(at, card, granted, held).item(creditSent);
+}
+
+std::optional<PlanItem> unwantedCard(std::int32_t number, PlanReason reason, const CardState& held) {
+  const Possible& code = held.part(CardField::code);
+  if (code.is("")) return std::nullopt;
+  PlanItem item;
+  item.number = number;
+  item.action = PlanItem::Action::erase;
+  item.reason = code.certainty() == Certainty::unknown ? PlanReason::unknown
+                : !hasValue(code)                      ? PlanReason::answerLost
+                                                       : reason;
+  item.of(PlanPhase::erase).push_back(clearCardLine(number));
+  return item;
+}
+
+}  // namespace voxa

@@ -1,0 +1,94 @@
+#include "controllers/ledger_view.h"
+
+#include <array>
+#include <charconv>
+
+#include "controllers/digest.h"
+#include "controllers/ledger_file.h"
+#include "controllers/ledger_settings.h"
+#include "platform/database/database.h"
+
+namespace voxa {
+
+namespace {
+
+constexpr int hexadecimal = 16;
+
+std::string textOf(std::uint64_t digest) {
+  std::array<char, 16> text{};
+  const auto end = std::to_chars(text.data(), text.data() + text.size(), digest, hexadecimal);
+  return {text.data(), end.ptr};
+}
+
+std::uint64_t digestOf(const std::string& text) {
+  std::uint64_t digest = 0;
+  (void)std::from_chars(text.data(), text.data() + text.size(), digest, hexadecimal);
+  return digest;
+}
+
+}  // namespace
+
+LedgerView::LedgerView(const LedgerFile& file, const ControllerList& controllers, bool keeps)
+    : file_(file), controllers_(controllers), keeps_(keeps) {
+  const auto rows = file_.database().openRecordset("select Id from CreditsSent");
+  for (; !rows->eof(); rows->moveNext()) creditsSent_.insert(rows->get(std::size_t{0}).toInt32());
+}
+
+std::vector<LedgerController> LedgerView::retired() const {
+  std::vector<LedgerController> retired;
+  const auto rows = file_.database().openRecordset(
+      "select * from Controllers where Retired is not null order by Retired desc, Id desc");
+  for (; !rows->eof(); rows->moveNext()) retired.push_back(ledgerController(*rows));
+  return retired;
+}
+
+Holdings LedgerView::holdings(const ControllerPlace& place) const {
+  const LedgerController* controller = controllers_.find(place);
+  return controller == nullptr ? Holdings() : readHoldings(file_, *controller);
+}
+
+Holdings LedgerView::holdings(const ControllerPlace& place, const SlotRange& slots) const {
+  Holdings part;
+  const LedgerController* controller = controllers_.find(place);
+  if (controller == nullptr) return part;
+  readThings(file_, *controller, slots, part);
+  readThings(file_, *controller, slotsOfOthers, part);
+  return part;
+}
+
+bool LedgerView::knowsNothingOf(const ControllerPlace& place) const {
+  const LedgerController* controller = controllers_.find(place);
+  if (controller == nullptr) return true;
+  const std::int32_t first = controller->id * slotsOfController;
+  return file_.database()
+      .openRecordset("select top 1 Id from Things where Id between " + std::to_string(first) + " and " +
+                     std::to_string(first + slotsOfController - 1))
+      ->eof();
+}
+
+std::map<std::int32_t, std::uint64_t> LedgerView::digests(const ControllerPlace& place) const {
+  std::map<std::int32_t, std::uint64_t> digests;
+  const LedgerController* controller = controllers_.find(place);
+  if (controller == nullptr) return digests;
+  const std::int32_t first = controller->id * bucketsOfController;
+  const auto rows = file_.database().openRecordset(
+      "parameters pFirst long, pLast long; select Id, Digest from Digests where Id between pFirst and pLast",
+      {{"pFirst", first}, {"pLast", first + bucketsOfController - 1}});
+  for (; !rows->eof(); rows->moveNext())
+    digests[rows->get(std::size_t{0}).toInt32() - first] = digestOf(rows->get(std::size_t{1}).toText());
+  return digests;
+}
+
+void LedgerView::note(const ControllerPlace& place, std::int32_t bucket, std::uint64_t digest) {
+  const LedgerController* controller = controllers_.find(place);
+  if (!keeps_ || controller == nullptr) return;
+  const std::int32_t id = controller->id * bucketsOfController + bucket;
+  file_.deleteDigests().execute({id, id});
+  file_.insertDigest().execute({id, textOf(digest)});
+}
+
+std::optional<bool> LedgerView::fourIntervals() const {
+  return fourIntervalsOf(file_.database());
+}
+
+}  // namespace voxa

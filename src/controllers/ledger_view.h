@@ -1,0 +1,51 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <set>
+#include <vector>
+
+#include "controllers/controller_list.h"
+#include "controllers/holdings.h"
+#include "controllers/thing_slot.h"
+
+namespace voxa {
+
+class LedgerFile;
+
+/// The ledger at one moment, with what is being sent in doubt: for those who compare it with the rows. Within
+/// a transaction of the ledger.
+class LedgerView {
+ public:
+  /// keeps: whether digests that are noted stay.
+  LedgerView(const LedgerFile& file, const ControllerList& controllers, bool keeps);
+
+  [[nodiscard]] const ControllerList& controllers() const { return controllers_; }
+  /// Those that are no longer in use, the last one first.
+  [[nodiscard]] std::vector<LedgerController> retired() const;
+  /// All that is known of a controller; nothing of one that the ledger does not know.
+  [[nodiscard]] Holdings holdings(const ControllerPlace& place) const;
+  /// The part of it in these slots, and of which kinds others may be there.
+  [[nodiscard]] Holdings holdings(const ControllerPlace& place, const SlotRange& slots) const;
+
+  [[nodiscard]] bool knowsNothingOf(const ControllerPlace& place) const;
+
+  /// The digests of the parts of a controller that were in order, by bucket (digest.h).
+  [[nodiscard]] std::map<std::int32_t, std::uint64_t> digests(const ControllerPlace& place) const;
+  void note(const ControllerPlace& place, std::int32_t bucket, std::uint64_t digest);
+
+  /// Whether the marked credit of a card is on its way (Ledger::beginCredits).
+  [[nodiscard]] bool isCreditSent(std::int32_t number) const { return creditsSent_.contains(number); }
+  [[nodiscard]] const std::set<std::int32_t>& creditsSent() const { return creditsSent_; }
+  /// Whether the controllers were told daily programs of four intervals; none when of nothing yet.
+  [[nodiscard]] std::optional<bool> fourIntervals() const;
+
+ private:
+  const LedgerFile& file_;
+  const ControllerList& controllers_;
+  bool keeps_;
+  std::set<std::int32_t> creditsSent_;
+};
+
+}  // namespace voxa

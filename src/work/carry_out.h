@@ -1,0 +1,73 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "controllers/planner.h"
+#include "platform/observer.h"
+#include "work/report.h"
+
+namespace voxa {
+
+class Installation;
+
+/// Some of the controllers: those of a station, the one of a reader, or all with neither. Also where the line
+/// is not in use. A Refusal when there is no such station or reader.
+[[nodiscard]] std::optional<std::set<ControllerPlace>> placesOf(Installation& installation,
+                                                                const std::string& station,
+                                                                const std::string& reader);
+
+/// How a plan is carried out.
+struct CarryOut {
+  PlanScope scope = {};
+  bool dial = false;  ///< stations with a telephone number that have something to get are called, and hung up
+};
+
+/// What became of a controller.
+struct CarriedOut {
+  ControllerPlace place;
+  std::string name;                  ///< "Local Controller 3  -  Front door"
+  Outcome outcome = Outcome::done;   ///< unchanged: it missed nothing
+  std::string reason = {};           ///< why not all was sent, in words
+  std::size_t sent = 0;              ///< things that it has taken
+  std::vector<std::string> refused;  ///< things that it has not, each with what it said
+  std::vector<PlanItem> missing;     ///< what it misses now
+  std::vector<LeftOut> leftOut;      ///< rows that cannot be right there
+};
+struct CarriedOutPlan {
+  std::vector<CarriedOut> controllers;  ///< by place: all in the scope
+  std::vector<LeftOut> leftOut;         ///< cards that cannot be right
+  std::vector<Notice> notices;
+  bool broken = false;  ///< it failed as a whole
+
+  [[nodiscard]] bool isComplete() const;  ///< no controller misses anything, and no row is left out
+};
+
+/// Brings the controllers to what the rows say, as far as they can be reached: what each of them misses, in
+/// the order of the plan. Each by itself: one that does not answer, refuses a line or is on a line that is
+/// not in use delays no other. Nobody is asked. Several lines go in one command file; when such a file fails
+/// they go one by one, so that one that is refused keeps none of its neighbours back, and the doors of its
+/// card stay shut.
+///
+/// Marks of rows are cleared where every controller holds the row. While communications are inhibited
+/// nothing is sent, and the plan stays. Killed at any instant and called again it goes on.
+///
+/// A Refusal when there is no ledger, or when the controllers work with another number of intervals a day
+/// than they were told programs of; a full one takes the new number.
+[[nodiscard]] CarriedOutPlan carryOut(Installation& installation, const CarryOut& how,
+                                      Observer* observer = nullptr);
+
+/// What each controller in the scope misses, without sending anything. Refuses as carryOut does.
+struct PlannedController {
+  ControllerPlan plan;
+  std::string name;
+  bool inUse = false;   ///< its line
+  bool dialUp = false;  ///< its line has a telephone number
+};
+struct WholePlan {
+  std::vector<PlannedController> controllers;  ///< by place
+  std::vector<LeftOut> leftOut;                ///< cards that cannot be right
+};
+[[nodiscard]] WholePlan planAll(Installation& installation, const PlanScope& scope);
+
+}  // namespace voxa

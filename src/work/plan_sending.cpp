@@ -1,0 +1,169 @@
+#include "work/plan_sending.h"
+
+#include <algorithm>
+
+#include "comm/com.h"
+#include "work/installation.h"
+
+namespace voxa {
+
+namespace {
+
+constexpr std::size_t linesOfFile = 200;
+
+/// What the driver said, in one line.
+std::string said(Com& com) {
+  std::string text = com.popErrorList();
+  while (text.starts_with("\r\n")) text.erase(0, 2);
+  for (std::size_t at = 0; (at = text.find("\r\n", at)) != std::string::npos;) text.replace(at, 2, "; ");
+  return text;
+}
+
+/// Files of the items that have lines of a phase.
+void addFiles(const ControllerPlan& plan, PlanPhase phase, std::vector<PlanFile>& files) {
+  std::size_t lines = linesOfFile;  // in the last file
+  for (std::size_t item = 0; item < plan.items.size(); ++item) {
+    const std::size_t count = plan.items[item].of(phase).size();
+    if (count == 0) continue;
+    if (lines + count > linesOfFile) {
+      files.push_back({phase, {}});
+      lines = 0;
+    }
+    lines += count;
+    files.back().items.push_back(item);
+  }
+}
+
+}  // namespace
+
+std::vector<PlanFile> filesOf(const ControllerPlan& plan) {
+  std::vector<PlanFile> files;
+  for (const PlanPhase phase : {PlanPhase::shut, PlanPhase::erase, PlanPhase::times})
+    addFiles(plan, phase, files);
+  PlanFile cards{PlanPhase::cards, {}};
+  PlanFile doors{PlanPhase::doors, {}};
+  std::size_t lines = 0;
+  const auto end = [&] {
+    if (!cards.items.empty()) files.push_back(std::move(cards));
+    if (!doors.items.empty()) files.push_back(std::move(doors));
+    cards = {PlanPhase::cards, {}};
+    doors = {PlanPhase::doors, {}};
+    lines = 0;
+  };
+  for (std::size_t item = 0; item < plan.items.size(); ++item) {
+    const std::size_t rest = plan.items[item].of(PlanPhase::cards).size();
+    const std::size_t opening = plan.items[item].of(PlanPhase::doors).size();
+    if (rest + opening == 0) continue;
+    if (lines + std::max(rest, opening) > linesOfFile) end();
+    lines += std::max(rest, opening);
+    if (rest != 0) cards.items.push_back(item);
+    if (opening != 0) doors.items.push_back(item);
+  }
+  end();
+  return files;
+}
+
+PlanSending::PlanSending(Installation& installation, const ControllerPlan& plan)
+    : installation_(installation), plan_(plan) {
+  left_.reserve(plan.items.size());
+  for (const PlanItem& item : plan.items) {
+    std::size_t lines = 0;
+    for (const auto& ofPhase : item.lines) lines += ofPhase.size();
+    left_.push_back(lines);
+  }
+}
+
+bool PlanSending::isOpen(std::size_t item, PlanPhase phase) const {
+  if (failed_.contains(item)) return false;
+  if (phase != PlanPhase::doors) return true;
+  const auto needs = plan_.needs.find(plan_.items[item].program);
+  if (needs == plan_.needs.end()) return true;
+  // What no item brings cannot be right, or is not sent here.
+  return std::all_of(needs->second.begin(), needs->second.end(),
+                     [&](const auto& thing) { return takenTimes_.contains(thing); });
+}
+
+std::vector<std::string> PlanSending::linesIfTaken(const PlanFile& file) const {
+  std::vector<std::string> lines;
+  for (const std::size_t item : file.items) {
+    const auto& ofItem = plan_.items[item].of(file.phase);
+    lines.insert(lines.end(), ofItem.begin(), ofItem.end());
+  }
+  return lines;
+}
+
+std::vector<std::string> PlanSending::lines(const PlanFile& file) const {
+  std::vector<std::string> lines;
+  for (const std::size_t item : file.items) {
+    if (!isOpen(item, file.phase)) continue;
+    const auto& ofItem = plan_.items[item].of(file.phase);
+    lines.insert(lines.end(), ofItem.begin(), ofItem.end());
+  }
+  return lines;
+}
+
+std::int16_t PlanSending::sendLines(const std::vector<std::string>& lines) {
+  return installation_.Com().sendLines(lines, plan_.place);
+}
+
+void PlanSending::send(const PlanFile& file) {
+  if (stopped_) return;
+  const std::vector<std::string> all = lines(file);
+  if (all.empty()) return;
+  if (sendLines(all) == 0) {
+    for (const std::size_t item : file.items) {
+      if (isOpen(item, file.phase)) take(item, plan_.items[item].of(file.phase).size());
+    }
+    return;
+  }
+  stop();
+  if (!stopped_) sendOneByOne(file);
+}
+
+// Stops when the controller does not answer any more: each further line would wait for it.
+void PlanSending::stop() {
+  Com& com = installation_.Com();
+  std::string why = said(com);
+  if (com.ResetRSOUT(plan_.place.station, plan_.place.address) == 0) {
+    reason_ = std::move(why);
+    return;
+  }
+  (void)com.popErrorList();
+  stopped_ = true;
+  reason_ = std::move(why);
+  com.noteSilence(plan_.place.station, plan_.place.address);
+}
+
+void PlanSending::sendOneByOne(const PlanFile& file) {
+  for (const std::size_t item : file.items) {
+    if (!isOpen(item, file.phase)) continue;
+    for (const std::string& line : plan_.items[item].of(file.phase)) {
+      if (sendLines({line}) == 0) {
+        take(item, 1);
+        continue;
+      }
+      stop();
+      refuse(item, reason_);
+      if (stopped_) return;
+      break;
+    }
+  }
+}
+
+void PlanSending::take(std::size_t item, std::size_t lines) {
+  left_[item] -= lines;
+  const PlanItem& thing = plan_.items[item];
+  if (left_[item] == 0 && thing.kind != ThingKind::card) takenTimes_.insert({thing.kind, thing.number});
+}
+
+void PlanSending::refuse(std::size_t item, const std::string& why) {
+  failed_.insert(item);
+  refused_.push_back(nameOf(plan_.items[item].kind, plan_.items[item].number) +
+                     (why.empty() ? "" : ": " + why));
+}
+
+std::size_t PlanSending::taken() const {
+  return static_cast<std::size_t>(std::count(left_.begin(), left_.end(), std::size_t{0}));
+}
+
+}  // namespace voxa
