@@ -11,12 +11,6 @@ namespace voxa {
 
 namespace {
 
-/// The door at a position, 1 or 2; 0 for a position that no controller has. 1 and 3 are the two sides of the
-/// first door, 2 and 4 those of the second.
-int doorAt(std::int16_t position) {
-  return position >= 1 && position <= 4 ? 2 - position % 2 : 0;
-}
-
 bool grants(const std::vector<GrantedDoor>& doors, int door, std::int16_t program) {
   bool granted = false;
   for (const GrantedDoor& reader : doors) {
@@ -68,6 +62,10 @@ void addDoor(std::vector<GrantedController>& controllers, const Recordset& row) 
 }
 
 }  // namespace
+
+int doorAt(std::int16_t position) {
+  return position >= 1 && position <= 4 ? 2 - position % 2 : 0;
+}
 
 CardRights GrantedController::rights() const {
   const std::int16_t program = doors.front().weeklyProgram;

@@ -21,6 +21,10 @@ struct GrantedDoor {
   bool byProgramOfCards = true;  ///< the link names a weekly program, of family C
 };
 
+/// The door of a controller that a reader's position belongs to, 1 (positions 1 and 3, its two sides) or 2 (2
+/// and 4); 0 for a position that no controller has.
+[[nodiscard]] int doorAt(std::int16_t position);
+
 /// A controller with doors that an access group grants.
 /// Its address is 1 to 16, unless the reader's row is wrong.
 struct GrantedController : ControllerPlace {

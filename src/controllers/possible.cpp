@@ -64,6 +64,14 @@ bool Possible::isThere() const {
          std::none_of(since_.begin(), since_.end(), [](const std::string& value) { return value.empty(); });
 }
 
+std::optional<std::vector<std::string>> Possible::values() const {
+  const bool guessed = base_ == Certainty::assumed && !last_.empty();
+  if (base_ == Certainty::unknown || guessed) return std::nullopt;
+  std::vector<std::string> all = {last_};
+  all.insert(all.end(), since_.begin(), since_.end());
+  return all;
+}
+
 std::string Possible::text() const {
   std::string text;
   if (base_ == Certainty::assumed) text += assumedMark;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -39,6 +40,9 @@ class Possible {
   }
   /// Whether it is certain that there is a value.
   [[nodiscard]] bool isThere() const;
+  /// Every value that it may have; none when it may have any. A thing that was never sent counts as not
+  /// there.
+  [[nodiscard]] std::optional<std::vector<std::string>> values() const;
   [[nodiscard]] const std::string& last() const { return last_; }  ///< certain or assumed
   [[nodiscard]] const std::vector<std::string>& since() const { return since_; }
 

@@ -221,10 +221,12 @@ std::int16_t TakenByCards::freeNumber() {
 
 namespace {
 
-std::unique_ptr<Recordset> numbered(Installation& installation, std::int16_t number) {
+std::unique_ptr<Recordset> numbered(Installation& installation, std::int16_t number, bool deleted = false) {
   return installation.database().openRecordset(
-      "parameters pNumber long; select * from Cardholders where CardNum = pNumber and Deleted = false",
-      {{"pNumber", number}});
+      "parameters pNumber long, pDeleted bit; select * from Cardholders where CardNum = pNumber and Deleted "
+      "= "
+      "pDeleted",
+      {{"pNumber", number}, {"pDeleted", deleted}});
 }
 
 }  // namespace
@@ -235,20 +237,22 @@ std::unique_ptr<Recordset> cardNumbered(Installation& installation, std::int16_t
   return rows;
 }
 
-std::unique_ptr<Recordset> cardNamed(Installation& installation, const std::string& numberOrName) {
+std::unique_ptr<Recordset> cardNamed(Installation& installation, const std::string& numberOrName,
+                                     bool deleted) {
   constexpr std::size_t digitsOfANumber = 4;
   const bool digits = isNumber(numberOrName);
   if (digits && numberOrName.size() <= digitsOfANumber) {
-    auto rows = numbered(installation, number16("the card number", numberOrName));
+    auto rows = numbered(installation, number16("the card number", numberOrName), deleted);
     if (!rows->eof()) return rows;
   }
   auto rows = installation.database().openRecordset(
-      "parameters pName memo; select * from Cardholders where Deleted = false and Name = pName",
-      {{"pName", numberOrName}});
+      "parameters pName memo, pDeleted bit; select * from Cardholders where Deleted = pDeleted and Name = "
+      "pName",
+      {{"pName", numberOrName}, {"pDeleted", deleted}});
   if (!rows->eof()) return rows;
   // Names may be codes, which have 8 digits.
   if (!digits || numberOrName.size() >= codeLength) throw Refusal("msgCantFindCardholder", numberOrName);
-  rows = numbered(installation, cardNumber(numberOrName));
+  rows = numbered(installation, cardNumber(numberOrName), deleted);
   if (rows->eof()) throw Refusal("msgCardNumNotInUse", numberOrName);
   return rows;
 }

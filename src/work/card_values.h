@@ -97,8 +97,8 @@ class TakenByCards {
 /// The row of the card of that number; a Refusal when there is none. Deleted cards are passed over.
 [[nodiscard]] std::unique_ptr<Recordset> cardNumbered(Installation& installation, std::int16_t number);
 /// The row of the card of that number (up to four digits) or name, with all columns; a Refusal when there is
-/// none. Deleted cards are passed over.
+/// none. Deleted cards are passed over, or with `deleted` all others.
 [[nodiscard]] std::unique_ptr<Recordset> cardNamed(Installation& installation,
-                                                   const std::string& numberOrName);
+                                                   const std::string& numberOrName, bool deleted = false);
 
 }  // namespace voxa

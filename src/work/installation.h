@@ -16,6 +16,7 @@ class Installation : public AccessContext {
  public:
   using AccessContext::AccessContext;
 
+  [[nodiscard]] ::voxa::Ledger& ledger() override = 0;
   [[nodiscard]] virtual DailyProgram& DailyPrograms() = 0;
   [[nodiscard]] virtual WeeklyProgram& WeeklyPrograms() = 0;
   [[nodiscard]] virtual ::voxa::Holidays& Holidays() = 0;
