@@ -102,6 +102,7 @@ int main(int argc, char** argv) {
     voxa::cli::addBadgeCommands(commands, session);
     voxa::cli::addGroupCommands(commands, session);
     voxa::cli::addCardCommands(commands, session);
+    voxa::cli::addAccessCommands(commands, session);
     voxa::cli::addLiftCommands(commands, session);
     voxa::cli::addImportCommands(commands, session);
     voxa::cli::addStatusCommand(commands, session);

@@ -16,6 +16,7 @@ void addHolidayCommands(Command& app, Session& session);
 void addBadgeCommands(Command& app, Session& session);
 void addGroupCommands(Command& app, Session& session);
 void addCardCommands(Command& app, Session& session);
+void addAccessCommands(Command& app, Session& session);
 void addLiftCommands(Command& app, Session& session);
 void addImportCommands(Command& app, Session& session);
 void addStatusCommand(Command& app, Session& session);

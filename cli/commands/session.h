@@ -48,6 +48,8 @@ class Session {
   void show(const Report& report);
   /// Whether a failure was shown, or the opening left something undone, which has been shown.
   [[nodiscard]] bool failed() const { return failed_; }
+  /// Something is left for a person, which the command shows itself.
+  void leaveToPerson() { left_ = true; }
   /// Whether something that is left for a person was shown.
   [[nodiscard]] bool left() const { return left_; }
   [[nodiscard]] CallerPrompts& prompts() { return prompts_; }

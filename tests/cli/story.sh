@@ -474,6 +474,24 @@ succeeds download
 succeeds group grant Crew "Lab out" --program Always
 succeeds download all
 
+# Who may open what: 0 when it opens and the controller knows, else 3.
+succeeds access check 700 barrier --at "2026-12-24 18:05"
+shows "24/12/2026 18:05: Zoë O'Quill (card 700) opens Barrier: always"
+shows "may ask for the personal code"
+shows "Known at Annex Controller 7: yes"
+status 3 access check "zoë o'quill" Lab
+shows "under two weekly programs"
+succeeds card set 700 --until 1/1/2026
+status 3 access check 700 Barrier --json
+shows '"ControllerOpens": true'
+succeeds access what 700
+grep -qE "^ *700 .* Barrier +no +its last valid day is past +not yet \(its last valid day\); it opens the door$" out ||
+  fail "a door that still opens"
+succeeds access who Barrier
+shows "it opens the door"
+refuses "Can't find reader" access who Barier
+refuses "is no date" access check 700 Barrier --at noon
+
 # A folder that others can write, or a link in it, is nobody's to work in.
 mkdir -m 777 open
 plant=open
