@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <iostream>
+#include <map>
 
 #include "app/qdb.h"
 #include "cards.h"
@@ -18,6 +19,8 @@
 #include "platform/datetime.h"
 #include "site/site.h"
 #include "week.h"
+#include "work/access_questions.h"
+#include "work/cards.h"
 #include "work/download.h"
 #include "work/journal_list.h"
 #include "work/refusal.h"
@@ -119,10 +122,33 @@ class Access {
       seen.at(static_cast<std::size_t>(expected.back().reason)) = true;
     }
     check_.expect(std::find(seen.begin(), seen.end(), false) == seen.end(), "the week has every reason");
+    check_.expect(libraryAgrees(expected), "the library says of each card and door the same");
     const int differences = compareWithJournal(session_.library(), expected);
     std::cout << week_.size() << " presentations, " << journalRows() << " rows in the journal, "
               << differences << " differences.\n";
     check_.expect(differences == 0, "the journal says what happened");
+  }
+
+  /// Whether the library tells of each card and door what was expected, and knows it of the controller.
+  /// Used-up credits are known to controllers alone.
+  bool libraryAgrees(const std::vector<Expected>& expected) {
+    std::map<std::string, std::string> cards;
+    for (const CardRow& card : listCards(session_.library()))
+      cards[card.code.toText()] = card.number.toText();
+    AccessQuestions questions(session_.library());
+    bool agrees = true;
+    for (std::size_t i = 0; i < week_.size(); ++i) {
+      const auto card = cards.find(week_[i].code);
+      if (card == cards.end()) continue;
+      const Reason reason = expected[i].reason;
+      const AccessAnswer answer =
+          questions.mayOpen(card->second, expected[i].entry.readerName, week_[i].moment);
+      const bool limited = answer.opens && answer.credit > 0;
+      agrees = agrees && answer.known == Sure::yes &&
+               answer.controllerOpens == (limited ? Sure::unsaid : sure(answer.opens)) &&
+               (answer.opens == (reason == Reason::allowed) || reason == Reason::creditUsedUp);
+    }
+    return agrees;
   }
 
   Session& session_;
