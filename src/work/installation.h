@@ -22,7 +22,6 @@ class Installation : public AccessContext {
   [[nodiscard]] virtual ::voxa::Holidays& Holidays() = 0;
   [[nodiscard]] virtual ::voxa::BadgeFormat& BadgeFormat() = 0;
   [[nodiscard]] virtual ::voxa::Journal& Journal() = 0;
-  [[nodiscard]] ::voxa::Ledger& ledger() override = 0;
 };
 
 }  // namespace voxa

@@ -199,7 +199,7 @@ TEST_F(AccessQuestionsTest, TheLedgerSaysWhatTheControllerKnowsAndDoes) {
   set("Deleted = True where CardNum = 1");
   EXPECT_EQ(known("22/12/2026 09:00"), "not yet (that it opens nothing); it opens the door: opens");
   set("Deleted = False where CardNum = 1");
-  library->ledger().replace({1, 1});
+  library->ledger().replace({1, 1}, false);
   EXPECT_EQ(known("22/12/2026 09:00"), "not yet (the card); it keeps the door shut: shut");
   send(true);
   EXPECT_EQ(known("22/12/2026 09:00"), "yes: opens");
