@@ -33,28 +33,6 @@ void fill(Installation& installation, int count) {
   installation.addStaff(controllers);
 }
 
-/// The same readers at further lines.
-void addLines(Installation& installation) {
-  Transaction transaction(installation.engine());
-  Database& database = installation.db();
-  for (int line = 2; line <= lines; ++line) {
-    const std::string number = std::to_string(line);
-    const std::string first = std::to_string(100 * line);
-    database.execute("insert into Stations (Id, Name, Active) values (" + number + ", 'Line " + number +
-                     "', True)");
-    database.execute(
-        "insert into Readers (Id, Name, StationId, ControllerAddress, Position, ControllerType) "
-        "select Id + " +
-        first + ", Name & ' of " + number + "', " + number +
-        ", ControllerAddress, Position, ControllerType from Readers where StationId = 1");
-    database.execute(
-        "insert into AccGroupReaders (AccessGroupId, ReaderId, WeeklyProgType, WeeklyProgNum) "
-        "select 1, Id, 'C', 0 from Readers where StationId = " +
-        number);
-  }
-  transaction.commit();
-}
-
 /// Moves the working folder, to where no database can be made and so no account is kept: its path is longer
 /// than those that the database engine opens.
 void keepAccount(Installation& installation, bool kept) {
@@ -138,7 +116,7 @@ Rows opening(const Harness& harness) {
   if (harness.counts()) return {};
   Installation installation;
   fill(installation, cards);
-  addLines(installation);
+  installation.addLines(lines);
   const auto start = [&] {
     installation.restart();
     require(installation.library().QDB().openCommonDB() == 0, "The database cannot be opened");

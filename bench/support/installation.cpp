@@ -108,6 +108,27 @@ void Installation::addStaff(int controllers) {
   transaction.commit();
 }
 
+void Installation::addLines(int count) {
+  Transaction transaction(engine());
+  Database& database = db();
+  for (int line = 2; line <= count; ++line) {
+    const std::string number = std::to_string(line);
+    const std::string first = std::to_string(100 * line);
+    database.execute("insert into Stations (Id, Name, Active) values (" + number + ", 'Line " + number +
+                     "', True)");
+    database.execute(
+        "insert into Readers (Id, Name, StationId, ControllerAddress, Position, ControllerType) "
+        "select Id + " +
+        first + ", Name & ' of " + number + "', " + number +
+        ", ControllerAddress, Position, ControllerType from Readers where StationId = 1");
+    database.execute(
+        "insert into AccGroupReaders (AccessGroupId, ReaderId, WeeklyProgType, WeeklyProgNum) "
+        "select 1, Id, 'C', 0 from Readers where StationId = " +
+        number);
+  }
+  transaction.commit();
+}
+
 std::string Installation::copyDatabase() const {
   std::string copy = folder_ + "/rival.mdb";
   std::filesystem::copy_file(databasePath_, copy);

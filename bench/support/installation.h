@@ -45,6 +45,8 @@ class Installation {
   void addReaders();
   /// A group "Staff" of all cardholders, who may pass all doors of the controllers up to that address.
   void addStaff(int controllers);
+  /// Adds lines 2 to `count`, each with the readers of station 1, which all of "Staff" may pass.
+  void addLines(int count);
   /// Marks all seven parts of all cards to be sent.
   static constexpr const char* markCards =
       "update Cardholders set CardCodeFlagD = -1, AccessGroupIdFlagD = -1, ValidatedFlagD = -1, "

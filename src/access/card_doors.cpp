@@ -172,10 +172,13 @@ std::vector<std::int16_t> liftOutputs(Database& database, std::int32_t cardholde
   return outputs;
 }
 
-LiftRights liftRights(Database& database) {
+LiftRights liftRights(Database& database, std::optional<std::int16_t> onlyGroup) {
   const auto rows = database.openRecordset(
+      "parameters pAll bit, pGroup long; "
       "select LiftGroup.AccessGroup, Alarms.Num, Alarms.StationId, Alarms.ControllerAddress from LiftGroup "
-      "inner join Alarms on LiftGroup.LiftNum = Alarms.Id where Alarms.Type = 'M'");
+      "inner join Alarms on LiftGroup.LiftNum = Alarms.Id where Alarms.Type = 'M' and (pAll = true or "
+      "LiftGroup.AccessGroup = pGroup)",
+      {{"pAll", !onlyGroup}, {"pGroup", static_cast<std::int32_t>(onlyGroup.value_or(0))}});
   LiftRights rights;
   for (; !rows->eof(); rows->moveNext()) {
     const ControllerPlace place{nullToInt(rows->get("StationId")), nullToInt(rows->get("ControllerAddress"))};

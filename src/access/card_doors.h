@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -78,8 +79,8 @@ struct DoorSide {
 /// The lift outputs that a cardholder's group may use on a controller.
 [[nodiscard]] std::vector<std::int16_t> liftOutputs(Database& database, std::int32_t cardholderId,
                                                     const GrantedController& controller);
-/// Those of every access group and controller.
+/// Those of every access group, or of one, and controller.
 using LiftRights = std::map<std::pair<std::int16_t, ControllerPlace>, std::vector<std::int16_t>>;
-[[nodiscard]] LiftRights liftRights(Database& database);
+[[nodiscard]] LiftRights liftRights(Database& database, std::optional<std::int16_t> onlyGroup = {});
 
 }  // namespace voxa

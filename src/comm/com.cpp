@@ -19,6 +19,11 @@ namespace voxa {
 namespace {
 
 constexpr const char* crLf = "\r\n";
+constexpr const char* betweenReaders = "  -  ";
+
+std::string ofController(std::int16_t address) {
+  return " Controller " + std::to_string(address);
+}
 
 bool isComFailure(std::int16_t result) {
   return result >= 1 && result <= 16;
@@ -193,6 +198,22 @@ std::string Com::popErrorList() {
   return std::exchange(errorList, std::string());
 }
 
+std::map<ControllerPlace, std::string> Com::controllerNames() {
+  std::map<ControllerPlace, std::string> names;
+  const auto readers = database()->openRecordset(
+      "select StationId, ControllerAddress, Readers.Name as Reader, Stations.Name as Station from Readers "
+      "inner "
+      "join Stations on Readers.StationId = Stations.Id where ControllerAddress is not null");
+  for (; !readers->eof(); readers->moveNext()) {
+    const ControllerPlace place{readers->get("StationId").toInt16(),
+                                readers->get("ControllerAddress").toInt16()};
+    std::string& name = names[place];
+    if (name.empty()) name = readers->get("Station").toText() + ofController(place.address);
+    name += betweenReaders + readers->get("Reader").toText();
+  }
+  return names;
+}
+
 std::string Com::getName(std::int16_t StationID, std::int16_t ControllerAddr) {
   const std::string station = std::to_string(StationID);
   const auto database = this->database();
@@ -201,10 +222,10 @@ std::string Com::getName(std::int16_t StationID, std::int16_t ControllerAddr) {
   if (!stations->eof()) name = stations->get("Name").toText();
   if (ControllerAddr == CmToEachController || ControllerAddr == CmToAllControllers) return name;
   const std::string address = std::to_string(ControllerAddr);
-  name += " Controller " + address;
+  name += ofController(ControllerAddr);
   const auto readers = database->openRecordset("select Name from Readers where StationId = " + station +
                                                "and ControllerAddress = " + address);
-  for (; !readers->eof(); readers->moveNext()) name += "  -  " + readers->get("Name").toText();
+  for (; !readers->eof(); readers->moveNext()) name += betweenReaders + readers->get("Name").toText();
   return name;
 }
 

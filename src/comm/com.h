@@ -93,6 +93,10 @@ class Com : public Paths {
   void noteSilence(std::int16_t StationID, std::int16_t controllerID);
   /// "Local Controller 3  -  Front door": station, controller unless 0 or 95, the controller's readers.
   [[nodiscard]] std::string getName(std::int16_t StationID, std::int16_t ControllerAddr);
+  /// The same of every controller with a reader, by place.
+  [[nodiscard]] std::map<ControllerPlace, std::string> controllerNames();
+  /// Whether the last refresh of its station has found that it answers.
+  [[nodiscard]] bool hasAnswered(const ControllerPlace& place) const;
   /// A fresh, silent date read of the controller, or of the station without its old result file.
   std::int16_t ResetRSOUT(std::int16_t StationID, std::int16_t ControllerAddr);
   std::string popErrorList();  ///< errorList, which is empty then

@@ -279,6 +279,11 @@ bool Com::MsgChooseAbort(ComponentType compType, const std::string& compName) {
   return abort;
 }
 
+bool Com::hasAnswered(const ControllerPlace& place) const {
+  const auto found = answering_.find(place.station);
+  return found != answering_.end() && found->second.contains(place.address);
+}
+
 std::vector<ControllerPlace> Com::notKnownToAnswer(ComponentType compType, const std::string& compName) {
   const auto concerns = [&](ComponentType type, const Value& name) {
     return compType == CTActiveStations || (compType == type && equalNoCase(name.toText(), compName));

@@ -188,6 +188,19 @@ Possible Holdings::thing(ThingKind kind, std::int32_t number) const {
   return unknownOthers.contains(kind) ? Possible::unknown() : Possible();
 }
 
+void addThing(std::int32_t slot, const std::string& state, Holdings& holdings) {
+  if (slot < firstSlotBehindCards) {
+    holdings.cards.emplace_hint(holdings.cards.end(), slot, CardState::read(state));
+    return;
+  }
+  const ThingKind kind = kindOf(slot);
+  if (slot == slotOfOthers(kind)) {
+    holdings.unknownOthers.insert(kind);
+  } else {
+    holdings.things[{kind, slot - slotsOf(kind).first}] = Possible::read(state);
+  }
+}
+
 void readThings(const LedgerFile& file, const LedgerController& controller, const SlotRange& slots,
                 Holdings& holdings) {
   const std::int32_t base = controller.id * slotsOfController;
@@ -195,20 +208,8 @@ void readThings(const LedgerFile& file, const LedgerController& controller, cons
       "parameters pFirst long, pLast long; select Id, State from Things where Id between pFirst and pLast "
       "order by Id",
       {{"pFirst", base + slots.first}, {"pLast", base + slots.end - 1}});
-  for (; !rows->eof(); rows->moveNext()) {
-    const std::int32_t slot = rows->get(std::size_t{0}).toInt32() - base;
-    const std::string state = rows->get(std::size_t{1}).toText();
-    if (slot < firstSlotBehindCards) {
-      holdings.cards.emplace_hint(holdings.cards.end(), slot, CardState::read(state));
-      continue;
-    }
-    const ThingKind kind = kindOf(slot);
-    if (slot == slotOfOthers(kind)) {
-      holdings.unknownOthers.insert(kind);
-    } else {
-      holdings.things[{kind, slot - slotsOf(kind).first}] = Possible::read(state);
-    }
-  }
+  for (; !rows->eof(); rows->moveNext())
+    addThing(rows->get(std::size_t{0}).toInt32() - base, rows->get(std::size_t{1}).toText(), holdings);
 }
 
 Holdings readHoldings(const LedgerFile& file, const LedgerController& controller) {

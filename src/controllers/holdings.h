@@ -25,6 +25,8 @@ struct Holdings {
   [[nodiscard]] Possible thing(ThingKind kind, std::int32_t number) const;
 };
 [[nodiscard]] Holdings readHoldings(const LedgerFile& file, const LedgerController& controller);
+/// Adds what a row of the ledger says of a slot.
+void addThing(std::int32_t slot, const std::string& state, Holdings& holdings);
 /// Adds what is known of these slots (thing_slot.h), each of which was not added before.
 void readThings(const LedgerFile& file, const LedgerController& controller, const SlotRange& slots,
                 Holdings& holdings);

@@ -68,11 +68,15 @@ std::string ledgerValue(CardField field, const std::string& lineValue) {
 }
 
 Image::Image(AccessContext& context, std::optional<std::int32_t> only)
-    : context_(context), fourIntervals_(context.Com().pDailyPrograms4Zones == 1) {
+    : context_(context),
+      today_(context.clock().now()),
+      fourIntervals_(context.Com().pDailyPrograms4Zones == 1) {
   Database& main = context.database();
   const Reading moment(main);
   readCards(main, only);
-  readRights(main);
+  std::optional<std::int16_t> group;
+  if (only) group = cards_.empty() ? std::int16_t{-1} : cards_.front().group;
+  readRights(main, group);
 }
 
 void Image::readCards(Database& main, std::optional<std::int32_t> only) {
@@ -119,8 +123,7 @@ void Image::addCard(const Recordset& row) {
   }
   if (card.wanted) {
     try {
-      for (const CardField field : ofRow)
-        at(card.values, field) = cardValue(field, record, {}, context_.clock().now());
+      for (const CardField field : ofRow) at(card.values, field) = cardValue(field, record, {}, today_);
       if (ledgerValue(CardField::code, at(card.values, CardField::code)) == clearingCode)
         card.fault = "its code is zero, which clears a card";
     } catch (const Error& error) {
@@ -130,9 +133,15 @@ void Image::addCard(const Recordset& row) {
   cards_.push_back(std::move(card));
 }
 
-void Image::readRights(Database& main) {
-  const LiftRights lifts = liftRights(main);
-  for (const auto& [group, controllers] : controllersOfGroups(main)) {
+void Image::readRights(Database& main, std::optional<std::int16_t> onlyGroup) {
+  const LiftRights lifts = liftRights(main, onlyGroup);
+  std::map<std::int16_t, std::vector<GrantedController>> groups;
+  if (onlyGroup) {
+    groups[*onlyGroup] = controllersOf(main, *onlyGroup);
+  } else {
+    groups = controllersOfGroups(main);
+  }
+  for (const auto& [group, controllers] : groups) {
     for (const GrantedController& controller : controllers) {
       if (!isOfController(controller.address)) continue;
       ImageRights& granted = rights_[controller][group];
@@ -201,11 +210,10 @@ ThingImages Image::thingsFor(const std::string& controllerType) const {
       images.leftOut.push_back(std::move(leftOut));
     }
   };
-  const DateTime today = context_.clock().now();
   take(dailies, ThingKind::daily,
        [&](const Recordset& row) { return linesOfDailyProgram(row, fourIntervals_); });
   take(weeklies, ThingKind::weeklyC, [](const Recordset& row) { return linesOfWeeklyProgram(row); });
-  take(holidays, ThingKind::holiday, [&](const Recordset& row) { return linesOfHoliday(row, today); });
+  take(holidays, ThingKind::holiday, [&](const Recordset& row) { return linesOfHoliday(row, today_); });
   return images;
 }
 

@@ -92,11 +92,12 @@ class Image {
 
  private:
   void readCards(Database& main, std::optional<std::int32_t> only);
-  void readRights(Database& main);
+  void readRights(Database& main, std::optional<std::int16_t> onlyGroup);
   void addCard(const Recordset& row);
   [[nodiscard]] ThingImages thingsFor(const std::string& controllerType) const;
 
   AccessContext& context_;
+  DateTime today_;
   bool fourIntervals_;
   std::vector<ImageCard> cards_;
   std::map<ControllerPlace, std::map<std::int16_t, ImageRights>> rights_;

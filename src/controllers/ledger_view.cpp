@@ -47,10 +47,42 @@ Holdings LedgerView::holdings(const ControllerPlace& place) const {
   return controller == nullptr ? Holdings() : readHoldings(file_, *controller);
 }
 
+void LedgerView::narrowTo(std::int32_t number) {
+  narrow_.emplace().number = number;
+  std::string things;
+  std::string digests;
+  const auto add = [](std::string& ids, std::int32_t id) {
+    ids += (ids.empty() ? "" : ",") + std::to_string(id);
+  };
+  for (const auto& [place, controller] : controllers_.all()) {
+    for (const std::int32_t slot : {number, slotOfOthers(ThingKind::card)})
+      add(things, controller.id * slotsOfController + slot);
+    add(digests, controller.id * bucketsOfController + bucketOfThings);
+  }
+  if (things.empty()) return;
+  const auto rows =
+      file_.database().openRecordset("select Id, State from Things where Id in (" + things + ")");
+  for (; !rows->eof(); rows->moveNext()) {
+    const std::int32_t id = rows->get(std::size_t{0}).toInt32();
+    addThing(id % slotsOfController, rows->get(std::size_t{1}).toText(),
+             narrow_->cards[id / slotsOfController]);
+  }
+  const auto known =
+      file_.database().openRecordset("select Id, Digest from Digests where Id in (" + digests + ")");
+  for (; !known->eof(); known->moveNext()) {
+    narrow_->digests[known->get(std::size_t{0}).toInt32() / bucketsOfController] =
+        digestOf(known->get(std::size_t{1}).toText());
+  }
+}
+
 Holdings LedgerView::holdings(const ControllerPlace& place, const SlotRange& slots) const {
   Holdings part;
   const LedgerController* controller = controllers_.find(place);
   if (controller == nullptr) return part;
+  if (narrow_ && slots.first == narrow_->number && slots.end == narrow_->number + 1) {
+    const auto known = narrow_->cards.find(controller->id);
+    return known == narrow_->cards.end() ? part : known->second;
+  }
   readThings(file_, *controller, slots, part);
   readThings(file_, *controller, slotsOfOthers, part);
   return part;
@@ -70,6 +102,11 @@ std::map<std::int32_t, std::uint64_t> LedgerView::digests(const ControllerPlace&
   std::map<std::int32_t, std::uint64_t> digests;
   const LedgerController* controller = controllers_.find(place);
   if (controller == nullptr) return digests;
+  if (narrow_) {
+    const auto known = narrow_->digests.find(controller->id);
+    if (known != narrow_->digests.end()) digests[bucketOfThings] = known->second;
+    return digests;
+  }
   const std::int32_t first = controller->id * bucketsOfController;
   const auto rows = file_.database().openRecordset(
       "parameters pFirst long, pLast long; select Id, Digest from Digests where Id between pFirst and pLast",
@@ -79,7 +116,7 @@ std::map<std::int32_t, std::uint64_t> LedgerView::digests(const ControllerPlace&
   return digests;
 }
 
-void LedgerView::note(const ControllerPlace& place, std::int32_t bucket, std::uint64_t digest) {
+void LedgerView::note(const ControllerPlace& place, std::int32_t bucket, std::uint64_t digest) const {
   const LedgerController* controller = controllers_.find(place);
   if (!keeps_ || controller == nullptr) return;
   const std::int32_t id = controller->id * bucketsOfController + bucket;

@@ -24,6 +24,9 @@ class LedgerView {
   [[nodiscard]] const ControllerList& controllers() const { return controllers_; }
   /// Those that are no longer in use, the last one first.
   [[nodiscard]] std::vector<LedgerController> retired() const;
+  /// From now on only one card number, and the digests of all that are no cards, are asked for: they are read
+  /// for all controllers at once.
+  void narrowTo(std::int32_t number);
   /// All that is known of a controller; nothing of one that the ledger does not know.
   [[nodiscard]] Holdings holdings(const ControllerPlace& place) const;
   /// The part of it in these slots, and of which kinds others may be there.
@@ -33,7 +36,7 @@ class LedgerView {
 
   /// The digests of the parts of a controller that were in order, by bucket (digest.h).
   [[nodiscard]] std::map<std::int32_t, std::uint64_t> digests(const ControllerPlace& place) const;
-  void note(const ControllerPlace& place, std::int32_t bucket, std::uint64_t digest);
+  void note(const ControllerPlace& place, std::int32_t bucket, std::uint64_t digest) const;
 
   /// Whether the marked credit of a card is on its way (Ledger::beginCredits).
   [[nodiscard]] bool isCreditSent(std::int32_t number) const { return creditsSent_.contains(number); }
@@ -46,6 +49,12 @@ class LedgerView {
   const ControllerList& controllers_;
   bool keeps_;
   std::set<std::int32_t> creditsSent_;
+  struct Narrow {
+    std::int32_t number = 0;
+    std::map<std::int32_t, Holdings> cards;         // by id of the controller
+    std::map<std::int32_t, std::uint64_t> digests;  // of what is no card
+  };
+  std::optional<Narrow> narrow_;
 };
 
 }  // namespace voxa

@@ -33,9 +33,9 @@ void add(Digest& digest, std::int16_t group, const ImageRights& granted) {
 
 /// A controller that is being planned.
 struct Planner::At {
-  explicit At(LedgerView& view) : ledger(view) {}
+  explicit At(const LedgerView& view) : ledger(view) {}
 
-  LedgerView& ledger;
+  const LedgerView& ledger;
   ControllerPlan plan;
   std::map<std::int32_t, std::uint64_t> digests;  // of what was in order
   bool isNew = false;
@@ -54,7 +54,8 @@ Planner::Planner(AccessContext& context, PlanScope scope)
   }
 }
 
-std::vector<ControllerPlace> Planner::places(const LedgerView& ledger) const {
+std::vector<ControllerPlace> Planner::places(LedgerView& ledger) const {
+  if (scope_.card) ledger.narrowTo(*scope_.card);
   std::set<ControllerPlace> places;
   const auto take = [&](const ControllerPlace& place) {
     if (isOfController(place.address) && (!scope_.places || scope_.places->contains(place)))
@@ -65,7 +66,7 @@ std::vector<ControllerPlace> Planner::places(const LedgerView& ledger) const {
   return {places.begin(), places.end()};
 }
 
-ControllerPlan Planner::plan(LedgerView& ledger, const ControllerPlace& place) const {
+ControllerPlan Planner::plan(const LedgerView& ledger, const ControllerPlace& place) const {
   At at(ledger);
   at.plan.place = place;
   const LedgerController* known = ledger.controllers().find(place);

@@ -35,9 +35,9 @@ class Planner {
   Planner(AccessContext& context, PlanScope scope);
 
   /// The places with something to compare, those of controllers that lost their readers among them.
-  [[nodiscard]] std::vector<ControllerPlace> places(const LedgerView& ledger) const;
-  /// What the controller at a place misses.
-  [[nodiscard]] ControllerPlan plan(LedgerView& ledger, const ControllerPlace& place) const;
+  [[nodiscard]] std::vector<ControllerPlace> places(LedgerView& ledger) const;
+  /// What the controller at a place misses. ledger: one that places() was asked about.
+  [[nodiscard]] ControllerPlan plan(const LedgerView& ledger, const ControllerPlace& place) const;
   /// Cards that cannot be right.
   [[nodiscard]] const std::vector<LeftOut>& leftOut() const { return image_.leftOut(); }
   [[nodiscard]] const Image& image() const { return image_; }

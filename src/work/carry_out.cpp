@@ -95,6 +95,7 @@ class Work {
   bool missesAnything(const std::vector<ControllerPlace>& places) {
     bool any = false;
     (void)installation_.ledger().look([&](LedgerView& ledger) {
+      (void)planner_.places(ledger);
       for (const ControllerPlace& place : places) any = any || !planner_.plan(ledger, place).items.empty();
     });
     return any;
@@ -105,6 +106,7 @@ class Work {
       std::vector<ControllerPlan> plans;
       std::size_t items = 0;
       (void)installation_.ledger().look([&](LedgerView& ledger) {
+        (void)planner_.places(ledger);
         for (; next != places.end() && items < itemsOfRound; ++next) {
           ControllerPlan plan = planner_.plan(ledger, *next);
           items += plan.items.size();
@@ -173,17 +175,18 @@ class Work {
     installation_.ledger().beginCredits(credits);
   }
 
-  /// By a test of its station that is made once.
+  /// By a test of its station that is made once; for a card alone not where this process has found before that
+  /// it answers.
   bool answers(const ControllerPlace& place) {
     Com& com = installation_.Com();
+    if (how_.scope.card && com.hasAnswered(place) && com.TestSend(place.station, place.address)) return true;
     if (tested_.insert(place.station).second) {
       (void)com.refresh(place.station, into(result_.notices));
-      for (const ControllerPlace& silent : com.notKnownToAnswer(CTActiveStations, "")) {
-        if (silent.station == place.station) com.noteSilence(silent.station, silent.address);
-      }
       (void)com.popErrorList();  // the silent ones are named one by one
     }
-    const bool answers = com.TestSend(place.station, place.address);
+    // One without readers, and one that the station's result leaves out, is asked by itself.
+    const bool answers = com.hasAnswered(place) || (com.TestSend(place.station, place.address) &&
+                                                    com.ResetRSOUT(place.station, place.address) == 0);
     if (!answers) why_[place] = "does not answer";
     return answers;
   }
@@ -275,9 +278,12 @@ WholePlan planAll(Installation& installation, const PlanScope& scope) {
       whole.controllers.push_back({planner.plan(ledger, place), {}, line.inUse, line.dialUp});
     }
   }));
+  const auto names = installation.Com().controllerNames();
   for (PlannedController& controller : whole.controllers) {
     const ControllerPlace& place = controller.plan.place;
-    controller.name = installation.Com().getName(place.station, place.address);
+    const auto name = names.find(place);
+    controller.name =
+        name != names.end() ? name->second : installation.Com().getName(place.station, place.address);
   }
   return whole;
 }

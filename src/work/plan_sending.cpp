@@ -103,7 +103,7 @@ std::vector<std::string> PlanSending::lines(const PlanFile& file) const {
 }
 
 std::int16_t PlanSending::sendLines(const std::vector<std::string>& lines) {
-  return installation_.Com().sendLines(lines, plan_.place);
+  return installation_.Com().sendLinesTested(lines, plan_.place);
 }
 
 void PlanSending::send(const PlanFile& file) {
