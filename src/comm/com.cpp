@@ -91,7 +91,7 @@ std::int16_t Com::sendChecked(ComCommandsEnum command, const ControllerPlace& ta
 }
 
 std::int16_t Com::sendLinesTested(const std::vector<std::string>& lines, const ControllerPlace& place) {
-  context_.CommandFile().write(lines);
+  context_.CommandFile().prepare(lines);
   return context_.attempt({"msgUnexpecErr", "Com.send"},
                           [&] { return sendNow(CmSendCommand, place, false, false, true); });
 }

@@ -63,8 +63,10 @@ void CommandFile::write(bool anew) {
   } else {
     file_.fopen();
   }
+  written_.clear();  // until it is whole
   file_.fprint1252(text_);
   file_.fclose();
+  written_ = text_;
 }
 
 void CommandFile::write(const std::vector<std::string>& lines) {
@@ -73,8 +75,16 @@ void CommandFile::write(const std::vector<std::string>& lines) {
   fclose();
 }
 
+void CommandFile::prepare(const std::vector<std::string>& lines) {
+  begin();
+  for (const std::string& line : lines) fprint(line);
+  open_ = false;
+  text_ += file_.lineOf("");
+}
+
 void CommandFile::restore() {
-  if (isFull && printed_ && !files::holds(file_.Name(), text_)) write(true);
+  if (!isFull || !printed_) return;
+  if (text_ != written_ || !files::holds(file_.Name(), text_)) write(true);
 }
 
 }  // namespace voxa

@@ -37,6 +37,9 @@ class CommandFile {
   /// fopen, fprint of each line, and fclose in one call.
   void write(const std::vector<std::string>& lines);
 
+  /// The same without touching the file: the send writes it, unless it is there already.
+  void prepare(const std::vector<std::string>& lines);
+
   /// Makes sure that the file holds what was printed since the last fopen. For the send, which has the lines
   /// (files/line_span.h). A file that the caller made without this class, setting isFull, stays as it is.
   void restore();
@@ -47,7 +50,8 @@ class CommandFile {
 
   FileContext& context_;
   SeqFile file_;
-  std::string text_;  // what the file must hold, in code page 1252
+  std::string text_;     // what the file must hold, in code page 1252
+  std::string written_;  // what it was made to hold last
   bool open_ = false;
   bool printed_ = false;  // a line since the last fopen; isFull can be set by the caller, too
   bool emptied_ = false;  // the last fopen emptied the file
