@@ -15,15 +15,19 @@
 #include "work/carry_out.h"
 #include "work/look_up.h"
 #include "work/refusal.h"
+#include "work/words.h"
 
 namespace voxa::cli {
 
 namespace {
 
+constexpr std::int16_t greatestCardNumber = 9999;
+
 struct DownloadOptions {
   ComponentChoice component;
   bool full = false;
   bool dial = false;
+  std::string card;
   std::string badgeFormat;
 };
 
@@ -127,6 +131,8 @@ void downloadPlan(Session& session, const DownloadOptions& options) {
   CarryOut how;
   how.scope.places = placesOf(session.library(), options.component.station, options.component.reader);
   how.scope.full = options.full;
+  if (!options.card.empty())
+    how.scope.card = numberWithin("the card number", options.card, 1, greatestCardNumber);
   how.dial = options.dial;
   CarriedOutPlan carried;
   {
@@ -159,6 +165,7 @@ void downloadFormat(Session& session, const DownloadOptions& options) {
 void addPlanDownload(Command& command, Session& session, const std::function<bool()>& isMeant) {
   auto options = std::make_shared<DownloadOptions>();
   addComponentOptions(command, options->component);
+  command.add_option("--card", options->card, "Only the card of this number, and no programs and holidays");
   command.add_flag("--full", options->full, "Everything, also what the controllers hold");
   command.add_flag("--dial", options->dial,
                    "Call the stations with a telephone number that miss something, and hang up behind it");

@@ -460,7 +460,8 @@ shows "1 missing: its line is not in use"
 succeeds plan
 grep -qE "Annex Controller .*not in use.* send +card 700 +changed" out || fail "the plan forgets the inactive line"
 succeeds station set Annex --active
-succeeds download all
+succeeds download --card 700
+shows "1 sent"
 succeeds sim controller replace --station Annex --address 9
 status 3 controller check
 grep -q "probably replaced" err || fail "a replaced controller is not noticed"
