@@ -49,7 +49,7 @@ void checkThem(Session& session) {
     text =
         "these controllers may be others than they were. Of one that was replaced say so with 'voxa "
         "controller "
-        "replaced', then 'voxa download' sends it everything; 'voxa clock set' sets the clocks:" +
+        "replaced', then 'voxa download' sends it everything; 'voxa clock' sets the clocks:" +
         text;
   }
   if (!check.silent.empty())

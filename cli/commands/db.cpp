@@ -6,8 +6,10 @@
 #include "commands.h"
 #include "may_write.h"
 #include "output/command_line.h"
+#include "plan_output.h"
 #include "platform/files.h"
 #include "session.h"
+#include "work/carry_out.h"
 #include "work/copies.h"
 #include "work/refusal.h"
 
@@ -55,7 +57,13 @@ void restore(Session& session, const FileOptions& options) {
   prompts.files(options.saveFirst.empty() ? "" : session.callersFile(options.saveFirst), file);
   if (session.qdb().restoreDB() != 0) throw Refusal("the database was not restored");
   std::cout << "Restored from " << options.file
-            << ". The controllers may hold other programs: voxa download all --full\n";
+            << ". What the controllers miss by it ('voxa download' sends it):\n";
+  try {
+    showPlan(planAll(session.library(), {}), false);
+  } catch (const Refusal& refusal) {
+    throw Leftover(std::string("it was restored, but what the controllers miss cannot be told: ") +
+                   refusal.what());
+  }
 }
 
 }  // namespace

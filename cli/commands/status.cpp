@@ -7,12 +7,24 @@
 #include "output/command_line.h"
 #include "output/table_output.h"
 #include "session.h"
+#include "work/controllers.h"
 #include "work/line_test.h"
 #include "work/refusal.h"
 
 namespace voxa::cli {
 
 namespace {
+
+void tellSuspects(Session& session) {
+  std::vector<std::string> names;
+  for (const SuspectController& suspect : controllersAtStart(session.library()))
+    names.push_back(suspect.name + ": its clock shows " + suspect.clock.toText());
+  if (names.empty()) return;
+  std::cerr << "status: these controllers were without power, or may have been replaced; 'voxa controller "
+               "check' looks closer:"
+            << eachOnALine(names) << '\n';
+  session.leaveToPerson();
+}
 
 void showStatus(Session& session, bool json) {
   session.openForSending();
@@ -25,6 +37,7 @@ void showStatus(Session& session, bool json) {
     allAnswer = allAnswer && (session.settings.opening.inhibit || state.answers == Value(true));
   }
   table.print(std::cout, json);
+  tellSuspects(session);
   if (allAnswer) return;
   std::string failures = test.said;
   // The driver's own words name those that did not answer, and nobody that it says nothing of.

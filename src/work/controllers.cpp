@@ -140,21 +140,27 @@ void noteReplaced(Installation& installation, const std::string& station, const 
   installation.ledger().replace(place, usedElsewhere);
 }
 
+std::vector<SuspectController> controllersAtStart(Installation& installation) {
+  std::vector<SuspectController> suspects;
+  (void)installation.ledger().look([&](const LedgerView& ledger) {
+    for (const ControllerState& state : listControllers(installation)) {
+      if (isAtStart(state.clock, ledger.controllers().find(state.place)))
+        suspects.push_back({state.place, {}, state.clock, false});
+    }
+  });
+  for (SuspectController& suspect : suspects)
+    suspect.name = installation.Com().getName(suspect.place.station, suspect.place.address);
+  return suspects;
+}
+
 ControllerCheck checkControllers(Installation& installation) {
   ControllerCheck check;
   const LineTest test = testLines(installation, {});
   check.notices = test.notices;
   check.silent = namesOf(test.silent);
-  (void)installation.ledger().look([&](const LedgerView& ledger) {
-    for (const ControllerState& state : listControllers(installation)) {
-      if (isAtStart(state.clock, ledger.controllers().find(state.place)))
-        check.suspects.push_back({state.place, {}, state.clock, false});
-    }
-  });
-  for (SuspectController& suspect : check.suspects) {
-    suspect.name = installation.Com().getName(suspect.place.station, suspect.place.address);
+  check.suspects = controllersAtStart(installation);
+  for (SuspectController& suspect : check.suspects)
     suspect.memoryEmpty = isMemoryEmpty(installation, suspect.place);
-  }
   return check;
 }
 

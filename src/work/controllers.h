@@ -60,6 +60,10 @@ struct SuspectController {
   Value clock;
   bool memoryEmpty = false;  ///< it has no transactions either: it was probably replaced
 };
+/// Those of the lines in use, as the last test found them. What is in their memory is not looked at. None
+/// when there is no ledger.
+[[nodiscard]] std::vector<SuspectController> controllersAtStart(Installation& installation);
+
 struct ControllerCheck {
   std::vector<SuspectController> suspects;
   std::vector<std::string> silent;  ///< names of controllers that do not answer

@@ -173,10 +173,13 @@ shows "08:00-12:00 13:00-18:00 19:00-20:00"
 # Copies of the database; the copy is not overwritten by the restore.
 succeeds db save copy.mdb
 succeeds daily add Extra --first none
+succeeds daily set Office --second 13:00-19:00
+succeeds download
 refuses "needs --yes" db restore copy.mdb
 succeeds daily list
 shows Extra
 succeeds --yes db restore copy.mdb
+grep -qE "Local Controller 1 .* send +daily program 2 +changed" out || fail "a restore does not tell what the controllers miss"
 succeeds daily list
 grep -q Extra out && fail "the restored database is not the copy"
 refuses "not restored" --yes db restore /dev/null
@@ -463,6 +466,8 @@ succeeds station set Annex --active
 succeeds download --card 700
 shows "1 sent"
 succeeds sim controller replace --station Annex --address 9
+status 3 status
+grep -q "'voxa controller check'" err || fail "a status does not tell of a clock that is at its start"
 status 3 controller check
 grep -q "probably replaced" err || fail "a replaced controller is not noticed"
 succeeds controller replaced --station Annex --address 9
