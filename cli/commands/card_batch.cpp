@@ -51,7 +51,7 @@ void deleteOne(Session& session, const std::string& numberOrName) {
   if (!card.erased) return;
   std::cout << "Deleted card " << number << ": " << card.name << '\n';
   if (card.holders.empty()) return;
-  throw Leftover("these controllers still hold the card; a later 'voxa download cards' makes them erase it:" +
+  throw Leftover("these controllers still hold the card; a later 'voxa download' makes them erase it:" +
                  eachOnALine(card.holders));
 }
 

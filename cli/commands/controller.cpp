@@ -29,8 +29,10 @@ void listControllers(Session& session, bool json) {
   for (const ControllerOverview& each : all.controllers) {
     const bool gone = each.state == ControllerOverview::State::retired;
     const auto count = [&](auto number) { return gone ? Value() : Value(static_cast<std::int32_t>(number)); };
-    table.add({each.station, each.place.address, each.readers, textOf(each.state), each.answers,
-               each.deviation, count(each.cards), count(each.missing), count(each.doubt), each.lastContact});
+    // For a person; minutes since the year of its start say nothing.
+    const Value off = each.clockAtStart && !json ? Value("at start") : each.deviation;
+    table.add({each.station, each.place.address, each.readers, textOf(each.state), each.answers, off,
+               count(each.cards), count(each.missing), count(each.doubt), each.lastContact});
   }
   table.print(std::cout, json);
 }

@@ -145,8 +145,9 @@ void downloadPlan(Session& session, const DownloadOptions& options) {
     const bool quiet = controller.outcome == Outcome::unchanged && controller.leftOut.empty();
     quiet ? static_cast<void>(++unchanged) : tell(controller);
   }
-  std::cout << unchanged << (unchanged == 1 ? " controller holds" : " controllers hold")
-            << " it all already\n";
+  if (unchanged > 0 || carried.controllers.empty())
+    std::cout << unchanged << (unchanged == 1 ? " controller holds" : " controllers hold")
+              << " it all already\n";
   for (const LeftOut& row : carried.leftOut) std::cout << "left out: " << voxa::cli::textOf(row) << '\n';
   if (!carried.isComplete())
     throw Leftover("not every controller holds what it should: 'voxa plan' tells what is missing where");

@@ -38,7 +38,7 @@ void importTable(Session& session, const std::string& path) {
   }
   if (bad > shownLines) std::cerr << "and " << bad - shownLines << " more lines\n";
   if (bad > 0) throw Refusal("nothing is imported: " + std::to_string(bad) + " bad lines");
-  std::cout << import.cards << " cards imported, to be sent with 'voxa download cards'\n";
+  std::cout << import.cards << " cards imported, to be sent with 'voxa download'\n";
 }
 
 struct ExportOptions {

@@ -43,6 +43,7 @@ void grant(Session& session, const GrantOptions& options) {
 void revoke(Session& session, const GrantOptions& options) {
   session.openForSending();
   revokeLift(session.library(), options.group, options.lift);
+  std::cout << "Its controller has erased the group's cards: 'voxa download' gives them back\n";
 }
 
 void addGroupLiftOptions(Command& command, GrantOptions& options) {

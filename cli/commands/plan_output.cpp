@@ -35,7 +35,7 @@ std::vector<PlanRow> rowsOf(const std::vector<PlanItem>& items) {
         {voxa::textOf(action),
          numbers.size() == 1 ? nameOf(kind, numbers.front())
                              : std::string(kindName(kind)) + " " + ranges(numbers),
-         std::string(voxa::textOf(reason)) + (anew ? "; erased first, so that the credit starts anew" : "")});
+         std::string(voxa::textOf(reason)) + (anew ? "; erased first: its credit starts anew" : "")});
   }
   return rows;
 }

@@ -1,7 +1,6 @@
 #include "work/controllers.h"
 
 #include <algorithm>
-#include <cmath>
 #include <map>
 
 #include "comm/com.h"
@@ -103,8 +102,9 @@ ControllerOverviews overviewControllers(Installation& installation) {
       const LedgerController* known = ledger.controllers().find(place);
       overview.clockAtStart = isAtStart(overview.clock, known);
       if (!overview.clock.isNull()) {
-        overview.deviation = static_cast<std::int32_t>(
-            std::lround((overview.clock.toDateTime().days - now.days) * minutesOfDay));
+        // A clock is read in whole minutes, so it seems up to one behind.
+        overview.deviation =
+            static_cast<std::int32_t>((overview.clock.toDateTime().days - now.days) * minutesOfDay);
       }
       addHoldings(overview, ledger.holdings(place));
       for (const PlanItem& item : planned.plan.items)
