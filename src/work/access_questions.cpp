@@ -237,7 +237,9 @@ void AccessQuestions::compareWithController(Case& asked) {
     (void)found(opposites[static_cast<std::size_t>(answer.controllerOpens)], "that it opens nothing");
     return;
   }
-  const auto has = [&](CardField field) { return hasPart(card, field, ledgerValue(field, asked.wanted->value(field))); };
+  const auto has = [&](CardField field) {
+    return hasPart(card, field, ledgerValue(field, asked.wanted->value(field)));
+  };
   if (!found(has(CardField::code), "the card")) return;
   (void)found(has(asked.door.right), "its right to the door");
   for (const auto& [field, name] : parts) (void)found(has(field), name);
