@@ -30,6 +30,7 @@ constexpr const char* commands[] = {
     "sim|controller|add|--station|Local|--address|2",
     "sim|controller|add|--station|Annex|--address|1",
     "sim|controller|add|--station|Annex|--address|5|--type|VRMD1",
+    "clock",
     "daily|add|Office|--first|08:00-12:00",
     "daily|add|Early|--first|06:00-14:00",
     "weekly|add|Staff|--days|2,2,2,2,2,0,0|--holidays|0",
