@@ -27,6 +27,7 @@ struct DownloadOptions {
   ComponentChoice component;
   bool full = false;
   bool dial = false;
+  bool changeIntervals = false;
   std::string card;
   std::string badgeFormat;
 };
@@ -115,7 +116,7 @@ const char* textOf(Outcome outcome) {
 void tell(const CarriedOut& controller) {
   std::cout << controller.name << ": " << controller.sent << " sent";
   if (!controller.missing.empty()) {
-    std::cout << ", " << controller.missing.size()
+    std::cout << ", " << missingOf(controller.missing)
               << " missing: " << (controller.reason.empty() ? textOf(controller.outcome) : controller.reason);
   }
   std::cout << '\n';
@@ -134,6 +135,7 @@ void downloadPlan(Session& session, const DownloadOptions& options) {
   if (!options.card.empty())
     how.scope.card = numberWithin("the card number", options.card, 1, greatestCardNumber);
   how.dial = options.dial;
+  how.changeIntervals = options.changeIntervals;
   CarriedOutPlan carried;
   {
     Progress progress;
@@ -170,6 +172,10 @@ void addPlanDownload(Command& command, Session& session, const std::function<boo
   command.add_flag("--full", options->full, "Everything, also what the controllers hold");
   command.add_flag("--dial", options->dial,
                    "Call the stations with a telephone number that miss something, and hang up behind it");
+  command.add_flag(
+      "--change-intervals", options->changeIntervals,
+      "Tell the controllers daily programs of as many intervals as this call has, with --four-zones or "
+      "without");
   command.footer(
       "Sends each controller what it misses ('voxa plan'), and tells what is still missing. One that does "
       "not "

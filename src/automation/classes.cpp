@@ -30,6 +30,7 @@ const CreatableClass classes[] = {
     {&__uuidof(::Holidays), L"Holidays", make<holidaysObject>},
     {&__uuidof(::Journal), L"Journal", make<journalObject>},
     {&__uuidof(::Alarm), L"Alarm", make<alarmObject>},
+    {&__uuidof(::Controllers), L"Controllers", makeControllers},
 };
 
 }  // namespace

@@ -23,5 +23,6 @@ namespace voxa::automation {
 [[nodiscard]] IUnknown* makeSeqFile();
 [[nodiscard]] IUnknown* makeUFile();
 [[nodiscard]] IUnknown* makeInter();
+[[nodiscard]] IUnknown* makeControllers();
 
 }  // namespace voxa::automation

@@ -30,7 +30,8 @@ class Comparison {
       : at_(at), card_(card), granted_(granted), held_(held), image_(Image::on(card, granted)) {
     for (std::size_t i = 0; i < cardFieldCount; ++i) {
       const auto field = static_cast<CardField>(i);
-      differs_[i] = !held.part(field).is(ledgerValue(field, image_.value(field)));
+      const std::string value = ledgerValue(field, image_.value(field));
+      differs_[i] = !held.part(field).is(value) && !(isNone(field, value) && held.part(field).is(""));
     }
     for (const std::int16_t output : granted.lifts) {
       if (!held.lift(output).is("1")) missingLifts_.push_back(output);
@@ -44,7 +45,7 @@ class Comparison {
     const bool eraseFirst = !absent && hasOtherLift();
     if (differs_.none() && missingLifts_.empty() && !eraseFirst && !sendsCredit && !at_.full)
       return times(PlanReason::timesChange);
-    PlanItem item = begun(absent, eraseFirst);
+    PlanItem item = begun(absent, eraseFirst, creditSent);
     item.creditMarked = creditMarked;
     item.creditAnew = eraseFirst;
     // What a controller keeps of a card that may not be there, it may have dropped.
@@ -65,18 +66,21 @@ class Comparison {
  private:
   [[nodiscard]] const Possible& code() const { return held_.part(CardField::code); }
 
-  PlanItem begun(bool absent, bool eraseFirst) const {
+  PlanItem begun(bool absent, bool eraseFirst, bool creditSent) const {
     PlanItem item;
     item.number = card_.number;
     item.program = granted_.rights.weeklyProgram;
-    item.reason = reason(absent, eraseFirst);
+    item.reason = reason(absent, eraseFirst, creditSent);
     const bool again = item.reason == PlanReason::answerLost || item.reason == PlanReason::unknown;
     item.action = again ? PlanItem::Action::sendAgain : PlanItem::Action::send;
     return item;
   }
 
-  [[nodiscard]] PlanReason reason(bool absent, bool eraseFirst) const {
+  [[nodiscard]] PlanReason reason(bool absent, bool eraseFirst, bool creditSent) const {
     if (at_.isNew) return PlanReason::newController;
+    const bool creditAlone =
+        differs_.count() == 1 && differs_[index(CardField::credit)] && missingLifts_.empty();
+    if (creditSent && creditAlone) return PlanReason::creditMarked;
     bool doubt = false;
     bool unknown = false;
     const auto look = [&](const Possible& part) {

@@ -15,6 +15,11 @@ constexpr char behindOutput = '=';
 
 }  // namespace
 
+bool isNone(CardField field, std::string_view value) {
+  const bool zerosAreNone = field != CardField::code && field != CardField::weekly;
+  return value.empty() || (zerosAreNone && value.find_first_not_of('0') == std::string_view::npos);
+}
+
 void CardState::take(const SentLine& line, bool certain) {
   if (line.field == CardField::code) return takeCode(line.value, certain);
   Possible& thing = line.field == CardField::lift ? lifts_.try_emplace(line.output, otherLifts_).first->second

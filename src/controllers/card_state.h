@@ -11,6 +11,10 @@
 
 namespace voxa {
 
+/// Whether a value of a card's part is the same to a controller as having none: all zeros, but for the code
+/// and the weekly program.
+[[nodiscard]] bool isNone(CardField field, std::string_view value);
+
 /// What a controller may hold for one card number. A controller that takes a card's code makes a card without
 /// parts when it has none of that number; one that clears the card loses all of its parts.
 class CardState {

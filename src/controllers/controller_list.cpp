@@ -78,11 +78,13 @@ void ControllerList::align() {
     LedgerController& controller = known->second;
     const auto line = lines_.find(controller.place.station);
     const Line& before = knownLines_.at(controller.place);
-    if (line == lines_.end() || isAnother(before, line->second)) {
+    if (line == lines_.end()) {
       retire(controller);
       known = controllers_.erase(known);
       continue;
     }
+    // Another line under the number of this one, or the same one of which everything was changed.
+    if (isAnother(before, line->second)) forgetHoldings(controller);
     const auto type = types_.find(controller.place);
     const std::string now = type == types_.end() ? "" : type->second;
     const bool sameLine = before.name == line->second.name && before.port == line->second.port &&
@@ -103,6 +105,19 @@ void ControllerList::align() {
     controller.type = now;
     ++known;
   }
+  for (const auto& [place, type] : types_) {
+    if (!controllers_.contains(place) && lastRetired(place)) (void)at(place);
+  }
+}
+
+std::optional<std::int32_t> ControllerList::lastRetired(const ControllerPlace& place) const {
+  const auto row = ledger_.openRecordset(
+      "parameters pStation short, pAddress short; select max(Id) as Last from Controllers where Station = "
+      "pStation and "
+      "Address = pAddress and Retired is not null",
+      {{"pStation", place.station}, {"pAddress", place.address}});
+  const Value last = row->get("Last");
+  return last.isNull() ? std::nullopt : std::optional(last.toInt32());
 }
 
 bool ControllerList::isAnother(const Line& known, const Line& now) {
@@ -133,8 +148,7 @@ void ControllerList::forgetDigests(const LedgerController& controller) {
                   std::to_string(first + bucketsOfController - 1));
 }
 
-LedgerController& ControllerList::at(const ControllerPlace& place) {
-  if (const auto known = controllers_.find(place); known != controllers_.end()) return known->second;
+LedgerController& ControllerList::add(const ControllerPlace& place) {
   LedgerController controller;
   controller.place = place;
   controller.since = context_.clock().now();
@@ -152,6 +166,21 @@ LedgerController& ControllerList::at(const ControllerPlace& place) {
   rows->update();
   controller.id = ledger_.openRecordset("select max(Id) as Last from Controllers")->get("Last").toInt32();
   return controllers_[place] = controller;
+}
+
+LedgerController& ControllerList::at(const ControllerPlace& place) {
+  if (const auto known = controllers_.find(place); known != controllers_.end()) return known->second;
+  LedgerController& controller = add(place);
+  // It may be the one that was there when its station was deleted, and hold what that one held.
+  const std::optional<std::int32_t> before = lastRetired(place);
+  if (!before) return controller;
+  const std::int32_t from = *before * slotsOfController;
+  const std::int32_t to = controller.id * slotsOfController;
+  ledger_.execute("insert into Things (Id, State) select Id + " + std::to_string(to - from) +
+                  ", State from Things where Id between " + std::to_string(from) + " and " +
+                  std::to_string(from + slotsOfController - 1));
+  forgetHoldings(controller);
+  return controller;
 }
 
 bool ControllerList::refresh(const ControllerPlace& place) {
@@ -198,11 +227,12 @@ std::string ControllerList::nameOf(std::int16_t station) const {
   return line == lines_.end() ? "" : line->second.name;
 }
 
-void ControllerList::replace(const ControllerPlace& place) {
-  const auto known = controllers_.find(place);
-  if (known == controllers_.end()) return;
-  retire(known->second);
-  controllers_.erase(known);
+LedgerController& ControllerList::replace(const ControllerPlace& place) {
+  if (const auto known = controllers_.find(place); known != controllers_.end()) {
+    retire(known->second);
+    controllers_.erase(known);
+  }
+  return add(place);
 }
 
 }  // namespace voxa

@@ -32,17 +32,19 @@ struct LedgerController {
 
 /// The controllers in use, by place. It is read once, and holds for one piece of work.
 ///
-/// A station that is deleted retires its controllers. So does one of which name, port and telephone number
-/// have all changed: it is another station under the same number. Of a controller whose type was corrected,
-/// or which was exchanged for one of another type, nothing is known any more: lines in the other form may
-/// have been acknowledged and thrown away.
+/// A station that is deleted retires its controllers. When name, port and telephone number of one have all
+/// changed, it is another station under the same number, or the same one: of what its controllers hold
+/// nothing is known any more. Nor of a controller whose type was corrected, or which was exchanged for one of
+/// another type, nothing is known any more: lines in the other form may have been acknowledged and thrown
+/// away.
 class ControllerList {
  public:
   /// Brings the ledger's list in line with the stations and readers of the main database, as far as that can
   /// be read. Within a transaction of the ledger.
   ControllerList(Database& ledger, TableContext& context);
 
-  /// The controller at a place. One that was not known is added.
+  /// The controller at a place. One that was not known is added; where one was that is retired, of what that
+  /// one held nothing is known.
   LedgerController& at(const ControllerPlace& place);
   /// Brings the entry of a place up to date. False when another process has noted something of the
   /// controller since the list knew of it, or put another one in its place.
@@ -55,8 +57,8 @@ class ControllerList {
   [[nodiscard]] const std::map<ControllerPlace, std::string>& installed() const { return types_; }
   /// Name of a station that there is; "" of any other.
   [[nodiscard]] std::string nameOf(std::int16_t station) const;
-  /// Retires the controller at a place: the one that is there now is another one.
-  void replace(const ControllerPlace& place);
+  /// Retires the controller at a place: the one that is there now is another one, which holds nothing.
+  LedgerController& replace(const ControllerPlace& place);
 
  private:
   struct Line {
@@ -67,6 +69,8 @@ class ControllerList {
   void readLedger();
   void readInstallation(Database& main);
   void align();
+  LedgerController& add(const ControllerPlace& place);
+  [[nodiscard]] std::optional<std::int32_t> lastRetired(const ControllerPlace& place) const;
   void retire(const LedgerController& controller);
   void forgetHoldings(const LedgerController& controller);
   void forgetDigests(const LedgerController& controller);

@@ -91,11 +91,17 @@ Holdings LedgerView::holdings(const ControllerPlace& place, const SlotRange& slo
 bool LedgerView::knowsNothingOf(const ControllerPlace& place) const {
   const LedgerController* controller = controllers_.find(place);
   if (controller == nullptr) return true;
-  const std::int32_t first = controller->id * slotsOfController;
-  return file_.database()
-      .openRecordset("select top 1 Id from Things where Id between " + std::to_string(first) + " and " +
-                     std::to_string(first + slotsOfController - 1))
-      ->eof();
+  const std::int32_t base = controller->id * slotsOfController;
+  const auto any = [&](const SlotRange& slots) {
+    return !file_.database()
+                .openRecordset("select top 1 Id from Things where Id between " +
+                               std::to_string(base + slots.first) + " and " +
+                               std::to_string(base + slots.end - 1))
+                ->eof();
+  };
+  // A badge format may be there that it is to get from the controller before it.
+  const SlotRange formats = slotsOf(ThingKind::badgeFormat);
+  return !any({0, formats.first}) && !any({formats.end, slotsOfController});
 }
 
 std::map<std::int32_t, std::uint64_t> LedgerView::digests(const ControllerPlace& place) const {

@@ -1,5 +1,7 @@
 #include "controllers/plan.h"
 
+#include <algorithm>
+
 namespace voxa {
 
 const char* textOf(PlanReason reason) {
@@ -30,6 +32,12 @@ const char* textOf(PlanReason reason) {
       break;
   }
   return "asked for";
+}
+
+std::size_t missingOf(const std::vector<PlanItem>& items) {
+  return static_cast<std::size_t>(std::count_if(items.begin(), items.end(), [](const PlanItem& item) {
+    return item.action != PlanItem::Action::shutMeanwhile;
+  }));
 }
 
 const char* textOf(PlanItem::Action action) {

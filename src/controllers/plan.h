@@ -56,6 +56,8 @@ struct PlanItem {
     return lines.at(static_cast<std::size_t>(phase));
   }
 };
+/// How many things a controller misses: not the cards that are right, and are only shut meanwhile.
+[[nodiscard]] std::size_t missingOf(const std::vector<PlanItem>& items);
 /// "erase", "send", "send again", "shut meanwhile".
 [[nodiscard]] const char* textOf(PlanItem::Action action);
 /// "card", "daily program", "weekly program C", ...

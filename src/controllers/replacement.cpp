@@ -14,9 +14,8 @@ void replaceController(const LedgerFile& file, ControllerList& controllers, cons
   Holdings before;
   if (const LedgerController* known = controllers.find(place); known != nullptr) {
     readThings(file, *known, slotsOf(ThingKind::badgeFormat), before);
-    controllers.replace(place);
   }
-  const std::int32_t base = controllers.at(place).id * slotsOfController;
+  const std::int32_t base = controllers.replace(place).id * slotsOfController;
   for (const auto& [thing, format] : before.things) {
     // Not acknowledged by this one: it is to be sent again.
     Possible again;

@@ -84,6 +84,8 @@ void changeCard(Installation& installation, const std::string& card, const CardT
   values.set(*row);
   if (moves) markWhole(*row);
   row->update();
+  // Also those controllers count anew that have got the last one.
+  if (values.credit) installation.ledger().endCredits({number});
 }
 
 std::vector<CardRow> listCards(Installation& installation, const std::optional<std::string>& group,

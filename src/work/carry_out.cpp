@@ -27,12 +27,12 @@ void requireLedger(bool there) {
     throw Refusal("there is no ledger of what the controllers hold: the folder takes no file Ledger.MDB");
 }
 
-void requireIntervals(const LedgerView& ledger, bool four, bool full) {
+void requireIntervals(const LedgerView& ledger, bool four) {
   const std::optional<bool> known = ledger.fourIntervals();
-  if (full || !known || *known == four) return;
+  if (!known || *known == four) return;
   throw Refusal(std::string("the controllers were told daily programs of ") + (*known ? "four" : "two") +
                 " intervals a day, and this call has " + (four ? "four" : "two") +
-                ": call it as before, or send everything in the new form with a full download");
+                ": call it as before, or have them all changed by 'voxa download --change-intervals'");
 }
 
 /// The lines as the rows of the stations have them.
@@ -59,7 +59,7 @@ class Work {
     hangUpAbandoned(installation_);
     lines_ = stationLines(installation_.database());
     requireLedger(installation_.ledger().look([&](LedgerView& ledger) {
-      requireIntervals(ledger, planner_.image().fourIntervals(), how_.scope.full);
+      if (!how_.changeIntervals) requireIntervals(ledger, planner_.image().fourIntervals());
       places_ = planner_.places(ledger);
     }));
     if (!installation_.Com().inhibitCom) {
@@ -175,8 +175,8 @@ class Work {
     installation_.ledger().beginCredits(credits);
   }
 
-  /// By a test of its station that is made once; for a card alone not where this process has found before that
-  /// it answers.
+  /// By a test of its station that is made once; for a card alone not where this process has found before
+  /// that it answers.
   bool answers(const ControllerPlace& place) {
     Com& com = installation_.Com();
     if (how_.scope.card && com.hasAnswered(place) && com.TestSend(place.station, place.address)) return true;
@@ -266,13 +266,19 @@ CarriedOutPlan carryOut(Installation& installation, const CarryOut& how, Observe
   return Work(installation, how, observer).run();
 }
 
+void requireIntervals(Installation& installation) {
+  (void)installation.ledger().look([&](const LedgerView& ledger) {
+    requireIntervals(ledger, installation.Com().pDailyPrograms4Zones == 1);
+  });
+}
+
 WholePlan planAll(Installation& installation, const PlanScope& scope) {
   WholePlan whole;
   const Planner planner(installation, scope);
   whole.leftOut = planner.leftOut();
   auto lines = stationLines(installation.database());
   requireLedger(installation.ledger().look([&](LedgerView& ledger) {
-    requireIntervals(ledger, planner.image().fourIntervals(), scope.full);
+    requireIntervals(ledger, planner.image().fourIntervals());
     for (const ControllerPlace& place : planner.places(ledger)) {
       const StationLine line = lines[place.station];
       whole.controllers.push_back({planner.plan(ledger, place), {}, line.inUse, line.dialUp});

@@ -21,6 +21,9 @@ class Installation;
 struct CarryOut {
   PlanScope scope = {};
   bool dial = false;  ///< stations with a telephone number that have something to get are called, and hung up
+  /// The controllers are told daily programs in the form of this call, with two intervals a day or four, also
+  /// when they were told the other one before.
+  bool changeIntervals = false;
 };
 
 /// What became of a controller.
@@ -52,8 +55,8 @@ struct CarriedOutPlan {
 /// Marks of rows are cleared where every controller holds the row. While communications are inhibited
 /// nothing is sent, and the plan stays. Killed at any instant and called again it goes on.
 ///
-/// A Refusal when there is no ledger, or when the controllers work with another number of intervals a day
-/// than they were told programs of; a full one takes the new number.
+/// A Refusal when there is no ledger, or when the controllers were told daily programs of another number of
+/// intervals a day.
 [[nodiscard]] CarriedOutPlan carryOut(Installation& installation, const CarryOut& how,
                                       Observer* observer = nullptr);
 
@@ -68,6 +71,8 @@ struct WholePlan {
   std::vector<PlannedController> controllers;  ///< by place
   std::vector<LeftOut> leftOut;                ///< cards that cannot be right
 };
+/// Refuses as carryOut does when the controllers were told daily programs of another number of intervals.
+void requireIntervals(Installation& installation);
 [[nodiscard]] WholePlan planAll(Installation& installation, const PlanScope& scope);
 
 }  // namespace voxa

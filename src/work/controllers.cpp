@@ -107,8 +107,12 @@ ControllerOverviews overviewControllers(Installation& installation) {
             static_cast<std::int32_t>((overview.clock.toDateTime().days - now.days) * minutesOfDay);
       }
       addHoldings(overview, ledger.holdings(place));
-      for (const PlanItem& item : planned.plan.items)
-        ++(item.action == PlanItem::Action::sendAgain ? overview.doubt : overview.missing);
+      const auto& items = planned.plan.items;
+      overview.doubt =
+          static_cast<std::size_t>(std::count_if(items.begin(), items.end(), [](const PlanItem& item) {
+            return item.action == PlanItem::Action::sendAgain;
+          }));
+      overview.missing = missingOf(items) - overview.doubt;
       overview.since = known == nullptr ? now : known->since;
       if (known != nullptr && known->lastContact) overview.lastContact = *known->lastContact;
       overview.station = ledger.controllers().nameOf(place.station);

@@ -38,11 +38,6 @@ std::optional<DateTime> dateOf(std::string_view value, DateTime today) {
   return toDateTime(date);
 }
 
-bool isNone(CardField field, std::string_view value) {
-  const bool zerosAreNone = field != CardField::code && field != CardField::weekly;
-  return value.empty() || (zerosAreNone && value.find_first_not_of('0') == std::string_view::npos);
-}
-
 }  // namespace
 
 Hours hoursOf(std::string_view dailyProgram) {

@@ -11,6 +11,7 @@
 #include "programs/daily_program.h"
 #include "programs/holidays.h"
 #include "programs/weekly_program.h"
+#include "work/carry_out.h"
 #include "work/download_steps.h"
 #include "work/installation.h"
 #include "work/line_test.h"
@@ -133,6 +134,7 @@ Report downloadKind(Installation& installation, DownloadKind kind, const Downloa
 
 Report download(Installation& installation, DownloadKind kind, const DownloadTarget& target,
                 Observer* observer) {
+  if (kind == DownloadKind::dailyPrograms) requireIntervals(installation);
   passOver(installation, target.silent);
   Report report = downloadKind(installation, kind, target, observer);
   report.controllers = target.silent;

@@ -81,7 +81,8 @@ StationRow stationOf(const Recordset& row) {
 }  // namespace
 
 AddedStation addStation(Installation& installation, const StationTexts& texts) {
-  const bool active = texts.active.value_or(true);
+  const bool dialUp = texts.phone && !texts.phone->empty();  // it is in use while a call stands
+  const bool active = texts.active.value_or(!dialUp);
   const std::int16_t port = texts.port ? portFrom0(*texts.port) : freePort(installation);
   if (active) requireFreePort(installation, port, 0);
   const std::int16_t id = installation.Stations().getFreeId();

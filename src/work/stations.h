@@ -41,8 +41,8 @@ struct AddedStation {
 // changed then. Both write the file from which the driver knows the line: its failure is raised, and undoes
 // the row.
 
-/// Adds a station: in use unless told otherwise, and on the first port without a line in use unless one is
-/// given.
+/// Adds a station: in use unless told otherwise or it has a telephone number, and on the first port without a
+/// line in use unless one is given.
 AddedStation addStation(Installation& installation, const StationTexts& texts);
 /// Changes a station. One that comes into use has all programs and holidays marked to be sent: they count as
 /// sent once the lines in use have them.

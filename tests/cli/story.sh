@@ -166,9 +166,11 @@ voxa nonsense >out 2>err && fail "accepted a command that there is not"
 
 # Four intervals a day.
 succeeds --four-zones daily set Office --third 19:00-20:00
-succeeds --four-zones download daily
+refuses "two intervals a day" --four-zones download daily
+succeeds --four-zones download --change-intervals
 succeeds sim controller show --station Local --address 1
 shows "08:00-12:00 13:00-18:00 19:00-20:00"
+succeeds download --change-intervals
 
 # Copies of the database; the copy is not overwritten by the restore.
 succeeds db save copy.mdb

@@ -167,13 +167,20 @@ TEST_F(LedgerTest, AnotherStationOfTheSameNumberHasOtherControllers) {
   db().execute("update Stations set Name = 'Renamed'");
   EXPECT_EQ(card(1), "00000001,~,~");
   db().execute("update Stations set Name = 'Other', ComPort = 3");
-  EXPECT_EQ(card(1), "none");
+  EXPECT_EQ(card(1), "^,^,^");  // it may be the same one, and have to erase the card
   send(41, 100, {"090007       2"});
-  EXPECT_EQ(card(1), "00000002,~,~");
+  EXPECT_EQ(card(1), "00000002,^,^");
   db().execute("update Readers set ControllerType = 'VRMD1' where Id = 1");
   EXPECT_EQ(card(1), "^,^,^");  // what was sent to it was in the other form
   library->ledger().replace({1, 1}, false);
   EXPECT_EQ(card(1), "none");
+  send(41, 100, {"09;01;0007;       2"});
+  db().execute("delete from Readers");
+  db().execute("delete from Stations where Id = 1");
+  EXPECT_EQ(card(1), "none");
+  addStation(1, "Local");
+  addReader(1, "Front", 1, 1, 1);
+  EXPECT_EQ(card(1), "^,^,^");  // the station of the same number, with what was there
 }
 
 TEST_F(LedgerTest, ANewLedgerBeginsWithTheRows) {

@@ -45,7 +45,7 @@ class CarryOutTest : public InstallationTest {
   }
   CarriedOutPlan carry(bool dial = true, const PlanScope& scope = {}) {
     driver.calls.clear();
-    return carryOut(*library, {scope, dial});
+    return carryOut(*library, {scope, dial, false});
   }
   /// The command files that a controller was sent, with "|" for each line end.
   std::string sentTo(std::int16_t station, std::int16_t address) {
@@ -161,9 +161,7 @@ TEST_F(CarryOutTest, NothingIsLearntWithoutALineAndNothingIsToldInAnotherForm) {
   library->Com().inhibitCom = false;
   library->Com().pDailyPrograms4Zones = 1;
   EXPECT_THROW(carry(), Refusal);
-  PlanScope full;
-  full.full = true;
-  EXPECT_TRUE(carry(true, full).isComplete());
+  EXPECT_TRUE(carryOut(*library, {{}, true, true}).isComplete());
   EXPECT_NE(sentTo(1, 1).find("3101000024002400240024002400"), std::string::npos);
   // What stays up when a process is killed is hung up by whoever sends next.
   library->ledger().noteCall(2);
