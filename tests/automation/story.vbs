@@ -56,10 +56,33 @@ Equal "rows touched", db.RecordsAffected, 1
 Equal "free number", qdb.Cardholders.getFreeCardNum, 4
 Equal "number of the deleted card", qdb.Cardholders.getCardNumInUse(2), False
 
+' What the controllers miss, and who may open what. A move to another group by its mark alone ends right.
+Dim controllers: Set controllers = CreateObject("KORVA.Controllers")
+Equal "everything is held", controllers.download, 0
+Equal "nothing is planned", controllers.plan, 0
+IsTrue "card 1 opens", controllers.mayOpen("1", "Front door")
+IsTrue "card 1 opens, with a reason", InStr(controllers.whyOpen("1", "Front door"), "opens: ") = 1
+IsTrue "card 1 is among those who open", InStr(controllers.whoOpens("Front door"), "1 ") = 1
+db.Execute "update Cardholders set AccessGroupId = 0, AccessGroupIdFlagD = true where CardNum = 1"
+Equal "one thing is planned", controllers.plan(station), 1
+Equal "the plan", controllers.itemThing(0) & " " & controllers.itemAction(0) & " " & controllers.itemReason(0), _
+  "card 1 erase left the group"
+Equal "behind the plan", controllers.itemThing(1) & controllers.itemThing(-1), ""
+Equal "the card leaves", controllers.downloadCard(1), 0
+Equal "flag of the group", db.OpenRecordset("select * from Cardholders where CardNum = 1")("AccessGroupIdFlagD"), False
+IsTrue "card 1 is shut out", Not controllers.mayOpen("1", "Front door", Now)
+Equal "no such station", controllers.download("Nowhere"), 5
+Equal "another controller", controllers.replaced(station, 1), 0
+IsTrue "everything is planned for it", controllers.plan > 2
+Equal "and sent", controllers.download("", "Front door"), 0
+
 ' A line that fails is told, and what was not sent stays marked.
 Voxa "sim controller fault --station """ & station & """ --address 1 --silent"
 db.Execute "update DailyPrograms set DailyProgramFlagD = true where Id = 2"
 Dim alreadyTested: alreadyTested = True
 IsTrue "a silent controller", qdb.DailyPrograms.download(2, 0, "", 2, alreadyTested) <> 0
 Equal "stays marked", db.OpenRecordset("select * from DailyPrograms where Id = 2")("DailyProgramFlagD"), True
+db.Execute "update Cardholders set CardCode = '00000999' where CardNum = 3"
+Equal "something is missing", controllers.download, 3
+Equal "which is told", controllers.itemThing(0), "card 3"
 Finish
