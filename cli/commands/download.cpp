@@ -120,7 +120,7 @@ void tell(const CarriedOut& controller) {
               << " missing: " << (controller.reason.empty() ? textOf(controller.outcome) : controller.reason);
   }
   std::cout << '\n';
-  for (const std::string& refused : controller.refused) std::cout << "  refused: " << refused << '\n';
+  for (const std::string& refused : controller.refused) std::cout << "  not taken: " << refused << '\n';
   for (const PlanRow& row : rowsOf(controller.missing))
     std::cout << "  missing: " << row.action << ' ' << row.what << " (" << row.reason << ")\n";
   for (const LeftOut& row : controller.leftOut) std::cout << "  left out: " << voxa::cli::textOf(row) << '\n';

@@ -369,8 +369,8 @@ void Ledger::beginCredits(const std::map<std::int32_t, std::vector<ControllerPla
 }
 
 void Ledger::endCredits(const std::vector<std::int32_t>& numbers) {
-  if (numbers.empty() || !open()) return;
-  write([&] {
+  if (numbers.empty()) return;
+  attempt([&] {
     for (const std::int32_t number : numbers)
       file_.database().execute("delete from CreditsSent where Id = " + std::to_string(number));
   });

@@ -83,7 +83,7 @@ class Ledger : public SendLedger {
   /// The marked credits of these cards are going to be sent: until they have been acknowledged, each of their
   /// controllers has any. A card of which that was said before is on its way.
   void beginCredits(const std::map<std::int32_t, std::vector<ControllerPlace>>& controllers);
-  /// They are no longer marked.
+  /// They are no longer marked, or given once more. A failure is told.
   void endCredits(const std::vector<std::int32_t>& numbers);
 
  private:

@@ -48,7 +48,7 @@ Holdings LedgerView::holdings(const ControllerPlace& place) const {
 }
 
 void LedgerView::narrowTo(std::int32_t number) {
-  narrow_.emplace().number = number;
+  narrow_ = Narrow{number, {}, {}};
   std::string things;
   std::string digests;
   const auto add = [](std::string& ids, std::int32_t id) {

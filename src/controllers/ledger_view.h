@@ -50,7 +50,7 @@ class LedgerView {
   bool keeps_;
   std::set<std::int32_t> creditsSent_;
   struct Narrow {
-    std::int32_t number = 0;
+    std::int32_t number;
     std::map<std::int32_t, Holdings> cards;         // by id of the controller
     std::map<std::int32_t, std::uint64_t> digests;  // of what is no card
   };

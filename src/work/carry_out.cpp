@@ -58,12 +58,15 @@ class Work {
   CarriedOutPlan run() {
     hangUpAbandoned(installation_);
     lines_ = stationLines(installation_.database());
+    const bool four = planner_.image().fourIntervals();
+    bool noted = false;
     requireLedger(installation_.ledger().look([&](LedgerView& ledger) {
-      if (!how_.changeIntervals) requireIntervals(ledger, planner_.image().fourIntervals());
+      if (!how_.changeIntervals) requireIntervals(ledger, four);
+      noted = ledger.fourIntervals() == four;
       places_ = planner_.places(ledger);
     }));
     if (!installation_.Com().inhibitCom) {
-      if (!places_.empty()) installation_.ledger().noteFourIntervals(planner_.image().fourIntervals());
+      if (!places_.empty() && !noted) installation_.ledger().noteFourIntervals(four);
       sendAll();
     }
     conclude();
@@ -214,7 +217,8 @@ class Work {
         told.reason = "communications are inhibited";
       } else if (!controller.inUse && told.reason.empty()) {
         told.outcome = Outcome::waiting;
-        told.reason = controller.dialUp ? "its line is hung up" : "its line is not in use";
+        told.reason =
+            controller.dialUp ? "its line is hung up, and was not to be called" : "its line is not in use";
       } else {
         told.outcome = why != why_.end() ? Outcome::silent : Outcome::failed;
       }

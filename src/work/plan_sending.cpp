@@ -143,8 +143,8 @@ void PlanSending::sendOneByOne(const PlanFile& file) {
         continue;
       }
       stop();
-      refuse(item, reason_);
       if (stopped_) return;
+      refuse(item, reason_);
       break;
     }
   }

@@ -84,7 +84,7 @@ TEST_F(CarryOutTest, EachControllerGetsWhatItMissesAndTheMarksGoWhenAllHaveIt) {
             "090007     107|33000701|1700070|1900070000|4900070|350007000000|36000705|| 1600071|| ");
   EXPECT_EQ(sentTo(1, 2) + sentTo(2, 4), "");
   EXPECT_EQ(first.controllers[1].outcome, Outcome::silent);
-  EXPECT_EQ(first.controllers[2].reason, "its line is hung up");
+  EXPECT_EQ(first.controllers[2].reason, "its line is hung up, and was not to be called");
   EXPECT_EQ(marks(), "1") << "not everybody has it";
 
   driver.resultFiles[1] = "11";
