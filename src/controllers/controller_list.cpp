@@ -12,8 +12,7 @@ namespace voxa {
 
 namespace {
 
-std::string textOf(const Recordset& row, const char* field) {
-  const Value value = row.get(field);
+std::string textOf(const Value& value) {
   return value.isNull() ? "" : value.toText();
 }
 
@@ -23,10 +22,10 @@ LedgerController ledgerController(const Recordset& row) {
   LedgerController controller;
   controller.id = row.get("Id").toInt32();
   controller.place = {row.get("Station").toInt16(), row.get("Address").toInt16()};
-  controller.type = textOf(row, "Type");
+  controller.type = textOf(row.get("Type"));
   controller.changes = row.get("Changes").toInt32();
   controller.since = row.get("Since").toDateTime();
-  controller.stationName = textOf(row, "StationName");
+  controller.stationName = textOf(row.get("StationName"));
   const Value retired = row.get("Retired");
   if (!retired.isNull()) controller.retired = retired.toDateTime();
   const Value contact = row.get("LastContact");
@@ -50,8 +49,8 @@ void ControllerList::readLedger() {
   const auto rows = ledger_.openRecordset("select * from Controllers where Retired is null");
   for (; !rows->eof(); rows->moveNext()) {
     const LedgerController controller = ledgerController(*rows);
-    knownLines_[controller.place] = {textOf(*rows, "StationName"), rows->get("ComPort"),
-                                     textOf(*rows, "Phone")};
+    knownLines_[controller.place] = {controller.stationName, rows->get("ComPort"),
+                                     textOf(rows->get("Phone"))};
     controllers_[controller.place] = controller;
   }
 }
@@ -59,15 +58,14 @@ void ControllerList::readLedger() {
 void ControllerList::readInstallation(Database& main) {
   const auto stations = main.openRecordset("select Id, Name, ComPort, Phone from Stations");
   for (; !stations->eof(); stations->moveNext()) {
-    lines_[stations->get("Id").toInt16()] = {textOf(*stations, "Name"), stations->get("ComPort"),
-                                             textOf(*stations, "Phone")};
+    lines_[stations->get(0U).toInt16()] = {textOf(stations->get(1U)), stations->get(2U),
+                                           textOf(stations->get(3U))};
   }
   const auto readers = main.openRecordset("select StationId, ControllerAddress, ControllerType from Readers");
   for (; !readers->eof(); readers->moveNext()) {
-    const ControllerPlace place{nullToInt(readers->get("StationId")),
-                                nullToInt(readers->get("ControllerAddress"))};
+    const ControllerPlace place{nullToInt(readers->get(0U)), nullToInt(readers->get(1U))};
     // Whatever a row calls it: lines have two forms.
-    const std::string type = textOf(*readers, "ControllerType") == "VRMD1" ? "VRMD1" : "QSX3";
+    const std::string type = textOf(readers->get(2U)) == "VRMD1" ? "VRMD1" : "QSX3";
     const auto [known, added] = types_.emplace(place, type);
     if (!added && known->second != type) known->second.clear();
   }
@@ -183,27 +181,32 @@ LedgerController& ControllerList::at(const ControllerPlace& place) {
   return controller;
 }
 
-bool ControllerList::refresh(const ControllerPlace& place) {
-  const auto row = ledger_.openRecordset(
-      "parameters pStation short, pAddress short; select Id, Changes from Controllers where Station = "
-      "pStation "
-      "and Address = pAddress and Retired is null",
-      {{"pStation", place.station}, {"pAddress", place.address}});
-  const auto known = controllers_.find(place);
-  if (row->eof()) {
-    if (known == controllers_.end()) return true;
-    controllers_.erase(known);
-    return false;
+std::set<ControllerPlace> ControllerList::refresh(const std::set<ControllerPlace>& places) {
+  std::set<ControllerPlace> changed;
+  if (places.empty()) return changed;
+  std::set<ControllerPlace> gone = places;
+  const auto rows = ledger_.openRecordset(
+      "parameters pFirst short, pLast short; select Station, Address, Id, Changes from Controllers where "
+      "Station between pFirst and pLast and Retired is null",
+      {{"pFirst", places.begin()->station}, {"pLast", places.rbegin()->station}});
+  for (; !rows->eof(); rows->moveNext()) {
+    const ControllerPlace place{rows->get(0U).toInt16(), rows->get(1U).toInt16()};
+    if (gone.erase(place) == 0) continue;
+    const std::int32_t id = rows->get(2U).toInt32();
+    const std::int32_t changes = rows->get(3U).toInt32();
+    const auto known = controllers_.find(place);
+    if (known != controllers_.end() && known->second.id == id && known->second.changes == changes) continue;
+    changed.insert(place);
+    LedgerController& controller = controllers_[place];
+    controller.id = id;
+    controller.place = place;
+    controller.changes = changes;
+    if (const auto type = types_.find(place); type != types_.end()) controller.type = type->second;
   }
-  const std::int32_t id = row->get("Id").toInt32();
-  const std::int32_t changes = row->get("Changes").toInt32();
-  if (known != controllers_.end() && known->second.id == id && known->second.changes == changes) return true;
-  LedgerController& controller = controllers_[place];
-  controller.id = id;
-  controller.place = place;
-  controller.changes = changes;
-  if (const auto type = types_.find(place); type != types_.end()) controller.type = type->second;
-  return false;
+  for (const ControllerPlace& place : gone) {
+    if (controllers_.erase(place) != 0) changed.insert(place);
+  }
+  return changed;
 }
 
 const LedgerController* ControllerList::find(const ControllerPlace& place) const {

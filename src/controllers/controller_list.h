@@ -46,9 +46,9 @@ class ControllerList {
   /// The controller at a place. One that was not known is added; where one was that is retired, of what that
   /// one held nothing is known.
   LedgerController& at(const ControllerPlace& place);
-  /// Brings the entry of a place up to date. False when another process has noted something of the
+  /// Brings the entries of places up to date. Those of them where another process has noted something of the
   /// controller since the list knew of it, or put another one in its place.
-  [[nodiscard]] bool refresh(const ControllerPlace& place);
+  [[nodiscard]] std::set<ControllerPlace> refresh(const std::set<ControllerPlace>& places);
   [[nodiscard]] const LedgerController* find(const ControllerPlace& place) const;
   /// The known controllers of a line.
   [[nodiscard]] std::vector<ControllerPlace> ofStation(std::int16_t station) const;

@@ -13,22 +13,27 @@ namespace {
 // The things of a controller that some lines touch: read together, changed, written where they differ.
 class TouchedThings {
  public:
-  TouchedThings(const LedgerFile& file, std::int32_t controller)
+  TouchedThings(const LedgerFile& file, std::int32_t controller, const std::set<std::int32_t>& slots)
       : file_(file), controller_(controller), base_(controller * slotsOfController) {
-    read(slotOfOthers(ThingKind::card), slotOfOthers(ThingKind::badgeFormat));
+    const std::int32_t first = slots.empty() ? slotsOfOthers.first : *slots.begin();
+    const std::int32_t last = slots.empty() ? slotsOfOthers.first : *slots.rbegin();
+    // One query for things that lie together, as the cards of a block do.
+    const bool together = static_cast<std::size_t>(last - first) <= 4 * slots.size() + 16;
+    if (together) read(first, last);
+    for (const std::int32_t slot : slots) {
+      if (!together) read(slot, slot);
+    }
   }
 
-  void read(const std::set<std::int32_t>& slots) {
-    if (slots.empty()) return;
-    // One query for things that lie together, as the cards of a block do.
-    const std::int32_t span = *slots.rbegin() - *slots.begin();
-    if (static_cast<std::size_t>(span) <= 4 * slots.size() + 16) return read(*slots.begin(), *slots.rbegin());
-    for (const std::int32_t slot : slots) read(slot, slot);
-  }
+  /// And what is known of all others of a kind.
   void read(std::int32_t first, std::int32_t last) {
     const auto rows = file_.database().openRecordset(
-        "parameters pFirst long, pLast long; select Id, State from Things where Id between pFirst and pLast",
-        {{"pFirst", base_ + first}, {"pLast", base_ + last}});
+        "parameters pFirst long, pLast long, pOthers long, pLastOthers long; select Id, State from Things "
+        "where Id between pFirst and pLast or Id between pOthers and pLastOthers",
+        {{"pFirst", base_ + first},
+         {"pLast", base_ + last},
+         {"pOthers", base_ + slotsOfOthers.first},
+         {"pLastOthers", base_ + slotsOfOthers.end - 1}});
     for (; !rows->eof(); rows->moveNext()) {
       stored_[rows->get(std::size_t{0}).toInt32() - base_] = rows->get(std::size_t{1}).toText();
     }
@@ -152,8 +157,7 @@ void takeLines(const LedgerFile& file, const LedgerController& controller, const
       lines.emplace_back(std::move(line), each.certain);
     }
   }
-  TouchedThings things(file, controller.id);
-  things.read(slots);
+  TouchedThings things(file, controller.id, slots);
   for (const auto& [line, certain] : lines) {
     switch (line.fit) {
       case SentLine::Fit::certain:

@@ -5,6 +5,7 @@
 #include "access/access_context.h"
 #include "access/card_record.h"
 #include "comm/com.h"
+#include "controllers/digest.h"
 #include "files/conversions.h"
 #include "platform/clock.h"
 #include "platform/database/database.h"
@@ -185,8 +186,14 @@ CardImage Image::on(const ImageCard& card, const ImageRights& granted) {
 
 const ThingImages& Image::things(const std::string& controllerType) const {
   const auto [known, added] = things_.try_emplace(controllerType);
-  if (added) known->second = thingsFor(controllerType);
-  return known->second;
+  ThingImages& images = known->second;
+  if (!added) return images;
+  images = thingsFor(controllerType);
+  Digest digest;
+  digest.add(controllerType);
+  for (const ThingImage& image : images.things) digest.add(image.text);
+  images.digest = digest.value();
+  return images;
 }
 
 ThingImages Image::thingsFor(const std::string& controllerType) const {

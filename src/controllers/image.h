@@ -34,6 +34,7 @@ struct ThingImage {
 };
 struct ThingImages {
   std::vector<ThingImage> things;
+  std::uint64_t digest = 0;  ///< of the type and the lines
   std::vector<LeftOut> leftOut;
 };
 

@@ -172,9 +172,12 @@ void Ledger::apply(ControllerList& controllers, const std::vector<Result>& resul
     sent.lines.assign(result.lines.begin(), result.lines.end());
     sent.certain = result.certain;
   }
+  std::set<ControllerPlace> places;
+  for (const auto& [place, sent] : byPlace) places.insert(place);
+  const std::set<ControllerPlace> changed = controllers.refresh(places);
   for (auto& [place, sent] : byPlace) {
     // Another process sent to it meanwhile: which of the two came last, nobody knows.
-    if (!controllers.refresh(place)) {
+    if (changed.contains(place)) {
       for (SentLines& each : sent) each.certain = false;
     }
     LedgerController& controller = controllers.at(place);
@@ -184,11 +187,9 @@ void Ledger::apply(ControllerList& controllers, const std::vector<Result>& resul
 }
 
 void Ledger::noteSends(LedgerController& controller, const std::vector<SentLines>& sent) {
-  std::string contact;
+  file_.noteChanges().execute({++controller.changes, controller.id});
   if (std::any_of(sent.begin(), sent.end(), [](const SentLines& each) { return each.certain; }))
-    contact = ", LastContact = Now()";
-  file_.database().execute("update Controllers set Changes = " + std::to_string(++controller.changes) +
-                           contact + " where Id = " + std::to_string(controller.id));
+    file_.noteContact().execute({context_.clock().now(), controller.id});
 }
 
 Ledger::Addressed Ledger::addressed(const ControllerList& controllers, const ControllerPlace& place) const {

@@ -71,7 +71,8 @@ LedgerFile::Opened LedgerFile::open(const std::string& folder, const std::functi
       if (error.number() != err::dbFileExists) throw;  // else another process was first
     }
   }
-  identity_ = files::identity(path());
+  native_ = files::native(path());
+  identity_ = files::identity(native_);
   if (!database_) database_ = engine_.open(path());
   try {
     if (database_->tableNames().empty()) createTables(begin);
@@ -85,7 +86,7 @@ LedgerFile::Opened LedgerFile::open(const std::string& folder, const std::functi
 }
 
 bool LedgerFile::isCurrent(const std::string& folder) const {
-  return isOpen() && folder == folder_ && files::identity(path()) == identity_;
+  return isOpen() && folder == folder_ && files::identity(native_) == identity_;
 }
 
 void LedgerFile::prepare() {
@@ -93,6 +94,10 @@ void LedgerFile::prepare() {
       "parameters pId long, pState memo; insert into Things (Id, State) values (pId, pState)");
   updateThing_ =
       database_->prepare("parameters pState memo, pId long; update Things set State = pState where Id = pId");
+  noteChanges_ = database_->prepare(
+      "parameters pChanges long, pId long; update Controllers set Changes = pChanges where Id = pId");
+  noteContact_ = database_->prepare(
+      "parameters pNow datetime, pId long; update Controllers set LastContact = pNow where Id = pId");
   insertDigest_ = database_->prepare(
       "parameters pId long, pDigest text; insert into Digests (Id, Digest) values (pId, pDigest)");
   deleteDigests_ = database_->prepare(
@@ -102,6 +107,8 @@ void LedgerFile::prepare() {
 void LedgerFile::close() {
   insertThing_.reset();
   updateThing_.reset();
+  noteChanges_.reset();
+  noteContact_.reset();
   insertDigest_.reset();
   deleteDigests_.reset();
   if (database_) database_->close();

@@ -49,6 +49,8 @@ class LedgerFile {
   [[nodiscard]] Database& database() const { return *database_; }
   [[nodiscard]] Command& insertThing() const { return *insertThing_; }      ///< (Id, State)
   [[nodiscard]] Command& updateThing() const { return *updateThing_; }      ///< (State, Id)
+  [[nodiscard]] Command& noteChanges() const { return *noteChanges_; }      ///< (Changes, Id)
+  [[nodiscard]] Command& noteContact() const { return *noteContact_; }      ///< (LastContact, Id)
   [[nodiscard]] Command& insertDigest() const { return *insertDigest_; }    ///< (Id, Digest)
   [[nodiscard]] Command& deleteDigests() const { return *deleteDigests_; }  ///< (first Id, last Id)
 
@@ -59,11 +61,14 @@ class LedgerFile {
 
   DatabaseEngine& engine_;
   std::string folder_;
+  std::string native_;  ///< the path of the file that is open, as the system has it
   std::uint64_t identity_ = 0;
   std::string impossible_;  ///< the folder in which none could be made
   std::shared_ptr<Database> database_;
   std::unique_ptr<Command> insertThing_;
   std::unique_ptr<Command> updateThing_;
+  std::unique_ptr<Command> noteChanges_;
+  std::unique_ptr<Command> noteContact_;
   std::unique_ptr<Command> insertDigest_;
   std::unique_ptr<Command> deleteDigests_;
 };

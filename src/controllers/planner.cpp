@@ -88,18 +88,10 @@ ControllerPlan Planner::plan(const LedgerView& ledger, const ControllerPlace& pl
   return std::move(at.plan);
 }
 
-std::uint64_t Planner::thingsDigest(const At& at) const {
-  Digest digest;
-  digest.add(at.plan.type);
-  if (!at.installed) return digest.value();
-  for (const ThingImage& image : image_.things(at.plan.type).things) digest.add(image.text);
-  return digest.value();
-}
-
 void Planner::planThings(At& at) const {
   static const ThingImages nothing;
   const ThingImages& wanted = at.installed ? image_.things(at.plan.type) : nothing;
-  const std::uint64_t digest = thingsDigest(at);
+  const std::uint64_t digest = wanted.digest;
   const auto known = at.digests.find(bucketOfThings);
   if (!scope_.full && wanted.leftOut.empty() && known != at.digests.end() && known->second == digest) return;
   at.times.emplace(wanted, at.ledger.holdings(at.plan.place, slotsBehindCards), at.plan.type, at.isNew,

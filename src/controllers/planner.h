@@ -50,7 +50,6 @@ class Planner {
   [[nodiscard]] std::vector<std::int32_t> bucketsToWalk(At& at) const;
   void planBucket(At& at, const Holdings& held, std::int32_t bucket) const;
   void planNumber(At& at, const CardsAt& cards, const Holdings& held, std::int32_t number) const;
-  [[nodiscard]] std::uint64_t thingsDigest(const At& at) const;
   [[nodiscard]] Buckets cardDigests(const ControllerPlace& place) const;
 
   PlanScope scope_;

@@ -283,6 +283,7 @@ WholePlan planAll(Installation& installation, const PlanScope& scope) {
   auto lines = stationLines(installation.database());
   requireLedger(installation.ledger().look([&](LedgerView& ledger) {
     requireIntervals(ledger, planner.image().fourIntervals());
+    whole.creditsOnTheirWay = ledger.creditsSent();
     for (const ControllerPlace& place : planner.places(ledger)) {
       const StationLine line = lines[place.station];
       whole.controllers.push_back({planner.plan(ledger, place), {}, line.inUse, line.dialUp});

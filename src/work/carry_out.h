@@ -70,6 +70,7 @@ struct PlannedController {
 struct WholePlan {
   std::vector<PlannedController> controllers;  ///< by place
   std::vector<LeftOut> leftOut;                ///< cards that cannot be right
+  std::set<std::int32_t> creditsOnTheirWay;    ///< cards whose marked credit is being given
 };
 /// Refuses as carryOut does when the controllers were told daily programs of another number of intervals.
 void requireIntervals(Installation& installation);

@@ -5,7 +5,6 @@
 
 #include "access/card_record.h"
 #include "comm/com.h"
-#include "controllers/ledger_view.h"
 #include "files/conversions.h"
 #include "platform/database/database.h"
 #include "work/installation.h"
@@ -109,7 +108,6 @@ WholePlan clearMarks(Installation& installation, const PlanScope& scope) {
   PlanScope everywhere = scope;
   everywhere.full = false;
   everywhere.places.reset();
-  std::vector<std::int32_t> ended;
   Transaction transaction(installation.engine(), database);
   WholePlan plan = planAll(installation, everywhere);
   const Open open = openOf(plan);
@@ -118,8 +116,7 @@ WholePlan clearMarks(Installation& installation, const PlanScope& scope) {
     clearPrograms(database, open);
     clearGroups(database);
   }
-  (void)installation.ledger().look(
-      [&](const LedgerView& ledger) { ended = creditsAtTheirEnd(database, ledger.creditsSent()); });
+  const std::vector<std::int32_t> ended = creditsAtTheirEnd(database, plan.creditsOnTheirWay);
   transaction.commit();
   installation.ledger().endCredits(ended);
   if (scope.places) {
