@@ -140,7 +140,7 @@ void noteReplaced(Installation& installation, const std::string& station, const 
   if (!there) throw Refusal("there is no ledger of what the controllers hold");
   if (!known)
     throw Refusal(station + " has no controller " + address +
-                  ": 'voxa controller list' tells which there are");
+                  ": no reader names it, and nothing was ever sent to it");
   installation.ledger().replace(place, usedElsewhere);
 }
 

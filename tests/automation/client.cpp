@@ -130,6 +130,7 @@ void namesOfTheLibrary() {
   for (const wchar_t* name : {L"fEOF", L"ch", L"finput"}) memberIs(__uuidof(ISeqFile), name);
   for (const wchar_t* name : {L"GetCompar", L"SendSpeed", L"isActive"}) memberIs(__uuidof(IStation), name);
   for (const wchar_t* name : {L"DB", L"tables", L"createDB"}) memberIs(__uuidof(IQDB), name);
+  for (const wchar_t* name : {L"itemThing", L"mayOpen"}) memberIs(__uuidof(IControllers), name);
 }
 
 /// What the process uses: memory, and handles, by the value of a new one: the lowest that is free.

@@ -43,6 +43,11 @@ shows() {
   done <"$work/$1/shown.txt"
 }
 
+# A block of the documentation, as a file beside the example.
+printed() {
+  sed -n "/<!-- $1 -->/,/^\`\`\`\$/p" docs/automation.md | sed '1,2d;$d' >"$work/example/$1"
+}
+
 run() {
   local name=$1
   new_folder "$name"
@@ -63,10 +68,17 @@ run() {
       passes manifest client.exe
       ;;
     example)
-      # As the documentation prints it: it has worked when the journal names the card.
-      sed -n '/<!-- example.vbs -->/,/^```$/p' docs/automation.md | sed '1,2d;$d' >"$work/example/example.vbs"
+      # As the documentation prints them, one behind the other: the first has worked when the journal names the card,
+      # the second when it prints what the documentation says.
+      printed example.vbs
       echo 'If rows.RecordCount = 1 Then WScript.Echo "passed"' >>"$work/example/example.vbs"
       passes "$name" cscript //nologo example.vbs
+      printed changes.vbs
+      printed changes.txt
+      echo 'WScript.Echo "passed"' >>"$work/example/changes.vbs"
+      echo passed >>"$work/example/changes.txt"
+      passes "$name" cscript //nologo changes.vbs
+      tr -d '\r' <"$work/example/out.txt" | diff "$work/example/changes.txt" - || failures=$((failures + 1))
       ;;
     *)
       cat tests/automation/{check,installation,"$name"}.vbs >"$work/$name/$name.vbs"

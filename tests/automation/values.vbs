@@ -154,6 +154,20 @@ glob.Strings.display "msgHello", "Array", Array(1, 2)
 ' Shown: (Array)
 On Error GoTo 0
 
+' Controllers: what is asked wrongly is told of and opens nothing; a moment may be left out, but has to be one.
+Dim controllers: Set controllers = CreateObject("KORVA.Controllers")
+Equal "no item", controllers.itemThing(0) & controllers.itemReason(-1), ""
+Equal "no such place", controllers.plan("Nowhere") & controllers.download(, "Nowhere") & controllers.downloadCard(0), "-155"
+Equal "no such card", controllers.mayOpen(1, "North", #1/4/2027 9:00#) & controllers.whyOpen("1", "North"), "False"
+Equal "nobody", controllers.whoOpens("North", "4/1/2027 09:00"), ""
+On Error Resume Next
+controllers.mayOpen 1, "North", "some day": Failed 13, "controllers.mayOpen 1, ""North"", ""some day"""
+On Error GoTo 0
+' Shown: Can't find station Nowhere
+' Shown: Can't find reader Nowhere
+' Shown: Error 5: the card number is a number from 1 to 9999, not 0
+' Shown: Card number not in use 1
+
 ' Objects that were closed or let go.
 Set who = rows.Fields("Name")
 rows.Close
