@@ -199,23 +199,27 @@ std::vector<Notice> CardDownload::notices() const {
 void CardDownload::finish() {
   sendPrepared();
   if (sent_.empty()) return;
+  std::vector<std::int32_t> credits;
   const std::int16_t status = context_.attempt([&] {
     Transaction transaction(context_.engine(), context_.database());
-    for (const Sent& card : sent_) writeFlags(card);
+    for (const Sent& card : sent_) writeFlags(card, credits);
     transaction.commit();
   });
   if (status != 0) {
     fail(status);
     tell(context_, into(failures_), {"msgUnexpecErr", "Cardholder.downloadI"});
   }
+  if (status == 0) context_.ledger().endCredits(credits);
   sent_.clear();
 }
 
-void CardDownload::writeFlags(const Sent& card) {
+// credits: gets the number of a card whose marked credit has been given.
+void CardDownload::writeFlags(const Sent& card, std::vector<std::int32_t>& credits) {
   if (cards_.openWhere("Id = " + std::to_string(card.id))) return;  // deleted meanwhile
   Recordset& row = *cards_.currentRecordset();
   if (card.everywhere) {
     if (scope_ || cards_.currentValues() != card.values) return;
+    if (row.get(flagColumn(creditPart)).toBool()) credits.push_back(row.get("CardNum").toInt32());
   }
   row.edit();
   for (std::size_t part = 0; part < cardPartCount; ++part) {

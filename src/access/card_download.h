@@ -102,7 +102,7 @@ class CardDownload {
   bool isNobodys(const CardRecord& card);
   void tellOfTwoPrograms(const GrantedController& controller, std::int16_t group);
   void fail(std::int16_t status);
-  void writeFlags(const Sent& card);
+  void writeFlags(const Sent& card, std::vector<std::int32_t>& credits);
 
   AccessContext& context_;
   GenTable cards_;

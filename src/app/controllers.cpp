@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "files/line_span.h"
 #include "platform/clock.h"
 #include "work/access_questions.h"
 #include "work/card_values.h"
@@ -108,14 +107,10 @@ std::int16_t Controllers::downloadCard(std::int32_t cardNum) {
   });
 }
 
-// The lines are this process's own from the plan to its end: what another one sends in between could be of
-// other rows.
 std::int16_t Controllers::carryOut(const char* member, const std::function<CarryOut()>& how) {
   items_.clear();
   bool complete = false;
   const std::int16_t status = attempt("msgCantDownload", member, [&] {
-    const LineSpan lines(context_);
-    lines.require();
     const CarriedOutPlan carried = voxa::carryOut(context_, how());
     for (const CarriedOut& controller : carried.controllers)
       addItems(items_, controller.name, controller.missing, controller.leftOut, controller);
@@ -126,11 +121,8 @@ std::int16_t Controllers::carryOut(const char* member, const std::function<Carry
   return status != 0 || complete ? status : somethingMissing;
 }
 
-// No process sends meanwhile: what the controller before has taken would count for the new one.
 std::int16_t Controllers::replaced(const std::string& stationName, std::int16_t address, bool usedElsewhere) {
   return attempt("msgUnexpecErr", "Controllers.replaced", [&] {
-    const LineSpan lines(context_);
-    lines.require();
     noteReplaced(context_, stationName, std::to_string(address), usedElsewhere);
   });
 }

@@ -40,6 +40,9 @@ class SendLedger {
   [[nodiscard]] virtual std::vector<UnfinishedCards> unfinished() = 0;
   virtual void forgetUnfinished(const std::vector<UnfinishedCards>& cards) = 0;
 
+  /// The marked credits of these cards are given, or are given once more: they are on their way no longer.
+  virtual void endCredits(const std::vector<std::int32_t>& numbers) = 0;
+
   /// Notes that this process calls a station, until forgetCall().
   virtual void noteCall(std::int16_t station) = 0;
   virtual void forgetCall(std::int16_t station) = 0;

@@ -16,15 +16,23 @@ Possible assumption(const std::string& value, bool marked) {
   return marked ? Possible::unknown() : Possible::assumed(value);
 }
 
-CardState stateOf(const ImageCard& card, const ImageRights& granted) {
+/// What a controller may hold of a card; granted: null where its group is granted nothing. A card whose move
+/// to another group is marked may be wherever the group before it was, with the doors of that one.
+CardState stateOf(const ImageCard& card, const ImageRights* granted) {
   CardState state;
-  const CardImage image = card.wanted ? Image::on(card, granted) : CardImage();
+  const bool moved = card.marks[accessGroupPart];
+  const bool faulty = !card.fault.empty() || (granted != nullptr && !granted->fault.empty());
+  if (granted == nullptr ? moved : faulty) state.mayBeAnything();
+  if (granted == nullptr || faulty) return state;
+  const CardImage image = card.wanted ? Image::on(card, *granted) : CardImage();
   for (std::size_t i = 0; i < cardFieldCount; ++i) {
     const auto field = static_cast<CardField>(i);
-    state.part(field) = assumption(ledgerValue(field, image.value(field)), card.marks[partOf(field)]);
+    const bool door = field == CardField::door1 || field == CardField::door2;
+    state.part(field) =
+        assumption(ledgerValue(field, image.value(field)), card.marks[partOf(field)] || (door && moved));
   }
   if (!card.wanted) return state;
-  for (const std::int16_t output : granted.lifts) state.setLift(output, assumption("1", card.marks.any()));
+  for (const std::int16_t output : granted->lifts) state.setLift(output, assumption("1", card.marks.any()));
   return state;
 }
 
@@ -42,13 +50,23 @@ void assume(const LedgerFile& file, AccessContext& context) {
     }
     for (const ImageCard& card : image.cards()) {
       const ImageRights* granted = image.granted(place, card.group);
-      if (granted == nullptr || !card.fault.empty() || !granted->fault.empty()) continue;
-      insert(place, slotOf(ThingKind::card, card.number), stateOf(card, *granted).text());
+      if (granted != nullptr || card.marks[accessGroupPart])
+        insert(place, slotOf(ThingKind::card, card.number), stateOf(card, granted).text());
     }
   }
 }
 
 }  // namespace
+
+void assumeNothing(const LedgerFile& file, AccessContext& context) {
+  ControllerList controllers(file.database(), context);
+  for (const auto& [place, type] : controllers.installed()) {
+    if (!isOfController(place.address)) continue;
+    const std::int32_t base = controllers.at(place).id * slotsOfController;
+    for (std::int32_t slot = slotsOfOthers.first; slot < slotsOfOthers.end; ++slot)
+      file.insertThing().execute({base + slot, Possible::unknown().text()});
+  }
+}
 
 void assumeRows(const LedgerFile& file, AccessContext& context) {
   if (!context.DB()) return;

@@ -10,4 +10,7 @@ class LedgerFile;
 /// Within the transaction that makes the ledger. Without a main database there is nothing to begin with.
 void assumeRows(const LedgerFile& file, AccessContext& context);
 
+/// What a ledger begins with in the place of a damaged one: each controller may hold anything.
+void assumeNothing(const LedgerFile& file, AccessContext& context);
+
 }  // namespace voxa

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <bitset>
+#include <charconv>
 
 #include "controllers/times_plan.h"
 
@@ -23,6 +24,51 @@ bool hasValue(const Possible& part) {
                       [](const std::string& value) { return value.empty(); });
 }
 
+bool mayOpen(const CardState& held, CardField door) {
+  return !held.part(door).is("0") && !held.part(door).is("");
+}
+bool mayOpen(const CardState& held) {
+  return std::any_of(std::begin(doors), std::end(doors), [&](CardField door) { return mayOpen(held, door); });
+}
+
+/// The weekly programs that a card may have at a controller; none when it may be any.
+std::optional<std::set<std::int16_t>> programsOf(const CardState& held) {
+  const Possible& program = held.part(CardField::weekly);
+  if (program.certainty() == Certainty::unknown) return std::nullopt;
+  std::set<std::int16_t> programs;
+  bool known = true;
+  const auto take = [&](const std::string& number) {
+    std::int16_t value = 0;
+    const char* const end = number.data() + number.size();
+    known = known && std::from_chars(number.data(), end, value).ptr == end;
+    if (!number.empty()) programs.insert(value);
+  };
+  take(program.last());
+  for (const std::string& number : program.since()) take(number);
+  return known ? std::optional(programs) : std::nullopt;
+}
+
+/// What happens to the times of a card as the controller has it.
+TimesPlan::Change timesChange(const CardsAt& at, const CardState& held) {
+  if (!at.timesSent) return TimesPlan::Change::none;
+  const auto programs = programsOf(held);
+  if (!programs) return at.times.ofAny();
+  TimesPlan::Change worst = TimesPlan::Change::none;
+  for (const std::int16_t program : *programs) worst = std::max(worst, at.times.of(program));
+  return worst;
+}
+
+/// What must wait until the card is shut or gone.
+void keepBack(const CardsAt& at, const CardState& held, PlanItem& item) {
+  if (!mayOpen(held) || timesChange(at, held) != TimesPlan::Change::mixed) return;
+  const auto programs = programsOf(held);
+  if (!programs) {
+    item.keepsBack = at.times.changes();
+    return;
+  }
+  for (const std::int16_t program : *programs) item.keepsBack.merge(at.times.needsOf(program));
+}
+
 /// Compares one card at one controller, and makes its item.
 class Comparison {
  public:
@@ -42,12 +88,12 @@ class Comparison {
     const bool absent = code().is("");
     const bool creditMarked = card_.marks[creditPart];
     const bool sendsCredit = creditMarked && !creditSent;
-    const bool eraseFirst = !absent && hasOtherLift();
+    const bool eraseFirst = absent ? keepsParts() : hasOtherLift();
     if (differs_.none() && missingLifts_.empty() && !eraseFirst && !sendsCredit && !at_.full)
       return times(PlanReason::timesChange);
     PlanItem item = begun(absent, eraseFirst, creditSent);
     item.creditMarked = creditMarked;
-    item.creditAnew = eraseFirst;
+    item.creditAnew = eraseFirst && !absent;
     // What a controller keeps of a card that may not be there, it may have dropped.
     const bool whole = absent || eraseFirst || !hasValue(code()) || at_.full;
     Fields sent = differs_;
@@ -56,9 +102,10 @@ class Comparison {
     if (!code().isThere()) sent.set(index(CardField::code));
     if (eraseFirst) {
       item.of(PlanPhase::erase).push_back(clearCardLine(card_.number));
-    } else if (!absent && mayOpen() && mixes(sendsCredit)) {
+    } else if (!absent && mayOpen(held_) && mixes(sendsCredit)) {
       shut(item, sent);
     }
+    keepBack(at_, held_, item);
     fill(item, sent, whole ? granted_.lifts : missingLifts_, absent || eraseFirst);
     return item;
   }
@@ -69,7 +116,7 @@ class Comparison {
   PlanItem begun(bool absent, bool eraseFirst, bool creditSent) const {
     PlanItem item;
     item.number = card_.number;
-    item.program = granted_.rights.weeklyProgram;
+    item.program = programToWaitFor();
     item.reason = reason(absent, eraseFirst, creditSent);
     const bool again = item.reason == PlanReason::answerLost || item.reason == PlanReason::unknown;
     item.action = again ? PlanItem::Action::sendAgain : PlanItem::Action::send;
@@ -99,6 +146,26 @@ class Comparison {
     return card_.marks[creditPart] && !at_.full ? PlanReason::creditMarked : PlanReason::requested;
   }
 
+  /// Without times being sent, a card that was open under its program opens under it again.
+  [[nodiscard]] std::int16_t programToWaitFor() const {
+    const std::int16_t program = granted_.rights.weeklyProgram;
+    const bool same = !differs_[index(CardField::weekly)];
+    const bool wasOpen = std::all_of(std::begin(doors), std::end(doors), [&](CardField door) {
+      return image_.value(door) != "1" || held_.part(door).is("1");
+    });
+    return !at_.timesSent && same && wasOpen ? std::int16_t{0} : program;
+  }
+
+  /// Whether the controller may know something of a card that it does not have: that is in force as soon as
+  /// the card is there.
+  [[nodiscard]] bool keepsParts() const {
+    for (std::size_t i = 0; i < cardFieldCount; ++i) {
+      if (!held_.part(static_cast<CardField>(i)).is("")) return true;
+    }
+    if (!held_.otherLifts().is("")) return true;
+    return std::any_of(held_.lifts().begin(), held_.lifts().end(),
+                       [](const auto& lift) { return !lift.second.is(""); });
+  }
   /// Whether it may have a lift output that its group does not grant.
   [[nodiscard]] bool hasOtherLift() const {
     if (!held_.otherLifts().is("")) return true;
@@ -108,25 +175,10 @@ class Comparison {
     });
   }
 
-  [[nodiscard]] bool mayOpen() const {
-    return std::any_of(std::begin(doors), std::end(doors), [&](CardField door) { return mayOpen(door); });
-  }
-  [[nodiscard]] bool mayOpen(CardField door) const {
-    return !held_.part(door).is("0") && !held_.part(door).is("");
-  }
-
   /// What happens to the times of the program that it may have, and to those of the one that it gets.
   [[nodiscard]] TimesPlan::Change timesChange() const {
-    const Possible& program = held_.part(CardField::weekly);
-    TimesPlan::Change worst = at_.times.of(granted_.rights.weeklyProgram);
-    if (program.certainty() == Certainty::unknown) return std::max(worst, at_.times.ofAny());
-    const auto take = [&](const std::string& number) {
-      if (!number.empty())
-        worst = std::max(worst, at_.times.of(static_cast<std::int16_t>(std::stoi(number))));
-    };
-    take(program.last());
-    for (const std::string& number : program.since()) take(number);
-    return worst;
+    if (!at_.timesSent) return TimesPlan::Change::none;
+    return std::max(at_.times.of(granted_.rights.weeklyProgram), voxa::timesChange(at_, held_));
   }
 
   /// Whether in between it could open as neither the old nor the new rows have it: when more changes than one
@@ -148,7 +200,7 @@ class Comparison {
   // What is told of a card that is not certainly there is told again behind its code.
   void shut(PlanItem& item, Fields& sent) const {
     for (const CardField door : doors) {
-      if (!mayOpen(door)) continue;
+      if (!mayOpen(held_, door)) continue;
       add(item, PlanPhase::shut, door, "0");
       sent[index(door)] = image_.value(door) == "1" || !code().isThere();
     }
@@ -172,7 +224,7 @@ class Comparison {
 
   /// The card is as it should be; it is shut while its times change if they mix.
   std::optional<PlanItem> times(PlanReason reason) {
-    if (!mayOpen() || timesChange() != TimesPlan::Change::mixed) return std::nullopt;
+    if (!mayOpen(held_) || timesChange() != TimesPlan::Change::mixed) return std::nullopt;
     PlanItem item;
     item.number = card_.number;
     item.program = granted_.rights.weeklyProgram;
@@ -182,6 +234,7 @@ class Comparison {
     sent[index(CardField::code)] = !code().isThere();
     shut(item, sent);
     fill(item, sent, {}, false);
+    keepBack(at_, held_, item);
     return item;
   }
 
@@ -201,7 +254,8 @@ std::optional<PlanItem> wantedCard(const CardsAt& at, const ImageCard& card, con
   return Comparison(at, card, granted, held).item(creditSent);
 }
 
-std::optional<PlanItem> unwantedCard(std::int32_t number, PlanReason reason, const CardState& held) {
+std::optional<PlanItem> unwantedCard(const CardsAt& at, std::int32_t number, PlanReason reason,
+                                     const CardState& held) {
   const Possible& code = held.part(CardField::code);
   if (code.is("")) return std::nullopt;
   PlanItem item;
@@ -211,6 +265,27 @@ std::optional<PlanItem> unwantedCard(std::int32_t number, PlanReason reason, con
                 : !hasValue(code)                      ? PlanReason::answerLost
                                                        : reason;
   item.of(PlanPhase::erase).push_back(clearCardLine(number));
+  keepBack(at, held, item);
+  return item;
+}
+
+std::optional<PlanItem> faultyCard(const CardsAt& at, const ImageCard& card, const CardState& held) {
+  const bool mixed = timesChange(at, held) == TimesPlan::Change::mixed;
+  if (held.part(CardField::code).is("") || !mayOpen(held) || (!card.barred && !mixed)) return std::nullopt;
+  PlanItem item;
+  item.number = card.number;
+  item.action = card.barred ? PlanItem::Action::send : PlanItem::Action::shutMeanwhile;
+  item.reason = card.barred ? PlanReason::blocked : PlanReason::timesChange;
+  const auto programs = programsOf(held);
+  if (programs && programs->size() == 1) item.program = *programs->begin();
+  for (const CardField door : doors) {
+    if (!mayOpen(held, door)) continue;
+    item.of(PlanPhase::shut).push_back(cardLine(door, card.number, "0", at.controllerType));
+    // It gets back what it certainly had.
+    if (!card.barred && item.program != 0 && held.part(door).is("1"))
+      item.of(PlanPhase::doors).push_back(cardLine(door, card.number, "1", at.controllerType));
+  }
+  keepBack(at, held, item);
   return item;
 }
 

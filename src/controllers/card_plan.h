@@ -16,8 +16,9 @@ class TimesPlan;
 struct CardsAt {
   std::string controllerType;
   const TimesPlan& times;
-  bool isNew = false;  ///< nothing was ever sent to it
-  bool full = false;   ///< everything is sent again
+  bool isNew = false;      ///< nothing was ever sent to it
+  bool full = false;       ///< everything is sent again
+  bool timesSent = false;  ///< programs and holidays are sent, too
 };
 
 /// What a controller misses of a card that it should have; none when it has it. creditSent: the marked
@@ -27,7 +28,11 @@ struct CardsAt {
                                                  bool creditSent);
 /// What is to be done about a number that a controller should not have; none when it does not. reason: why
 /// it should not.
-[[nodiscard]] std::optional<PlanItem> unwantedCard(std::int32_t number, PlanReason reason,
+[[nodiscard]] std::optional<PlanItem> unwantedCard(const CardsAt& at, std::int32_t number, PlanReason reason,
                                                    const CardState& held);
+/// What is to be done about a number whose row, or the group's rights, cannot be right there. What the
+/// controller has stays, but its doors are shut while times mix, and when the row blocks the card.
+[[nodiscard]] std::optional<PlanItem> faultyCard(const CardsAt& at, const ImageCard& card,
+                                                 const CardState& held);
 
 }  // namespace voxa

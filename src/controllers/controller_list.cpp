@@ -39,8 +39,9 @@ ControllerList::ControllerList(Database& ledger, TableContext& context) : ledger
   if (!main) return;
   try {
     readInstallation(*main);
-  } catch (const Error&) {
-    return;  // it is locked, or no main database: what the ledger knows of the controllers holds
+  } catch (const Error& error) {
+    unread_ = error;  // it is locked, or no main database: what the ledger knows of the controllers holds
+    return;
   }
   align();
 }
@@ -69,6 +70,10 @@ void ControllerList::readInstallation(Database& main) {
     const auto [known, added] = types_.emplace(place, type);
     if (!added && known->second != type) known->second.clear();
   }
+}
+
+void ControllerList::requireInstallation() const {
+  if (unread_) throw Error(*unread_);
 }
 
 void ControllerList::align() {
@@ -100,7 +105,7 @@ void ControllerList::align() {
       row->set("Phone", line->second.phone);
       row->update();
     }
-    controller.type = now;
+    if (type != types_.end()) controller.type = now;
     ++known;
   }
   for (const auto& [place, type] : types_) {

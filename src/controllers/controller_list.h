@@ -53,6 +53,8 @@ class ControllerList {
   /// The known controllers of a line.
   [[nodiscard]] std::vector<ControllerPlace> ofStation(std::int16_t station) const;
   [[nodiscard]] const std::map<ControllerPlace, LedgerController>& all() const { return controllers_; }
+  /// Raises why the main database could not be read; nothing when there is none.
+  void requireInstallation() const;
   /// The places with readers, each with the type of its controller.
   [[nodiscard]] const std::map<ControllerPlace, std::string>& installed() const { return types_; }
   /// Name of a station that there is; "" of any other.
@@ -79,7 +81,8 @@ class ControllerList {
   Database& ledger_;
   TableContext& context_;
   std::map<ControllerPlace, LedgerController> controllers_;
-  std::map<ControllerPlace, Line> knownLines_;    // as the ledger has them
+  std::map<ControllerPlace, Line> knownLines_;  // as the ledger has them
+  std::optional<Error> unread_;
   std::map<std::int16_t, Line> lines_;            // of the stations, as they are now
   std::map<ControllerPlace, std::string> types_;  // of the readers
 };

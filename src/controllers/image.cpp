@@ -1,6 +1,7 @@
 #include "controllers/image.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "access/access_context.h"
 #include "access/card_record.h"
@@ -17,8 +18,8 @@ namespace voxa {
 
 namespace {
 
-constexpr std::int32_t greatestNumber = 9999;
 constexpr const char* clearingCode = "00000000";
+constexpr const char* dayOfCentury = "290200";
 constexpr CardField ofRow[] = {CardField::code, CardField::pin, CardField::supervisor, CardField::lastDay,
                                CardField::credit};
 
@@ -46,19 +47,8 @@ std::string faultOf(const ImageRights& granted) {
   return "";
 }
 
-/// A kind of program, or the holidays.
-struct Rows {
-  const char* query;
-  const char* flag;
-  const char* number;
-  const char* kind;  ///< what a person calls a row
-};
-
-constexpr Rows dailies = {"select * from DailyPrograms where Id <> 0 order by Id", "DailyProgramFlagD", "Id",
-                          "daily program"};
-constexpr Rows weeklies = {"select * from WeeklyPrograms where ProgNum <> 0 order by ProgType, ProgNum",
-                           "WeeklyProgramFlagD", "ProgNum", "weekly program"};
-constexpr Rows holidays = {"select * from Holidays order by Id", "HolidayFlagD", "Id", "holiday"};
+/// Controllers of either kind.
+constexpr const char* controllerTypes[] = {"QSX3", "VRMD1"};
 
 }  // namespace
 
@@ -74,6 +64,7 @@ Image::Image(AccessContext& context, std::optional<std::int32_t> only)
       fourIntervals_(context.Com().pDailyPrograms4Zones == 1) {
   Database& main = context.database();
   const Reading moment(main);
+  readThings(main);
   readCards(main, only);
   std::optional<std::int16_t> group;
   if (only) group = cards_.empty() ? std::int16_t{-1} : cards_.front().group;
@@ -107,8 +98,10 @@ void Image::addCard(const Recordset& row) {
   card.deleted = record.deleted;
   card.validated = record.validated;
   card.wanted = isForControllers(record);
+  const bool over = record.validationDate && record.validationDate->days < std::floor(today_.days);
+  card.barred = !record.validated || over;
   card.marks = record.parts;
-  if (card.number < 1 || card.number > greatestNumber) {
+  if (card.number < 1 || card.number > greatestCardNumber) {
     if (card.wanted) {
       leftOut_.push_back({ThingKind::card, card.number, rowOf("card", card.number, card.name),
                           "its number is none of 1 to 9999"});
@@ -118,6 +111,8 @@ void Image::addCard(const Recordset& row) {
   if (!cards_.empty() && cards_.back().number == card.number) {
     ImageCard& first = cards_.back();
     if (card.deleted) return;
+    first.barred = first.barred && card.barred;
+    first.several = true;
     first.name += " and " + card.name;
     first.fault = "several cards have this number: none of them is sent until each has its own";
     return;
@@ -127,11 +122,18 @@ void Image::addCard(const Recordset& row) {
       for (const CardField field : ofRow) at(card.values, field) = cardValue(field, record, {}, today_);
       if (ledgerValue(CardField::code, at(card.values, CardField::code)) == clearingCode)
         card.fault = "its code is zero, which clears a card";
+      if (at(card.values, CardField::lastDay) == dayOfCentury)
+        card.fault = "its last day is 29 February 2000, which controllers take for none: choose another day";
     } catch (const Error& error) {
       card.fault = error.description();
     }
   }
   cards_.push_back(std::move(card));
+}
+
+void Image::leaveOut(std::int16_t group, const std::string& reason) {
+  groupsLeftOut_.insert(group);
+  leftOut_.push_back({ThingKind::card, 0, "access group " + std::to_string(group), reason});
 }
 
 void Image::readRights(Database& main, std::optional<std::int16_t> onlyGroup) {
@@ -144,7 +146,13 @@ void Image::readRights(Database& main, std::optional<std::int16_t> onlyGroup) {
   }
   for (const auto& [group, controllers] : groups) {
     for (const GrantedController& controller : controllers) {
-      if (!isOfController(controller.address)) continue;
+      if (!isOfController(controller.address)) {
+        const bool any = std::any_of(cards_.begin(), cards_.end(), [&, of = group](const ImageCard& card) {
+          return card.wanted && card.group == of;
+        });
+        if (any) leaveOut(group, faultOf(main, group, controller));
+        continue;
+      }
       ImageRights& granted = rights_[controller][group];
       granted.controllerType = controller.type;
       granted.rights = controller.rights();
@@ -152,6 +160,9 @@ void Image::readRights(Database& main, std::optional<std::int16_t> onlyGroup) {
         granted.lifts = found->second;
       granted.fault = faultOf(main, group, controller);
       if (granted.fault.empty()) granted.fault = faultOf(granted);
+      const std::int16_t program = granted.rights.weeklyProgram;
+      if (granted.fault.empty() && program != 0 && !known_.contains({ThingKind::weeklyC, program}))
+        granted.fault = "there is no weekly program C " + std::to_string(program);
     }
   }
 }
@@ -161,6 +172,14 @@ const ImageCard* Image::card(std::int32_t number) const {
       std::lower_bound(cards_.begin(), cards_.end(), number,
                        [](const ImageCard& card, std::int32_t than) { return card.number < than; });
   return found == cards_.end() || found->number != number ? nullptr : &*found;
+}
+
+std::vector<ControllerPlace> Image::placesOf(std::int16_t group) const {
+  std::vector<ControllerPlace> places;
+  for (const auto& [place, groups] : rights_) {
+    if (groups.contains(group)) places.push_back(place);
+  }
+  return places;
 }
 
 const std::map<std::int16_t, ImageRights>& Image::grantedAt(const ControllerPlace& place) const {
@@ -196,31 +215,77 @@ const ThingImages& Image::things(const std::string& controllerType) const {
   return images;
 }
 
+void Image::readThings(Database& main) {
+  const auto read = [&](const char* query, ThingKind kind) {
+    for (const auto row = main.openRecordset(query); !row->eof(); row->moveNext()) addThing(kind, *row);
+  };
+  read("select * from DailyPrograms where Id <> 0 order by Id", ThingKind::daily);
+  read("select * from WeeklyPrograms where ProgNum <> 0 order by ProgType, ProgNum", ThingKind::weeklyC);
+  read("select * from Holidays order by Id", ThingKind::holiday);
+}
+
+void Image::addThing(ThingKind kind, const Recordset& row) {
+  const bool weekly = kind == ThingKind::weeklyC;
+  ThingRow thing;
+  thing.number = row.get(weekly ? "ProgNum" : "Id").toInt32();
+  const std::string family = weekly ? row.get("ProgType").toText() : "";
+  thing.kind = family == "E" ? ThingKind::weeklyE : kind;
+  const char* const called = weekly                     ? "weekly program"
+                             : kind == ThingKind::daily ? "daily program"
+                                                        : "holiday";
+  thing.row = rowOf(called, thing.number, nameOf(row));
+  known_.insert({thing.kind, thing.number});
+  try {
+    switch (kind) {
+      case ThingKind::daily:
+        thing.text = linesOfDailyProgram(row, fourIntervals_).front();
+        thing.marked = row.get("DailyProgramFlagD").toBool();
+        break;
+      case ThingKind::holiday:
+        thing.text = linesOfHoliday(row, today_).front();
+        thing.marked = row.get("HolidayFlagD").toBool();
+        break;
+      default:
+        thing.text = linesOfWeeklyProgram(row).front();
+        thing.marked = row.get("WeeklyProgramFlagD").toBool();
+        thing.fault = family == "C" || family == "E" ? missingDaily(thing.text)
+                                                     : "its family is '" + family + "', and has to be C or E";
+    }
+  } catch (const Error& error) {
+    thing.fault = error.description();
+  }
+  rows_.push_back(std::move(thing));
+}
+
+std::string Image::missingDaily(const std::string& weeklyLine) const {
+  const std::string dailies = sentLine(weeklyLine, controllerTypes[0]).value;
+  for (std::size_t at = 0; at + 2 <= dailies.size(); at += 2) {
+    const int daily = std::stoi(dailies.substr(at, 2));
+    if (daily != 0 && !known_.contains({ThingKind::daily, daily}))
+      return "there is no daily program " + std::to_string(daily);
+  }
+  return "";
+}
+
 ThingImages Image::thingsFor(const std::string& controllerType) const {
   ThingImages images;
-  const auto take = [&](const Rows& rows, ThingKind kind, const auto& linesOf) {
-    for (const auto row = context_.database().openRecordset(rows.query); !row->eof(); row->moveNext()) {
-      const std::int32_t number = row->get(rows.number).toInt32();
-      LeftOut leftOut{kind, number, rowOf(rows.kind, number, nameOf(*row)), {}};
-      if (kind == ThingKind::weeklyC && row->get("ProgType") != Value("C")) leftOut.kind = ThingKind::weeklyE;
-      try {
-        ThingImage image{{}, linesOf(*row).front(), row->get(rows.flag).toBool()};
-        image.line = sentLine(image.text, controllerType);
-        if (image.line.fit == SentLine::Fit::certain) {
-          images.things.push_back(std::move(image));
-          continue;
-        }
-        leftOut.reason = "controllers of its kind do not take it";
-      } catch (const Error& error) {
-        leftOut.reason = error.description();
+  for (const ThingRow& row : rows_) {
+    LeftOut leftOut{row.kind, row.number, row.row, row.fault};
+    if (row.fault.empty()) {
+      ThingImage image{sentLine(row.text, controllerType), row.text, row.marked};
+      if (image.line.fit == SentLine::Fit::certain) {
+        images.things.push_back(std::move(image));
+        continue;
       }
-      images.leftOut.push_back(std::move(leftOut));
+      // One that only the other kind takes is not for this one.
+      const bool fitsOthers = std::any_of(
+          std::begin(controllerTypes), std::end(controllerTypes),
+          [&](const char* other) { return sentLine(row.text, other).fit == SentLine::Fit::certain; });
+      if (fitsOthers) continue;
+      leftOut.reason = "no controller takes it";
     }
-  };
-  take(dailies, ThingKind::daily,
-       [&](const Recordset& row) { return linesOfDailyProgram(row, fourIntervals_); });
-  take(weeklies, ThingKind::weeklyC, [](const Recordset& row) { return linesOfWeeklyProgram(row); });
-  take(holidays, ThingKind::holiday, [&](const Recordset& row) { return linesOfHoliday(row, today_); });
+    images.leftOut.push_back(std::move(leftOut));
+  }
   return images;
 }
 

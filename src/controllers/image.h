@@ -26,6 +26,8 @@ struct LeftOut {
   std::string reason;
 };
 
+inline constexpr std::int32_t greatestCardNumber = 9999;
+
 /// A program or holiday as the rows want it on the controllers of a type.
 struct ThingImage {
   SentLine line;
@@ -46,9 +48,12 @@ struct ImageCard {
   bool wanted = false;  ///< controllers are to have it: it is not deleted, and has a code
   bool deleted = false;
   bool validated = false;
-  CardParts marks;                                 ///< parts of the row that are to be sent
+  bool barred =
+      false;        ///< whatever else its row says, it opens nothing: it is blocked, or its last day is over
+  CardParts marks;  ///< parts of the row that are to be sent
   std::array<std::string, cardFieldCount> values;  ///< by CardField, but for rights, as their lines have them
   std::string fault;                               ///< why it cannot be right; "" when it can
+  bool several = false;                            ///< other cards in use have its number
 };
 
 /// What an access group grants on a controller.
@@ -86,15 +91,31 @@ class Image {
   [[nodiscard]] const ImageRights* granted(const ControllerPlace& place, std::int16_t group) const;
   /// What the groups grant there, by group.
   [[nodiscard]] const std::map<std::int16_t, ImageRights>& grantedAt(const ControllerPlace& place) const;
+  /// The places of the controllers where a group is granted anything.
+  [[nodiscard]] std::vector<ControllerPlace> placesOf(std::int16_t group) const;
   [[nodiscard]] static CardImage on(const ImageCard& card, const ImageRights& granted);
   /// Cards with a fault, and those whose number is none that a controller could know.
   [[nodiscard]] const std::vector<LeftOut>& leftOut() const { return leftOut_; }
+  /// Access groups with a reader that is on no controller: nobody can be told of their cards there.
+  [[nodiscard]] const std::set<std::int16_t>& groupsLeftOut() const { return groupsLeftOut_; }
   [[nodiscard]] bool fourIntervals() const { return fourIntervals_; }
 
  private:
   void readCards(Database& main, std::optional<std::int32_t> only);
   void readRights(Database& main, std::optional<std::int16_t> onlyGroup);
   void addCard(const Recordset& row);
+  struct ThingRow {
+    ThingKind kind = ThingKind::daily;
+    std::int32_t number = 0;
+    std::string row;   // as a person names it
+    std::string text;  // of the line; "" with a fault
+    std::string fault;
+    bool marked = false;
+  };
+  void leaveOut(std::int16_t group, const std::string& reason);
+  void readThings(Database& main);
+  void addThing(ThingKind kind, const Recordset& row);
+  [[nodiscard]] std::string missingDaily(const std::string& weeklyLine) const;
   [[nodiscard]] ThingImages thingsFor(const std::string& controllerType) const;
 
   AccessContext& context_;
@@ -103,7 +124,10 @@ class Image {
   std::vector<ImageCard> cards_;
   std::map<ControllerPlace, std::map<std::int16_t, ImageRights>> rights_;
   std::vector<LeftOut> leftOut_;
-  mutable std::map<std::string, ThingImages> things_;  // by type, once they are asked for
+  std::set<std::int16_t> groupsLeftOut_;
+  std::vector<ThingRow> rows_;                          // of programs and holidays
+  std::set<std::pair<ThingKind, std::int32_t>> known_;  // programs that have a row
+  mutable std::map<std::string, ThingImages> things_;   // by type, once they are asked for
 };
 
 /// The value of a field as the ledger has it.

@@ -81,7 +81,7 @@ bool Ledger::open() {
     if (error.number() != err::dbNotADatabase) throw;
     putAside(error);
   }
-  return file_.open(folder, begin) != LedgerFile::Opened::none;
+  return file_.open(folder, [&] { assumeNothing(file_, context_); }) != LedgerFile::Opened::none;
 }
 
 void Ledger::provide() {
@@ -100,7 +100,8 @@ void Ledger::putAside(const Error& error) {
   const std::string aside = file_.setAside();
   if (aside.empty()) return;  // another process has done it
   tell(Error(error.number(), "The ledger of what the controllers hold is damaged. It is kept as " + aside +
-                                 ", and a new one begins: what it knew counts as assumed. " +
+                                 ", and a new one begins, which knows nothing of any controller: the next "
+                                 "download sends everything again. " +
                                  error.description()));
 }
 

@@ -37,6 +37,7 @@ class Ledger : public SendLedger {
   [[nodiscard]] bool noteUnfinished(const std::vector<UnfinishedCards>& cards, bool underWay) override;
   [[nodiscard]] std::vector<UnfinishedCards> unfinished() override;
   void forgetUnfinished(const std::vector<UnfinishedCards>& cards) override;
+  void endCredits(const std::vector<std::int32_t>& numbers) override;
   void noteCall(std::int16_t station) override;
   void forgetCall(std::int16_t station) override;
   [[nodiscard]] std::vector<std::int16_t> abandonedCalls() override;
@@ -83,8 +84,6 @@ class Ledger : public SendLedger {
   /// The marked credits of these cards are going to be sent: until they have been acknowledged, each of their
   /// controllers has any. A card of which that was said before is on its way.
   void beginCredits(const std::map<std::int32_t, std::vector<ControllerPlace>>& controllers);
-  /// They are no longer marked, or given once more. A failure is told.
-  void endCredits(const std::vector<std::int32_t>& numbers);
 
  private:
   struct Result {

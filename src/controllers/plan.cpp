@@ -20,6 +20,8 @@ const char* textOf(PlanReason reason) {
       return "the credit is to be sent";
     case PlanReason::liftTaken:
       return "lost a lift output";
+    case PlanReason::blocked:
+      return "the card is blocked";
     case PlanReason::timesChange:
       return "its times change";
     case PlanReason::deleted:

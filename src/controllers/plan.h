@@ -28,6 +28,7 @@ enum class PlanReason : std::uint8_t {
   creditMarked,   ///< the credit is marked to be sent
   liftTaken,      ///< it has a lift output more, which no line takes away
   timesChange,    ///< more than one of the programs and holidays that decide changes
+  blocked,        ///< the card is blocked or expired, and its row cannot be right otherwise
   deleted,        ///< the card is deleted, or the holiday
   noCode,         ///< the card has no code any more
   leftGroup,      ///< the card's group does not open its doors
@@ -47,6 +48,9 @@ struct PlanItem {
   bool creditAnew = false;    ///< the card is erased and sent again, so that its credit starts anew
   bool creditMarked = false;  ///< the row's credit is marked, and goes with it
   std::int16_t program = 0;   ///< of a card: the weekly program under which it will open
+  /// Programs and holidays that are not to be sent while the card, as it is now, could open: with each of
+  /// them alone times would be in force that no row has.
+  std::set<std::pair<ThingKind, std::int32_t>> keepsBack;
   std::array<std::vector<std::string>, planPhases> lines;  ///< by PlanPhase
 
   [[nodiscard]] std::vector<std::string>& of(PlanPhase phase) {
@@ -72,6 +76,7 @@ struct ControllerPlan {
   std::vector<PlanItem> items;              ///< by phase and number
   std::vector<LeftOut> leftOut;             ///< rows, or the whole controller, that cannot be right
   std::vector<std::int16_t> groupsLeftOut;  ///< access groups that the controller cannot be told of
+  bool hasNoForm = false;                   ///< its readers name two types: it can be told nothing
   /// Weekly programs of family C that cards cannot open under until `things` have been taken, each with
   /// those.
   std::map<std::int16_t, std::set<std::pair<ThingKind, std::int32_t>>> needs;

@@ -46,6 +46,11 @@ struct Planner::At {
 
 Planner::Planner(AccessContext& context, PlanScope scope)
     : scope_(std::move(scope)), image_(context, scope_.card) {
+  if (scope_.card && (*scope_.card < 1 || *scope_.card > greatestCardNumber)) {
+    throw Error(err::invalidArgument, "Invalid argument: a card number is a number from 1 to " +
+                                          std::to_string(greatestCardNumber) + ", not " +
+                                          std::to_string(*scope_.card));
+  }
   for (const ImageCard& card : image_.cards()) {
     const std::int32_t bucket = bucketOfCard(card.number);
     if (!card.fault.empty() || card.marks[creditPart]) withoutDigest_.insert(bucket);
@@ -55,6 +60,7 @@ Planner::Planner(AccessContext& context, PlanScope scope)
 }
 
 std::vector<ControllerPlace> Planner::places(LedgerView& ledger) const {
+  ledger.controllers().requireInstallation();
   if (scope_.card) ledger.narrowTo(*scope_.card);
   std::set<ControllerPlace> places;
   const auto take = [&](const ControllerPlace& place) {
@@ -62,7 +68,10 @@ std::vector<ControllerPlace> Planner::places(LedgerView& ledger) const {
       places.insert(place);
   };
   for (const auto& [place, type] : ledger.controllers().installed()) take(place);
-  for (const auto& [place, controller] : ledger.controllers().all()) take(place);
+  for (const auto& [place, controller] : ledger.controllers().all()) {
+    // Where no reader ever was, and nothing was ever acknowledged, there is no controller.
+    if (!controller.type.empty() || controller.lastContact) take(place);
+  }
   return {places.begin(), places.end()};
 }
 
@@ -74,13 +83,14 @@ ControllerPlan Planner::plan(const LedgerView& ledger, const ControllerPlace& pl
   const auto installed = ledger.controllers().installed().find(place);
   at.installed = installed != ledger.controllers().installed().end();
   at.plan.type = at.installed ? installed->second : known == nullptr ? "" : known->type;
-  if (at.plan.type.empty()) {
+  if (at.plan.type.empty() && at.installed) {
     at.plan.leftOut.push_back({ThingKind::card, 0, "the controller",
                                "its readers name two types of controller: lines have two forms"});
-    return std::move(at.plan);
+    at.plan.hasNoForm = true;
   }
   at.digests = ledger.digests(place);
-  planThings(at);
+  // Without a type only cards can be erased: that line has one form.
+  if (!at.plan.type.empty()) planThings(at);
   planCards(at);
   std::sort(at.plan.items.begin(), at.plan.items.end(), [](const PlanItem& one, const PlanItem& other) {
     return std::pair(one.kind, one.number) < std::pair(other.kind, other.number);
@@ -130,7 +140,7 @@ void Planner::planCards(At& at) const {
     at.plan.groupsLeftOut.push_back(group);
   }
   if (scope_.card) {
-    const CardsAt cards{at.plan.type, *at.times, at.isNew, scope_.full};
+    const CardsAt cards = cardsAt(at);
     const SlotRange slot{*scope_.card, *scope_.card + 1};
     planNumber(at, cards, at.ledger.holdings(at.plan.place, slot), *scope_.card);
     return;
@@ -162,7 +172,7 @@ std::vector<std::int32_t> Planner::bucketsToWalk(At& at) const {
 
 void Planner::planBucket(At& at, const Holdings& held, std::int32_t bucket) const {
   const SlotRange slots{bucket * cardsOfBucket, std::min((bucket + 1) * cardsOfBucket, firstSlotBehindCards)};
-  const CardsAt cards{at.plan.type, *at.times, at.isNew, scope_.full};
+  const CardsAt cards = cardsAt(at);
   std::set<std::int32_t> numbers;
   for (auto card = held.cards.lower_bound(slots.first); card != held.cards.end() && card->first < slots.end;
        ++card)
@@ -178,24 +188,30 @@ void Planner::planBucket(At& at, const Holdings& held, std::int32_t bucket) cons
   numbers.erase(0);  // which no controller takes for a card
   const std::size_t before = at.plan.items.size();
   for (const std::int32_t number : numbers) planNumber(at, cards, held, number);
-  if (at.plan.items.size() == before && !withoutDigest_.contains(bucket))
+  if (at.plan.items.size() == before && !withoutDigest_.contains(bucket) && !at.plan.hasNoForm)
     at.ledger.note(at.plan.place, bucket, at.wanted.at(static_cast<std::size_t>(bucket)));
+}
+
+CardsAt Planner::cardsAt(const At& at) const {
+  return {at.plan.type, *at.times, at.isNew, scope_.full, !scope_.card};
 }
 
 void Planner::planNumber(At& at, const CardsAt& cards, const Holdings& held, std::int32_t number) const {
   const ImageCard* card = image_.card(number);
-  if (card != nullptr && !card->fault.empty()) return;  // it is left out
   const ImageRights* granted = card == nullptr ? nullptr : image_.granted(at.plan.place, card->group);
   const CardState state = held.card(number);
   std::optional<PlanItem> item;
-  if (card != nullptr && card->wanted && granted != nullptr) {
-    if (!granted->fault.empty()) return;  // so is the group, here
-    item = wantedCard(cards, *card, *granted, state, at.ledger.isCreditSent(number));
+  const bool wanted = card != nullptr && card->wanted && (granted != nullptr || card->several);
+  if (wanted) {
+    const bool leftOut = !card->fault.empty() || !granted->fault.empty();
+    if (at.plan.type.empty()) return;
+    item = leftOut ? faultyCard(cards, *card, state)
+                   : wantedCard(cards, *card, *granted, state, at.ledger.isCreditSent(number));
   } else {
     const PlanReason reason = card == nullptr || card->deleted ? PlanReason::deleted
                               : card->wanted                   ? PlanReason::leftGroup
                                                                : PlanReason::noCode;
-    item = unwantedCard(number, reason, state);
+    item = unwantedCard(cards, number, reason, state);
   }
   if (item) at.plan.items.push_back(std::move(*item));
 }

@@ -49,6 +49,7 @@ class Planner {
   void planCards(At& at) const;
   [[nodiscard]] std::vector<std::int32_t> bucketsToWalk(At& at) const;
   void planBucket(At& at, const Holdings& held, std::int32_t bucket) const;
+  [[nodiscard]] CardsAt cardsAt(const At& at) const;
   void planNumber(At& at, const CardsAt& cards, const Holdings& held, std::int32_t number) const;
   [[nodiscard]] Buckets cardDigests(const ControllerPlace& place) const;
 

@@ -205,7 +205,11 @@ SentLine sentLine(std::string_view line, std::string_view controllerType) {
   if (line.starts_with(speedChange)) return {Fit::lineSpeed, {}, 0, {}, 0, ""};
   SentLine result = understood(line, controllerType);
   const auto isOfValue = [](char c) { return c == ' ' || (c >= '0' && c <= '?'); };
-  if (!std::all_of(result.value.begin(), result.value.end(), isOfValue)) {
+  // A program is known by its number.
+  const bool noProgram =
+      result.kind == ThingKind::card && result.field == CardField::weekly && !isDigits(result.value);
+  const bool ofThing = result.fit <= Fit::anyValue;
+  if (ofThing && (noProgram || !std::all_of(result.value.begin(), result.value.end(), isOfValue))) {
     result.fit = Fit::anyValue;
     result.value.clear();
   }

@@ -47,7 +47,7 @@ TimesPlan::TimesPlan(const ThingImages& wanted, const Holdings& held, const std:
   }
   for (const ThingImage& image : wanted.things) want(image, held, isNew, full);
   for (const auto& [thing, before] : held.things) {
-    if (thing.first == ThingKind::weeklyC && !wanted_.contains(thing)) noteDailies(thing.second, before);
+    if (thing.first == ThingKind::weeklyC) noteDailies(thing.second, before);
   }
   eraseHolidays(held, controllerType);
   repeatFormats(held, controllerType, isNew, full);
@@ -57,10 +57,8 @@ void TimesPlan::want(const ThingImage& image, const Holdings& held, bool isNew, 
   const Thing thing{image.line.kind, image.line.number};
   const Possible before = held.thing(thing.first, thing.second);
   wanted_.insert(thing);
-  if (thing.first == ThingKind::weeklyC) {
-    noteDailies(thing.second, before);
+  if (thing.first == ThingKind::weeklyC)
     addDailies(image.line.value, dailies_[static_cast<std::int16_t>(thing.second)]);
-  }
   const bool differs = !before.is(image.line.value);
   if (differs) {
     changes_.insert(thing);

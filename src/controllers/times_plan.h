@@ -33,6 +33,8 @@ class TimesPlan {
   [[nodiscard]] Change ofAny() const;
   /// The things that have yet to be taken, or cannot be right, before the program is what it should be.
   [[nodiscard]] std::set<std::pair<ThingKind, std::int32_t>> needsOf(std::int16_t program) const;
+  /// Programs and holidays that change.
+  [[nodiscard]] const std::set<std::pair<ThingKind, std::int32_t>>& changes() const { return changes_; }
 
  private:
   using Thing = std::pair<ThingKind, std::int32_t>;

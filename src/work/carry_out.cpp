@@ -8,6 +8,7 @@
 #include "comm/station.h"
 #include "controllers/ledger_view.h"
 #include "files/conversions.h"
+#include "files/line_span.h"
 #include "platform/database/database.h"
 #include "work/clear_marks.h"
 #include "work/installation.h"
@@ -57,14 +58,17 @@ class Work {
 
   CarriedOutPlan run() {
     hangUpAbandoned(installation_);
+    std::set<std::int32_t> credits;
     lines_ = stationLines(installation_.database());
     const bool four = planner_.image().fourIntervals();
     bool noted = false;
     requireLedger(installation_.ledger().look([&](LedgerView& ledger) {
       if (!how_.changeIntervals) requireIntervals(ledger, four);
       noted = ledger.fourIntervals() == four;
+      credits = ledger.creditsSent();
       places_ = planner_.places(ledger);
     }));
+    endCredits(installation_, credits);
     if (!installation_.Com().inhibitCom) {
       if (!places_.empty() && !noted) installation_.ledger().noteFourIntervals(four);
       sendAll();
@@ -99,7 +103,7 @@ class Work {
     bool any = false;
     (void)installation_.ledger().look([&](LedgerView& ledger) {
       (void)planner_.places(ledger);
-      for (const ControllerPlace& place : places) any = any || !planner_.plan(ledger, place).items.empty();
+      for (const ControllerPlace& place : places) any = any || canSendAnything(planner_.plan(ledger, place));
     });
     return any;
   }
@@ -170,10 +174,7 @@ class Work {
       }
     }
     for (auto& [number, places] : credits) {
-      const ImageCard* card = planner_.image().card(number);
-      for (const ControllerPlace& place : places_) {
-        if (planner_.image().granted(place, card->group) != nullptr) places.push_back(place);
-      }
+      places = planner_.image().placesOf(planner_.image().card(number)->group);
     }
     installation_.ledger().beginCredits(credits);
   }
@@ -195,7 +196,10 @@ class Work {
   }
 
   void conclude() {
-    WholePlan left = clearMarks(installation_, how_.scope);
+    PlanScope scope = how_.scope;
+    scope.full = false;
+    const bool inhibited = installation_.Com().inhibitCom;
+    WholePlan left = inhibited ? planAll(installation_, scope) : clearMarks(installation_, scope);
     result_.leftOut = std::move(left.leftOut);
     for (PlannedController& controller : left.controllers) {
       CarriedOut& told = result_.controllers.emplace_back();
@@ -212,7 +216,7 @@ class Work {
       if (why != why_.end()) told.reason = why->second;
       if (told.missing.empty()) {
         told.outcome = told.sent == 0 ? Outcome::unchanged : Outcome::done;
-      } else if (installation_.Com().inhibitCom) {
+      } else if (inhibited) {
         told.outcome = Outcome::waiting;
         told.reason = "communications are inhibited";
       } else if (!controller.inUse && told.reason.empty()) {
@@ -267,6 +271,12 @@ bool CarriedOutPlan::isComplete() const {
 }
 
 CarriedOutPlan carryOut(Installation& installation, const CarryOut& how, Observer* observer) {
+  if (installation.engine().inTransaction())
+    throw Refusal("a download cannot be taken back: end the transaction before it");
+  if (installation.Com().inhibitCom && how.changeIntervals)
+    throw Refusal("the number of intervals cannot change while communications are inhibited");
+  const LineSpan lines(installation);
+  lines.require();
   return Work(installation, how, observer).run();
 }
 
@@ -283,6 +293,7 @@ WholePlan planAll(Installation& installation, const PlanScope& scope) {
   auto lines = stationLines(installation.database());
   requireLedger(installation.ledger().look([&](LedgerView& ledger) {
     requireIntervals(ledger, planner.image().fourIntervals());
+    whole.groupsLeftOut = planner.image().groupsLeftOut();
     whole.creditsOnTheirWay = ledger.creditsSent();
     for (const ControllerPlace& place : planner.places(ledger)) {
       const StationLine line = lines[place.station];

@@ -55,8 +55,10 @@ struct CarriedOutPlan {
 /// Marks of rows are cleared where every controller holds the row. While communications are inhibited
 /// nothing is sent, and the plan stays. Killed at any instant and called again it goes on.
 ///
-/// A Refusal when there is no ledger, or when the controllers were told daily programs of another number of
-/// intervals a day.
+/// It has the lines from the plan to its end: what another process sent in between could be of other rows.
+///
+/// A Refusal when there is no ledger, when the controllers were told daily programs of another number of
+/// intervals a day, and within a transaction. `err::permissionDenied` when another process has the lines.
 [[nodiscard]] CarriedOutPlan carryOut(Installation& installation, const CarryOut& how,
                                       Observer* observer = nullptr);
 
@@ -70,6 +72,7 @@ struct PlannedController {
 struct WholePlan {
   std::vector<PlannedController> controllers;  ///< by place
   std::vector<LeftOut> leftOut;                ///< cards that cannot be right
+  std::set<std::int16_t> groupsLeftOut;        ///< access groups whose cards cannot be sent everywhere
   std::set<std::int32_t> creditsOnTheirWay;    ///< cards whose marked credit is being given
 };
 /// Refuses as carryOut does when the controllers were told daily programs of another number of intervals.

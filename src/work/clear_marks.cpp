@@ -17,15 +17,18 @@ namespace {
 struct Open {
   std::set<std::pair<ThingKind, std::int32_t>> things;
   std::set<std::int16_t> groups;  ///< that a controller cannot be told of
+  bool everything = false;        ///< there is a controller that can be told nothing
 };
 
 Open openOf(const WholePlan& plan) {
   Open open;
   const auto leave = [&](const LeftOut& row) { open.things.insert({row.kind, row.number}); };
   for (const LeftOut& row : plan.leftOut) leave(row);
+  open.groups = plan.groupsLeftOut;
   for (const PlannedController& controller : plan.controllers) {
     for (const LeftOut& row : controller.plan.leftOut) leave(row);
     for (const PlanItem& item : controller.plan.items) open.things.insert({item.kind, item.number});
+    open.everything = open.everything || controller.plan.hasNoForm;
     open.groups.insert(controller.plan.groupsLeftOut.begin(), controller.plan.groupsLeftOut.end());
   }
   return open;
@@ -88,20 +91,19 @@ void clearGroups(Database& database) {
   clearRows("select * from AccGroupReaders where FlagD = true", "AccessGroupId");
 }
 
-/// Cards whose credit was on its way, and is not marked any more.
-std::vector<std::int32_t> creditsAtTheirEnd(Database& database, const std::set<std::int32_t>& onTheirWay) {
+}  // namespace
+
+void endCredits(Installation& installation, const std::set<std::int32_t>& onTheirWay) {
   std::vector<std::int32_t> ended;
   for (const std::int32_t number : onTheirWay) {
-    const auto row = database.openRecordset(
+    const auto row = installation.database().openRecordset(
         "parameters pNumber long; select Id from Cardholders where CardNum = pNumber and Deleted = false and "
         "CreditFlagD = true",
         {{"pNumber", number}});
     if (row->eof()) ended.push_back(number);
   }
-  return ended;
+  installation.ledger().endCredits(ended);
 }
-
-}  // namespace
 
 WholePlan clearMarks(Installation& installation, const PlanScope& scope) {
   Database& database = installation.database();
@@ -111,14 +113,13 @@ WholePlan clearMarks(Installation& installation, const PlanScope& scope) {
   Transaction transaction(installation.engine(), database);
   WholePlan plan = planAll(installation, everywhere);
   const Open open = openOf(plan);
-  clearCards(database, open, scope.card);
-  if (!scope.card) {
+  if (!open.everything) clearCards(database, open, scope.card);
+  if (!scope.card && !open.everything) {
     clearPrograms(database, open);
     clearGroups(database);
   }
-  const std::vector<std::int32_t> ended = creditsAtTheirEnd(database, plan.creditsOnTheirWay);
   transaction.commit();
-  installation.ledger().endCredits(ended);
+  endCredits(installation, plan.creditsOnTheirWay);
   if (scope.places) {
     std::erase_if(plan.controllers, [&](const PlannedController& controller) {
       return !scope.places->contains(controller.plan.place);

@@ -9,4 +9,7 @@ namespace voxa {
 /// sent. What is still planned in the scope; of a full one, what the controllers do not hold.
 WholePlan clearMarks(Installation& installation, const PlanScope& scope);
 
+/// Of the cards whose credit is on its way: it is at its end where the row does not mark it any more.
+void endCredits(Installation& installation, const std::set<std::int32_t>& onTheirWay);
+
 }  // namespace voxa

@@ -131,6 +131,8 @@ ControllerOverviews overviewControllers(Installation& installation) {
 
 void noteReplaced(Installation& installation, const std::string& station, const std::string& address,
                   bool usedElsewhere) {
+  const LineSpan lines(installation);
+  lines.require();
   const auto row = stationNamed(installation, station);
   const ControllerPlace place{row->get("Id").toInt16(), controllerAddress(address)};
   bool known = false;

@@ -48,8 +48,9 @@ struct ControllerOverviews {
 
 /// Another controller was put in place: nothing of what the one before held is there any more. The plan sends
 /// it everything. usedElsewhere: it may hold any cards and programs; then it is told to erase each card
-/// number that it is not to have. station: its name; address: as a person writes it. A Refusal when there is
-/// no controller.
+/// number that it is not to have. station: its name; address: as a person writes it. No process sends
+/// meanwhile: what the controller before takes would count for the new one. A Refusal when there is no
+/// controller; `err::permissionDenied` when another process has the lines.
 void noteReplaced(Installation& installation, const std::string& station, const std::string& address,
                   bool usedElsewhere);
 

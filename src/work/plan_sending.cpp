@@ -63,6 +63,22 @@ std::vector<PlanFile> filesOf(const ControllerPlan& plan) {
   return files;
 }
 
+bool canSendAnything(const ControllerPlan& plan) {
+  std::set<std::pair<ThingKind, std::int32_t>> brought;
+  for (const PlanItem& item : plan.items) {
+    if (item.kind != ThingKind::card) brought.insert({item.kind, item.number});
+  }
+  return std::any_of(plan.items.begin(), plan.items.end(), [&](const PlanItem& item) {
+    const auto sends = [&](PlanPhase phase) { return !item.of(phase).empty(); };
+    if (sends(PlanPhase::shut) || sends(PlanPhase::erase) || sends(PlanPhase::times) ||
+        sends(PlanPhase::cards))
+      return true;
+    const auto needs = plan.needs.find(item.program);
+    return needs == plan.needs.end() ||
+           std::includes(brought.begin(), brought.end(), needs->second.begin(), needs->second.end());
+  });
+}
+
 PlanSending::PlanSending(Installation& installation, const ControllerPlan& plan)
     : installation_(installation), plan_(plan) {
   left_.reserve(plan.items.size());
@@ -75,6 +91,8 @@ PlanSending::PlanSending(Installation& installation, const ControllerPlan& plan)
 
 bool PlanSending::isOpen(std::size_t item, PlanPhase phase) const {
   if (failed_.contains(item)) return false;
+  if (phase == PlanPhase::times)
+    return !keptBack_.contains({plan_.items[item].kind, plan_.items[item].number});
   if (phase != PlanPhase::doors) return true;
   const auto needs = plan_.needs.find(plan_.items[item].program);
   if (needs == plan_.needs.end()) return true;
@@ -144,7 +162,7 @@ void PlanSending::sendOneByOne(const PlanFile& file) {
       }
       stop();
       if (stopped_) return;
-      refuse(item, reason_);
+      refuse(item, file.phase);
       break;
     }
   }
@@ -156,10 +174,13 @@ void PlanSending::take(std::size_t item, std::size_t lines) {
   if (left_[item] == 0 && thing.kind != ThingKind::card) takenTimes_.insert({thing.kind, thing.number});
 }
 
-void PlanSending::refuse(std::size_t item, const std::string& why) {
+void PlanSending::refuse(std::size_t item, PlanPhase phase) {
+  const PlanItem& thing = plan_.items[item];
   failed_.insert(item);
-  refused_.push_back(nameOf(plan_.items[item].kind, plan_.items[item].number) +
-                     (why.empty() ? "" : ": " + why));
+  refused_.push_back(nameOf(thing.kind, thing.number) + (reason_.empty() ? "" : ": " + reason_));
+  // The card that could not be shut is as open as before.
+  if (phase == PlanPhase::shut || phase == PlanPhase::erase)
+    keptBack_.insert(thing.keepsBack.begin(), thing.keepsBack.end());
 }
 
 std::size_t PlanSending::taken() const {

@@ -20,6 +20,9 @@ struct PlanFile {
 /// rest of it, so that it is shut no longer than it must be.
 [[nodiscard]] std::vector<PlanFile> filesOf(const ControllerPlan& plan);
 
+/// Whether it has anything that can be sent now: not doors alone under programs that cannot be right.
+[[nodiscard]] bool canSendAnything(const ControllerPlan& plan);
+
 /// Sends the files of one controller's plan, and knows what became of its items.
 class PlanSending {
  public:
@@ -45,13 +48,14 @@ class PlanSending {
   void sendOneByOne(const PlanFile& file);
   void stop();
   void take(std::size_t item, std::size_t lines);
-  void refuse(std::size_t item, const std::string& why);
+  void refuse(std::size_t item, PlanPhase phase);
 
   Installation& installation_;
   const ControllerPlan& plan_;
   std::vector<std::size_t> left_;  // lines of each item that it has not taken
   std::set<std::pair<ThingKind, std::int32_t>> takenTimes_;
-  std::set<std::size_t> failed_;  // items
+  std::set<std::size_t> failed_;                           // items
+  std::set<std::pair<ThingKind, std::int32_t>> keptBack_;  // by cards that could not be shut
   std::vector<std::string> refused_;
   bool stopped_ = false;
   std::string reason_;

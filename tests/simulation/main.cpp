@@ -130,7 +130,7 @@ class Round {
           break;
         case 3:
           fate.disturbedAtCall = world_.chance.from(1, 6);
-          second = world_.planned ? carryOutStep(world_) : disturbance(world_);
+          second = world_.planned ? plannedDisturbance(world_) : disturbance(world_);
           break;
         default:
           break;
@@ -187,6 +187,7 @@ class Round {
     try {
       Session session(world_, answers + 1);
       session.open();
+      session.library().lineLock().patience = {};
       second.work(session);
       std::ofstream(scratch_ / "disturbances", std::ios::app) << '.';
     } catch (const Error&) {

@@ -13,13 +13,36 @@ Step statement(const std::string& sql) {
   return {"edit: " + sql, [sql](Session& session) { session.execute(sql); }};
 }
 
+/// A reader that was deleted is put up again, at the other door of its controller, and granted to group 1.
+void restoreReader(Session& session, const std::string& id) {
+  const int number = std::stoi(id);
+  const std::string other = std::to_string(number % 2 == 0 ? number - 1 : number + 1);
+  const auto beside = session.db().openRecordset("select * from Readers where Id = " + other);
+  if (beside->eof() || !session.db().openRecordset("select Id from Readers where Id = " + id)->eof()) return;
+  session.execute(
+      "insert into Readers (Id, Name, StationId, ControllerAddress, Position, ControllerType) values (" + id +
+      ", 'Door " + id + "', " + beside->get("StationId").toText() + ", " +
+      beside->get("ControllerAddress").toText() + ", " + std::to_string(2 - number % 2) + ", '" +
+      beside->get("ControllerType").toText() + "')");
+  session.execute(
+      "insert into AccGroupReaders (AccessGroupId, ReaderId, WeeklyProgType, WeeklyProgNum) values (1, " +
+      id + ", 'C', 2)");
+}
+
 /// What edits of one row do not reach: rows that come and go, numbers and codes that are used again.
 Step rowsStep(World& world) {
   Chance& chance = world.chance;
   const int number = chance.from(1, World::greatestCard);
   const std::string card = std::to_string(number);
   const std::string few = std::to_string(chance.from(2, 4));
-  switch (chance.below(7)) {
+  switch (chance.below(10)) {
+    case 7:
+      return statement("delete from Readers where Id = " + few);
+    case 8:
+      return {"reader " + few + " is back", [few](Session& session) { restoreReader(session, few); }};
+    case 9:
+      return statement("update Cardholders set PINCode = iif(PINCode = 12000, 5, 12000) where CardNum = " +
+                       card);
     case 0:
       return {"row " + card + " is another person's", [card, few, number](Session& session) {
                 session.execute("delete from Cardholders where CardNum = " + card);
@@ -104,6 +127,11 @@ Step nextPlannedStep(World& world) {
     default:
       return carryOutStep(world);
   }
+}
+
+Step plannedDisturbance(World& world) {
+  if (world.chance.once(4)) return carryOutStep(world);
+  return world.chance.once(3) ? rowsStep(world) : editStep(world);
 }
 
 Step carryOutEverything(const World& world) {

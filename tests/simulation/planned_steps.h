@@ -8,6 +8,8 @@ namespace voxa::simulation {
 [[nodiscard]] Step nextPlannedStep(World& world);
 /// Carries out the plan of everything, or of something.
 [[nodiscard]] Step carryOutStep(World& world);
+/// What another process does meanwhile: it changes rows, or wants the lines, too, and does not get them.
+[[nodiscard]] Step plannedDisturbance(World& world);
 /// Mends all controllers, and carries out the plan.
 [[nodiscard]] Step carryOutEverything(const World& world);
 

@@ -26,6 +26,7 @@ class AccessQuestionsTest : public test::InstallationTest {
  protected:
   void SetUp() override {
     createInstallation();
+    ASSERT_TRUE(library->ledger().open());
     for (const auto& [name, address, position] : {std::tuple("Front", "1", "1"),
                                                   {"Out", "1", "3"},
                                                   {"Side", "1", "2"},
