@@ -122,9 +122,8 @@ std::int16_t Controllers::carryOut(const char* member, const std::function<Carry
 }
 
 std::int16_t Controllers::replaced(const std::string& stationName, std::int16_t address, bool usedElsewhere) {
-  return attempt("msgUnexpecErr", "Controllers.replaced", [&] {
-    noteReplaced(context_, stationName, std::to_string(address), usedElsewhere);
-  });
+  return attempt("msgUnexpecErr", "Controllers.replaced",
+                 [&] { noteReplaced(context_, stationName, std::to_string(address), usedElsewhere); });
 }
 
 bool Controllers::mayOpen(const std::string& card, const std::string& door, std::optional<DateTime> at) {
