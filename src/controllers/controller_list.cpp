@@ -20,15 +20,15 @@ std::string textOf(const Value& value) {
 
 LedgerController ledgerController(const Recordset& row) {
   LedgerController controller;
-  controller.id = row.get("Id").toInt32();
-  controller.place = {row.get("Station").toInt16(), row.get("Address").toInt16()};
-  controller.type = textOf(row.get("Type"));
-  controller.changes = row.get("Changes").toInt32();
-  controller.since = row.get("Since").toDateTime();
-  controller.stationName = textOf(row.get("StationName"));
-  const Value retired = row.get("Retired");
+  controller.id = row.get(0U).toInt32();
+  controller.place = {row.get(1U).toInt16(), row.get(2U).toInt16()};
+  controller.type = textOf(row.get(3U));
+  controller.changes = row.get(4U).toInt32();
+  controller.since = row.get(5U).toDateTime();
+  controller.stationName = textOf(row.get(6U));
+  const Value retired = row.get(7U);
   if (!retired.isNull()) controller.retired = retired.toDateTime();
-  const Value contact = row.get("LastContact");
+  const Value contact = row.get(8U);
   if (!contact.isNull()) controller.lastContact = contact.toDateTime();
   return controller;
 }
@@ -47,11 +47,11 @@ ControllerList::ControllerList(Database& ledger, TableContext& context) : ledger
 }
 
 void ControllerList::readLedger() {
-  const auto rows = ledger_.openRecordset("select * from Controllers where Retired is null");
+  const auto rows = ledger_.openRecordset(std::string("select ") + ledgerControllerColumns +
+                                          ", ComPort, Phone from Controllers where Retired is null");
   for (; !rows->eof(); rows->moveNext()) {
     const LedgerController controller = ledgerController(*rows);
-    knownLines_[controller.place] = {controller.stationName, rows->get("ComPort"),
-                                     textOf(rows->get("Phone"))};
+    knownLines_[controller.place] = {controller.stationName, rows->get(9U), textOf(rows->get(10U))};
     controllers_[controller.place] = controller;
   }
 }

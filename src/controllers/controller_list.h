@@ -28,7 +28,10 @@ struct LedgerController {
   std::string stationName;              ///< as it was called last
 };
 /// One as a row of the ledger's table has it.
+/// row: of a query of `ledgerControllerColumns`.
 [[nodiscard]] LedgerController ledgerController(const Recordset& row);
+inline constexpr const char* ledgerControllerColumns =
+    "Id, Station, Address, Type, Changes, Since, StationName, Retired, LastContact";
 
 /// The controllers in use, by place. It is read once, and holds for one piece of work.
 ///

@@ -37,7 +37,8 @@ LedgerView::LedgerView(const LedgerFile& file, const ControllerList& controllers
 std::vector<LedgerController> LedgerView::retired() const {
   std::vector<LedgerController> retired;
   const auto rows = file_.database().openRecordset(
-      "select * from Controllers where Retired is not null order by Retired desc, Id desc");
+      std::string("select ") + ledgerControllerColumns +
+      " from Controllers where Retired is not null order by Retired desc, Id desc");
   for (; !rows->eof(); rows->moveNext()) retired.push_back(ledgerController(*rows));
   return retired;
 }

@@ -62,16 +62,23 @@ class Work {
     lines_ = stationLines(installation_.database());
     const bool four = planner_.image().fourIntervals();
     bool noted = false;
+    std::vector<ControllerPlace> places;
+    std::vector<ControllerPlan> plans;
+    std::size_t planned = 0;
     requireLedger(installation_.ledger().look([&](LedgerView& ledger) {
       if (!how_.changeIntervals) requireIntervals(ledger, four);
       noted = ledger.fourIntervals() == four;
       credits = ledger.creditsSent();
-      places_ = planner_.places(ledger);
+      places = planner_.places(ledger);
+      arrange(places);
+      if (!installation_.Com().inhibitCom) plans = planRound(ledger, now_, planned);
     }));
     endCredits(installation_, credits);
     if (!installation_.Com().inhibitCom) {
-      if (!places_.empty() && !noted) installation_.ledger().noteFourIntervals(four);
-      sendAll();
+      if (!places.empty() && !noted) installation_.ledger().noteFourIntervals(four);
+      sendRound(plans);
+      send(now_, planned);
+      sendLater();
     }
     conclude();
     return std::move(result_);
@@ -79,16 +86,16 @@ class Work {
 
  private:
   /// Those of the lines in use first; then station by station those that are called.
-  void sendAll() {
-    std::vector<ControllerPlace> now;
-    std::map<std::int16_t, std::vector<ControllerPlace>> later;
-    for (const ControllerPlace& place : places_) {
+  void arrange(const std::vector<ControllerPlace>& places) {
+    for (const ControllerPlace& place : places) {
       const StationLine line = lines_[place.station];
-      if (line.inUse) now.push_back(place);
-      if (!line.inUse && line.dialUp && how_.dial) later[place.station].push_back(place);
+      if (line.inUse) now_.push_back(place);
+      if (!line.inUse && line.dialUp && how_.dial) later_[place.station].push_back(place);
     }
-    send(now);
-    for (const auto& [station, places] : later) {
+  }
+
+  void sendLater() {
+    for (const auto& [station, places] : later_) {
       if (!missesAnything(places)) continue;
       const StationCall call(installation_, station);
       if (!call.isUp()) {
@@ -108,17 +115,24 @@ class Work {
     return any;
   }
 
-  void send(const std::vector<ControllerPlace>& places) {
-    for (auto next = places.begin(); next != places.end();) {
+  /// The plans of some places that miss something, from `next` on.
+  std::vector<ControllerPlan> planRound(const LedgerView& ledger, const std::vector<ControllerPlace>& places,
+                                        std::size_t& next) const {
+    std::vector<ControllerPlan> plans;
+    for (std::size_t items = 0; next < places.size() && items < itemsOfRound; ++next) {
+      ControllerPlan plan = planner_.plan(ledger, places[next]);
+      items += plan.items.size();
+      if (!plan.items.empty()) plans.push_back(std::move(plan));
+    }
+    return plans;
+  }
+
+  void send(const std::vector<ControllerPlace>& places, std::size_t next = 0) {
+    while (next < places.size()) {
       std::vector<ControllerPlan> plans;
-      std::size_t items = 0;
       (void)installation_.ledger().look([&](LedgerView& ledger) {
         (void)planner_.places(ledger);
-        for (; next != places.end() && items < itemsOfRound; ++next) {
-          ControllerPlan plan = planner_.plan(ledger, *next);
-          items += plan.items.size();
-          if (!plan.items.empty()) plans.push_back(std::move(plan));
-        }
+        plans = planRound(ledger, places, next);
       });
       sendRound(plans);
     }
@@ -129,8 +143,9 @@ class Work {
     std::vector<PlanSending> sendings;
     std::vector<std::pair<std::size_t, PlanFile>> files;
     sendings.reserve(plans.size());
+    const std::set<ControllerPlace> known = knownToAnswer(plans);
     for (const ControllerPlan& plan : plans) {
-      if (!answers(plan.place)) continue;
+      if (!known.contains(plan.place) && !answers(plan.place)) continue;
       for (PlanFile& file : filesOf(plan)) files.emplace_back(sendings.size(), std::move(file));
       sendings.emplace_back(installation_, plan);
       sent_.push_back(plan.place);
@@ -179,11 +194,22 @@ class Work {
     installation_.ledger().beginCredits(credits);
   }
 
-  /// By a test of its station that is made once; for a card alone not where this process has found before
-  /// that it answers.
+  /// For a card alone nothing is tested where this process has found before that it answers.
+  std::set<ControllerPlace> knownToAnswer(const std::vector<ControllerPlan>& plans) {
+    std::set<ControllerPlace> known;
+    if (!how_.scope.card) return known;
+    const Reading moment(installation_.database());
+    Com& com = installation_.Com();
+    for (const ControllerPlan& plan : plans) {
+      const ControllerPlace& place = plan.place;
+      if (com.hasAnswered(place) && com.TestSend(place.station, place.address)) known.insert(place);
+    }
+    return known;
+  }
+
+  /// By a test of its station that is made once.
   bool answers(const ControllerPlace& place) {
     Com& com = installation_.Com();
-    if (how_.scope.card && com.hasAnswered(place) && com.TestSend(place.station, place.address)) return true;
     if (tested_.insert(place.station).second) {
       (void)com.refresh(place.station, into(result_.notices));
       (void)com.popErrorList();  // the silent ones are named one by one
@@ -239,7 +265,8 @@ class Work {
   Observer* observer_;
   Planner planner_;
   std::map<std::int16_t, StationLine> lines_;
-  std::vector<ControllerPlace> places_;
+  std::vector<ControllerPlace> now_;
+  std::map<std::int16_t, std::vector<ControllerPlace>> later_;
   std::set<std::int16_t> tested_;
   std::vector<ControllerPlace> sent_;
   std::map<ControllerPlace, Taken> taken_;
