@@ -95,6 +95,8 @@ class Round {
       build(world_, rows);
       return 0;
     });
+    // What the rows allow at the beginning, too.
+    if (wrong.empty()) wrong = inProcess("the beginning", [&] { return check(); });
     for (int step = 0; step < stepsOfRound && wrong.empty(); ++step) wrong = next();
     if (wrong.empty() && !world_.planned) {
       wrong = take(sendEverything(world_), {}, {});
