@@ -219,7 +219,8 @@ void CardDownload::writeFlags(const Sent& card, std::vector<std::int32_t>& credi
   Recordset& row = *cards_.currentRecordset();
   if (card.everywhere) {
     if (scope_ || cards_.currentValues() != card.values) return;
-    if (row.get(flagColumn(creditPart)).toBool()) credits.push_back(row.get("CardNum").toInt32());
+    const Value number = row.get("CardNum");
+    if (row.get(flagColumn(creditPart)).toBool() && !number.isNull()) credits.push_back(number.toInt32());
   }
   row.edit();
   for (std::size_t part = 0; part < cardPartCount; ++part) {

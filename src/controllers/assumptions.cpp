@@ -16,20 +16,21 @@ Possible assumption(const std::string& value, bool marked) {
   return marked ? Possible::unknown() : Possible::assumed(value);
 }
 
-/// What a controller may hold of a card; granted: null where its group is granted nothing. A card whose move
-/// to another group is marked may be wherever the group before it was, with the doors of that one.
+/// What a controller may hold of a card; granted: null where its group is granted nothing. A card that cannot
+/// be right may be there in any form, one whose move to another group is marked wherever the group before it
+/// was, and of several with one number nobody knows which.
 CardState stateOf(const ImageCard& card, const ImageRights* granted) {
   CardState state;
-  const bool moved = card.marks[accessGroupPart];
-  const bool faulty = !card.fault.empty() || (granted != nullptr && !granted->fault.empty());
-  if (granted == nullptr ? moved : faulty) state.mayBeAnything();
-  if (granted == nullptr || faulty) return state;
+  const bool faulty = granted != nullptr && (!card.fault.empty() || !granted->fault.empty());
+  if (faulty || card.marks[accessGroupPart] || card.several) {
+    state.mayBeAnything();
+    return state;
+  }
+  if (granted == nullptr) return state;
   const CardImage image = card.wanted ? Image::on(card, *granted) : CardImage();
   for (std::size_t i = 0; i < cardFieldCount; ++i) {
     const auto field = static_cast<CardField>(i);
-    const bool door = field == CardField::door1 || field == CardField::door2;
-    state.part(field) =
-        assumption(ledgerValue(field, image.value(field)), card.marks[partOf(field)] || (door && moved));
+    state.part(field) = assumption(ledgerValue(field, image.value(field)), card.marks[partOf(field)]);
   }
   if (!card.wanted) return state;
   for (const std::int16_t output : granted->lifts) state.setLift(output, assumption("1", card.marks.any()));
@@ -48,10 +49,16 @@ void assume(const LedgerFile& file, AccessContext& context) {
       insert(place, slotOf(thing.line.kind, thing.line.number),
              assumption(thing.line.value, thing.marked).text());
     }
+    for (const LeftOut& row : image.things(type).leftOut) {
+      const SlotRange slots = slotsOf(row.kind);
+      if (row.number >= 0 && row.number < slots.end - slots.first)
+        insert(place, slotOf(row.kind, row.number), Possible::unknown().text());
+    }
     for (const ImageCard& card : image.cards()) {
       const ImageRights* granted = image.granted(place, card.group);
-      if (granted != nullptr || card.marks[accessGroupPart])
-        insert(place, slotOf(ThingKind::card, card.number), stateOf(card, granted).text());
+      const CardState state = stateOf(card, granted);
+      if (granted != nullptr || state != CardState())
+        insert(place, slotOf(ThingKind::card, card.number), state.text());
     }
   }
 }
@@ -60,6 +67,12 @@ void assume(const LedgerFile& file, AccessContext& context) {
 
 void assumeNothing(const LedgerFile& file, AccessContext& context) {
   ControllerList controllers(file.database(), context);
+  controllers.requireInstallation();
+  if (!context.DB()) {
+    throw Error(err::dbInvalidObject,
+                "The ledger of what the controllers hold was damaged: a new one begins when the main "
+                "database is open");
+  }
   for (const auto& [place, type] : controllers.installed()) {
     if (!isOfController(place.address)) continue;
     const std::int32_t base = controllers.at(place).id * slotsOfController;

@@ -34,7 +34,7 @@ bool mayOpen(const CardState& held) {
 /// The weekly programs that a card may have at a controller; none when it may be any.
 std::optional<std::set<std::int16_t>> programsOf(const CardState& held) {
   const Possible& program = held.part(CardField::weekly);
-  if (program.certainty() == Certainty::unknown) return std::nullopt;
+  if (program.mayBeAny()) return std::nullopt;
   std::set<std::int16_t> programs;
   bool known = true;
   const auto take = [&](const std::string& number) {
@@ -58,9 +58,13 @@ TimesPlan::Change timesChange(const CardsAt& at, const CardState& held) {
   return worst;
 }
 
-/// What must wait until the card is shut or gone.
+/// What must wait until the card is shut or gone. Not for one of which nothing but its number is known: a
+/// controller that refuses such a line would get no times any more.
 void keepBack(const CardsAt& at, const CardState& held, PlanItem& item) {
-  if (!mayOpen(held) || timesChange(at, held) != TimesPlan::Change::mixed) return;
+  const bool known = std::any_of(std::begin(doors), std::end(doors), [&](CardField door) {
+    return mayOpen(held, door) && held.part(door) != Possible::unknown();
+  });
+  if (!known || timesChange(at, held) != TimesPlan::Change::mixed) return;
   const auto programs = programsOf(held);
   if (!programs) {
     item.keepsBack = at.times.changes();
@@ -87,7 +91,8 @@ class Comparison {
   std::optional<PlanItem> item(bool creditSent) {
     const bool absent = code().is("");
     const bool creditMarked = card_.marks[creditPart];
-    const bool sendsCredit = creditMarked && !creditSent;
+    // Another code is another card: it gets its credit, whatever was on its way before.
+    const bool sendsCredit = creditMarked && (!creditSent || differs_[index(CardField::code)]);
     const bool eraseFirst = absent ? keepsParts() : hasOtherLift();
     if (differs_.none() && missingLifts_.empty() && !eraseFirst && !sendsCredit && !at_.full)
       return times(PlanReason::timesChange);
@@ -272,6 +277,9 @@ std::optional<PlanItem> unwantedCard(const CardsAt& at, std::int32_t number, Pla
 std::optional<PlanItem> faultyCard(const CardsAt& at, const ImageCard& card, const CardState& held) {
   const bool mixed = timesChange(at, held) == TimesPlan::Change::mixed;
   if (held.part(CardField::code).is("") || !mayOpen(held) || (!card.barred && !mixed)) return std::nullopt;
+  // A door of a card that may not be there is not certainly shut by its line.
+  if (card.barred && !held.part(CardField::code).isThere())
+    return unwantedCard(at, card.number, PlanReason::blocked, held);
   PlanItem item;
   item.number = card.number;
   item.action = card.barred ? PlanItem::Action::send : PlanItem::Action::shutMeanwhile;

@@ -151,9 +151,10 @@ void ControllerList::forgetDigests(const LedgerController& controller) {
                   std::to_string(first + bucketsOfController - 1));
 }
 
-LedgerController& ControllerList::add(const ControllerPlace& place) {
+LedgerController& ControllerList::add(const ControllerPlace& place, const std::string& typeBefore) {
   LedgerController controller;
   controller.place = place;
+  controller.type = typeBefore;
   controller.since = context_.clock().now();
   if (const auto type = types_.find(place); type != types_.end()) controller.type = type->second;
   const auto line = lines_.find(place.station);
@@ -236,11 +237,13 @@ std::string ControllerList::nameOf(std::int16_t station) const {
 }
 
 LedgerController& ControllerList::replace(const ControllerPlace& place) {
+  std::string type;
   if (const auto known = controllers_.find(place); known != controllers_.end()) {
+    type = known->second.type;
     retire(known->second);
     controllers_.erase(known);
   }
-  return add(place);
+  return add(place, type);
 }
 
 }  // namespace voxa

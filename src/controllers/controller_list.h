@@ -74,7 +74,8 @@ class ControllerList {
   void readLedger();
   void readInstallation(Database& main);
   void align();
-  LedgerController& add(const ControllerPlace& place);
+  /// typeBefore: of one without readers, that of the controller before it.
+  LedgerController& add(const ControllerPlace& place, const std::string& typeBefore = "");
   [[nodiscard]] std::optional<std::int32_t> lastRetired(const ControllerPlace& place) const;
   void retire(const LedgerController& controller);
   void forgetHoldings(const LedgerController& controller);

@@ -111,8 +111,9 @@ void Image::addCard(const Recordset& row) {
   if (!cards_.empty() && cards_.back().number == card.number) {
     ImageCard& first = cards_.back();
     if (card.deleted) return;
-    first.barred = first.barred && card.barred;
+    first.barred = first.barred || card.barred;
     first.several = true;
+    first.wanted = first.wanted || card.wanted;
     first.name += " and " + card.name;
     first.fault = "several cards have this number: none of them is sent until each has its own";
     return;
@@ -281,7 +282,11 @@ ThingImages Image::thingsFor(const std::string& controllerType) const {
       const bool fitsOthers = std::any_of(
           std::begin(controllerTypes), std::end(controllerTypes),
           [&](const char* other) { return sentLine(row.text, other).fit == SentLine::Fit::certain; });
-      if (fitsOthers) continue;
+      if (fitsOthers) {
+        leftOut.reason = "controllers of its kind do not take it";
+        images.ofOthers.push_back(std::move(leftOut));
+        continue;
+      }
       leftOut.reason = "no controller takes it";
     }
     images.leftOut.push_back(std::move(leftOut));

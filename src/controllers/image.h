@@ -38,6 +38,7 @@ struct ThingImages {
   std::vector<ThingImage> things;
   std::uint64_t digest = 0;  ///< of the type and the lines
   std::vector<LeftOut> leftOut;
+  std::vector<LeftOut> ofOthers;  ///< rows that only controllers of the other type take
 };
 
 /// A card as its row wants it, wherever it is sent.

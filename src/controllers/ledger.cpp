@@ -74,14 +74,16 @@ bool Ledger::open() {
   if (file_.folder() != folder) block_.reset();
   pending_.leave();
   ++openings_;
-  const auto begin = [&] { assumeRows(file_, context_); };
+  const auto begin = [&] {
+    LedgerFile::wasDamaged(folder) ? assumeNothing(file_, context_) : assumeRows(file_, context_);
+  };
   try {
     return file_.open(folder, begin) != LedgerFile::Opened::none;
   } catch (const Error& error) {
     if (error.number() != err::dbNotADatabase) throw;
     putAside(error);
   }
-  return file_.open(folder, [&] { assumeNothing(file_, context_); }) != LedgerFile::Opened::none;
+  return file_.open(folder, begin) != LedgerFile::Opened::none;
 }
 
 void Ledger::provide() {

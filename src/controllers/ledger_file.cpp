@@ -7,6 +7,8 @@ namespace voxa {
 
 namespace {
 
+constexpr const char* damagedSuffix = ".damaged";
+
 TableDef table(const char* name) {
   TableDef definition{name, {}, {}};
   FieldDef id;
@@ -115,11 +117,15 @@ void LedgerFile::close() {
   database_.reset();
 }
 
+bool LedgerFile::wasDamaged(const std::string& folder) {
+  return files::exists(pathIn(folder) + damagedSuffix + "1");
+}
+
 std::string LedgerFile::setAside() {
   close();
   if (files::identity(path()) != identity_) return "";
   for (int n = 1;; ++n) {
-    std::string aside = path() + ".damaged" + std::to_string(n);
+    std::string aside = path() + damagedSuffix + std::to_string(n);
     if (files::exists(aside)) continue;
     files::rename(path(), aside);
     for (const char* rest : {"-wal", "-shm"}) (void)files::removeRegular(path() + rest);

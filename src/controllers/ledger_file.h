@@ -41,6 +41,8 @@ class LedgerFile {
   /// Puts a damaged ledger aside, under a name of its own, which is returned; "" when another file has taken
   /// its place meanwhile.
   std::string setAside();
+  /// Whether a ledger of that folder was ever put aside: a new one there believes nothing.
+  [[nodiscard]] static bool wasDamaged(const std::string& folder);
 
   [[nodiscard]] bool isOpen() const { return database_ != nullptr; }
   [[nodiscard]] const std::string& folder() const { return folder_; }

@@ -15,6 +15,7 @@ std::uint64_t digestOf(const ImageCard& card) {
   Digest digest;
   digest.add(static_cast<std::uint64_t>(card.number));
   digest.add(card.validated ? "1" : "0");
+  digest.add(card.barred ? "1" : "0");
   for (const std::string& value : card.values) digest.add(value);
   return digest.value();
 }
@@ -87,6 +88,7 @@ ControllerPlan Planner::plan(const LedgerView& ledger, const ControllerPlace& pl
     at.plan.leftOut.push_back({ThingKind::card, 0, "the controller",
                                "its readers name two types of controller: lines have two forms"});
     at.plan.hasNoForm = true;
+    for (const auto& [group, granted] : image_.grantedAt(place)) at.plan.groupsLeftOut.push_back(group);
   }
   at.digests = ledger.digests(place);
   // Without a type only cards can be erased: that line has one form.
@@ -98,10 +100,19 @@ ControllerPlan Planner::plan(const LedgerView& ledger, const ControllerPlace& pl
   return std::move(at.plan);
 }
 
+bool Planner::hasBothTypes(const At& at) const {
+  const auto& installed = at.ledger.controllers().installed();
+  return std::any_of(installed.begin(), installed.end(), [&](const auto& controller) {
+    return !controller.second.empty() && controller.second != at.plan.type;
+  });
+}
+
 void Planner::planThings(At& at) const {
   static const ThingImages nothing;
   const ThingImages& wanted = at.installed ? image_.things(at.plan.type) : nothing;
   const std::uint64_t digest = wanted.digest;
+  // What only the other kind of controller takes is told of where there is none.
+  if (!hasBothTypes(at)) at.plan.leftOut = wanted.ofOthers;
   const auto known = at.digests.find(bucketOfThings);
   if (!scope_.full && wanted.leftOut.empty() && known != at.digests.end() && known->second == digest) return;
   at.times.emplace(wanted, at.ledger.holdings(at.plan.place, slotsBehindCards), at.plan.type, at.isNew,
@@ -204,9 +215,17 @@ void Planner::planNumber(At& at, const CardsAt& cards, const Holdings& held, std
   const bool wanted = card != nullptr && card->wanted && (granted != nullptr || card->several);
   if (wanted) {
     const bool leftOut = !card->fault.empty() || !granted->fault.empty();
-    if (at.plan.type.empty()) return;
-    item = leftOut ? faultyCard(cards, *card, state)
-                   : wantedCard(cards, *card, *granted, state, at.ledger.isCreditSent(number));
+    if (at.plan.type.empty()) {
+      if (!card->barred) return;
+      item = unwantedCard(cards, number, PlanReason::blocked, state);
+    } else {
+      item = leftOut ? faultyCard(cards, *card, state)
+                     : wantedCard(cards, *card, *granted, state, at.ledger.isCreditSent(number));
+    }
+    if (leftOut && item && item->program != 0) {
+      if (auto needs = at.times->needsOf(item->program); !needs.empty())
+        at.plan.needs[item->program] = std::move(needs);
+    }
   } else {
     const PlanReason reason = card == nullptr || card->deleted ? PlanReason::deleted
                               : card->wanted                   ? PlanReason::leftGroup

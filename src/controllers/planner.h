@@ -46,6 +46,7 @@ class Planner {
   using Buckets = std::array<std::uint64_t, cardBuckets>;
   struct At;
   void planThings(At& at) const;
+  [[nodiscard]] bool hasBothTypes(const At& at) const;
   void planCards(At& at) const;
   [[nodiscard]] std::vector<std::int32_t> bucketsToWalk(At& at) const;
   void planBucket(At& at, const Holdings& held, std::int32_t bucket) const;

@@ -31,6 +31,8 @@ class Possible {
   void mayBeAnything();
 
   [[nodiscard]] Certainty certainty() const;
+  /// Whether nothing is known but what may have been added since.
+  [[nodiscard]] bool mayBeAny() const { return base_ == Certainty::unknown; }
   [[nodiscard]] bool isHeld() const { return base_ == Certainty::held && since_.empty(); }
   /// Whether the thing may have this value, by what is certain; an assumption excludes nothing.
   [[nodiscard]] bool mayBe(std::string_view value) const;

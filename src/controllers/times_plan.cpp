@@ -74,11 +74,11 @@ void TimesPlan::noteDailies(std::int32_t number, const Possible& before) {
   std::set<std::int32_t>& dailies = dailies_[program];
   addDailies(before.last(), dailies);
   for (const std::string& value : before.since()) addDailies(value, dailies);
-  if (before.certainty() == Certainty::unknown) anyDaily_.insert(program);
+  if (before.mayBeAny()) anyDaily_.insert(program);
 }
 
 void TimesPlan::noteDays(const Possible& before, const std::string& after) {
-  anyDay_ = anyDay_ || before.certainty() == Certainty::unknown;
+  anyDay_ = anyDay_ || before.mayBeAny();
   if (!before.last().empty()) daysBefore_.insert(before.last().substr(0, ddmm));
   for (const std::string& day : before.since()) {
     if (!day.empty()) daysBefore_.insert(day.substr(0, ddmm));

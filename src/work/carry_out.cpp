@@ -75,7 +75,7 @@ class Work {
     }));
     endCredits(installation_, credits);
     if (!installation_.Com().inhibitCom) {
-      if (!places.empty() && !noted) installation_.ledger().noteFourIntervals(four);
+      if ((!places.empty() || how_.changeIntervals) && !noted) installation_.ledger().noteFourIntervals(four);
       sendRound(plans);
       send(now_, planned);
       sendLater();

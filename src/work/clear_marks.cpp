@@ -17,7 +17,7 @@ namespace {
 struct Open {
   std::set<std::pair<ThingKind, std::int32_t>> things;
   std::set<std::int16_t> groups;  ///< that a controller cannot be told of
-  bool everything = false;        ///< there is a controller that can be told nothing
+  bool times = false;             ///< there is a controller that can be told of no program
 };
 
 Open openOf(const WholePlan& plan) {
@@ -28,7 +28,7 @@ Open openOf(const WholePlan& plan) {
   for (const PlannedController& controller : plan.controllers) {
     for (const LeftOut& row : controller.plan.leftOut) leave(row);
     for (const PlanItem& item : controller.plan.items) open.things.insert({item.kind, item.number});
-    open.everything = open.everything || controller.plan.hasNoForm;
+    open.times = open.times || controller.plan.hasNoForm;
     open.groups.insert(controller.plan.groupsLeftOut.begin(), controller.plan.groupsLeftOut.end());
   }
   return open;
@@ -54,7 +54,8 @@ void clearCards(Database& database, const Open& open, std::optional<std::int32_t
   for (; !rows->eof(); rows->moveNext()) {
     const Value number = rows->get("CardNum");
     if (!number.isNull() && open.things.contains({ThingKind::card, number.toInt32()})) continue;
-    if (open.groups.contains(nullToInt(rows->get("AccessGroupId")))) continue;
+    const bool deleted = rows->get("Deleted").toBool();
+    if (!deleted && open.groups.contains(nullToInt(rows->get("AccessGroupId")))) continue;
     clear(*rows, flags);
   }
 }
@@ -113,9 +114,9 @@ WholePlan clearMarks(Installation& installation, const PlanScope& scope) {
   Transaction transaction(installation.engine(), database);
   WholePlan plan = planAll(installation, everywhere);
   const Open open = openOf(plan);
-  if (!open.everything) clearCards(database, open, scope.card);
-  if (!scope.card && !open.everything) {
-    clearPrograms(database, open);
+  clearCards(database, open, scope.card);
+  if (!scope.card) {
+    if (!open.times) clearPrograms(database, open);
     clearGroups(database);
   }
   transaction.commit();

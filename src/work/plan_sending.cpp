@@ -97,8 +97,12 @@ bool PlanSending::isOpen(std::size_t item, PlanPhase phase) const {
   const auto needs = plan_.needs.find(plan_.items[item].program);
   if (needs == plan_.needs.end()) return true;
   // What no item brings cannot be right, or is not sent here.
-  return std::all_of(needs->second.begin(), needs->second.end(),
-                     [&](const auto& thing) { return takenTimes_.contains(thing); });
+  const auto all = [&](const auto& things) {
+    return std::all_of(needs->second.begin(), needs->second.end(),
+                       [&](const auto& thing) { return things.contains(thing); });
+  };
+  // Where all of it is kept back, a card that is right opens under its old times again.
+  return all(takenTimes_) || (plan_.items[item].action == PlanItem::Action::shutMeanwhile && all(keptBack_));
 }
 
 std::vector<std::string> PlanSending::linesIfTaken(const PlanFile& file) const {

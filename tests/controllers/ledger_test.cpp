@@ -192,7 +192,7 @@ TEST_F(LedgerTest, ANewLedgerBeginsWithTheRows) {
         std::string(holder));
   }
   db().execute("update DailyPrograms set DailyProgramFlagD = False");
-  EXPECT_EQ(card(1) + " " + card(1, 8) + " " + card(2), "~00000001,~00,~1 ~00000002,^,^ none");
+  EXPECT_EQ(card(1) + " " + card(1, 8) + " " + card(2), "~00000001,~00,~1 ^,^,^ none");
   EXPECT_EQ(daily(2, 1), "~0000240024002400");
   // One of a newer version is not touched, and what it does not know of is not sent.
   restart();

@@ -124,7 +124,7 @@ TEST_F(PlanFaultsTest, AControllerWithoutReadersOrWithReadersOfTwoTypesLosesWhat
   EXPECT_FALSE(carry().isComplete());
   EXPECT_FALSE(sends("1<"));
   EXPECT_EQ(query("select PINCodeFlagD from Cardholders"), "True");
-  EXPECT_NE(carried("Deleted = True").find("1<09000700000000||>"), std::string::npos);
+  EXPECT_NE(carried("Validated = False").find("1<09000700000000||>"), std::string::npos);
 }
 
 TEST_F(PlanFaultsTest, WhereNoControllerIsNothingIsMissedAndAGroupThatNobodyCanBeToldOfKeepsItsMarks) {
@@ -132,6 +132,10 @@ TEST_F(PlanFaultsTest, WhereNoControllerIsNothingIsMissedAndAGroupThatNobodyCanB
     return call.address == 49 ? std::int16_t{2} : std::int16_t{100};
   };
   raw(9, {"0900071234567?"});
+  EXPECT_TRUE(carry().isComplete());
+  db().execute("insert into Holidays (Id, Name, [Date], EachYear) values (25, 'W', #12/25/2026#, True)");
+  EXPECT_FALSE(carry().isComplete());  // one slot more than a controller of this type has
+  db().execute("update Readers set ControllerType = 'VRMD1' where Id = 2");
   EXPECT_TRUE(carry().isComplete());
   addReader(3, "Side", 1, 17, 1);
   grant(3, 5);
@@ -148,6 +152,13 @@ TEST_F(PlanFaultsTest, ABlockedCardIsShutThoughItsRowCannotBeRight) {
   carried("Validated = True, PINCode = 1");
   EXPECT_EQ(carried("ValidationDate = #2/29/2000#"), shut);
   carried("ValidationDate = null");
+  db().execute("insert into Cardholders (CardNum, Name, AccessGroupId) values (7, 'Twin', 5)");
+  EXPECT_EQ(carried("Supervisor = True"), "");
+  db().execute("update Cardholders set Validated = False where Name = 'Twin'");
+  carry();
+  EXPECT_EQ(sent(), shut);
+  db().execute("delete from Cardholders where Name = 'Twin'");
+  carry();
   db().execute(
       "insert into Alarms (Id, Num, Type, Name, StationId, ControllerAddress) values (1, 100, 'M', 'L', 1, "
       "1)");
@@ -159,11 +170,14 @@ TEST_F(PlanFaultsTest, TimesThatMixAreNotSentUnderACardThatCouldNotBeShut) {
   const auto mix = [&](const char* end) {
     db().execute(std::string("update DailyPrograms set EndFirstInterval = '") + end + "' where Id = 2");
   };
+  card(8);
+  carry();
   db().execute("update WeeklyPrograms set DailyProgDay1 = 3 where ProgNum = 1");
   mix("11:00");
   refuse("1600070");
   carry();
   EXPECT_FALSE(sends("3102") || sends("3201")) << sent();
+  EXPECT_TRUE(sends("1<1600081||>")) << sent();  // its neighbour opens under the old times again
   set("Deleted = True");
   refuse("0900070");
   carry();
@@ -174,13 +188,13 @@ TEST_F(PlanFaultsTest, TimesThatMixAreNotSentUnderACardThatCouldNotBeShut) {
   db().execute("update WeeklyPrograms set DailyProgDay2 = 3 where ProgNum = 1");
   mix("11:30");
   carried("PINCode = 12000");
-  EXPECT_TRUE(sent().starts_with("1<1600070||> 1<3102") && sends("1<1600071||>")) << sent();
+  EXPECT_TRUE(sent().starts_with("1<1600070|1600080||> 1<3102") && sends("1600071|1600081||>")) << sent();
   carried("PINCode = 1");
   withoutRelations("update WeeklyPrograms set DailyProgDay7 = 100 where ProgNum = 1");
   mix("10:00");
   db().execute("insert into Holidays (Id, Name, [Date], EachYear) values (1, 'W', #12/25/2026#, True)");
   carry();
-  EXPECT_TRUE(sent().starts_with("1<1600070||> 1<3102")) << sent();
+  EXPECT_TRUE(sent().starts_with("1<1600070|1600080||> 1<3102")) << sent();
   EXPECT_FALSE(sends("1600071"));
 }
 
@@ -232,7 +246,8 @@ TEST_F(PlanFaultsTest, ANewLedgerTakesNothingForGoneThatMayBeThere) {
   beginNewLedger();
   db().execute("update Cardholders set Deleted = True where CardNum = 8");
   carry();
-  EXPECT_TRUE(sends("1<09000800000000") && sends("2<09000700000000|09000800000000")) << sent();
+  EXPECT_TRUE(sends("1<09000700000000|09000800000000||>") && sends("2<09000700000000|09000800000000||>"))
+      << sent();
   // A damaged one had known of a card whose row is gone.
   db().execute("delete from Cardholders");
   beginNewLedger("rubbish");
