@@ -58,13 +58,15 @@ TimesPlan::Change timesChange(const CardsAt& at, const CardState& held) {
   return worst;
 }
 
-/// What must wait until the card is shut or gone. Not for one of which nothing but its number is known: a
-/// controller that refuses such a line would get no times any more.
-void keepBack(const CardsAt& at, const CardState& held, PlanItem& item) {
+/// What must wait until the card is shut or gone. least: what has to happen to the times; of a card that
+/// changes itself any change, since the new times are not those of the old row. Not for one of which nothing
+/// but its number is known: a controller that refuses such a line would get no times any more.
+void keepBack(const CardsAt& at, const CardState& held, PlanItem& item,
+              TimesPlan::Change least = TimesPlan::Change::simple) {
   const bool known = std::any_of(std::begin(doors), std::end(doors), [&](CardField door) {
     return mayOpen(held, door) && held.part(door) != Possible::unknown();
   });
-  if (!known || timesChange(at, held) != TimesPlan::Change::mixed) return;
+  if (!known || timesChange(at, held) < least) return;
   const auto programs = programsOf(held);
   if (!programs) {
     item.keepsBack = at.times.changes();
@@ -239,7 +241,7 @@ class Comparison {
     sent[index(CardField::code)] = !code().isThere();
     shut(item, sent);
     fill(item, sent, {}, false);
-    keepBack(at_, held_, item);
+    keepBack(at_, held_, item, TimesPlan::Change::mixed);
     return item;
   }
 
@@ -293,7 +295,7 @@ std::optional<PlanItem> faultyCard(const CardsAt& at, const ImageCard& card, con
     if (!card.barred && item.program != 0 && held.part(door).is("1"))
       item.of(PlanPhase::doors).push_back(cardLine(door, card.number, "1", at.controllerType));
   }
-  keepBack(at, held, item);
+  keepBack(at, held, item, card.barred ? TimesPlan::Change::simple : TimesPlan::Change::mixed);
   return item;
 }
 

@@ -172,6 +172,12 @@ TEST_F(PlanFaultsTest, TimesThatMixAreNotSentUnderACardThatCouldNotBeShut) {
   };
   card(8);
   carry();
+  // A blocked card that could not be shut does not get the new times of others either.
+  mix("10:30");
+  refuse("1600070");
+  EXPECT_EQ(carried("Validated = False").find("3102"), std::string::npos) << sent();
+  answerAll(100);
+  carried("Validated = True");
   db().execute("update WeeklyPrograms set DailyProgDay1 = 3 where ProgNum = 1");
   mix("11:00");
   refuse("1600070");
