@@ -64,12 +64,9 @@ void print(const std::vector<AccessAnswer>& answers, bool json) {
 }
 
 void say(const AccessAnswer& answer) {
-  std::cout << formatDateTime(answer.at, "dd/mm/yyyy hh:nn") << ": " << answer.name << " (card "
-            << answer.card << (answer.opens ? ") opens " : ") does not open ") << answer.door << ": "
-            << reasonText(answer) << '\n';
+  std::cout << formatDateTime(answer.at, "dd/mm/yyyy hh:nn") << ": " << sentenceOf(answer) << '\n';
   if (answer.opens && answer.personalCode) std::cout << "The reader may ask for the personal code\n";
-  std::cout << "Known at " << answer.controllerName
-            << (answer.lineInUse ? ": " : ", whose line is not in use: ") << knownText(answer) << '\n';
+  std::cout << "Known at " << whereKnown(answer) << '\n';
 }
 
 void who(Session& session, const AccessOptions& options) {

@@ -45,11 +45,8 @@ std::string linesOf(const std::vector<AccessAnswer>& answers) {
   std::string lines;
   for (const AccessAnswer& answer : answers) {
     const bool asksCode = answer.opens && answer.personalCode;
-    std::string line = answer.name + " (card " + std::to_string(answer.card) +
-                       (answer.opens ? ") opens " : ") does not open ") + answer.door + ": " +
-                       reasonText(answer) + (asksCode ? "; the reader may ask for the personal code" : "") +
-                       "; known at " + answer.controllerName +
-                       (answer.lineInUse ? ": " : ", whose line is not in use: ") + knownText(answer);
+    std::string line = sentenceOf(answer) + (asksCode ? "; the reader may ask for the personal code" : "") +
+                       "; known at " + whereKnown(answer);
     std::replace_if(
         line.begin(), line.end(), [](unsigned char c) { return c < ' '; }, ' ');
     lines += (lines.empty() ? "" : "\r\n") + line;

@@ -3,6 +3,7 @@
 #include "access/access_context.h"
 #include "controllers/card_state.h"
 #include "controllers/controller_list.h"
+#include "controllers/holdings.h"
 #include "controllers/image.h"
 #include "controllers/ledger_file.h"
 #include "controllers/thing_slot.h"
@@ -74,10 +75,7 @@ void assumeNothing(const LedgerFile& file, AccessContext& context) {
                 "database is open");
   }
   for (const auto& [place, type] : controllers.installed()) {
-    if (!isOfController(place.address)) continue;
-    const std::int32_t base = controllers.at(place).id * slotsOfController;
-    for (std::int32_t slot = slotsOfOthers.first; slot < slotsOfOthers.end; ++slot)
-      file.insertThing().execute({base + slot, Possible::unknown().text()});
+    if (isOfController(place.address)) noteAnything(file, controllers.at(place));
   }
 }
 

@@ -27,11 +27,10 @@ struct LedgerController {
   std::optional<DateTime> lastContact;  ///< when it acknowledged something last
   std::string stationName;              ///< as it was called last
 };
-/// One as a row of the ledger's table has it.
-/// row: of a query of `ledgerControllerColumns`.
-[[nodiscard]] LedgerController ledgerController(const Recordset& row);
 inline constexpr const char* ledgerControllerColumns =
     "Id, Station, Address, Type, Changes, Since, StationName, Retired, LastContact";
+/// One as a row of the ledger's table has it. row: of a query that begins with `ledgerControllerColumns`.
+[[nodiscard]] LedgerController ledgerController(const Recordset& row);
 
 /// The controllers in use, by place. It is read once, and holds for one piece of work.
 ///
@@ -85,8 +84,8 @@ class ControllerList {
   Database& ledger_;
   TableContext& context_;
   std::map<ControllerPlace, LedgerController> controllers_;
-  std::map<ControllerPlace, Line> knownLines_;  // as the ledger has them
-  std::optional<Error> unread_;
+  std::map<ControllerPlace, Line> knownLines_;    // as the ledger has them
+  std::optional<Error> unread_;                   // why the main database could not be read
   std::map<std::int16_t, Line> lines_;            // of the stations, as they are now
   std::map<ControllerPlace, std::string> types_;  // of the readers
 };

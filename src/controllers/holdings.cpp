@@ -18,10 +18,10 @@ class TouchedThings {
     const std::int32_t first = slots.empty() ? slotsOfOthers.first : *slots.begin();
     const std::int32_t last = slots.empty() ? slotsOfOthers.first : *slots.rbegin();
     // One query for things that lie together, as the cards of a block do.
-    const bool together = static_cast<std::size_t>(last - first) <= 4 * slots.size() + 16;
-    if (together) read(first, last);
-    for (const std::int32_t slot : slots) {
-      if (!together) read(slot, slot);
+    if (static_cast<std::size_t>(last - first) <= 4 * slots.size() + 16) {
+      read(first, last);
+    } else {
+      for (const std::int32_t slot : slots) read(slot, slot);
     }
   }
 
@@ -223,6 +223,12 @@ Holdings readHoldings(const LedgerFile& file, const LedgerController& controller
                                                     std::to_string(controller.id) + " order by Sent, Id");
   for (; !others->eof(); others->moveNext()) holdings.notUnderstood.push_back(others->get("Line").toText());
   return holdings;
+}
+
+void noteAnything(const LedgerFile& file, const LedgerController& controller) {
+  const std::int32_t base = controller.id * slotsOfController;
+  for (std::int32_t slot = slotsOfOthers.first; slot < slotsOfOthers.end; ++slot)
+    file.insertThing().execute({base + slot, Possible::unknown().text()});
 }
 
 }  // namespace voxa

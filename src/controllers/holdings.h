@@ -31,6 +31,9 @@ void addThing(std::int32_t slot, const std::string& state, Holdings& holdings);
 void readThings(const LedgerFile& file, const LedgerController& controller, const SlotRange& slots,
                 Holdings& holdings);
 
+/// Notes of a controller of which nothing is noted yet that it may hold anything.
+void noteAnything(const LedgerFile& file, const LedgerController& controller);
+
 /// Lines that were sent to a controller, in their order.
 struct SentLines {
   std::vector<std::string_view> lines;

@@ -49,9 +49,8 @@ struct ImageCard {
   bool wanted = false;  ///< controllers are to have it: it is not deleted, and has a code
   bool deleted = false;
   bool validated = false;
-  bool barred =
-      false;        ///< whatever else its row says, it opens nothing: it is blocked, or its last day is over
-  CardParts marks;  ///< parts of the row that are to be sent
+  bool barred = false;  ///< it opens nothing: it is blocked, or its last day is over
+  CardParts marks;      ///< parts of the row that are to be sent
   std::array<std::string, cardFieldCount> values;  ///< by CardField, but for rights, as their lines have them
   std::string fault;                               ///< why it cannot be right; "" when it can
   bool several = false;                            ///< other cards in use have its number

@@ -140,12 +140,15 @@ std::array<std::uint64_t, cardBuckets> Planner::cardDigests(const ControllerPlac
   return digests;
 }
 
+void Planner::addNeeds(At& at, std::int16_t program) {
+  if (auto needs = at.times->needsOf(program); !needs.empty()) at.plan.needs[program] = std::move(needs);
+}
+
 void Planner::planCards(At& at) const {
   static const Holdings noHoldings;
   if (!at.times) at.times.emplace(ThingImages(), noHoldings, at.plan.type, at.isNew, false);
   for (const auto& [group, granted] : image_.grantedAt(at.plan.place)) {
-    const std::int16_t program = granted.rights.weeklyProgram;
-    if (auto needs = at.times->needsOf(program); !needs.empty()) at.plan.needs[program] = std::move(needs);
+    addNeeds(at, granted.rights.weeklyProgram);
     if (granted.fault.empty() || !ofGroups_.contains(group)) continue;
     at.plan.leftOut.push_back({ThingKind::card, 0, "access group " + std::to_string(group), granted.fault});
     at.plan.groupsLeftOut.push_back(group);
@@ -213,19 +216,13 @@ void Planner::planNumber(At& at, const CardsAt& cards, const Holdings& held, std
   const CardState state = held.card(number);
   std::optional<PlanItem> item;
   const bool wanted = card != nullptr && card->wanted && (granted != nullptr || card->several);
-  if (wanted) {
-    const bool leftOut = !card->fault.empty() || !granted->fault.empty();
-    if (at.plan.type.empty()) {
-      if (!card->barred) return;
-      item = unwantedCard(cards, number, PlanReason::blocked, state);
-    } else {
-      item = leftOut ? faultyCard(cards, *card, state)
-                     : wantedCard(cards, *card, *granted, state, at.ledger.isCreditSent(number));
-    }
-    if (leftOut && item && item->program != 0) {
-      if (auto needs = at.times->needsOf(item->program); !needs.empty())
-        at.plan.needs[item->program] = std::move(needs);
-    }
+  if (wanted && at.plan.type.empty()) {
+    if (card->barred) item = unwantedCard(cards, number, PlanReason::blocked, state);
+  } else if (wanted && card->fault.empty() && granted->fault.empty()) {
+    item = wantedCard(cards, *card, *granted, state, at.ledger.isCreditSent(number));
+  } else if (wanted) {
+    item = faultyCard(cards, *card, state);
+    if (item) addNeeds(at, item->program);
   } else {
     const PlanReason reason = card == nullptr || card->deleted ? PlanReason::deleted
                               : card->wanted                   ? PlanReason::leftGroup

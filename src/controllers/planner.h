@@ -47,6 +47,7 @@ class Planner {
   struct At;
   void planThings(At& at) const;
   [[nodiscard]] bool hasBothTypes(const At& at) const;
+  static void addNeeds(At& at, std::int16_t program);
   void planCards(At& at) const;
   [[nodiscard]] std::vector<std::int32_t> bucketsToWalk(At& at) const;
   void planBucket(At& at, const Holdings& held, std::int32_t bucket) const;

@@ -15,16 +15,15 @@ void replaceController(const LedgerFile& file, ControllerList& controllers, cons
   if (const LedgerController* known = controllers.find(place); known != nullptr) {
     readThings(file, *known, slotsOf(ThingKind::badgeFormat), before);
   }
-  const std::int32_t base = controllers.replace(place).id * slotsOfController;
+  const LedgerController& now = controllers.replace(place);
+  const std::int32_t base = now.id * slotsOfController;
   for (const auto& [thing, format] : before.things) {
     // Not acknowledged by this one: it is to be sent again.
     Possible again;
     again.mayBecome(format.since().empty() ? format.last() : format.since().back());
     file.insertThing().execute({base + slotOf(thing.first, thing.second), again.text()});
   }
-  if (!usedElsewhere) return;
-  for (std::int32_t slot = slotsOfOthers.first; slot < slotsOfOthers.end; ++slot)
-    file.insertThing().execute({base + slot, Possible::unknown().text()});
+  if (usedElsewhere) noteAnything(file, now);
 }
 
 void beginCredits(const LedgerFile& file, ControllerList& controllers,

@@ -68,4 +68,14 @@ std::string knownText(const AccessAnswer& answer) {
   return text + (answer.opens ? "; it keeps the door shut" : "; it opens the door");
 }
 
+std::string sentenceOf(const AccessAnswer& answer) {
+  return answer.name + " (card " + std::to_string(answer.card) +
+         (answer.opens ? ") opens " : ") does not open ") + answer.door + ": " + reasonText(answer);
+}
+
+std::string whereKnown(const AccessAnswer& answer) {
+  return answer.controllerName + (answer.lineInUse ? ": " : ", whose line is not in use: ") +
+         knownText(answer);
+}
+
 }  // namespace voxa

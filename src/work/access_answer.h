@@ -56,6 +56,10 @@ struct AccessAnswer {
   Sure controllerOpens = Sure::unsaid;  ///< what it does by what it certainly holds
 };
 
+/// "Ann (card 7) opens Front door: always".
+[[nodiscard]] std::string sentenceOf(const AccessAnswer& answer);
+/// What follows "known at": "Local Controller 1: yes", or ", whose line is not in use: " between.
+[[nodiscard]] std::string whereKnown(const AccessAnswer& answer);
 /// The reason in plain words: "outside the hours of Staff, Office (08:00-12:00)".
 [[nodiscard]] std::string reasonText(const AccessAnswer& answer);
 /// "yes", "in doubt: weekly program Staff" or "not yet: the card"; and what the controller does when that is

@@ -109,7 +109,6 @@ void endCredits(Installation& installation, const std::set<std::int32_t>& onThei
 WholePlan clearMarks(Installation& installation, const PlanScope& scope) {
   Database& database = installation.database();
   PlanScope everywhere = scope;
-  everywhere.full = false;
   everywhere.places.reset();
   Transaction transaction(installation.engine(), database);
   WholePlan plan = planAll(installation, everywhere);

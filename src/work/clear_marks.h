@@ -6,7 +6,7 @@ namespace voxa {
 
 /// Clears the marks of the rows that every controller holds, in a transaction that keeps others from changing
 /// them meanwhile. Rows that are left out keep theirs, and so do the built-in programs 0, which are never
-/// sent. What is still planned in the scope; of a full one, what the controllers do not hold.
+/// sent. What is still planned in the scope, which is not a full one.
 WholePlan clearMarks(Installation& installation, const PlanScope& scope);
 
 /// Of the cards whose credit is on its way: it is at its end where the row does not mark it any more.

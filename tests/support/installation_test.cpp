@@ -12,10 +12,12 @@
 
 #include "app/qdb.h"
 #include "comm/com.h"
+#include "engines/language/dialect.h"
 #include "engines/sqlite/engine.h"
 #include "journal/journal.h"
 #include "messages/strings.h"
 #include "platform/datetime.h"
+#include "platform/text.h"
 
 namespace voxa::test {
 
@@ -146,8 +148,15 @@ std::string InstallationTest::query(const std::string& sql) {
 void InstallationTest::plain(const std::string& file, const std::string& sql) {
   sqlite3* other = nullptr;
   ASSERT_EQ(sqlite3_open(file.c_str(), &other), SQLITE_OK);
+  (void)sqlite3_create_collation(
+      other, dialect::collation, SQLITE_UTF8, nullptr,
+      [](void*, int size, const void* one, int sizeOther, const void* another) {
+        return compareNoCase({static_cast<const char*>(one), static_cast<std::size_t>(size)},
+                             {static_cast<const char*>(another), static_cast<std::size_t>(sizeOther)});
+      });
   EXPECT_EQ(
-      sqlite3_exec(other, ("PRAGMA ignore_check_constraints=ON; " + sql).c_str(), nullptr, nullptr, nullptr),
+      sqlite3_exec(other, ("PRAGMA foreign_keys=OFF; PRAGMA ignore_check_constraints=ON; " + sql).c_str(),
+                   nullptr, nullptr, nullptr),
       SQLITE_OK)
       << sqlite3_errmsg(other);
   sqlite3_close(other);
