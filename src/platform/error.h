@@ -13,6 +13,7 @@ namespace err {
 inline constexpr int invalidArgument = 5;
 inline constexpr int overflow = 6;
 inline constexpr int outOfMemory = 7;
+inline constexpr int divisionByZero = 11;
 inline constexpr int typeMismatch = 13;
 inline constexpr int internalError = 51;
 inline constexpr int badFileNumber = 52;
@@ -27,6 +28,7 @@ inline constexpr int permissionDenied = 70;
 inline constexpr int pathAccess = 75;
 inline constexpr int pathNotFound = 76;
 inline constexpr int objectNotSet = 91;
+inline constexpr int invalidPattern = 93;
 inline constexpr int invalidNull = 94;
 inline constexpr int entryPointNotFound = 453;
 
@@ -46,6 +48,7 @@ inline constexpr int dbSyntax = 3075;                ///< syntax error in a stat
 inline constexpr int dbUnknownTable = 3078;          ///< unknown table or query
 inline constexpr int dbAmbiguousName = 3079;         ///< a column name that more than one table has
 inline constexpr int dbUnknownFunction = 3085;       ///< undefined function in expression
+inline constexpr int dbOrderNotSelected = 3093;      ///< DISTINCT sorted by what it does not select
 inline constexpr int dbNotAggregated = 3122;         ///< a field neither grouped nor aggregated
 inline constexpr int dbUnknownField = 3127;          ///< INSERT names a field that the table has not
 inline constexpr int dbTableExists = 3010;           ///< table already exists

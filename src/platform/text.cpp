@@ -122,6 +122,25 @@ constexpr char32_t base(char32_t c) {
   }
 }
 
+/// Where a lower-case character sorts: first what is neither digit nor letter, then digits, then letters.
+constexpr char32_t placeOf(char32_t c) {
+  constexpr char32_t digits = 0x1000000;
+  constexpr char32_t letters = 0x2000000;
+  if (c < 0x80) return c >= 'a' && c <= 'z' ? letters + c : c >= '0' && c <= '9' ? digits + c : c;
+  const char32_t without = base(c);
+  if (without != c) return letters + without;
+  // The signs of code page 1252, and the general punctuation and symbols of Unicode.
+  const bool sign = c < 0xC0 || c == 0xD7 || c == 0xF7 || (c >= 0x2000 && c < 0x2C00);
+  return sign ? c : letters + c;
+}
+
+constexpr std::array<char32_t, 128> makeAsciiPlaces() {
+  std::array<char32_t, 128> places{};
+  for (char32_t c = 0; c < 128; ++c) places[c] = placeOf(lower(c));
+  return places;
+}
+constexpr std::array<char32_t, 128> asciiPlaces = makeAsciiPlaces();
+
 template <typename Map>
 std::string mapped(std::string_view text, Map map) {
   std::string out;
@@ -185,6 +204,23 @@ std::string fromCp1252(std::string_view bytes) {
   return out;
 }
 
+int compareAsBefore(std::string_view a, std::string_view b) {
+  std::size_t i = 0;
+  std::size_t j = 0;
+  int accents = 0;
+  while (i < a.size() && j < b.size()) {
+    const char32_t ca = lower(decode(a, i));
+    const char32_t cb = lower(decode(b, j));
+    const char32_t ba = base(ca);
+    const char32_t bb = base(cb);
+    if (ba != bb) return ba < bb ? -1 : 1;
+    if (accents == 0 && ca != cb) accents = ca < cb ? -1 : 1;
+  }
+  if (i < a.size()) return 1;
+  if (j < b.size()) return -1;
+  return accents;
+}
+
 int compareNoCase(std::string_view a, std::string_view b) {
   const std::size_t common = std::min(a.size(), b.size());
   std::size_t i = 0;
@@ -193,9 +229,9 @@ int compareNoCase(std::string_view a, std::string_view b) {
     const unsigned cb = byteAt(b, i);
     if ((ca | cb) >= 0x80) break;
     if (ca == cb) continue;
-    const auto la = static_cast<int>(lower(ca));
-    const auto lb = static_cast<int>(lower(cb));
-    if (la != lb) return la - lb;
+    const char32_t pa = asciiPlaces[ca];
+    const char32_t pb = asciiPlaces[cb];
+    if (pa != pb) return pa < pb ? -1 : 1;
   }
   // Letters decide first. The first difference in accents counts only when all letters are the same.
   int accents = 0;
@@ -204,9 +240,9 @@ int compareNoCase(std::string_view a, std::string_view b) {
     const char32_t ca = lower(decode(a, i));
     const char32_t cb = lower(decode(b, j));
     if (ca == cb) continue;
-    const char32_t ba = base(ca);
-    const char32_t bb = base(cb);
-    if (ba != bb) return ba < bb ? -1 : 1;
+    const char32_t pa = placeOf(ca);
+    const char32_t pb = placeOf(cb);
+    if (pa != pb) return pa < pb ? -1 : 1;
     if (accents == 0) accents = ca < cb ? -1 : 1;
   }
   if (i < a.size()) return 1;

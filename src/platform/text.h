@@ -14,9 +14,14 @@ namespace voxa {
 /// Code page 1252 to UTF-8; every byte has a meaning (the five unassigned ones stay control characters).
 [[nodiscard]] std::string fromCp1252(std::string_view bytes);
 
-/// Order without regard to case (for all letters of code page 1252): negative, 0 or positive. The database
-/// engine compares texts by it; it can be used as an SQLite collation.
+/// Order without regard to case (for all letters of code page 1252): negative, 0 or positive. Signs come
+/// before digits, digits before letters. A letter with an accent follows the one without, and only decides
+/// between texts that are the same but for accents. The database engine compares texts by it; it can be used
+/// as an SQLite collation.
 [[nodiscard]] int compareNoCase(std::string_view a, std::string_view b);
+/// The order of files that were made before signs had their place: all characters by their numbers. Equal are
+/// the same texts.
+[[nodiscard]] int compareAsBefore(std::string_view a, std::string_view b);
 [[nodiscard]] bool equalNoCase(std::string_view a, std::string_view b);
 /// Lower-case and upper-case of the letters of code page 1252 that have both forms. Other text stays as it
 /// is.

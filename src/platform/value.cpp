@@ -1,7 +1,9 @@
 #include "platform/value.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <cstdlib>
 #include <limits>
 #include <optional>
 
@@ -40,16 +42,29 @@ std::string quoted(std::string_view text) {
   throw Error(err::overflow, "Overflow: " + number + " is outside the range of " + wanted);
 }
 
+/// With the 15 digits that a double holds for certain: 0.1 * 3 is 0.3. With an exponent when more than 15
+/// places are needed on either side of the point.
 std::string doubleText(double v) {
-  // Whole numbers are written out up to the 15 digits that a double holds for certain.
-  const double size = std::fabs(v);
-  const auto form =
-      v == 0 || (size >= 1e-4 && size < 1e15) ? std::chars_format::fixed : std::chars_format::scientific;
+  constexpr int certain = 15;
+  if (v == 0) return "0";
   char buffer[64];
-  const auto end = std::to_chars(buffer, buffer + sizeof buffer, v == 0 ? 0.0 : v, form).ptr;
-  std::string out(buffer, end);
-  if (const auto e = out.find('e'); e != std::string::npos) out[e] = 'E';
-  return out;
+  char* const end =
+      std::to_chars(buffer, buffer + sizeof buffer, v, std::chars_format::scientific, certain - 1).ptr;
+  std::string digits(buffer, end);
+  const auto e = digits.find('e');
+  if (e == std::string::npos) return digits;  // not finite
+  const int exponent = std::atoi(digits.c_str() + e + 1);
+  digits.resize(e);
+  while (digits.back() == '0') digits.pop_back();
+  if (digits.back() == '.') digits.pop_back();
+  const std::size_t point = digits.find('.');
+  const int fraction = point == std::string::npos ? 0 : static_cast<int>(digits.size() - point) - 1;
+  const int places = std::max(fraction - exponent, 0);
+  if (exponent < certain && places <= certain) {
+    return {buffer, std::to_chars(buffer, buffer + sizeof buffer, v, std::chars_format::fixed, places).ptr};
+  }
+  const std::string power = zeroPadded(std::abs(exponent), 2);
+  return digits + (exponent < 0 ? "E-" : "E+") + power;
 }
 
 /// The number that the whole text is, with blanks around it allowed. Empty when it is no number.

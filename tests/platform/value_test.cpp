@@ -41,7 +41,9 @@ TEST(ValueTest, NumbersAsText) {
   EXPECT_EQ(Value(0.1).toText(), "0.1");
   EXPECT_EQ(Value(999999999999999.0).toText(), "999999999999999");
   EXPECT_EQ(Value(1e15).toText(), "1E+15");
-  EXPECT_EQ(Value(Value(1.0 / 3).toText()).toDouble(), 1.0 / 3);
+  EXPECT_EQ(Value(0.1 * 3).toText(), "0.3");
+  EXPECT_EQ(Value(-1.0 / 3).toText(), "-0.333333333333333");
+  EXPECT_EQ(Value(1.25e-20).toText(), "1.25E-20");
   EXPECT_EQ(Value(std::uint8_t{65}).toText(), "65");
   EXPECT_EQ(Value(false).toText(), "False");
 }

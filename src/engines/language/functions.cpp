@@ -15,7 +15,7 @@ namespace {
 enum class Result : std::uint8_t { whole, real, date, text, condition, boolean, likeFirst };
 
 /// A function as SQLite text, with its arguments at $1, $2 and so on. An argument is taken as a number (n), a
-/// date (d), a text (t), or as it is (v).
+/// date (d), a text (t; w: True and False as these words), or as it is (v).
 struct Function {
   std::string_view name;
   std::string_view arguments;
@@ -27,14 +27,14 @@ constexpr Function functions[] = {
     {"asc", "t", "vx_asc($1)", Result::whole},
     {"cbool", "v", "vx_store($1, 1, 0)", Result::boolean},
     {"cbyte", "v", "vx_store($1, 2, 0)", Result::whole},
-    {"ccur", "v", "vx_store($1, 7, 0)", Result::real},
+    {"ccur", "v", "vx_currency(vx_store($1, 7, 0))", Result::real},
     {"cdate", "v", "vx_store($1, 8, 0)", Result::date},
     {"cdbl", "v", "vx_store($1, 7, 0)", Result::real},
     {"chr", "n", "vx_chr($1)", Result::text},
     {"cint", "v", "vx_store($1, 3, 0)", Result::whole},
     {"clng", "v", "vx_store($1, 4, 0)", Result::whole},
     {"csng", "v", "vx_store($1, 7, 0)", Result::real},
-    {"cstr", "t", "$1", Result::text},
+    {"cstr", "w", "$1", Result::text},
     {"cvdate", "v", "vx_store($1, 8, 0)", Result::date},
     {"date", "", "vx_fix(vx_now())", Result::date},
     {"dateserial", "nnn", "vx_dateserial($1, $2, $3)", Result::date},
@@ -137,6 +137,7 @@ Term Writer::call(const Expression& e, Scope& scope) {
     arguments.push_back(kind == 'n'   ? number(std::move(term))
                         : kind == 'd' ? date(std::move(term))
                         : kind == 't' ? text(term)
+                        : kind == 'w' ? words(term)
                                       : operand(term));
   }
   Term out;
@@ -211,12 +212,16 @@ Term Writer::choice(const Expression& e, Scope& scope) {
 }
 
 Term Writer::format(const Expression& e, Scope& scope) {
-  if (e.arguments.empty() || e.arguments.size() > 2)
+  if (e.arguments.empty() || e.arguments.size() > 4)
     failFunction(e.name, "takes another number of arguments");
   const Term term = write(*e.arguments[0], scope);
-  if (e.arguments.size() == 1) return {.sql = text(term), .type = DataType::Text, .chain = '?'};
-  const std::string pattern = text(write(*e.arguments[1], scope));
-  return {.sql = "vx_format(" + value(term) + ", " + pattern + ")", .type = DataType::Text};
+  const std::string pattern = e.arguments.size() > 1 ? text(write(*e.arguments[1], scope)) : "''";
+  std::string weeks;
+  for (std::size_t i = 2; i < 4; ++i)
+    weeks += ", " + (i < e.arguments.size() ? number(write(*e.arguments[i], scope)) : "1");
+  return {.sql = "vx_format(" + value(term) + ", " + typeCode(term.type.value_or(DataType::Text)) + ", " +
+                 pattern + weeks + ")",
+          .type = DataType::Text};
 }
 
 }  // namespace voxa::dialect

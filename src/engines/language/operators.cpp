@@ -29,6 +29,7 @@ const char* comparisonText(Operator op) {
 }  // namespace
 
 Term Writer::binary(const Expression& e, Scope& scope) {
+  if (e.op == Operator::logicalAnd || e.op == Operator::logicalOr) return linked(e, scope);
   Term left = write(*e.arguments[0], scope);
   Term right = write(*e.arguments[1], scope);
   if (const char* compared = comparisonText(e.op)) {
@@ -41,8 +42,6 @@ Term Writer::binary(const Expression& e, Scope& scope) {
   switch (e.op) {
     case Operator::like:
       return logical((e.negated ? "NOT vx_like(" : "vx_like(") + text(left) + ", " + text(right) + ")");
-    case Operator::logicalAnd:
-    case Operator::logicalOr:
     case Operator::exclusiveOr:
     case Operator::equivalent:
     case Operator::implies:
@@ -52,20 +51,35 @@ Term Writer::binary(const Expression& e, Scope& scope) {
   }
 }
 
-Term Writer::logic(Operator op, Term left, Term right) {
-  const char link = op == Operator::logicalAnd ? 'a' : 'o';
-  const auto part = [this](Term term, bool goesOn) {
-    convert(term, DataType::Boolean);
-    return term.chain == 0 || term.chain == comparison || goesOn ? term.sql : "(" + term.sql + ")";
+/// A term as a part of a condition.
+std::string Writer::part(Term term) {
+  convert(term, DataType::Boolean);
+  return term.chain == 0 || term.chain == comparison ? term.sql : "(" + term.sql + ")";
+}
+
+/// AND and OR, however many they link. SQLite's tree grows with each one in a row, and has a greatest height:
+/// many are halved.
+Term Writer::linked(const Expression& e, Scope& scope) {
+  constexpr std::size_t inARow = 64;
+  const bool all = e.op == Operator::logicalAnd;
+  std::vector<std::string> parts;
+  for (const auto& argument : e.arguments) parts.push_back(part(write(*argument, scope)));
+  const auto join = [&](const auto& self, std::size_t first, std::size_t end) -> std::string {
+    if (end - first > inARow) {
+      const std::size_t middle = first + (end - first) / 2;
+      return "(" + self(self, first, middle) + ")" + (all ? " AND (" : " OR (") + self(self, middle, end) + ")";
+    }
+    std::string out = parts[first];
+    for (std::size_t i = first + 1; i < end; ++i) out += (all ? " AND " : " OR ") + parts[i];
+    return out;
   };
-  const bool goesOn = left.chain == link;
-  const std::string l = part(std::move(left), goesOn);
-  const std::string r = part(std::move(right), false);
+  return logical(join(join, 0, parts.size()), all ? 'a' : 'o');
+}
+
+Term Writer::logic(Operator op, Term left, Term right) {
+  const std::string l = part(std::move(left));
+  const std::string r = part(std::move(right));
   switch (op) {
-    case Operator::logicalAnd:
-      return logical(l + " AND " + r, link);
-    case Operator::logicalOr:
-      return logical(l + " OR " + r, link);
     case Operator::exclusiveOr:
       return logical("(NOT (" + l + ")) <> (NOT " + r + ")");
     case Operator::equivalent:
@@ -84,33 +98,39 @@ Term Writer::arithmetic(Operator op, Term left, Term right) {
     case Operator::multiply:
       return {.sql = number(std::move(left)) + " * " + number(std::move(right)), .type = type, .chain = '?'};
     case Operator::divide:
-      return {.sql = "1.0 * " + number(std::move(left)) + " / " + number(std::move(right)),
-              .type = DataType::Double,
-              .chain = '?'};
+      return {.sql = "vx_div(" + number(std::move(left)) + ", " + number(std::move(right)) + ")",
+              .type = DataType::Double};
     case Operator::power:
       return {.sql = "vx_pow(" + number(std::move(left)) + ", " + number(std::move(right)) + ")",
               .type = DataType::Double};
-    case Operator::concatenate: {
-      // Null counts as no text.
-      const auto part = [this](const Term& term) {
-        const bool never = term.slot && slots_[*term.slot].literal;
-        return never && isTextType(term.type) ? term.sql : "coalesce(" + text(term) + ", '')";
-      };
-      std::string l = left.chain == '&' ? std::move(left.sql) : part(left);
-      return {.sql = std::move(l) + " || " + part(right), .type = DataType::Text, .chain = '&'};
-    }
+    case Operator::concatenate:
+      return concatenate(std::move(left), right);
     default: {
       // Whole division and remainder round both operands first.
       const auto whole = [this](Term term) {
         if (isWholeType(term.type)) return operand(term);
         return "vx_store(" + number(std::move(term)) + ", " + typeCode(DataType::Long) + ", 0)";
       };
-      return {
-          .sql = whole(std::move(left)) + (op == Operator::modulo ? " % " : " / ") + whole(std::move(right)),
-          .type = DataType::Long,
-          .chain = '?'};
+      const char* function = op == Operator::modulo ? "vx_mod(" : "vx_idiv(";
+      return {.sql = function + whole(std::move(left)) + ", " + whole(std::move(right)) + ")",
+              .type = DataType::Long};
     }
   }
+}
+
+/// Null counts as no text, but two of them joined stay Null. A chain '&' has a text in it that is never Null.
+Term Writer::concatenate(Term left, const Term& right) {
+  const auto never = [this](const Term& term) {
+    return term.chain == '&' || (term.slot && slots_[*term.slot].literal && isTextType(term.type));
+  };
+  if (!never(left) && !never(right))
+    return {.sql = "vx_join(" + text(left) + ", " + text(right) + ")", .type = DataType::Text};
+  const auto part = [&](const Term& term) {
+    if (term.chain == '&') return "(" + term.sql + ")";
+    return never(term) ? term.sql : "coalesce(" + text(term) + ", '')";
+  };
+  std::string l = left.chain == '&' ? std::move(left.sql) : part(left);
+  return {.sql = std::move(l) + " || " + part(right), .type = DataType::Text, .chain = '&'};
 }
 
 /// Texts are joined. A date and a number give a date so many days away. Two dates give their difference in

@@ -142,6 +142,7 @@ syntax::ExpressionPtr Parser::chain(std::size_t level) {
     return chain(level + 1);
   };
   ExpressionPtr left = operand();
+  bool linked = false;
   for (;;) {
     const auto* found =
         std::find_if(std::begin(binaryOperators), std::end(binaryOperators), [&](const auto& o) {
@@ -150,7 +151,14 @@ syntax::ExpressionPtr Parser::chain(std::size_t level) {
     if (found == std::end(binaryOperators)) return left;
     const std::size_t position = current().position;
     advance();
-    left = binary(found->op, position, std::move(left), operand());
+    // What OR or AND links many times over is one node, however many they are.
+    const bool links = found->op == Operator::logicalAnd || found->op == Operator::logicalOr;
+    if (links && linked) {
+      adopt(*left, operand());
+    } else {
+      left = binary(found->op, position, std::move(left), operand());
+      linked = links;
+    }
   }
 }
 

@@ -23,6 +23,14 @@ std::string sortable(const Term& term) {
                                                         : Writer::value(term);
 }
 
+/// Whether no two rows have the same value in the field.
+bool isKey(const TableDef& table, const FieldDef& field) {
+  return std::any_of(table.indexes.begin(), table.indexes.end(), [&](const IndexDef& index) {
+    const bool whole = index.primary || (index.unique && (index.required || field.required));
+    return whole && index.fields.size() == 1 && equalNoCase(index.fields[0], field.name);
+  });
+}
+
 /// The same for a clause in which SQLite would take a whole number for the position of a column.
 std::string sortKey(const Term& term) {
   return term.sql == "-1" || term.sql == "0" ? "NULL" : sortable(term);
@@ -37,7 +45,40 @@ std::vector<std::string> Writer::Query::columns() const {
 }
 
 std::string Writer::Query::text(const std::vector<std::string>& columns) const {
-  return (distinct ? "SELECT DISTINCT " : "SELECT ") + joined(columns, ", ") + rest;
+  const std::string selecting = distinct ? "SELECT DISTINCT " : "SELECT ";
+  const auto ordered = [](const std::vector<std::string>& sorted, const std::vector<Key>& ways) {
+    std::string out = " ORDER BY ";
+    for (std::size_t i = 0; i < sorted.size(); ++i)
+      out += (i > 0 ? ", " : "") + sorted[i] + (ways[i].descending ? " DESC" : "");
+    return out;
+  };
+  std::vector<std::string> plain;
+  for (const Key& key : keys) plain.push_back(key.sql);
+  if (top.empty() || keys.empty() || keysDiffer) {
+    return selecting + joined(columns, ", ") + rest + (keys.empty() ? "" : ordered(plain, keys)) +
+           (top.empty() ? "" : " LIMIT " + top);
+  }
+  // Rows that are equal in the ordering have one rank.
+  std::vector<std::string> named;
+  std::vector<std::string> names;
+  for (const std::string& column : columns) {
+    names.push_back("c" + std::to_string(names.size()));
+    named.push_back(column + " AS " + names.back());
+  }
+  std::string from = rest;
+  if (distinct) {
+    // The ranks are those of the rows that are left, so these are made first.
+    std::vector<std::string> within = named;
+    for (std::size_t i = 0; i < keys.size(); ++i) {
+      const std::string name = "k" + std::to_string(i);
+      within.push_back(keys[i].sql + " AS " + name);
+      plain[i] = keys[i].isText ? collated(name) : name;
+    }
+    from = " FROM (SELECT DISTINCT " + joined(within, ", ") + rest + ")";
+    named = names;
+  }
+  return "SELECT " + joined(names, ", ") + " FROM (SELECT " + joined(named, ", ") + ", rank() OVER (" +
+         ordered(plain, keys).substr(1) + ") AS r" + from + ") WHERE r <= " + top + " ORDER BY r";
 }
 
 const TableDef& Writer::addTable(const Source& source, Scope& scope) const {
@@ -163,7 +204,7 @@ Writer::Query Writer::select(const syntax::Select& select, Scope* outer) {
   }
   std::string having = select.having ? " HAVING " + condition(*select.having, scope) : "";
   scope.outer = nullptr;
-  std::string order = this->order(select, out, outer != nullptr);
+  order(select, out, outer != nullptr);
   out.grouped = scope.aggregated || !groups.empty();
   if (out.grouped && scope.ungroupedCount > 0) {
     throw Error(err::dbNotAggregated, "The field \"" + scope.ungrouped +
@@ -180,8 +221,8 @@ Writer::Query Writer::select(const syntax::Select& select, Scope* outer) {
     }
   }
   if (!groups.empty()) out.rest += " GROUP BY " + joined(groups, ", ");
-  out.rest += having + order;
-  if (!select.top.empty()) out.rest += " LIMIT " + std::string(select.top);
+  out.rest += having;
+  out.top = select.top;
   return out;
 }
 
@@ -225,8 +266,7 @@ void Writer::items(const syntax::Select& select, Query& out) {
 
 /// within: another query is around this one. Then the ordering cannot use columns of that query, not even by
 /// a number.
-std::string Writer::order(const syntax::Select& select, Query& out, bool within) {
-  std::string sql;
+void Writer::order(const syntax::Select& select, Query& out, bool within) {
   for (const syntax::OrderItem& item : select.orderBy) {
     Term term;
     if (item.expression->kind == syntax::Expression::Kind::shapingNumber) {
@@ -243,9 +283,15 @@ std::string Writer::order(const syntax::Select& select, Query& out, bool within)
     } else {
       term = write(*item.expression, out.scope);
     }
-    sql += (sql.empty() ? " ORDER BY " : ", ") + sortKey(term) + (item.descending ? " DESC" : "");
+    const auto selected = [&](const Term& other) { return withoutNumbers(other.sql) == withoutNumbers(term.sql); };
+    if (out.distinct && std::none_of(out.items.begin(), out.items.end(), selected)) {
+      throw Error(err::dbOrderNotSelected,
+                  "With DISTINCT rows are ordered by what they show: select what ORDER BY names, too");
+    }
+    out.keys.push_back({sortKey(term), isTextType(term.type), item.descending});
+    if (out.scope.tables.size() == 1 && term.field != nullptr && term.table == 0)
+      out.keysDiffer = out.keysDiffer || isKey(*out.scope.tables[0].definition, *term.field);
   }
-  return sql;
 }
 
 }  // namespace voxa::dialect

@@ -50,7 +50,7 @@ struct Expression {
     call,           ///< name(arguments); count(*) has `star`
     negative,       ///< -a
     logicalNot,     ///< not a
-    binary,         ///< a op b
+    binary,         ///< a op b; AND and OR link two or more
     between,        ///< a [not] between b and c
     inList,         ///< a [not] in (b, c, ...)
     inSelect,       ///< a [not] in (select)

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <optional>
 
 #include "engines/language/dialect.h"
 #include "engines/language/parser.h"
@@ -67,6 +68,13 @@ class Translator {
     Scope scope;
     const TableDef& table = writer_.addTable(statement_.target, scope);
     out_.table = table.name;
+    std::optional<Writer::Query> query;
+    if (statement_.select) query = writer_.select(*statement_.select, nullptr);
+    if (query && statement_.fields.empty()) {
+      // Without a list the fields are those that the query's columns are called after.
+      for (const std::string& name : query->names)
+        statement_.fields.push_back({.qualifier = {}, .name = name, .position = 0});
+    }
     const std::vector<const FieldDef*> fields = targetFields(table, err::dbUnknownField);
     std::string names;
     for (const FieldDef* field : fields) names += (names.empty() ? "" : ", ") + quotedName(field->name);
@@ -78,13 +86,12 @@ class Translator {
       throw Error(err::dbValueCount, "INSERT gives " + std::to_string(count) + " values for " +
                                          std::to_string(fields.size()) + " fields");
     };
-    if (statement_.select) {
-      const Writer::Query query = writer_.select(*statement_.select, nullptr);
-      checkCount(query.items.size());
+    if (query) {
+      checkCount(query->items.size());
       for (std::size_t i = 0; i < fields.size(); ++i) {
-        values.push_back(writer_.stored(query.items[i], *fields[i]));
+        values.push_back(writer_.stored(query->items[i], *fields[i]));
       }
-      out_.sql += query.text(values);
+      out_.sql += query->text(values);
       return;
     }
     checkCount(statement_.values.size());

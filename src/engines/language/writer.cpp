@@ -69,6 +69,11 @@ std::string Writer::operand(const Term& term) {
 }
 
 std::string Writer::text(const Term& term) {
+  if (term.type != DataType::Boolean) return words(term);
+  return "vx_text(" + value(term) + ", " + typeCode(DataType::Long) + ")";
+}
+
+std::string Writer::words(const Term& term) {
   if (!term.type || isTextType(term.type)) return value(term);
   return "vx_text(" + value(term) + ", " + typeCode(*term.type) + ")";
 }

@@ -76,7 +76,15 @@ class Writer {
     std::vector<std::string> names;                  ///< the result's names of the items
     bool distinct = false;
     bool grouped = false;  ///< its rows do not belong to single rows of a table
-    std::string rest;      ///< the text from FROM on
+    std::string rest;      ///< the text from FROM on, without an ordering
+    struct Key {
+      std::string sql;
+      bool isText = false;
+      bool descending = false;
+    };
+    std::vector<Key> keys;     ///< the ordering
+    bool keysDiffer = false;   ///< no two rows are equal in it
+    std::string top;           ///< how many rows, and all that are equal to the last of them; "" for all rows
 
     [[nodiscard]] std::vector<std::string> columns()
         const;  ///< the items as the text of the result's columns
@@ -97,7 +105,8 @@ class Writer {
   [[nodiscard]] static std::string operand(const Term& term);
   [[nodiscard]] std::string number(Term term);
   [[nodiscard]] std::string date(Term term);
-  [[nodiscard]] static std::string text(const Term& term);
+  [[nodiscard]] static std::string text(const Term& term);   ///< True is -1, False 0
+  [[nodiscard]] static std::string words(const Term& term);  ///< the same with True and False as words
 
   [[noreturn]] void fail(std::size_t position, const std::string& what) const;
 
@@ -121,6 +130,9 @@ class Writer {
   Term binary(const syntax::Expression& e, Scope& scope);
   Term arithmetic(syntax::Operator op, Term left, Term right);
   Term add(syntax::Operator op, Term left, Term right);
+  Term concatenate(Term left, const Term& right);
+  std::string part(Term term);
+  Term linked(const syntax::Expression& e, Scope& scope);
   Term logic(syntax::Operator op, Term left, Term right);
   Term between(const syntax::Expression& e, Scope& scope);
   Term inList(const syntax::Expression& e, Scope& scope);
@@ -136,7 +148,7 @@ class Writer {
   std::string from(const syntax::Source& source, Scope& scope, Conditions& filter);
   std::string allOf(const Conditions& conditions, Scope& scope);
   void items(const syntax::Select& select, Query& out);
-  std::string order(const syntax::Select& select, Query& out, bool within);
+  void order(const syntax::Select& select, Query& out, bool within);
 
   std::string_view sql_;
   const Schema& schema_;

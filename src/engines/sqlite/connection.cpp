@@ -6,6 +6,7 @@
 #include "engines/sqlite/engine.h"
 #include "engines/sqlite/errors.h"
 #include "platform/error.h"
+#include "platform/text.h"
 
 namespace voxa {
 
@@ -107,7 +108,7 @@ Value Statement::value(int column, DataType type) const {
   }
 }
 
-Connection::Connection(const std::string& path, const SqliteOptions& options, const Clock& clock)
+Connection::Connection(const std::string& path, const SqliteOptions& options, const Clock& clock, Order order)
     : path_(path) {
   sqlite3* db = nullptr;
   const int flags = (options.readOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE) | SQLITE_OPEN_NOMUTEX;
@@ -119,7 +120,7 @@ Connection::Connection(const std::string& path, const SqliteOptions& options, co
   // Without this SQLite takes a misspelled name in double quotes for a text.
   (void)sqlite3_db_config(db, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
   (void)sqlite3_db_config(db, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
-  registerFunctions(db, *pending_, clock);
+  registerFunctions(db, *pending_, clock, order == Order::today ? compareNoCase : compareAsBefore);
   // synchronous=EXTRA also syncs the folder after the journal was removed. Otherwise power lost right after a
   // commit could bring the journal back, and with it the state before the commit.
   run("PRAGMA foreign_keys=ON; PRAGMA recursive_triggers=OFF; PRAGMA trusted_schema=OFF;"

@@ -48,8 +48,12 @@ class Statement {
 /// One open SQLite file, with the settings, the collation and the functions that this engine needs.
 class Connection {
  public:
+  /// In which order texts are: compareNoCase or compareAsBefore.
+  enum class Order { today, before };
+
   /// Opens a file that exists. Raises failures as fail() does.
-  Connection(const std::string& path, const SqliteOptions& options, const Clock& clock);
+  Connection(const std::string& path, const SqliteOptions& options, const Clock& clock,
+             Order order = Order::today);
 
   /// A statement that SQLite prepares again by itself when the schema has changed.
   [[nodiscard]] Statement prepare(std::string_view sql) { return prepare(sql, true); }

@@ -19,8 +19,10 @@ namespace voxa {
 
 namespace {
 
-/// Marks the files of this engine in SQLite's file header ("VoxA").
-constexpr std::uint32_t applicationId = 0x566f7841;
+/// Marks the files of this engine in SQLite's file header ("VoxB"), and those that are sorted as before
+/// ("VoxA").
+constexpr std::uint32_t applicationId = 0x566f7842;
+constexpr std::uint32_t applicationIdBefore = 0x566f7841;
 constexpr std::size_t applicationIdOffset = 68;
 constexpr std::string_view magic("SQLite format 3\0", 16);
 using Header = std::array<unsigned char, 100>;
@@ -41,11 +43,13 @@ int readHeader(const std::string& path, Header& header) {
   return code;
 }
 
-bool isOurs(const Header& header) {
+/// 0 for a file that is not SQLite's.
+std::uint32_t applicationIdOf(const Header& header) {
   const std::string_view start(reinterpret_cast<const char*>(header.data()), magic.size());
+  if (start != magic) return 0;
   std::uint32_t id = 0;
   for (std::size_t i = 0; i < 4; ++i) id = id << 8 | header[applicationIdOffset + i];
-  return start == magic && id == applicationId;
+  return id;
 }
 
 Error createFailure(const Error& error) {
@@ -112,16 +116,34 @@ void copyDatabaseFile(const std::string& path, std::string_view given, const Ses
   makeFile(given, session, [&](Connection& begun) { begun.copyFrom(source); });
 }
 
-void checkDatabaseFile(const std::string& path, std::string_view given) {
+bool checkDatabaseFile(const std::string& path, std::string_view given) {
   const std::string name(given);
   if (!files::exists(given)) throw Error(err::dbFileNotFound, "Could not find the database: " + name);
   Header header{};
   // A link leads to somebody else's file, and opening a pipe would wait for its writer.
   const int code = files::isPlain(given) ? readHeader(path, header) : SQLITE_CANTOPEN;
-  if (code == SQLITE_IOERR_SHORT_READ || (code == SQLITE_OK && !isOurs(header))) {
+  const std::uint32_t id = applicationIdOf(header);
+  const bool ours = id == applicationId || id == applicationIdBefore;
+  if (code == SQLITE_IOERR_SHORT_READ || (code == SQLITE_OK && !ours)) {
     throw Error(err::dbNotADatabase, "The file is no database of this system: " + name);
   }
   if (code != SQLITE_OK) throw Error(err::dbCannotOpen, "The database cannot be opened: " + name);
+  return id == applicationId;
+}
+
+Connection openDatabaseFile(const std::string& path, const Session& session, bool sorted) {
+  Connection connection(path, session.options, session.clock);
+  if (sorted) return connection;
+  if (connection.readOnly())
+    return Connection(path, session.options, session.clock, Connection::Order::before);
+  Step step(connection);
+  // Another process may have been first.
+  if (connection.number("PRAGMA application_id") != applicationId) {
+    connection.run(std::string("REINDEX ") + dialect::collation +
+                   "; PRAGMA application_id=" + std::to_string(applicationId));
+  }
+  step.release();
+  return connection;
 }
 
 }  // namespace voxa

@@ -5,6 +5,7 @@
 
 namespace voxa {
 
+class Connection;
 struct Session;
 
 /// Full native path of a database file.
@@ -20,7 +21,12 @@ void createDatabaseFile(std::string_view given, const Session& session);
 void copyDatabaseFile(const std::string& path, std::string_view given, const Session& session);
 
 /// Raises 3024 when the file is missing, 3051 when it cannot be read, 3343 when its first bytes are not those
-/// of a database of this engine. It only reads, so a file of another kind stays as it is.
-void checkDatabaseFile(const std::string& path, std::string_view given);
+/// of a database of this engine. It only reads, so a file of another kind stays as it is. Returns whether its
+/// texts are in today's order (compareNoCase); otherwise they are in that of compareAsBefore.
+[[nodiscard]] bool checkDatabaseFile(const std::string& path, std::string_view given);
+
+/// Opens a file that was checked. One that is not sorted is brought in today's order first; programs that do
+/// not know this order refuse it from then on. Where it cannot be written, it is read in its own.
+[[nodiscard]] Connection openDatabaseFile(const std::string& path, const Session& session, bool sorted);
 
 }  // namespace voxa

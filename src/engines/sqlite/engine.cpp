@@ -10,8 +10,31 @@
 
 namespace voxa {
 
+std::optional<Connection> Session::reopen(const std::string& path) {
+  const auto found =
+      std::find_if(closed.begin(), closed.end(), [&](const Closed& file) { return file.path == path; });
+  if (found == closed.end()) return std::nullopt;
+  std::optional<Connection> connection(std::move(found->connection));
+  closed.erase(found);
+  return connection;
+}
+
+void Session::commit() {
+  try {
+    for (SqliteDatabase* database : open) database->settle();
+    for (SqliteDatabase* database : open) database->commit();
+    for (Closed& file : closed) file.connection.run("COMMIT");
+  } catch (const Error&) {
+    abandonTransaction();
+    throw;
+  }
+  closed.clear();
+  inTransaction = false;
+}
+
 void Session::rollback() {
   inTransaction = false;
+  closed.clear();  // what a file did not commit goes when it closes
   std::optional<Error> first;
   for (SqliteDatabase* database : open) {
     try {
@@ -57,15 +80,18 @@ class SqliteEngine final : public DatabaseEngine {
   std::shared_ptr<Database> create(std::string_view path) override {
     return session_->guarded([&] {
       createDatabaseFile(path, *session_);
-      return std::make_shared<SqliteDatabase>(session_, databasePath(path));
+      const std::string full = databasePath(path);
+      return std::make_shared<SqliteDatabase>(session_, full, openDatabaseFile(full, *session_, true));
     });
   }
 
   std::shared_ptr<Database> open(std::string_view path) override {
     return session_->guarded([&] {
       const std::string full = databasePath(path);
-      checkDatabaseFile(full, path);
-      return std::make_shared<SqliteDatabase>(session_, full);
+      if (auto connection = session_->reopen(full))
+        return std::make_shared<SqliteDatabase>(session_, full, *std::move(connection));
+      const bool sorted = checkDatabaseFile(full, path);
+      return std::make_shared<SqliteDatabase>(session_, full, openDatabaseFile(full, *session_, sorted));
     });
   }
 
@@ -91,14 +117,7 @@ class SqliteEngine final : public DatabaseEngine {
   void commit() override {
     session_->guarded([&] {
       requireTransaction();
-      try {
-        for (SqliteDatabase* database : session_->open) database->settle();
-        for (SqliteDatabase* database : session_->open) database->commit();
-      } catch (const Error&) {
-        session_->abandonTransaction();
-        throw;
-      }
-      session_->inTransaction = false;
+      session_->commit();
     });
   }
 

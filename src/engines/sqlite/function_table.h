@@ -38,6 +38,8 @@ inline void returnText(sqlite3_context* context, std::string_view text) {
 
 /// The value as SQLite holds it: Null, 32-bit integer, double or text.
 [[nodiscard]] Value valueOf(sqlite3_value* value);
+/// The value of an expression of that type: SQLite has numbers for moments and booleans.
+[[nodiscard]] Value asType(Value value, DataType type);
 void returnValue(sqlite3_context* context, const Value& value);
 
 }  // namespace voxa

@@ -5,7 +5,6 @@
 #include "engines/language/dialect.h"
 #include "engines/sqlite/function_table.h"
 #include "platform/clock.h"
-#include "platform/text.h"
 
 namespace voxa {
 
@@ -45,11 +44,11 @@ void now(sqlite3_context* context, int, sqlite3_value**) {
   sqlite3_result_double(context, static_cast<const Clock*>(sqlite3_user_data(context))->now().days);
 }
 
-int compare(void*, int leftSize, const void* left, int rightSize, const void* right) {
+int compareTexts(void* order, int leftSize, const void* left, int rightSize, const void* right) {
   const auto text = [](const void* bytes, int size) {
     return std::string_view(static_cast<const char*>(bytes), static_cast<std::size_t>(size));
   };
-  return compareNoCase(text(left, leftSize), text(right, rightSize));
+  return reinterpret_cast<TextOrder>(order)(text(left, leftSize), text(right, rightSize));
 }
 
 void check(int code) {
@@ -63,8 +62,9 @@ const Clock* clockOf(sqlite3_context* context) {
   return static_cast<const Registered*>(sqlite3_user_data(context))->clock;
 }
 
-void registerFunctions(sqlite3* db, PendingError& pending, const Clock& clock) {
-  check(sqlite3_create_collation_v2(db, dialect::collation, SQLITE_UTF8, nullptr, compare, nullptr));
+void registerFunctions(sqlite3* db, PendingError& pending, const Clock& clock, TextOrder compare) {
+  check(sqlite3_create_collation_v2(db, dialect::collation, SQLITE_UTF8, reinterpret_cast<void*>(compare),
+                                    compareTexts, nullptr));
   check(sqlite3_create_function_v2(db, "vx_now", 0, traits, const_cast<Clock*>(&clock), now, nullptr, nullptr,
                                    nullptr));
   for (const auto table : {valueFunctions(), textFunctions(), momentFunctions()}) {

@@ -3,8 +3,10 @@
 #include <sqlite3.h>
 
 #include <optional>
+#include <string_view>
 
 #include "platform/error.h"
+#include "platform/text.h"
 
 namespace voxa {
 
@@ -17,8 +19,10 @@ struct PendingError {
 };
 
 /// Registers the collation and the functions that translated statements rely on (the list is in dialect.h).
-/// `pending` and `clock` must outlive the connection. All functions count as deterministic, since Now() has
+/// `pending` and `clock` must outlive the connection. compare: the order of texts. All functions count as deterministic, since Now() has
 /// one value for the whole of a statement.
-void registerFunctions(sqlite3* db, PendingError& pending, const Clock& clock);
+using TextOrder = int (*)(std::string_view a, std::string_view b);
+void registerFunctions(sqlite3* db, PendingError& pending, const Clock& clock,
+                       TextOrder compare = compareNoCase);
 
 }  // namespace voxa

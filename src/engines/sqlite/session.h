@@ -1,7 +1,10 @@
 #pragma once
 
+#include <optional>
+#include <string>
 #include <vector>
 
+#include "engines/sqlite/connection.h"
 #include "engines/sqlite/engine.h"
 #include "platform/error.h"
 
@@ -26,6 +29,15 @@ struct Session {
     }
   }
 
+  /// A file that was closed within the transaction. Its part of it ends with the others.
+  struct Closed {
+    std::string path;
+    Connection connection;
+  };
+  /// Takes the connection of such a file out, for the same file that is opened again; none otherwise.
+  std::optional<Connection> reopen(const std::string& path);
+
+  void commit();
   void rollback();
   /// Rolls back after a failure. Only that failure is reported.
   void abandonTransaction();
@@ -34,6 +46,7 @@ struct Session {
   const SqliteOptions options;
   std::vector<ErrorInfo> errors;
   std::vector<SqliteDatabase*> open;  ///< in the order they were opened
+  std::vector<Closed> closed;
   bool inTransaction = false;
 
  private:

@@ -91,8 +91,8 @@ Prepared* findPrepared(StatementCache& translated, const dialect::Scanned& scann
 
 }  // namespace
 
-SqliteDatabase::SqliteDatabase(std::shared_ptr<Session> session, std::string path)
-    : session_(std::move(session)), path_(std::move(path)), file_(std::in_place, path_, *session_) {
+SqliteDatabase::SqliteDatabase(std::shared_ptr<Session> session, std::string path, Connection connection)
+    : session_(std::move(session)), path_(std::move(path)), file_(std::in_place, std::move(connection), *session_) {
   // Reads the first pages of the file, so that a damaged or locked file fails here.
   (void)file_->catalog.relations();
   session_->open.push_back(this);
@@ -108,10 +108,9 @@ SqliteDatabase::~SqliteDatabase() {
 
 void SqliteDatabase::close() {
   if (!isOpen()) return;
-  session_->guarded([&] {
-    settle();
-    commit();
-  });
+  session_->guarded([&] { settle(); });
+  // Who closes a file within a transaction does not end it.
+  if (file_->locked) session_->closed.push_back({path_, std::move(file_->connection)});
   abandon();
 }
 

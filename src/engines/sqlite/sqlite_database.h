@@ -24,8 +24,9 @@ class SqliteDatabase final : public Database, public std::enable_shared_from_thi
  public:
   using Parameters = std::vector<std::pair<std::string, Value>>;
 
-  /// path: full and native, of a file that is known to be a database of this engine.
-  SqliteDatabase(std::shared_ptr<Session> session, std::string path);
+  /// path: full and native, of a file that is known to be a database of this engine. connection: to it; in a
+  /// transaction when the engine's has locked it.
+  SqliteDatabase(std::shared_ptr<Session> session, std::string path, Connection connection);
   ~SqliteDatabase() override;
   SqliteDatabase(const SqliteDatabase&) = delete;
   SqliteDatabase& operator=(const SqliteDatabase&) = delete;
@@ -97,13 +98,13 @@ class SqliteDatabase final : public Database, public std::enable_shared_from_thi
   /// What exists while the file is open. The order matters: statements must be destroyed before the
   /// connection.
   struct OpenFile {
-    OpenFile(const std::string& path, const Session& session)
-        : connection(path, session.options, session.clock), catalog(connection, session.clock) {}
+    OpenFile(Connection opened, const Session& session)
+        : connection(std::move(opened)), catalog(connection, session.clock), locked(connection.inTransaction()) {}
     Connection connection;
     Catalog catalog;
     StatementCache translated;
     StatementCache own;
-    bool locked = false;  ///< the engine's transaction has locked the file
+    bool locked;  ///< the engine's transaction has locked the file
     /// Relations of this transaction that are not in the file yet. Several in a row are written together,
     /// since SQLite reads the whole schema again after each such change.
     std::vector<Relation> unwritten;

@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 
+#include "engines/language/format.h"
 #include "engines/sqlite/function_table.h"
 #include "platform/datetime.h"
 #include "platform/error.h"
@@ -88,7 +89,7 @@ void asc(sqlite3_context* context, sqlite3_value** arguments, int) {
 /// behind the class.
 bool inClass(std::string_view& pattern, std::string_view character) {
   const std::size_t close = pattern.find(']', 1);
-  if (close == std::string_view::npos) throw Error(err::invalidArgument, "Invalid pattern: [ is not closed");
+  if (close == std::string_view::npos) throw Error(err::invalidPattern, "Invalid pattern: [ is not closed");
   std::string_view set = pattern.substr(1, close - 1);
   pattern.remove_prefix(close + 1);
   const bool negated = set.size() > 1 && set.front() == '!';
@@ -120,6 +121,10 @@ bool matches(std::string_view text, std::string_view pattern) {
       retry.emplace(text, pattern);
       continue;
     }
+    if (pattern.starts_with("[]")) {  // no character
+      pattern.remove_prefix(2);
+      continue;
+    }
     if (text.empty() && pattern.empty()) return true;
     if (!text.empty() && !pattern.empty()) {
       const std::string_view character = text.substr(0, behind(text, 0));
@@ -127,8 +132,7 @@ bool matches(std::string_view text, std::string_view pattern) {
         matched = inClass(pattern, character);
       } else {
         const std::string_view wanted = pattern.substr(0, behind(pattern, 0));
-        matched =
-            wanted == "?" || wanted == character || (wanted == "#" && character >= "0" && character <= "9");
+        matched = wanted == "?" || (wanted == "#" ? character >= "0" && character <= "9" : wanted == character);
         pattern.remove_prefix(wanted.size());
       }
       text.remove_prefix(character.size());
@@ -145,70 +149,33 @@ void like(sqlite3_context* context, sqlite3_value** arguments, int) {
   sqlite3_result_int(context, matches(toLower(textOf(arguments[0])), toLower(textOf(arguments[1]))) ? 1 : 0);
 }
 
-/// A number by a pattern of 0 (always a digit), # (a digit if there is one) and one point. Text before and
-/// behind these is kept.
-std::string formatNumber(double number, std::string_view pattern) {
-  const std::size_t begin = pattern.find_first_of("0#.");
-  const std::size_t end = pattern.find_last_of("0#.") + 1;
-  const std::string_view digits = pattern.substr(begin, end - begin);
-  const std::size_t point = digits.find('.');
-  const std::string_view whole = digits.substr(0, point);
-  const std::string_view decimals = point == std::string_view::npos ? "" : digits.substr(point + 1);
-  if (whole.find_first_not_of("0#") != std::string_view::npos ||
-      decimals.find_first_not_of("0#") != std::string_view::npos || decimals.size() > 15) {
-    throw Error(err::invalidArgument, "Invalid format of a number: " + std::string(pattern));
-  }
-  const auto zeros = [](std::string_view s) {
-    return static_cast<std::size_t>(std::count(s.begin(), s.end(), '0'));
-  };
-  const double scale = std::pow(10.0, static_cast<double>(decimals.size()));
-  const double scaled = std::round(std::fabs(number) * scale);
-  char buffer[400];
-  const auto result = std::to_chars(std::begin(buffer), std::end(buffer),
-                                    std::isfinite(scaled) ? scaled / scale : std::fabs(number),
-                                    std::chars_format::fixed, static_cast<int>(decimals.size()));
-  std::string text(buffer, result.ptr);
-  const std::size_t dot = std::min(text.find('.'), text.size());
-  std::string before = text.substr(0, dot);
-  std::string after = text.substr(std::min(dot + 1, text.size()));
-  if (before == "0") before.clear();
-  if (before.size() < zeros(whole)) before.insert(0, zeros(whole) - before.size(), '0');
-  while (after.size() > zeros(decimals) && after.back() == '0') after.pop_back();
-  std::string out(number < 0 && scaled != 0 ? "-" : "");
-  out.append(pattern.substr(0, begin)).append(before);
-  if (point != std::string_view::npos) out.append(1, '.').append(after);
-  return out.append(pattern.substr(end));
+/// vx_format(value, type, pattern, firstDay, firstWeek)
+void format(sqlite3_context* context, sqlite3_value** arguments, int) {
+  if (sqlite3_value_type(arguments[2]) == SQLITE_NULL) return;
+  const auto type = static_cast<DataType>(sqlite3_value_int(arguments[1]));
+  const dialect::Weeks weeks{static_cast<int>(count(arguments[3], 0)), static_cast<int>(count(arguments[4], 0))};
+  if (weeks.firstDay > 7 || weeks.firstWeek > 3)
+    throw Error(err::invalidArgument,
+                "Invalid argument: a week begins with day 1 to 7, the first of a year is 1, 2 or 3");
+  const Value value = asType(valueOf(arguments[0]), type);
+  returnText(context, dialect::format(value, textOf(arguments[2]),
+                                      {std::max(weeks.firstDay, 1), std::max(weeks.firstWeek, 1)},
+                                      clockOf(context)));
 }
 
-/// A pattern with 0 or # formats a number, any other pattern a date. A text that is neither stays as it is.
-void format(sqlite3_context* context, sqlite3_value** arguments, int) {
-  if (sqlite3_value_type(arguments[1]) == SQLITE_NULL) return;
-  const std::string_view pattern = textOf(arguments[1]);
-  const bool ofNumber = pattern.find_first_of("0#") != std::string_view::npos;
-  double number = sqlite3_value_double(arguments[0]);
-  const int type = sqlite3_value_type(arguments[0]);
-  if (type == SQLITE_NULL) {
-    returnText(context, "");
-    return;
-  }
-  if (type == SQLITE_TEXT) {
-    const std::string_view text = textOf(arguments[0]);
-    const auto moment = parseDateTime(text, clockOf(context));
-    const bool digits = !text.empty() && text.find_first_not_of("0123456789.+-") == std::string_view::npos;
-    if (!moment && !digits) {
-      returnText(context, text);
-      return;
-    }
-    number = moment ? moment->days : Value(text).toDouble();
-  }
-  returnText(context, ofNumber ? formatNumber(number, pattern) : formatDateTime(DateTime{number}, pattern));
+/// Two texts in one. Null counts as no text; Null when both are.
+void join(sqlite3_context* context, sqlite3_value** arguments, int) {
+  const auto isNull = [&](int i) { return sqlite3_value_type(arguments[i]) == SQLITE_NULL; };
+  if (isNull(0) && isNull(1)) return;
+  returnText(context, std::string(textOf(arguments[0])).append(textOf(arguments[1])));
 }
 
 constexpr SqlFunction functions[] = {
     {"vx_left", 2, false, left},   {"vx_right", 2, false, right}, {"vx_mid", 2, false, mid},
     {"vx_mid", 3, false, mid},     {"vx_instr", 3, false, instr}, {"vx_lower", 1, false, lower},
     {"vx_upper", 1, false, upper}, {"vx_chr", 1, false, chr},     {"vx_asc", 1, false, asc},
-    {"vx_like", 2, false, like},   {"vx_format", 2, true, format}};
+    {"vx_like", 2, false, like},   {"vx_format", 5, true, format},
+    {"vx_join", 2, true, join}};
 
 }  // namespace
 

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <iterator>
 #include <limits>
 
 #include "engines/sqlite/function_table.h"
@@ -23,6 +24,13 @@ Value valueOf(sqlite3_value* value) {
     default:
       return textOf(value);
   }
+}
+
+Value asType(Value value, DataType type) {
+  if (value.isNull()) return value;
+  if (type == DataType::Boolean) return value.toBool();
+  if (type == DataType::Date) return DateTime{value.toDouble()};
+  return value;
 }
 
 void returnValue(sqlite3_context* context, const Value& value) {
@@ -81,10 +89,7 @@ void store(sqlite3_context* context, sqlite3_value** arguments, int) {
 
 void text(sqlite3_context* context, sqlite3_value** arguments, int) {
   const auto type = static_cast<DataType>(sqlite3_value_int(arguments[1]));
-  Value value = valueOf(arguments[0]);
-  if (type == DataType::Boolean) value = value.toBool();
-  if (type == DataType::Date) value = DateTime{value.toDouble()};
-  returnText(context, value.toText());
+  returnText(context, asType(valueOf(arguments[0]), type).toText());
 }
 
 void sign(sqlite3_context* context, sqlite3_value** arguments, int) {
@@ -97,6 +102,44 @@ void power(sqlite3_context* context, sqlite3_value** arguments, int) {
   if (std::isnan(v)) throw Error(err::invalidArgument, "Invalid argument: the power of a negative number");
   if (std::isinf(v)) throw Error(err::overflow, "Overflow: the power is too large");
   sqlite3_result_double(context, v);
+}
+
+[[noreturn]] void failDivision() {
+  throw Error(err::divisionByZero, "Division by zero");
+}
+
+void divide(sqlite3_context* context, sqlite3_value** arguments, int) {
+  const double divisor = sqlite3_value_double(arguments[1]);
+  if (divisor == 0) failDivision();
+  const double v = sqlite3_value_double(arguments[0]) / divisor;
+  if (std::isinf(v)) throw Error(err::overflow, "Overflow: the quotient is too large");
+  sqlite3_result_double(context, v);
+}
+
+/// Whole division or its remainder.
+template <bool remainder>
+void divideWhole(sqlite3_context* context, sqlite3_value** arguments, int) {
+  const std::int64_t dividend = sqlite3_value_int64(arguments[0]);
+  const std::int64_t divisor = sqlite3_value_int64(arguments[1]);
+  if (divisor == 0) failDivision();
+  sqlite3_result_int64(context, remainder ? dividend % divisor : dividend / divisor);
+}
+
+/// The number as its first 15 digits tell it: what a double holds for certain.
+double certain(double v) {
+  char buffer[40];
+  const auto* end = std::to_chars(std::begin(buffer), std::end(buffer), v, std::chars_format::scientific, 14).ptr;
+  (void)std::from_chars(std::begin(buffer), end, v);
+  return v;
+}
+
+/// Four digits behind the point, half to even, in the range of an amount: 64 bits of ten-thousandths.
+void currency(sqlite3_context* context, sqlite3_value** arguments, int) {
+  constexpr double parts = 10'000;
+  constexpr double most = 922'337'203'685'477.0;
+  const double v = sqlite3_value_double(arguments[0]);
+  if (std::fabs(v) > most) throw Error(err::overflow, "Overflow: the amount is too large");
+  sqlite3_result_double(context, std::nearbyint(certain(v * parts)) / parts);
 }
 
 /// Rounds half to even.
@@ -134,6 +177,10 @@ constexpr SqlFunction functions[] = {{"vx_number", 1, false, number},
                                      {"vx_int", 1, false, rounded<down>},
                                      {"vx_fix", 1, false, rounded<towardsZero>},
                                      {"vx_sgn", 1, false, sign},
+                                     {"vx_div", 2, false, divide},
+                                     {"vx_idiv", 2, false, divideWhole<false>},
+                                     {"vx_mod", 2, false, divideWhole<true>},
+                                     {"vx_currency", 1, false, currency},
                                      {"vx_pow", 2, false, power},
                                      {"vx_round", 2, false, round},
                                      {"vx_val", 1, false, val}};

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cmath>
 #include <cstdlib>
 #include <functional>
 #include <optional>
@@ -45,18 +46,26 @@ inline std::string lower(const std::string& s, const char* accented) {
   return out;
 }
 
+/// Each character behind its class: signs, digits, letters.
+inline std::string classed(const std::string& s) {
+  std::string out;
+  for (const char c : s) (out += c >= '0' && c <= '9' ? '1' : c >= 'a' && c <= 'z' ? '2' : '0') += c;
+  return out;
+}
+
 /// Compares: negative, 0 or positive. Null comes before everything; accents count after letters.
 inline int order(const Cell& a, const Cell& b, bool texts) {
   if (a.null || b.null) return static_cast<int>(b.null) - static_cast<int>(a.null);
   if (!texts) return a.number < b.number ? -1 : a.number > b.number ? 1 : 0;
-  const int letters = lower(a.text, "e").compare(lower(b.text, "e"));
+  const int letters = classed(lower(a.text, "e")).compare(classed(lower(b.text, "e")));
   return letters != 0 ? letters : lower(a.text, "f").compare(lower(b.text, "f"));
 }
 
 inline Cell numberIn(const Cell& cell) {
   char* end = nullptr;
   const double number = std::strtod(cell.text.c_str(), &end);
-  return cell.null || end == cell.text.c_str() || *end != '\0' ? Cell() : Cell{false, number};
+  const bool whole = end != cell.text.c_str() && *end == '\0' && std::isfinite(number);
+  return cell.null || !whole || cell.text.find('x') != std::string::npos ? Cell() : Cell{false, number};
 }
 
 inline Truth opposite(Truth t) {
@@ -129,7 +138,7 @@ class Random {
     if (oneIn(5)) return {};
     if (type == DataType::Text) {
       return {false, 0,
-              oneOf("", "0", "7", "007", " 7", "1.5", "-2", "1e1", "abc", "ABC", "O'Hara", "x7",
+              oneOf("", "0", "7", "007", " 7", "1.5", "-2", "1e1", "abc", "ABC", "O'Hara", "x7", "a_c", "a1c",
                     "\xC3\x89ric", "\xC3\xA9RIC")};
     }
     const double number = static_cast<double>(below(8)) - 2;
@@ -218,6 +227,17 @@ class Random {
  private:
   /// A field of one of the tables. The tables are named A and B.
   Operand field() {
+    Operand one = column();
+    if (!one.isText() || !oneIn(4)) return one;
+    const Operand other = column();  // a text joined to another is Null only when both are
+    if (!other.isText()) return one;
+    return {"(" + one.sql + " & " + other.sql + ")", DataType::Text, [=](const Rows& rows) {
+              const Cell a = one.value(rows);
+              const Cell b = other.value(rows);
+              return Cell{a.null && b.null, 0, a.text + b.text};
+            }};
+  }
+  Operand column() {
     const std::size_t table = below(tables);
     const std::size_t column = below(columnCount);
     const std::string qualifier = tables == 1 && oneIn(2) ? "" : table == 0 ? "A." : "b.";

@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "engines/sqlite/fixture.h"
+#include "engines/sqlite/functions.h"
 #include "platform/database/schema_version.h"
 
 namespace voxa {
@@ -38,6 +39,38 @@ TEST_F(DatabaseFiles, AreFoundInAnyCaseAndCreatedOnce) {
   struct stat status {};
   ASSERT_EQ(::stat(file.c_str(), &status), 0);
   EXPECT_EQ(status.st_mode & 0777, 0600U);
+}
+
+TEST_F(DatabaseFiles, ThatAreSortedAsBeforeAreSortedAnew) {
+  db->createTable({"Words", {{"W", DataType::Text, 10}}, {{"W", {"W"}, true}}});
+  for (const char* word : {"a1c", "a_c", "abc"}) db->execute("insert into Words values ('" + std::string(word) + "')");
+  const auto found = [](Database& database) {
+    std::string all;
+    for (const char* sql : {"select W from Words where W = 'a_c'", "select W from Words order by W"}) {
+      for (const auto rows = database.openRecordset(sql); !rows->eof(); rows->moveNext())
+        all += rows->get(0).toText() + " ";
+    }
+    return all;
+  };
+  EXPECT_EQ(found(*db), "a_c a_c a1c abc ");
+  db->close();
+  sqlite3* old = nullptr;
+  PendingError pending;
+  ASSERT_EQ(sqlite3_open(file.c_str(), &old), SQLITE_OK);
+  registerFunctions(old, pending, clock, compareAsBefore);
+  ASSERT_EQ(sqlite3_exec(old, "REINDEX; PRAGMA application_id=0x566f7841", nullptr, nullptr, nullptr), SQLITE_OK);
+  sqlite3_close(old);
+  const std::string before = bytesOf(file);
+  {
+    const auto reader = makeSqliteEngine(clock, {.readOnly = true});
+    EXPECT_EQ(found(*reader->open(file)), "a_c a1c a_c abc ");
+  }
+  EXPECT_EQ(bytesOf(file), before);
+  db = engine->open(file);
+  EXPECT_EQ(found(*db), "a_c a_c a1c abc ");
+  EXPECT_EQ(valueOf("select count(*) from Words where W < 'a1'"), Value(std::int32_t{1}));
+  reopen();
+  EXPECT_EQ(bytesOf(file).substr(68, 4), "VoxB");
 }
 
 TEST_F(DatabaseFiles, ThatAreNoneOfOursStayAsTheyAre) {

@@ -60,11 +60,24 @@ TEST_F(Transactions, SpanAllDatabases) {
     insert(*journal);
   }
   EXPECT_EQ(count(*journal), 0U);
-  engine->begin();
-  insert(*journal);
-  journal->close();
-  engine->rollback();
-  EXPECT_EQ(count(*engine->open(folder / "journal.mdb")), 1U);
+  // A file that is closed within the transaction goes with it, also when it is opened again meanwhile.
+  for (const bool reopened : {false, true}) {
+    for (const bool committed : {false, true}) {
+      auto file = engine->open(folder / "journal.mdb");
+      engine->begin();
+      insert(*file);
+      file->close();
+      if (reopened) insert(*(file = engine->open(folder / "journal.mdb")));
+      if (committed) {
+        engine->commit();
+      } else {
+        engine->rollback();
+      }
+      file = engine->open(folder / "journal.mdb");
+      EXPECT_EQ(count(*file), committed ? reopened ? 2U : 1U : 0U) << reopened << committed;
+      file->execute("delete from Journal");
+    }
+  }
 }
 
 TEST_F(Transactions, ThatCannotBeCommittedAreRolledBackInAllDatabases) {
