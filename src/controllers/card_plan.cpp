@@ -276,26 +276,39 @@ std::optional<PlanItem> unwantedCard(const CardsAt& at, std::int32_t number, Pla
   return item;
 }
 
-std::optional<PlanItem> faultyCard(const CardsAt& at, const ImageCard& card, const CardState& held) {
-  const bool mixed = timesChange(at, held) == TimesPlan::Change::mixed;
-  if (held.part(CardField::code).is("") || !mayOpen(held) || (!card.barred && !mixed)) return std::nullopt;
+std::optional<PlanItem> faultyCard(const CardsAt& at, const ImageCard& card, const ImageRights* granted,
+                                   const CardState& held) {
+  if (held.part(CardField::code).is("") || !mayOpen(held)) return std::nullopt;
+  std::optional<CardImage> rights;
+  if (granted != nullptr) rights = Image::on(card, *granted);
+  const auto isTaken = [&](CardField door) {
+    if (card.barred || !rights) return card.barred;
+    const std::string program = ledgerValue(CardField::weekly, rights->value(CardField::weekly));
+    return rights->value(door) != "1" || !held.part(CardField::weekly).is(program);
+  };
+  const bool taken = std::any_of(std::begin(doors), std::end(doors),
+                                 [&](CardField door) { return mayOpen(held, door) && isTaken(door); });
+  if (!taken && timesChange(at, held) != TimesPlan::Change::mixed) return std::nullopt;
   // A door of a card that may not be there is not certainly shut by its line.
-  if (card.barred && !held.part(CardField::code).isThere())
-    return unwantedCard(at, card.number, PlanReason::blocked, held);
+  const PlanReason reason = card.barred ? PlanReason::blocked
+                            : taken     ? PlanReason::changed
+                                        : PlanReason::timesChange;
+  if (taken && !held.part(CardField::code).isThere()) return unwantedCard(at, card.number, reason, held);
   PlanItem item;
   item.number = card.number;
-  item.action = card.barred ? PlanItem::Action::send : PlanItem::Action::shutMeanwhile;
-  item.reason = card.barred ? PlanReason::blocked : PlanReason::timesChange;
+  item.action = taken ? PlanItem::Action::send : PlanItem::Action::shutMeanwhile;
+  item.reason = reason;
   const auto programs = programsOf(held);
   if (programs && programs->size() == 1) item.program = *programs->begin();
+  const bool mixed = timesChange(at, held) == TimesPlan::Change::mixed;
   for (const CardField door : doors) {
-    if (!mayOpen(held, door)) continue;
+    if (!mayOpen(held, door) || !(mixed || isTaken(door))) continue;
     item.of(PlanPhase::shut).push_back(cardLine(door, card.number, "0", at.controllerType));
     // It gets back what it certainly had.
-    if (!card.barred && item.program != 0 && held.part(door).is("1"))
+    if (!isTaken(door) && item.program != 0 && held.part(door).is("1"))
       item.of(PlanPhase::doors).push_back(cardLine(door, card.number, "1", at.controllerType));
   }
-  keepBack(at, held, item, card.barred ? TimesPlan::Change::simple : TimesPlan::Change::mixed);
+  keepBack(at, held, item, taken ? TimesPlan::Change::simple : TimesPlan::Change::mixed);
   return item;
 }
 

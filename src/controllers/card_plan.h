@@ -31,8 +31,9 @@ struct CardsAt {
 [[nodiscard]] std::optional<PlanItem> unwantedCard(const CardsAt& at, std::int32_t number, PlanReason reason,
                                                    const CardState& held);
 /// What is to be done about a number whose row, or the group's rights, cannot be right there. What the
-/// controller has stays, but its doors are shut while times mix, and when the row blocks the card.
+/// controller has stays, but its doors are shut while times mix, when the row blocks the card, and when the
+/// group no longer grants them, or not under that program. granted: none when it cannot be told.
 [[nodiscard]] std::optional<PlanItem> faultyCard(const CardsAt& at, const ImageCard& card,
-                                                 const CardState& held);
+                                                 const ImageRights* granted, const CardState& held);
 
 }  // namespace voxa

@@ -221,7 +221,8 @@ void Planner::planNumber(At& at, const CardsAt& cards, const Holdings& held, std
   } else if (wanted && card->fault.empty() && granted->fault.empty()) {
     item = wantedCard(cards, *card, *granted, state, at.ledger.isCreditSent(number));
   } else if (wanted) {
-    item = faultyCard(cards, *card, state);
+    const bool known = granted != nullptr && granted->fault.empty() && !card->several;
+    item = faultyCard(cards, *card, known ? granted : nullptr, state);
     if (item) addNeeds(at, item->program);
   } else {
     const PlanReason reason = card == nullptr || card->deleted ? PlanReason::deleted

@@ -191,6 +191,20 @@ TEST_F(PlanFaultsTest, TimesThatMixAreNotSentUnderACardThatCouldNotBeShut) {
   EXPECT_FALSE(sends("1600071"));
 }
 
+TEST_F(PlanFaultsTest, ACardWhoseRowCannotBeRightOpensOnlyWhatItsGroupStillGrants) {
+  const auto grant = [&](const char* what) {
+    return "update AccGroupReaders set " + std::string(what) + " where AccessGroupId = 5 and ReaderId = 1";
+  };
+  carry();
+  db().execute(grant("WeeklyProgNum = 9"));
+  EXPECT_EQ(carried("PINCode = 12000"), "1<1600070||> ") << sent();
+  EXPECT_EQ(carried("PINCode = 12001"), "");
+  db().execute(grant("WeeklyProgNum = 1"));
+  EXPECT_NE(carried("PINCode = 1").find("1600071"), std::string::npos) << sent();
+  db().execute("delete from AccGroupReaders where ReaderId = 1");
+  EXPECT_NE(carried("PINCode = 12000").find("0900070"), std::string::npos) << sent();
+}
+
 TEST_F(PlanFaultsTest, ACardWithoutItsTimesIsNotShutForThem) {
   db().execute("update WeeklyPrograms set DailyProgDay1 = 3 where ProgNum = 1");
   db().execute("update DailyPrograms set EndFirstInterval = '11:00' where Id = 2");
