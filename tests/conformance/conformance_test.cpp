@@ -17,7 +17,7 @@ namespace voxa::conformance {
 namespace {
 
 const std::pair<const char*, DataType> typeNames[] = {
-    {"Boolean", DataType::Boolean}, {"Byte", DataType::Byte}, {"Integer", DataType::Integer},
+    {"Boolean", DataType::Boolean}, {"Byte", DataType::Byte},     {"Integer", DataType::Integer},
     {"Long", DataType::Long},       {"Double", DataType::Double}, {"Date", DataType::Date},
     {"Memo", DataType::Memo}};
 
@@ -46,7 +46,8 @@ std::string shown(const Value& value, char type) {
   return is != type ? std::string(1, is) + ":" + text : text.empty() ? "(empty)" : text;
 }
 
-class Conformance : public testing::TestWithParam<std::filesystem::path> {
+/// A database of an engine, in which records are run.
+class Conformance : public testing::Test {
  protected:
   void run(const Record& record) {
     if (record.kind == Record::Kind::table) {
@@ -81,7 +82,9 @@ class Conformance : public testing::TestWithParam<std::filesystem::path> {
   std::shared_ptr<Database> db_ = engine_->create(folder_ / "test.mdb");
 };
 
-TEST_P(Conformance, Holds) {
+class Files : public Conformance, public testing::WithParamInterface<std::filesystem::path> {};
+
+TEST_P(Files, Hold) {
   std::ifstream in(GetParam());
   for (const Record& record : readRecords(in)) {
     SCOPED_TRACE(GetParam().filename().string() + ":" + std::to_string(record.line) + " " + record.text);
@@ -97,6 +100,42 @@ TEST_P(Conformance, Holds) {
   }
 }
 
+// The examples of the page on the language: an expression and what it gives, and statements.
+class Examples : public Conformance {};
+
+TEST_F(Examples, OfThePageAreTrue) {
+  db_->createTable({"AccessGroups", {fieldOf("Id", "Long"), fieldOf("Name", "Text50")}, {}});
+  db_->createTable({"Cardholders",
+                    {fieldOf("CardNum", "Long"), fieldOf("Name", "Text50"), fieldOf("AccessGroupId", "Long"),
+                     fieldOf("Credit", "Integer"), fieldOf("ValidationDate", "Date")},
+                    {}});
+  std::ifstream page(LANGUAGE_PAGE);
+  bool statements = false;
+  int examples = 0;
+  for (std::string line; std::getline(page, line);) {
+    SCOPED_TRACE(line);
+    if (line.starts_with("```")) {
+      statements = line == "```sql";
+    } else if (statements) {
+      ++examples;
+      EXPECT_EQ(errorOf([&] {
+                  line.starts_with("select") ? (void)db_->openRecordset(line) : (void)db_->execute(line);
+                }),
+                0);
+    } else if (const std::size_t middle = line.find("` | "); line.starts_with("| `") &&
+                                                             line.ends_with("` |") && middle != line.npos &&
+                                                             line[middle + 4] == '`') {
+      ++examples;
+      const auto row = db_->openRecordset("select " + line.substr(3, middle - 3));
+      EXPECT_EQ(row->get(0).isNull()              ? "Null"
+                : row->get(0).data().index() == 1 ? row->get(0).toBool() ? "-1" : "0"
+                                                  : row->get(0).toText(),
+                line.substr(middle + 5, line.size() - middle - 8));
+    }
+  }
+  EXPECT_GT(examples, 80);
+}
+
 std::vector<std::filesystem::path> files() {
   std::vector<std::filesystem::path> found;
   for (const auto& entry : std::filesystem::directory_iterator(CONFORMANCE)) {
@@ -106,7 +145,7 @@ std::vector<std::filesystem::path> files() {
   return found;
 }
 
-INSTANTIATE_TEST_SUITE_P(Files, Conformance, testing::ValuesIn(files()),
+INSTANTIATE_TEST_SUITE_P(Conformance, Files, testing::ValuesIn(files()),
                          [](const auto& info) { return info.param.stem().string(); });
 
 }  // namespace

@@ -47,8 +47,8 @@ TEST(TextTest, CaseOfAllLettersOfTheCodePage) {
 }
 
 TEST(TextTest, OrderIsTotalAndKeepsAccentsBesideTheirLetters) {
-  const std::vector<std::string> sorted = {"",   "_x", "€",  "10", "9",  "a", "a b", "a-b", "a1", "ab", "e",
-                                           "é",  "ea", "éa", "EB", "f",  "Z", "Ž",   "я"};
+  const std::vector<std::string> sorted = {"",  "_x", "€",  "10", "9",  "a", "a b", "a-b", "a1", "ab",
+                                           "e", "é",  "ea", "éa", "EB", "f", "Z",   "Ž",   "я"};
   for (std::size_t i = 0; i < sorted.size(); ++i) {
     for (std::size_t j = 0; j < sorted.size(); ++j) {
       const int order = compareNoCase(sorted[i], sorted[j]);

@@ -27,7 +27,8 @@ struct Weeks {
 [[nodiscard]] std::string format(const Value& value, std::string_view pattern, const Weeks& weeks,
                                  const Clock* clock);
 
-/// One number by one section of a pattern, 0 # . , % E+ and literals. A negative number has its sign in front.
+/// One number by one section of a pattern, 0 # . , % E+ and literals. A negative number has its sign in
+/// front.
 [[nodiscard]] std::string formatNumber(double number, std::string_view section);
 
 /// A moment by a pattern of c, d to dddddd, w, ww, m to mmmm, q, y, yy, yyyy, h, n, s, ttttt, AM/PM and

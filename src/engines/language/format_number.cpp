@@ -19,9 +19,9 @@ struct Decimal {
     constexpr int certain = 15;
     if (number == 0) return;
     char buffer[40];
-    const auto end =
-        std::to_chars(std::begin(buffer), std::end(buffer), number, std::chars_format::scientific, certain - 1)
-            .ptr;
+    const auto end = std::to_chars(std::begin(buffer), std::end(buffer), number,
+                                   std::chars_format::scientific, certain - 1)
+                         .ptr;
     const std::string_view text(buffer, static_cast<std::size_t>(end - buffer));
     const std::size_t e = text.find('e');
     for (const char c : text.substr(0, e)) {
@@ -53,7 +53,8 @@ struct Decimal {
   /// The digit at a power of ten.
   [[nodiscard]] char at(int power) const {
     const int index = point - 1 - power;
-    return index >= 0 && index < static_cast<int>(digits.size()) ? digits[static_cast<std::size_t>(index)] : '0';
+    return index >= 0 && index < static_cast<int>(digits.size()) ? digits[static_cast<std::size_t>(index)]
+                                                                 : '0';
   }
   [[nodiscard]] bool isZero() const { return digits.empty(); }
   /// How many digits are behind the decimal point.
@@ -76,9 +77,9 @@ struct Shape {
   std::vector<PatternCharacter> behind;    // from the exponent on
   bool hasPoint = false;
   bool thousands = false;
-  int scale = 0;       // powers of ten that the number is multiplied by
-  char exponent = 0;   // the letter as it is written
-  bool plus = false;   // the exponent shows its sign also when it is positive
+  int scale = 0;      // powers of ten that the number is multiplied by
+  char exponent = 0;  // the letter as it is written
+  bool plus = false;  // the exponent shows its sign also when it is positive
 };
 
 bool isPlace(const PatternCharacter& c) {

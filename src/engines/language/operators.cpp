@@ -67,7 +67,8 @@ Term Writer::linked(const Expression& e, Scope& scope) {
   const auto join = [&](const auto& self, std::size_t first, std::size_t end) -> std::string {
     if (end - first > inARow) {
       const std::size_t middle = first + (end - first) / 2;
-      return "(" + self(self, first, middle) + ")" + (all ? " AND (" : " OR (") + self(self, middle, end) + ")";
+      return "(" + self(self, first, middle) + ")" + (all ? " AND (" : " OR (") + self(self, middle, end) +
+             ")";
     }
     std::string out = parts[first];
     for (std::size_t i = first + 1; i < end; ++i) out += (all ? " AND " : " OR ") + parts[i];

@@ -283,7 +283,9 @@ void Writer::order(const syntax::Select& select, Query& out, bool within) {
     } else {
       term = write(*item.expression, out.scope);
     }
-    const auto selected = [&](const Term& other) { return withoutNumbers(other.sql) == withoutNumbers(term.sql); };
+    const auto selected = [&](const Term& other) {
+      return withoutNumbers(other.sql) == withoutNumbers(term.sql);
+    };
     if (out.distinct && std::none_of(out.items.begin(), out.items.end(), selected)) {
       throw Error(err::dbOrderNotSelected,
                   "With DISTINCT rows are ordered by what they show: select what ORDER BY names, too");

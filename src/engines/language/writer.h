@@ -82,9 +82,9 @@ class Writer {
       bool isText = false;
       bool descending = false;
     };
-    std::vector<Key> keys;     ///< the ordering
-    bool keysDiffer = false;   ///< no two rows are equal in it
-    std::string top;           ///< how many rows, and all that are equal to the last of them; "" for all rows
+    std::vector<Key> keys;    ///< the ordering
+    bool keysDiffer = false;  ///< no two rows are equal in it
+    std::string top;          ///< how many rows, and all that are equal to the last of them; "" for all rows
 
     [[nodiscard]] std::vector<std::string> columns()
         const;  ///< the items as the text of the result's columns

@@ -19,8 +19,8 @@ struct PendingError {
 };
 
 /// Registers the collation and the functions that translated statements rely on (the list is in dialect.h).
-/// `pending` and `clock` must outlive the connection. compare: the order of texts. All functions count as deterministic, since Now() has
-/// one value for the whole of a statement.
+/// `pending` and `clock` must outlive the connection. compare: the order of texts. All functions count as
+/// deterministic, since Now() has one value for the whole of a statement.
 using TextOrder = int (*)(std::string_view a, std::string_view b);
 void registerFunctions(sqlite3* db, PendingError& pending, const Clock& clock,
                        TextOrder compare = compareNoCase);

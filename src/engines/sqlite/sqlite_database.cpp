@@ -92,7 +92,9 @@ Prepared* findPrepared(StatementCache& translated, const dialect::Scanned& scann
 }  // namespace
 
 SqliteDatabase::SqliteDatabase(std::shared_ptr<Session> session, std::string path, Connection connection)
-    : session_(std::move(session)), path_(std::move(path)), file_(std::in_place, std::move(connection), *session_) {
+    : session_(std::move(session)),
+      path_(std::move(path)),
+      file_(std::in_place, std::move(connection), *session_) {
   // Reads the first pages of the file, so that a damaged or locked file fails here.
   (void)file_->catalog.relations();
   session_->open.push_back(this);

@@ -132,7 +132,8 @@ bool matches(std::string_view text, std::string_view pattern) {
         matched = inClass(pattern, character);
       } else {
         const std::string_view wanted = pattern.substr(0, behind(pattern, 0));
-        matched = wanted == "?" || (wanted == "#" ? character >= "0" && character <= "9" : wanted == character);
+        matched =
+            wanted == "?" || (wanted == "#" ? character >= "0" && character <= "9" : wanted == character);
         pattern.remove_prefix(wanted.size());
       }
       text.remove_prefix(character.size());
@@ -153,14 +154,15 @@ void like(sqlite3_context* context, sqlite3_value** arguments, int) {
 void format(sqlite3_context* context, sqlite3_value** arguments, int) {
   if (sqlite3_value_type(arguments[2]) == SQLITE_NULL) return;
   const auto type = static_cast<DataType>(sqlite3_value_int(arguments[1]));
-  const dialect::Weeks weeks{static_cast<int>(count(arguments[3], 0)), static_cast<int>(count(arguments[4], 0))};
+  const dialect::Weeks weeks{static_cast<int>(count(arguments[3], 0)),
+                             static_cast<int>(count(arguments[4], 0))};
   if (weeks.firstDay > 7 || weeks.firstWeek > 3)
     throw Error(err::invalidArgument,
                 "Invalid argument: a week begins with day 1 to 7, the first of a year is 1, 2 or 3");
   const Value value = asType(valueOf(arguments[0]), type);
-  returnText(context, dialect::format(value, textOf(arguments[2]),
-                                      {std::max(weeks.firstDay, 1), std::max(weeks.firstWeek, 1)},
-                                      clockOf(context)));
+  returnText(context,
+             dialect::format(value, textOf(arguments[2]),
+                             {std::max(weeks.firstDay, 1), std::max(weeks.firstWeek, 1)}, clockOf(context)));
 }
 
 /// Two texts in one. Null counts as no text; Null when both are.
@@ -171,11 +173,10 @@ void join(sqlite3_context* context, sqlite3_value** arguments, int) {
 }
 
 constexpr SqlFunction functions[] = {
-    {"vx_left", 2, false, left},   {"vx_right", 2, false, right}, {"vx_mid", 2, false, mid},
-    {"vx_mid", 3, false, mid},     {"vx_instr", 3, false, instr}, {"vx_lower", 1, false, lower},
-    {"vx_upper", 1, false, upper}, {"vx_chr", 1, false, chr},     {"vx_asc", 1, false, asc},
-    {"vx_like", 2, false, like},   {"vx_format", 5, true, format},
-    {"vx_join", 2, true, join}};
+    {"vx_left", 2, false, left},   {"vx_right", 2, false, right},  {"vx_mid", 2, false, mid},
+    {"vx_mid", 3, false, mid},     {"vx_instr", 3, false, instr},  {"vx_lower", 1, false, lower},
+    {"vx_upper", 1, false, upper}, {"vx_chr", 1, false, chr},      {"vx_asc", 1, false, asc},
+    {"vx_like", 2, false, like},   {"vx_format", 5, true, format}, {"vx_join", 2, true, join}};
 
 }  // namespace
 

@@ -104,6 +104,15 @@ void power(sqlite3_context* context, sqlite3_value** arguments, int) {
   sqlite3_result_double(context, v);
 }
 
+/// The number as its first 15 digits tell it: what a double holds for certain.
+double certain(double v) {
+  char buffer[40];
+  const auto* end =
+      std::to_chars(std::begin(buffer), std::end(buffer), v, std::chars_format::scientific, 14).ptr;
+  (void)std::from_chars(std::begin(buffer), end, v);
+  return v;
+}
+
 [[noreturn]] void failDivision() {
   throw Error(err::divisionByZero, "Division by zero");
 }
@@ -125,14 +134,6 @@ void divideWhole(sqlite3_context* context, sqlite3_value** arguments, int) {
   sqlite3_result_int64(context, remainder ? dividend % divisor : dividend / divisor);
 }
 
-/// The number as its first 15 digits tell it: what a double holds for certain.
-double certain(double v) {
-  char buffer[40];
-  const auto* end = std::to_chars(std::begin(buffer), std::end(buffer), v, std::chars_format::scientific, 14).ptr;
-  (void)std::from_chars(std::begin(buffer), end, v);
-  return v;
-}
-
 /// Four digits behind the point, half to even, in the range of an amount: 64 bits of ten-thousandths.
 void currency(sqlite3_context* context, sqlite3_value** arguments, int) {
   constexpr double parts = 10'000;
@@ -142,7 +143,7 @@ void currency(sqlite3_context* context, sqlite3_value** arguments, int) {
   sqlite3_result_double(context, std::nearbyint(certain(v * parts)) / parts);
 }
 
-/// Rounds half to even.
+/// Rounds half to even, as the 15 digits of the number tell it.
 void round(sqlite3_context* context, sqlite3_value** arguments, int) {
   const int digits = sqlite3_value_int(arguments[1]);
   if (digits < 0 || digits > 15) {
@@ -155,7 +156,7 @@ void round(sqlite3_context* context, sqlite3_value** arguments, int) {
   const double scale = std::pow(10.0, digits);
   const double v = sqlite3_value_double(arguments[0]);
   const double scaled = v * scale;
-  sqlite3_result_double(context, std::isfinite(scaled) ? std::nearbyint(scaled) / scale : v);
+  sqlite3_result_double(context, std::isfinite(scaled) ? std::nearbyint(certain(scaled)) / scale : v);
 }
 
 /// The number at the beginning of a text, 0 when there is none. Blanks are ignored.

@@ -36,10 +36,15 @@ TEST_F(Language, NamesTheColumnsOfAResult) {
 TEST_F(Language, TakesAParameterBeforeAFieldOfThatName) {
   const std::string query =
       "PARAMETERS [Id] Integer, [at] DateTime; select Name from Stations s where s.Id = [Id] or Since > [at]";
-  EXPECT_EQ(db->openRecordset(query, {{"id", std::int32_t{2}}, {"AT", Value("1/1/2030")}})->get(0), Value("South"));
-  EXPECT_EQ(errorOf([&] { (void)db->openRecordset(query, {{"id", std::int32_t{2}}}); }), err::dbTooFewParameters);
-  EXPECT_EQ(number("parameters p Integer, q Integer; select Left(Name, p) from Stations group by Left(Name, q)"),
-            err::dbNotAggregated);
+  EXPECT_EQ(db->openRecordset(query, {{"id", std::int32_t{2}}, {"AT", Value("1/1/2030")}})->get(0),
+            Value("South"));
+  EXPECT_EQ(errorOf([&] {
+              (void)db->openRecordset(query, {{"id", std::int32_t{2}}});
+            }),
+            err::dbTooFewParameters);
+  EXPECT_EQ(
+      number("parameters p Integer, q Integer; select Left(Name, p) from Stations group by Left(Name, q)"),
+      err::dbNotAggregated);
 }
 
 // Depth is limited, by SQLite or before it. Length is not.

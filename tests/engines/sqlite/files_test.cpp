@@ -43,7 +43,8 @@ TEST_F(DatabaseFiles, AreFoundInAnyCaseAndCreatedOnce) {
 
 TEST_F(DatabaseFiles, ThatAreSortedAsBeforeAreSortedAnew) {
   db->createTable({"Words", {{"W", DataType::Text, 10}}, {{"W", {"W"}, true}}});
-  for (const char* word : {"a1c", "a_c", "abc"}) db->execute("insert into Words values ('" + std::string(word) + "')");
+  for (const char* word : {"a1c", "a_c", "abc"})
+    db->execute("insert into Words values ('" + std::string(word) + "')");
   const auto found = [](Database& database) {
     std::string all;
     for (const char* sql : {"select W from Words where W = 'a_c'", "select W from Words order by W"}) {
@@ -58,7 +59,8 @@ TEST_F(DatabaseFiles, ThatAreSortedAsBeforeAreSortedAnew) {
   PendingError pending;
   ASSERT_EQ(sqlite3_open(file.c_str(), &old), SQLITE_OK);
   registerFunctions(old, pending, clock, compareAsBefore);
-  ASSERT_EQ(sqlite3_exec(old, "REINDEX; PRAGMA application_id=0x566f7841", nullptr, nullptr, nullptr), SQLITE_OK);
+  ASSERT_EQ(sqlite3_exec(old, "REINDEX; PRAGMA application_id=0x566f7841", nullptr, nullptr, nullptr),
+            SQLITE_OK);
   sqlite3_close(old);
   const std::string before = bytesOf(file);
   {
