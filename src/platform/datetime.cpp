@@ -23,6 +23,10 @@ bool isDigit(char c) {
   return c >= '0' && c <= '9';
 }
 
+constexpr std::array<std::string_view, 12> monthNames = {"January",   "February", "March",    "April",
+                                                         "May",       "June",     "July",     "August",
+                                                         "September", "October",  "November", "December"};
+
 /// Reads a date and time from the front of a text, piece by piece.
 class Reader {
  public:
@@ -45,6 +49,23 @@ class Reader {
     while (n < rest_.size() && isDigit(rest_[n])) ++n;
     return n;
   }
+  /// Reads a word, which is a month's name or its first three letters; its number, 0 for another word.
+  int monthName() {
+    std::size_t n = 0;
+    while (n < rest_.size() && ((rest_[n] | 0x20) >= 'a' && (rest_[n] | 0x20) <= 'z')) ++n;
+    for (std::size_t month = 0; month < monthNames.size(); ++month) {
+      const std::string_view name = monthNames.at(month);
+      if (n < 3 || !equalNoCase(rest_.substr(0, n), n == 3 ? name.substr(0, 3) : name)) continue;
+      rest_.remove_prefix(n);
+      return static_cast<int>(month) + 1;
+    }
+    return 0;
+  }
+  bool skipWord(std::string_view word) {
+    if (!equalNoCase(rest_.substr(0, word.size()), word)) return false;
+    rest_.remove_prefix(word.size());
+    return true;
+  }
   [[nodiscard]] char behindDigits() const {
     const auto n = digitsAhead();
     return n < rest_.size() ? rest_[n] : '\0';
@@ -63,6 +84,35 @@ class Reader {
   std::string_view rest_;
 };
 
+/// Reads a year. Without a clock one of two digits is none, and it must not be missing.
+bool readYear(Reader& in, const Clock* clock, CivilTime& out) {
+  const auto digits = in.digitsAhead();
+  if ((digits != 4 && digits != 2) || (digits == 2 && clock == nullptr)) return false;
+  in.number(2, 4, out.year);
+  if (digits == 2) out.year = fullYear(out.year, out.month, out.day, clock->now());
+  return true;
+}
+
+/// "6 May 2024", "6-May-24", "May 6, 2024"; without a year it is that of the day.
+bool readNamedDate(Reader& in, const Clock* clock, CivilTime& out) {
+  const auto part = [&in] {
+    const bool blanks = in.skipBlanks();
+    return in.skip('-') || in.skip(',') ? (in.skipBlanks(), true) : blanks;
+  };
+  const bool dayFirst = isDigit(in.front());
+  if (dayFirst && !(in.number(1, 2, out.day) && part())) return false;
+  out.month = in.monthName();
+  if (out.month == 0) return false;
+  if (!dayFirst && !(part() && in.number(1, 2, out.day))) return false;
+  Reader behind = in;
+  const bool parted = part();
+  if (isDigit(in.front()) && in.behindDigits() != ':') return parted && readYear(in, clock, out);
+  in = behind;  // a time may follow
+  if (clock == nullptr) return false;
+  out.year = toCivil(clock->now()).year;
+  return true;
+}
+
 bool readDate(Reader& in, bool monthFirst, const Clock* clock, CivilTime& out) {
   if (in.behindDigits() == '-') {
     return in.number(4, 4, out.year) && in.skip('-') && in.number(1, 2, out.month) && in.skip('-') &&
@@ -71,16 +121,28 @@ bool readDate(Reader& in, bool monthFirst, const Clock* clock, CivilTime& out) {
   int& first = monthFirst ? out.month : out.day;
   int& second = monthFirst ? out.day : out.month;
   if (!(in.number(1, 2, first) && in.skip('/') && in.number(1, 2, second) && in.skip('/'))) return false;
-  const auto yearDigits = in.digitsAhead();
-  if (yearDigits != 4 && (yearDigits != 2 || clock == nullptr)) return false;
-  in.number(2, 4, out.year);
-  if (yearDigits == 2) out.year = fullYear(out.year, out.month, out.day, clock->now());
+  return readYear(in, clock, out);
+}
+
+/// "18:30", "6:30:05 PM", "6 pm"
+bool readTime(Reader& in, CivilTime& out) {
+  if (!in.number(1, 2, out.hour)) return false;
+  const bool minutes = in.skip(':');
+  if (minutes && !in.number(2, 2, out.minute)) return false;
+  if (minutes && in.skip(':') && !in.number(2, 2, out.second)) return false;
+  in.skipBlanks();
+  const bool afternoon = in.skipWord("PM");
+  if (!afternoon && !in.skipWord("AM")) return minutes;
+  if (out.hour < 1 || out.hour > 12) return false;
+  out.hour = out.hour % 12 + (afternoon ? 12 : 0);
   return true;
 }
 
-bool readTime(Reader& in, CivilTime& out) {
-  if (!(in.number(1, 2, out.hour) && in.skip(':') && in.number(2, 2, out.minute))) return false;
-  return !in.skip(':') || in.number(2, 2, out.second);
+/// Whether a time stands at the front: an hour with a colon or a half of the day behind it.
+bool isTimeAhead(Reader in) {
+  if (in.behindDigits() == ':') return true;
+  CivilTime time;
+  return isDigit(in.front()) && readTime(in, time);
 }
 
 DateTime fromValid(const CivilTime& parts) {
@@ -95,10 +157,15 @@ std::optional<DateTime> parse(std::string_view text, bool monthFirst, const Cloc
   Reader in(text);
   CivilTime parts;
   in.skipBlanks();
-  if (in.behindDigits() == ':') {
+  if (isTimeAhead(in)) {
     if (!readTime(in, parts)) return std::nullopt;
   } else {
-    if (!readDate(in, monthFirst, clock, parts)) return std::nullopt;
+    const Reader start = in;
+    if (!readDate(in, monthFirst, clock, parts)) {
+      in = start;
+      parts = CivilTime();
+      if (!readNamedDate(in, clock, parts)) return std::nullopt;
+    }
     const bool timeMustFollow = in.skip('T');
     const bool timeMayFollow = timeMustFollow || in.skipBlanks();
     if (timeMustFollow || (timeMayFollow && !in.done())) {
@@ -110,10 +177,11 @@ std::optional<DateTime> parse(std::string_view text, bool monthFirst, const Cloc
   return fromValid(parts);
 }
 
-constexpr std::array<const char*, 12> monthNames = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
-                                                    "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
-
 }  // namespace
+
+std::string_view monthName(int month) {
+  return monthNames.at(static_cast<std::size_t>(month - 1));
+}
 
 bool isValid(const CivilTime& parts) {
   return parts.year >= 100 && parts.year <= 9999 && parts.month >= 1 && parts.month <= 12 && parts.day >= 1 &&
@@ -193,7 +261,7 @@ std::string formatDateTime(DateTime moment, std::string_view pattern) {
     if (letter == 'd') {
       out += zeroPadded(parts.day, width);
     } else if (letter == 'm' && count == 3) {
-      out += monthNames[static_cast<std::size_t>(parts.month - 1)];
+      out += monthName(parts.month).substr(0, 3);
     } else if (letter == 'm') {
       out += zeroPadded(afterHour ? parts.minute : parts.month, width);
     } else if (letter == 'y' && count > 1) {

@@ -10,9 +10,6 @@ namespace voxa::dialect {
 
 namespace {
 
-constexpr std::array<std::string_view, 12> months = {"January",   "February", "March",    "April",
-                                                     "May",       "June",     "July",     "August",
-                                                     "September", "October",  "November", "December"};
 constexpr std::array<std::string_view, 7> days = {"Sunday",   "Monday", "Tuesday", "Wednesday",
                                                   "Thursday", "Friday", "Saturday"};
 
@@ -132,7 +129,7 @@ class MomentFormat {
     out_ += std::to_string(count == 1 ? dayOfWeek(moment_, weeks_) : weekOfYear(moment_, weeks_));
   }
   void month(std::size_t count) {
-    const std::string_view name = months.at(static_cast<std::size_t>(parts_.month - 1));
+    const std::string_view name = monthName(parts_.month);
     if (count > 2) {
       out_ += name.substr(0, count == 3 ? shortName : name.size());
     } else {

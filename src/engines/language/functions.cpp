@@ -15,7 +15,8 @@ namespace {
 enum class Result : std::uint8_t { whole, real, date, text, condition, boolean, likeFirst };
 
 /// A function as SQLite text, with its arguments at $1, $2 and so on. An argument is taken as a number (n), a
-/// date (d), a text (t; w: True and False as these words), or as it is (v).
+/// date (d), a text (t; w: True and False as these words), as it is (v), or as a text unless it is a number
+/// (y).
 struct Function {
   std::string_view name;
   std::string_view arguments;
@@ -25,6 +26,7 @@ struct Function {
 constexpr Function functions[] = {
     {"abs", "n", "abs($1)", Result::likeFirst},
     {"asc", "t", "vx_asc($1)", Result::whole},
+    {"atn", "n", "vx_atn($1)", Result::real},
     {"cbool", "v", "vx_store($1, 1, 0)", Result::boolean},
     {"cbyte", "v", "vx_store($1, 2, 0)", Result::whole},
     {"ccur", "v", "vx_currency(vx_store($1, 7, 0))", Result::real},
@@ -34,33 +36,63 @@ constexpr Function functions[] = {
     {"cint", "v", "vx_store($1, 3, 0)", Result::whole},
     {"clng", "v", "vx_store($1, 4, 0)", Result::whole},
     {"csng", "v", "vx_store($1, 7, 0)", Result::real},
+    {"cos", "n", "vx_cos($1)", Result::real},
     {"cstr", "w", "$1", Result::text},
     {"cvdate", "v", "vx_store($1, 8, 0)", Result::date},
     {"date", "", "vx_fix(vx_now())", Result::date},
+    {"dateadd", "tnd", "vx_dateadd($1, $2, $3)", Result::date},
+    {"datediff", "tdd", "vx_datediff($1, $2, $3, 1, 1)", Result::whole},
+    {"datediff", "tddn", "vx_datediff($1, $2, $3, $4, 1)", Result::whole},
+    {"datediff", "tddnn", "vx_datediff($1, $2, $3, $4, $5)", Result::whole},
+    {"datepart", "td", "vx_datepart($1, $2, 1, 1)", Result::whole},
+    {"datepart", "tdn", "vx_datepart($1, $2, $3, 1)", Result::whole},
+    {"datepart", "tdnn", "vx_datepart($1, $2, $3, $4)", Result::whole},
     {"dateserial", "nnn", "vx_dateserial($1, $2, $3)", Result::date},
     {"datevalue", "d", "vx_fix($1)", Result::date},
     {"day", "d", "vx_part(3, $1)", Result::whole},
+    {"exp", "n", "vx_exp($1)", Result::real},
     {"fix", "n", "vx_fix($1)", Result::likeFirst},
+    {"hex", "n", "vx_hex($1)", Result::text},
     {"hour", "d", "vx_part(4, $1)", Result::whole},
-    {"instr", "tt", "vx_instr(1, $1, $2)", Result::whole},
-    {"instr", "ntt", "vx_instr($1, $2, $3)", Result::whole},
+    {"instr", "tt", "vx_instr(1, $1, $2, 1)", Result::whole},
+    {"instr", "ntt", "vx_instr($1, $2, $3, 1)", Result::whole},
+    {"instr", "nttn", "vx_instr($1, $2, $3, $4)", Result::whole},
+    {"instrrev", "tt", "vx_instrrev($1, $2, -1, 1)", Result::whole},
+    {"instrrev", "ttn", "vx_instrrev($1, $2, $3, 1)", Result::whole},
+    {"instrrev", "ttnn", "vx_instrrev($1, $2, $3, $4)", Result::whole},
     {"int", "n", "vx_int($1)", Result::likeFirst},
+    {"isdate", "y", "vx_isdate($1)", Result::condition},
     {"isnull", "v", "$1 IS NULL", Result::condition},
+    {"isnumeric", "y", "vx_isnumeric($1)", Result::condition},
     {"lcase", "t", "vx_lower($1)", Result::text},
     {"left", "tn", "vx_left($1, $2)", Result::text},
     {"len", "t", "length($1)", Result::whole},
+    {"log", "n", "vx_log($1)", Result::real},
     {"ltrim", "t", "ltrim($1)", Result::text},
     {"mid", "tn", "vx_mid($1, $2)", Result::text},
     {"mid", "tnn", "vx_mid($1, $2, $3)", Result::text},
     {"minute", "d", "vx_part(5, $1)", Result::whole},
     {"month", "d", "vx_part(2, $1)", Result::whole},
     {"now", "", "vx_now()", Result::date},
+    {"oct", "n", "vx_oct($1)", Result::text},
+    {"replace", "ttt", "vx_replace($1, $2, $3, 1, -1, 1)", Result::text},
+    {"replace", "tttn", "vx_replace($1, $2, $3, $4, -1, 1)", Result::text},
+    {"replace", "tttnn", "vx_replace($1, $2, $3, $4, $5, 1)", Result::text},
+    {"replace", "tttnnn", "vx_replace($1, $2, $3, $4, $5, $6)", Result::text},
     {"right", "tn", "vx_right($1, $2)", Result::text},
     {"round", "n", "vx_round($1, 0)", Result::likeFirst},
     {"round", "nn", "vx_round($1, $2)", Result::likeFirst},
     {"rtrim", "t", "rtrim($1)", Result::text},
     {"second", "d", "vx_part(6, $1)", Result::whole},
     {"sgn", "n", "vx_sgn($1)", Result::whole},
+    {"sin", "n", "vx_sin($1)", Result::real},
+    {"space", "n", "vx_string($1, ' ')", Result::text},
+    {"sqr", "n", "vx_sqr($1)", Result::real},
+    {"str", "n", "vx_str($1)", Result::text},
+    {"strcomp", "tt", "vx_strcomp($1, $2, 1)", Result::whole},
+    {"strcomp", "ttn", "vx_strcomp($1, $2, $3)", Result::whole},
+    {"string", "nt", "vx_string($1, $2)", Result::text},
+    {"tan", "n", "vx_tan($1)", Result::real},
     {"time", "", "vx_time(vx_now())", Result::date},
     {"timeserial", "nnn", "($1 * 3600 + $2 * 60 + $3) / 86400.0", Result::date},
     {"timevalue", "d", "vx_time($1)", Result::date},
@@ -68,10 +100,13 @@ constexpr Function functions[] = {
     {"ucase", "t", "vx_upper($1)", Result::text},
     {"val", "t", "vx_val($1)", Result::real},
     {"weekday", "d", "vx_part(7, $1)", Result::whole},
+    {"weekday", "dn", "vx_datepart('w', $1, $2, 1)", Result::whole},
     {"year", "d", "vx_part(1, $1)", Result::whole},
 };
 
-constexpr std::string_view aggregates[] = {"avg", "count", "max", "min", "sum"};
+/// Those of SQLite, and the engine's own.
+constexpr std::string_view aggregates[] = {"avg",   "count",  "first", "last", "max", "min",
+                                           "stdev", "stdevp", "sum",   "var",  "varp"};
 
 std::optional<DataType> resultType(Result result, const std::optional<DataType>& first) {
   switch (result) {
@@ -118,6 +153,7 @@ Term Writer::call(const Expression& e, Scope& scope) {
   if (e.star) fail(e.position, "only Count takes the sign *");
   if (isWord(e.name, "iif") || isWord(e.name, "nz")) return choice(e, scope);
   if (isWord(e.name, "format")) return format(e, scope);
+  if (isWord(e.name, "switch") || isWord(e.name, "choose")) return cases(e, scope);
   const Function* found = nullptr;
   for (const Function& f : functions) {
     if (!isWord(e.name, f.name)) continue;
@@ -138,6 +174,7 @@ Term Writer::call(const Expression& e, Scope& scope) {
                         : kind == 'd' ? date(std::move(term))
                         : kind == 't' ? text(term)
                         : kind == 'w' ? words(term)
+                        : kind == 'y' ? (term.type == DataType::Date ? words(term) : value(term))
                                       : operand(term));
   }
   Term out;
@@ -175,6 +212,14 @@ Term Writer::aggregate(const Expression& e, Scope& scope) {
     fail(e.position, "an aggregate function works on fields of its own query");
   }
   if (isWord(e.name, "count")) return {.sql = "count(" + value(term) + ")", .type = DataType::Long};
+  if (isWord(e.name, "first") || isWord(e.name, "last"))
+    return {.sql = (isWord(e.name, "first") ? "vx_first(" : "vx_last(") + value(term) + ")",
+            .type = term.type};
+  for (const char* spread : {"stdev", "stdevp", "var", "varp"}) {
+    if (isWord(e.name, spread))
+      return {.sql = "vx_" + std::string(spread) + "(" + number(std::move(term)) + ")",
+              .type = DataType::Double};
+  }
   if (isWord(e.name, "sum") || isWord(e.name, "avg")) {
     const bool whole = isWholeType(term.type) && isWord(e.name, "sum");
     const char* function = isWord(e.name, "sum") ? "sum(" : "avg(";
@@ -209,6 +254,32 @@ Term Writer::choice(const Expression& e, Scope& scope) {
   out.sql = iif ? "CASE WHEN " + test + " THEN " + first + " ELSE " + second + " END"
                 : "coalesce(" + first + ", " + second + ")";
   return out;
+}
+
+/// Switch(condition, value, ...): the value behind the first that is true. Choose(number, value, ...): that
+/// of the place. Null when there is none. Values of different types become text.
+Term Writer::cases(const Expression& e, Scope& scope) {
+  const bool switches = isWord(e.name, "switch");
+  const std::size_t count = e.arguments.size();
+  if (count < 2 || (switches && count % 2 != 0)) failFunction(e.name, "takes another number of arguments");
+  std::vector<std::string> tests;
+  std::vector<Term> values;
+  std::string sql = "CASE";
+  if (!switches) sql += " vx_store(" + number(write(*e.arguments[0], scope)) + ", 4, 0)";
+  for (std::size_t i = switches ? 0 : 1; i < count; i += switches ? 2 : 1) {
+    tests.push_back(switches ? condition(*e.arguments[i], scope) : std::to_string(i));
+    values.push_back(write(*e.arguments[switches ? i + 1 : i], scope));
+  }
+  Term common = values[0];
+  bool mixed = false;
+  for (const Term& value : values) {
+    const bool known = common.type.has_value() || value.type.has_value();
+    common.type = commonType(common, value);
+    mixed = mixed || (known && !common.type);
+  }
+  for (std::size_t i = 0; i < values.size(); ++i)
+    sql += " WHEN " + tests[i] + " THEN " + (mixed ? text(values[i]) : value(values[i]));
+  return {.sql = sql + " END", .type = mixed ? DataType::Text : common.type};
 }
 
 Term Writer::format(const Expression& e, Scope& scope) {

@@ -121,6 +121,8 @@ void Lexer::next(Token& token) {
       }
   }
   token.text = sql_.substr(token.position, state_.at - token.position);
+  // Left$ is Left: the sign says that the result is a text.
+  if (token.kind == TokenKind::word && state_.at < sql_.size() && sql_[state_.at] == '$') ++state_.at;
 }
 
 bool Lexer::parts(char c) {

@@ -141,6 +141,7 @@ class Writer {
   Term call(const syntax::Expression& e, Scope& scope);
   Term aggregate(const syntax::Expression& e, Scope& scope);
   Term choice(const syntax::Expression& e, Scope& scope);
+  Term cases(const syntax::Expression& e, Scope& scope);
   Term format(const syntax::Expression& e, Scope& scope);
 
   // Parts of a SELECT (select.cpp)

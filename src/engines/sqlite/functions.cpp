@@ -67,12 +67,16 @@ void registerFunctions(sqlite3* db, PendingError& pending, const Clock& clock, T
                                     compareTexts, nullptr));
   check(sqlite3_create_function_v2(db, "vx_now", 0, traits, const_cast<Clock*>(&clock), now, nullptr, nullptr,
                                    nullptr));
-  for (const auto table : {valueFunctions(), textFunctions(), momentFunctions()}) {
+  for (const auto table : {valueFunctions(), textFunctions(), searchFunctions(), momentFunctions()}) {
     for (const SqlFunction& function : table) {
       check(sqlite3_create_function_v2(db, function.name, function.arguments, traits,
                                        new Registered{&function, &pending, &clock}, call, nullptr, nullptr,
                                        [](void* self) { delete static_cast<Registered*>(self); }));
     }
+  }
+  for (const SqlAggregate& function : aggregateFunctions()) {
+    check(sqlite3_create_function_v2(db, function.name, 1, traits, nullptr, nullptr, function.step,
+                                     function.final, nullptr));
   }
 }
 

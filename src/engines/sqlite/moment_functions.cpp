@@ -1,12 +1,24 @@
 #include <algorithm>
 #include <cmath>
 
+#include "engines/language/format.h"
 #include "engines/sqlite/function_table.h"
 #include "platform/clock.h"
 #include "platform/datetime.h"
 #include "platform/error.h"
+#include "platform/text.h"
 
 namespace voxa {
+
+dialect::Weeks weeksOf(sqlite3_value* firstDay, sqlite3_value* firstWeek) {
+  const std::int64_t day = countOf(firstDay, 0);
+  const std::int64_t week = countOf(firstWeek, 0);
+  if (day > 7 || week > 3)
+    throw Error(err::invalidArgument,
+                "Invalid argument: a week begins with day 1 to 7, the first of a year is 1, 2 or 3");
+  return {static_cast<int>(std::max<std::int64_t>(day, 1)),
+          static_cast<int>(std::max<std::int64_t>(week, 1))};
+}
 
 namespace {
 
@@ -27,18 +39,17 @@ void time(sqlite3_context* context, sqlite3_value** arguments, int) {
   sqlite3_result_double(context, toDateTime(time).days);
 }
 
-int weekday(const CivilTime& parts) {
-  // 1 is Sunday. Day 0 was a Saturday.
-  const auto day =
-      static_cast<int>(toDateTime({.year = parts.year, .month = parts.month, .day = parts.day}).days);
-  return ((day + 6) % 7 + 7) % 7 + 1;
-}
-
 /// vx_part(which, moment): 1 year, 2 month, 3 day, 4 hour, 5 minute, 6 second, 7 day of the week.
 void part(sqlite3_context* context, sqlite3_value** arguments, int) {
-  const CivilTime parts = toCivil(DateTime{sqlite3_value_double(arguments[1])});
-  const int all[] = {parts.year,   parts.month,  parts.day,     parts.hour,
-                     parts.minute, parts.second, weekday(parts)};
+  const DateTime moment{sqlite3_value_double(arguments[1])};
+  const CivilTime parts = toCivil(moment);
+  const int all[] = {parts.year,
+                     parts.month,
+                     parts.day,
+                     parts.hour,
+                     parts.minute,
+                     parts.second,
+                     dialect::dayOfWeek(moment, {})};
   sqlite3_result_int(context, all[sqlite3_value_int(arguments[0]) - 1]);
 }
 
@@ -59,10 +70,174 @@ void dateSerial(sqlite3_context* context, sqlite3_value** arguments, int) {
   sqlite3_result_double(context, moment.days);
 }
 
-constexpr SqlFunction functions[] = {{"vx_date", 1, false, date},
-                                     {"vx_time", 1, false, time},
-                                     {"vx_part", 2, false, part},
-                                     {"vx_dateserial", 3, false, dateSerial}};
+/// The parts of a moment that DateAdd, DateDiff and DatePart name.
+enum class Interval { year, quarter, month, dayOfYear, day, weekday, week, hour, minute, second };
+
+Interval intervalOf(std::string_view name) {
+  constexpr std::pair<std::string_view, Interval> names[] = {
+      {"yyyy", Interval::year}, {"q", Interval::quarter}, {"m", Interval::month}, {"y", Interval::dayOfYear},
+      {"d", Interval::day},     {"w", Interval::weekday}, {"ww", Interval::week}, {"h", Interval::hour},
+      {"n", Interval::minute},  {"s", Interval::second}};
+  for (const auto& [text, interval] : names) {
+    if (equalNoCase(name, text)) return interval;
+  }
+  throw Error(err::invalidArgument, "Invalid argument: an interval is yyyy, q, m, y, d, w, ww, h, n or s");
+}
+
+DateTime momentOf(sqlite3_value* value) {
+  return DateTime{sqlite3_value_double(value)};
+}
+std::int64_t dayNumber(const CivilTime& parts) {
+  return static_cast<std::int64_t>(
+      toDateTime({.year = parts.year, .month = parts.month, .day = parts.day}).days);
+}
+std::int64_t secondsOf(const CivilTime& parts) {
+  return dayNumber(parts) * 86400 + parts.hour * 3600 + parts.minute * 60 + parts.second;
+}
+
+/// The same day so many months on, or the last one of its month.
+DateTime monthsOn(CivilTime parts, std::int64_t number) {
+  const std::int64_t months = parts.year * 12LL + parts.month - 1 + number;
+  if (months < 100 * 12 || months >= 10'000 * 12)
+    throw Error(err::overflow, "Overflow: the date is outside the years 100 to 9999");
+  parts.year = static_cast<int>(months / 12);
+  parts.month = static_cast<int>(months % 12) + 1;
+  while (!isValid(parts)) --parts.day;
+  return toDateTime(parts);
+}
+
+/// vx_dateadd(interval, number, moment)
+void dateAdd(sqlite3_context* context, sqlite3_value** arguments, int) {
+  const std::int64_t number = Value(sqlite3_value_double(arguments[1])).toInt32();
+  const DateTime moment = momentOf(arguments[2]);
+  const CivilTime parts = toCivil(moment);
+  const auto secondsOn = [&](std::int64_t seconds) {
+    const std::int64_t at = secondsOf(parts) + seconds;
+    const std::int64_t day = at >= 0 ? at / 86400 : -((-at + 86399) / 86400);
+    CivilTime there = toCivil(DateTime{static_cast<double>(day)});
+    const auto rest = static_cast<int>(at - day * 86400);
+    there.hour = rest / 3600;
+    there.minute = rest / 60 % 60;
+    there.second = rest % 60;
+    return toDateTime(there);
+  };
+  DateTime result;
+  switch (intervalOf(textOf(arguments[0]))) {
+    case Interval::year:
+      result = monthsOn(parts, 12 * number);
+      break;
+    case Interval::quarter:
+      result = monthsOn(parts, 3 * number);
+      break;
+    case Interval::month:
+      result = monthsOn(parts, number);
+      break;
+    case Interval::week:
+      result = secondsOn(7 * 86400 * number);
+      break;
+    case Interval::hour:
+      result = secondsOn(3600 * number);
+      break;
+    case Interval::minute:
+      result = secondsOn(60 * number);
+      break;
+    case Interval::second:
+      result = secondsOn(number);
+      break;
+    default:
+      result = secondsOn(86400 * number);
+  }
+  sqlite3_result_double(context, result.days);
+}
+
+/// vx_datediff(interval, from, to, firstDay, firstWeek): how many beginnings of such an interval lie between.
+void dateDiff(sqlite3_context* context, sqlite3_value** arguments, int) {
+  const CivilTime from = toCivil(momentOf(arguments[1]));
+  const CivilTime to = toCivil(momentOf(arguments[2]));
+  const dialect::Weeks weeks = weeksOf(arguments[3], arguments[4]);
+  const std::int64_t days = dayNumber(to) - dayNumber(from);
+  const auto units = [&](std::int64_t seconds) {
+    const auto begun = [&](const CivilTime& parts) {
+      const std::int64_t at = secondsOf(parts);
+      return at >= 0 ? at / seconds : -((-at + seconds - 1) / seconds);
+    };
+    return begun(to) - begun(from);
+  };
+  std::int64_t count = 0;
+  switch (intervalOf(textOf(arguments[0]))) {
+    case Interval::year:
+      count = to.year - from.year;
+      break;
+    case Interval::quarter:
+      count = (to.year - from.year) * 4 + (to.month - 1) / 3 - (from.month - 1) / 3;
+      break;
+    case Interval::month:
+      count = (to.year - from.year) * 12 + to.month - from.month;
+      break;
+    case Interval::weekday:  // whole weeks
+      count = days / 7;
+      break;
+    case Interval::week:
+      count =
+          (days + dayOfWeek(momentOf(arguments[1]), weeks) - dayOfWeek(momentOf(arguments[2]), weeks)) / 7;
+      break;
+    case Interval::hour:
+      count = units(3600);
+      break;
+    case Interval::minute:
+      count = units(60);
+      break;
+    case Interval::second:
+      count = units(1);
+      break;
+    default:
+      count = days;
+  }
+  sqlite3_result_int64(context, count);
+}
+
+/// vx_datepart(interval, moment, firstDay, firstWeek)
+void datePart(sqlite3_context* context, sqlite3_value** arguments, int) {
+  const DateTime moment = momentOf(arguments[1]);
+  const CivilTime parts = toCivil(moment);
+  const dialect::Weeks weeks = weeksOf(arguments[2], arguments[3]);
+  const auto part = [&] {
+    switch (intervalOf(textOf(arguments[0]))) {
+      case Interval::year:
+        return parts.year;
+      case Interval::quarter:
+        return (parts.month + 2) / 3;
+      case Interval::month:
+        return parts.month;
+      case Interval::dayOfYear:
+        return static_cast<int>(dayNumber(parts) - dayNumber({.year = parts.year, .month = 1, .day = 1})) + 1;
+      case Interval::weekday:
+        return dayOfWeek(moment, weeks);
+      case Interval::week:
+        return weekOfYear(moment, weeks);
+      case Interval::hour:
+        return parts.hour;
+      case Interval::minute:
+        return parts.minute;
+      case Interval::second:
+        return parts.second;
+      default:
+        return parts.day;
+    }
+  };
+  sqlite3_result_int(context, part());
+}
+
+void isDate(sqlite3_context* context, sqlite3_value** arguments, int) {
+  const bool text = sqlite3_value_type(arguments[0]) == SQLITE_TEXT;
+  sqlite3_result_int(context, text && parseDateTime(textOf(arguments[0]), clockOf(context)) ? 1 : 0);
+}
+
+constexpr SqlFunction functions[] = {
+    {"vx_date", 1, false, date},         {"vx_time", 1, false, time},
+    {"vx_part", 2, false, part},         {"vx_dateserial", 3, false, dateSerial},
+    {"vx_dateadd", 3, false, dateAdd},   {"vx_datediff", 5, false, dateDiff},
+    {"vx_datepart", 4, false, datePart}, {"vx_isdate", 1, true, isDate}};
 
 }  // namespace
 

@@ -12,55 +12,71 @@
 
 namespace voxa {
 
-namespace {
-
-/// Position behind the character at `at`.
-std::size_t behind(std::string_view text, std::size_t at) {
-  ++at;
-  while (at < text.size() && (static_cast<unsigned char>(text[at]) & 0xC0U) == 0x80U) ++at;
-  return at;
-}
-
-/// Position of the character with that number, counted from 0; the size of the text when it has no such
-/// character.
-std::size_t offset(std::string_view text, std::int64_t characters) {
+std::size_t offsetOf(std::string_view text, std::int64_t characters) {
   std::size_t at = 0;
-  for (; characters > 0 && at < text.size(); --characters) at = behind(text, at);
+  for (; characters > 0 && at < text.size(); --characters) {
+    ++at;
+    while (at < text.size() && (static_cast<unsigned char>(text[at]) & 0xC0U) == 0x80U) ++at;
+  }
   return at;
 }
 
-std::int64_t count(sqlite3_value* value, std::int64_t least) {
+std::int64_t countOf(sqlite3_value* value, std::int64_t least) {
   const std::int64_t number = Value(sqlite3_value_double(value)).toInt32();
   if (number < least) throw Error(err::invalidArgument, "Invalid argument: a position or length in a text");
   return number;
 }
 
+namespace {
+
+/// Position behind the character at `at`.
+std::size_t behind(std::string_view text, std::size_t at) {
+  return at + offsetOf(text.substr(at), 1);
+}
+
 void left(sqlite3_context* context, sqlite3_value** arguments, int) {
   const std::string_view text = textOf(arguments[0]);
-  returnText(context, text.substr(0, offset(text, count(arguments[1], 0))));
+  returnText(context, text.substr(0, offsetOf(text, countOf(arguments[1], 0))));
 }
 
 void right(sqlite3_context* context, sqlite3_value** arguments, int) {
   const std::string_view text = textOf(arguments[0]);
   const auto length = static_cast<std::int64_t>(lengthInCharacters(text));
-  returnText(context, text.substr(offset(text, length - count(arguments[1], 0))));
+  returnText(context, text.substr(offsetOf(text, length - countOf(arguments[1], 0))));
 }
 
 void mid(sqlite3_context* context, sqlite3_value** arguments, int number) {
   std::string_view text = textOf(arguments[0]);
-  text = text.substr(offset(text, count(arguments[1], 1) - 1));
-  if (number > 2) text = text.substr(0, offset(text, count(arguments[2], 0)));
+  text = text.substr(offsetOf(text, countOf(arguments[1], 1) - 1));
+  if (number > 2) text = text.substr(0, offsetOf(text, countOf(arguments[2], 0)));
   returnText(context, text);
 }
 
-/// vx_instr(start, text, wanted): number of the character where `wanted` begins; 0 when it does not occur.
-void instr(sqlite3_context* context, sqlite3_value** arguments, int) {
-  const std::string text = toLower(textOf(arguments[1]));
-  const std::size_t start = offset(text, count(arguments[0], 1) - 1);
-  const std::size_t found = start < text.size() ? text.find(toLower(textOf(arguments[2])), start) : text.npos;
-  const std::size_t characters =
-      found == std::string::npos ? 0 : lengthInCharacters(std::string_view(text).substr(0, found)) + 1;
-  sqlite3_result_int64(context, static_cast<std::int64_t>(characters));
+/// So many times the first character of a text.
+void repeated(sqlite3_context* context, sqlite3_value** arguments, int) {
+  constexpr std::int64_t most = 1'000'000;
+  const std::string_view text = textOf(arguments[1]);
+  const std::int64_t times = countOf(arguments[0], 0);
+  if (text.empty() || times > most)
+    throw Error(err::invalidArgument, "Invalid argument: a character is repeated 0 to 1,000,000 times");
+  std::string out;
+  for (std::int64_t i = 0; i < times; ++i) out += text.substr(0, behind(text, 0));
+  returnText(context, out);
+}
+
+/// A number as text, with a blank in the place of the sign of a positive one.
+void str(sqlite3_context* context, sqlite3_value** arguments, int) {
+  const std::string text = valueOf(arguments[0]).toText();
+  returnText(context, text.starts_with('-') ? text : ' ' + text);
+}
+
+/// A whole number in hexadecimal or octal; a negative one by its 32 bits.
+template <int base>
+void digits(sqlite3_context* context, sqlite3_value** arguments, int) {
+  char buffer[16];
+  const auto bits = static_cast<std::uint32_t>(Value(sqlite3_value_double(arguments[0])).toInt32());
+  const auto end = std::to_chars(std::begin(buffer), std::end(buffer), bits, base).ptr;
+  returnText(context, toUpper(std::string_view(buffer, static_cast<std::size_t>(end - buffer))));
 }
 
 void lower(sqlite3_context* context, sqlite3_value** arguments, int) {
@@ -154,15 +170,8 @@ void like(sqlite3_context* context, sqlite3_value** arguments, int) {
 void format(sqlite3_context* context, sqlite3_value** arguments, int) {
   if (sqlite3_value_type(arguments[2]) == SQLITE_NULL) return;
   const auto type = static_cast<DataType>(sqlite3_value_int(arguments[1]));
-  const dialect::Weeks weeks{static_cast<int>(count(arguments[3], 0)),
-                             static_cast<int>(count(arguments[4], 0))};
-  if (weeks.firstDay > 7 || weeks.firstWeek > 3)
-    throw Error(err::invalidArgument,
-                "Invalid argument: a week begins with day 1 to 7, the first of a year is 1, 2 or 3");
-  const Value value = asType(valueOf(arguments[0]), type);
-  returnText(context,
-             dialect::format(value, textOf(arguments[2]),
-                             {std::max(weeks.firstDay, 1), std::max(weeks.firstWeek, 1)}, clockOf(context)));
+  returnText(context, dialect::format(asType(valueOf(arguments[0]), type), textOf(arguments[2]),
+                                      weeksOf(arguments[3], arguments[4]), clockOf(context)));
 }
 
 /// Two texts in one. Null counts as no text; Null when both are.
@@ -173,10 +182,11 @@ void join(sqlite3_context* context, sqlite3_value** arguments, int) {
 }
 
 constexpr SqlFunction functions[] = {
-    {"vx_left", 2, false, left},   {"vx_right", 2, false, right},  {"vx_mid", 2, false, mid},
-    {"vx_mid", 3, false, mid},     {"vx_instr", 3, false, instr},  {"vx_lower", 1, false, lower},
-    {"vx_upper", 1, false, upper}, {"vx_chr", 1, false, chr},      {"vx_asc", 1, false, asc},
-    {"vx_like", 2, false, like},   {"vx_format", 5, true, format}, {"vx_join", 2, true, join}};
+    {"vx_left", 2, false, left},      {"vx_right", 2, false, right},     {"vx_mid", 2, false, mid},
+    {"vx_mid", 3, false, mid},        {"vx_string", 2, false, repeated}, {"vx_str", 1, false, str},
+    {"vx_hex", 1, false, digits<16>}, {"vx_oct", 1, false, digits<8>},   {"vx_lower", 1, false, lower},
+    {"vx_upper", 1, false, upper},    {"vx_chr", 1, false, chr},         {"vx_asc", 1, false, asc},
+    {"vx_like", 2, false, like},      {"vx_format", 5, true, format},    {"vx_join", 2, true, join}};
 
 }  // namespace
 

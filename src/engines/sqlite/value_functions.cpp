@@ -159,6 +159,30 @@ void round(sqlite3_context* context, sqlite3_value** arguments, int) {
   sqlite3_result_double(context, std::isfinite(scaled) ? std::nearbyint(certain(scaled)) / scale : v);
 }
 
+/// A function of the mathematical library; 5 where it has no value.
+template <double (*map)(double)>
+void computed(sqlite3_context* context, sqlite3_value** arguments, int) {
+  const double v = map(sqlite3_value_double(arguments[0]));
+  if (std::isnan(v) || (std::isinf(v) && v < 0))
+    throw Error(err::invalidArgument, "Invalid argument: the function has no value for this number");
+  if (std::isinf(v)) throw Error(err::overflow, "Overflow: the value of the function is too large");
+  sqlite3_result_double(context, v);
+}
+
+void isNumeric(sqlite3_context* context, sqlite3_value** arguments, int) {
+  const int type = sqlite3_value_type(arguments[0]);
+  bool number = type == SQLITE_INTEGER || type == SQLITE_FLOAT;
+  if (type == SQLITE_TEXT) {
+    try {
+      (void)Value(textOf(arguments[0])).toDouble();
+      number = true;
+    } catch (const Error& error) {
+      number = error.number() == err::overflow;
+    }
+  }
+  sqlite3_result_int(context, number ? 1 : 0);
+}
+
 /// The number at the beginning of a text, 0 when there is none. Blanks are ignored.
 void val(sqlite3_context* context, sqlite3_value** arguments, int) {
   std::string digits(textOf(arguments[0]));
@@ -184,7 +208,15 @@ constexpr SqlFunction functions[] = {{"vx_number", 1, false, number},
                                      {"vx_currency", 1, false, currency},
                                      {"vx_pow", 2, false, power},
                                      {"vx_round", 2, false, round},
-                                     {"vx_val", 1, false, val}};
+                                     {"vx_val", 1, false, val},
+                                     {"vx_sqr", 1, false, computed<std::sqrt>},
+                                     {"vx_exp", 1, false, computed<std::exp>},
+                                     {"vx_log", 1, false, computed<std::log>},
+                                     {"vx_sin", 1, false, computed<std::sin>},
+                                     {"vx_cos", 1, false, computed<std::cos>},
+                                     {"vx_tan", 1, false, computed<std::tan>},
+                                     {"vx_atn", 1, false, computed<std::atan>},
+                                     {"vx_isnumeric", 1, true, isNumeric}};
 
 }  // namespace
 
