@@ -50,6 +50,8 @@ class Schema {
   virtual ~Schema() = default;
   /// The table of that name in any case, or nullptr.
   [[nodiscard]] virtual const TableDef* table(std::string_view name) const = 0;
+  /// The text of the stored query of that name in any case; none when there is no such query.
+  [[nodiscard]] virtual std::optional<std::string> queryText(std::string_view) const { return std::nullopt; }
   /// The clock that scan() was given.
   [[nodiscard]] virtual const Clock* clock() const { return nullptr; }
 };
@@ -57,7 +59,8 @@ class Schema {
 /// Tells where the value of a placeholder comes from, and how to bind it.
 struct Slot {
   std::optional<std::size_t> literal;  ///< index into Scanned::literals
-  std::string parameter;               ///< otherwise the name of a declared parameter
+  std::optional<Value> constant;       ///< or the value itself: a literal of a stored query
+  std::string parameter;               ///< otherwise the name of a parameter
   /// Set when the value is stored in a field, or compared with a column, whose type the literal does not have
   /// (a text with a date column, say). Then convertForField converts it before it is bound; a failure is
   /// raised.
@@ -68,12 +71,15 @@ struct Slot {
 using LiteralPairs = std::vector<std::pair<std::size_t, std::size_t>>;
 
 struct Translation {
-  enum class Kind { select, insert, update, remove };
+  /// into: a query whose rows make the new table `table`.
+  enum class Kind { select, insert, update, remove, into };
   Kind kind = Kind::select;
   std::string sql;  ///< one SQLite statement with placeholders ?1 ?2 ... in the order of `slots`
   std::vector<Slot> slots;
-  /// Declared parameters with their types, in order.
+  /// Declared parameters with their types, in order. Then the names that are neither fields nor declared: the
+  /// caller may give values for them, which are taken as what they stand beside.
   std::vector<FieldDef> parameters;
+  std::size_t declared = 0;  ///< how many are declared
   /// insert, update, remove: the table that is written. select: the one table whose rows can be edited
   /// through the result, "" when they cannot (several tables, grouping, DISTINCT). TOP does not hinder.
   std::string table;

@@ -128,7 +128,13 @@ std::optional<DataType> resultType(Result result, const std::optional<DataType>&
   return isWholeType(first) ? DataType::Long : DataType::Double;
 }
 
-/// The type of a value that may be `a` or `b`; none when only text can hold both.
+[[noreturn]] void failFunction(std::string_view name, const char* what) {
+  throw Error(err::dbUnknownFunction,
+              "Undefined function in expression: \"" + std::string(name) + "\" " + what);
+}
+
+}  // namespace
+
 std::optional<DataType> commonType(const Term& a, const Term& b) {
   if (!a.type || !b.type) return a.type ? a.type : b.type;
   if (*a.type == *b.type) return a.type;
@@ -138,13 +144,6 @@ std::optional<DataType> commonType(const Term& a, const Term& b) {
   }
   return isWholeType(a.type) && isWholeType(b.type) ? DataType::Long : DataType::Double;
 }
-
-[[noreturn]] void failFunction(std::string_view name, const char* what) {
-  throw Error(err::dbUnknownFunction,
-              "Undefined function in expression: \"" + std::string(name) + "\" " + what);
-}
-
-}  // namespace
 
 Term Writer::call(const Expression& e, Scope& scope) {
   if (std::any_of(std::begin(aggregates), std::end(aggregates), [&](auto a) { return isWord(e.name, a); })) {

@@ -28,6 +28,21 @@ const char* comparisonText(Operator op) {
 
 }  // namespace
 
+/// Unknown when what it would need to be decided compares with Null. No row at all: ALL is true, ANY false.
+Term Writer::quantified(const Expression& e, Query query, Scope& scope) {
+  std::vector<Term> terms;
+  terms.push_back(write(*e.arguments[0], scope));
+  terms.push_back({.sql = "c0", .type = query.items[0].type});
+  makeComparable(terms);
+  const std::string compared = operand(terms[0]) + comparisonText(e.op) + operand(terms[1]);
+  const bool all = e.negated;
+  return logical(std::string("(SELECT CASE WHEN ") + (all ? "min(" : "max(") + compared +
+                     ") = " + (all ? "0 THEN 0" : "1 THEN 1") + " WHEN count(*) > count(" + compared +
+                     ") THEN NULL ELSE " + (all ? "1" : "0") + " END FROM (" +
+                     query.text({value(query.items[0])}, {"c0"}) + "))",
+                 0);
+}
+
 Term Writer::binary(const Expression& e, Scope& scope) {
   if (e.op == Operator::logicalAnd || e.op == Operator::logicalOr) return linked(e, scope);
   Term left = write(*e.arguments[0], scope);

@@ -18,7 +18,7 @@ constexpr std::string_view reservedWords[] = {
     "all",    "and",  "as",    "between", "by",    "delete", "distinct", "distinctrow", "eqv",   "exists",
     "false",  "from", "group", "having",  "imp",   "in",     "inner",    "insert",      "into",  "is",
     "join",   "left", "like",  "mod",     "not",   "null",   "on",       "or",          "order", "right",
-    "select", "set",  "top",   "true",    "union", "update", "values",   "where",       "xor"};
+    "select", "set",  "top",   "true",    "union", "update", "values",   "where",       "with",  "xor"};
 
 struct TypeName {
   std::string_view word;
@@ -116,10 +116,13 @@ Statement Parser::statement() {
   } else {
     fail("a statement begins with SELECT, INSERT, UPDATE or DELETE");
   }
+  if (skipWord("with")) {  // which is about rights that files of this system do not have
+    expectWord("owneraccess", "OWNERACCESS");
+    expectWord("option", "OPTION");
+  }
   const bool ended = skipSymbol(';');
   if (current().kind != TokenKind::end) {
     if (ended) fail("only one statement can be run at a time");
-    if (atWord("union")) fail("UNION is not supported");
     fail("an operator or the end of the statement is missing");
   }
   return out;
@@ -144,6 +147,27 @@ void Parser::parameters(std::vector<FieldDef>& out) {
 }
 
 syntax::SelectPtr Parser::select() {
+  syntax::SelectPtr out = selectMember();
+  while (skipWord("union")) {
+    const bool all = skipWord("all");
+    const bool enclosed = skipSymbol('(');
+    out->unions.push_back({all, selectMember()});
+    if (enclosed) expectSymbol(')', "a closing parenthesis");
+    if (!out->unions.back().select->into.empty()) fail("only the first of several queries makes a table");
+  }
+  if (skipWord("order")) {
+    expectWord("by", "BY");
+    do {
+      syntax::OrderItem& item = out->orderBy.emplace_back();
+      item.expression = expression();
+      item.descending = skipWord("desc");
+      if (!item.descending) skipWord("asc");
+    } while (skipSymbol(','));
+  }
+  return out;
+}
+
+syntax::SelectPtr Parser::selectMember() {
   auto out = std::make_unique<syntax::Select>();
   out->position = current().position;
   expectWord("select", "SELECT");
@@ -160,31 +184,19 @@ syntax::SelectPtr Parser::select() {
     if (!whole) fail("TOP needs a whole number");
     out->top = current().text;
     advance();
-    if (atWord("percent")) fail("TOP with PERCENT is not supported");
+    out->percent = skipWord("percent");
   }
   do {
     selectItem(out->items);
   } while (skipSymbol(','));
-  if (skipWord("from")) {
-    do {
-      out->from.push_back(source());
-    } while (skipSymbol(','));
-  }
+  if (skipWord("into")) out->into = name("the name of the new table");
+  if (skipWord("from")) out->from = sources();
   if (skipWord("where")) out->where = expression();
   if (skipWord("group")) {
     expectWord("by", "BY");
     out->groupBy = expressions();
   }
   if (skipWord("having")) out->having = expression();
-  if (skipWord("order")) {
-    expectWord("by", "BY");
-    do {
-      syntax::OrderItem& item = out->orderBy.emplace_back();
-      item.expression = expression();
-      item.descending = skipWord("desc");
-      if (!item.descending) skipWord("asc");
-    } while (skipSymbol(','));
-  }
   return out;
 }
 
@@ -204,6 +216,14 @@ void Parser::selectItem(std::vector<syntax::SelectItem>& out) {
   }
   item.expression = expression();
   if (skipWord("as")) item.alias = name("the name behind AS");
+}
+
+std::vector<Source> Parser::sources() {
+  std::vector<Source> out;
+  do {
+    out.push_back(source());
+  } while (skipSymbol(','));
+  return out;
 }
 
 Source Parser::source() {
@@ -233,10 +253,20 @@ Source Parser::source() {
 Source Parser::joinOperand() {
   if (!atSymbol('(')) return table();
   const Nesting level(*this);
+  const std::size_t position = current().position;
   advance();
-  if (atWord("select")) fail("a query in place of a table is not supported");
-  Source inner = source();
+  Source inner;
+  const bool query = atWord("select");
+  if (query) {
+    inner.query = select();
+  } else {
+    inner = source();
+  }
   expectSymbol(')', "a closing parenthesis");
+  if (query) {
+    inner.position = position;
+    if (skipWord("as") || atName()) inner.alias = name("the name behind AS");
+  }
   return inner;
 }
 
@@ -272,7 +302,7 @@ void Parser::insertInto(Statement& out) {
 
 void Parser::update(Statement& out) {
   out.kind = Statement::Kind::update;
-  out.target = table();
+  out.from = sources();
   expectWord("set", "SET");
   do {
     out.fields.push_back(fieldName());
@@ -284,18 +314,14 @@ void Parser::update(Statement& out) {
 
 void Parser::remove(Statement& out) {
   out.kind = Statement::Kind::remove;
-  std::string_view rowsOf;
+  skipWord("distinctrow");
   if (!skipSymbol('*') && !atWord("from")) {
-    rowsOf = name("FROM");
+    out.rowsOf = name("FROM");
     if (!skipSymbol('.') && !skipSymbol('!')) fail("what to delete is given as *, or as a table and .*");
     expectSymbol('*', "the sign *");
   }
   expectWord("from", "FROM");
-  const std::size_t position = current().position;
-  out.target = table();
-  if (!rowsOf.empty() && !equalNoCase(rowsOf, out.target.alias)) {
-    failSyntax(sql_, position, "the rows to delete are not those of this table");
-  }
+  out.from = sources();
   if (skipWord("where")) out.where = expression();
 }
 

@@ -53,7 +53,9 @@ class Parser {
   // Statements
   void parameters(std::vector<FieldDef>& out);
   syntax::SelectPtr select();
+  syntax::SelectPtr selectMember();
   void selectItem(std::vector<syntax::SelectItem>& out);
+  std::vector<syntax::Source> sources();
   syntax::Source source();
   syntax::Source joinOperand();
   syntax::Source table();

@@ -195,6 +195,17 @@ syntax::ExpressionPtr Parser::comparison(ExpressionPtr left) {
   const std::size_t position = current().position;
   if (const auto op = comparisonOperator(current().symbol)) {
     advance();
+    const bool all = atWord("all");
+    if ((all || atWord("any") || atWord("some")) && following().symbol == '(') {
+      advance();
+      advance();
+      ExpressionPtr out = subquery(Expression::Kind::quantified, position);
+      out->op = *op;
+      out->negated = all;
+      adopt(*out, std::move(left));
+      expectSymbol(')', "a closing parenthesis");
+      return out;
+    }
     return binary(*op, position, std::move(left), chain(loosestArithmetic));
   }
   if (current().kind != TokenKind::word) return left;

@@ -76,13 +76,16 @@ std::string translateRule(std::string_view rule, const FieldDef& field, const Cl
   TableDef table;
   table.fields.push_back(field);
   Scope scope;
-  scope.tables.push_back({.definition = &table, .alias = {}, .prefix = {}});
+  scope.tables.push_back({.definition = &table, .query = {}, .alias = {}, .prefix = {}});
   std::vector<Slot> slots;
   const NoTables schema;
-  const std::vector<FieldDef> parameters;
+  std::vector<FieldDef> parameters;
   Writer writer(rule, schema, parameters, slots);
   try {
-    return withConstants(writer.condition(*parsed, scope), slots, scanned.literals, clock);
+    const std::string condition = writer.condition(*parsed, scope);
+    if (!parameters.empty())
+      throw Error(err::dbSyntax, "it names \"" + parameters[0].name + "\", which is not the field");
+    return withConstants(condition, slots, scanned.literals, clock);
   } catch (const Error& error) {
     if (error.number() == err::dbSyntax) throw;
     throw Error(err::dbSyntax,

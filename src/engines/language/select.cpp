@@ -1,6 +1,8 @@
 #include <algorithm>
 #include <charconv>
+#include <utility>
 
+#include "engines/language/parser.h"
 #include "engines/language/writer.h"
 #include "platform/error.h"
 #include "platform/text.h"
@@ -44,61 +46,120 @@ std::vector<std::string> Writer::Query::columns() const {
   return out;
 }
 
-std::string Writer::Query::text(const std::vector<std::string>& columns) const {
-  const std::string selecting = distinct ? "SELECT DISTINCT " : "SELECT ";
+std::string Writer::Query::text(const std::vector<std::string>& columns,
+                                const std::vector<std::string>& called) const {
   const auto ordered = [](const std::vector<std::string>& sorted, const std::vector<Key>& ways) {
-    std::string out = " ORDER BY ";
+    std::string out = sorted.empty() ? "" : " ORDER BY ";
     for (std::size_t i = 0; i < sorted.size(); ++i)
       out += (i > 0 ? ", " : "") + sorted[i] + (ways[i].descending ? " DESC" : "");
     return out;
   };
+  const auto named = [](std::vector<std::string> texts, const auto& nameOf) {
+    for (std::size_t i = 0; i < texts.size(); ++i) texts[i] += " AS " + nameOf(i);
+    return texts;
+  };
+  const auto own = [&](const std::vector<std::string>& texts) {
+    return called.empty() ? texts : named(texts, [&](std::size_t i) { return called[i]; });
+  };
+  const std::string selecting = distinct ? "SELECT DISTINCT " : "SELECT ";
   std::vector<std::string> plain;
   for (const Key& key : keys) plain.push_back(key.sql);
-  if (top.empty() || keys.empty() || keysDiffer) {
-    return selecting + joined(columns, ", ") + rest + (keys.empty() ? "" : ordered(plain, keys)) +
+  if (top.empty() || (!percent && (keys.empty() || keysDiffer))) {
+    return selecting + joined(own(columns), ", ") + rest + ordered(plain, keys) +
            (top.empty() ? "" : " LIMIT " + top);
   }
   // Rows that are equal in the ordering have one rank.
-  std::vector<std::string> named;
   std::vector<std::string> names;
-  for (const std::string& column : columns) {
-    names.push_back("c" + std::to_string(names.size()));
-    named.push_back(column + " AS " + names.back());
-  }
+  for (std::size_t i = 0; i < columns.size(); ++i) names.push_back("c" + std::to_string(i));
+  std::vector<std::string> inner = named(columns, [&](std::size_t i) { return names[i]; });
   std::string from = rest;
   if (distinct) {
     // The ranks are those of the rows that are left, so these are made first.
-    std::vector<std::string> within = named;
     for (std::size_t i = 0; i < keys.size(); ++i) {
       const std::string name = "k" + std::to_string(i);
-      within.push_back(keys[i].sql + " AS " + name);
+      inner.push_back(keys[i].sql + " AS " + name);
       plain[i] = keys[i].isText ? collated(name) : name;
     }
-    from = " FROM (SELECT DISTINCT " + joined(within, ", ") + rest + ")";
-    named = names;
+    from = " FROM (SELECT DISTINCT " + joined(inner, ", ") + rest + ")";
+    inner = names;
   }
-  return "SELECT " + joined(names, ", ") + " FROM (SELECT " + joined(named, ", ") + ", rank() OVER (" +
-         ordered(plain, keys).substr(1) + ") AS r" + from + ") WHERE r <= " + top + " ORDER BY r";
+  const std::string order = ordered(plain, keys);
+  inner.push_back((keys.empty() ? "row_number() OVER (" : "rank() OVER (") + order + ") AS r");
+  if (percent) inner.emplace_back("count(*) OVER () AS n");
+  return "SELECT " + joined(own(names), ", ") + " FROM (SELECT " + joined(inner, ", ") + from +
+         ") WHERE r <= " + (percent ? "(n * " + top + " + 99) / 100" : top) + " ORDER BY r";
 }
 
-const TableDef& Writer::addTable(const Source& source, Scope& scope) const {
-  const TableDef* definition = schema_.table(source.table);
-  if (definition == nullptr) {
-    throw Error(err::dbUnknownTable, "There is no table or query \"" + std::string(source.table) + "\"");
+/// What a query gives, as the table in whose place it stands.
+const TableDef& Writer::derive(const Query& query, ScopeTable& table) {
+  TableDef& definition = *derived_.emplace_back(std::make_unique<TableDef>());
+  definition.name = table.alias;
+  std::vector<std::string> columns;
+  std::vector<std::string> called;
+  for (std::size_t i = 0; i < query.items.size(); ++i) {
+    const Term& item = query.items[i];
+    FieldDef& field = definition.fields.emplace_back();
+    field.type = item.type.value_or(DataType::Text);
+    if (item.field != nullptr) field.size = item.field->size;
+    field.name = query.names[i];
+    columns.push_back(sortable(item));
+    called.push_back(quotedName(field.name));
+  }
+  table.query = "(" + query.text(columns, called) + ")";
+  return definition;
+}
+
+/// A stored query in the place of a table: its own text, with its own literals.
+void Writer::storedQuery(const std::string& text, ScopeTable& table) {
+  constexpr int deepest = 20;
+  if (stored_ == deepest)
+    throw Error(err::dbCircular,
+                "The query \"" + table.alias + "\" is made of itself, or of too many others");
+  const std::string& kept = *texts_.emplace_back(std::make_unique<std::string>(text));
+  Scanned scanned;
+  scan(kept, scanned, schema_.clock());
+  const syntax::Statement statement = Parser(kept).statement();
+  if (statement.kind != syntax::Statement::Kind::select || !statement.select->into.empty())
+    throw Error(err::dbInvalidOperation, "The query \"" + table.alias + "\" gives no rows");
+  for (const FieldDef& parameter : statement.parameters) {
+    const bool known = std::any_of(parameters_.begin(), parameters_.end(),
+                                   [&](const FieldDef& p) { return equalNoCase(p.name, parameter.name); });
+    if (!known) parameters_.push_back(parameter);
+  }
+  const std::string_view outerText = std::exchange(sql_, kept);
+  std::vector<Value> outerLiterals = std::exchange(literals_, std::move(scanned.literals));
+  ++stored_;
+  table.definition = &derive(select(*statement.select, nullptr), table);
+  --stored_;
+  sql_ = outerText;
+  literals_ = std::move(outerLiterals);
+}
+
+const TableDef& Writer::addTable(const Source& source, Scope& scope) {
+  ScopeTable table;
+  table.alias = source.alias;
+  table.definition = source.query ? nullptr : schema_.table(source.table);
+  if (source.query) {
+    table.definition = &derive(select(*source.query, nullptr), table);
+  } else if (table.definition == nullptr) {
+    const std::optional<std::string> text = schema_.queryText(source.table);
+    if (!text)
+      throw Error(err::dbUnknownTable, "There is no table or query \"" + std::string(source.table) + "\"");
+    storedQuery(*text, table);
+  } else if (equalNoCase(source.alias, table.definition->name)) {
+    table.alias = table.definition->name;
   }
   for (const ScopeTable& other : scope.tables) {
-    if (equalNoCase(other.alias, source.alias)) {
+    if (equalNoCase(other.alias, table.alias)) {
       fail(source.position, "two tables of the statement are called \"" + other.alias + "\"");
     }
   }
-  ScopeTable& table = scope.tables.emplace_back();
-  table.definition = definition;
-  table.alias = equalNoCase(source.alias, definition->name) ? definition->name : std::string(source.alias);
   table.prefix = quotedName(table.alias) + ".";
-  return *definition;
+  return *scope.tables.emplace_back(std::move(table)).definition;
 }
 
 std::string Writer::tableText(const ScopeTable& table) {
+  if (!table.query.empty()) return table.query + " AS " + quotedName(table.alias);
   std::string out = quotedName(table.definition->name);
   if (table.alias != table.definition->name) out += " AS " + quotedName(table.alias);
   return out;
@@ -152,6 +213,7 @@ bool Writer::isGrouped(const Group& term, const Scope& scope) {
     for (std::size_t i = 0; i < group.slotCount; ++i) {
       const Slot& one = slots_[group.firstSlot + i];
       const Slot& other = slots_[term.firstSlot + i];
+      if (one.constant != other.constant) return false;
       if (one.parameter != other.parameter || one.literal.has_value() != other.literal.has_value())
         return false;
       if (!one.literal) continue;
@@ -163,26 +225,95 @@ bool Writer::isGrouped(const Group& term, const Scope& scope) {
   });
 }
 
+std::string Writer::sources(const std::vector<Source>& sources, const syntax::ExpressionPtr& where,
+                            Scope& scope) {
+  std::vector<std::string> texts;
+  Conditions filter;
+  for (const Source& source : sources) {
+    std::string text = from(source, scope, filter);
+    const bool outerJoin = source.join == Source::Join::left || source.join == Source::Join::right;
+    texts.push_back(outerJoin && sources.size() > 1 ? "(" + text + ")" : std::move(text));
+  }
+  if (where) filter.push_back(where.get());
+  std::string out;
+  if (!texts.empty()) out = " FROM " + joined(texts, ", ");
+  if (!filter.empty()) out += " WHERE " + allOf(filter, scope);
+  return out;
+}
+
 Writer::Query Writer::select(const syntax::Select& select, Scope* outer) {
+  return select.unions.empty() ? member(select, outer) : compound(select, outer);
+}
+
+/// The queries that UNION links, as one table "u" with columns c0, c1 and so on.
+Writer::Query Writer::compound(const syntax::Select& select, Scope* outer) {
+  std::vector<Query> members;
+  members.push_back(member(select, outer));
+  for (const syntax::Select::Member& each : select.unions) {
+    members.push_back(member(*each.select, outer));
+    if (members.back().items.size() != members[0].items.size())
+      throw Error(err::dbUnionColumns, "The queries that UNION links have different numbers of columns");
+  }
+  Query out;
+  out.scope.outer = outer;
+  out.grouped = true;
+  out.names = members[0].names;
+  out.sources.resize(out.names.size());
+  std::vector<bool> mixed(out.names.size());
+  for (std::size_t i = 0; i < out.names.size(); ++i) {
+    Term common = members[0].items[i];
+    for (const Query& each : members) {
+      const bool known = common.type.has_value() || each.items[i].type.has_value();
+      common.type = commonType(common, each.items[i]);
+      mixed[i] = mixed[i] || (known && !common.type);
+      if (mixed[i]) break;
+    }
+    out.items.push_back(
+        {.sql = "u.c" + std::to_string(i), .type = mixed[i] ? std::optional(DataType::Text) : common.type});
+  }
+  std::string texts;
+  for (std::size_t m = 0; m < members.size(); ++m) {
+    std::vector<std::string> columns;
+    std::vector<std::string> called;
+    for (std::size_t i = 0; i < mixed.size(); ++i) {
+      const Term& item = members[m].items[i];
+      columns.push_back(mixed[i] ? collated("(" + text(item) + ")") : sortable(item));
+      called.push_back("c" + std::to_string(i));
+    }
+    const std::string text = members[m].text(columns, called);
+    if (m > 0) texts += select.unions[m - 1].all ? " UNION ALL " : " UNION ";
+    texts += members[m].top.empty() ? text : "SELECT * FROM (" + text + ")";
+  }
+  out.rest = " FROM (" + texts + ") AS u";
+  for (const syntax::OrderItem& item : select.orderBy) {
+    std::size_t column = out.names.size();
+    const std::string_view name = item.expression->name;
+    if (item.expression->kind == syntax::Expression::Kind::shapingNumber) {
+      (void)std::from_chars(name.data(), name.data() + name.size(), column);
+      --column;
+    } else if (item.expression->kind == syntax::Expression::Kind::name) {
+      const auto named = std::find_if(out.names.begin(), out.names.end(),
+                                      [&](const std::string& other) { return equalNoCase(other, name); });
+      column = static_cast<std::size_t>(named - out.names.begin());
+    }
+    if (column >= out.names.size())
+      fail(item.expression->position, "the result of UNION is ordered by columns of its first query");
+    const Term& term = out.items[column];
+    out.keys.push_back({sortKey(term), isTextType(term.type), item.descending});
+  }
+  return out;
+}
+
+Writer::Query Writer::member(const syntax::Select& select, Scope* outer) {
   Query out;
   Scope& scope = out.scope;
   scope.outer = outer;
   out.distinct = select.distinct;
-
-  std::vector<std::string> sources;
-  Conditions filter;
-  for (const Source& source : select.from) {
-    std::string text = from(source, scope, filter);
-    const bool outerJoin = source.join == Source::Join::left || source.join == Source::Join::right;
-    sources.push_back(outerJoin && select.from.size() > 1 ? "(" + text + ")" : std::move(text));
-  }
-  if (select.where) filter.push_back(select.where.get());
-  if (!sources.empty()) out.rest = " FROM " + joined(sources, ", ");
-  if (!filter.empty()) out.rest += " WHERE " + allOf(filter, scope);
+  out.rest = sources(select.from, select.where, scope);
 
   std::vector<std::string> groups;
   std::vector<Group> grouped;
-  if (!select.groupBy.empty() && literals_.empty()) {
+  if (!select.groupBy.empty() && literals_.empty() && stored_ == 0) {
     Scanned scanned;
     scan(sql_, scanned, schema_.clock());
     literals_ = std::move(scanned.literals);
@@ -204,7 +335,7 @@ Writer::Query Writer::select(const syntax::Select& select, Scope* outer) {
   }
   std::string having = select.having ? " HAVING " + condition(*select.having, scope) : "";
   scope.outer = nullptr;
-  order(select, out, outer != nullptr);
+  if (select.unions.empty()) order(select, out, outer != nullptr);
   out.grouped = scope.aggregated || !groups.empty();
   if (out.grouped && scope.ungroupedCount > 0) {
     throw Error(err::dbNotAggregated, "The field \"" + scope.ungrouped +
@@ -217,12 +348,13 @@ Writer::Query Writer::select(const syntax::Select& select, Scope* outer) {
       if (item.field != nullptr) shown[item.table] = true;
     }
     for (std::size_t i = 0; i < shown.size(); ++i) {
-      if (shown[i]) groups.push_back(scope.tables[i].prefix + "_rowid_");
+      if (shown[i] && scope.tables[i].query.empty()) groups.push_back(scope.tables[i].prefix + "_rowid_");
     }
   }
   if (!groups.empty()) out.rest += " GROUP BY " + joined(groups, ", ");
   out.rest += having;
   out.top = select.top;
+  out.percent = select.percent;
   return out;
 }
 

@@ -57,6 +57,7 @@ struct Expression {
     isNull,         ///< a is [not] null
     exists,         ///< exists (select)
     scalar,         ///< (select)
+    quantified,     ///< a op ANY (select); `negated`: a op ALL (select)
     subject         ///< the field that a validation rule is about
   };
   Kind kind = Kind::name;
@@ -74,13 +75,14 @@ struct Expression {
   SelectPtr select;
 };
 
-/// A table, or a join of two.
+/// A table, a query, or a join of two of these.
 struct Source {
   enum class Join : std::uint8_t { none, inner, left, right };
   Join join = Join::none;
   std::size_t position = 0;
-  std::string_view table;
+  std::string_view table;  ///< or a stored query; "" for one that is written here
   std::string_view alias;  ///< its name in the rest of the statement: the table's own when none was given
+  SelectPtr query;
   std::unique_ptr<Source> left;
   std::unique_ptr<Source> right;
   ExpressionPtr on;
@@ -104,11 +106,19 @@ struct Select {
   bool distinct = false;
   bool distinctRow = false;
   std::string_view top;  ///< digits; "" when there is no TOP
+  bool percent = false;  ///< they are hundredths of the rows
   std::vector<SelectItem> items;
+  std::string_view into;  ///< the table that is made of the rows; "" for none
   std::vector<Source> from;
   ExpressionPtr where;
   std::vector<ExpressionPtr> groupBy;
   ExpressionPtr having;
+  /// The queries that UNION puts behind this one. The ordering is that of the whole.
+  struct Member {
+    bool all = false;  ///< rows that are there already come again
+    SelectPtr select;
+  };
+  std::vector<Member> unions;
   std::vector<OrderItem> orderBy;
 };
 
@@ -123,7 +133,9 @@ struct Statement {
   Kind kind = Kind::select;
   std::vector<FieldDef> parameters;
   SelectPtr select;                   ///< of select, and of insert ... select
-  Source target;                      ///< of insert, update, remove: one table
+  Source target;                      ///< of insert: one table
+  std::vector<Source> from;           ///< of update and remove
+  std::string_view rowsOf;            ///< of remove: the table of `from` that loses rows; "" when not given
   std::vector<FieldName> fields;      ///< of update and insert; an insert without any means all fields
   std::vector<ExpressionPtr> values;  ///< for each of `fields`, unless `select` gives them
   ExpressionPtr where;                ///< of update and remove

@@ -14,7 +14,9 @@ namespace {
 class Translator {
  public:
   Translator(std::string_view sql, const Schema& schema)
-      : statement_(Parser(sql).statement()), writer_(sql, schema, statement_.parameters, out_.slots) {}
+      : statement_(Parser(sql).statement()),
+        declared_(statement_.parameters.size()),
+        writer_(sql, schema, statement_.parameters, out_.slots) {}
 
   Translation run() {
     switch (statement_.kind) {
@@ -32,13 +34,15 @@ class Translator {
         break;
     }
     out_.parameters = statement_.parameters;
+    out_.declared = declared_;
     out_.sameLiterals = writer_.sameLiterals();
     return std::move(out_);
   }
 
  private:
   void select() {
-    out_.kind = Translation::Kind::select;
+    const std::string_view into = statement_.select->into;
+    out_.kind = into.empty() ? Translation::Kind::select : Translation::Kind::into;
     Writer::Query query = writer_.select(*statement_.select, nullptr);
     std::vector<std::string> columns = query.columns();
     for (std::size_t i = 0; i < query.items.size(); ++i) {
@@ -52,7 +56,10 @@ class Translator {
       column.name = query.names[i];
       out_.stored.push_back(item.field != nullptr);
     }
-    if (query.scope.tables.size() == 1 && !query.distinct && !query.grouped) {
+    if (!into.empty()) {
+      out_.table = into;
+    } else if (query.scope.tables.size() == 1 && query.scope.tables[0].query.empty() && !query.distinct &&
+               !query.grouped) {
       const ScopeTable& table = query.scope.tables[0];
       out_.table = table.definition->name;
       for (const Term& item : query.items) {
@@ -107,28 +114,90 @@ class Translator {
   void update() {
     out_.kind = Translation::Kind::update;
     Scope scope;
-    const TableDef& table = writer_.addTable(statement_.target, scope);
-    out_.table = table.name;
-    out_.sql = "UPDATE " + Writer::tableText(scope.tables[0]) + " SET ";
-    const std::vector<const FieldDef*> fields = targetFields(table, err::dbTooFewParameters);
+    const std::string from = writer_.sources(statement_.from, statement_.where, scope);
+    const std::size_t target = targetOfUpdate(scope);
+    const ScopeTable& table = scope.tables[target];
+    out_.table = table.definition->name;
+    statement_.target.alias = table.alias;
+    const std::vector<const FieldDef*> fields = targetFields(*table.definition, err::dbTooFewParameters);
+    std::string set;
+    std::string computed;
+    const bool alone = scope.tables.size() == 1;
     for (std::size_t i = 0; i < fields.size(); ++i) {
       const std::string value = writer_.stored(*statement_.values[i], *fields[i], scope);
-      out_.sql += (i > 0 ? ", " : "") + quotedName(fields[i]->name) + " = " + value;
+      const std::string name = "v" + std::to_string(i);
+      set += (i > 0 ? ", " : "") + quotedName(fields[i]->name) + " = " + (alone ? value : "s." + name);
+      computed += ", " + value + " AS " + name;
       out_.updatedFields.push_back(fields[i]->name);
     }
-    where(scope);
+    if (alone) {
+      out_.sql = "UPDATE " + Writer::tableText(table) + " SET " + set + conditionOf(from, table);
+      return;
+    }
+    // The joined rows are found first, each with its new values.
+    const std::string name = quotedName(out_.table);
+    out_.sql = "UPDATE " + name + " SET " + set + " FROM (SELECT " + table.prefix + "_rowid_ AS r" +
+               computed + from + ") AS s WHERE " + name + "._rowid_ = s.r";
   }
 
   void remove() {
     out_.kind = Translation::Kind::remove;
     Scope scope;
-    out_.table = writer_.addTable(statement_.target, scope).name;
-    out_.sql = "DELETE FROM " + Writer::tableText(scope.tables[0]);
-    where(scope);
+    const std::string from = writer_.sources(statement_.from, statement_.where, scope);
+    std::size_t target = 0;
+    if (!statement_.rowsOf.empty()) {
+      while (target < scope.tables.size() && !equalNoCase(scope.tables[target].alias, statement_.rowsOf))
+        ++target;
+      if (target == scope.tables.size())
+        writer_.fail(statement_.from[0].position, "the rows to delete are not those of this table");
+    } else if (scope.tables.size() > 1) {
+      throw Error(err::dbWhichTable,
+                  "DELETE with several tables names the one that loses rows: DELETE t.* FROM ...");
+    }
+    const ScopeTable& table = scope.tables[target];
+    requireTable(table);
+    out_.table = table.definition->name;
+    if (scope.tables.size() == 1) {
+      out_.sql = "DELETE FROM " + Writer::tableText(table) + conditionOf(from, table);
+    } else {
+      out_.sql = "DELETE FROM " + quotedName(out_.table) + " WHERE _rowid_ IN (SELECT " + table.prefix +
+                 "_rowid_" + from + ")";
+    }
   }
 
-  void where(Scope& scope) {
-    if (statement_.where) out_.sql += " WHERE " + writer_.condition(*statement_.where, scope);
+  /// The condition of a statement about one table, of its FROM and WHERE.
+  static std::string conditionOf(const std::string& from, const ScopeTable& table) {
+    return from.substr(std::string(" FROM ").size() + Writer::tableText(table).size());
+  }
+
+  static void requireTable(const ScopeTable& table) {
+    if (!table.query.empty())
+      throw Error(err::dbNotUpdatableQuery,
+                  "The rows of a query cannot be changed by a statement: name its table");
+  }
+
+  /// The table that all fields of an UPDATE are of.
+  std::size_t targetOfUpdate(const Scope& scope) const {
+    std::size_t target = scope.tables.size();
+    for (const syntax::FieldName& name : statement_.fields) {
+      std::size_t of = scope.tables.size();
+      for (std::size_t i = 0; i < scope.tables.size(); ++i) {
+        const ScopeTable& table = scope.tables[i];
+        if (!name.qualifier.empty() && !equalNoCase(name.qualifier, table.alias)) continue;
+        if (table.definition->field(name.name) == nullptr) continue;
+        if (of != scope.tables.size())
+          throw Error(err::dbAmbiguousName, "The field \"" + std::string(name.name) +
+                                                "\" could be of more than one table of the statement");
+        of = i;
+      }
+      if (of == scope.tables.size()) continue;  // no field: told of below
+      if (target != scope.tables.size() && target != of)
+        throw Error(err::dbNotUpdatableQuery, "One UPDATE changes fields of one table");
+      target = of;
+    }
+    if (target == scope.tables.size()) target = 0;
+    requireTable(scope.tables[target]);
+    return target;
   }
 
   /// The fields that the statement writes. None may come twice. unknown: the error for a name that is no
@@ -155,6 +224,7 @@ class Translator {
 
   Translation out_;
   syntax::Statement statement_;
+  std::size_t declared_;
   Writer writer_;
 };
 

@@ -15,6 +15,8 @@ using syntax::Operator;
 
 namespace {
 
+constexpr std::size_t greatestUndeclared = 255;  // parameters of a statement
+
 Term constant(std::string_view word) {
   if (isWord(word, "null")) return {.sql = "NULL"};
   const bool yes = isWord(word, "true") || isWord(word, "yes") || isWord(word, "on");
@@ -139,7 +141,10 @@ Term Writer::write(const Expression& e, Scope& scope) {
 Term Writer::any(const Expression& e, Scope& scope) {
   switch (e.kind) {
     case Expression::Kind::literal:
-      return placeholder({.literal = e.literal, .parameter = {}, .convertTo = {}}, e.type);
+      if (stored_ > 0)
+        return placeholder(
+            {.literal = {}, .constant = literals_.at(e.literal), .parameter = {}, .convertTo = {}}, e.type);
+      return placeholder({.literal = e.literal, .constant = {}, .parameter = {}, .convertTo = {}}, e.type);
     case Expression::Kind::shapingNumber:
       return {.sql = std::string(e.name), .type = e.type};
     case Expression::Kind::word:
@@ -171,6 +176,7 @@ Term Writer::any(const Expression& e, Scope& scope) {
     case Expression::Kind::inSelect:
     case Expression::Kind::exists:
     case Expression::Kind::scalar:
+    case Expression::Kind::quantified:
       return query(e, scope);
   }
   fail(e.position, "this cannot be part of an expression");
@@ -183,18 +189,27 @@ Term Writer::placeholder(Slot slot, DataType type) {
 }
 
 Term Writer::name(const Expression& e, Scope& scope) {
+  const auto parameter = [&](const FieldDef& declared) {
+    return placeholder({.literal = {}, .constant = {}, .parameter = declared.name, .convertTo = {}},
+                       declared.type);
+  };
   if (e.qualifier.empty()) {
-    const auto parameter = std::find_if(parameters_.begin(), parameters_.end(),
-                                        [&](const FieldDef& p) { return equalNoCase(p.name, e.name); });
-    if (parameter != parameters_.end()) {
-      return placeholder({.literal = {}, .parameter = parameter->name, .convertTo = {}}, parameter->type);
-    }
+    const auto found = std::find_if(parameters_.begin(), parameters_.end(),
+                                    [&](const FieldDef& p) { return equalNoCase(p.name, e.name); });
+    if (found != parameters_.end()) return parameter(*found);
   }
   if (auto found = column(e.qualifier, e.name, scope)) return *std::move(found);
   if (e.qualifier.empty() && !e.bracketed) {
     for (const std::string_view word : {"yes", "no", "off"}) {
       if (isWord(e.name, word)) return constant(e.name);
     }
+  }
+  if (e.qualifier.empty() && parameters_.size() < greatestUndeclared) {
+    FieldDef undeclared;
+    undeclared.name = e.name;
+    undeclared.type = DataType::Memo;
+    parameters_.push_back(undeclared);
+    return parameter(undeclared);
   }
   const std::string full =
       e.qualifier.empty() ? std::string(e.name) : std::string(e.qualifier) + "." + std::string(e.name);
@@ -230,6 +245,7 @@ Term Writer::query(const Expression& e, Scope& scope) {
   Query query = select(*e.select, &scope);
   if (e.kind == Expression::Kind::exists) return logical("EXISTS (" + query.text({"1"}) + ")", 0);
   if (query.items.size() != 1) fail(e.select->position, "a query within a statement gives one column");
+  if (e.kind == Expression::Kind::quantified) return quantified(e, std::move(query), scope);
   if (e.kind == Expression::Kind::scalar) {
     return {.sql = "(" + query.text({value(query.items[0])}) + ")", .type = query.items[0].type};
   }

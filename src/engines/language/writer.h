@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -24,9 +25,10 @@ struct Term {
   std::optional<std::size_t> slot = {};  ///< set when it is a placeholder
 };
 
-/// A table of a FROM clause.
+/// A table of a FROM clause, or a query in its place.
 struct ScopeTable {
   const TableDef* definition = nullptr;
+  std::string query;  ///< its text in parentheses; "" for a table
   std::string alias;
   std::string
       prefix;  ///< what stands before a column's name in SQLite: the quoted alias and a dot, or nothing
@@ -58,7 +60,8 @@ struct Scope {
 /// conversions and whole queries are in writer.cpp; the parts that are in other files are marked below.
 class Writer {
  public:
-  Writer(std::string_view sql, const Schema& schema, const std::vector<FieldDef>& parameters,
+  /// parameters: the declared ones. Names that are none are put behind them.
+  Writer(std::string_view sql, const Schema& schema, std::vector<FieldDef>& parameters,
          std::vector<Slot>& slots)
       : sql_(sql), schema_(schema), parameters_(parameters), slots_(slots) {}
 
@@ -85,17 +88,23 @@ class Writer {
     std::vector<Key> keys;    ///< the ordering
     bool keysDiffer = false;  ///< no two rows are equal in it
     std::string top;          ///< how many rows, and all that are equal to the last of them; "" for all rows
+    bool percent = false;     ///< they are hundredths
 
     [[nodiscard]] std::vector<std::string> columns()
         const;  ///< the items as the text of the result's columns
-    [[nodiscard]] std::string text(const std::vector<std::string>& columns) const;
+    /// called: names for the columns, where they are needed.
+    [[nodiscard]] std::string text(const std::vector<std::string>& columns,
+                                   const std::vector<std::string>& called = {}) const;
   };
   [[nodiscard]] Query select(const syntax::Select& select, Scope* outer);
+  /// The FROM and WHERE of a statement that changes rows of one of several tables.
+  [[nodiscard]] std::string sources(const std::vector<syntax::Source>& sources,
+                                    const syntax::ExpressionPtr& where, Scope& scope);
   /// A term of a query as the value of that field.
   [[nodiscard]] std::string stored(Term term, const FieldDef& field);
 
-  /// Adds a table to a scope; 3078 when there is none.
-  const TableDef& addTable(const syntax::Source& source, Scope& scope) const;
+  /// Adds a table or query to a scope; 3078 when there is none.
+  const TableDef& addTable(const syntax::Source& source, Scope& scope);
   /// `"Table" AS "alias"` for a table of the scope.
   [[nodiscard]] static std::string tableText(const ScopeTable& table);
 
@@ -122,6 +131,7 @@ class Writer {
   std::optional<Term> column(std::string_view qualifier, std::string_view name, Scope& scope) const;
   Term any(const syntax::Expression& e, Scope& scope);
   Term query(const syntax::Expression& e, Scope& scope);
+  Term quantified(const syntax::Expression& e, Query query, Scope& scope);
   std::string truth(Term term);
   void convert(Term& term, DataType type);
   void makeComparable(std::vector<Term>& terms);
@@ -146,6 +156,10 @@ class Writer {
 
   // Parts of a SELECT (select.cpp)
   using Conditions = std::vector<const syntax::Expression*>;
+  Query member(const syntax::Select& select, Scope* outer);
+  Query compound(const syntax::Select& select, Scope* outer);
+  const TableDef& derive(const Query& query, ScopeTable& table);
+  void storedQuery(const std::string& text, ScopeTable& table);
   std::string from(const syntax::Source& source, Scope& scope, Conditions& filter);
   std::string allOf(const Conditions& conditions, Scope& scope);
   void items(const syntax::Select& select, Query& out);
@@ -153,9 +167,12 @@ class Writer {
 
   std::string_view sql_;
   const Schema& schema_;
-  const std::vector<FieldDef>& parameters_;
+  std::vector<FieldDef>& parameters_;
   std::vector<Slot>& slots_;
-  std::vector<Value> literals_;  ///< only of a statement that groups
+  std::vector<Value> literals_;  ///< only of a statement that groups, and of a stored query
+  int stored_ = 0;               ///< stored queries within one another that are being written
+  std::vector<std::unique_ptr<TableDef>> derived_;   ///< of queries in the place of tables
+  std::vector<std::unique_ptr<std::string>> texts_;  ///< of stored queries, into which names point
   LiteralPairs sameLiterals_;
 };
 
@@ -167,6 +184,8 @@ class Writer {
 inline constexpr char comparison = 'c';
 /// The term of a condition.
 [[nodiscard]] Term logical(std::string sql, char chain = comparison);
+/// The type of a value that may be `a` or `b`; none when only text can hold both.
+[[nodiscard]] std::optional<DataType> commonType(const Term& a, const Term& b);
 [[nodiscard]] std::string collated(const std::string& operand);
 /// Written text without the numbers of its placeholders. It is the same for expressions that differ only in
 /// these numbers.

@@ -6,6 +6,19 @@
 
 namespace voxa {
 
+std::optional<std::string> Catalog::queryText(std::string_view name) const {
+  if (!queryStatement_)
+    queryStatement_ = connection_.prepare(std::string("SELECT Sql FROM ") + queryTable + " WHERE Name = ?1");
+  const Value key(name);
+  queryStatement_->bind(1, key);
+  const int code = queryStatement_->step();
+  std::optional<std::string> text;
+  if (code == SQLITE_ROW) text = queryStatement_->text(0);
+  queryStatement_->reset();
+  if (code != SQLITE_ROW && code != SQLITE_DONE) connection_.fail(code);
+  return text;
+}
+
 std::int64_t Catalog::currentVersion() const {
   if (!versionStatement_) versionStatement_ = connection_.prepare("PRAGMA schema_version");
   const int code = versionStatement_->step();

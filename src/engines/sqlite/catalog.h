@@ -33,6 +33,7 @@ class Catalog final : public dialect::Schema {
   void versionChanged();               ///< only the version of the schema
 
   [[nodiscard]] const TableDef* table(std::string_view name) const override;
+  [[nodiscard]] std::optional<std::string> queryText(std::string_view name) const override;
   [[nodiscard]] const Clock* clock() const override { return &clock_; }
   [[nodiscard]] const std::vector<std::unique_ptr<TableDef>>& tables() const;  ///< in order of creation
   [[nodiscard]] const std::vector<Relation>& relations() const;
@@ -52,6 +53,7 @@ class Catalog final : public dialect::Schema {
   Connection& connection_;
   const Clock& clock_;
   mutable std::optional<Statement> versionStatement_;
+  mutable std::optional<Statement> queryStatement_;
   mutable std::optional<std::int64_t> version_;
   mutable std::vector<std::unique_ptr<TableDef>> tables_;
   mutable std::vector<Relation> relations_;

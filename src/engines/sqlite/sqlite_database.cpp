@@ -45,11 +45,32 @@ std::size_t declaredIndex(const dialect::Translation& translation, std::string_v
   return static_cast<std::size_t>(found - translation.parameters.begin());
 }
 
-const Value& parameterValue(const SqliteDatabase::Parameters& parameters, std::string_view name) {
+bool isDeclared(const dialect::Translation& translation, const FieldDef& parameter) {
+  return &parameter < translation.parameters.data() + translation.declared;
+}
+
+[[noreturn]] void failUndeclared(const std::string& name) {
+  throw Error(err::dbTooFewParameters,
+              "Too few parameters: \"" + name + "\" is neither a field nor a parameter");
+}
+
+const Value& parameterValue(const SqliteDatabase::Parameters& parameters, std::string_view name,
+                            bool declared) {
   for (const auto& [given, value] : parameters) {
     if (equalNoCase(given, name)) return value;
   }
+  if (!declared) failUndeclared(std::string(name));
   throw Error(err::dbTooFewParameters, "Parameter '" + std::string(name) + "' has no value");
+}
+
+/// What goes into a slot of a statement that is run with its literals and with values for its parameters.
+Input inputOf(const dialect::Translation& translation, std::size_t index, const std::vector<Value>& literals,
+              const SqliteDatabase::Parameters& parameters) {
+  const dialect::Slot& slot = translation.slots[index];
+  if (slot.literal) return {&literals[*slot.literal], nullptr};
+  if (slot.constant) return {&*slot.constant, nullptr};
+  const FieldDef& parameter = translation.parameters[declaredIndex(translation, slot.parameter)];
+  return {&parameterValue(parameters, slot.parameter, isDeclared(translation, parameter)), &parameter};
 }
 
 /// Whether convertForField would return the same value.
@@ -209,18 +230,7 @@ std::optional<std::string> SqliteDatabase::textOfName(std::string_view name) {
   open.catalog.refresh();
   const std::string_view plain = trimmedName(name);
   if (const TableDef* table = open.catalog.table(plain)) return "SELECT * FROM [" + table->name + "]";
-  Statement& query = rowStatement(std::string("SELECT Sql FROM ") + Catalog::queryTable + " WHERE Name = ?1");
-  const Value key(plain);
-  query.bind(1, key);
-  const int code = query.step();
-  if (code == SQLITE_DONE) {
-    query.reset();
-    return std::nullopt;
-  }
-  if (code != SQLITE_ROW) open.connection.fail(code);
-  std::string sql(query.text(0));
-  query.reset();
-  return sql;
+  return open.catalog.queryText(plain);
 }
 
 Prepared SqliteDatabase::translate(std::string_view sql) {
@@ -277,7 +287,10 @@ void SqliteDatabase::bind(Prepared& prepared, InputOf&& inputOf) {
   for (std::size_t i = 0; i < slots.size(); ++i) {
     const auto [input, declared] = inputOf(i);
     const Value* value = input;
-    if (declared != nullptr) value = &convert(*value, *declared);
+    // What no declaration tells is what it stands beside.
+    const bool told =
+        declared != nullptr && (isDeclared(*prepared.translation, *declared) || !slots[i].convertTo);
+    if (told) value = &convert(*value, *declared);
     if (slots[i].convertTo) value = &convert(*value, *slots[i].convertTo);
     prepared.statement.bind(static_cast<int>(i) + 1, *value);
   }
@@ -289,8 +302,11 @@ SqliteDatabase::Change SqliteDatabase::translateChange(std::string_view sql) {
   Change change{std::move(made), scanned_.literals, {}};
   const dialect::Translation& translation = *change.prepared.translation;
   requireKind(translation, false);
+  if (translation.parameters.size() > translation.declared)
+    failUndeclared(translation.parameters[translation.declared].name);
   for (const dialect::Slot& slot : translation.slots) {
-    change.parameters.push_back(slot.literal ? 0 : declaredIndex(translation, slot.parameter));
+    change.parameters.push_back(slot.literal || slot.constant ? 0
+                                                              : declaredIndex(translation, slot.parameter));
   }
   return change;
 }
@@ -308,6 +324,7 @@ int SqliteDatabase::run(Change& change, std::string_view sql, const std::vector<
       }
       bind(change.prepared, [&](std::size_t i) -> Input {
         if (const auto& literal = translation.slots[i].literal) return {&change.literals[*literal], nullptr};
+        if (const auto& constant = translation.slots[i].constant) return {&*constant, nullptr};
         const std::size_t parameter = change.parameters[i];
         return {&values[parameter], &translation.parameters[parameter]};
       });
@@ -336,16 +353,31 @@ int SqliteDatabase::withPrepared(std::string_view source, bool rows, const Param
     Prepared& statement = prepared(source);
     const dialect::Translation& translation = *statement.translation;
     requireKind(translation, rows);
-    bind(statement, [&](std::size_t i) -> Input {
-      const dialect::Slot& slot = translation.slots[i];
-      if (slot.literal) return {&scanned_.literals[*slot.literal], nullptr};
-      return {&parameterValue(parameters, slot.parameter),
-              &translation.parameters[declaredIndex(translation, slot.parameter)]};
-    });
+    bind(statement, [&](std::size_t i) { return inputOf(translation, i, scanned_.literals, parameters); });
     const int code = run(statement);
     if ((code & 0xff) != SQLITE_SCHEMA || attempt == schemaRetries) return code;
     schemaChanged();
   }
+}
+
+template <typename BindTo>
+int SqliteDatabase::makeTable(const dialect::Translation& translation, BindTo&& bindTo) {
+  TableDef table{translation.table, {}, {}};
+  std::string names;
+  for (const FieldDef& column : translation.columns) {
+    table.fields.push_back(
+        {.name = column.name, .type = column.type, .size = column.size, .allowZeroLength = true});
+    names += (names.empty() ? "" : ", ") + ddl::quoteName(column.name);
+  }
+  Step step(file().connection);
+  createTable(table);
+  const std::string sql = "INSERT INTO " + ddl::quoteName(table.name) + " (" + names + ") " + translation.sql;
+  Prepared insert{std::make_shared<const dialect::Translation>(translation), file().connection.prepare(sql)};
+  bindTo(insert);
+  const int code = insert.statement.step();
+  if (code != SQLITE_DONE) failChange(code, table.name);
+  step.release();
+  return code;
 }
 
 int SqliteDatabase::execute(std::string_view sql) {
@@ -353,6 +385,13 @@ int SqliteDatabase::execute(std::string_view sql) {
     beginChange();
     std::shared_ptr<const dialect::Translation> translation;
     const int code = withPrepared(sql, false, {}, [&](Prepared& prepared) {
+      if (prepared.translation->kind == dialect::Translation::Kind::into) {
+        const auto kept = prepared.translation;  // the cache goes with the schema
+        const std::vector<Value> literals = scanned_.literals;
+        return makeTable(*kept, [&](Prepared& insert) {
+          bind(insert, [&](std::size_t i) { return inputOf(*kept, i, literals, {}); });
+        });
+      }
       const int result = prepared.statement.step();
       if (result == SQLITE_DONE) {
         prepared.statement.reset();

@@ -131,6 +131,9 @@ class SqliteDatabase final : public Database, public std::enable_shared_from_thi
   template <typename InputOf>
   void bind(Prepared& prepared, InputOf&& inputOf);
   void schemaChanged();
+  /// Makes a table of the rows of a query; its values are bound to what `bindTo` gets. An SQLite code.
+  template <typename BindTo>
+  int makeTable(const dialect::Translation& translation, BindTo&& bindTo);
   /// Ends a step that changed definitions, which the catalog has taken over.
   void finish(Step& step);
   const TableDef& definition(std::string_view table) const;
