@@ -47,6 +47,21 @@ TEST_F(Language, TakesAParameterBeforeAFieldOfThatName) {
       err::dbNotAggregated);
 }
 
+TEST_F(Language, TakesStoredQueriesForTables) {
+  db->createQuery(
+      {"Norths", "PARAMETERS [p] Text; select Id, Name from Stations where Name like [p] or Id = 7"});
+  db->createQuery(
+      {"Both", "select n.Name & '!' as N, s.Id from Norths n inner join Stations s on s.Id = n.Id"});
+  const auto rows =
+      db->openRecordset("select N, 9 from Both where Id < 5 and 'x' = 'x' order by N", {{"p", "n*"}});
+  EXPECT_EQ(rows->get(0), Value("North!"));
+  EXPECT_EQ(rows->recordCount(), 1U);
+  EXPECT_EQ(number("select * from Both"), err::dbTooFewParameters);
+  db->createQuery({"Loop", "select * from Again"});
+  db->createQuery({"Again", "select * from Loop"});
+  EXPECT_EQ(number("Loop"), err::dbCircular);
+}
+
 // Depth is limited, by SQLite or before it. Length is not.
 TEST_F(Language, LimitsTheDepthOfAStatementAndNotItsLength) {
   const auto repeated = [](const char* text, int times) {
