@@ -51,6 +51,7 @@ inline constexpr int dbAmbiguousName = 3079;         ///< a column name that mor
 inline constexpr int dbUnknownFunction = 3085;       ///< undefined function in expression
 inline constexpr int dbOrderNotSelected = 3093;      ///< DISTINCT sorted by what it does not select
 inline constexpr int dbCircular = 3102;              ///< a query made of itself
+inline constexpr int dbNoPermission = 3112;          ///< a column that statements may not read
 inline constexpr int dbNotAggregated = 3122;         ///< a field neither grouped nor aggregated
 inline constexpr int dbUnknownField = 3127;          ///< INSERT names a field that the table has not
 inline constexpr int dbTableExists = 3010;           ///< table already exists

@@ -52,9 +52,17 @@ class Schema {
   [[nodiscard]] virtual const TableDef* table(std::string_view name) const = 0;
   /// The text of the stored query of that name in any case; none when there is no such query.
   [[nodiscard]] virtual std::optional<std::string> queryText(std::string_view) const { return std::nullopt; }
+  /// Whether statements may not use a column: what it holds is secret. A star shows the mask in its place;
+  /// any other use of it is 3112.
+  [[nodiscard]] virtual bool isSecret(const TableDef& /*table*/, const FieldDef& /*field*/) const {
+    return false;
+  }
   /// The clock that scan() was given.
   [[nodiscard]] virtual const Clock* clock() const { return nullptr; }
 };
+
+/// What a result shows in place of a secret value.
+inline constexpr const char* mask = "****";
 
 /// Tells where the value of a placeholder comes from, and how to bind it.
 struct Slot {
@@ -81,7 +89,8 @@ struct Translation {
   std::vector<FieldDef> parameters;
   std::size_t declared = 0;  ///< how many are declared
   /// insert, update, remove: the table that is written. select: the one table whose rows can be edited
-  /// through the result, "" when they cannot (several tables, grouping, DISTINCT). TOP does not hinder.
+  /// through the result, "" when they cannot (several tables, grouping, DISTINCT, a masked column). TOP does
+  /// not hinder.
   std::string table;
   /// select with `table` set: the SQLite result has the row number in front of `columns`.
   /// Columns of the result: name, type, size. A column of a table has its full definition, under the name
@@ -102,7 +111,8 @@ struct Translation {
 
 /// Translates one statement. Errors: 3075 for a syntax error (text behind the end, such as a second
 /// statement, is one), 3078 for an unknown table, 3061 for a name that is neither column nor parameter, 3079
-/// for an ambiguous column, 3085 for an unknown function, 3127 for an unknown field in INSERT.
+/// for an ambiguous column, 3085 for an unknown function, 3112 for a secret column, 3127 for an unknown field
+/// in INSERT.
 [[nodiscard]] Translation translate(std::string_view sql, const Schema& schema);
 
 /// A validation rule (">=0 and <=32") as an SQLite condition on the quoted column; 3075 when it is no rule.

@@ -100,7 +100,7 @@ const TableDef& Writer::derive(const Query& query, ScopeTable& table) {
     const Term& item = query.items[i];
     FieldDef& field = definition.fields.emplace_back();
     field.type = item.type.value_or(DataType::Text);
-    if (item.field != nullptr) field.size = item.field->size;
+    if (item.field != nullptr && !item.secret) field.size = item.field->size;
     field.name = query.names[i];
     columns.push_back(sortable(item));
     called.push_back(quotedName(field.name));
@@ -330,6 +330,7 @@ Writer::Query Writer::member(const syntax::Select& select, Scope* outer) {
   scope.aggregatesAllowed = true;
   scope.outer = outer;
   items(select, out);
+  if (out.distinct) requireUsable(out.items);
   if (select.having && groups.empty() && !scope.aggregated) {
     fail(select.having->position, "HAVING needs GROUP BY or an aggregate function among what is selected");
   }
@@ -374,7 +375,13 @@ void Writer::items(const syntax::Select& select, Query& out) {
         if (!item.starQualifier.empty() && !equalNoCase(item.starQualifier, scope.tables[i].alias)) continue;
         found = true;
         for (const FieldDef& field : scope.tables[i].definition->fields) {
-          add(*column(scope.tables[i].alias, field.name, scope), nullptr, field.name, true);
+          Term term = *findColumn(scope.tables[i].alias, field.name, scope);
+          // The value does not get as far as the result: nothing that is done to it can tell it.
+          if (term.secret) {
+            term.sql = "'" + std::string(mask) + "'";
+            term.type = DataType::Text;
+          }
+          add(std::move(term), nullptr, field.name, true);
         }
       }
       if (!found) fail(item.position, "this is none of the statement's tables");
@@ -412,6 +419,7 @@ void Writer::order(const syntax::Select& select, Query& out, bool within) {
       }
       const syntax::Expression* source = out.sources[position - 1];
       term = source != nullptr && within ? write(*source, out.scope) : out.items[position - 1];
+      if (term.secret) throw secretColumn(*term.field);
     } else {
       term = write(*item.expression, out.scope);
     }

@@ -14,7 +14,8 @@ namespace {
 class Translator {
  public:
   Translator(std::string_view sql, const Schema& schema)
-      : statement_(Parser(sql).statement()),
+      : schema_(schema),
+        statement_(Parser(sql).statement()),
         declared_(statement_.parameters.size()),
         writer_(sql, schema, statement_.parameters, out_.slots) {}
 
@@ -45,21 +46,25 @@ class Translator {
     out_.kind = into.empty() ? Translation::Kind::select : Translation::Kind::into;
     Writer::Query query = writer_.select(*statement_.select, nullptr);
     std::vector<std::string> columns = query.columns();
+    bool masked = false;
     for (std::size_t i = 0; i < query.items.size(); ++i) {
       const Term& item = query.items[i];
       FieldDef& column = out_.columns.emplace_back();
-      if (item.field != nullptr) {
+      const bool stored = item.field != nullptr && !item.secret;
+      if (stored) {
         column = *item.field;
-      } else {
+      } else if (!item.secret) {
         column.type = item.type.value_or(DataType::Text);
       }
       column.name = query.names[i];
-      out_.stored.push_back(item.field != nullptr);
+      out_.stored.push_back(stored);
+      masked = masked || item.secret;
     }
     if (!into.empty()) {
+      Writer::requireUsable(query.items);
       out_.table = into;
     } else if (query.scope.tables.size() == 1 && query.scope.tables[0].query.empty() && !query.distinct &&
-               !query.grouped) {
+               !query.grouped && !masked) {
       const ScopeTable& table = query.scope.tables[0];
       out_.table = table.definition->name;
       for (const Term& item : query.items) {
@@ -76,7 +81,10 @@ class Translator {
     const TableDef& table = writer_.addTable(statement_.target, scope);
     out_.table = table.name;
     std::optional<Writer::Query> query;
-    if (statement_.select) query = writer_.select(*statement_.select, nullptr);
+    if (statement_.select) {
+      query = writer_.select(*statement_.select, nullptr);
+      Writer::requireUsable(query->items);
+    }
     if (query && statement_.fields.empty()) {
       // Without a list the fields are those that the query's columns are called after.
       for (const std::string& name : query->names)
@@ -219,10 +227,15 @@ class Translator {
     if (statement_.fields.empty()) {
       for (const FieldDef& field : table.fields) out.push_back(&field);
     }
+    for (const FieldDef* field : out) {
+      // To set one can tell what others hold, where a unique index refuses a value that is there.
+      if (schema_.isSecret(table, *field)) throw secretColumn(*field);
+    }
     return out;
   }
 
   Translation out_;
+  const Schema& schema_;
   syntax::Statement statement_;
   std::size_t declared_;
   Writer writer_;

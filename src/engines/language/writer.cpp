@@ -58,6 +58,18 @@ std::string withoutNumbers(const std::string& sql) {
   return out;
 }
 
+Error secretColumn(const FieldDef& field) {
+  return {err::dbNoPermission, "The column " + field.name +
+                                   " is secret: a statement can neither use nor set it, and only a star (*) "
+                                   "has it in the result, masked"};
+}
+
+void Writer::requireUsable(const std::vector<Term>& terms) {
+  for (const Term& term : terms) {
+    if (term.secret) throw secretColumn(*term.field);
+  }
+}
+
 void Writer::fail(std::size_t position, const std::string& what) const {
   failSyntax(sql_, position, what);
 }
@@ -218,6 +230,13 @@ Term Writer::name(const Expression& e, Scope& scope) {
 }
 
 std::optional<Term> Writer::column(std::string_view qualifier, std::string_view name, Scope& scope) const {
+  std::optional<Term> found = findColumn(qualifier, name, scope);
+  if (found && found->secret) throw secretColumn(*found->field);
+  return found;
+}
+
+std::optional<Term> Writer::findColumn(std::string_view qualifier, std::string_view name,
+                                       Scope& scope) const {
   std::optional<Term> found;
   for (Scope* s = &scope; s != nullptr && !found; s = s->outer) {
     for (std::size_t i = 0; i < s->tables.size(); ++i) {
@@ -231,6 +250,7 @@ std::optional<Term> Writer::column(std::string_view qualifier, std::string_view 
       }
       found = Term{
           .sql = table.prefix + quotedName(field->name), .type = field->type, .field = field, .table = i};
+      found->secret = schema_.isSecret(*table.definition, *field);
     }
     if (found) ++(s == &scope ? scope.ownColumns : scope.outerColumns);
     if (found && !s->insideAggregate) {
@@ -244,6 +264,7 @@ std::optional<Term> Writer::column(std::string_view qualifier, std::string_view 
 Term Writer::query(const Expression& e, Scope& scope) {
   Query query = select(*e.select, &scope);
   if (e.kind == Expression::Kind::exists) return logical("EXISTS (" + query.text({"1"}) + ")", 0);
+  requireUsable(query.items);
   if (query.items.size() != 1) fail(e.select->position, "a query within a statement gives one column");
   if (e.kind == Expression::Kind::quantified) return quantified(e, std::move(query), scope);
   if (e.kind == Expression::Kind::scalar) {

@@ -9,6 +9,7 @@
 
 #include "engines/language/dialect.h"
 #include "engines/language/syntax.h"
+#include "platform/error.h"
 
 namespace voxa::dialect {
 
@@ -23,6 +24,7 @@ struct Term {
   const FieldDef* field = nullptr;       ///< set when it is a column of a table
   std::size_t table = 0;                 ///< of a column: index of its table in the scope
   std::optional<std::size_t> slot = {};  ///< set when it is a placeholder
+  bool secret = false;                   ///< a column that only a star may have: there `sql` is the mask
 };
 
 /// A table of a FROM clause, or a query in its place.
@@ -118,6 +120,8 @@ class Writer {
   [[nodiscard]] static std::string words(const Term& term);  ///< the same with True and False as words
 
   [[noreturn]] void fail(std::size_t position, const std::string& what) const;
+  /// Raises 3112 when one of the terms is secret: for where a star's columns are used, not shown.
+  static void requireUsable(const std::vector<Term>& terms);
 
   /// Translation::sameLiterals for what was written.
   [[nodiscard]] const LiteralPairs& sameLiterals() const { return sameLiterals_; }
@@ -129,6 +133,7 @@ class Writer {
   bool isGrouped(const Group& term, const Scope& scope);
   Term name(const syntax::Expression& e, Scope& scope);
   std::optional<Term> column(std::string_view qualifier, std::string_view name, Scope& scope) const;
+  std::optional<Term> findColumn(std::string_view qualifier, std::string_view name, Scope& scope) const;
   Term any(const syntax::Expression& e, Scope& scope);
   Term query(const syntax::Expression& e, Scope& scope);
   Term quantified(const syntax::Expression& e, Query query, Scope& scope);
@@ -180,6 +185,8 @@ class Writer {
 [[nodiscard]] std::string quotedName(std::string_view name);
 /// The number of a type as the vx_ functions take it.
 [[nodiscard]] std::string typeCode(DataType type);
+/// The failure of a statement that uses a secret column.
+[[nodiscard]] Error secretColumn(const FieldDef& field);
 /// A chain mark: this text binds closer than AND and OR, and looser than everything else.
 inline constexpr char comparison = 'c';
 /// The term of a condition.

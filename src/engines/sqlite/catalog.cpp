@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "engines/sqlite/session.h"
 #include "platform/text.h"
 
 namespace voxa {
@@ -48,6 +49,18 @@ const TableDef* Catalog::table(std::string_view name) const {
     if (equalNoCase(definition->name, name)) return definition.get();
   }
   return nullptr;
+}
+
+const Clock* Catalog::clock() const {
+  return &session_.clock;
+}
+
+bool Catalog::isSecret(const TableDef& table, const FieldDef& field) const {
+  const auto& secrets = session_.options.secrets;
+  return std::any_of(secrets.begin(), secrets.end(), [&](const SqliteOptions::Secret& secret) {
+    return equalNoCase(secret.field, field.name) &&
+           (secret.table.empty() || equalNoCase(secret.table, table.name));
+  });
 }
 
 /// Reads the tables whose rows in the schema fulfil a condition, in order of creation.

@@ -13,11 +13,13 @@
 
 namespace voxa {
 
+struct Session;
+
 /// The definitions in the file. They are read when first needed and kept until the schema changes. A TableDef
 /// keeps its address for as long as its table exists.
 class Catalog final : public dialect::Schema {
  public:
-  Catalog(Connection& connection, const Clock& clock) : connection_(connection), clock_(clock) {}
+  Catalog(Connection& connection, const Session& session) : connection_(connection), session_(session) {}
 
   /// Forgets the definitions if the schema was changed since they were read, by this user or another. Returns
   /// whether they still hold.
@@ -34,7 +36,8 @@ class Catalog final : public dialect::Schema {
 
   [[nodiscard]] const TableDef* table(std::string_view name) const override;
   [[nodiscard]] std::optional<std::string> queryText(std::string_view name) const override;
-  [[nodiscard]] const Clock* clock() const override { return &clock_; }
+  [[nodiscard]] const Clock* clock() const override;
+  [[nodiscard]] bool isSecret(const TableDef& table, const FieldDef& field) const override;
   [[nodiscard]] const std::vector<std::unique_ptr<TableDef>>& tables() const;  ///< in order of creation
   [[nodiscard]] const std::vector<Relation>& relations() const;
 
@@ -51,7 +54,7 @@ class Catalog final : public dialect::Schema {
   void insert(const std::vector<Relation>& relations, std::size_t owner);
 
   Connection& connection_;
-  const Clock& clock_;
+  const Session& session_;
   mutable std::optional<Statement> versionStatement_;
   mutable std::optional<Statement> queryStatement_;
   mutable std::optional<std::int64_t> version_;

@@ -125,6 +125,7 @@ Connection::Connection(const std::string& path, const SqliteOptions& options, co
   // commit could bring the journal back, and with it the state before the commit.
   run("PRAGMA foreign_keys=ON; PRAGMA recursive_triggers=OFF; PRAGMA trusted_schema=OFF;"
       "PRAGMA cell_size_check=ON; PRAGMA locking_mode=NORMAL; PRAGMA synchronous=EXTRA;");
+  if (options.readOnly || options.journal == SqliteOptions::Journal::kept) return;
   run(options.journal == SqliteOptions::Journal::ahead ? "PRAGMA journal_mode=WAL"
                                                        : "PRAGMA journal_mode=DELETE");
 }

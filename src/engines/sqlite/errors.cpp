@@ -136,6 +136,10 @@ Error fileFailure(int code, const std::string& text, const std::string& path) {
   if (code == SQLITE_READONLY_DIRECTORY || code == SQLITE_READONLY_CANTINIT) {
     return make(err::dbCannotOpen, "The database cannot be written because its folder is read-only");
   }
+  if (code == SQLITE_READONLY_ROLLBACK || code == SQLITE_READONLY_RECOVERY) {
+    return make(err::dbNotUpdatable,
+                "A change of the database was broken off, and is undone when it is opened for writing");
+  }
   switch (code & 0xff) {
     case SQLITE_BUSY:
     case SQLITE_LOCKED:

@@ -99,9 +99,7 @@ class SqliteDatabase final : public Database, public std::enable_shared_from_thi
   /// connection.
   struct OpenFile {
     OpenFile(Connection opened, const Session& session)
-        : connection(std::move(opened)),
-          catalog(connection, session.clock),
-          locked(connection.inTransaction()) {}
+        : connection(std::move(opened)), catalog(connection, session), locked(connection.inTransaction()) {}
     Connection connection;
     Catalog catalog;
     StatementCache translated;

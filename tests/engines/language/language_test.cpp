@@ -33,6 +33,55 @@ TEST_F(Language, NamesTheColumnsOfAResult) {
   EXPECT_EQ(columns("select top 3 t!name from Stations t"), "Name");
 }
 
+TEST_F(Language, ASecretColumnIsMaskedByAStarAndUsedByNothing) {
+  db->createTable({"Codes", {{"pincode", DataType::Text, 10}}, {{"Unique", {"pincode"}, false, true}}});
+  db->execute("insert into Codes values ('2468')");
+  db->createQuery({"Stored", "select Name from Stations where Active"});
+  const auto careful = makeSqliteEngine(clock, {.secrets = {{"", "PINCode"}, {"Stations", "Active"}}});
+  const auto guarded = careful->open(file);
+  const auto shown = [&](const char* sql) {
+    std::string all;
+    for (const auto rows = guarded->openRecordset(sql); !rows->eof(); rows->moveNext()) {
+      for (std::size_t i = 0; i < rows->fieldCount(); ++i)
+        all += rows->field(i).name + "=" + (rows->get(i).isNull() ? "" : rows->get(i).toText()) + " ";
+    }
+    return all;
+  };
+  EXPECT_EQ(shown("Codes"), "pincode=**** ");
+  EXPECT_EQ(shown("select top 1 * from Codes, Stations s where exists (select * from Codes) order by s.Id"),
+            "pincode=**** Id=1 Name=North Active=**** Since= ");
+  std::istringstream attempts(
+      "select PINCode from Codes|select [pinCODE] as x from Codes|select c.pincode & '' from Codes c|"
+      "select iif(pincode > '2', 1, 0) from Codes|select count(pincode) from Codes|"
+      "select 1 from Codes where pincode is null|select 1 from Codes group by pincode|Stored|"
+      "select count(*) from Codes having max(pincode) > '2'|select 1 from Codes order by pincode|"
+      "select * from Codes order by 1|select distinct * from Codes|"
+      "select pincode.* from Codes as pincode order by 1|"
+      "select top 1 Id from Stations order by Active|select Format(Active, 'Yes/No') from Stations|"
+      "select 1 from Stations s inner join Codes c on c.pincode = s.Name|"
+      "select 1 from Stations s left join Codes c on s.Active|"
+      "select (select pincode from Codes) from Stations|select (select * from Codes) from Stations|"
+      "select '2468' in (select * from Codes)|select '2468' in (select pincode from Codes)|"
+      "select 1 from Codes where exists (select 1 where pincode > '2')|"
+      "insert into Stations (Id, Name) select 3, pincode from Codes|"
+      "insert into Stations (Name) select * from Codes|insert into Stations select * from Stations|"
+      "insert into Codes values ('2468')|insert into Codes (pincode) values ('2468')|"
+      "update Stations set Name = (select pincode from Codes)|update Codes set pincode = '2468'|"
+      "update Stations set Name = Name where Active|delete from Codes where pincode like '2*'");
+  int tried = 0;
+  for (std::string sql; std::getline(attempts, sql, '|'); ++tried) {
+    const bool changes = sql.starts_with("insert") || sql.starts_with("update") || sql.starts_with("delete");
+    EXPECT_EQ(errorOf([&] { changes ? (void)guarded->execute(sql) : (void)guarded->openRecordset(sql); }),
+              err::dbNoPermission)
+        << sql;
+  }
+  EXPECT_EQ(tried, 31);
+  EXPECT_EQ(errorOf([&] { guarded->openRecordset("Codes")->edit(); }), err::dbNotUpdatable);
+  EXPECT_EQ(errorOf([&] { (void)guarded->openRecordset("select Id from Stations")->findFirst("Active"); }),
+            err::dbNoPermission);
+  EXPECT_EQ(guarded->execute("delete from Codes"), 1);
+}
+
 TEST_F(Language, TakesAParameterBeforeAFieldOfThatName) {
   const std::string query =
       "PARAMETERS [Id] Integer, [at] DateTime; select Name from Stations s where s.Id = [Id] or Since > [at]";
