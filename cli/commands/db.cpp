@@ -1,9 +1,10 @@
-// voxa db: copies of the main database.
+// voxa db: copies of the main database; statements on it (db_query.cpp).
 
 #include <iostream>
 
 #include "app/qdb.h"
 #include "commands.h"
+#include "db_query.h"
 #include "may_write.h"
 #include "output/command_line.h"
 #include "plan_output.h"
@@ -69,7 +70,8 @@ void restore(Session& session, const FileOptions& options) {
 }  // namespace
 
 void addDatabaseCommands(Command& app, Session& session) {
-  auto* group = app.add_subcommand("db", "Copies of the main database")->require_subcommand(1);
+  auto* group =
+      app.add_subcommand("db", "Copies of the main database, and statements on it")->require_subcommand(1);
 
   auto* saving = group->add_subcommand("save", "Save a copy");
   auto target = std::make_shared<FileOptions>();
@@ -88,6 +90,8 @@ void addDatabaseCommands(Command& app, Session& session) {
       "It asks before it replaces the database; without a terminal it needs --yes.\n"
       "Example:\n  voxa db restore backup.mdb --save-first present.mdb");
   restoring->callback([&session, source] { restore(session, *source); });
+
+  addQueryCommand(*group, session);
 }
 
 }  // namespace voxa::cli

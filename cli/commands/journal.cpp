@@ -5,7 +5,6 @@
 #include "commands.h"
 #include "output/command_line.h"
 #include "output/table_output.h"
-#include "platform/csv.h"
 #include "platform/datetime.h"
 #include "session.h"
 #include "work/journal_list.h"
@@ -34,27 +33,14 @@ std::vector<Value> cellsOf(const JournalRow& row) {
           row.code.empty() ? row.data : row.code};
 }
 
-std::string csvLine(const std::vector<Value>& cells) {
-  std::string line;
-  for (std::size_t i = 0; i < cells.size(); ++i) {
-    if (i > 0) line += ',';
-    if (!cells[i].isNull()) line += csvField(cells[i].toText());
-  }
-  return line + "\r\n";
-}
-
 void showJournal(Session& session, const JournalOptions& options) {
   session.open();
   const JournalList list(session.library(), options.filter);
   const auto eachRow = [&](const auto& row) {
     list.each([&](const JournalRow& transaction) { row(cellsOf(transaction)); });
   };
-  if (options.csv) {
-    std::cout << csvLine({columns.begin(), columns.end()});
-    eachRow([](const std::vector<Value>& cells) { std::cout << csvLine(cells); });
-  } else {
-    printList(std::cout, columns, options.json, eachRow);
-  }
+  if (options.csv) return printCsv(std::cout, columns, eachRow);
+  printList(std::cout, columns, options.json, eachRow);
 }
 
 }  // namespace

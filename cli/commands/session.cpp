@@ -60,6 +60,15 @@ void Session::create() {
   installation_.create(settings.opening);
 }
 
+std::string Session::openForStatement(const std::string& named, bool write) {
+  if (write && installation_.hasDatabase(settings.opening, named)) {
+    openForSending();
+  } else if (named.empty()) {
+    installation_.enter(settings.opening);
+  }
+  return installation_.databaseFile(named);
+}
+
 void Session::show(const std::vector<Notice>& notices) {
   library().show(notices);
   for (const Notice& notice : notices) {

@@ -33,6 +33,9 @@ class Session {
   void open();
   void openForSending();
   void create();
+  /// Opens as much as a statement on a database file needs. named: the file as the caller names it, "" for
+  /// the main database. Returns its full path.
+  [[nodiscard]] std::string openForStatement(const std::string& named, bool write);
   void leave() { installation_.leave(); }
 
   // Once it is open or created:

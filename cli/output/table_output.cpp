@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 #include <ostream>
 
+#include "platform/csv.h"
 #include "platform/text.h"
 
 namespace voxa::cli {
@@ -88,6 +89,21 @@ void printList(std::ostream& out, const std::vector<std::string>& columns, bool 
     any = true;
   });
   out << (any ? "\n]\n" : "[]\n");
+}
+
+void printCsv(std::ostream& out, const std::vector<std::string>& columns, const ListRows& rows) {
+  const auto field = [](const Value& value) -> std::string {
+    if (value.isNull()) return "";
+    if (const auto* flag = std::get_if<bool>(&value.data())) return *flag ? "yes" : "no";
+    // Only a text can be a formula: a number may begin with a sign.
+    return value.isText() ? csvField(value.toText()) : value.toText();
+  };
+  const auto line = [&](const std::vector<Value>& cells) {
+    for (std::size_t i = 0; i < cells.size(); ++i) out << (i > 0 ? "," : "") << field(cells[i]);
+    out << "\r\n";
+  };
+  line({columns.begin(), columns.end()});
+  rows(line);
 }
 
 void TableOutput::print(std::ostream& out, bool json) const {

@@ -18,6 +18,9 @@ using ListRows = std::function<void(const std::function<void(const std::vector<V
 /// aligned columns they are asked for twice, once for the widths.
 void printList(std::ostream& out, const std::vector<std::string>& columns, bool json, const ListRows& rows);
 
+/// Prints a list for a spreadsheet, as csv.h has it, lines ended by CR LF. Null is an empty field.
+void printCsv(std::ostream& out, const std::vector<std::string>& columns, const ListRows& rows);
+
 /// A list that is short enough to be held.
 class TableOutput {
  public:

@@ -14,6 +14,7 @@
 #include "journal/journal.h"
 #include "messages/strings.h"
 #include "platform/files.h"
+#include "work/installation_files.h"
 #include "work/refusal.h"
 
 namespace voxa {
@@ -32,6 +33,32 @@ OpenInstallation::~OpenInstallation() = default;
 
 std::string OpenInstallation::callersFile(const std::string& path) const {
   return (std::filesystem::path(callersFolder_) / path).string();
+}
+
+std::string OpenInstallation::databaseFile(const std::string& named) const {
+  if (named.empty()) return folder_ + "\\" + mainDatabase;
+  const std::string path = callersFile(named);
+  std::error_code noSuchFile;
+  const std::filesystem::path found = std::filesystem::canonical(files::native(path), noSuchFile);
+  return noSuchFile ? path : found.string();
+}
+
+bool OpenInstallation::hasDatabase(const Opening& how, const std::string& named) const {
+  if (named.empty()) return true;
+  const std::string path = databaseFile(named);
+  const auto isOf = [&](const std::string& folder) {
+    return files::exists((std::filesystem::path(folder) / mainDatabase).string()) &&
+           isFileOfInstallation(folder, path);
+  };
+  if (isOf(callersFile(how.folder))) return true;
+  const std::string other = std::filesystem::path(path).parent_path().string();
+  if (isOf(other)) throw Refusal(path + " belongs to another installation: name that with --dir " + other);
+  return false;
+}
+
+void OpenInstallation::enter(const Opening& how) {
+  enterFolder(how);
+  requireInstallation();
 }
 
 void OpenInstallation::enterFolder(const Opening& how) {
@@ -66,8 +93,7 @@ void OpenInstallation::requireInstallation() const {
 }
 
 bool OpenInstallation::openForSending(const Opening& how) {
-  enterFolder(how);
-  requireInstallation();
+  enter(how);
   lock_ = std::make_unique<InstallationLock>();
   openHere(how);
   hangUpAbandoned(*library_);
@@ -75,8 +101,7 @@ bool OpenInstallation::openForSending(const Opening& how) {
 }
 
 void OpenInstallation::open(const Opening& how) {
-  enterFolder(how);
-  requireInstallation();
+  enter(how);
   openHere(how);
 }
 

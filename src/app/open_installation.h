@@ -39,6 +39,9 @@ class OpenInstallation {
   [[nodiscard]] bool openForSending(const Opening& how);
   /// Creates one, making the folder when it is missing. One that was begun and not completed is begun again.
   void create(const Opening& how);
+  /// Only makes its folder the current one. For who reads its main database and opens nothing for work: that
+  /// would bring older files forward.
+  void enter(const Opening& how);
   /// Closes its files and goes back to the folder of the caller.
   void leave();
 
@@ -49,6 +52,12 @@ class OpenInstallation {
   [[nodiscard]] const std::string& folder() const { return folder_; }  ///< its full path
   /// A file named by the caller: relative ones start where the process was before it was opened.
   [[nodiscard]] std::string callersFile(const std::string& path) const;
+  /// The full path of a database file that the caller names, links followed, since only files themselves are
+  /// opened as databases. named: "" for the main database of the folder that was entered.
+  [[nodiscard]] std::string databaseFile(const std::string& named) const;
+  /// Whether that file belongs to the installation, so that who changes it opens this for sending. One of
+  /// another installation is a Refusal.
+  [[nodiscard]] bool hasDatabase(const Opening& how, const std::string& named) const;
 
  private:
   void enterFolder(const Opening& how);

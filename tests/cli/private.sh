@@ -59,6 +59,28 @@ for place in "Local 1" "Annex 5"; do
   hides sim controller show --station "${place% *}" --address "${place#* }"
 done
 
+# A statement has them only masked, by a star. The ledger holds what was sent.
+hides db query "select * from Cardholders" --json
+hides db query Things --file plant/Ledger.MDB
+masks() { # ARGUMENT...: nothing else may be done with them.
+  ! voxa db query "$@" >out 2>err && grep -q -- --show-pins err && ! grep -q 2468 out err || fail "not refused: $*"
+}
+for option in "" "--file $folder/saved.mdb" "--file plant/KRV.mdb"; do
+  for statement in "select pincode as x from Cardholders" "select PINCode + 0 from Cardholders" \
+    "select Name from Cardholders where [PINCode] = 2468" "select distinct * from Cardholders" \
+    "select * from Readers order by 15, PINCode" "select (select max(c.PINCode) from Cardholders c) from Readers"; do
+    # shellcheck disable=SC2086
+    masks "$statement" $option
+  done
+done
+masks "update Cardholders set Name = PINCode" --write
+masks "insert into Cardholders select * from Cardholders" --write
+masks "update Readers set PINCode = 1 where Id = 1" --write
+masks "select Digest from Digests" --file plant/Ledger.MDB
+masks "select Id from Things where State like '*2468*'" --file plant/Ledger.MDB
+succeeds db query "select Name from Cardholders where PINCode = 2468 and PINCodeFlagD = false" --show-pins
+grep -q Ann out || fail "a personal code cannot be used by who may see it"
+
 # Texts of somebody else's database do not reach the driver as lines, or the terminal as commands.
 ! voxa station set Annex --modem //server/modem.ini >out 2>err || fail "a modem file on the network"
 ! voxa station set Annex --phone $'1\nCFL:/etc/passwd' >out 2>err || fail "a line of the driver's in a text"

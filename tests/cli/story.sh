@@ -198,6 +198,37 @@ refuses "belongs to the installation" --yes db restore hard.mdb
 refuses "--force" db save copy.mdb
 succeeds db save copy.mdb --force
 
+# A statement reads any database file and leaves it as it was, an older one, too; with --write it changes rows.
+printf '\0\0\0\0' | dd of=copy.mdb bs=1 seek=60 conv=notrunc 2>/dev/null
+cp copy.mdb plant/KRV.mdb
+for file in copy.mdb plant/KRV.mdb; do
+  cp "$file" before
+  succeeds db query "select * from Stations" --file "$file"
+  refuses "--write" db query "update Stations set Name = 'X'" --file "$file"
+  cmp before "$file" || fail "a query has changed $file"
+done
+succeeds db query "Select s.Id, r.Id, s.Active, Phone, h.Date, -1.5 as x, 2 as x from Stations s, Readers r, Holidays h
+  where r.StationId = s.Id and r.Name = 'Garage' and h.Name = 'Christmas'" --json
+tr -d ' \n' <out | grep -qF '[{"s.Id":2,"r.Id":2,"Active":true,"Phone":null,"Date":"2026-12-25T00:00:00","x":-1.5,"x_2":2}]' ||
+  fail "the types of a query"
+succeeds db query "select -1 as n, '=1+1' as a, 'b, \"' as b, Active from Stations where Id = 2" --csv
+[ "$(cat out)" = $'n,a,b,Active\r\n-1,\'=1+1,"b, """,yes\r' ] || fail "a query as CSV"
+cmp before plant/KRV.mdb || fail "a query has changed the installation"
+refuses "no table or query" db query Nowhere
+refuses "begins with SELECT" db query "drop table Stations"
+refuses "no database of this system" db query Stations --file "$program"
+refuses "without --write" db query Stations --write
+succeeds db query "update Readers set Name = Name & '!' where Name like 'gar*'" --write
+shows "1 row changed"
+succeeds db query "update Strings set Width = 3 where Mnemonic = 'none'" --write --file plant/I18N.MDB
+ln plant/Ledger.MDB other.mdb
+for file in plant/Ledger.MDB other.mdb; do
+  refuses "is believed" db query "delete from Things" --write --file "$file"
+done
+plant=. refuses "--dir" db query "delete from Readers" --write --file plant/KRV.mdb
+succeeds db query Readers --json
+shows '"Name": "Garage!"'
+
 # Cards: who loses a door is erased there before the database forgets that it was there.
 plant=doors
 # holds NUMBERS STATION ADDRESS: the cards that a controller has, each followed by a blank.
