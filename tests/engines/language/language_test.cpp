@@ -50,6 +50,8 @@ TEST_F(Language, ASecretColumnIsMaskedByAStarAndUsedByNothing) {
   EXPECT_EQ(shown("Codes"), "pincode=**** ");
   EXPECT_EQ(shown("select top 1 * from Codes, Stations s where exists (select * from Codes) order by s.Id"),
             "pincode=**** Id=1 Name=North Active=**** Since= ");
+  EXPECT_EQ(shown("select * from (select * from Codes union select Name from Stations where Id = 1) as q"),
+            "pincode=**** pincode=**** ");
   std::istringstream attempts(
       "select PINCode from Codes|select [pinCODE] as x from Codes|select c.pincode & '' from Codes c|"
       "select iif(pincode > '2', 1, 0) from Codes|select count(pincode) from Codes|"
@@ -67,15 +69,21 @@ TEST_F(Language, ASecretColumnIsMaskedByAStarAndUsedByNothing) {
       "insert into Stations (Name) select * from Codes|insert into Stations select * from Stations|"
       "insert into Codes values ('2468')|insert into Codes (pincode) values ('2468')|"
       "update Stations set Name = (select pincode from Codes)|update Codes set pincode = '2468'|"
-      "update Stations set Name = Name where Active|delete from Codes where pincode like '2*'");
+      "update Stations set Name = Name where Active|delete from Codes where pincode like '2*'|"
+      "select pincode from (select * from Codes) as q|select x from (select pincode as x from Codes) as q|"
+      "select '1' < any (select pincode from Codes)|select '1' < all (select * from Codes)|"
+      "select Name from Stations union select pincode from Codes|select * into Copy from Codes|"
+      "update Stations s, Codes c set s.Name = c.pincode|"
+      "delete s.* from Stations s inner join Codes c on c.pincode > '2'");
   int tried = 0;
   for (std::string sql; std::getline(attempts, sql, '|'); ++tried) {
-    const bool changes = sql.starts_with("insert") || sql.starts_with("update") || sql.starts_with("delete");
+    const bool changes = sql.starts_with("insert") || sql.starts_with("update") ||
+                         sql.starts_with("delete") || sql.find(" into ") != sql.npos;
     EXPECT_EQ(errorOf([&] { changes ? (void)guarded->execute(sql) : (void)guarded->openRecordset(sql); }),
               err::dbNoPermission)
         << sql;
   }
-  EXPECT_EQ(tried, 31);
+  EXPECT_EQ(tried, 39);
   EXPECT_EQ(errorOf([&] { guarded->openRecordset("Codes")->edit(); }), err::dbNotUpdatable);
   EXPECT_EQ(errorOf([&] { (void)guarded->openRecordset("select Id from Stations")->findFirst("Active"); }),
             err::dbNoPermission);
