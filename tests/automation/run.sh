@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Drives VOXA.dll from real 32-bit clients under Wine: the scripts beside this file by the script host, and
-# the early-bound client. Needs root, the Windows build in build/windows-x86 and the Wine of scripts/wine.sh.
+# Drives VOXA.dll from real 32-bit clients under Wine: the scripts beside this file by the script host, the
+# early-bound client, and the records of tests/conformance by a late-bound one. Needs root, the Windows build in build/windows-x86 and the Wine of scripts/wine.sh.
 # Usage: run.sh [NAME...]; all of them without a name.
 set -euo pipefail
 cd "$(dirname "$0")/../.."
@@ -54,6 +54,10 @@ run() {
   wine_run "$work/$name" regsvr32 /s VOXA.dll
   case $name in
     client) passes client client.exe ;;
+    conformance)
+      cp "$build/conformance.exe" tests/conformance/*.test "$work/conformance"
+      passes conformance conformance.exe
+      ;;
     manifest)
       # Without registration, which is taken back twice: the second time there is none, and that is no failure.
       wine_run "$work/manifest" regsvr32 /u /s VOXA.dll
@@ -89,7 +93,7 @@ run() {
 }
 
 names=("$@")
-[ ${#names[@]} -gt 0 ] || names=(story values client example manifest)
+[ ${#names[@]} -gt 0 ] || names=(story values client conformance example manifest)
 for name in "${names[@]}"; do run "$name"; done
 wine_run "$work/$name" regsvr32 /u /s VOXA.dll
 exit "$((failures > 0))"

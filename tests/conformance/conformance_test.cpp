@@ -1,4 +1,5 @@
-// What statements give, as files of records: for each engine behind the seam the same.
+// What statements give, as files of records: for each engine behind the seam the same. Automation gives it,
+// too (tests/automation/conformance.cpp).
 
 #include <gtest/gtest.h>
 
@@ -7,105 +8,51 @@
 #include <fstream>
 
 #include "conformance/records.h"
+#include "conformance/road.h"
 #include "engines/sqlite/engine.h"
 #include "platform/clock.h"
-#include "platform/datetime.h"
-#include "platform/error.h"
 #include "platform/temporary_folder.h"
 
 namespace voxa::conformance {
 namespace {
 
-const std::pair<const char*, DataType> typeNames[] = {
-    {"Boolean", DataType::Boolean}, {"Byte", DataType::Byte},     {"Integer", DataType::Integer},
-    {"Long", DataType::Long},       {"Double", DataType::Double}, {"Date", DataType::Date},
-    {"Memo", DataType::Memo}};
-
-FieldDef fieldOf(const std::string& name, const std::string& type) {
-  FieldDef field{.name = name, .allowZeroLength = true};
-  if (type.starts_with("Text")) {
-    field.size = std::stoi(type.substr(4));
-    return field;
-  }
-  const auto* found = std::find_if(std::begin(typeNames), std::end(typeNames),
-                                   [&](const auto& known) { return type == known.first; });
-  if (found == std::end(typeNames)) throw std::runtime_error("no type: " + type);
-  field.type = found->second;
-  return field;
-}
-
-std::string shown(const Value& value, char type) {
-  if (value.isNull()) return "NULL";
-  const bool moment = std::holds_alternative<DateTime>(value.data());
-  const bool real = std::holds_alternative<double>(value.data());
-  const char is = value.isText() ? 'T' : moment ? 'D' : real ? 'R' : 'I';
-  const std::string text = is == 'T'   ? value.toText()
-                           : is == 'D' ? formatDateTime(value.toDateTime(), "yyyy-mm-dd hh:nn:ss")
-                           : is == 'R' ? value.toText()
-                                       : std::to_string(value.toInt32());
-  return is != type ? std::string(1, is) + ":" + text : text.empty() ? "(empty)" : text;
-}
-
-/// A database of an engine, in which records are run.
-class Conformance : public testing::Test {
- protected:
-  void run(const Record& record) {
-    if (record.kind == Record::Kind::table) {
-      TableDef table{record.text, {}, {}};
-      for (const auto& [name, type] : record.columns) table.fields.push_back(fieldOf(name, type));
-      db_->createTable(table);
-    } else if (record.kind == Record::Kind::statement) {
-      const int changed = db_->execute(record.text);
-      EXPECT_EQ(changed, record.count.value_or(changed));
-    } else {
-      EXPECT_EQ(rowsOf(record), record.rows);
-    }
-  }
-
-  std::vector<std::string> rowsOf(const Record& record) {
-    std::vector<std::string> out;
-    const auto rows = db_->openRecordset(record.text);
-    EXPECT_EQ(rows->fieldCount(), record.types.size());
+class Seam : public Road {
+ public:
+  void createTable(const TableDef& definition) override { db_->createTable(definition); }
+  int execute(std::string_view sql) override { return db_->execute(sql); }
+  Rows rows(std::string_view sql) override {
+    const auto rows = db_->openRecordset(sql);
+    Rows out{rows->fieldCount(), {}};
     for (; !rows->eof(); rows->moveNext()) {
-      std::string row;
-      for (std::size_t i = 0; i < std::min(rows->fieldCount(), record.types.size()); ++i)
-        row += (i > 0 ? "|" : "") + shown(rows->get(i), record.types[i]);
-      out.push_back(row);
+      std::vector<Value>& row = out.values.emplace_back();
+      for (std::size_t i = 0; i < out.columns; ++i) row.push_back(rows->get(i));
     }
-    if (record.sorted) std::sort(out.begin(), out.end());
     return out;
   }
 
+ private:
   SystemClock clock_;
   TemporaryFolder folder_;
   std::unique_ptr<DatabaseEngine> engine_ = makeSqliteEngine(clock_);
   std::shared_ptr<Database> db_ = engine_->create(folder_ / "test.mdb");
 };
 
-class Files : public Conformance, public testing::WithParamInterface<std::filesystem::path> {};
+class Files : public testing::TestWithParam<std::filesystem::path> {};
 
 TEST_P(Files, Hold) {
+  Seam seam;
   std::ifstream in(GetParam());
   for (const Record& record : readRecords(in)) {
-    SCOPED_TRACE(GetParam().filename().string() + ":" + std::to_string(record.line) + " " + record.text);
-    int number = 0;
-    std::string description;
-    try {
-      run(record);
-    } catch (const Error& error) {
-      number = error.number();
-      description = error.description();
-    }
-    EXPECT_EQ(number, record.error.value_or(0)) << description;
+    EXPECT_EQ(difference(record, seam), "")
+        << GetParam().filename().string() << ":" << record.line << " " << record.text;
   }
 }
 
 // The examples of the page on the language: an expression and what it gives, and statements.
-class Examples : public Conformance {};
-
-TEST_F(Examples, OfThePageAreTrue) {
-  db_->createTable({"AccessGroups", {fieldOf("Id", "Long"), fieldOf("Name", "Text50")}, {}});
-  db_->createTable({"Cardholders",
+TEST(Examples, OfThePageAreTrue) {
+  Seam seam;
+  seam.createTable({"AccessGroups", {fieldOf("Id", "Long"), fieldOf("Name", "Text50")}, {}});
+  seam.createTable({"Cardholders",
                     {fieldOf("CardNum", "Long"), fieldOf("Name", "Text50"), fieldOf("AccessGroupId", "Long"),
                      fieldOf("Credit", "Integer"), fieldOf("ValidationDate", "Date")},
                     {}});
@@ -118,20 +65,16 @@ TEST_F(Examples, OfThePageAreTrue) {
       statements = line == "```sql";
     } else if (statements) {
       ++examples;
-      EXPECT_EQ(errorOf([&] {
-                  line.starts_with("select") && line.find(" into ") == line.npos
-                      ? (void)db_->openRecordset(line)
-                      : (void)db_->execute(line);
-                }),
-                0);
+      const bool selects = line.starts_with("select") && line.find(" into ") == line.npos;
+      EXPECT_EQ(errorOf([&] { selects ? (void)seam.rows(line) : (void)seam.execute(line); }), 0);
     } else if (const std::size_t middle = line.find("` | "); line.starts_with("| `") &&
                                                              line.ends_with("` |") && middle != line.npos &&
                                                              line[middle + 4] == '`') {
       ++examples;
-      const auto row = db_->openRecordset("select " + line.substr(3, middle - 3));
-      EXPECT_EQ(row->get(0).isNull()              ? "Null"
-                : row->get(0).data().index() == 1 ? row->get(0).toBool() ? "-1" : "0"
-                                                  : row->get(0).toText(),
+      const Value value = seam.rows("select " + line.substr(3, middle - 3)).values.at(0).at(0);
+      EXPECT_EQ(value.isNull()              ? "Null"
+                : value.data().index() == 1 ? value.toBool() ? "-1" : "0"
+                                            : value.toText(),
                 line.substr(middle + 5, line.size() - middle - 8));
     }
   }

@@ -1,0 +1,99 @@
+#include "conformance/road.h"
+
+#include <algorithm>
+#include <stdexcept>
+
+#include "platform/datetime.h"
+#include "platform/error.h"
+
+namespace voxa::conformance {
+
+namespace {
+
+const std::pair<const char*, DataType> typeNames[] = {
+    {"Boolean", DataType::Boolean}, {"Byte", DataType::Byte},     {"Integer", DataType::Integer},
+    {"Long", DataType::Long},       {"Double", DataType::Double}, {"Date", DataType::Date},
+    {"Memo", DataType::Memo}};
+
+}  // namespace
+
+FieldDef fieldOf(const std::string& name, const std::string& type) {
+  FieldDef field{.name = name, .allowZeroLength = true};
+  if (type.starts_with("Text")) {
+    field.size = std::stoi(type.substr(4));
+    return field;
+  }
+  const auto* found = std::find_if(std::begin(typeNames), std::end(typeNames),
+                                   [&](const auto& known) { return type == known.first; });
+  if (found == std::end(typeNames)) throw std::runtime_error("no type: " + type);
+  field.type = found->second;
+  return field;
+}
+
+namespace {
+
+std::string shown(const Value& value, char type) {
+  if (value.isNull()) return "NULL";
+  const bool moment = std::holds_alternative<DateTime>(value.data());
+  const bool real = std::holds_alternative<double>(value.data());
+  const char is = value.isText() ? 'T' : moment ? 'D' : real ? 'R' : 'I';
+  const std::string text = is == 'D'   ? formatDateTime(value.toDateTime(), "yyyy-mm-dd hh:nn:ss")
+                           : is == 'I' ? std::to_string(value.toInt32())
+                                       : value.toText();
+  return is != type ? std::string(1, is) + ":" + text : text.empty() ? "(empty)" : text;
+}
+
+/// What a record gives, in the form in which its file has it.
+struct Outcome {
+  std::string text;
+  std::string description;  ///< of an error
+};
+
+Outcome outcomeOf(const Record& record, Road& road) {
+  Outcome out;
+  if (record.kind == Record::Kind::table) {
+    TableDef table{record.text, {}, {}};
+    for (const auto& [name, type] : record.columns) table.fields.push_back(fieldOf(name, type));
+    road.createTable(table);
+  } else if (record.kind == Record::Kind::statement) {
+    const int changed = road.execute(record.text);
+    if (record.count) out.text = "count " + std::to_string(changed);
+  } else {
+    const Road::Rows found = road.rows(record.text);
+    if (found.columns != record.types.size()) return {std::to_string(found.columns) + " columns", ""};
+    std::vector<std::string> rows;
+    for (const std::vector<Value>& values : found.values) {
+      std::string row;
+      for (std::size_t i = 0; i < values.size(); ++i)
+        row += (i > 0 ? "|" : "") + shown(values[i], record.types[i]);
+      rows.push_back(row);
+    }
+    if (record.sorted) std::sort(rows.begin(), rows.end());
+    for (const std::string& row : rows) out.text += "\n" + row;
+  }
+  return out;
+}
+
+std::string expectedOf(const Record& record) {
+  if (record.error) return "error " + std::to_string(*record.error);
+  if (record.count) return "count " + std::to_string(*record.count);
+  std::string text;
+  for (const std::string& row : record.rows) text += "\n" + row;
+  return text;
+}
+
+}  // namespace
+
+std::string difference(const Record& record, Road& road) {
+  Outcome given;
+  try {
+    given = outcomeOf(record, road);
+  } catch (const Error& error) {
+    given = {"error " + std::to_string(error.number()), " (" + error.description() + ")"};
+  }
+  const std::string expected = expectedOf(record);
+  if (given.text == expected) return {};
+  return "expected: " + expected + "\ngiven: " + given.text + given.description;
+}
+
+}  // namespace voxa::conformance
