@@ -1,7 +1,10 @@
 #include "engines/sqlite/connection.h"
 
+#include <chrono>
 #include <cmath>
 #include <limits>
+#include <thread>
+#include <utility>
 
 #include "engines/sqlite/engine.h"
 #include "engines/sqlite/errors.h"
@@ -27,6 +30,25 @@ struct Binder {
     (void)sqlite3_bind_text(statement, index, v.data(), static_cast<int>(v.size()), SQLITE_STATIC);
   }
 };
+
+using Moment = std::chrono::steady_clock;
+using std::chrono_literals::operator""ms;
+using std::chrono_literals::operator""s;
+
+/// A lock is asked for so often. SQLite's own waiting sleeps longer and longer, up to 100 ms: among many
+/// users a file is free for a moment only, which such a sleeper never meets. Who asks more often than this
+/// hinders the one that works: each question locks the file for a moment, too.
+constexpr auto betweenQuestions = 5ms;
+
+/// Asked after each refusal of a lock: whether to try again.
+int waitForLock(void* context, int refusals) {
+  auto& wait = *static_cast<LockWait*>(context);
+  wait.last = Moment::now();
+  if (refusals == 0) wait.begin = wait.last;
+  if (wait.last - wait.begin >= wait.limit) return 0;
+  std::this_thread::sleep_for(refusals == 0 ? 1ms : betweenQuestions);
+  return 1;
+}
 
 /// An expression's whole number, which may be too large for the field type of its column.
 Value integerValue(std::int64_t number, DataType type) {
@@ -116,7 +138,8 @@ Connection::Connection(const std::string& path, const SqliteOptions& options, co
   handle_.reset(db);
   check(opened);
   (void)sqlite3_extended_result_codes(db, 1);
-  (void)sqlite3_busy_timeout(db, options.busyTimeoutMs);
+  wait_->limit = std::chrono::milliseconds(options.busyTimeoutMs);
+  (void)sqlite3_busy_handler(db, &waitForLock, wait_.get());
   // Without this SQLite takes a misspelled name in double quotes for a text.
   (void)sqlite3_db_config(db, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
   (void)sqlite3_db_config(db, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
@@ -157,6 +180,12 @@ void Connection::copyFrom(const Connection& source) {
   const int code = sqlite3_backup_step(copying, -1);
   (void)sqlite3_backup_finish(copying);  // it repeats the code
   if (code != SQLITE_DONE) fail(code);
+}
+
+void Connection::giveWay() {
+  const int changes = sqlite3_total_changes(handle_.get());
+  if (changes == std::exchange(wait_->changes, changes) || Moment::now() - wait_->last > 1s) return;
+  std::this_thread::sleep_for(betweenQuestions);
 }
 
 void Connection::beginReading() {

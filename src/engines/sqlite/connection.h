@@ -2,6 +2,7 @@
 
 #include <sqlite3.h>
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -45,6 +46,14 @@ class Statement {
   std::unique_ptr<sqlite3_stmt, Finalizer> handle_;
 };
 
+/// A connection's waiting for the locks of others.
+struct LockWait {
+  std::chrono::milliseconds limit{};
+  std::chrono::steady_clock::time_point begin{};  ///< of the wait that goes on
+  std::chrono::steady_clock::time_point last{};   ///< when it last waited
+  int changes = 0;                                ///< rows that it had changed when it last gave way
+};
+
 /// One open SQLite file, with the settings, the collation and the functions that this engine needs.
 class Connection {
  public:
@@ -71,6 +80,10 @@ class Connection {
 
   /// Makes this file, an empty one, a copy of what is committed in another.
   void copyFrom(const Connection& source);
+
+  /// To be called before a change outside of a transaction. Who has changed the file and met others there
+  /// lets one of them in: who comes again at once would always find it free, and the others never.
+  void giveWay();
 
   /// Begins a reading: several statements that only read share one lock. Does nothing where a transaction
   /// runs.
@@ -101,6 +114,7 @@ class Connection {
 
   std::string path_;
   std::unique_ptr<PendingError> pending_ = std::make_unique<PendingError>();
+  std::unique_ptr<LockWait> wait_ = std::make_unique<LockWait>();
   std::unique_ptr<sqlite3, Closer> handle_;
   std::optional<Statement> begin_;
   std::optional<Statement> rollback_;

@@ -204,7 +204,9 @@ void SqliteDatabase::lockForChanges() {
 void SqliteDatabase::beginChange() {
   OpenFile& open = opened();
   open.connection.endReading();
-  if (!session_->inTransaction || open.locked) return;
+  if (open.locked) return;
+  open.connection.giveWay();
+  if (!session_->inTransaction) return;
   open.connection.run("BEGIN IMMEDIATE");
   open.locked = true;
   ++generation_;  // others may have changed the rows that were read before
