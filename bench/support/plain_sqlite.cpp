@@ -1,6 +1,5 @@
 #include "support/plain_sqlite.h"
 
-#include <stdexcept>
 #include <string_view>
 
 #include "engines/language/dialect.h"
@@ -40,21 +39,24 @@ void PlainSqlite::run(const std::string& sql) {
 }
 
 void PlainSqlite::run(const Statement& statement) {
-  check(sqlite3_step(statement.get()), SQLITE_DONE);
+  check(sqlite3_step(statement.get()), SQLITE_DONE, statement.get());
   check(sqlite3_reset(statement.get()));
 }
 
 bool PlainSqlite::nextRow(const Statement& statement) {
   const int code = sqlite3_step(statement.get());
   if (code == SQLITE_ROW) return true;
-  check(code, SQLITE_DONE);
+  check(code, SQLITE_DONE, statement.get());
   check(sqlite3_reset(statement.get()));
   return false;
 }
 
-void PlainSqlite::check(int code, int wanted) {
-  if (code != wanted)
-    throw std::runtime_error(std::string("Hand-written SQLite: ") + sqlite3_errmsg(db_.get()));
+void PlainSqlite::check(int code, int wanted, sqlite3_stmt* statement) {
+  if (code == wanted) return;
+  const std::string text = std::string("Hand-written SQLite: ") + sqlite3_errmsg(db_.get());
+  if (statement != nullptr) (void)sqlite3_reset(statement);
+  if ((code & 0xff) == SQLITE_BUSY) throw Busy(text);
+  throw std::runtime_error(text);
 }
 
 }  // namespace voxa::bench

@@ -3,6 +3,7 @@
 #include <sqlite3.h>
 
 #include <memory>
+#include <stdexcept>
 #include <string>
 
 namespace voxa::bench {
@@ -15,6 +16,11 @@ class PlainSqlite {
   /// commits as durably as SQLite does by default: a rollback journal that is deleted, full synchronisation.
   explicit PlainSqlite(const std::string& path);
 
+  /// What is thrown when somebody else has the file locked.
+  struct Busy : std::runtime_error {
+    using runtime_error::runtime_error;
+  };
+
   struct Finalizer {
     void operator()(sqlite3_stmt* statement) const { (void)sqlite3_finalize(statement); }
   };
@@ -26,9 +32,10 @@ class PlainSqlite {
   void run(const Statement& statement);
   /// Steps to the next row. Behind the last row it returns false and resets the statement.
   [[nodiscard]] bool nextRow(const Statement& statement);
+  [[nodiscard]] bool inTransaction() const { return sqlite3_get_autocommit(db_.get()) == 0; }
 
  private:
-  void check(int code, int wanted = SQLITE_OK);
+  void check(int code, int wanted = SQLITE_OK, sqlite3_stmt* statement = nullptr);
 
   struct Closer {
     void operator()(sqlite3* db) const { (void)sqlite3_close_v2(db); }

@@ -8,8 +8,8 @@
 
 namespace voxa::bench {
 
-/// One line of the report. ratio = ours / rival. The limit is on the ratio, or on `ours` when there is no
-/// rival.
+/// One line of the report. ratio = ours / rival; none beside a 0. The limit is on the ratio, or on `ours`
+/// when there is no rival.
 struct Row {
   std::string name;
   std::string unit;
@@ -18,7 +18,7 @@ struct Row {
   std::optional<double> limit{};
 
   [[nodiscard]] std::optional<double> ratio() const {
-    return rival ? std::optional(ours / *rival) : std::nullopt;
+    return rival.value_or(0) != 0 ? std::optional(ours / *rival) : std::nullopt;
   }
   [[nodiscard]] bool missed() const { return limit && ratio().value_or(ours) > *limit; }
 };
