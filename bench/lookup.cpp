@@ -47,8 +47,8 @@ std::vector<std::string> makeTexts() {
   return texts;
 }
 
-Row limited(const char* name, const Times& times) {
-  return {name, "us", times.ours * 1e6, times.rival * 1e6, 1.5};
+Row limited(const char* name, const Times& times, double limit) {
+  return {name, "us", times.ours * 1e6, times.rival * 1e6, limit};
 }
 
 Rows measure(const Harness& harness) {
@@ -85,8 +85,6 @@ Rows measure(const Harness& harness) {
   database.lockForChanges();
   sqlite.run("BEGIN");
   const Times together = harness.compare(ours, rival);
-  installation.engine().rollback();
-  sqlite.run("ROLLBACK");
 
   Numbers scanNumbers;
   dialect::Scanned scanned;
@@ -95,15 +93,20 @@ Rows measure(const Harness& harness) {
     benchmark::DoNotOptimize(scanned);
   }});
   const OpenSchema schema(database);
+  // Within the transaction, too. Outside of it the schema's version is read under a lock of the file's, which
+  // a rival takes only when he runs the statement.
   const Times first =
       harness.compare({[&] { benchmark::DoNotOptimize(dialect::translate(texts[1], schema)); }},
                       {[&] { benchmark::DoNotOptimize(sqlite.prepare(texts[1])); }});
 
-  return {limited("lookup by SQL text", alone),
-          limited("lookup by SQL text, in a transaction", together),
+  installation.engine().rollback();
+  sqlite.run("ROLLBACK");
+
+  return {limited("lookup by SQL text", alone, 1.5),
+          limited("lookup by SQL text, in a transaction", together, 1.4),
           {"share of the translation in a lookup", "%", 100 * scan / alone.ours},
           {"share of the translation, in a transaction", "%", 100 * scan / together.ours},
-          {"translation of a new text; rival: preparing it", "us", first.ours * 1e6, first.rival * 1e6}};
+          limited("translation of a new text; rival: preparing it", first, 2)};
 }
 
 const Registration registration("lookup", measure);

@@ -64,7 +64,7 @@ Rows measure(const Harness& harness) {
   small.createDatabase();
   small.addCardholders(few);
   const Times growth = harness.compare(withinTransaction(large), withinTransaction(small), Pace::once);
-  return {{"setTableFlagsD(true) over 10,000 rows", "ms", times.ours * 1e3, times.rival * 1e3, 10},
+  return {{"setTableFlagsD(true) over 10,000 rows", "ms", times.ours * 1e3, times.rival * 1e3, 1.5},
           {"setTableFlagsD(true), 10,000 rows; rival: 1,000 rows", "us a row", growth.ours * 1e6 / many,
            growth.rival * 1e6 / few, 1.5}};
 }
