@@ -96,6 +96,8 @@ struct Translation {
   /// Columns of the result: name, type, size. A column of a table has its full definition, under the name
   /// that the result gives it.
   std::vector<FieldDef> columns;
+  /// Where in `sql` the text "SELECT _rowid_, columns" ends; 0 when it does not begin like this.
+  std::size_t columnsEnd = 0;
   /// For each column: true when it shows a field of a table, whose type its values have; false for an
   /// expression.
   std::vector<bool> stored;

@@ -11,6 +11,8 @@ namespace voxa::dialect {
 
 namespace {
 
+constexpr std::string_view selecting = "SELECT ";
+
 class Translator {
  public:
   Translator(std::string_view sql, const Schema& schema)
@@ -73,6 +75,9 @@ class Translator {
       columns.insert(columns.begin(), table.prefix + "_rowid_");
     }
     out_.sql = query.text(columns);
+    if (out_.table.empty() || out_.sql.compare(selecting.size(), columns[0].size(), columns[0]) != 0) return;
+    out_.columnsEnd = selecting.size() + 2 * (columns.size() - 1);
+    for (const std::string& column : columns) out_.columnsEnd += column.size();
   }
 
   void insert() {

@@ -50,19 +50,37 @@ int waitForLock(void* context, int refusals) {
   return 1;
 }
 
-/// An expression's whole number, which may be too large for the field type of its column.
-Value integerValue(std::int64_t number, DataType type) {
+/// Adds a whole number, which may be too large for the field type of its column. Returns whether it fits.
+bool takeInteger(std::int64_t number, DataType type, std::vector<Value>& out) {
   const auto fits = [number](auto ofType) {
     using Limits = std::numeric_limits<decltype(ofType)>;
     return number >= Limits::min() && number <= Limits::max();
   };
-  if (type == DataType::Boolean) return number != 0;
-  if (type == DataType::Byte && fits(std::uint8_t{})) return static_cast<std::uint8_t>(number);
-  if (type == DataType::Integer && fits(std::int16_t{})) return static_cast<std::int16_t>(number);
-  if (type == DataType::Double) return static_cast<double>(number);
-  if (type == DataType::Date) return DateTime{static_cast<double>(number)};
-  if (fits(std::int32_t{})) return static_cast<std::int32_t>(number);
-  return static_cast<double>(number);
+  const bool fitsLong = fits(std::int32_t{});
+  switch (type) {
+    case DataType::Boolean:
+      out.emplace_back(number != 0);
+      return fitsLong;
+    case DataType::Byte:
+      if (!fits(std::uint8_t{})) break;
+      out.emplace_back(static_cast<std::uint8_t>(number));
+      return true;
+    case DataType::Integer:
+      if (!fits(std::int16_t{})) break;
+      out.emplace_back(static_cast<std::int16_t>(number));
+      return true;
+    case DataType::Double:
+      out.emplace_back(static_cast<double>(number));
+      return true;
+    case DataType::Date:
+      out.emplace_back(DateTime{static_cast<double>(number)});
+      return true;
+    default:
+      break;
+  }
+  fitsLong ? out.emplace_back(static_cast<std::int32_t>(number))
+           : out.emplace_back(static_cast<double>(number));
+  return fitsLong && type == DataType::Long;
 }
 
 }  // namespace
@@ -88,45 +106,30 @@ std::string_view Statement::text(int column) const {
   return {bytes, static_cast<std::size_t>(sqlite3_column_bytes(handle_.get(), column))};
 }
 
-bool Statement::holds(int column, DataType type) const {
-  const int held = sqlite3_column_type(handle_.get(), column);
-  if (held == SQLITE_NULL) return true;
-  const auto within = [&](auto ofType) {
-    using Limits = std::numeric_limits<decltype(ofType)>;
-    return held == SQLITE_INTEGER && integer(column) >= Limits::min() && integer(column) <= Limits::max();
-  };
-  switch (type) {
-    case DataType::Text:
-    case DataType::Memo:
-      return held == SQLITE_TEXT;
-    case DataType::Byte:
-      return within(std::uint8_t{});
-    case DataType::Integer:
-      return within(std::int16_t{});
-    case DataType::Boolean:
-    case DataType::Long:
-      return within(std::int32_t{});
-    case DataType::Double:
-    case DataType::Date:
-      return held == SQLITE_FLOAT || held == SQLITE_INTEGER;
-  }
-  return false;
-}
-
-Value Statement::value(int column, DataType type) const {
+bool Statement::take(int column, DataType type, std::vector<Value>& out) const {
   switch (sqlite3_column_type(handle_.get(), column)) {
     case SQLITE_NULL:
-      return {};
+      out.emplace_back();
+      return true;
     case SQLITE_INTEGER:
-      return integerValue(integer(column), type);
+      return takeInteger(integer(column), type, out);
     case SQLITE_FLOAT: {
       const double number = sqlite3_column_double(handle_.get(), column);
-      if (type == DataType::Date) return DateTime{number};
-      if (type == DataType::Boolean) return number != 0;
-      return number;
+      if (type == DataType::Date) {
+        out.emplace_back(DateTime{number});
+      } else if (type == DataType::Boolean) {
+        out.emplace_back(number != 0);
+      } else {
+        out.emplace_back(number);
+      }
+      return type == DataType::Date || type == DataType::Double;
     }
+    case SQLITE_TEXT:
+      out.emplace_back(text(column));
+      return type == DataType::Text || type == DataType::Memo;
     default:
-      return text(column);
+      out.emplace_back(text(column));
+      return false;
   }
 }
 

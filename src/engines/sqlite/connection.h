@@ -9,6 +9,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "engines/sqlite/functions.h"
 #include "platform/value.h"
@@ -33,11 +34,9 @@ class Statement {
 
   [[nodiscard]] std::int64_t integer(int column) const { return sqlite3_column_int64(handle_.get(), column); }
   [[nodiscard]] std::string_view text(int column) const;
-  /// Whether the column's value is one that a field of that type can hold.
-  [[nodiscard]] bool holds(int column, DataType type) const;
-  /// The column's value as a field of that type gives it. A value of another class, which an expression can
-  /// give, comes as it is.
-  [[nodiscard]] Value value(int column, DataType type) const;
+  /// Adds the column's value to `out`, as a field of that type gives it. A value of another class, which an
+  /// expression can give, comes as it is. Returns whether a field of that type can hold the value.
+  bool take(int column, DataType type, std::vector<Value>& out) const;
 
  private:
   struct Finalizer {

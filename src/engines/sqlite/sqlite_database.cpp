@@ -104,6 +104,15 @@ bool isBareName(std::string_view source) {
                        [&](std::string_view word) { return equalNoCase(token.text, word); }));
 }
 
+/// The statement that gives only the row numbers of a result. It names the columns that it does not read, so
+/// that SQLite goes the same way through the table, and the rows come in the same order.
+std::string numbersSql(const dialect::Translation& translation) {
+  const std::string& sql = translation.sql;
+  const std::size_t first = std::string_view("SELECT ").size();
+  return "SELECT coalesce(" + sql.substr(first, translation.columnsEnd - first) + ")" +
+         sql.substr(translation.columnsEnd);
+}
+
 /// The prepared statement of a scanned source; null when its literals need another translation.
 Prepared* findPrepared(StatementCache& translated, const dialect::Scanned& scanned) {
   Prepared* found = translated.find(scanned.key);
@@ -278,8 +287,8 @@ Prepared& SqliteDatabase::prepared(std::string_view source) {
 }
 
 template <typename InputOf>
-void SqliteDatabase::bind(Prepared& prepared, InputOf&& inputOf) {
-  const std::vector<dialect::Slot>& slots = prepared.translation->slots;
+void SqliteDatabase::bind(Statement& statement, const dialect::Translation& translation, InputOf&& inputOf) {
+  const std::vector<dialect::Slot>& slots = translation.slots;
   converted_.clear();  // room for two values a slot, since bound values must not move
   converted_.reserve(2 * slots.size());
   const auto convert = [&](const Value& value, const FieldDef& field) -> const Value& {
@@ -291,10 +300,10 @@ void SqliteDatabase::bind(Prepared& prepared, InputOf&& inputOf) {
     const Value* value = input;
     // What no declaration tells is what it stands beside.
     const bool told =
-        declared != nullptr && (isDeclared(*prepared.translation, *declared) || !slots[i].convertTo);
+        declared != nullptr && (isDeclared(translation, *declared) || !slots[i].convertTo);
     if (told) value = &convert(*value, *declared);
     if (slots[i].convertTo) value = &convert(*value, *slots[i].convertTo);
-    prepared.statement.bind(static_cast<int>(i) + 1, *value);
+    statement.bind(static_cast<int>(i) + 1, *value);
   }
 }
 
@@ -324,7 +333,7 @@ int SqliteDatabase::run(Change& change, std::string_view sql, const std::vector<
                     "The statement has " + std::to_string(translation.parameters.size()) +
                         " parameters and was given " + std::to_string(values.size()) + " values");
       }
-      bind(change.prepared, [&](std::size_t i) -> Input {
+      bind(change.prepared.statement, translation, [&](std::size_t i) -> Input {
         if (const auto& literal = translation.slots[i].literal) return {&change.literals[*literal], nullptr};
         if (const auto& constant = translation.slots[i].constant) return {&*constant, nullptr};
         const std::size_t parameter = change.parameters[i];
@@ -355,8 +364,11 @@ int SqliteDatabase::withPrepared(std::string_view source, bool rows, const Param
     Prepared& statement = prepared(source);
     const dialect::Translation& translation = *statement.translation;
     requireKind(translation, rows);
-    bind(statement, [&](std::size_t i) { return inputOf(translation, i, scanned_.literals, parameters); });
-    const int code = run(statement);
+    const auto bindTo = [&](Statement& bound) {
+      bind(bound, translation, [&](std::size_t i) { return inputOf(translation, i, scanned_.literals, parameters); });
+    };
+    bindTo(statement.statement);
+    const int code = run(statement, bindTo);
     if ((code & 0xff) != SQLITE_SCHEMA || attempt == schemaRetries) return code;
     schemaChanged();
   }
@@ -374,9 +386,9 @@ int SqliteDatabase::makeTable(const dialect::Translation& translation, BindTo&& 
   Step step(file().connection);
   createTable(table);
   const std::string sql = "INSERT INTO " + ddl::quoteName(table.name) + " (" + names + ") " + translation.sql;
-  Prepared insert{std::make_shared<const dialect::Translation>(translation), file().connection.prepare(sql)};
+  Statement insert = file().connection.prepare(sql);
   bindTo(insert);
-  const int code = insert.statement.step();
+  const int code = insert.step();
   if (code != SQLITE_DONE) failChange(code, table.name);
   step.release();
   return code;
@@ -386,12 +398,12 @@ int SqliteDatabase::execute(std::string_view sql) {
   return session_->guarded([&] {
     beginChange();
     std::shared_ptr<const dialect::Translation> translation;
-    const int code = withPrepared(sql, false, {}, [&](Prepared& prepared) {
+    const int code = withPrepared(sql, false, {}, [&](Prepared& prepared, const auto& /*bindTo*/) {
       if (prepared.translation->kind == dialect::Translation::Kind::into) {
         const auto kept = prepared.translation;  // the cache goes with the schema
         const std::vector<Value> literals = scanned_.literals;
-        return makeTable(*kept, [&](Prepared& insert) {
-          bind(insert, [&](std::size_t i) { return inputOf(*kept, i, literals, {}); });
+        return makeTable(*kept, [&](Statement& insert) {
+          bind(insert, *kept, [&](std::size_t i) { return inputOf(*kept, i, literals, {}); });
         });
       }
       const int result = prepared.statement.step();
@@ -412,9 +424,20 @@ std::unique_ptr<Recordset> SqliteDatabase::openRecordset(std::string_view source
                                                          const Parameters& parameters) {
   return session_->guarded([&] {
     std::unique_ptr<SqliteRecordset> rows;
-    const int code = withPrepared(source, true, parameters, [&](Prepared& prepared) {
+    const int code = withPrepared(source, true, parameters, [&](Prepared& prepared, const auto& bindTo) {
       rows = std::make_unique<SqliteRecordset>(shared_from_this(), prepared.translation);
-      return rows->read(prepared.statement);
+      const int read = rows->read(prepared.statement);
+      if (read != SQLITE_ROW) return read;
+      // The statement that stands at a row keeps the file as it is meanwhile.
+      const struct Standing {
+        Statement& statement;
+        ~Standing() { statement.reset(); }
+      } standing{prepared.statement};
+      if (!prepared.numbers)
+        prepared.numbers = opened().connection.prepareForSchema(numbersSql(*prepared.translation));
+      bindTo(*prepared.numbers);
+      rows->readNumbers(*prepared.numbers);
+      return SQLITE_DONE;
     });
     if (code != SQLITE_DONE) file().connection.fail(code);
     return std::unique_ptr<Recordset>(std::move(rows));

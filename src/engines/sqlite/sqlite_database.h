@@ -61,6 +61,14 @@ class SqliteDatabase final : public Database, public std::enable_shared_from_thi
 
   // For the recordsets and the engine.
 
+  /// The room of a small result, empty, for the next one. Most results are one row.
+  struct Room {
+    std::vector<std::int64_t> rowids;
+    std::vector<Value> values;
+  };
+  [[nodiscard]] Room takeRoom() { return std::move(room_); }
+  void giveRoom(Room room) { room_ = std::move(room); }
+
   [[nodiscard]] Session& session() const { return *session_; }
   [[nodiscard]] Connection& connection() const { return opened().connection; }  ///< 3420 when closed
   /// A statement of the engine's own on the rows of a table. It is prepared once; the reference holds until
@@ -127,7 +135,7 @@ class SqliteDatabase final : public Database, public std::enable_shared_from_thi
   /// Binds the values of all slots. They must stay where they are; converted ones are in converted_. inputOf:
   /// gives for a slot's number its value and, for a parameter, its declaration (else nullptr).
   template <typename InputOf>
-  void bind(Prepared& prepared, InputOf&& inputOf);
+  void bind(Statement& statement, const dialect::Translation& translation, InputOf&& inputOf);
   void schemaChanged();
   /// Makes a table of the rows of a query; its values are bound to what `bindTo` gets. An SQLite code.
   template <typename BindTo>
@@ -136,7 +144,8 @@ class SqliteDatabase final : public Database, public std::enable_shared_from_thi
   void finish(Step& step);
   const TableDef& definition(std::string_view table) const;
   /// Runs `run`, which returns an SQLite code, on the prepared source. Runs it again when the schema has
-  /// changed. rows: whether the statement must give rows.
+  /// changed. rows: whether the statement must give rows. `run` can give another statement the same values
+  /// with the function that it is passed.
   template <typename Run>
   int withPrepared(std::string_view source, bool rows, const Parameters& parameters, Run&& run);
   [[noreturn]] void failChange(int code, std::string_view table);
@@ -147,6 +156,7 @@ class SqliteDatabase final : public Database, public std::enable_shared_from_thi
   dialect::Scanned scanned_;
   std::vector<Value> converted_;
   std::uint64_t generation_ = 0;
+  Room room_;
 };
 
 }  // namespace voxa

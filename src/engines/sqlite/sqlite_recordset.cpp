@@ -1,7 +1,9 @@
 #include "engines/sqlite/sqlite_recordset.h"
 
 #include <algorithm>
+#include <functional>
 #include <limits>
+#include <utility>
 
 #include "engines/sqlite/ddl.h"
 #include "engines/sqlite/sqlite_database.h"
@@ -14,6 +16,7 @@ namespace {
 constexpr std::size_t firstRows = 256;  ///< so many are read at once when the rows are opened
 constexpr std::size_t blockRows =
     256;  ///< so many are fetched together later; the file is locked once for all of them
+constexpr std::size_t walkRows = 1024;  ///< the same for a walk that goes on behind such rows
 constexpr std::int64_t deletedRow = std::numeric_limits<std::int64_t>::min();
 
 bool showsFieldsOnly(const dialect::Translation& translation) {
@@ -49,24 +52,58 @@ SqliteRecordset::SqliteRecordset(std::shared_ptr<SqliteDatabase> database,
                                  std::shared_ptr<const dialect::Translation> translation)
     : database_(std::move(database)),
       translation_(std::move(translation)),
+      width_(translation_->columns.size()),
       live_(showsFieldsOnly(*translation_)),
       fetchRows_(blockRows),
-      generation_(database_->generation()) {}
+      generation_(database_->generation()) {
+  SqliteDatabase::Room room = database_->takeRoom();
+  rowids_ = std::move(room.rowids);
+  values_ = std::move(room.values);
+}
+
+SqliteRecordset::~SqliteRecordset() {
+  constexpr std::size_t small = 64;
+  if (values_.capacity() > small || rowids_.capacity() > small) return;
+  rowids_.clear();
+  values_.clear();
+  database_->giveRoom({std::move(rowids_), std::move(values_)});
+}
 
 int SqliteRecordset::read(Statement& statement) {
   const bool withRowids = editable();
   const int firstColumn = withRowids ? 1 : 0;
   int code = SQLITE_ROW;
   while ((code = statement.step()) == SQLITE_ROW) {
+    if (live_ && rows_ == firstRows && numbered()) return code;
     if (withRowids) rowids_.push_back(statement.integer(0));
     ++rows_;
     if (live_ && blockRows_ == firstRows) continue;
-    if (values_.empty()) values_.reserve(columns().size());
+    if (values_.empty()) values_.reserve(width_);
     take(statement, firstColumn);
     ++blockRows_;
   }
   if (code == SQLITE_DONE) statement.reset();
   return code;
+}
+
+/// Whether the row numbers of the result can be read alone.
+bool SqliteRecordset::numbered() const {
+  constexpr std::size_t greatest = 100;  // SQLite takes so many arguments of a function, and some more
+  return translation_->columnsEnd != 0 && width_ < greatest;
+}
+
+void SqliteRecordset::readNumbers(Statement& numbers) {
+  const std::vector<std::int64_t> first = std::exchange(rowids_, {});
+  int code = SQLITE_ROW;
+  while ((code = numbers.step()) == SQLITE_ROW) rowids_.push_back(numbers.integer(0));
+  if (code != SQLITE_DONE) database_->connection().fail(code);
+  numbers.reset();
+  rows_ = rowids_.size();
+  // By now a condition on the time of day can be true for other rows.
+  if (rows_ >= first.size() && std::equal(first.begin(), first.end(), rowids_.begin())) return;
+  values_.clear();
+  misfits_.clear();
+  blockRows_ = 0;
 }
 
 bool SqliteRecordset::isDeleted(std::size_t row) const {
@@ -142,7 +179,7 @@ void SqliteRecordset::requireEditable() const {
 }
 
 void SqliteRecordset::checkColumn(std::size_t index) const {
-  if (index < columns().size()) return;
+  if (index < width_) return;
   throw Error(err::dbNotInCollection, "The rows have no field number " + std::to_string(index));
 }
 
@@ -173,6 +210,9 @@ Value SqliteRecordset::initial(std::size_t index) const {
 }
 
 Value SqliteRecordset::get(std::size_t index) const {
+  const auto current = static_cast<std::size_t>(position_);
+  if (mode_ == Mode::none && index < width_ && isHere(current) && database_->isOpen())
+    return values_[(current - blockStart_) * width_ + index];
   return database_->session().guarded([&] {
     if (!database_->isOpen()) (void)database_->connection();
     checkColumn(index);
@@ -187,12 +227,17 @@ Value SqliteRecordset::get(std::size_t index) const {
   });
 }
 
+/// Whether the values of the row are here, up to date, and nothing is to be said of any of them.
+bool SqliteRecordset::isHere(std::size_t row) const {
+  return row - blockStart_ < blockRows_ && deleted_ == 0 && misfits_.empty() && gone_.empty() &&
+         (!live_ || generation_ == database_->generation());
+}
+
 void SqliteRecordset::take(Statement& statement, int firstColumn) const {
   int column = firstColumn;
-  for (std::size_t i = 0; i < columns().size(); ++i, ++column) {
-    const FieldDef& field = columns()[i];
-    if (translation_->stored[i] && !statement.holds(column, field.type)) misfits_.push_back(values_.size());
-    values_.push_back(statement.value(column, field.type));
+  for (std::size_t i = 0; i < width_; ++i, ++column) {
+    if (!statement.take(column, columns()[i].type, values_) && translation_->stored[i])
+      misfits_.push_back(values_.size() - 1);
   }
 }
 
@@ -211,53 +256,97 @@ const Value* SqliteRecordset::values(std::size_t row) const {
     const bool stale = generation_ != database_->generation();
     if (stale || !inBlock()) {
       // Only one row is fetched while the rows keep changing, and more each time that they did not.
-      fetchRows_ = stale ? 1 : std::min(fetchRows_ * 4, blockRows);
+      const bool goesOn = row == blockStart_ + blockRows_;
+      fetchRows_ = stale ? 1 : std::min(fetchRows_ * 4, goesOn ? walkRows : blockRows);
       fetch(row);
     }
     if (!gone_.empty() && gone_[row - blockStart_]) throw rowGone();
   }
-  return &values_[(row - blockStart_) * columns().size()];
+  return &values_[(row - blockStart_) * width_];
 }
 
 void SqliteRecordset::fetch(std::size_t row) const {
   if (fetchSql_.empty()) {
-    fetchSql_ = "SELECT " + ddl::quoteNames(translation_->sourceFields) + " FROM " +
-                ddl::quoteName(translation_->table) + " WHERE _rowid_ = ?1";
+    const std::string fields = ddl::quoteNames(translation_->sourceFields);
+    const std::string from = " FROM " + ddl::quoteName(translation_->table) + " WHERE _rowid_ ";
+    fetchSql_ = "SELECT " + fields + from + "= ?1";
+    rangeSql_ = "SELECT _rowid_, " + fields + from + "BETWEEN ?1 AND ?2 ORDER BY _rowid_";
   }
   const bool backwards = row + 1 == blockStart_;
   const std::size_t start = backwards ? row + 1 - std::min(row + 1, fetchRows_) : row;
   const std::size_t end = backwards ? row + 1 : std::min(rows_, row + fetchRows_);
 
   values_.clear();
+  values_.reserve((end - start) * width_);
   misfits_.clear();
   gone_.clear();
   blockStart_ = start;
   blockRows_ = 0;
   generation_ = database_->generation();
+  if (follows(start, end)) {
+    fetchTogether(start, end);
+  } else {
+    fetchEach(start, end);
+  }
+  blockRows_ = end - start;
+}
+
+/// Whether the rows stand in the table in this order, with few others between them.
+bool SqliteRecordset::follows(std::size_t start, std::size_t end) const {
+  if (end - start < 2) return false;
+  const auto first = rowids_.begin() + static_cast<std::ptrdiff_t>(start);
+  const auto last = rowids_.begin() + static_cast<std::ptrdiff_t>(end) - 1;
+  const auto span = static_cast<std::uint64_t>(*last) - static_cast<std::uint64_t>(*first);
+  return *first < *last && span < 2 * (end - start) &&
+         std::adjacent_find(first, last + 1, std::greater_equal<>()) == last + 1;
+}
+
+void SqliteRecordset::missing(std::size_t row, std::size_t end) const {
+  if (gone_.empty()) gone_.resize(end - blockStart_);
+  gone_[row - blockStart_] = true;
+  values_.resize(values_.size() + width_);
+}
+
+void SqliteRecordset::fetchTogether(std::size_t start, std::size_t end) const {
+  Statement& statement = database_->rowStatement(rangeSql_);
+  statement.bind(1, rowids_[start]);
+  statement.bind(2, rowids_[end - 1]);
+  std::size_t row = start;
+  int code = SQLITE_ROW;
+  while ((code = statement.step()) == SQLITE_ROW) {
+    const std::int64_t found = statement.integer(0);
+    for (; rowids_[row] < found; ++row) missing(row, end);
+    if (rowids_[row] > found) continue;  // it is none of this result's rows
+    take(statement, 1);
+    ++row;
+  }
+  if (code != SQLITE_DONE) database_->connection().fail(code);
+  statement.reset();
+  for (; row < end; ++row) missing(row, end);
+}
+
+void SqliteRecordset::fetchEach(std::size_t start, std::size_t end) const {
   Connection& connection = database_->connection();
   const ReadTogether together(connection);
   Statement& statement = database_->rowStatement(fetchSql_);
-  for (std::size_t i = start; i < end; ++i) {
-    statement.bind(1, rowids_[i]);
+  for (std::size_t row = start; row < end; ++row) {
+    statement.bind(1, rowids_[row]);
     const int code = statement.step();
     if (code == SQLITE_ROW) {
       take(statement, 0);
     } else if (code == SQLITE_DONE) {
-      if (gone_.empty()) gone_.resize(end - start);
-      gone_[i - start] = true;
-      values_.resize(values_.size() + columns().size());
+      missing(row, end);
     } else {
       connection.fail(code);
     }
     statement.reset();
   }
-  blockRows_ = end - start;
 }
 
 void SqliteRecordset::startEditing(Mode mode) {
   mode_ = mode;
   set_.clear();
-  edited_.resize(columns().size());
+  edited_.resize(width_);
 }
 
 void SqliteRecordset::edit() {
@@ -338,7 +427,7 @@ void SqliteRecordset::updateRow() {
   for (const std::size_t index : set_) {
     if (columns()[index].autoIncrement) rowids_[row] = edited_[index].toInt32();
     if (!buffered) continue;
-    const std::size_t place = (row - blockStart_) * columns().size() + index;
+    const std::size_t place = (row - blockStart_) * width_ + index;
     values_[place] = edited_[index];
     std::erase(misfits_, place);
   }
@@ -365,7 +454,7 @@ void SqliteRecordset::insertRow() {
 
   rowids_.push_back(database_->connection().lastRowid());
   if (!live_) {
-    for (std::size_t i = 0; i < columns().size(); ++i) {
+    for (std::size_t i = 0; i < width_; ++i) {
       if (columns()[i].autoIncrement) edited_[i] = static_cast<std::int32_t>(rowids_.back());
     }
     values_.insert(values_.end(), edited_.begin(), edited_.end());

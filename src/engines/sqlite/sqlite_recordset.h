@@ -25,9 +25,16 @@ class SqliteRecordset final : public Recordset {
   SqliteRecordset(std::shared_ptr<SqliteDatabase> database,
                   std::shared_ptr<const dialect::Translation> translation);
 
-  /// Reads the result of the statement, whose values are bound, and resets it. SQLITE_DONE, or the code of a
-  /// failure.
+  ~SqliteRecordset() override;
+  SqliteRecordset(const SqliteRecordset&) = delete;
+  SqliteRecordset& operator=(const SqliteRecordset&) = delete;
+
+  /// Reads the result of the statement, whose values are bound. SQLITE_DONE when the whole of it is read and
+  /// the statement is reset, or the code of a failure. SQLITE_ROW: there are more rows; the statement is to
+  /// stay at this one until readNumbers() has read their row numbers.
   int read(Statement& statement);
+  /// numbers: gives the row numbers alone of the same result; its values are bound.
+  void readNumbers(Statement& numbers);
 
   [[nodiscard]] bool eof() const override;
   [[nodiscard]] bool bof() const override;
@@ -40,7 +47,7 @@ class SqliteRecordset final : public Recordset {
   bool findFirst(std::string_view condition) override { return find(condition, 0); }
   bool findNext(std::string_view condition) override { return find(condition, position_ + 1); }
 
-  [[nodiscard]] std::size_t fieldCount() const override { return columns().size(); }
+  [[nodiscard]] std::size_t fieldCount() const override { return width_; }
   [[nodiscard]] const FieldDef& field(std::size_t index) const override;
   [[nodiscard]] std::size_t fieldIndex(std::string_view name) const override;
   [[nodiscard]] Value get(std::size_t index) const override;
@@ -58,7 +65,9 @@ class SqliteRecordset final : public Recordset {
 
   [[nodiscard]] const std::vector<FieldDef>& columns() const { return translation_->columns; }
   [[nodiscard]] bool editable() const { return !translation_->table.empty(); }
+  [[nodiscard]] bool numbered() const;
   [[nodiscard]] bool isDeleted(std::size_t row) const;
+  [[nodiscard]] bool isHere(std::size_t row) const;
   void moveTo(std::ptrdiff_t row, std::ptrdiff_t direction);
   bool find(std::string_view condition, std::ptrdiff_t from);
   void requireCurrent() const;
@@ -71,6 +80,11 @@ class SqliteRecordset final : public Recordset {
   void requireFit(const Value& value, std::size_t index) const;
   const Value* values(std::size_t row) const;
   void fetch(std::size_t row) const;
+  [[nodiscard]] bool follows(std::size_t start, std::size_t end) const;
+  void fetchTogether(std::size_t start, std::size_t end) const;
+  void fetchEach(std::size_t start, std::size_t end) const;
+  /// Notes that the next row of the block, which ends at `end`, is deleted.
+  void missing(std::size_t row, std::size_t end) const;
   void startEditing(Mode mode);
   void updateRow();
   void insertRow();
@@ -78,7 +92,8 @@ class SqliteRecordset final : public Recordset {
 
   std::shared_ptr<SqliteDatabase> database_;
   std::shared_ptr<const dialect::Translation> translation_;
-  bool live_;  ///< values can be fetched by row number
+  std::size_t width_;  ///< number of columns
+  bool live_;          ///< values can be fetched by row number
 
   std::size_t rows_ = 0;  ///< deleted rows count, too
   std::size_t deleted_ = 0;
@@ -96,7 +111,8 @@ class SqliteRecordset final : public Recordset {
   mutable std::size_t blockRows_ = 0;
   mutable std::size_t fetchRows_;
   mutable std::uint64_t generation_;
-  mutable std::string fetchSql_;
+  mutable std::string fetchSql_;  ///< one row
+  mutable std::string rangeSql_;  ///< rows that follow each other
 
   Mode mode_ = Mode::none;
   std::vector<Value> edited_;

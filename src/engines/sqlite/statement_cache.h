@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <list>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -17,6 +18,7 @@ namespace voxa {
 struct Prepared {
   std::shared_ptr<const dialect::Translation> translation;  ///< none for a statement of the engine's own
   Statement statement;
+  std::optional<Statement> numbers = {};  ///< only the row numbers of the same rows; once they were asked for
 };
 
 /// Prepared statements by their text. When it is full, the one that was unused for longest goes. A reference

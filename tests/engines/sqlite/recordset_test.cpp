@@ -180,6 +180,27 @@ TEST_F(Rows, ManyAreFetchedAsTheyAreVisited) {
   EXPECT_EQ(joined->get(0), Value(1000));
 }
 
+TEST_F(Rows, ThatFollowEachOtherAreFetchedTogether) {
+  addReaders(1000);
+  const auto rows = db->openRecordset("select * from Readers where Id <> 400");
+  EXPECT_EQ(inOtherProcess([](Database& other) {
+              other.execute("delete from Readers where Id in (256, 300, 301, 512, 1000)");
+              other.execute("update Readers set [Note] = 'new' where Id = 302");
+              other.execute("insert into Readers (Name) values ('behind the last one')");
+            }),
+            0);
+  std::string gone;
+  for (int id = 1; !rows->eof(); rows->moveNext(), ++id) {
+    if (id == 400) ++id;
+    if (errorOf([&] { ASSERT_EQ(rows->get("Id"), Value(id)); }) == err::dbRecordDeleted) {
+      gone += std::to_string(id) + " ";
+    } else {
+      ASSERT_EQ(rows->get("Note"), id == 302 ? Value("new") : Value());
+    }
+  }
+  EXPECT_EQ(gone, "300 301 512 1000 ") << "row 256 was read at once";
+}
+
 TEST_F(Rows, ChangesByStatementsAreSeenByOpenRows) {
   addReaders(300);
   const auto rows = db->openRecordset("select * from Readers order by Id");
