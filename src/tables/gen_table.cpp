@@ -82,14 +82,22 @@ void GenTable::appendField(const std::string& fldName, DataType dataType, int si
 std::int16_t GenTable::getFreeValue(const std::string& field, const std::string& condition) {
   std::int16_t free = -1;
   context_.attempt({"msgUnexpecErr", methodText("getFreeValue")}, [&] {
-    rows_ = database().openRecordset("select " + field + " from " + table_.Name() +
-                                     (condition.empty() ? "" : " WHERE " + condition) + " order by " + field +
-                                     " asc");
+    const std::string source = field + " from " + table_.Name() +
+                               (condition.empty() ? "" : " WHERE " + condition) + " order by " + field +
+                               " asc";
     std::int32_t last = 0;
-    for (; !rows_->eof(); rows_->moveNext()) {
-      const std::int32_t value = rows_->get(std::size_t{0}).toInt32();
-      if (value > last + 1) break;
-      last = value;
+    const auto walk = [&](const char* selecting) {
+      last = 0;
+      for (rows_ = database().openRecordset(selecting + source); !rows_->eof(); rows_->moveNext()) {
+        const std::int32_t value = rows_->get(std::size_t{0}).toInt32();
+        if (value > last + 1) break;
+        last = value;
+      }
+    };
+    try {
+      walk("select distinct ");  // such rows cannot be changed, so their values are read at once
+    } catch (const Error&) {
+      walk("select ");  // a failure in a row of the table names the table
     }
     free = Value(last + 1).toInt16();  // raises overflow: a full 16-bit column has no free value
   });
@@ -113,15 +121,19 @@ bool GenTable::openWhere(const std::string& condition) {
   return rows_->eof();
 }
 
-/// Changes rows up to the first one that fails, which has shown its error. One transaction, so the disk is
-/// waited for once.
-std::int16_t GenTable::changeRows(const std::string& source, const std::function<std::int16_t()>& changeRow) {
+std::int16_t GenTable::changeEach(const std::string& source, const std::function<std::int16_t()>& changeRow) {
+  rows_ = database().openRecordset(source);
+  std::int16_t failed = 0;
+  for (; failed == 0 && !rows_->eof(); rows_->moveNext()) failed = changeRow();
+  return failed;
+}
+
+/// Runs a change of rows, which shows the error of a row. One transaction, so the disk is waited for once.
+std::int16_t GenTable::changeRows(const std::function<std::int16_t()>& changeAll) {
   std::int16_t status = 0;
   const auto change = [&] {
     Transaction transaction(context_.engine(), database());
-    rows_ = database().openRecordset(source);
-    std::int16_t failed = 0;
-    for (; failed == 0 && !rows_->eof(); rows_->moveNext()) failed = changeRow();
+    const std::int16_t failed = changeAll();
     // The rows before the one that failed keep their change, unless a full disk undid it.
     if (failed == 0 || context_.engine().inTransaction()) transaction.commit();
     return failed;
@@ -134,8 +146,46 @@ std::int16_t GenTable::changeRows(const std::string& source, const std::function
 }
 
 std::int16_t GenTable::setTableFlagsD(bool value, const std::string& condition) {
-  return changeRows("select * from " + table_.Name() + (condition.empty() ? "" : " WHERE " + condition),
-                    [&] { return setFlagsD(value); });
+  const std::string source =
+      "select * from " + table_.Name() + (condition.empty() ? "" : " WHERE " + condition);
+  return changeRows([&] {
+    // A condition comes from a caller and may end in an ordering, which an UPDATE does not have.
+    const auto done = condition.empty() ? setFlagsAtOnce(value) : std::nullopt;
+    return done ? *done : changeEach(source, [&] { return setFlagsD(value); });
+  });
+}
+
+/// Sets the flags of all rows by one statement. None when the rows have to be changed one by one: a flag has
+/// another value than True and False, which only another program can have given it, or a row fails.
+std::optional<std::int16_t> GenTable::setFlagsAtOnce(bool value) {
+  const auto first = database().openRecordset("select top 1 * from " + table_.Name());
+  const std::string given = value ? " = True" : " = False";
+  const std::string former = value ? " = False" : " = True";
+  std::string plain;
+  std::string set;
+  std::string differs;
+  for (std::size_t i = 0; i < first->fieldCount(); ++i) {
+    const FieldDef& field = first->field(i);
+    if (!isFlagD(field.name)) continue;
+    if (field.type != DataType::Boolean) return std::nullopt;
+    const std::string flag = "[" + field.name + "]";
+    const bool more = !set.empty();
+    // SQLite would look for the value in a list if it were written as one of two that it may have.
+    plain += (more ? " and not (" : "not (") + flag + " <> False and " + flag + " <> True)";
+    set += (more ? ", " : "") + flag + given;
+    differs += (more ? " or " : "") + flag + former;
+  }
+  if (set.empty() || first->eof()) return std::int16_t{0};
+  const auto countRows = [&](const std::string& where) {
+    return database().openRecordset("select count(*) from " + table_.Name() + where)->get(std::size_t{0});
+  };
+  if (countRows("") != countRows(" where " + plain)) return std::nullopt;
+  const std::int16_t failed = context_.attempt(
+      [&] { database().execute("update " + table_.Name() + " set " + set + " where " + differs); });
+  if (failed == 0) return failed;
+  if (context_.engine().inTransaction()) return std::nullopt;
+  context_.report({"", table_.Name() + ".setFlagsD"});  // a full disk has undone the transaction
+  return failed;
 }
 
 std::int16_t GenTable::setFlagsD(bool value) {
@@ -165,7 +215,7 @@ std::int16_t GenTable::fillNulls() {
 }
 
 std::int16_t GenTable::fillTableNulls() {
-  return changeRows(table_.Name(), [&] { return fillNulls(); });
+  return changeRows([&] { return changeEach(table_.Name(), [&] { return fillNulls(); }); });
 }
 
 bool GenTable::getFlagDSetFound() {

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -37,9 +38,8 @@ class GenTable {
   /// The first free positive value of an integer column among the rows that satisfy `condition` ("" for all).
   /// -1 when there is none, and after a failure, which was shown.
   std::int16_t getFreeValue(const std::string& field, const std::string& condition);
-  /// Sets the FlagD columns of every row that satisfies `condition` ("" for all), one row after the other. A
-  /// row that fails shows its error and ends this: the rows before it have the new value, those behind it the
-  /// old one.
+  /// Sets the FlagD columns of every row that satisfies `condition` ("" for all). A row that fails shows its
+  /// error and ends this: the rows before it have the new value, those behind it the old one.
   std::int16_t setTableFlagsD(bool value, const std::string& condition);
   /// Sets the FlagD columns of the current row. A row that already has the value is not written.
   std::int16_t setFlagsD(bool value);
@@ -72,7 +72,9 @@ class GenTable {
   [[nodiscard]] Database& database() const;
   [[nodiscard]] Recordset& current() const;  // raises `err::objectNotSet` before the first query
   [[nodiscard]] std::string methodText(const char* member) const;
-  std::int16_t changeRows(const std::string& source, const std::function<std::int16_t()>& changeRow);
+  std::int16_t changeRows(const std::function<std::int16_t()>& changeAll);
+  std::int16_t changeEach(const std::string& source, const std::function<std::int16_t()>& changeRow);
+  std::optional<std::int16_t> setFlagsAtOnce(bool value);
   void writeFlags(bool value);
 
   TableContext& context_;

@@ -54,6 +54,11 @@ TEST_F(GenTableTest, FirstFreeValue) {
   const auto shown = boxes();
   ASSERT_EQ(shown.size(), 1U);
   EXPECT_TRUE(shown[0].ends_with("|((getFreeValue) Odd)")) << shown[0];
+  ids({1});
+  plain("KRV.mdb", "update Odd set Id = 'x'");
+  (void)table.gen().getFreeValue("Id", "");
+  EXPECT_EQ(boxes().size(), 1U);
+  EXPECT_NE(engine->errors().at(0).description.find("the column Id of the table Odd"), std::string::npos);
 
   engine->begin();
   ids({});

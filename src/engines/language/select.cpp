@@ -61,7 +61,7 @@ std::string Writer::Query::text(const std::vector<std::string>& columns,
   const auto own = [&](const std::vector<std::string>& texts) {
     return called.empty() ? texts : named(texts, [&](std::size_t i) { return called[i]; });
   };
-  const std::string selecting = distinct ? "SELECT DISTINCT " : "SELECT ";
+  const std::string selecting = distinct && !rowsDiffer ? "SELECT DISTINCT " : "SELECT ";
   std::vector<std::string> plain;
   for (const Key& key : keys) plain.push_back(key.sql);
   if (top.empty() || (!percent && (keys.empty() || keysDiffer))) {
@@ -352,6 +352,10 @@ Writer::Query Writer::member(const syntax::Select& select, Scope* outer) {
       if (shown[i] && scope.tables[i].query.empty()) groups.push_back(scope.tables[i].prefix + "_rowid_");
     }
   }
+  out.rowsDiffer = outer == nullptr && scope.tables.size() == 1 &&
+                   std::any_of(out.items.begin(), out.items.end(), [&](const Term& item) {
+                     return item.field != nullptr && isKey(*scope.tables[0].definition, *item.field);
+                   });
   if (!groups.empty()) out.rest += " GROUP BY " + joined(groups, ", ");
   out.rest += having;
   out.top = select.top;

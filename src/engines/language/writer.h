@@ -88,6 +88,7 @@ class Writer {
       bool descending = false;
     };
     std::vector<Key> keys;    ///< the ordering
+    bool rowsDiffer = false;  ///< no two rows are equal anyhow
     bool keysDiffer = false;  ///< no two rows are equal in it
     std::string top;          ///< how many rows, and all that are equal to the last of them; "" for all rows
     bool percent = false;     ///< they are hundredths
