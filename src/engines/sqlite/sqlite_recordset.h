@@ -19,7 +19,7 @@ class Statement;
 /// such a result the first rows are read at once, and of the others only the row numbers. Their values are
 /// fetched in blocks when they are visited, and again when this database has changed something since. Every
 /// other result is read whole at once. A result that shows expressions beside fields keeps the values of that
-/// moment.
+/// moment. How rows are read is in recordset_reading.cpp, everything else in sqlite_recordset.cpp.
 class SqliteRecordset final : public Recordset {
  public:
   SqliteRecordset(std::shared_ptr<SqliteDatabase> database,
@@ -65,6 +65,7 @@ class SqliteRecordset final : public Recordset {
 
   [[nodiscard]] const std::vector<FieldDef>& columns() const { return translation_->columns; }
   [[nodiscard]] bool editable() const { return !translation_->table.empty(); }
+  [[nodiscard]] static Error rowGone();
   [[nodiscard]] bool numbered() const;
   [[nodiscard]] bool isDeleted(std::size_t row) const;
   [[nodiscard]] bool isHere(std::size_t row) const;
@@ -109,7 +110,7 @@ class SqliteRecordset final : public Recordset {
       gone_;  ///< rows of the block that somebody has deleted; empty when there are none
   mutable std::size_t blockStart_ = 0;
   mutable std::size_t blockRows_ = 0;
-  mutable std::size_t fetchRows_;
+  mutable std::size_t fetchRows_ = 256;  ///< so many are fetched next when nothing changed meanwhile
   mutable std::uint64_t generation_;
   mutable std::string fetchSql_;  ///< one row
   mutable std::string rangeSql_;  ///< rows that follow each other
