@@ -299,8 +299,7 @@ void SqliteDatabase::bind(Statement& statement, const dialect::Translation& tran
     const auto [input, declared] = inputOf(i);
     const Value* value = input;
     // What no declaration tells is what it stands beside.
-    const bool told =
-        declared != nullptr && (isDeclared(translation, *declared) || !slots[i].convertTo);
+    const bool told = declared != nullptr && (isDeclared(translation, *declared) || !slots[i].convertTo);
     if (told) value = &convert(*value, *declared);
     if (slots[i].convertTo) value = &convert(*value, *slots[i].convertTo);
     statement.bind(static_cast<int>(i) + 1, *value);
@@ -365,7 +364,8 @@ int SqliteDatabase::withPrepared(std::string_view source, bool rows, const Param
     const dialect::Translation& translation = *statement.translation;
     requireKind(translation, rows);
     const auto bindTo = [&](Statement& bound) {
-      bind(bound, translation, [&](std::size_t i) { return inputOf(translation, i, scanned_.literals, parameters); });
+      bind(bound, translation,
+           [&](std::size_t i) { return inputOf(translation, i, scanned_.literals, parameters); });
     };
     bindTo(statement.statement);
     const int code = run(statement, bindTo);
