@@ -214,9 +214,12 @@ class Work {
       (void)com.refresh(place.station, into(result_.notices));
       (void)com.popErrorList();  // the silent ones are named one by one
     }
-    // One without readers, and one that the station's result leaves out, is asked by itself.
-    const bool answers = com.hasAnswered(place) || (com.TestSend(place.station, place.address) &&
-                                                    com.ResetRSOUT(place.station, place.address) == 0);
+    if (com.hasAnswered(place)) return true;
+    // One that the station's result leaves out is asked by itself; one without readers, which no test asks,
+    // whatever was found of it before.
+    if (!withReaders_) withReaders_ = com.controllerNames();
+    const bool open = !withReaders_->contains(place) || com.TestSend(place.station, place.address);
+    const bool answers = open && com.ResetRSOUT(place.station, place.address) == 0;
     if (!answers) why_[place] = "does not answer";
     return answers;
   }
@@ -268,6 +271,7 @@ class Work {
   std::vector<ControllerPlace> now_;
   std::map<std::int16_t, std::vector<ControllerPlace>> later_;
   std::set<std::int16_t> tested_;
+  std::optional<std::map<ControllerPlace, std::string>> withReaders_;  // their names
   std::vector<ControllerPlace> sent_;
   std::map<ControllerPlace, Taken> taken_;
   std::map<ControllerPlace, std::string> why_;  // not all was sent
