@@ -201,14 +201,14 @@ Term Writer::placeholder(Slot slot, DataType type) {
 }
 
 Term Writer::name(const Expression& e, Scope& scope) {
-  const auto parameter = [&](const FieldDef& declared) {
+  const auto valueOf = [&](const FieldDef& declared) {
     return placeholder({.literal = {}, .constant = {}, .parameter = declared.name, .convertTo = {}},
                        declared.type);
   };
   if (e.qualifier.empty()) {
     const auto found = std::find_if(parameters_.begin(), parameters_.end(),
                                     [&](const FieldDef& p) { return equalNoCase(p.name, e.name); });
-    if (found != parameters_.end()) return parameter(*found);
+    if (found != parameters_.end()) return valueOf(*found);
   }
   if (auto found = column(e.qualifier, e.name, scope)) return *std::move(found);
   if (e.qualifier.empty() && !e.bracketed) {
@@ -221,7 +221,7 @@ Term Writer::name(const Expression& e, Scope& scope) {
     undeclared.name = e.name;
     undeclared.type = DataType::Memo;
     parameters_.push_back(undeclared);
-    return parameter(undeclared);
+    return valueOf(undeclared);
   }
   const std::string full =
       e.qualifier.empty() ? std::string(e.name) : std::string(e.qualifier) + "." + std::string(e.name);
