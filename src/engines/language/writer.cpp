@@ -33,6 +33,12 @@ Term logical(std::string sql, char chain) {
   return {.sql = std::move(sql), .type = DataType::Boolean, .chain = chain, .condition = true};
 }
 
+std::string joined(const std::vector<std::string>& parts, const char* separator) {
+  std::string out;
+  for (const std::string& part : parts) out += (out.empty() ? "" : separator) + part;
+  return out;
+}
+
 std::string quotedName(std::string_view name) {
   std::string out(1, '"');
   for (const char c : name) {

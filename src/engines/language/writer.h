@@ -117,7 +117,9 @@ class Writer {
   [[nodiscard]] static std::string operand(const Term& term);
   [[nodiscard]] std::string number(Term term);
   [[nodiscard]] std::string date(Term term);
-  [[nodiscard]] static std::string text(const Term& term);   ///< True is -1, False 0
+  [[nodiscard]] static std::string text(const Term& term);  ///< True is -1, False 0
+  /// As ORDER BY and GROUP BY need it: a text without regard to case.
+  [[nodiscard]] static std::string sortable(const Term& term);
   [[nodiscard]] static std::string words(const Term& term);  ///< the same with True and False as words
 
   [[noreturn]] void fail(std::size_t position, const std::string& what) const;
@@ -160,7 +162,7 @@ class Writer {
   Term cases(const syntax::Expression& e, Scope& scope);
   Term format(const syntax::Expression& e, Scope& scope);
 
-  // Parts of a SELECT (select.cpp)
+  // Parts of a SELECT (select.cpp, what it reads from in sources.cpp)
   using Conditions = std::vector<const syntax::Expression*>;
   Query member(const syntax::Select& select, Scope* outer);
   Query compound(const syntax::Select& select, Scope* outer);
@@ -192,6 +194,8 @@ class Writer {
 inline constexpr char comparison = 'c';
 /// The term of a condition.
 [[nodiscard]] Term logical(std::string sql, char chain = comparison);
+/// Texts in a row.
+[[nodiscard]] std::string joined(const std::vector<std::string>& parts, const char* separator);
 /// The type of a value that may be `a` or `b`; none when only text can hold both.
 [[nodiscard]] std::optional<DataType> commonType(const Term& a, const Term& b);
 [[nodiscard]] std::string collated(const std::string& operand);

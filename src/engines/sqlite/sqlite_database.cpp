@@ -374,26 +374,6 @@ int SqliteDatabase::withPrepared(std::string_view source, bool rows, const Param
   }
 }
 
-template <typename BindTo>
-int SqliteDatabase::makeTable(const dialect::Translation& translation, BindTo&& bindTo) {
-  TableDef table{translation.table, {}, {}};
-  std::string names;
-  for (const FieldDef& column : translation.columns) {
-    table.fields.push_back(
-        {.name = column.name, .type = column.type, .size = column.size, .allowZeroLength = true});
-    names += (names.empty() ? "" : ", ") + ddl::quoteName(column.name);
-  }
-  Step step(file().connection);
-  createTable(table);
-  const std::string sql = "INSERT INTO " + ddl::quoteName(table.name) + " (" + names + ") " + translation.sql;
-  Statement insert = file().connection.prepare(sql);
-  bindTo(insert);
-  const int code = insert.step();
-  if (code != SQLITE_DONE) failChange(code, table.name);
-  step.release();
-  return code;
-}
-
 int SqliteDatabase::execute(std::string_view sql) {
   return session_->guarded([&] {
     beginChange();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -138,8 +139,7 @@ class SqliteDatabase final : public Database, public std::enable_shared_from_thi
   void bind(Statement& statement, const dialect::Translation& translation, InputOf&& inputOf);
   void schemaChanged();
   /// Makes a table of the rows of a query; its values are bound to what `bindTo` gets. An SQLite code.
-  template <typename BindTo>
-  int makeTable(const dialect::Translation& translation, BindTo&& bindTo);
+  int makeTable(const dialect::Translation& translation, const std::function<void(Statement&)>& bindTo);
   /// Ends a step that changed definitions, which the catalog has taken over.
   void finish(Step& step);
   const TableDef& definition(std::string_view table) const;

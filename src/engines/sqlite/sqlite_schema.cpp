@@ -123,6 +123,26 @@ void SqliteDatabase::createTable(const TableDef& definition) {
   });
 }
 
+int SqliteDatabase::makeTable(const dialect::Translation& translation,
+                              const std::function<void(Statement&)>& bindTo) {
+  TableDef table{translation.table, {}, {}};
+  std::string names;
+  for (const FieldDef& column : translation.columns) {
+    table.fields.push_back(
+        {.name = column.name, .type = column.type, .size = column.size, .allowZeroLength = true});
+    names += (names.empty() ? "" : ", ") + ddl::quoteName(column.name);
+  }
+  Step step(file().connection);
+  createTable(table);
+  const std::string sql = "INSERT INTO " + ddl::quoteName(table.name) + " (" + names + ") " + translation.sql;
+  Statement insert = file().connection.prepare(sql);
+  bindTo(insert);
+  const int code = insert.step();
+  if (code != SQLITE_DONE) failChange(code, table.name);
+  step.release();
+  return code;
+}
+
 void SqliteDatabase::addField(std::string_view table, const FieldDef& definition) {
   session_->guarded([&] {
     OpenFile& open = file();
