@@ -113,6 +113,23 @@ std::string numbersSql(const dialect::Translation& translation) {
          sql.substr(translation.columnsEnd);
 }
 
+/// What a new text needs to be known of the file is read under one lock.
+class OneLook {
+ public:
+  explicit OneLook(Connection& connection) : connection_(connection), own_(!connection.inTransaction()) {
+    if (own_) connection_.beginReading();
+  }
+  ~OneLook() {
+    if (own_) connection_.endReading();
+  }
+  OneLook(const OneLook&) = delete;
+  OneLook& operator=(const OneLook&) = delete;
+
+ private:
+  Connection& connection_;
+  bool own_;
+};
+
 /// The prepared statement of a scanned source; null when its literals need another translation.
 Prepared* findPrepared(StatementCache& translated, const dialect::Scanned& scanned) {
   Prepared* found = translated.find(scanned.key);
@@ -261,6 +278,7 @@ Prepared& SqliteDatabase::translateScanned(std::string_view sql) {
 
 Prepared& SqliteDatabase::prepared(std::string_view source) {
   OpenFile& open = file();
+  std::optional<OneLook> look;
   std::optional<Error> unscannable;
   try {
     dialect::scan(source, scanned_, &session_->clock);
@@ -270,6 +288,7 @@ Prepared& SqliteDatabase::prepared(std::string_view source) {
   }
   auto name = open.names.find(std::string(source));
   if (name == open.names.end()) {
+    look.emplace(open.connection);
     std::optional<std::string> text = textOfName(source);
     if (!text) {
       if (unscannable) throw *unscannable;
@@ -283,6 +302,7 @@ Prepared& SqliteDatabase::prepared(std::string_view source) {
   }
   dialect::scan(name->second, scanned_, &session_->clock);
   if (Prepared* found = findPrepared(open.translated, scanned_)) return *found;
+  if (!look) look.emplace(open.connection);
   return translateScanned(name->second);
 }
 
