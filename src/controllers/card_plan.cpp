@@ -31,6 +31,12 @@ bool mayOpen(const CardState& held) {
   return std::any_of(std::begin(doors), std::end(doors), [&](CardField door) { return mayOpen(held, door); });
 }
 
+/// Whether a controller may have another value of a card than the rows say.
+bool differs(const CardState& held, CardField field, const std::string& ofRow) {
+  const std::string value = ledgerValue(field, ofRow);
+  return !held.part(field).is(value) && !(isNone(field, value) && held.part(field).is(""));
+}
+
 /// The weekly programs that a card may have at a controller; none when it may be any.
 std::optional<std::set<std::int16_t>> programsOf(const CardState& held) {
   const Possible& program = held.part(CardField::weekly);
@@ -82,8 +88,7 @@ class Comparison {
       : at_(at), card_(card), granted_(granted), held_(held), image_(Image::on(card, granted)) {
     for (std::size_t i = 0; i < cardFieldCount; ++i) {
       const auto field = static_cast<CardField>(i);
-      const std::string value = ledgerValue(field, image_.value(field));
-      differs_[i] = !held.part(field).is(value) && !(isNone(field, value) && held.part(field).is(""));
+      differs_[i] = differs(held, field, image_.value(field));
     }
     for (const std::int16_t output : granted.lifts) {
       if (!held.lift(output).is("1")) missingLifts_.push_back(output);
@@ -283,8 +288,9 @@ std::optional<PlanItem> faultyCard(const CardsAt& at, const ImageCard& card, con
   if (granted != nullptr) rights = Image::on(card, *granted);
   const auto isTaken = [&](CardField door) {
     if (card.barred || !rights) return card.barred;
-    const std::string program = ledgerValue(CardField::weekly, rights->value(CardField::weekly));
-    return rights->value(door) != "1" || !held.part(CardField::weekly).is(program);
+    const auto changed = [&](CardField field) { return differs(held, field, rights->value(field)); };
+    return rights->value(door) != "1" || changed(CardField::weekly) || changed(CardField::code) ||
+           changed(CardField::lastDay);
   };
   const bool taken = std::any_of(std::begin(doors), std::end(doors),
                                  [&](CardField door) { return mayOpen(held, door) && isTaken(door); });

@@ -32,7 +32,8 @@ struct CardsAt {
                                                    const CardState& held);
 /// What is to be done about a number whose row, or the group's rights, cannot be right there. What the
 /// controller has stays, but its doors are shut while times mix, when the row blocks the card, and when the
-/// group no longer grants them, or not under that program. granted: none when it cannot be told.
+/// group no longer grants them, or not under that program, and when the row has another code or last day.
+/// granted: none when it cannot be told.
 [[nodiscard]] std::optional<PlanItem> faultyCard(const CardsAt& at, const ImageCard& card,
                                                  const ImageRights* granted, const CardState& held);
 

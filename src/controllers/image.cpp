@@ -119,15 +119,17 @@ void Image::addCard(const Recordset& row) {
     return;
   }
   if (card.wanted) {
-    try {
-      for (const CardField field : ofRow) at(card.values, field) = cardValue(field, record, {}, today_);
-      if (ledgerValue(CardField::code, at(card.values, CardField::code)) == clearingCode)
-        card.fault = "its code is zero, which clears a card";
-      if (at(card.values, CardField::lastDay) == dayOfCentury)
-        card.fault = "its last day is 29 February 2000, which controllers take for none: choose another day";
-    } catch (const Error& error) {
-      card.fault = error.description();
+    for (const CardField field : ofRow) {
+      try {
+        at(card.values, field) = cardValue(field, record, {}, today_);
+      } catch (const Error& error) {
+        if (card.fault.empty()) card.fault = error.description();
+      }
     }
+    if (ledgerValue(CardField::code, at(card.values, CardField::code)) == clearingCode)
+      card.fault = "its code is zero, which clears a card";
+    if (at(card.values, CardField::lastDay) == dayOfCentury)
+      card.fault = "its last day is 29 February 2000, which controllers take for none: choose another day";
   }
   cards_.push_back(std::move(card));
 }

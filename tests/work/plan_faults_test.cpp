@@ -209,6 +209,11 @@ TEST_F(PlanFaultsTest, ACardWhoseRowCannotBeRightOpensOnlyWhatItsGroupStillGrant
   EXPECT_EQ(carried("PINCode = 12001"), "");
   db().execute(grant("WeeklyProgNum = 1"));
   EXPECT_NE(carried("PINCode = 1").find("1600071"), std::string::npos) << sent();
+  // Another code is another badge: the one before may be lost.
+  EXPECT_EQ(carried("PINCode = 12000, CardCode = '4711'"), "1<1600070||> 2<1600070||> ") << sent();
+  EXPECT_NE(carried("PINCode = 1, CardCode = '477'").find("1600071"), std::string::npos) << sent();
+  EXPECT_EQ(carried("PINCode = 12000, ValidationDate = #12/31/2027#"), "1<1600070||> 2<1600070||> ");
+  EXPECT_NE(carried("PINCode = 1").find("1600071"), std::string::npos) << sent();
   db().execute("delete from AccGroupReaders where ReaderId = 1");
   EXPECT_NE(carried("PINCode = 12000").find("0900070"), std::string::npos) << sent();
 }
