@@ -294,7 +294,8 @@ std::optional<PlanItem> faultyCard(const CardsAt& at, const ImageCard& card, con
   };
   const bool taken = std::any_of(std::begin(doors), std::end(doors),
                                  [&](CardField door) { return mayOpen(held, door) && isTaken(door); });
-  if (!taken && timesChange(at, held) != TimesPlan::Change::mixed) return std::nullopt;
+  const bool mixed = timesChange(at, held) == TimesPlan::Change::mixed;
+  if (!taken && !mixed) return std::nullopt;
   // A door of a card that may not be there is not certainly shut by its line.
   const PlanReason reason = card.barred ? PlanReason::blocked
                             : taken     ? PlanReason::changed
@@ -306,7 +307,6 @@ std::optional<PlanItem> faultyCard(const CardsAt& at, const ImageCard& card, con
   item.reason = reason;
   const auto programs = programsOf(held);
   if (programs && programs->size() == 1) item.program = *programs->begin();
-  const bool mixed = timesChange(at, held) == TimesPlan::Change::mixed;
   for (const CardField door : doors) {
     if (!mayOpen(held, door) || !(mixed || isTaken(door))) continue;
     item.of(PlanPhase::shut).push_back(cardLine(door, card.number, "0", at.controllerType));

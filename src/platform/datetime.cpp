@@ -197,6 +197,10 @@ DateTime toDateTime(const CivilTime& parts) {
   return fromValid(parts);
 }
 
+int dayNumber(const CivilTime& parts) {
+  return static_cast<int>(toDateTime({.year = parts.year, .month = parts.month, .day = parts.day}).days);
+}
+
 CivilTime toCivil(DateTime moment) {
   // NaN fails this test too.
   if (!(moment.days > firstDay - 1 && moment.days < lastDay + 1)) {
@@ -291,14 +295,14 @@ int fullYear(int twoDigits, int month, int day, DateTime today) {
 
 int nearestYear(int twoDigits, int month, int day, DateTime today) {
   const CivilTime parts = toCivil(today);
-  const double now = toDateTime({.year = parts.year, .month = parts.month, .day = parts.day}).days;
+  const int now = dayNumber(parts);
   const int ofThisCentury = parts.year / 100 * 100 + twoDigits;
   int nearest = ofThisCentury;
   double distance = std::numeric_limits<double>::infinity();
   for (const int year : {ofThisCentury - 100, ofThisCentury, ofThisCentury + 100}) {
     const CivilTime date{.year = year, .month = month, .day = day};
     if (!isValid(date)) continue;
-    const double away = std::fabs(toDateTime(date).days - now);
+    const double away = std::abs(dayNumber(date) - now);
     if (away >= distance) continue;
     nearest = year;
     distance = away;

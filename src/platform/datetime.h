@@ -26,6 +26,8 @@ struct CivilTime {
 /// Parts to moment; `err::typeMismatch` when they are not valid. Equal parts always give the same bits, so
 /// two moments of the same minute compare equal.
 [[nodiscard]] DateTime toDateTime(const CivilTime& parts);
+/// The number of the day that the parts name, without their time. Day 0 is 30 December 1899.
+[[nodiscard]] int dayNumber(const CivilTime& parts);
 /// Moment to parts, to the nearest second.
 [[nodiscard]] CivilTime toCivil(DateTime moment);
 

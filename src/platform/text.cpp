@@ -141,6 +141,28 @@ constexpr std::array<char32_t, 128> makeAsciiPlaces() {
 }
 constexpr std::array<char32_t, 128> asciiPlaces = makeAsciiPlaces();
 
+/// Compares two texts that are the same up to `begin`. place: where a lower-case character sorts; letters
+/// with and without accents have one. The first difference in accents counts only when all places are the
+/// same.
+template <typename Place>
+int compareBehind(std::string_view a, std::string_view b, std::size_t begin, Place place) {
+  int accents = 0;
+  std::size_t i = begin;
+  std::size_t j = begin;
+  while (i < a.size() && j < b.size()) {
+    const char32_t ca = lower(decode(a, i));
+    const char32_t cb = lower(decode(b, j));
+    if (ca == cb) continue;
+    const char32_t pa = place(ca);
+    const char32_t pb = place(cb);
+    if (pa != pb) return pa < pb ? -1 : 1;
+    if (accents == 0) accents = ca < cb ? -1 : 1;
+  }
+  if (i < a.size()) return 1;
+  if (j < b.size()) return -1;
+  return accents;
+}
+
 template <typename Map>
 std::string mapped(std::string_view text, Map map) {
   std::string out;
@@ -204,23 +226,6 @@ std::string fromCp1252(std::string_view bytes) {
   return out;
 }
 
-int compareAsBefore(std::string_view a, std::string_view b) {
-  std::size_t i = 0;
-  std::size_t j = 0;
-  int accents = 0;
-  while (i < a.size() && j < b.size()) {
-    const char32_t ca = lower(decode(a, i));
-    const char32_t cb = lower(decode(b, j));
-    const char32_t ba = base(ca);
-    const char32_t bb = base(cb);
-    if (ba != bb) return ba < bb ? -1 : 1;
-    if (accents == 0 && ca != cb) accents = ca < cb ? -1 : 1;
-  }
-  if (i < a.size()) return 1;
-  if (j < b.size()) return -1;
-  return accents;
-}
-
 int compareNoCase(std::string_view a, std::string_view b) {
   const std::size_t common = std::min(a.size(), b.size());
   std::size_t i = 0;
@@ -233,21 +238,11 @@ int compareNoCase(std::string_view a, std::string_view b) {
     const char32_t pb = asciiPlaces[cb];
     if (pa != pb) return pa < pb ? -1 : 1;
   }
-  // Letters decide first. The first difference in accents counts only when all letters are the same.
-  int accents = 0;
-  std::size_t j = i;
-  while (i < a.size() && j < b.size()) {
-    const char32_t ca = lower(decode(a, i));
-    const char32_t cb = lower(decode(b, j));
-    if (ca == cb) continue;
-    const char32_t pa = placeOf(ca);
-    const char32_t pb = placeOf(cb);
-    if (pa != pb) return pa < pb ? -1 : 1;
-    if (accents == 0) accents = ca < cb ? -1 : 1;
-  }
-  if (i < a.size()) return 1;
-  if (j < b.size()) return -1;
-  return accents;
+  return compareBehind(a, b, i, placeOf);
+}
+
+int compareAsBefore(std::string_view a, std::string_view b) {
+  return compareBehind(a, b, 0, base);
 }
 
 bool equalNoCase(std::string_view a, std::string_view b) {
@@ -275,6 +270,12 @@ std::string trimmed(const std::string& text) {
 
 std::string toUpper(std::string_view text) {
   return mapped(text, upper);
+}
+
+std::size_t behindCharacter(std::string_view utf8, std::size_t at) {
+  ++at;
+  while (at < utf8.size() && (byteAt(utf8, at) & 0xC0U) == 0x80U) ++at;
+  return at;
 }
 
 std::size_t lengthInCharacters(std::string_view utf8) {

@@ -33,6 +33,8 @@ namespace voxa {
 [[nodiscard]] std::string_view takeUntil(std::string_view& text, char separator);
 /// Number of characters (code points) of a UTF-8 text.
 [[nodiscard]] std::size_t lengthInCharacters(std::string_view utf8);
+/// Position behind the character at `at`. Bytes that are no UTF-8 belong to the character before them.
+[[nodiscard]] std::size_t behindCharacter(std::string_view utf8, std::size_t at);
 /// Whether the bytes are well-formed UTF-8.
 [[nodiscard]] bool isUtf8(std::string_view text);
 

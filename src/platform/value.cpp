@@ -21,12 +21,13 @@ struct Overloaded : Fs... {
 template <typename... Fs>
 Overloaded(Fs...) -> Overloaded<Fs...>;
 
+constexpr int certain = 15;  // digits
+
 /// The text in quotes, short enough for a message.
 std::string quoted(std::string_view text) {
   constexpr std::size_t shown = 60;
   if (lengthInCharacters(text) <= shown) return '"' + std::string(text) + '"';
-  std::size_t end = shown;
-  while (end < text.size() && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U) ++end;
+  const std::size_t end = behindCharacter(text, shown - 1);
   return '"' + std::string(text.substr(0, end)) + "...\"";
 }
 
@@ -45,12 +46,8 @@ std::string quoted(std::string_view text) {
 /// With the 15 digits that a double holds for certain: 0.1 * 3 is 0.3. With an exponent when more than 15
 /// places are needed on either side of the point.
 std::string doubleText(double v) {
-  constexpr int certain = 15;
   if (v == 0) return "0";
-  char buffer[64];
-  char* const end =
-      std::to_chars(buffer, buffer + sizeof buffer, v, std::chars_format::scientific, certain - 1).ptr;
-  std::string digits(buffer, end);
+  std::string digits = certainDigits(v);
   const auto e = digits.find('e');
   if (e == std::string::npos) return digits;  // not finite
   const int exponent = std::atoi(digits.c_str() + e + 1);
@@ -61,6 +58,7 @@ std::string doubleText(double v) {
   const int fraction = point == std::string::npos ? 0 : static_cast<int>(digits.size() - point) - 1;
   const int places = std::max(fraction - exponent, 0);
   if (exponent < certain && places <= certain) {
+    char buffer[64];
     return {buffer, std::to_chars(buffer, buffer + sizeof buffer, v, std::chars_format::fixed, places).ptr};
   }
   const std::string power = zeroPadded(std::abs(exponent), 2);
@@ -189,6 +187,13 @@ DateTime Value::toDateTime(const Clock* clock) const {
   }
   if (const auto* moment = std::get_if<DateTime>(&data_)) return *moment;
   return checkedDate(numberOf(*this));
+}
+
+std::string certainDigits(double number) {
+  char buffer[32];
+  return {
+      buffer,
+      std::to_chars(buffer, buffer + sizeof buffer, number, std::chars_format::scientific, certain - 1).ptr};
 }
 
 std::string Value::toText() const {

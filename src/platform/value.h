@@ -73,6 +73,9 @@ class Value {
   Variant data_;
 };
 
+/// A number with the 15 digits that a double holds for certain: "1.23000000000000e+05".
+[[nodiscard]] std::string certainDigits(double number);
+
 /// The value as a field of that type stores it. Null stays Null, but becomes False in a boolean field. A text
 /// is read as a number, boolean or regional date when the field has such a type.
 /// size: greatest number of characters of a Text field (0: 255); ignored for other types.

@@ -41,13 +41,16 @@ struct Choice {
 constexpr std::array<Choice, 3> choices = {
     {{"Yes/No", "Yes", "No"}, {"True/False", "True", "False"}, {"On/Off", "On", "Off"}}};
 
+/// Whether one of these signs is among the characters.
+bool hasAny(const std::vector<PatternCharacter>& characters, std::string_view signs) {
+  return std::any_of(characters.begin(), characters.end(), [&](const PatternCharacter& c) {
+    return std::any_of(signs.begin(), signs.end(), [&](char sign) { return c.is(sign); });
+  });
+}
+
 Kind kindOf(std::string_view pattern) {
   const std::vector<PatternCharacter> characters = charactersOf(pattern);
-  const auto has = [&](std::string_view signs) {
-    return std::any_of(characters.begin(), characters.end(), [&](const PatternCharacter& c) {
-      return std::any_of(signs.begin(), signs.end(), [&](char sign) { return c.is(sign); });
-    });
-  };
+  const auto has = [&](std::string_view signs) { return hasAny(characters, signs); };
   if (has("0#")) return Kind::number;
   if (has("@")) return Kind::text;
   if (has("cdwmqyhnst") || equalNoCase(pattern, "AM/PM") || equalNoCase(pattern, "A/P")) return Kind::moment;
@@ -82,20 +85,18 @@ std::string formatText(std::string_view text, std::string_view pattern) {
   const std::vector<std::string_view> sections = sectionsOf(pattern);
   const bool second = text.empty() && sections.size() > 1;
   const std::vector<PatternCharacter> characters = charactersOf(sections[second ? 1 : 0]);
-  const auto has = [&](char sign) {
-    return std::any_of(characters.begin(), characters.end(), [&](const auto& c) { return c.is(sign); });
-  };
-  const std::string shown = has('<') ? toLower(text) : has('>') ? toUpper(text) : std::string(text);
-  std::vector<PatternCharacter> left = charactersOf({});
+  const std::string shown = hasAny(characters, "<")   ? toLower(text)
+                            : hasAny(characters, ">") ? toUpper(text)
+                                                      : std::string(text);
+  std::vector<PatternCharacter> left;
   for (std::size_t at = 0; at < shown.size();) {
-    std::size_t end = at + 1;
-    while (end < shown.size() && (static_cast<unsigned char>(shown[end]) & 0xC0U) == 0x80U) ++end;
+    const std::size_t end = behindCharacter(shown, at);
     left.push_back({std::string_view(shown).substr(at, end - at), true});
     at = end;
   }
   const auto isPlace = [](const PatternCharacter& c) { return c.is('@') || c.is('&'); };
   const auto places = static_cast<std::size_t>(std::count_if(characters.begin(), characters.end(), isPlace));
-  const bool fromLeft = has('!');
+  const bool fromLeft = hasAny(characters, "!");
   std::size_t empty = !fromLeft && places > left.size() ? places - left.size() : 0;
   std::size_t surplus = places < left.size() && !second ? left.size() - places : 0;
   std::size_t next = 0;
@@ -189,8 +190,7 @@ std::vector<PatternCharacter> charactersOf(std::string_view pattern) {
     }
     const bool escaped = !quoted && pattern[at] == '\\' && at + 1 < pattern.size();
     if (escaped) ++at;
-    std::size_t end = at + 1;
-    while (end < pattern.size() && (static_cast<unsigned char>(pattern[end]) & 0xC0U) == 0x80U) ++end;
+    const std::size_t end = behindCharacter(pattern, at);
     out.push_back({pattern.substr(at, end - at), quoted || escaped});
     at = end;
   }

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/datetime.h"
 #include "platform/value.h"
 
 namespace voxa {
@@ -35,6 +36,8 @@ struct Weeks {
 /// literals. m after an hour means minutes.
 [[nodiscard]] std::string formatMoment(DateTime moment, std::string_view pattern, const Weeks& weeks);
 
+/// Day of the year, 1 to 366.
+[[nodiscard]] int dayOfYear(const CivilTime& parts);
 /// Day of the week, 1 to 7, counted from weeks.firstDay.
 [[nodiscard]] int dayOfWeek(DateTime moment, const Weeks& weeks);
 /// Week of the year, 1 to 54.

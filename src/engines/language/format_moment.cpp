@@ -15,19 +15,15 @@ constexpr std::array<std::string_view, 7> days = {"Sunday",   "Monday", "Tuesday
 
 constexpr std::size_t shortName = 3;
 
-double dayOf(const CivilTime& parts) {
-  return toDateTime({.year = parts.year, .month = parts.month, .day = parts.day}).days;
-}
-
 /// 0 Sunday to 6 Saturday. Day 0 was a Saturday.
-int weekdayOf(double day) {
-  return ((static_cast<int>(day) + 6) % 7 + 7) % 7;
+int weekdayNumber(int day) {
+  return ((day + 6) % 7 + 7) % 7;
 }
 
 /// The day on which week 1 of a year begins; it may be one of the year before.
-double firstWeekOf(int year, const Weeks& weeks) {
-  const double newYear = toDateTime({.year = year, .month = 1, .day = 1}).days;
-  const int into = (weekdayOf(newYear) - (weeks.firstDay - 1) + 7) % 7;  // days of that week before it
+int firstWeekOf(int year, const Weeks& weeks) {
+  const int newYear = dayNumber({.year = year, .month = 1, .day = 1});
+  const int into = (weekdayNumber(newYear) - (weeks.firstDay - 1) + 7) % 7;  // days of that week before it
   const int most = weeks.firstWeek == 2 ? 3 : weeks.firstWeek == 3 ? 0 : 6;
   return into <= most ? newYear - into : newYear - into + 7;
 }
@@ -114,7 +110,7 @@ class MomentFormat {
 
   void general(std::size_t) { out_ += toShortText(moment_); }
   void day(std::size_t count) {
-    const std::string_view name = days.at(static_cast<std::size_t>(weekdayOf(dayOf(parts_))));
+    const std::string_view name = days.at(static_cast<std::size_t>(weekdayNumber(dayNumber(parts_))));
     if (count < 3) out_ += zeroPadded(parts_.day, static_cast<int>(count));
     if (count == 3) out_ += name.substr(0, shortName);
     if (count == 4) out_ += name;
@@ -138,8 +134,7 @@ class MomentFormat {
   }
   void quarter(std::size_t) { out_ += std::to_string((parts_.month + 2) / 3); }
   void year(std::size_t count) {
-    const double newYear = toDateTime({.year = parts_.year, .month = 1, .day = 1}).days;
-    if (count == 1) out_ += std::to_string(static_cast<int>(dayOf(parts_) - newYear) + 1);
+    if (count == 1) out_ += std::to_string(dayOfYear(parts_));
     if (count == 2) out_ += zeroPadded(parts_.year % 100, 2);
     if (count == 4) out_ += zeroPadded(parts_.year, 4);
   }
@@ -162,18 +157,22 @@ class MomentFormat {
 
 }  // namespace
 
+int dayOfYear(const CivilTime& parts) {
+  return dayNumber(parts) - dayNumber({.year = parts.year, .month = 1, .day = 1}) + 1;
+}
+
 int dayOfWeek(DateTime moment, const Weeks& weeks) {
-  return (weekdayOf(dayOf(toCivil(moment))) - (weeks.firstDay - 1) + 7) % 7 + 1;
+  return (weekdayNumber(dayNumber(toCivil(moment))) - (weeks.firstDay - 1) + 7) % 7 + 1;
 }
 
 int weekOfYear(DateTime moment, const Weeks& weeks) {
   const CivilTime parts = toCivil(moment);
-  const double day = dayOf(parts);
-  double first = firstWeekOf(parts.year, weeks);
+  const int day = dayNumber(parts);
+  int first = firstWeekOf(parts.year, weeks);
   if (day < first) first = firstWeekOf(parts.year - 1, weeks);
   // The last days of a year may belong to week 1 of the next.
   if (weeks.firstWeek != 1 && day >= firstWeekOf(parts.year + 1, weeks)) return 1;
-  return static_cast<int>(day - first) / 7 + 1;
+  return (day - first) / 7 + 1;
 }
 
 std::string formatMoment(DateTime moment, std::string_view pattern, const Weeks& weeks) {

@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <cstdlib>
 #include <utility>
@@ -16,18 +15,13 @@ namespace {
 /// digits that a double holds for certain, so that 1.005 rounds up.
 struct Decimal {
   explicit Decimal(double number) {
-    constexpr int certain = 15;
     if (number == 0) return;
-    char buffer[40];
-    const auto end = std::to_chars(std::begin(buffer), std::end(buffer), number,
-                                   std::chars_format::scientific, certain - 1)
-                         .ptr;
-    const std::string_view text(buffer, static_cast<std::size_t>(end - buffer));
+    const std::string text = certainDigits(number);
     const std::size_t e = text.find('e');
     for (const char c : text.substr(0, e)) {
       if (c != '.') digits += c;
     }
-    point = std::atoi(text.substr(e + 1).data() + (text[e + 1] == '+' ? 1 : 0)) + 1;
+    point = std::atoi(text.c_str() + e + 1) + 1;
     trim();
   }
 

@@ -135,14 +135,29 @@ std::optional<DataType> resultType(Result result, const std::optional<DataType>&
 
 }  // namespace
 
-std::optional<DataType> commonType(const Term& a, const Term& b) {
-  if (!a.type || !b.type) return a.type ? a.type : b.type;
-  if (*a.type == *b.type) return a.type;
-  if (isTextType(a.type) && isTextType(b.type)) return DataType::Memo;
-  if (isTextType(a.type) || isTextType(b.type) || a.type == DataType::Date || b.type == DataType::Date) {
+namespace {
+
+/// The type of a value that may be of `a` or `b`; none when only text can hold both.
+std::optional<DataType> commonType(const std::optional<DataType>& a, const std::optional<DataType>& b) {
+  if (!a || !b) return a ? a : b;
+  if (*a == *b) return a;
+  if (isTextType(a) && isTextType(b)) return DataType::Memo;
+  if (isTextType(a) || isTextType(b) || a == DataType::Date || b == DataType::Date) {
     return std::nullopt;
   }
-  return isWholeType(a.type) && isWholeType(b.type) ? DataType::Long : DataType::Double;
+  return isWholeType(a) && isWholeType(b) ? DataType::Long : DataType::Double;
+}
+
+}  // namespace
+
+Common commonOf(const std::vector<const Term*>& terms) {
+  Common common;
+  for (const Term* term : terms) {
+    const bool known = common.type || term->type;
+    common.type = commonType(common.type, term->type);
+    if (known && !common.type) return {DataType::Text, true};
+  }
+  return common;
 }
 
 Term Writer::call(const Expression& e, Scope& scope) {
@@ -243,13 +258,11 @@ Term Writer::choice(const Expression& e, Scope& scope) {
   } else {
     b = isTextType(a.type) ? Term{.sql = "''", .type = DataType::Text} : Term{.sql = "0", .type = a.type};
   }
-  const bool known = a.type.has_value() || b.type.has_value();
-  const std::optional<DataType> common = commonType(a, b);
-  const bool mixed = known && !common;
-  const std::string first = mixed ? text(a) : value(a);
-  const std::string second = mixed ? text(b) : value(b);
+  const Common common = commonOf({&a, &b});
+  const std::string first = common.mixed ? text(a) : value(a);
+  const std::string second = common.mixed ? text(b) : value(b);
   Term out;
-  out.type = mixed ? DataType::Text : common;
+  out.type = common.type;
   out.sql = iif ? "CASE WHEN " + test + " THEN " + first + " ELSE " + second + " END"
                 : "coalesce(" + first + ", " + second + ")";
   return out;
@@ -269,16 +282,12 @@ Term Writer::cases(const Expression& e, Scope& scope) {
     tests.push_back(switches ? condition(*e.arguments[i], scope) : std::to_string(i));
     values.push_back(write(*e.arguments[switches ? i + 1 : i], scope));
   }
-  Term common = values[0];
-  bool mixed = false;
-  for (const Term& value : values) {
-    const bool known = common.type.has_value() || value.type.has_value();
-    common.type = commonType(common, value);
-    mixed = mixed || (known && !common.type);
-  }
+  std::vector<const Term*> all;
+  for (const Term& value : values) all.push_back(&value);
+  const Common common = commonOf(all);
   for (std::size_t i = 0; i < values.size(); ++i)
-    sql += " WHEN " + tests[i] + " THEN " + (mixed ? text(values[i]) : value(values[i]));
-  return {.sql = sql + " END", .type = mixed ? DataType::Text : common.type};
+    sql += " WHEN " + tests[i] + " THEN " + (common.mixed ? text(values[i]) : value(values[i]));
+  return {.sql = sql + " END", .type = common.type};
 }
 
 Term Writer::format(const Expression& e, Scope& scope) {

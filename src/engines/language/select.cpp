@@ -119,25 +119,20 @@ Writer::Query Writer::compound(const syntax::Select& select, Scope* outer) {
   out.grouped = true;
   out.names = members[0].names;
   out.sources.resize(out.names.size());
-  std::vector<bool> mixed(out.names.size());
+  std::vector<Common> common;
   for (std::size_t i = 0; i < out.names.size(); ++i) {
-    Term common = members[0].items[i];
-    for (const Query& each : members) {
-      const bool known = common.type.has_value() || each.items[i].type.has_value();
-      common.type = commonType(common, each.items[i]);
-      mixed[i] = mixed[i] || (known && !common.type);
-      if (mixed[i]) break;
-    }
-    out.items.push_back(
-        {.sql = "u.c" + std::to_string(i), .type = mixed[i] ? std::optional(DataType::Text) : common.type});
+    std::vector<const Term*> all;
+    for (const Query& each : members) all.push_back(&each.items[i]);
+    common.push_back(commonOf(all));
+    out.items.push_back({.sql = "u.c" + std::to_string(i), .type = common[i].type});
   }
   std::string texts;
   for (std::size_t m = 0; m < members.size(); ++m) {
     std::vector<std::string> columns;
     std::vector<std::string> called;
-    for (std::size_t i = 0; i < mixed.size(); ++i) {
+    for (std::size_t i = 0; i < common.size(); ++i) {
       const Term& item = members[m].items[i];
-      columns.push_back(mixed[i] ? collated("(" + text(item) + ")") : sortable(item));
+      columns.push_back(common[i].mixed ? collated("(" + text(item) + ")") : sortable(item));
       called.push_back("c" + std::to_string(i));
     }
     const std::string text = members[m].text(columns, called);
@@ -149,8 +144,7 @@ Writer::Query Writer::compound(const syntax::Select& select, Scope* outer) {
     std::size_t column = out.names.size();
     const std::string_view name = item.expression->name;
     if (item.expression->kind == syntax::Expression::Kind::shapingNumber) {
-      (void)std::from_chars(name.data(), name.data() + name.size(), column);
-      --column;
+      column = columnOf(*item.expression, out.names.size());
     } else if (item.expression->kind == syntax::Expression::Kind::name) {
       const auto named = std::find_if(out.names.begin(), out.names.end(),
                                       [&](const std::string& other) { return equalNoCase(other, name); });
@@ -267,22 +261,25 @@ void Writer::items(const syntax::Select& select, Query& out) {
   }
 }
 
+/// The index of the column that a number in an ordering names, of so many.
+std::size_t Writer::columnOf(const syntax::Expression& number, std::size_t columns) const {
+  std::size_t position = 0;
+  const char* const end = number.name.data() + number.name.size();
+  const bool read = std::from_chars(number.name.data(), end, position).ec == std::errc();
+  if (!read || position == 0 || position > columns)
+    fail(number.position, "the result has no column of that number");
+  return position - 1;
+}
+
 /// within: another query is around this one. Then the ordering cannot use columns of that query, not even by
 /// a number.
 void Writer::order(const syntax::Select& select, Query& out, bool within) {
   for (const syntax::OrderItem& item : select.orderBy) {
     Term term;
     if (item.expression->kind == syntax::Expression::Kind::shapingNumber) {
-      // A number is the position of a column in the result.
-      const std::string_view digits = item.expression->name;
-      std::size_t position = 0;
-      const bool read =
-          std::from_chars(digits.data(), digits.data() + digits.size(), position).ec == std::errc();
-      if (!read || position == 0 || position > out.items.size()) {
-        fail(item.expression->position, "the result has no column of that number");
-      }
-      const syntax::Expression* source = out.sources[position - 1];
-      term = source != nullptr && within ? write(*source, out.scope) : out.items[position - 1];
+      const std::size_t column = columnOf(*item.expression, out.items.size());
+      const syntax::Expression* source = out.sources[column];
+      term = source != nullptr && within ? write(*source, out.scope) : out.items[column];
       if (term.secret) throw secretColumn(*term.field);
     } else {
       term = write(*item.expression, out.scope);

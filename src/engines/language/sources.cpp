@@ -1,4 +1,3 @@
-#include <algorithm>
 #include <utility>
 
 #include "engines/language/parser.h"
@@ -10,7 +9,6 @@ namespace voxa::dialect {
 
 using syntax::Source;
 
-/// The term as ORDER BY and GROUP BY need it: a text without regard to case.
 std::string Writer::sortable(const Term& term) {
   return isTextType(term.type) && term.field == nullptr ? collated(operand(term)) : value(term);
 }
@@ -46,10 +44,8 @@ void Writer::storedQuery(const std::string& text, ScopeTable& table) {
   const syntax::Statement statement = Parser(kept).statement();
   if (statement.kind != syntax::Statement::Kind::select || !statement.select->into.empty())
     throw Error(err::dbInvalidOperation, "The query \"" + table.alias + "\" gives no rows");
-  for (const FieldDef& parameter : statement.parameters) {
-    const bool known = std::any_of(parameters_.begin(), parameters_.end(),
-                                   [&](const FieldDef& p) { return equalNoCase(p.name, parameter.name); });
-    if (!known) parameters_.push_back(parameter);
+  for (const FieldDef& declared : statement.parameters) {
+    if (parameter(declared.name) == nullptr) parameters_.push_back(declared);
   }
   const std::string_view outerText = std::exchange(sql_, kept);
   std::vector<Value> outerLiterals = std::exchange(literals_, std::move(scanned.literals));

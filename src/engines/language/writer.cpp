@@ -206,15 +206,19 @@ Term Writer::placeholder(Slot slot, DataType type) {
   return {.sql = "?" + std::to_string(index + 1), .type = type, .slot = index};
 }
 
+const FieldDef* Writer::parameter(std::string_view name) const {
+  const auto found = std::find_if(parameters_.begin(), parameters_.end(),
+                                  [&](const FieldDef& p) { return equalNoCase(p.name, name); });
+  return found == parameters_.end() ? nullptr : &*found;
+}
+
 Term Writer::name(const Expression& e, Scope& scope) {
   const auto valueOf = [&](const FieldDef& declared) {
     return placeholder({.literal = {}, .constant = {}, .parameter = declared.name, .convertTo = {}},
                        declared.type);
   };
   if (e.qualifier.empty()) {
-    const auto found = std::find_if(parameters_.begin(), parameters_.end(),
-                                    [&](const FieldDef& p) { return equalNoCase(p.name, e.name); });
-    if (found != parameters_.end()) return valueOf(*found);
+    if (const FieldDef* known = parameter(e.name)) return valueOf(*known);
   }
   if (auto found = column(e.qualifier, e.name, scope)) return *std::move(found);
   if (e.qualifier.empty() && !e.bracketed) {

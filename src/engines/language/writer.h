@@ -135,6 +135,8 @@ class Writer {
   [[nodiscard]] Group groupOf(const Term& term, std::size_t firstSlot) const;
   bool isGrouped(const Group& term, const Scope& scope);
   Term name(const syntax::Expression& e, Scope& scope);
+  /// The parameter of that name in any case, or nullptr.
+  [[nodiscard]] const FieldDef* parameter(std::string_view name) const;
   std::optional<Term> column(std::string_view qualifier, std::string_view name, Scope& scope) const;
   std::optional<Term> findColumn(std::string_view qualifier, std::string_view name, Scope& scope) const;
   Term any(const syntax::Expression& e, Scope& scope);
@@ -172,6 +174,7 @@ class Writer {
   std::string allOf(const Conditions& conditions, Scope& scope);
   void items(const syntax::Select& select, Query& out);
   void order(const syntax::Select& select, Query& out, bool within);
+  std::size_t columnOf(const syntax::Expression& number, std::size_t columns) const;
 
   std::string_view sql_;
   const Schema& schema_;
@@ -196,8 +199,12 @@ inline constexpr char comparison = 'c';
 [[nodiscard]] Term logical(std::string sql, char chain = comparison);
 /// Texts in a row.
 [[nodiscard]] std::string joined(const std::vector<std::string>& parts, const char* separator);
-/// The type of a value that may be `a` or `b`; none when only text can hold both.
-[[nodiscard]] std::optional<DataType> commonType(const Term& a, const Term& b);
+/// The type of a value that may be any of several terms. mixed: only text can hold them all.
+struct Common {
+  std::optional<DataType> type = {};
+  bool mixed = false;
+};
+[[nodiscard]] Common commonOf(const std::vector<const Term*>& terms);
 [[nodiscard]] std::string collated(const std::string& operand);
 /// Written text without the numbers of its placeholders. It is the same for expressions that differ only in
 /// these numbers.

@@ -121,6 +121,24 @@ class Connection {
   std::size_t prepared_ = 0;
 };
 
+/// Several statements that only read share one lock for the lifetime of this object, which is part of a
+/// reading or transaction that runs already.
+class ReadTogether {
+ public:
+  explicit ReadTogether(Connection& connection) : connection_(connection), own_(!connection.inTransaction()) {
+    if (own_) connection_.beginReading();
+  }
+  ~ReadTogether() {
+    if (own_) connection_.endReading();
+  }
+  ReadTogether(const ReadTogether&) = delete;
+  ReadTogether& operator=(const ReadTogether&) = delete;
+
+ private:
+  Connection& connection_;
+  bool own_;
+};
+
 /// Makes several statements one step: all of them count, or none when this object goes without release().
 /// Within a transaction it is a savepoint. Otherwise it is a transaction of its own, which holds the writer's
 /// lock from its start.

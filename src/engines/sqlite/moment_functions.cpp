@@ -87,12 +87,13 @@ Interval intervalOf(std::string_view name) {
 DateTime momentOf(sqlite3_value* value) {
   return DateTime{sqlite3_value_double(value)};
 }
-std::int64_t dayNumber(const CivilTime& parts) {
-  return static_cast<std::int64_t>(
-      toDateTime({.year = parts.year, .month = parts.month, .day = parts.day}).days);
+/// The whole part of a quotient, rounded down: times before day 0 count, too.
+std::int64_t dividedDown(std::int64_t number, std::int64_t by) {
+  return number >= 0 ? number / by : -((-number + by - 1) / by);
 }
+constexpr std::int64_t secondsOfDay = 86400;
 std::int64_t secondsOf(const CivilTime& parts) {
-  return dayNumber(parts) * 86400 + parts.hour * 3600 + parts.minute * 60 + parts.second;
+  return dayNumber(parts) * secondsOfDay + parts.hour * 3600 + parts.minute * 60 + parts.second;
 }
 
 /// The same day so many months on, or the last one of its month.
@@ -113,9 +114,9 @@ void dateAdd(sqlite3_context* context, sqlite3_value** arguments, int) {
   const CivilTime parts = toCivil(moment);
   const auto secondsOn = [&](std::int64_t seconds) {
     const std::int64_t at = secondsOf(parts) + seconds;
-    const std::int64_t day = at >= 0 ? at / 86400 : -((-at + 86399) / 86400);
+    const std::int64_t day = dividedDown(at, secondsOfDay);
     CivilTime there = toCivil(DateTime{static_cast<double>(day)});
-    const auto rest = static_cast<int>(at - day * 86400);
+    const auto rest = static_cast<int>(at - day * secondsOfDay);
     there.hour = rest / 3600;
     there.minute = rest / 60 % 60;
     there.second = rest % 60;
@@ -133,7 +134,7 @@ void dateAdd(sqlite3_context* context, sqlite3_value** arguments, int) {
       result = monthsOn(parts, number);
       break;
     case Interval::week:
-      result = secondsOn(7 * 86400 * number);
+      result = secondsOn(7 * secondsOfDay * number);
       break;
     case Interval::hour:
       result = secondsOn(3600 * number);
@@ -145,7 +146,7 @@ void dateAdd(sqlite3_context* context, sqlite3_value** arguments, int) {
       result = secondsOn(number);
       break;
     default:
-      result = secondsOn(86400 * number);
+      result = secondsOn(secondsOfDay * number);
   }
   sqlite3_result_double(context, result.days);
 }
@@ -157,11 +158,7 @@ void dateDiff(sqlite3_context* context, sqlite3_value** arguments, int) {
   const dialect::Weeks weeks = weeksOf(arguments[3], arguments[4]);
   const std::int64_t days = dayNumber(to) - dayNumber(from);
   const auto units = [&](std::int64_t seconds) {
-    const auto begun = [&](const CivilTime& parts) {
-      const std::int64_t at = secondsOf(parts);
-      return at >= 0 ? at / seconds : -((-at + seconds - 1) / seconds);
-    };
-    return begun(to) - begun(from);
+    return dividedDown(secondsOf(to), seconds) - dividedDown(secondsOf(from), seconds);
   };
   std::int64_t count = 0;
   switch (intervalOf(textOf(arguments[0]))) {
@@ -210,7 +207,7 @@ void datePart(sqlite3_context* context, sqlite3_value** arguments, int) {
       case Interval::month:
         return parts.month;
       case Interval::dayOfYear:
-        return static_cast<int>(dayNumber(parts) - dayNumber({.year = parts.year, .month = 1, .day = 1})) + 1;
+        return dialect::dayOfYear(parts);
       case Interval::weekday:
         return dayOfWeek(moment, weeks);
       case Interval::week:

@@ -17,23 +17,6 @@ constexpr std::size_t blockRows =
     256;  ///< so many are fetched together later; the file is locked once for all of them
 constexpr std::size_t walkRows = 1024;  ///< the same for a walk that goes on behind such rows
 
-/// Several statements that only read share one lock for the lifetime of this object.
-class ReadTogether {
- public:
-  explicit ReadTogether(Connection& connection) : connection_(connection), own_(!connection.inTransaction()) {
-    if (own_) connection_.beginReading();
-  }
-  ~ReadTogether() {
-    if (own_) connection_.endReading();
-  }
-  ReadTogether(const ReadTogether&) = delete;
-  ReadTogether& operator=(const ReadTogether&) = delete;
-
- private:
-  Connection& connection_;
-  bool own_;
-};
-
 }  // namespace
 
 int SqliteRecordset::read(Statement& statement) {

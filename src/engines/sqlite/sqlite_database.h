@@ -20,7 +20,8 @@
 namespace voxa {
 
 /// One open database file of the embedded engine. Definitions (tables, relations, stored queries), their
-/// version and copies of the file are in sqlite_schema.cpp, everything else is in sqlite_database.cpp.
+/// version and copies of the file are in sqlite_schema.cpp, the way from a text to a statement in
+/// statement_texts.cpp, everything else in sqlite_database.cpp.
 class SqliteDatabase final : public Database, public std::enable_shared_from_this<SqliteDatabase> {
  public:
   using Parameters = std::vector<std::pair<std::string, Value>>;

@@ -14,10 +14,7 @@ namespace voxa {
 
 std::size_t offsetOf(std::string_view text, std::int64_t characters) {
   std::size_t at = 0;
-  for (; characters > 0 && at < text.size(); --characters) {
-    ++at;
-    while (at < text.size() && (static_cast<unsigned char>(text[at]) & 0xC0U) == 0x80U) ++at;
-  }
+  for (; characters > 0 && at < text.size(); --characters) at = behindCharacter(text, at);
   return at;
 }
 
@@ -28,11 +25,6 @@ std::int64_t countOf(sqlite3_value* value, std::int64_t least) {
 }
 
 namespace {
-
-/// Position behind the character at `at`.
-std::size_t behind(std::string_view text, std::size_t at) {
-  return at + offsetOf(text.substr(at), 1);
-}
 
 void left(sqlite3_context* context, sqlite3_value** arguments, int) {
   const std::string_view text = textOf(arguments[0]);
@@ -60,7 +52,7 @@ void repeated(sqlite3_context* context, sqlite3_value** arguments, int) {
   if (text.empty() || times > most)
     throw Error(err::invalidArgument, "Invalid argument: a character is repeated 0 to 1,000,000 times");
   std::string out;
-  for (std::int64_t i = 0; i < times; ++i) out += text.substr(0, behind(text, 0));
+  for (std::int64_t i = 0; i < times; ++i) out += text.substr(0, behindCharacter(text, 0));
   returnText(context, out);
 }
 
@@ -98,7 +90,8 @@ void asc(sqlite3_context* context, sqlite3_value** arguments, int) {
   const std::string_view text = textOf(arguments[0]);
   if (text.empty())
     throw Error(err::invalidArgument, "Invalid argument: an empty text has no first character");
-  sqlite3_result_int(context, static_cast<unsigned char>(toCp1252(text.substr(0, behind(text, 0)))[0]));
+  sqlite3_result_int(context,
+                     static_cast<unsigned char>(toCp1252(text.substr(0, behindCharacter(text, 0)))[0]));
 }
 
 /// Whether the class at the start of the pattern, [a-z] or [!a-z], contains the character. Moves the pattern
@@ -112,12 +105,12 @@ bool inClass(std::string_view& pattern, std::string_view character) {
   if (negated) set.remove_prefix(1);
   bool found = false;
   for (std::size_t at = 0; at < set.size();) {
-    std::size_t next = behind(set, at);
+    std::size_t next = behindCharacter(set, at);
     const std::string_view first = set.substr(at, next - at);
     std::string_view last = first;
     if (next + 1 < set.size() && set[next] == '-') {
       at = next + 1;
-      next = behind(set, at);
+      next = behindCharacter(set, at);
       last = set.substr(at, next - at);
     }
     // UTF-8 bytes have the same order as their characters.
@@ -143,11 +136,11 @@ bool matches(std::string_view text, std::string_view pattern) {
     }
     if (text.empty() && pattern.empty()) return true;
     if (!text.empty() && !pattern.empty()) {
-      const std::string_view character = text.substr(0, behind(text, 0));
+      const std::string_view character = text.substr(0, behindCharacter(text, 0));
       if (pattern.front() == '[') {
         matched = inClass(pattern, character);
       } else {
-        const std::string_view wanted = pattern.substr(0, behind(pattern, 0));
+        const std::string_view wanted = pattern.substr(0, behindCharacter(pattern, 0));
         matched =
             wanted == "?" || (wanted == "#" ? character >= "0" && character <= "9" : wanted == character);
         pattern.remove_prefix(wanted.size());
@@ -156,7 +149,7 @@ bool matches(std::string_view text, std::string_view pattern) {
     }
     if (matched) continue;
     if (!retry || retry->first.empty()) return false;
-    retry->first.remove_prefix(behind(retry->first, 0));
+    retry->first.remove_prefix(behindCharacter(retry->first, 0));
     text = retry->first;
     pattern = retry->second;
   }

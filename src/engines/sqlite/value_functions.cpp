@@ -1,7 +1,6 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <iterator>
 #include <limits>
 
 #include "engines/sqlite/function_table.h"
@@ -106,10 +105,8 @@ void power(sqlite3_context* context, sqlite3_value** arguments, int) {
 
 /// The number as its first 15 digits tell it: what a double holds for certain.
 double certain(double v) {
-  char buffer[40];
-  const auto* end =
-      std::to_chars(std::begin(buffer), std::end(buffer), v, std::chars_format::scientific, 14).ptr;
-  (void)std::from_chars(std::begin(buffer), end, v);
+  const std::string digits = certainDigits(v);
+  (void)std::from_chars(digits.data(), digits.data() + digits.size(), v);
   return v;
 }
 
