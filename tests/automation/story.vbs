@@ -60,8 +60,10 @@ Equal "number of the deleted card", qdb.Cardholders.getCardNumInUse(2), False
 Dim controllers: Set controllers = CreateObject("KORVA.Controllers")
 Equal "everything is held", controllers.download, 0
 Equal "nothing is planned", controllers.plan, 0
-IsTrue "card 1 opens", controllers.mayOpen("1", "Front door")
-IsTrue "card 1 is among those who open", InStr(controllers.whoOpens("Front door"), "(card 1) opens Front door: ") > 0
+Dim officeHours: officeHours = Date + TimeSerial(9, 0, 0)
+IsTrue "card 1 opens", controllers.mayOpen("1", "Front door", officeHours)
+IsTrue "not at night", Not controllers.mayOpen("1", "Front door", Date + TimeSerial(3, 0, 0))
+IsTrue "card 1 is among those who open", InStr(controllers.whoOpens("Front door", officeHours), "(card 1) opens Front door: ") > 0
 db.Execute "update Cardholders set AccessGroupId = 0, AccessGroupIdFlagD = true where CardNum = 1"
 Equal "one thing is planned", controllers.plan(station), 1
 Equal "the plan", controllers.itemThing(0) & " " & controllers.itemAction(0) & " " & controllers.itemReason(0), _
@@ -69,7 +71,7 @@ Equal "the plan", controllers.itemThing(0) & " " & controllers.itemAction(0) & "
 Equal "behind the plan", controllers.itemThing(1) & controllers.itemThing(-1), ""
 Equal "the card leaves", controllers.downloadCard(1), 0
 Equal "flag of the group", db.OpenRecordset("select * from Cardholders where CardNum = 1")("AccessGroupIdFlagD"), False
-IsTrue "card 1 is shut out", Not controllers.mayOpen("1", "Front door", Now)
+IsTrue "card 1 is shut out", Not controllers.mayOpen("1", "Front door", officeHours)
 Equal "no such station", controllers.download("Nowhere"), 5
 Equal "another controller", controllers.replaced(station, 1), 0
 IsTrue "everything is planned for it", controllers.plan > 2
