@@ -25,9 +25,8 @@ void printJson(const WholePlan& whole) {
       {"Station", "Controller", "Name", "InUse", "Kind", "Number", "Action", "Reason", "CreditAnew"});
   const auto add = [&](const PlannedController& controller, const Value& kind, std::int32_t number,
                        const char* action, const std::string& reason, bool anew) {
-    const ControllerPlace& place = controller.plan.place;
-    table.add({place.station, place.address, controller.name, controller.inUse, kind, number, action, reason,
-               anew});
+    table.add({controller.station, controller.plan.place.address, controller.name, controller.inUse, kind,
+               number, action, reason, anew});
   };
   for (const PlannedController& controller : whole.controllers) {
     for (const PlanItem& item : controller.plan.items)

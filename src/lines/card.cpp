@@ -52,7 +52,7 @@ std::string cardValue(CardField field, const CardRecord& card, const CardRights&
     case CardField::door2:
       return card.validated && rights.secondDoor ? "1" : "0";
     case CardField::pin:
-      return numberField(card.pinCode, 0, 4, "personal code");
+      return numberField(card.pinCode, 0, 4, "personal code", FieldKind::secret);
     case CardField::supervisor:
       return card.supervisor ? "1" : "0";
     case CardField::lastDay:

@@ -328,7 +328,9 @@ WholePlan planAll(Installation& installation, const PlanScope& scope) {
     whole.creditsOnTheirWay = ledger.creditsSent();
     for (const ControllerPlace& place : planner.places(ledger)) {
       const StationLine line = lines[place.station];
-      whole.controllers.push_back({planner.plan(ledger, place), {}, line.inUse, line.dialUp});
+      std::string station = ledger.controllers().nameOf(place.station);
+      whole.controllers.push_back(
+          {planner.plan(ledger, place), {}, std::move(station), line.inUse, line.dialUp});
     }
   }));
   const auto names = installation.Com().controllerNames();

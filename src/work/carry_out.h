@@ -65,7 +65,8 @@ struct CarriedOutPlan {
 /// What each controller in the scope misses, without sending anything. Refuses as carryOut does.
 struct PlannedController {
   ControllerPlan plan;
-  std::string name;
+  std::string name;     ///< of the controller, for a person
+  std::string station;  ///< name of its station; "" when that has no row any more
   bool inUse = false;   ///< its line
   bool dialUp = false;  ///< its line has a telephone number
 };

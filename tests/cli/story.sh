@@ -505,7 +505,7 @@ status 3 controller check
 grep -q "probably replaced" err || fail "a replaced controller is not noticed"
 succeeds controller replaced --station Annex --address 9
 succeeds plan --json
-grep -q '"Reason": "new controller"' out || fail "nothing is planned for a replaced controller"
+grep -q '"Station": "Annex".*"Reason": "new controller"' <(tr -d '\n' <out) || fail "nothing is planned for a replaced controller"
 succeeds controller list
 status 1 station connect Annex
 grep -q "no telephone number" err || fail "a line without a telephone number is called"

@@ -77,7 +77,15 @@ TEST(CardLines, WhatNoLineCanHoldIsRaised) {
   EXPECT_EQ(raised([](CardRecord&) {}, {0}), err::overflow);
   EXPECT_EQ(raised([](CardRecord& card) { card.number = 0; }, {}), err::overflow);
   EXPECT_EQ(raised([](CardRecord& card) { card.number = 10'000; }, {}), err::overflow);
-  EXPECT_EQ(raised([](CardRecord& card) { card.pinCode = 10'000; }, {}), err::overflow);
+  CardRecord wrongPin = wholeCard();
+  wrongPin.pinCode = 10'000;
+  try {
+    (void)cardLines(wrongPin, {1, true, true}, {1}, "QSX3", today);
+    FAIL() << "a personal code of five digits is sent";
+  } catch (const Error& error) {
+    EXPECT_EQ(error.number(), err::overflow);
+    EXPECT_EQ(error.description(), "Overflow: the personal code is not one of 0 to 9999");
+  }
   EXPECT_EQ(raised([](CardRecord& card) { card.credit = -1; }, {}), err::overflow);
   EXPECT_EQ(raised([](CardRecord& card) { card.credit = 100; }, {}), err::overflow);
   EXPECT_EQ(raised(
