@@ -158,14 +158,19 @@ class Comparison {
     return card_.marks[creditPart] && !at_.full ? PlanReason::creditMarked : PlanReason::requested;
   }
 
-  /// Without times being sent, a card that was open under its program opens under it again.
+  /// Whether it will open for another code, under another program or until another day.
+  [[nodiscard]] bool opensOtherwise() const {
+    return differs_[index(CardField::code)] || differs_[index(CardField::weekly)] ||
+           differs_[index(CardField::lastDay)];
+  }
+
+  /// Without times being sent, a card that was open as the rows have it, but for those times, opens again.
   [[nodiscard]] std::int16_t programToWaitFor() const {
     const std::int16_t program = granted_.rights.weeklyProgram;
-    const bool same = !differs_[index(CardField::weekly)];
     const bool wasOpen = std::all_of(std::begin(doors), std::end(doors), [&](CardField door) {
       return image_.value(door) != "1" || held_.part(door).is("1");
     });
-    return !at_.timesSent && same && wasOpen ? std::int16_t{0} : program;
+    return !at_.timesSent && !opensOtherwise() && wasOpen ? std::int16_t{0} : program;
   }
 
   /// Whether the controller may know something of a card that it does not have: that is in force as soon as
@@ -196,6 +201,8 @@ class Comparison {
   /// Whether in between it could open as neither the old nor the new rows have it: when more changes than one
   /// line can. Doors that are shut and doors that are opened do not mix, since the ones come first.
   [[nodiscard]] bool mixes(bool sendsCredit) const {
+    // Nor under times that are not, or cannot be, those of the rows.
+    if (opensOtherwise() && !at_.times.needsOf(granted_.rights.weeklyProgram).empty()) return true;
     Fields others = differs_;
     for (const CardField door : doors) others.reset(index(door));
     if (sendsCredit) others.set(index(CardField::credit));

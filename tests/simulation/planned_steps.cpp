@@ -87,12 +87,14 @@ Step carryOutStep(World& world) {
   CarryOut how;
   how.dial = chance.once(2);
   std::string what = how.dial ? ", dialling" : "";
-  switch (chance.below(6)) {
+  switch (chance.below(8)) {
     case 0:
       how.scope.full = true;
       what += ", everything";
       break;
     case 1:
+    case 3:
+    case 4:  // one card while all else is behind mixes most
       how.scope.card = chance.from(1, World::greatestCard);
       what += ", card " + std::to_string(*how.scope.card);
       break;

@@ -218,16 +218,31 @@ TEST_F(PlanFaultsTest, ACardWhoseRowCannotBeRightOpensOnlyWhatItsGroupStillGrant
   EXPECT_NE(carried("PINCode = 12000").find("0900070"), std::string::npos) << sent();
 }
 
-TEST_F(PlanFaultsTest, ACardWithoutItsTimesIsNotShutForThem) {
+TEST_F(PlanFaultsTest, ACardWithoutItsTimesIsOnlyShutWhenItWouldOpenOtherwise) {
   db().execute("update WeeklyPrograms set DailyProgDay1 = 3 where ProgNum = 1");
   db().execute("update DailyPrograms set EndFirstInterval = '11:00' where Id = 2");
   CarryOut one;
   one.scope.card = 7;
   carry(one);
   EXPECT_EQ(sent(), "");
-  set("PINCode = 5, CardCode = '99'");
+  set("PINCode = 5, Credit = 3");
   carry(one);
   EXPECT_TRUE(sent().ends_with("2<1600071||> ")) << sent();
+  for (const char* change : {"CardCode = '99'", "ValidationDate = #12/31/2027#"}) {
+    set(change);
+    EXPECT_FALSE(carry(one).isComplete());
+    EXPECT_TRUE(sends("1600070") && !sends("1600071")) << change << sent();
+    EXPECT_TRUE(carry().isComplete());
+    db().execute("update DailyPrograms set EndFirstInterval = '10:00' where Id = 2");
+  }
+  EXPECT_TRUE(carry().isComplete());
+  // Nor under a program that it did not have, while a holiday is still to be erased.
+  db().execute("insert into Holidays (Id, Name, [Date], EachYear) values (1, 'H', #12/25/2027#, True)");
+  EXPECT_TRUE(carry().isComplete());
+  db().execute("delete from Holidays");
+  db().execute("update AccGroupReaders set WeeklyProgNum = 9");
+  carry(one);
+  EXPECT_TRUE(sends("1600070") && !sends("1600071")) << sent();
   one.scope.card = 10'001;
   EXPECT_THROW(carry(one), Error);
 }
