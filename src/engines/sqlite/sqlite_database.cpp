@@ -297,16 +297,16 @@ int SqliteDatabase::withPrepared(std::string_view source, bool rows, const Param
   }
 }
 
-int SqliteDatabase::execute(std::string_view sql) {
+int SqliteDatabase::execute(std::string_view sql, const Parameters& parameters) {
   return session_->guarded([&] {
     beginChange();
     std::shared_ptr<const dialect::Translation> translation;
-    const int code = withPrepared(sql, false, {}, [&](Prepared& prepared, const auto& /*bindTo*/) {
+    const int code = withPrepared(sql, false, parameters, [&](Prepared& prepared, const auto& /*bindTo*/) {
       if (prepared.translation->kind == dialect::Translation::Kind::into) {
         const auto kept = prepared.translation;  // the cache goes with the schema
         const std::vector<Value> literals = scanned_.literals;
         return makeTable(*kept, [&](Statement& insert) {
-          bind(insert, *kept, [&](std::size_t i) { return inputOf(*kept, i, literals, {}); });
+          bind(insert, *kept, [&](std::size_t i) { return inputOf(*kept, i, literals, parameters); });
         });
       }
       const int result = prepared.statement.step();
@@ -324,11 +324,11 @@ int SqliteDatabase::execute(std::string_view sql) {
 }
 
 std::unique_ptr<Recordset> SqliteDatabase::openRecordset(std::string_view source,
-                                                         const Parameters& parameters) {
+                                                         const Parameters& parameters, RowOptions options) {
   return session_->guarded([&] {
     std::unique_ptr<SqliteRecordset> rows;
     const int code = withPrepared(source, true, parameters, [&](Prepared& prepared, const auto& bindTo) {
-      rows = std::make_unique<SqliteRecordset>(shared_from_this(), prepared.translation);
+      rows = std::make_unique<SqliteRecordset>(shared_from_this(), prepared.translation, source, options);
       const int read = rows->read(prepared.statement);
       if (read != SQLITE_ROW) return read;
       // The statement that stands at a row keeps the file as it is meanwhile.
@@ -344,6 +344,34 @@ std::unique_ptr<Recordset> SqliteDatabase::openRecordset(std::string_view source
     });
     if (code != SQLITE_DONE) file().connection.fail(code);
     return std::unique_ptr<Recordset>(std::move(rows));
+  });
+}
+
+QueryInfo SqliteDatabase::describe(std::string_view source) {
+  return session_->guarded([&] {
+    const dialect::Translation& translation = *prepared(source).translation;
+    using Kind = dialect::Translation::Kind;
+    QueryInfo info;
+    switch (translation.kind) {
+      case Kind::select:
+        break;
+      case Kind::insert:
+        info.kind = QueryInfo::Kind::append;
+        break;
+      case Kind::update:
+        info.kind = QueryInfo::Kind::update;
+        break;
+      case Kind::remove:
+        info.kind = QueryInfo::Kind::remove;
+        break;
+      case Kind::into:
+        info.kind = QueryInfo::Kind::makeTable;
+        break;
+    }
+    info.parameters = translation.parameters;
+    info.declared = translation.declared;
+    info.columns = translation.columns;
+    return info;
   });
 }
 

@@ -24,8 +24,6 @@ namespace voxa {
 /// statement_texts.cpp, everything else in sqlite_database.cpp.
 class SqliteDatabase final : public Database, public std::enable_shared_from_this<SqliteDatabase> {
  public:
-  using Parameters = std::vector<std::pair<std::string, Value>>;
-
   /// path: full and native, of a file that is known to be a database of this engine. connection: to it; in a
   /// transaction when the engine's has locked it.
   SqliteDatabase(std::shared_ptr<Session> session, std::string path, Connection connection);
@@ -37,13 +35,15 @@ class SqliteDatabase final : public Database, public std::enable_shared_from_thi
   void close() override;
   [[nodiscard]] bool isOpen() const override { return file_.has_value(); }
 
-  int execute(std::string_view sql) override;
+  int execute(std::string_view sql, const Parameters& parameters) override;
   [[nodiscard]] std::unique_ptr<Command> prepare(std::string_view sql) override;
   void beginReading() override;
   void endReading() override;
   void lockForChanges() override;
   [[nodiscard]] std::unique_ptr<Recordset> openRecordset(std::string_view source,
-                                                         const Parameters& parameters) override;
+                                                         const Parameters& parameters,
+                                                         RowOptions options) override;
+  [[nodiscard]] QueryInfo describe(std::string_view source) override;
 
   [[nodiscard]] std::size_t schemaVersion() const override;
   void setSchemaVersion(std::size_t version) override;

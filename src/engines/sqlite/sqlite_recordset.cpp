@@ -23,9 +23,12 @@ bool showsFieldsOnly(const dialect::Translation& translation) {
 }  // namespace
 
 SqliteRecordset::SqliteRecordset(std::shared_ptr<SqliteDatabase> database,
-                                 std::shared_ptr<const dialect::Translation> translation)
+                                 std::shared_ptr<const dialect::Translation> translation,
+                                 std::string_view source, RowOptions options)
     : database_(std::move(database)),
       translation_(std::move(translation)),
+      source_(source),
+      options_(options),
       width_(translation_->columns.size()),
       live_(showsFieldsOnly(*translation_)),
       generation_(database_->generation()) {
@@ -60,7 +63,7 @@ bool SqliteRecordset::bof() const {
 
 /// Makes `row` the current one, or else the next row in that direction that is not deleted.
 void SqliteRecordset::moveTo(std::ptrdiff_t row, std::ptrdiff_t direction) {
-  mode_ = Mode::none;
+  mode_ = EditMode::none;
   const auto end = static_cast<std::ptrdiff_t>(rows_);
   while (row >= 0 && row < end && isDeleted(static_cast<std::size_t>(row))) row += direction;
   position_ = recordCount() == 0 ? end : row;
@@ -89,22 +92,110 @@ void SqliteRecordset::movePrevious() {
 }
 
 /// Asks once for the numbers of all rows that satisfy the condition.
-bool SqliteRecordset::find(std::string_view condition, std::ptrdiff_t from) {
+bool SqliteRecordset::find(std::string_view condition, std::ptrdiff_t from, std::ptrdiff_t direction) {
   return database_->session().guarded([&] {
     if (!editable()) throw Error(err::dbNotSupported, "Rows of this query cannot be searched");
     const std::string sql =
         "select * from [" + translation_->table + "] where (" + std::string(condition) + ")";
-    const auto found = database_->openRecordset(sql, {});
+    const auto found = database_->openRecordset(sql, {}, {});
     std::vector<std::int64_t> numbers = dynamic_cast<const SqliteRecordset&>(*found).rowids_;
     std::sort(numbers.begin(), numbers.end());
-    for (std::ptrdiff_t row = from; row < static_cast<std::ptrdiff_t>(rows_); ++row) {
+    for (std::ptrdiff_t row = from; row >= 0 && row < static_cast<std::ptrdiff_t>(rows_); row += direction) {
       const auto at = static_cast<std::size_t>(row);
       if (isDeleted(at) || !std::binary_search(numbers.begin(), numbers.end(), rowids_[at])) continue;
-      moveTo(row, 1);
+      moveTo(row, direction);
       return true;
     }
     return false;
   });
+}
+
+bool SqliteRecordset::findLast(std::string_view condition) {
+  return find(condition, static_cast<std::ptrdiff_t>(rows_) - 1, -1);
+}
+
+RecordsetKind SqliteRecordset::kind() const {
+  if (options_.kind != RecordsetKind::automatic) return options_.kind;
+  return editable() ? RecordsetKind::dynaset : RecordsetKind::snapshot;
+}
+
+bool SqliteRecordset::updatable() const {
+  return editable() && !options_.readOnly && !database_->connection().readOnly();
+}
+
+void SqliteRecordset::move(std::ptrdiff_t rows) {
+  for (; rows > 0; --rows) {
+    moveNext();
+    if (eof()) return;
+  }
+  for (; rows < 0; ++rows) {
+    movePrevious();
+    if (bof()) return;
+  }
+}
+
+Bookmark SqliteRecordset::bookmark() const {
+  return database_->session().guarded([&] {
+    requireCurrent();
+    return static_cast<Bookmark>(position_);
+  });
+}
+
+void SqliteRecordset::goTo(Bookmark place) {
+  database_->session().guarded([&] {
+    if (place >= rows_) throw Error(err::dbNotABookmark, "This is not the bookmark of one of these rows");
+    if (isDeleted(place)) throw rowGone();
+    moveTo(static_cast<std::ptrdiff_t>(place), 1);
+  });
+}
+
+Bookmark SqliteRecordset::lastModified() const {
+  return database_->session().guarded([&] {
+    if (!lastModified_) throw Error(err::dbNoCurrentRecord, "No row has been changed yet");
+    return *lastModified_;
+  });
+}
+
+std::ptrdiff_t SqliteRecordset::absolutePosition() const {
+  if (eof() || bof()) return -1;
+  std::ptrdiff_t before = 0;
+  for (std::ptrdiff_t row = 0; row < position_; ++row)
+    before += isDeleted(static_cast<std::size_t>(row)) ? 0 : 1;
+  return before;
+}
+
+void SqliteRecordset::setAbsolutePosition(std::ptrdiff_t position) {
+  database_->session().guarded([&] {
+    if (position < 0 || static_cast<std::size_t>(position) >= recordCount())
+      throw Error(err::dbInvalidArgument, "There are not so many rows");
+    moveFirst();
+    move(position);
+  });
+}
+
+namespace {
+[[noreturn]] void notYet() {
+  throw Error(err::dbNotSupported, "Rows of this kind cannot do this");
+}
+}  // namespace
+
+const std::string& SqliteRecordset::index() const {
+  notYet();
+}
+void SqliteRecordset::setIndex(std::string_view) {
+  notYet();
+}
+bool SqliteRecordset::seek(SeekComparison, const std::vector<Value>&) {
+  notYet();
+}
+void SqliteRecordset::requery() {
+  notYet();
+}
+std::unique_ptr<Recordset> SqliteRecordset::clone() {
+  notYet();
+}
+std::unique_ptr<Recordset> SqliteRecordset::openFrom(std::string_view, std::string_view, RowOptions) {
+  notYet();
 }
 
 void SqliteRecordset::requireCurrent() const {
@@ -151,14 +242,14 @@ Value SqliteRecordset::initial(std::size_t index) const {
 
 Value SqliteRecordset::get(std::size_t index) const {
   const auto current = static_cast<std::size_t>(position_);
-  if (mode_ == Mode::none && index < width_ && isHere(current) && database_->isOpen())
+  if (mode_ == EditMode::none && index < width_ && isHere(current) && database_->isOpen())
     return values_[(current - blockStart_) * width_ + index];
   return database_->session().guarded([&] {
     if (!database_->isOpen()) (void)database_->connection();
     checkColumn(index);
-    if (mode_ == Mode::add) return edited_[index];
+    if (mode_ == EditMode::add) return edited_[index];
     requireCurrent();
-    if (mode_ == Mode::edit && std::find(set_.begin(), set_.end(), index) != set_.end()) {
+    if (mode_ == EditMode::edit && std::find(set_.begin(), set_.end(), index) != set_.end()) {
       return edited_[index];
     }
     const Value* value = values(static_cast<std::size_t>(position_)) + index;
@@ -182,7 +273,7 @@ void SqliteRecordset::requireFit(const Value& value, std::size_t index) const {
                   " holds a value of another type");
 }
 
-void SqliteRecordset::startEditing(Mode mode) {
+void SqliteRecordset::startEditing(EditMode mode) {
   mode_ = mode;
   set_.clear();
   edited_.resize(width_);
@@ -193,21 +284,21 @@ void SqliteRecordset::edit() {
     requireEditable();
     requireCurrent();
     database_->lockForChanges();
-    startEditing(Mode::edit);
+    startEditing(EditMode::edit);
   });
 }
 
 void SqliteRecordset::addNew() {
   database_->session().guarded([&] {
     requireEditable();
-    startEditing(Mode::add);
+    startEditing(EditMode::add);
     for (std::size_t i = 0; i < edited_.size(); ++i) edited_[i] = initial(i);
   });
 }
 
 void SqliteRecordset::set(std::size_t index, const Value& value) {
   database_->session().guarded([&] {
-    if (mode_ == Mode::none) throw Error(err::dbUpdateWithoutEdit, "A field was set without edit or add");
+    if (mode_ == EditMode::none) throw Error(err::dbUpdateWithoutEdit, "A field was set without edit or add");
     checkColumn(index);
     const FieldDef& field = columns()[index];
     if (translation_->sourceFields[index].empty()) {
@@ -225,13 +316,13 @@ void SqliteRecordset::set(std::size_t index, const Value& value) {
 
 void SqliteRecordset::update() {
   database_->session().guarded([&] {
-    if (mode_ == Mode::none) throw Error(err::dbUpdateWithoutEdit, "Update without edit or add");
-    if (mode_ == Mode::add) {
+    if (mode_ == EditMode::none) throw Error(err::dbUpdateWithoutEdit, "Update without edit or add");
+    if (mode_ == EditMode::add) {
       insertRow();
     } else if (!set_.empty()) {
       updateRow();
     }
-    mode_ = Mode::none;
+    mode_ = EditMode::none;
   });
 }
 
@@ -244,7 +335,7 @@ void SqliteRecordset::change(Statement& statement) {
 }
 
 void SqliteRecordset::updateRow() {
-  if (editMode_ != Mode::edit || editColumns_ != set_) {
+  if (builtFor_ != EditMode::edit || editColumns_ != set_) {
     editSql_ = "UPDATE " + ddl::quoteName(translation_->table) + " SET ";
     for (const std::size_t index : set_) {
       editSql_ +=
@@ -252,7 +343,7 @@ void SqliteRecordset::updateRow() {
     }
     editSql_ += " WHERE _rowid_ = ?";
     editColumns_ = set_;
-    editMode_ = Mode::edit;
+    builtFor_ = EditMode::edit;
   }
   const auto row = static_cast<std::size_t>(position_);
   Statement& statement = database_->rowStatement(editSql_);
@@ -261,6 +352,7 @@ void SqliteRecordset::updateRow() {
   statement.bind(++parameter, rowids_[row]);
   change(statement);
   if (database_->connection().changes() == 0) throw rowGone();
+  lastModified_ = static_cast<Bookmark>(row);
 
   const bool buffered = row >= blockStart_ && row - blockStart_ < blockRows_;
   for (const std::size_t index : set_) {
@@ -273,7 +365,7 @@ void SqliteRecordset::updateRow() {
 }
 
 void SqliteRecordset::insertRow() {
-  if (editMode_ != Mode::add || editColumns_ != set_) {
+  if (builtFor_ != EditMode::add || editColumns_ != set_) {
     std::vector<std::string> fields;
     std::string marks;
     for (const std::size_t index : set_) {
@@ -284,7 +376,7 @@ void SqliteRecordset::insertRow() {
         "INSERT INTO " + ddl::quoteName(translation_->table) +
         (set_.empty() ? " DEFAULT VALUES" : " (" + ddl::quoteNames(fields) + ") VALUES (" + marks + ")");
     editColumns_ = set_;
-    editMode_ = Mode::add;
+    builtFor_ = EditMode::add;
   }
   Statement& statement = database_->rowStatement(editSql_);
   int parameter = 0;
@@ -292,6 +384,7 @@ void SqliteRecordset::insertRow() {
   change(statement);
 
   rowids_.push_back(database_->connection().lastRowid());
+  lastModified_ = static_cast<Bookmark>(rows_);
   if (!live_) {
     for (std::size_t i = 0; i < width_; ++i) {
       if (columns()[i].autoIncrement) edited_[i] = static_cast<std::int32_t>(rowids_.back());
@@ -307,7 +400,7 @@ void SqliteRecordset::remove() {
   database_->session().guarded([&] {
     requireEditable();
     requireCurrent();
-    mode_ = Mode::none;
+    mode_ = EditMode::none;
     Statement& statement =
         database_->rowStatement("DELETE FROM " + ddl::quoteName(translation_->table) + " WHERE _rowid_ = ?1");
     statement.bind(1, rowids_[static_cast<std::size_t>(position_)]);

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -23,7 +24,8 @@ class Statement;
 class SqliteRecordset final : public Recordset {
  public:
   SqliteRecordset(std::shared_ptr<SqliteDatabase> database,
-                  std::shared_ptr<const dialect::Translation> translation);
+                  std::shared_ptr<const dialect::Translation> translation, std::string_view source,
+                  RowOptions options);
 
   ~SqliteRecordset() override;
   SqliteRecordset(const SqliteRecordset&) = delete;
@@ -44,8 +46,28 @@ class SqliteRecordset final : public Recordset {
   void movePrevious() override;
   [[nodiscard]] std::size_t recordCount() const override { return rows_ - deleted_; }
 
-  bool findFirst(std::string_view condition) override { return find(condition, 0); }
-  bool findNext(std::string_view condition) override { return find(condition, position_ + 1); }
+  [[nodiscard]] RecordsetKind kind() const override;
+  [[nodiscard]] const std::string& name() const override { return source_; }
+  [[nodiscard]] bool updatable() const override;
+  void move(std::ptrdiff_t rows) override;
+  [[nodiscard]] Bookmark bookmark() const override;
+  void goTo(Bookmark place) override;
+  [[nodiscard]] Bookmark lastModified() const override;
+  [[nodiscard]] std::ptrdiff_t absolutePosition() const override;
+  void setAbsolutePosition(std::ptrdiff_t position) override;
+
+  bool findFirst(std::string_view condition) override { return find(condition, 0, 1); }
+  bool findLast(std::string_view condition) override;
+  bool findNext(std::string_view condition) override { return find(condition, position_ + 1, 1); }
+  bool findPrevious(std::string_view condition) override { return find(condition, position_ - 1, -1); }
+
+  [[nodiscard]] const std::string& index() const override;
+  void setIndex(std::string_view name) override;
+  bool seek(SeekComparison comparison, const std::vector<Value>& keys) override;
+  void requery() override;
+  [[nodiscard]] std::unique_ptr<Recordset> clone() override;
+  [[nodiscard]] std::unique_ptr<Recordset> openFrom(std::string_view filter, std::string_view sort,
+                                                    RowOptions options) override;
 
   [[nodiscard]] std::size_t fieldCount() const override { return width_; }
   [[nodiscard]] const FieldDef& field(std::size_t index) const override;
@@ -56,13 +78,11 @@ class SqliteRecordset final : public Recordset {
   void addNew() override;
   void set(std::size_t index, const Value& value) override;
   void update() override;
-  void cancelUpdate() override { mode_ = Mode::none; }
-  [[nodiscard]] bool editing() const override { return mode_ != Mode::none; }
+  void cancelUpdate() override { mode_ = EditMode::none; }
+  [[nodiscard]] EditMode editMode() const override { return mode_; }
   void remove() override;
 
  private:
-  enum class Mode { none, edit, add };
-
   [[nodiscard]] const std::vector<FieldDef>& columns() const { return translation_->columns; }
   [[nodiscard]] bool editable() const { return !translation_->table.empty(); }
   [[nodiscard]] static Error rowGone();
@@ -70,7 +90,7 @@ class SqliteRecordset final : public Recordset {
   [[nodiscard]] bool isDeleted(std::size_t row) const;
   [[nodiscard]] bool isHere(std::size_t row) const;
   void moveTo(std::ptrdiff_t row, std::ptrdiff_t direction);
-  bool find(std::string_view condition, std::ptrdiff_t from);
+  bool find(std::string_view condition, std::ptrdiff_t from, std::ptrdiff_t direction);
   void requireCurrent() const;
   void requireEditable() const;
   void checkColumn(std::size_t index) const;
@@ -86,13 +106,16 @@ class SqliteRecordset final : public Recordset {
   void fetchEach(std::size_t start, std::size_t end) const;
   /// Notes that the next row of the block, which ends at `end`, is deleted.
   void missing(std::size_t row, std::size_t end) const;
-  void startEditing(Mode mode);
+  void startEditing(EditMode mode);
   void updateRow();
   void insertRow();
   void change(Statement& statement);
 
   std::shared_ptr<SqliteDatabase> database_;
   std::shared_ptr<const dialect::Translation> translation_;
+  std::string source_;
+  RowOptions options_;
+  std::optional<Bookmark> lastModified_;
   std::size_t width_;  ///< number of columns
   bool live_;          ///< values can be fetched by row number
 
@@ -115,12 +138,12 @@ class SqliteRecordset final : public Recordset {
   mutable std::string fetchSql_;  ///< one row
   mutable std::string rangeSql_;  ///< rows that follow each other
 
-  Mode mode_ = Mode::none;
+  EditMode mode_ = EditMode::none;
   std::vector<Value> edited_;
   std::vector<std::size_t> set_;  ///< columns that set() was called for
   std::string editSql_;           ///< statement of the last update, for the columns editColumns_
   std::vector<std::size_t> editColumns_;
-  Mode editMode_ = Mode::none;
+  EditMode builtFor_ = EditMode::none;
 };
 
 }  // namespace voxa

@@ -60,19 +60,19 @@ TEST_F(Rows, EditsAreStoredAndSeen) {
   EXPECT_EQ(failure([&] { rows->set("Id", 40000); }), err::overflow);
   EXPECT_EQ(failure([&] { rows->set("Since", "soon"); }), err::dbConversion);
   rows->update();
-  EXPECT_FALSE(rows->editing());
+  EXPECT_EQ(rows->editMode(), EditMode::none);
   EXPECT_EQ(rows->get("Active"), Value(false));
   EXPECT_EQ(countOf("Stations where Name = 'éLAN' and Since = #2/13/2001 4:05# and not Active"), 1);
 
   EXPECT_EQ(failure([&] { change(*rows, "Name", "South"); }), err::dbDuplicate);
-  EXPECT_TRUE(rows->editing());
+  EXPECT_EQ(rows->editMode(), EditMode::edit);
   rows->set("Name", "West");
   rows->update();
   for (const bool byMove : {false, true}) {
     rows->edit();
     rows->set("Name", "lost");
     byMove ? rows->moveFirst() : rows->cancelUpdate();
-    EXPECT_FALSE(rows->editing());
+    EXPECT_EQ(rows->editMode(), EditMode::none);
     EXPECT_EQ(rows->get("Name"), Value("West"));
   }
   EXPECT_EQ(valueOf("select Name from Stations where Id = 1"), Value("West"));
