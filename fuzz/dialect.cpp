@@ -127,10 +127,12 @@ class Statements : public DatabaseTest, private dialect::Schema {
     } catch (const Error& error) {
       checkRefusal(error);
     }
-    try {
-      (void)db->openRecordset("Stations")->findFirst(sql);
-    } catch (const Error& error) {
-      checkRefusal(error);
+    for (const RecordsetKind kind : {RecordsetKind::automatic, RecordsetKind::snapshot}) {
+      try {
+        (void)db->openRecordset("Stations", {}, {kind})->findFirst(sql);
+      } catch (const Error& error) {
+        checkRefusal(error);
+      }
     }
     engine->rollback();
   }

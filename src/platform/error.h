@@ -33,6 +33,8 @@ inline constexpr int invalidNull = 94;
 inline constexpr int entryPointNotFound = 453;
 
 inline constexpr int dbInvalidArgument = 3001;   ///< invalid argument given to the engine
+inline constexpr int dbNoSuchIndex = 3015;       ///< index that the table has not
+inline constexpr int dbNoCurrentIndex = 3019;    ///< seek without an index
 inline constexpr int dbNotUpdatable = 3027;      ///< database or object is read-only
 inline constexpr int dbNoCurrentRecord = 3021;   ///< moved past either end
 inline constexpr int dbDuplicate = 3022;         ///< duplicate value in a unique index
@@ -56,6 +58,7 @@ inline constexpr int dbNotAggregated = 3122;         ///< a field neither groupe
 inline constexpr int dbUnknownField = 3127;          ///< INSERT names a field that the table has not
 inline constexpr int dbTableExists = 3010;           ///< table already exists
 inline constexpr int dbWhichTable = 3128;            ///< DELETE does not say of which table
+inline constexpr int dbNotABookmark = 3159;          ///< bookmark of none of the rows
 inline constexpr int dbTextTooLong = 3163;           ///< text longer than its field
 inline constexpr int dbRecordDeleted = 3167;         ///< current record has been deleted
 inline constexpr int dbRelatedExists = 3200;         ///< related records exist: cannot delete or change

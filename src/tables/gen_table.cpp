@@ -196,10 +196,10 @@ void GenTable::writeFlags(bool value) {
   Recordset& row = current();
   for (std::size_t i = 0; i < row.fieldCount(); ++i) {
     if (!isFlagD(row.field(i).name) || isSet(row.get(i)) == value) continue;
-    if (!row.editing()) row.edit();
+    if (row.editMode() == EditMode::none) row.edit();
     row.set(i, value);
   }
-  if (row.editing()) row.update();
+  if (row.editMode() != EditMode::none) row.update();
 }
 
 std::int16_t GenTable::fillNulls() {

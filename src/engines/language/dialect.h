@@ -21,7 +21,8 @@ namespace voxa::dialect {
 /// translated once. scan() is cheap and is done for every call. translate() is needed when the scanned key is
 /// new, or when its known translation does not hold for these literals.
 ///
-/// scan() is in scan.cpp, translate() in translate.cpp, translateRule() in rule.cpp. lexer.h cuts a text into
+/// scan() is in scan.cpp, translate() in translate.cpp, translateRule() in rule.cpp, translateRowTest() in
+/// row_test.cpp. lexer.h cuts a text into
 /// tokens, parser.h makes a tree (syntax.h) of them, and writer.h writes SQLite's text from it.
 
 /// A statement whose literals were taken out.
@@ -82,10 +83,12 @@ struct Translation {
   /// into: a query whose rows make the new table `table`.
   enum class Kind { select, insert, update, remove, into };
   Kind kind = Kind::select;
-  std::string sql;  ///< one SQLite statement with placeholders ?1 ?2 ... in the order of `slots`
+  bool unites = false;  ///< select: of several queries that UNION links
+  std::string sql;      ///< one SQLite statement with placeholders ?1 ?2 ... in the order of `slots`
   std::vector<Slot> slots;
-  /// Declared parameters with their types, in order. Then the names that are neither fields nor declared: the
-  /// caller may give values for them, which are taken as what they stand beside.
+  /// Declared parameters with their types, in order, and those that the stored queries of FROM declare. Then
+  /// the names that are neither fields nor declared: the caller may give values for them, which are taken as
+  /// what they stand beside.
   std::vector<FieldDef> parameters;
   std::size_t declared = 0;  ///< how many are declared
   /// insert, update, remove: the table that is written. select: the one table whose rows can be edited
@@ -116,6 +119,20 @@ struct Translation {
 /// for an ambiguous column, 3085 for an unknown function, 3112 for a secret column, 3127 for an unknown field
 /// in INSERT.
 [[nodiscard]] Translation translate(std::string_view sql, const Schema& schema);
+
+/// A condition on the columns of one row, and the keys that give it its place among others.
+struct RowTest {
+  /// Its first slots are the values of the columns. It gives a row with the keys when the condition is true.
+  /// Parameters: the names that are no columns.
+  Translation translation;
+  std::vector<bool> descending;  ///< of each key
+};
+/// The text of such a test. Either part may be empty. table: a name for the row; "" for none.
+[[nodiscard]] std::string rowTestText(std::string_view condition, std::string_view ordering,
+                                      std::string_view table);
+/// text: of rowTestText. Errors as of translate().
+[[nodiscard]] RowTest translateRowTest(std::string_view text, const std::vector<FieldDef>& columns,
+                                       const Schema& schema);
 
 /// A validation rule (">=0 and <=32") as an SQLite condition on the quoted column; 3075 when it is no rule.
 /// The dates in it are read once, here. clock: see scan().

@@ -1,3 +1,5 @@
+#include <algorithm>
+#include <cstddef>
 #include <utility>
 
 #include "engines/language/parser.h"
@@ -44,9 +46,7 @@ void Writer::storedQuery(const std::string& text, ScopeTable& table) {
   const syntax::Statement statement = Parser(kept).statement();
   if (statement.kind != syntax::Statement::Kind::select || !statement.select->into.empty())
     throw Error(err::dbInvalidOperation, "The query \"" + table.alias + "\" gives no rows");
-  for (const FieldDef& declared : statement.parameters) {
-    if (parameter(declared.name) == nullptr) parameters_.push_back(declared);
-  }
+  for (const FieldDef& declared : statement.parameters) declare(declared);
   const std::string_view outerText = std::exchange(sql_, kept);
   std::vector<Value> outerLiterals = std::exchange(literals_, std::move(scanned.literals));
   ++stored_;
@@ -54,6 +54,18 @@ void Writer::storedQuery(const std::string& text, ScopeTable& table) {
   --stored_;
   sql_ = outerText;
   literals_ = std::move(outerLiterals);
+}
+
+/// A parameter that a stored query declares is one of the whole statement; the first declaration of a name
+/// counts.
+void Writer::declare(const FieldDef& parameter) {
+  const auto known = std::find_if(parameters_.begin(), parameters_.end(), [&](const FieldDef& other) {
+    return equalNoCase(other.name, parameter.name);
+  });
+  const auto undeclared = parameters_.begin() + static_cast<std::ptrdiff_t>(declared_);
+  if (known < undeclared) return;
+  if (known != parameters_.end()) parameters_.erase(known);
+  parameters_.insert(parameters_.begin() + static_cast<std::ptrdiff_t>(declared_++), parameter);
 }
 
 const TableDef& Writer::addTable(const Source& source, Scope& scope) {

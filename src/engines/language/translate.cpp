@@ -18,7 +18,6 @@ class Translator {
   Translator(std::string_view sql, const Schema& schema)
       : schema_(schema),
         statement_(Parser(sql).statement()),
-        declared_(statement_.parameters.size()),
         writer_(sql, schema, statement_.parameters, out_.slots) {}
 
   Translation run() {
@@ -37,7 +36,7 @@ class Translator {
         break;
     }
     out_.parameters = statement_.parameters;
-    out_.declared = declared_;
+    out_.declared = writer_.declared();
     out_.sameLiterals = writer_.sameLiterals();
     return std::move(out_);
   }
@@ -46,6 +45,7 @@ class Translator {
   void select() {
     const std::string_view into = statement_.select->into;
     out_.kind = into.empty() ? Translation::Kind::select : Translation::Kind::into;
+    out_.unites = !statement_.select->unions.empty();
     Writer::Query query = writer_.select(*statement_.select, nullptr);
     std::vector<std::string> columns = query.columns();
     bool masked = false;
@@ -242,7 +242,6 @@ class Translator {
   Translation out_;
   const Schema& schema_;
   syntax::Statement statement_;
-  std::size_t declared_;
   Writer writer_;
 };
 

@@ -235,6 +235,8 @@ Term Writer::name(const Expression& e, Scope& scope) {
   }
   const std::string full =
       e.qualifier.empty() ? std::string(e.name) : std::string(e.qualifier) + "." + std::string(e.name);
+  // Of two columns of one name a query in the place of a table gives "table.field".
+  if (auto found = column({}, full, scope)) return *std::move(found);
   throw Error(err::dbTooFewParameters,
               "Too few parameters: \"" + full + "\" is neither a field nor a parameter");
 }

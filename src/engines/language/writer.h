@@ -62,10 +62,11 @@ struct Scope {
 /// conversions and whole queries are in writer.cpp; the parts that are in other files are marked below.
 class Writer {
  public:
-  /// parameters: the declared ones. Names that are none are put behind them.
+  /// parameters: the declared ones. Those that stored queries declare are put behind them, and then names
+  /// that are none.
   Writer(std::string_view sql, const Schema& schema, std::vector<FieldDef>& parameters,
          std::vector<Slot>& slots)
-      : sql_(sql), schema_(schema), parameters_(parameters), slots_(slots) {}
+      : sql_(sql), schema_(schema), parameters_(parameters), declared_(parameters.size()), slots_(slots) {}
 
   [[nodiscard]] Term write(const syntax::Expression& e, Scope& scope);
   /// The expression as a condition that SQLite tests.
@@ -126,6 +127,8 @@ class Writer {
   /// Raises 3112 when one of the terms is secret: for where a star's columns are used, not shown.
   static void requireUsable(const std::vector<Term>& terms);
 
+  /// How many of the parameters are declared by now.
+  [[nodiscard]] std::size_t declared() const { return declared_; }
   /// Translation::sameLiterals for what was written.
   [[nodiscard]] const LiteralPairs& sameLiterals() const { return sameLiterals_; }
 
@@ -170,6 +173,7 @@ class Writer {
   Query compound(const syntax::Select& select, Scope* outer);
   const TableDef& derive(const Query& query, ScopeTable& table);
   void storedQuery(const std::string& text, ScopeTable& table);
+  void declare(const FieldDef& parameter);
   std::string from(const syntax::Source& source, Scope& scope, Conditions& filter);
   std::string allOf(const Conditions& conditions, Scope& scope);
   void items(const syntax::Select& select, Query& out);
@@ -179,6 +183,7 @@ class Writer {
   std::string_view sql_;
   const Schema& schema_;
   std::vector<FieldDef>& parameters_;
+  std::size_t declared_;
   std::vector<Slot>& slots_;
   std::vector<Value> literals_;  ///< only of a statement that groups, and of a stored query
   int stored_ = 0;               ///< stored queries within one another that are being written

@@ -25,7 +25,7 @@ class SqliteCommand final : public Command {
  private:
   std::shared_ptr<SqliteDatabase> database_;
   std::string sql_;
-  SqliteDatabase::Change change_;
+  SqliteDatabase::Owned change_;
 };
 
 /// The value for a slot, and, for a parameter, its declaration.
@@ -71,6 +71,13 @@ Input inputOf(const dialect::Translation& translation, std::size_t index, const 
   if (slot.constant) return {&*slot.constant, nullptr};
   const FieldDef& parameter = translation.parameters[declaredIndex(translation, slot.parameter)];
   return {&parameterValue(parameters, slot.parameter, isDeclared(translation, parameter)), &parameter};
+}
+
+/// The value of a slot that is no parameter; nullptr for one that is.
+const Value* ownedLiteral(const SqliteDatabase::Owned& owned, std::size_t index) {
+  const dialect::Slot& slot = owned.prepared.translation->slots[index];
+  if (slot.literal) return &owned.literals[*slot.literal];
+  return slot.constant ? &*slot.constant : nullptr;
 }
 
 /// Whether convertForField would return the same value.
@@ -229,14 +236,12 @@ void SqliteDatabase::bind(Statement& statement, const dialect::Translation& tran
   }
 }
 
-SqliteDatabase::Change SqliteDatabase::translateChange(std::string_view sql) {
+SqliteDatabase::Owned SqliteDatabase::translateChange(std::string_view sql) {
   Prepared made = translate(sql);
   dialect::scan(sql, scanned_, &session_->clock);
-  Change change{std::move(made), scanned_.literals, {}};
+  Owned change{std::move(made), scanned_.literals, {}};
   const dialect::Translation& translation = *change.prepared.translation;
   requireKind(translation, false);
-  if (translation.parameters.size() > translation.declared)
-    failUndeclared(translation.parameters[translation.declared].name);
   for (const dialect::Slot& slot : translation.slots) {
     change.parameters.push_back(slot.literal || slot.constant ? 0
                                                               : declaredIndex(translation, slot.parameter));
@@ -244,20 +249,44 @@ SqliteDatabase::Change SqliteDatabase::translateChange(std::string_view sql) {
   return change;
 }
 
-int SqliteDatabase::run(Change& change, std::string_view sql, const std::vector<Value>& values) {
+SqliteDatabase::Owned SqliteDatabase::translateTest(std::string_view text,
+                                                    const std::vector<FieldDef>& columns) {
+  OpenFile& open = file();
+  const ReadTogether look(open.connection);
+  open.catalog.refresh();
+  dialect::scan(text, scanned_, &session_->clock);
+  dialect::RowTest test = dialect::translateRowTest(text, columns, open.catalog);
+  if (!test.translation.parameters.empty()) failUndeclared(test.translation.parameters[0].name);
+  Statement statement = open.connection.prepareForSchema(test.translation.sql);
+  Prepared prepared{std::make_shared<const dialect::Translation>(std::move(test.translation)),
+                    std::move(statement)};
+  Owned out{std::move(prepared), scanned_.literals, {}, std::move(test.descending)};
+  for (std::size_t i = 0; i < columns.size(); ++i) out.parameters.push_back(i);
+  return out;
+}
+
+Statement& SqliteDatabase::bindRow(Owned& test, const Value* row) {
+  bind(test.prepared.statement, *test.prepared.translation, [&](std::size_t i) -> Input {
+    return {i < test.parameters.size() ? row + i : ownedLiteral(test, i), nullptr};
+  });
+  return test.prepared.statement;
+}
+
+int SqliteDatabase::run(Owned& change, std::string_view sql, const std::vector<Value>& values) {
   return session_->guarded([&] {
     beginChange();
     for (int attempt = 0;; ++attempt) {
       OpenFile& open = file();
       const dialect::Translation& translation = *change.prepared.translation;
+      if (values.size() < translation.parameters.size() && values.size() >= translation.declared)
+        failUndeclared(translation.parameters[values.size()].name);
       if (values.size() != translation.parameters.size()) {
         throw Error(err::dbTooFewParameters,
                     "The statement has " + std::to_string(translation.parameters.size()) +
                         " parameters and was given " + std::to_string(values.size()) + " values");
       }
       bind(change.prepared.statement, translation, [&](std::size_t i) -> Input {
-        if (const auto& literal = translation.slots[i].literal) return {&change.literals[*literal], nullptr};
-        if (const auto& constant = translation.slots[i].constant) return {&*constant, nullptr};
+        if (const Value* literal = ownedLiteral(change, i)) return {literal, nullptr};
         const std::size_t parameter = change.parameters[i];
         return {&values[parameter], &translation.parameters[parameter]};
       });
@@ -297,16 +326,16 @@ int SqliteDatabase::withPrepared(std::string_view source, bool rows, const Param
   }
 }
 
-int SqliteDatabase::execute(std::string_view sql) {
+int SqliteDatabase::execute(std::string_view sql, const Parameters& parameters) {
   return session_->guarded([&] {
     beginChange();
     std::shared_ptr<const dialect::Translation> translation;
-    const int code = withPrepared(sql, false, {}, [&](Prepared& prepared, const auto& /*bindTo*/) {
+    const int code = withPrepared(sql, false, parameters, [&](Prepared& prepared, const auto& /*bindTo*/) {
       if (prepared.translation->kind == dialect::Translation::Kind::into) {
         const auto kept = prepared.translation;  // the cache goes with the schema
         const std::vector<Value> literals = scanned_.literals;
         return makeTable(*kept, [&](Statement& insert) {
-          bind(insert, *kept, [&](std::size_t i) { return inputOf(*kept, i, literals, {}); });
+          bind(insert, *kept, [&](std::size_t i) { return inputOf(*kept, i, literals, parameters); });
         });
       }
       const int result = prepared.statement.step();
@@ -323,27 +352,36 @@ int SqliteDatabase::execute(std::string_view sql) {
   });
 }
 
+std::shared_ptr<ResultRows> SqliteDatabase::readRows(std::string_view source, const Parameters& parameters,
+                                                     bool frozen) {
+  std::shared_ptr<ResultRows> rows;
+  const int code = withPrepared(source, true, parameters, [&](Prepared& prepared, const auto& bindTo) {
+    rows = std::make_shared<ResultRows>(shared_from_this(), prepared.translation, frozen);
+    const int read = rows->read(prepared.statement);
+    if (read != SQLITE_ROW) return read;
+    // The statement that stands at a row keeps the file as it is meanwhile.
+    const struct Standing {
+      Statement& statement;
+      ~Standing() { statement.reset(); }
+    } standing{prepared.statement};
+    if (!prepared.numbers)
+      prepared.numbers = opened().connection.prepareForSchema(numbersSql(*prepared.translation));
+    bindTo(*prepared.numbers);
+    rows->readNumbers(*prepared.numbers);
+    return SQLITE_DONE;
+  });
+  if (code != SQLITE_DONE) file().connection.fail(code);
+  return rows;
+}
+
 std::unique_ptr<Recordset> SqliteDatabase::openRecordset(std::string_view source,
-                                                         const Parameters& parameters) {
+                                                         const Parameters& parameters, RowOptions options) {
   return session_->guarded([&] {
-    std::unique_ptr<SqliteRecordset> rows;
-    const int code = withPrepared(source, true, parameters, [&](Prepared& prepared, const auto& bindTo) {
-      rows = std::make_unique<SqliteRecordset>(shared_from_this(), prepared.translation);
-      const int read = rows->read(prepared.statement);
-      if (read != SQLITE_ROW) return read;
-      // The statement that stands at a row keeps the file as it is meanwhile.
-      const struct Standing {
-        Statement& statement;
-        ~Standing() { statement.reset(); }
-      } standing{prepared.statement};
-      if (!prepared.numbers)
-        prepared.numbers = opened().connection.prepareForSchema(numbersSql(*prepared.translation));
-      bindTo(*prepared.numbers);
-      rows->readNumbers(*prepared.numbers);
-      return SQLITE_DONE;
-    });
-    if (code != SQLITE_DONE) file().connection.fail(code);
-    return std::unique_ptr<Recordset>(std::move(rows));
+    auto rows = readRows(source, parameters, SqliteRecordset::freezes(options.kind));
+    if (options.kind == RecordsetKind::table && !(rows->editable() && isTable(source)))
+      throw Error(err::dbInvalidOperation, "Only a table can be opened as table kind, by its name");
+    return std::unique_ptr<Recordset>(
+        std::make_unique<SqliteRecordset>(shared_from_this(), std::move(rows), source, parameters, options));
   });
 }
 

@@ -22,10 +22,10 @@ namespace voxa {
 /// One open database file of the embedded engine. Definitions (tables, relations, stored queries), their
 /// version and copies of the file are in sqlite_schema.cpp, the way from a text to a statement in
 /// statement_texts.cpp, everything else in sqlite_database.cpp.
+class ResultRows;
+
 class SqliteDatabase final : public Database, public std::enable_shared_from_this<SqliteDatabase> {
  public:
-  using Parameters = std::vector<std::pair<std::string, Value>>;
-
   /// path: full and native, of a file that is known to be a database of this engine. connection: to it; in a
   /// transaction when the engine's has locked it.
   SqliteDatabase(std::shared_ptr<Session> session, std::string path, Connection connection);
@@ -37,13 +37,15 @@ class SqliteDatabase final : public Database, public std::enable_shared_from_thi
   void close() override;
   [[nodiscard]] bool isOpen() const override { return file_.has_value(); }
 
-  int execute(std::string_view sql) override;
+  int execute(std::string_view sql, const Parameters& parameters) override;
   [[nodiscard]] std::unique_ptr<Command> prepare(std::string_view sql) override;
   void beginReading() override;
   void endReading() override;
   void lockForChanges() override;
   [[nodiscard]] std::unique_ptr<Recordset> openRecordset(std::string_view source,
-                                                         const Parameters& parameters) override;
+                                                         const Parameters& parameters,
+                                                         RowOptions options) override;
+  [[nodiscard]] QueryInfo describe(std::string_view source) override;
 
   [[nodiscard]] std::size_t schemaVersion() const override;
   void setSchemaVersion(std::size_t version) override;
@@ -76,17 +78,28 @@ class SqliteDatabase final : public Database, public std::enable_shared_from_thi
   /// A statement of the engine's own on the rows of a table. It is prepared once; the reference holds until
   /// the next call.
   Statement& rowStatement(const std::string& sql);
-  /// What a command runs: a statement that changes rows. It is not shared with others of the same text.
-  struct Change {
+  /// Whether a source is the name of a table.
+  [[nodiscard]] bool isTable(std::string_view source);
+  /// Reads the rows of a source, for openRecordset and later. frozen: see ResultRows.
+  [[nodiscard]] std::shared_ptr<ResultRows> readRows(std::string_view source, const Parameters& parameters,
+                                                     bool frozen);
+  /// A statement that is its owner's alone, not shared with others of the same text: a command's, or a test
+  /// of rows.
+  struct Owned {
     Prepared prepared;
     std::vector<Value> literals;
     std::vector<std::size_t>
-        parameters;  ///< for each slot that is no literal, the index of its declared parameter
+        parameters;  ///< for each slot that is no literal, the index of its parameter or column
+    std::vector<bool> descending{};  ///< of a test: its keys
   };
-  Change translateChange(std::string_view sql);
-  /// Runs the statement with the values of its declared parameters. When the schema has changed, translates
-  /// it anew and runs that.
-  int run(Change& change, std::string_view sql, const std::vector<Value>& values);
+  Owned translateChange(std::string_view sql);
+  /// Runs the statement with the values of its parameters. When the schema has changed, translates it anew
+  /// and runs that.
+  int run(Owned& change, std::string_view sql, const std::vector<Value>& values);
+  /// text: see dialect::rowTestText.
+  Owned translateTest(std::string_view text, const std::vector<FieldDef>& columns);
+  /// The statement of a test, with the values of a row.
+  Statement& bindRow(Owned& test, const Value* row);
   /// Must be called before each change. Calls lockForChanges, and outside of a transaction ends a reading.
   void beginChange();
   /// Runs a statement that changes rows of `table`, after beginChange. All of its changes are made, or none;

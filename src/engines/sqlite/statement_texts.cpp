@@ -2,7 +2,7 @@
 // shape.
 
 #include <algorithm>
-#include <iterator>
+#include <initializer_list>
 #include <utility>
 
 #include "engines/sqlite/sqlite_database.h"
@@ -18,6 +18,12 @@ std::string_view trimmedName(std::string_view name) {
   return name;
 }
 
+bool isOneOf(const dialect::Token& token, std::initializer_list<std::string_view> words) {
+  return token.kind == dialect::TokenKind::word &&
+         std::any_of(words.begin(), words.end(),
+                     [&](std::string_view word) { return equalNoCase(token.text, word); });
+}
+
 /// Whether a source can only be a name: one word that begins no statement, or a text in brackets.
 bool isBareName(std::string_view source) {
   dialect::Lexer lexer(source);
@@ -26,11 +32,17 @@ bool isBareName(std::string_view source) {
   lexer.next(token);
   lexer.next(behind);
   if (behind.kind != dialect::TokenKind::end) return false;
-  constexpr std::string_view beginnings[] = {"select", "insert", "update", "delete", "parameters"};
   return token.kind == dialect::TokenKind::bracketed ||
          (token.kind == dialect::TokenKind::word &&
-          std::none_of(std::begin(beginnings), std::end(beginnings),
-                       [&](std::string_view word) { return equalNoCase(token.text, word); }));
+          !isOneOf(token, {"select", "insert", "update", "delete", "parameters"}));
+}
+
+/// Whether a text begins as a statement that defines something.
+bool isDefinition(std::string_view sql) {
+  dialect::Lexer lexer(sql);
+  dialect::Token token;
+  lexer.next(token);
+  return isOneOf(token, {"create", "alter", "drop"});
 }
 
 /// The prepared statement of a scanned source; null when its literals need another translation.
@@ -47,6 +59,12 @@ std::optional<std::string> SqliteDatabase::textOfName(std::string_view name) {
   const std::string_view plain = trimmedName(name);
   if (const TableDef* table = open.catalog.table(plain)) return "SELECT * FROM [" + table->name + "]";
   return open.catalog.queryText(plain);
+}
+
+bool SqliteDatabase::isTable(std::string_view source) {
+  OpenFile& open = file();
+  open.catalog.refresh();
+  return open.catalog.table(trimmedName(source)) != nullptr;
 }
 
 Prepared SqliteDatabase::translate(std::string_view sql) {
@@ -92,6 +110,36 @@ Prepared& SqliteDatabase::prepared(std::string_view source) {
   if (Prepared* found = findPrepared(open.translated, scanned_)) return *found;
   if (!look) look.emplace(open.connection);
   return translateScanned(name->second);
+}
+
+QueryInfo SqliteDatabase::describe(std::string_view source) {
+  return session_->guarded([&] {
+    if (isDefinition(source)) return QueryInfo{.kind = QueryInfo::Kind::definition};
+    const dialect::Translation& translation = *prepared(source).translation;
+    using Kind = dialect::Translation::Kind;
+    QueryInfo info;
+    switch (translation.kind) {
+      case Kind::select:
+        if (translation.unites) info.kind = QueryInfo::Kind::unite;
+        break;
+      case Kind::insert:
+        info.kind = QueryInfo::Kind::append;
+        break;
+      case Kind::update:
+        info.kind = QueryInfo::Kind::update;
+        break;
+      case Kind::remove:
+        info.kind = QueryInfo::Kind::remove;
+        break;
+      case Kind::into:
+        info.kind = QueryInfo::Kind::makeTable;
+        break;
+    }
+    info.parameters = translation.parameters;
+    info.declared = translation.declared;
+    info.columns = translation.columns;
+    return info;
+  });
 }
 
 }  // namespace voxa

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -8,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/database/recordset.h"
 #include "platform/database/schema.h"
 #include "platform/error.h"
 #include "platform/value.h"
@@ -18,62 +20,31 @@ namespace voxa {
 /// have that shape, too. Every failure fills the engine's error collection, then raises an Error with the
 /// engine's published number (error.h). One thread.
 
-/// Rows of a table or query, with one current row. The rows are live: update() writes to the file, and a
-/// visit to a row that was deleted elsewhere raises 3167. A recordset holds no lock on the file between
-/// calls. Field names are compared without regard to case. Two fields of a query with the same name are named
-/// "table.field", with the table's alias.
-class Recordset {
- public:
-  virtual ~Recordset() = default;
-
-  [[nodiscard]] virtual bool eof() const = 0;  ///< behind the last row, or no rows
-  [[nodiscard]] virtual bool bof() const = 0;  ///< before the first row, or no rows
-  virtual void moveFirst() = 0;                ///< on no rows: stays at eof, no error
-  virtual void moveLast() = 0;
-  virtual void moveNext() = 0;      ///< 3021 when already at eof. Abandons an edit
-  virtual void movePrevious() = 0;  ///< 3021 when already at bof
-  [[nodiscard]] virtual std::size_t recordCount() const = 0;
-  /// Moves to the first row, or to the next one behind the current row, that satisfies a condition on the
-  /// fields of its table. Without such a row the result is false, and the current row stays. 3251 when the
-  /// rows cannot be changed.
-  virtual bool findFirst(std::string_view condition) = 0;
-  virtual bool findNext(std::string_view condition) = 0;
-
-  [[nodiscard]] virtual std::size_t fieldCount() const = 0;
-  /// Definition of a field of the result: name, type, size. A column of a table has its whole definition.
-  [[nodiscard]] virtual const FieldDef& field(std::size_t index) const = 0;
-  /// Position of a field; 3265 when there is none of that name.
-  [[nodiscard]] virtual std::size_t fieldIndex(std::string_view name) const = 0;
-
-  /// Value in the current row, or in the row being edited or added; 3021 without a current row.
-  [[nodiscard]] virtual Value get(std::size_t index) const = 0;
-  [[nodiscard]] Value get(std::string_view name) const { return get(fieldIndex(name)); }
-
-  /// To change a row: edit() or addNew(), set() for each field, update(). 3027 when the rows cannot be
-  /// changed (they come from more than one table, are grouped, or the file is read-only). 3020 for set() or
-  /// update() without edit() or addNew().
-  virtual void edit() = 0;    ///< within a transaction it locks the file and reads the row again
-  virtual void addNew() = 0;  ///< fills in defaults; update() leaves the current row where it was
-  virtual void set(std::size_t index, const Value& value) = 0;  ///< converts: see convertForField (value.h)
-  void set(std::string_view name, const Value& value) { set(fieldIndex(name), value); }
-  virtual void update() = 0;
-  virtual void cancelUpdate() = 0;
-  [[nodiscard]] virtual bool editing() const = 0;  ///< between edit() or addNew() and update()
-  /// Deletes the current row. It stays current, without values (get raises 3167), until a move.
-  virtual void remove() = 0;
-};
-
 /// A statement that changes rows and is run many times with other values. Its text is read once.
 class Command {
  public:
   virtual ~Command() = default;
-  /// Runs it as Database::execute does. values: one for each declared parameter, in their order.
+  /// Runs it as Database::execute does. values: one for each parameter, in the order of QueryInfo.
   virtual int execute(const std::vector<Value>& values) = 0;
+};
+
+/// What a statement or stored query is, without running it.
+struct QueryInfo {
+  enum class Kind : std::uint8_t { select, unite, append, update, remove, makeTable, definition };
+  Kind kind = Kind::select;
+  /// The declared parameters, with those that its stored queries declare, and behind them the names that are
+  /// neither fields nor declared.
+  std::vector<FieldDef> parameters{};
+  std::size_t declared = 0;         ///< how many are declared; the types of the others are not known
+  std::vector<FieldDef> columns{};  ///< of the rows that it gives
 };
 
 /// One open database file. Calls after close() raise 3420.
 class Database {
  public:
+  /// Values by the names of parameters; names of others are left alone.
+  using Parameters = std::vector<std::pair<std::string, Value>>;
+
   virtual ~Database() = default;
 
   /// Full path of the file, native separators.
@@ -84,14 +55,18 @@ class Database {
 
   /// Runs one INSERT, UPDATE or DELETE statement, or the stored query of that name. All of its changes are
   /// made, or none. Returns the number of rows that it changed. Text behind the statement's end is an error
-  /// (3075).
-  virtual int execute(std::string_view sql) = 0;
-  /// Prepares such a statement for many runs. Its values are literals, or parameters that it declares.
+  /// (3075). parameters: as for openRecordset.
+  virtual int execute(std::string_view sql, const Parameters& parameters = {}) = 0;
+  /// Prepares such a statement for many runs.
   [[nodiscard]] virtual std::unique_ptr<Command> prepare(std::string_view sql) = 0;
-  /// Opens the rows of a SELECT statement, or of the table or stored query of that name. parameters: values
-  /// for the declared parameters, by name. A parameter without a value raises 3061.
-  [[nodiscard]] virtual std::unique_ptr<Recordset> openRecordset(
-      std::string_view source, const std::vector<std::pair<std::string, Value>>& parameters = {}) = 0;
+  /// Opens the rows of a SELECT statement, or of the table or stored query of that name. parameters: a value
+  /// for each parameter. One without a value raises 3061. 3219 for table kind when the source is no table
+  /// whose rows can be changed, and for a statement that gives no rows.
+  [[nodiscard]] virtual std::unique_ptr<Recordset> openRecordset(std::string_view source,
+                                                                 const Parameters& parameters = {},
+                                                                 RowOptions options = {}) = 0;
+  /// What a statement, or the table or stored query of that name, is. Errors as when it is run.
+  [[nodiscard]] virtual QueryInfo describe(std::string_view source) = 0;
 
   /// Begins a reading: what is read until endReading() is the state of one moment, and the file is locked
   /// once for all of it. Others wait with their changes meanwhile. So it must end before anything that may

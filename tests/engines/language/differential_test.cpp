@@ -45,9 +45,10 @@ class Differential : public testing::Test {
   }
 
   /// Each cell ends with a bar, each row with a semicolon.
-  std::vector<std::string> rowsOf(const std::string& sql) {
+  std::vector<std::string> rowsOf(const std::string& sql) { return rowsOf(db_->openRecordset(sql)); }
+  static std::vector<std::string> rowsOf(const std::unique_ptr<Recordset>& rows) {
     std::vector<std::string> all;
-    for (const auto rows = db_->openRecordset(sql); !rows->eof(); rows->moveNext(), all.back() += ';') {
+    for (; !rows->eof(); rows->moveNext(), all.back() += ';') {
       all.emplace_back();
       for (std::size_t i = 0; i < rows->fieldCount(); ++i) {
         const Value v = rows->get(i);
@@ -87,7 +88,9 @@ class Differential : public testing::Test {
       }
       return false;
     };
+    finds(where.sql, found);
     std::stable_sort(found.begin(), found.end(), before);
+    narrows(where.sql, orderBy.substr(2), found.size());
     std::size_t top = 1 + random_.below(20);
     const std::string sql = "select top " + std::to_string(top) + " Id from A where " + where.sql +
                             " order by " + orderBy.substr(2);
@@ -102,6 +105,26 @@ class Differential : public testing::Test {
       std::sort(given.begin(), given.end());
     }
     EXPECT_EQ(given, expected) << sql;
+  }
+
+  /// Rows are found by the table, and by the values that they show.
+  void finds(const std::string& condition, const std::vector<const Row*>& expected) {
+    for (const RecordsetKind kind : {RecordsetKind::dynaset, RecordsetKind::snapshot}) {
+      const auto rows = db_->openRecordset("select * from A order by Id", {}, {kind});
+      bool more = rows->findFirst(condition);
+      for (const Row* row : expected) {
+        ASSERT_TRUE(more) << condition;
+        ASSERT_EQ(shown({false, rows->get(0).toDouble()}, DataType::Long), id(*row)) << condition;
+        more = rows->findNext(condition);
+      }
+      EXPECT_FALSE(more) << condition;
+    }
+  }
+  void narrows(const std::string& condition, const std::string& order, std::size_t count) {
+    const std::vector<std::string> live = rowsOf(db_->openRecordset("A")->openFrom(condition, order));
+    const auto snapshot = db_->openRecordset("A", {}, {RecordsetKind::snapshot});
+    EXPECT_EQ(live.size(), count) << condition;
+    EXPECT_EQ(rowsOf(snapshot->openFrom(condition, order)), live) << condition << " by " << order;
   }
 
   void joins() {

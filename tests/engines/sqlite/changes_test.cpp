@@ -114,6 +114,25 @@ TEST_F(Changes, CommandsRunWithOtherValuesEachTime) {
   EXPECT_EQ(add->execute({"Sixth", since, 6}), 1);
   engine->rollback();
   EXPECT_EQ(countOf("Stations"), 5);
+  // Names that nothing declares come behind the parameters, also behind those of a stored query.
+  db->createQuery({"Since", "parameters pFrom datetime; select Id from Stations where Since >= pFrom"});
+  const std::string text =
+      "parameters pName text; update Stations set Name = pName & pEnd where Id in (select Id from Since)";
+  const QueryInfo info = db->describe(text);
+  EXPECT_EQ(info.kind, QueryInfo::Kind::update);
+  EXPECT_EQ(info.declared, 2U);
+  ASSERT_EQ(info.parameters.size(), 3U);
+  EXPECT_EQ(info.parameters[1].name, "pFrom");
+  EXPECT_EQ(info.parameters[1].type, DataType::Date);
+  EXPECT_EQ(db->prepare(text)->execute({"No", "01/03/2020", "ne"}), 0);
+  EXPECT_EQ(failure([&] {
+              return db->prepare(text)->execute({"N", "01/02/2020"});
+            }),
+            err::dbTooFewParameters);
+  EXPECT_EQ(db->execute(text, {{"pend", "!"}, {"pFrom", "01/02/2020"}, {"pName", "W"}}), 1);
+  EXPECT_EQ(valueOf("select Name from Stations where Id = 4"), Value("W!"));
+  EXPECT_EQ(db->describe("Stations").columns.size(), 5U);
+  EXPECT_EQ(db->describe("select 1 union select 2").kind, QueryInfo::Kind::unite);
   db->close();
   EXPECT_EQ(failure([&] { return add->execute({"Sixth", since, 6}); }), err::dbInvalidObject);
 }

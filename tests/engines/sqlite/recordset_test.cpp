@@ -1,3 +1,6 @@
+#include <functional>
+#include <initializer_list>
+
 #include "engines/sqlite/fixture.h"
 
 namespace voxa {
@@ -60,19 +63,19 @@ TEST_F(Rows, EditsAreStoredAndSeen) {
   EXPECT_EQ(failure([&] { rows->set("Id", 40000); }), err::overflow);
   EXPECT_EQ(failure([&] { rows->set("Since", "soon"); }), err::dbConversion);
   rows->update();
-  EXPECT_FALSE(rows->editing());
+  EXPECT_EQ(rows->editMode(), EditMode::none);
   EXPECT_EQ(rows->get("Active"), Value(false));
   EXPECT_EQ(countOf("Stations where Name = 'éLAN' and Since = #2/13/2001 4:05# and not Active"), 1);
 
   EXPECT_EQ(failure([&] { change(*rows, "Name", "South"); }), err::dbDuplicate);
-  EXPECT_TRUE(rows->editing());
+  EXPECT_EQ(rows->editMode(), EditMode::edit);
   rows->set("Name", "West");
   rows->update();
   for (const bool byMove : {false, true}) {
     rows->edit();
     rows->set("Name", "lost");
     byMove ? rows->moveFirst() : rows->cancelUpdate();
-    EXPECT_FALSE(rows->editing());
+    EXPECT_EQ(rows->editMode(), EditMode::none);
     EXPECT_EQ(rows->get("Name"), Value("West"));
   }
   EXPECT_EQ(valueOf("select Name from Stations where Id = 1"), Value("West"));
@@ -139,8 +142,167 @@ TEST_F(Rows, AreFoundByAConditionInTheirOwnOrder) {
   rows->remove();
   EXPECT_FALSE(rows->findFirst("Id = 2"));
   EXPECT_EQ(failure([&] { (void)rows->findFirst("Name = 'O'Brien'"); }), err::dbSyntax);
-  const auto counted = db->openRecordset("select count(*) as n from Readers");
-  EXPECT_EQ(failure([&] { (void)counted->findFirst("n = 3"); }), err::dbNotSupported);
+}
+
+TEST_F(Rows, AreFoundByWhatTheyShow) {
+  addReaders(4);
+  const auto joined = db->openRecordset(
+      "select r.Id, s.Id, s.Name & r.Id as Place from Readers r, Stations s where r.StationId = s.Id order "
+      "by "
+      "r.Id");
+  EXPECT_TRUE(joined->findLast("Place like 'north*' and s.Id = 1 and [r.Id] < 4"));
+  EXPECT_EQ(joined->get("r.Id"), Value(3));
+  EXPECT_TRUE(joined->findPrevious("r.Id in (select Max(Id) - 2 from Readers)"));
+  EXPECT_FALSE(joined->findPrevious("r.Id = 2"));
+  EXPECT_EQ(joined->get("Place"), Value("North2")) << "the current row stays";
+  EXPECT_EQ(failure([&] { (void)joined->findFirst("Nam = 'x'"); }), err::dbTooFewParameters);
+  // A name of the result goes before one of the table, which may be used, too.
+  const auto renamed = db->openRecordset("select Id as Position, Id + 1 as [Next] from Readers");
+  EXPECT_TRUE(renamed->findFirst("Position = 3 and [Next] = 4"));
+  EXPECT_TRUE(renamed->findFirst("Name = 'r2'"));
+  EXPECT_EQ(renamed->get(0), Value(2));
+}
+
+TEST_F(Rows, OfEachKindHaveItsRules) {
+  addReaders(3);
+  using enum RecordsetKind;
+  const std::string query = "select Id, Name from Readers order by Id";
+  const std::string counts = "select Position, Count(*) from Readers group by Position";
+  const struct {
+    std::string source;
+    RecordsetKind asked, kind;
+  } cases[] = {{"[readers]", automatic, table}, {query, automatic, dynaset},
+               {counts, automatic, snapshot},   {"Readers", table, table},
+               {"Readers", dynaset, dynaset},   {counts, dynaset, dynaset},
+               {query, snapshot, snapshot},     {query, forwardOnly, forwardOnly}};
+  for (const auto& [source, asked, kind] : cases) {
+    const auto rows = db->openRecordset(source, {}, {asked});
+    EXPECT_EQ(rows->kind(), kind) << source;
+    EXPECT_EQ(rows->name(), source);
+    const bool refused = asked == snapshot || asked == forwardOnly;
+    EXPECT_EQ(rows->updatable(), !refused && source != counts);
+    EXPECT_EQ(failure([&] { change(*rows, "Name", "r1"); }), refused            ? err::dbNotSupported
+                                                             : source == counts ? err::dbNotUpdatable
+                                                                                : 0);
+    EXPECT_EQ(failure([&] { rows->setIndex("Id"); }), kind == table ? 0 : err::dbNotSupported);
+  }
+  EXPECT_EQ(failure([&] { db->openRecordset(query, {}, {table}); }), err::dbInvalidOperation);
+  const auto fixed = db->openRecordset(query, {}, {dynaset, true});
+  EXPECT_EQ(failure([&] { fixed->remove(); }), err::dbNotUpdatable);
+
+  const auto kept = db->openRecordset(query, {}, {snapshot});
+  const auto once = db->openRecordset(query, {}, {forwardOnly});
+  db->execute("delete from Readers where Id = 2");
+  kept->move(1);
+  EXPECT_EQ(kept->get("Name"), Value("r2"));
+  kept->requery();
+  EXPECT_EQ(kept->recordCount(), 2U);
+  EXPECT_FALSE(locked());
+
+  once->moveFirst();
+  once->moveNext();
+  EXPECT_EQ(once->get("Name"), Value("r2"));
+  EXPECT_EQ(once->recordCount(), 2U) << "so many were visited";
+  for (const auto& refused : std::initializer_list<std::function<void()>>{
+           [&] { once->moveFirst(); }, [&] { once->moveLast(); }, [&] { once->movePrevious(); },
+           [&] { once->move(-1); }, [&] { (void)once->bookmark(); }, [&] { once->goTo(0); },
+           [&] { (void)once->absolutePosition(); }, [&] { once->setAbsolutePosition(0); },
+           [&] { once->findNext("Id > 0"); }, [&] { (void)once->clone(); },
+           [&] { (void)once->openFrom("", ""); }}) {
+    EXPECT_EQ(failure(refused), err::dbNotSupported);
+  }
+  EXPECT_EQ(getRows(*once, 9).at(1), (std::vector<Value>{"r2", "r3"}));
+  EXPECT_EQ(failure([&] { (void)getRows(*once, 1); }), err::dbNoCurrentRecord);
+}
+
+TEST_F(Rows, HavePlacesThatTheirClonesShare) {
+  addReaders(600);
+  const auto rows = db->openRecordset("select Id, Name from Readers order by Id desc");
+  EXPECT_EQ(failure([&] { (void)rows->lastModified(); }), err::dbNoCurrentRecord);
+  rows->move(400);
+  const Bookmark place = rows->bookmark();
+  const auto twin = rows->clone();
+  EXPECT_EQ(twin->get("Id"), Value(600));
+  twin->remove();
+  twin->goTo(place);
+  change(*twin, "Name", "by the twin");
+  EXPECT_EQ(twin->lastModified(), place);
+  EXPECT_EQ(rows->get("Name"), Value("by the twin"));
+  EXPECT_EQ(rows->absolutePosition(), 399) << "the deleted row does not count";
+  rows->setAbsolutePosition(1);
+  EXPECT_EQ(rows->get("Id"), Value(598));
+  rows->move(-9);
+  EXPECT_TRUE(rows->bof());
+  EXPECT_EQ(failure([&] { rows->move(-1); }), err::dbNoCurrentRecord);
+  rows->move(9);
+  EXPECT_EQ(rows->get("Id"), Value(591));
+  EXPECT_EQ(failure([&] { rows->goTo(0); }), err::dbRecordDeleted);
+  EXPECT_EQ(failure([&] { rows->goTo(600); }), err::dbNotABookmark);
+  EXPECT_EQ(failure([&] { rows->setAbsolutePosition(599); }), err::dbInvalidArgument);
+  rows->move(1000);
+  EXPECT_TRUE(rows->eof());
+  EXPECT_EQ(rows->absolutePosition(), -1);
+  twin->addNew();
+  twin->set("Name", "last");
+  twin->update();
+  EXPECT_TRUE(rows->eof()) << "a row that the twin adds is behind";
+  rows->movePrevious();
+  EXPECT_EQ(rows->get("Name"), Value("last"));
+  EXPECT_EQ(rows->bookmark(), twin->lastModified());
+  rows->requery();
+  EXPECT_EQ(rows->get("Name"), Value("last"));
+  EXPECT_EQ(rows->recordCount(), 600U);
+}
+
+TEST_F(Rows, AreNarrowedAndSorted) {
+  addReaders(9);
+  const auto ids = [](Recordset& rows) {
+    std::string all;
+    for (rows.moveFirst(); !rows.eof(); rows.moveNext()) all += rows.get(0).toText();
+    return all;
+  };
+  const auto few = db->openRecordset("select Id, Name from Readers where Id <> 4 order by Id desc");
+  const auto odd = few->openFrom("Id mod 2 = 0 or Id = 9", "");
+  EXPECT_EQ(ids(*odd), "9862");
+  const auto sorted = odd->openFrom("Note is null", "Id mod 3, Name", {RecordsetKind::snapshot});
+  EXPECT_EQ(ids(*sorted), "6928");
+  EXPECT_EQ(ids(*sorted->openFrom("", "Name desc")), "9862");
+  EXPECT_EQ(failure([&] { (void)sorted->openFrom("", "", {RecordsetKind::dynaset}); }),
+            err::dbInvalidOperation);
+  db->execute("update Readers set Id = 40 where Id = 2");
+  sorted->requery();
+  EXPECT_EQ(ids(*sorted), "69408");
+}
+
+TEST_F(Rows, OfATableAreSoughtByItsIndexes) {
+  addReaders(5);
+  db->execute("update Readers set StationId = 2 where Id > 3");
+  db->execute("update Readers set StationId = Null where Id = 3");
+  const auto rows = db->openRecordset("Readers");
+  using enum SeekComparison;
+  EXPECT_EQ(failure([&] { (void)rows->seek(equal, {1}); }), err::dbNoCurrentIndex);
+  EXPECT_EQ(failure([&] { rows->setIndex("None"); }), err::dbNoSuchIndex);
+  rows->setIndex("site");
+  EXPECT_EQ(rows->index(), "Site");
+  EXPECT_EQ(rows->get("Id"), Value(3)) << "Null comes first";
+  const struct {
+    SeekComparison comparison;
+    Value key;
+    int id;  ///< 0: not found
+  } cases[] = {{equal, "2", 4},        {equal, Value(), 3}, {equal, 3, 0},       {greater, 1, 4},
+               {greaterOrEqual, 1, 1}, {less, 2, 2},        {lessOrEqual, 2, 5}, {less, 1, 0}};
+  for (const auto& [comparison, key, id] : cases) {
+    const Value before = rows->get("Id");
+    EXPECT_EQ(rows->seek(comparison, {key}), id != 0);
+    EXPECT_EQ(rows->get("Id"), id != 0 ? Value(id) : before);
+  }
+  EXPECT_EQ(failure([&] { (void)rows->seek(less, {Value()}); }), err::dbInvalidArgument);
+  EXPECT_EQ(failure([&] { (void)rows->seek(equal, {1, 2}); }), err::dbInvalidArgument);
+  db->execute("insert into Readers (StationId, Name) values (9, 'later')");
+  EXPECT_TRUE(rows->seek(greater, {2}));
+  EXPECT_EQ(rows->get("Name"), Value("later"));
+  rows->setIndex("");
+  EXPECT_EQ(rows->get("Id"), Value(1));
 }
 
 TEST_F(Rows, ManyAreFetchedAsTheyAreVisited) {
