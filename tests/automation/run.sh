@@ -79,7 +79,8 @@ run() {
       } >"$work/manifest/client.exe.manifest"
       passes manifest client.exe
       ;;
-    example | example64)
+    example64) prints example ;;
+    example)
       # One behind the other in the same folder.
       prints example
       prints changes
