@@ -1,6 +1,6 @@
-# Sourced: makes a 32-bit Wine in a root of its own below build/wine, since the host's packages may have none.
-# Needs root. No package in it is configured, so that it can be made on any machine. Where the kernel runs no
-# 32-bit programs, an emulator for them is added.
+# Sourced: makes a Wine in a root of its own below build/wine, since the host's packages may have none: a 32-bit
+# Windows, and a 64-bit one beside it. Needs root. No package in it is configured, so that it can be made on any
+# machine. Where the kernel runs no 32-bit programs, an emulator for them is added.
 
 wine_root=$PWD/build/wine/root
 
@@ -9,9 +9,9 @@ _wine_mirror() {
   apt-get indextargets --format '$(REPO_URI)' 'Created-By: Packages' 'Codename: bookworm' | head -n 1
 }
 
-# Whether the kernel runs the root's programs.
+# Whether the kernel runs the root's 32-bit programs.
 _wine_runs() {
-  chroot "$wine_root" /bin/true 2>/dev/null
+  chroot "$wine_root" /lib/ld-linux.so.2 --version >/dev/null 2>&1
 }
 
 # The emulator for 32-bit programs. It comes from the backports, since the distribution's own cannot run Wine: when
@@ -38,53 +38,72 @@ _wine_emulator() {
     "$PWD/$folder/qemu-i386:OCF" >/proc/sys/fs/binfmt_misc/register
 }
 
-# Makes the root and a Windows drive in it, unless they exist.
+# The package's installation would do this: it marks a library as one of Wine's own.
+_wine_mark_library() {
+  local from=$wine_root/usr/$1-w64-mingw32/lib/zlib1.dll
+  {
+    head -c 64 "$from"
+    printf 'Wine builtin DLL\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0'
+    tail -c +97 "$from"
+  } >"$wine_root/usr/lib/$2/zlib1.dll"
+}
+
+# Makes the root and the Windows drives in it, unless they exist.
 wine_prepare() {
-  if [ ! -e "$wine_root/ready" ]; then
-    echo "Making a root with 32-bit Wine"
+  if [ ! -e "$wine_root/ready64" ]; then
+    echo "Making a root with Wine"
     rm -rf "$wine_root"
     mkdir -p "$(dirname "$wine_root")"
-    mmdebstrap --quiet --variant=extract --architectures=i386 \
-      --hook-dir=/usr/share/mmdebstrap/hooks/merged-usr --include=wine,wine32,dash,coreutils,libc-bin \
-      bookworm "$wine_root" "$(_wine_mirror)" >/dev/null
-    # The package's installation would do this: it marks a library as one of Wine's own.
-    local from=$wine_root/usr/i686-w64-mingw32/lib/zlib1.dll
-    {
-      head -c 64 "$from"
-      printf 'Wine builtin DLL\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0'
-      tail -c +97 "$from"
-    } >"$wine_root/usr/lib/i386-linux-gnu/wine/i386-windows/zlib1.dll"
+    mmdebstrap --quiet --variant=extract --architectures=amd64,i386 \
+      --hook-dir=/usr/share/mmdebstrap/hooks/merged-usr \
+      --include=wine,wine64:amd64,wine32:i386,dash,coreutils,libc-bin bookworm "$wine_root" "$(_wine_mirror)" >/dev/null
+    _wine_mark_library i686 i386-linux-gnu/wine/i386-windows
+    _wine_mark_library x86_64 x86_64-linux-gnu/wine/x86_64-windows
     mkdir -p "$wine_root"/{proc,dev,tmp,root,build}
-    touch "$wine_root/ready"
+    touch "$wine_root/ready64"
   fi
   _wine_runs || _wine_emulator
   _wine_runs || {
     echo "This machine cannot run 32-bit programs, not even emulated" >&2
     return 1
   }
-  if [ ! -e "$wine_root/root/.wine/system.reg" ]; then
+  if [ ! -e "$wine_root/root/win32/system.reg" ]; then
     wine_run "$PWD/build" wineboot --init 2>/dev/null
+    wine_run64 "$PWD/build" wineboot --init 2>/dev/null
     wine_stop
   fi
 }
 
 # Ends what Wine still runs in the root, with its services.
 wine_stop() {
-  chroot "$wine_root" env -i HOME=/root /usr/lib/wine/wineserver32 -k || true
+  local bits
+  for bits in 32 64; do
+    chroot "$wine_root" env -i HOME=/root WINEPREFIX=/root/win$bits /usr/lib/wine/wineserver$bits -k || true
+  done
 }
 
 # Runs a Windows program in the root: wine_run FOLDER PROGRAM ARGUMENT... FOLDER, below build, is the current
 # folder of the program. Always all of build is mounted, as Z:\build: Wine's server goes on running, and knows only
 # the mounts of the first run.
 wine_run() {
-  local folder=${1#"$PWD/build"}
-  shift
+  _wine_run 32 /usr/lib/wine/wine "$@"
+}
+
+# The same on 64-bit Windows.
+wine_run64() {
+  _wine_run 64 /usr/lib/wine/wine64 "$@"
+}
+
+_wine_run() {
+  local bits=$1 loader=$2 folder=${3#"$PWD/build"}
+  shift 3
   unshare --mount --propagation private sh -euc '
-    root=$1; build=$2; folder=$3; shift 3
+    root=$1; build=$2; bits=$3; loader=$4; folder=$5; shift 5
     mount --bind /dev "$root/dev"
     mount -t proc proc "$root/proc"
     mount --bind "$build" "$root/build"
-    exec chroot "$root" env -i HOME=/root WINEARCH=win32 WINEDEBUG=-all VOXA_PROMPTS=console LC_ALL=C.UTF-8 \
-      sh -c "cd \"/build/\$1\" && shift && exec /usr/lib/wine/wine \"\$@\"" sh "$folder" "$@"
-  ' sh "$wine_root" "$PWD/build" "$folder" "$@"
+    exec chroot "$root" env -i HOME=/root WINEPREFIX=/root/win$bits WINEARCH=win$bits \
+      WINESERVER=/usr/lib/wine/wineserver$bits WINEDEBUG=-all VOXA_PROMPTS=console LC_ALL=C.UTF-8 \
+      sh -c "cd \"/build/\$1\" && shift && exec \"\$@\"" sh "$folder" "$loader" "$@"
+  ' sh "$wine_root" "$PWD/build" "$bits" "$loader" "$folder" "$@"
 }

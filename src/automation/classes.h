@@ -15,4 +15,7 @@ struct CreatableClass {
 
 [[nodiscard]] std::span<const CreatableClass> creatableClasses();
 
+/// The object by which the system creates objects of that class, with its reference counted.
+[[nodiscard]] IClassFactory* newClassFactory(const CreatableClass& made);
+
 }  // namespace voxa::automation

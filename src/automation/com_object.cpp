@@ -2,6 +2,7 @@
 
 #include "app/library.h"
 #include "enumerations.h"
+#include "local_server.h"
 #include "service_objects.h"
 
 namespace voxa::automation {
@@ -38,7 +39,7 @@ class ComObject final : public Object<::ICom>, public Shared<ComObject> {
     return give(path, [] { return com().Chemin; });
   }
   STDMETHODIMP put_Chemin(BSTR path) override {
-    return call([&] { com().Chemin = fromBstr(path); });
+    return call([&] { setWorkingFolder(com().Chemin, fromBstr(path)); });
   }
   STDMETHODIMP get_MustShowComStatus(VARIANT_BOOL* value) override {
     return give(value, [] { return com().MustShowComStatus; });
@@ -50,19 +51,19 @@ class ComObject final : public Object<::ICom>, public Shared<ComObject> {
     return give(path, [] { return com().IniFile; });
   }
   STDMETHODIMP put_IniFile(BSTR path) override {
-    return call([&] { com().IniFile = fromBstr(path); });
+    return call([&] { setPath(com().IniFile, fromBstr(path)); });
   }
   STDMETHODIMP get_AppDB(BSTR* path) override {
     return give(path, [] { return com().AppDB; });
   }
   STDMETHODIMP put_AppDB(BSTR path) override {
-    return call([&] { com().AppDB = fromBstr(path); });
+    return call([&] { setPath(com().AppDB, fromBstr(path)); });
   }
   STDMETHODIMP get_logFileName(BSTR* path) override {
     return give(path, [] { return com().logFileName; });
   }
   STDMETHODIMP put_logFileName(BSTR path) override {
-    return call([&] { com().logFileName = fromBstr(path); });
+    return call([&] { setPath(com().logFileName, fromBstr(path)); });
   }
   STDMETHODIMP get_inhibitCom(VARIANT_BOOL* value) override {
     return give(value, [] { return com().inhibitCom; });

@@ -148,6 +148,15 @@ HRESULT invokeOnward(IDispatch* object, const TypeInformation& type, const TypeI
                                 badArgument);
 }
 
+/// An object that was handed out by another of its interfaces: replaces it by what it answers to by names.
+void useOwnDispatch(VARIANT& object) {
+  IDispatch* own = nullptr;
+  if (object.vt != VT_DISPATCH || object.pdispVal == nullptr) return;
+  if (FAILED(object.pdispVal->QueryInterface(IID_IDispatch, reinterpret_cast<void**>(&own)))) return;
+  object.pdispVal->Release();
+  object.pdispVal = own;
+}
+
 }  // namespace
 
 HRESULT invoke(IDispatch* object, const TypeInformation& type, DISPID member, WORD flags,
@@ -174,6 +183,7 @@ HRESULT invoke(IDispatch* object, const TypeInformation& type, DISPID member, WO
   outcome = type.info->Invoke(object, member, flags, typed.params(), result, exception, badArgument);
   if (outcome == E_NOINTERFACE) return DISP_E_TYPEMISMATCH;  // an object of another kind
   if (FAILED(outcome)) return outcome;
+  if (found->returnsObject && result != nullptr) useOwnDispatch(*result);
   outcome = typed.writeBack();
   if (FAILED(outcome) && result != nullptr) (void)::VariantClear(result);
   return outcome;

@@ -1,5 +1,8 @@
 #include "app/glob.h"
 
+#include "app/library.h"
+#include "comm/com.h"
+#include "local_server.h"
 #include "service_objects.h"
 
 namespace voxa::automation {
@@ -26,7 +29,12 @@ class GlobObject final : public Object<::IGlob> {
   }
   STDMETHODIMP Initialize(BSTR* AppDB, BSTR* IniFile, BSTR* LogFile, BSTR* Path) override {
     return call([&] {
-      glob_.Initialize(textBehind(AppDB), textBehind(IniFile), textBehind(LogFile), textBehind(Path));
+      voxa::Com& com = library().Com();
+      setWorkingFolder(com.Chemin, textBehind(Path));
+      setPath(com.AppDB, textBehind(AppDB));
+      setPath(com.IniFile, textBehind(IniFile));
+      setPath(com.logFileName, textBehind(LogFile));
+      glob_.Initialize(com.AppDB, com.IniFile, com.logFileName, com.Chemin);
     });
   }
   STDMETHODIMP insertStrings() override {

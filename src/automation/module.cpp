@@ -24,6 +24,10 @@ bool isModuleUsed() {
   return uses != 0;
 }
 
+long moduleUses() {
+  return uses;
+}
+
 void lockModule(bool lock) {
   uses += lock ? 1 : -1;
 }

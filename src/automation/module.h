@@ -16,6 +16,7 @@ class ModuleUse {
 };
 
 [[nodiscard]] bool isModuleUsed();
+[[nodiscard]] long moduleUses();  ///< how many they are
 void lockModule(bool lock);
 
 /// The handle of the library itself, and its full path.

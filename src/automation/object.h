@@ -77,9 +77,9 @@ class Dual : public Interface {
   }
 };
 
-/// A dual interface whose errors have a description beside the number.
+/// A dual interface whose errors have a description beside the number, and whose class can be asked for.
 template <typename Interface>
-class Reporting : public Dual<Interface>, public ISupportErrorInfo {};
+class Reporting : public Dual<Interface>, public ISupportErrorInfo, public IProvideClassInfo {};
 
 /// What all automation objects share. An object is made with new and deletes itself with its last reference.
 template <typename Interface>
@@ -90,10 +90,16 @@ class Object : public Counted<Reporting<Interface>> {
       return this->answer(static_cast<Interface*>(this), out);
     }
     if (wanted == IID_ISupportErrorInfo) return this->answer(static_cast<ISupportErrorInfo*>(this), out);
+    if (wanted == IID_IProvideClassInfo) return this->answer(static_cast<IProvideClassInfo*>(this), out);
     return this->answer(furtherInterface(wanted), out);
   }
   STDMETHODIMP InterfaceSupportsErrorInfo(REFIID asked) override {
     return asked == __uuidof(Interface) || furtherInterface(asked) != nullptr ? S_OK : S_FALSE;
+  }
+  STDMETHODIMP GetClassInfo(ITypeInfo** info) override {
+    if (info == nullptr) return E_POINTER;
+    *info = nullptr;
+    return this->call([&] { *info = classInformation(__uuidof(Interface)); });
   }
 
  protected:

@@ -26,6 +26,11 @@ std::wstring textOf(const GUID& id) {
   return text;
 }
 
+/// The program that loads the library for others. It lies beside the library.
+std::wstring serverPath(const std::wstring& library) {
+  return library.substr(0, library.find_last_of(L"\\/") + 1) + L"VOXAserver.exe";
+}
+
 /// The keys below Software\Classes of one user or of the machine.
 class Registry {
  public:
@@ -86,6 +91,8 @@ HRESULT install(bool forUser) {
     // There is no ThreadingModel. So all objects live in the process's main apartment, where nothing needs a
     // lock, and the system carries calls from other threads there.
     registry.set(key + L"\\InprocServer32", nullptr, path);
+    // For programs that cannot load the library.
+    registry.set(key + L"\\LocalServer32", nullptr, L"\"" + serverPath(path) + L"\"");
     registry.set(key + L"\\ProgID", nullptr, name);
     registry.set(key + L"\\TypeLib", nullptr, textOf(LIBID_KORVA));
     registry.set(name, nullptr, name);

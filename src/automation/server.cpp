@@ -38,6 +38,12 @@ class ClassFactory final : public Counted<IClassFactory> {
 
 }  // namespace
 
+IClassFactory* newClassFactory(const CreatableClass& made) {
+  auto* const factory = new ClassFactory(made);
+  factory->AddRef();
+  return factory;
+}
+
 }  // namespace voxa::automation
 
 STDAPI DllGetClassObject(REFCLSID classId, REFIID wanted, void** out) {
@@ -48,8 +54,7 @@ STDAPI DllGetClassObject(REFCLSID classId, REFIID wanted, void** out) {
     if (*made.id != classId) continue;
     HRESULT result = E_FAIL;
     const HRESULT failure = guarded(IID_IClassFactory, [&] {
-      auto* const factory = new ClassFactory(made);
-      factory->AddRef();
+      IClassFactory* const factory = newClassFactory(made);
       result = factory->QueryInterface(wanted, out);
       factory->Release();
     });

@@ -35,7 +35,8 @@ class TableContract final : public Dual<::ITable> {
   voxa::ITable& table_;
 };
 
-/// A table object. It has its own interface and ITable, over the table that an accessor of QDB hands out.
+/// A table object. It has its own interface and ITable, over the table that an accessor of QDB hands out. Its
+/// own has the members of ITable, too, since a caller by names sees that one alone.
 template <typename Class, typename Interface, auto accessor>
 class TableObject : public Object<Interface>, public Shared<Class> {
  public:
@@ -45,6 +46,13 @@ class TableObject : public Object<Interface>, public Shared<Class> {
   STDMETHODIMP setTableFlagsD(VARIANT_BOOL flagD, short* status) override {
     return this->give(status, [&] { return table().setTableFlagsD(flagD != 0); });
   }
+  STDMETHODIMP put_Name(BSTR name) override { return contract_.put_Name(name); }
+  STDMETHODIMP getDB(::IDatabase** database) override { return contract_.getDB(database); }
+  STDMETHODIMP create(short* status) override { return contract_.create(status); }
+  STDMETHODIMP createFields(::ITableDef* td) override { return contract_.createFields(td); }
+  STDMETHODIMP createIndexes(::ITableDef* td) override { return contract_.createIndexes(td); }
+  STDMETHODIMP createRelations(short* status) override { return contract_.createRelations(status); }
+  STDMETHODIMP insertDefaultRecs() override { return contract_.insertDefaultRecs(); }
 
  protected:
   [[nodiscard]] static auto& table() { return (library().QDB().*accessor)(); }

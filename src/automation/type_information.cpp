@@ -1,5 +1,7 @@
 #include "type_information.h"
 
+#include <wrl/client.h>
+
 #include <cstring>
 #include <map>
 
@@ -9,6 +11,8 @@
 namespace voxa::automation {
 
 namespace {
+
+using Microsoft::WRL::ComPtr;
 
 struct Less {
   bool operator()(const GUID& a, const GUID& b) const { return std::memcmp(&a, &b, sizeof a) < 0; }
@@ -74,6 +78,19 @@ TypeInformation::Member memberOf(const FUNCDESC& function) {
   return out;
 }
 
+/// A class's own interface is the first in its list.
+bool isOwnInterface(ITypeInfo& type, REFIID interfaceId) {
+  HREFTYPE reference = 0;
+  ComPtr<ITypeInfo> first;
+  TYPEATTR* attributes = nullptr;
+  require(type.GetRefTypeOfImplType(0, &reference));
+  require(type.GetRefTypeInfo(reference, &first));
+  require(first->GetTypeAttr(&attributes));
+  const bool same = attributes->guid == interfaceId;
+  first->ReleaseTypeAttr(attributes);
+  return same;
+}
+
 std::shared_ptr<const TypeInformation> load(REFIID interfaceId) {
   ITypeLib* library = nullptr;
   require(::LoadTypeLibEx(modulePath().c_str(), REGKIND_NONE, &library));
@@ -120,6 +137,21 @@ std::shared_ptr<const TypeInformation> typeInformation(REFIID interfaceId) {
   std::shared_ptr<const TypeInformation>& entry = known()[interfaceId];
   if (!entry) entry = load(interfaceId);
   return entry;
+}
+
+ITypeInfo* classInformation(REFIID interfaceId) {
+  ComPtr<ITypeLib> library;
+  UINT ownIndex = 0;
+  require(typeInformation(interfaceId)->info->GetContainingTypeLib(&library, &ownIndex));
+  for (UINT i = 0; i < library->GetTypeInfoCount(); ++i) {
+    TYPEKIND kind = TKIND_ALIAS;
+    ComPtr<ITypeInfo> type;
+    require(library->GetTypeInfoType(i, &kind));
+    if (kind != TKIND_COCLASS) continue;
+    require(library->GetTypeInfo(i, &type));
+    if (isOwnInterface(*type.Get(), interfaceId)) return type.Detach();
+  }
+  throw Error(err::internalError, "The type library in VOXA.dll lacks a class");
 }
 
 void forgetTypeInformation() {

@@ -34,6 +34,9 @@ struct TypeInformation {
 /// The description of an interface of this library. It is read from the type library in VOXA.dll at first use
 /// and kept until the last object is gone. Raises `err::internalError` when it cannot be read.
 [[nodiscard]] std::shared_ptr<const TypeInformation> typeInformation(REFIID interfaceId);
+/// The description, with its reference counted, of the class that has this interface as its own. Raises
+/// `err::internalError` when there is none.
+[[nodiscard]] ITypeInfo* classInformation(REFIID interfaceId);
 /// Forgets all descriptions. Called when the last object is gone, so that nothing is left to do when the
 /// process ends.
 void forgetTypeInformation();

@@ -33,6 +33,10 @@ Strings::Strings(Context& context) : context_(context) {
 
 Strings::~Strings() = default;
 
+void Strings::openWhenClosed() {
+  if (!isOpen()) openDB();
+}
+
 bool Strings::isOpen() const {
   return store_ && store_->isOpen();
 }

@@ -24,6 +24,8 @@ class Strings : public Messages {
 
   void Initialize() {}  ///< does nothing: the constructor opens the store
 
+  /// Opens the store of the current folder when none is open: it may be another folder now.
+  void openWhenClosed();
   /// Whether the store is open. If not, createDB makes one.
   [[nodiscard]] bool isOpen() const;
   /// The open store; raises `err::objectNotSet` when it is not open.

@@ -36,6 +36,11 @@ DWORD WINAPI useObjects(void* kind) {
               SUCCEEDED(table->createFields(draft.Get())) && SUCCEEDED(draft->get_Fields(&fields)) &&
               SUCCEEDED(fields->get_Count(&count)) && count > 0,
           "an object that is handed back");
+    ComPtr<IDispatch> tableByName;
+    check(SUCCEEDED(table.As(&tableByName)) &&
+              SUCCEEDED(callByName(tableByName.Get(), {L"getDB"}, {}, &result)) && result.vt == VT_DISPATCH,
+          "a table's members by name");
+    (void)::VariantClear(&result);
     check(container->tables(Text(L"BadgeFormat"), &table) == static_cast<HRESULT>(0x800A0005), "an error");
   }
   ::CoUninitialize();

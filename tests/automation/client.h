@@ -42,10 +42,15 @@ class Text {
   BSTR text_;
 };
 
-/// Whether a call failed with a run-time error number, and the error object tells it in words.
+/// The 64-bit client has its objects in a process of their own.
+constexpr bool outOfProcess = sizeof(void*) == 8;
+
+/// Whether a call failed with a run-time error number, and the error object tells it in words. Wine carries
+/// no error objects from one process to another.
 inline bool failsWith(HRESULT result, int number) {
   ComPtr<IErrorInfo> info;
   Text words;
+  if (outOfProcess) return result == static_cast<HRESULT>(0x800A0000 | number);
   return result == static_cast<HRESULT>(0x800A0000 | number) && ::GetErrorInfo(0, &info) == S_OK &&
          SUCCEEDED(info->GetDescription(words.out())) && !words.value().empty();
 }
@@ -53,8 +58,8 @@ inline bool failsWith(HRESULT result, int number) {
 template <typename Interface>
 ComPtr<Interface> create(REFCLSID id) {
   ComPtr<Interface> object;
-  check(SUCCEEDED(::CoCreateInstance(id, nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(&object))),
-        "create a class");
+  const DWORD where = outOfProcess ? CLSCTX_LOCAL_SERVER : CLSCTX_INPROC_SERVER;
+  check(SUCCEEDED(::CoCreateInstance(id, nullptr, where, IID_PPV_ARGS(&object))), "create a class");
   return object;
 }
 
@@ -76,3 +81,6 @@ HRESULT callByName(IDispatch* object, std::vector<const wchar_t*> names, std::ve
 // The parts, each over the open installation.
 void callsByName(IGlob* glob);
 void otherApartments();
+void classesAndTables(IGlob* glob);
+void sharedProcess(IGlob* glob);  ///< of the 64-bit client
+void processEnds();               ///< the same, behind the last object

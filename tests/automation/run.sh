@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Drives VOXA.dll from real 32-bit clients under Wine: the scripts beside this file by the script host, the
-# early-bound client, and the records of tests/conformance by a late-bound one. Needs root, the Windows build in build/windows-x86 and the Wine of scripts/wine.sh.
+# Drives VOXA.dll from real clients under Wine: the scripts beside this file by the script host, the early-bound
+# client, the records of tests/conformance by a late-bound one, and, through VOXAserver.exe, the 64-bit client and the
+# 64-bit script host. Needs root, the Windows build in build/windows-x86 and the Wine of scripts/wine.sh.
 # Usage: run.sh [NAME...]; all of them without a name.
 set -euo pipefail
 cd "$(dirname "$0")/../.."
@@ -15,14 +16,14 @@ failures=0
 new_folder() {
   rm -rf "${work:?}/$1"
   mkdir -p "$work/$1"
-  cp "$build"/{VOXA.dll,TLXP32.dll,voxa.exe,client.exe} "$work/$1"
+  cp "$build"/{VOXA.dll,TLXP32.dll,voxa.exe,VOXAserver.exe,client.exe,client64.exe} "$work/$1"
 }
 
 # A client has passed when its last line says so: the script host ends with 0 after an error, too.
 passes() {
   local name=$1
   shift
-  wine_run "$work/$name" "$@" >"$work/$name/out.txt" 2>"$work/$name/err.txt" || true
+  "$start" "$work/$name" "$@" >"$work/$name/out.txt" 2>"$work/$name/err.txt" || true
   if [ "$(tail -n 1 "$work/$name/out.txt" | tr -d '\r')" = passed ]; then
     echo "Automation: $name passed"
   else
@@ -43,17 +44,24 @@ shows() {
   done <"$work/$1/shown.txt"
 }
 
-# A block of the documentation, as a file beside the example.
-printed() {
-  sed -n "/<!-- $1 -->/,/^\`\`\`\$/p" docs/automation.md | sed '1,2d;$d' >"$work/example/$1"
+# Runs a script of the documentation, which has worked when it prints what the documentation says.
+prints() {
+  local script=$work/$name/$1
+  scripts/automation-reference block "$1.vbs" >"$script.vbs"
+  echo 'WScript.Echo "passed"' >>"$script.vbs"
+  passes "$name" cscript //nologo "$1.vbs"
+  { scripts/automation-reference block "$1.txt" && echo passed; } >"$script.txt"
+  tr -d '\r' <"$work/$name/out.txt" | diff "$script.txt" - || failures=$((failures + 1))
 }
 
+# Names that end with 64 are run on 64-bit Windows, where the 32-bit regsvr32 registers.
 run() {
-  local name=$1
+  local name=$1 start=wine_run register=regsvr32
+  case $name in *64) start=wine_run64 register='C:\windows\syswow64\regsvr32.exe' ;; esac
   new_folder "$name"
-  wine_run "$work/$name" regsvr32 /s VOXA.dll
+  "$start" "$work/$name" "$register" /s VOXA.dll
   case $name in
-    client) passes client client.exe ;;
+    client | client64) passes "$name" "$name.exe" ;;
     conformance)
       cp "$build/conformance.exe" tests/conformance/*.test "$work/conformance"
       passes conformance conformance.exe
@@ -71,18 +79,12 @@ run() {
       } >"$work/manifest/client.exe.manifest"
       passes manifest client.exe
       ;;
+    example64) prints example ;;
     example)
-      # As the documentation prints them, one behind the other: the first has worked when the journal names the card,
-      # the second when it prints what the documentation says.
-      printed example.vbs
-      echo 'If rows.RecordCount = 1 Then WScript.Echo "passed"' >>"$work/example/example.vbs"
-      passes "$name" cscript //nologo example.vbs
-      printed changes.vbs
-      printed changes.txt
-      echo 'WScript.Echo "passed"' >>"$work/example/changes.vbs"
-      echo passed >>"$work/example/changes.txt"
-      passes "$name" cscript //nologo changes.vbs
-      tr -d '\r' <"$work/example/out.txt" | diff "$work/example/changes.txt" - || failures=$((failures + 1))
+      # One behind the other in the same folder.
+      prints example
+      prints changes
+      prints recipes
       ;;
     *)
       cat tests/automation/{check,installation,"$name"}.vbs >"$work/$name/$name.vbs"
@@ -93,7 +95,7 @@ run() {
 }
 
 names=("$@")
-[ ${#names[@]} -gt 0 ] || names=(story values client conformance example manifest)
+[ ${#names[@]} -gt 0 ] || names=(story values client client64 conformance example example64 manifest)
 for name in "${names[@]}"; do run "$name"; done
 wine_run "$work/$name" regsvr32 /u /s VOXA.dll
 exit "$((failures > 0))"

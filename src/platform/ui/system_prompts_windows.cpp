@@ -23,9 +23,12 @@ std::wstring wide(const std::string& text) {
 class DesktopPrompts final : public Prompts {
  public:
   Answer messageBox(const std::string& prompt, int style, const std::string& title) override {
-    // `style` has the same bits as the system's own styles.
-    const int pressed = ::MessageBoxW(::GetActiveWindow(), wide(prompt).c_str(), wide(title).c_str(),
-                                      static_cast<UINT>(style) | MB_TASKMODAL);
+    // `style` has the same bits as the system's own styles. Without a window of the thread's own, the box
+    // would come up behind those of the program that waits for the answer.
+    const HWND owner = ::GetActiveWindow();
+    const int pressed =
+        ::MessageBoxW(owner, wide(prompt).c_str(), wide(title).c_str(),
+                      static_cast<UINT>(style) | MB_TASKMODAL | (owner == nullptr ? MB_SETFOREGROUND : 0U));
     return pressed == 0 ? defaultAnswer(style) : static_cast<Answer>(pressed);
   }
 
