@@ -26,24 +26,31 @@ bool showsFieldsOnly(const dialect::Translation& translation) {
 }  // namespace
 
 ResultRows::ResultRows(std::shared_ptr<SqliteDatabase> database,
-                       std::shared_ptr<const dialect::Translation> translation, bool frozen)
+                       std::shared_ptr<const dialect::Translation> translation, std::string_view source,
+                       bool frozen)
     : database_(std::move(database)),
       translation_(std::move(translation)),
       width_(translation_->columns.size()),
       editable_(!frozen && !translation_->table.empty()),
       live_(!frozen && showsFieldsOnly(*translation_)),
       generation_(database_->generation()) {
-  SqliteDatabase::Room room = database_->takeRoom();
-  rowids_ = std::move(room.rowids);
-  values_ = std::move(room.values);
+  SqliteDatabase::Room& room = database_->room();
+  rowids_.swap(room.rowids);
+  values_.swap(room.values);
+  source_.swap(room.source);
+  source_.assign(source);
 }
 
 ResultRows::~ResultRows() {
+  if (database_ == nullptr) return;  // it was moved
   constexpr std::size_t small = 64;
   if (values_.capacity() > small || rowids_.capacity() > small) return;
   rowids_.clear();
   values_.clear();
-  database_->giveRoom({std::move(rowids_), std::move(values_)});
+  SqliteDatabase::Room& room = database_->room();
+  rowids_.swap(room.rowids);
+  values_.swap(room.values);
+  source_.swap(room.source);
 }
 
 Error ResultRows::rowGone() {
@@ -95,7 +102,7 @@ void ResultRows::take(Statement& statement, int firstColumn) const {
 }
 
 std::shared_ptr<ResultRows> ResultRows::only(const std::vector<std::size_t>& rows, bool frozen) const {
-  auto out = std::make_shared<ResultRows>(database_, translation_, frozen);
+  auto out = std::make_shared<ResultRows>(database_, translation_, source_, frozen);
   for (const std::size_t row : rows) {
     const Value* values = out->live_ ? nullptr : find(row);
     if (!out->live_ && values == nullptr) continue;
