@@ -68,7 +68,7 @@ void addQueryCommand(Command& group, Session& session) {
   querying->add_option("--file", options->file, "A database file instead of the main database");
   auto* csv = querying->add_flag("--csv", options->csv, "As a table with commas");
   querying->add_flag("--json", options->json, "As a JSON array")->excludes(csv);
-  querying->add_flag("--write", options->write, "Carry out a statement that changes rows");
+  querying->add_flag("--write", options->write, "Carry out a statement that changes rows or tables");
   querying->add_flag("--show-pins", options->showPins, "Let it use the personal codes");
   querying->footer(
       "Without --write nothing is changed, not even an older file. With it only the rules of the tables are\n"

@@ -37,7 +37,7 @@ decltype(auto) refusing(Work&& work) {
       case err::dbLocked:
         throw;
       case err::dbInvalidOperation:
-        throw Refusal("the statement changes rows, which it may with --write only");
+        throw Refusal("the statement changes rows or tables, which it may with --write only");
       case err::dbSelectExecuted:
         throw Refusal("the statement only reads: call it without --write");
       case err::dbNoPermission:

@@ -17,7 +17,8 @@ class Clock;
 class DatabaseQuery {
  public:
   struct Rights {
-    bool write = false;  ///< rows may be changed; otherwise the file is opened so that it cannot be
+    bool write =
+        false;  ///< rows and tables may be changed; otherwise the file is opened so that it cannot be
     /// Statements may use the columns that hold personal codes: PINCode of any table, and those of a ledger
     /// that tell what a controller was sent.
     bool codes = false;
@@ -42,7 +43,8 @@ class DatabaseQuery {
   };
   [[nodiscard]] Rows select(const std::string& statement) const;
 
-  /// Carries out an INSERT, UPDATE or DELETE: all of its changes or none. Returns how many rows it touched.
+  /// Carries out a statement that changes rows or definitions: all of its changes or none. Returns how many
+  /// rows it touched.
   [[nodiscard]] int change(const std::string& statement) const;
 
  private:

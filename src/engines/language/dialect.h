@@ -80,8 +80,9 @@ struct Slot {
 using LiteralPairs = std::vector<std::pair<std::size_t, std::size_t>>;
 
 struct Translation {
-  /// into: a query whose rows make the new table `table`.
-  enum class Kind { select, insert, update, remove, into };
+  /// into: a query whose rows make the new table `table`. definition: a text for parseDefinition
+  /// (definition.h), of which nothing else is told here.
+  enum class Kind { select, insert, update, remove, into, definition };
   Kind kind = Kind::select;
   bool unites = false;  ///< select: of several queries that UNION links
   std::string sql;      ///< one SQLite statement with placeholders ?1 ?2 ... in the order of `slots`

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include "engines/language/type_words.h"
 #include "engines/language/words.h"
 #include "platform/text.h"
 
@@ -19,21 +20,6 @@ constexpr std::string_view reservedWords[] = {
     "false",  "from", "group", "having",  "imp",   "in",     "inner",    "insert",      "into",  "is",
     "join",   "left", "like",  "mod",     "not",   "null",   "on",       "or",          "order", "right",
     "select", "set",  "top",   "true",    "union", "update", "values",   "where",       "with",  "xor"};
-
-struct TypeName {
-  std::string_view word;
-  DataType type;
-};
-/// Types of parameters. Integer has 32 bits in this language.
-constexpr TypeName typeNames[] = {
-    {"integer", DataType::Long},    {"long", DataType::Long},        {"int", DataType::Long},
-    {"short", DataType::Integer},   {"smallint", DataType::Integer}, {"byte", DataType::Byte},
-    {"bit", DataType::Boolean},     {"boolean", DataType::Boolean},  {"yesno", DataType::Boolean},
-    {"logical", DataType::Boolean}, {"double", DataType::Double},    {"float", DataType::Double},
-    {"single", DataType::Double},   {"real", DataType::Double},      {"number", DataType::Double},
-    {"currency", DataType::Double}, {"datetime", DataType::Date},    {"date", DataType::Date},
-    {"text", DataType::Text},       {"char", DataType::Text},        {"varchar", DataType::Text},
-    {"string", DataType::Text},     {"memo", DataType::Memo},        {"longtext", DataType::Memo}};
 
 bool isReserved(std::string_view word) {
   return std::any_of(std::begin(reservedWords), std::end(reservedWords),
@@ -98,6 +84,11 @@ std::string_view Parser::name(const char* what) {
   return token.kind == TokenKind::bracketed ? token.text.substr(1, token.text.size() - 2) : token.text;
 }
 
+std::size_t Parser::end() const {
+  if (at_ == 0) return 0;
+  return tokens_[at_ - 1].position + tokens_[at_ - 1].text.size();
+}
+
 void Parser::fail(const std::string& what) const {
   failSyntax(sql_, current().position, what);
 }
@@ -114,7 +105,7 @@ Statement Parser::statement() {
   } else if (skipWord("delete")) {
     remove(out);
   } else {
-    fail("a statement begins with SELECT, INSERT, UPDATE or DELETE");
+    fail("a statement begins with SELECT, INSERT, UPDATE, DELETE, CREATE, ALTER or DROP");
   }
   if (skipWord("with")) {  // which is about rights that files of this system do not have
     expectWord("owneraccess", "OWNERACCESS");
@@ -132,9 +123,8 @@ void Parser::parameters(std::vector<FieldDef>& out) {
   do {
     FieldDef& parameter = out.emplace_back();
     parameter.name = name("the name of a parameter");
-    const auto* type = std::find_if(std::begin(typeNames), std::end(typeNames),
-                                    [&](const TypeName& t) { return atWord(t.word); });
-    if (type == std::end(typeNames)) fail("a parameter needs a type");
+    const TypeWord* type = current().kind == TokenKind::word ? typeOfWord(current().text) : nullptr;
+    if (type == nullptr) fail("a parameter needs a type");
     parameter.type = type->type;
     advance();
     if (skipSymbol('(')) {
@@ -215,7 +205,9 @@ void Parser::selectItem(std::vector<syntax::SelectItem>& out) {
     return;
   }
   item.expression = expression();
+  item.expressionEnd = end();
   if (skipWord("as")) item.alias = name("the name behind AS");
+  item.end = end();
 }
 
 std::vector<Source> Parser::sources() {

@@ -21,6 +21,23 @@ class Parser {
   /// the field stands for them. A value alone is compared with the field.
   [[nodiscard]] syntax::ExpressionPtr rule();
 
+ protected:
+  // Tokens
+  [[nodiscard]] const Token& current() const { return tokens_[at_]; }
+  [[nodiscard]] const Token& following() const;
+  void advance() { at_ += current().kind == TokenKind::end ? 0 : 1; }
+  [[nodiscard]] bool atWord(std::string_view keyword) const;
+  [[nodiscard]] bool atSymbol(char symbol) const;
+  bool skipWord(std::string_view keyword);
+  bool skipSymbol(char symbol);
+  void expectWord(std::string_view keyword, const char* what);
+  void expectSymbol(char symbol, const char* what);
+  [[nodiscard]] bool atName() const;
+  std::string_view name(const char* what);
+  [[nodiscard]] std::string_view sql() const { return sql_; }
+  [[nodiscard]] std::size_t end() const;  ///< behind the last token that was read
+  [[noreturn]] void fail(const std::string& what) const;
+
  private:
   using ExpressionPtr = syntax::ExpressionPtr;
 
@@ -35,20 +52,6 @@ class Parser {
    private:
     Parser& parser_;
   };
-
-  // Tokens
-  [[nodiscard]] const Token& current() const { return tokens_[at_]; }
-  [[nodiscard]] const Token& following() const;
-  void advance() { at_ += current().kind == TokenKind::end ? 0 : 1; }
-  [[nodiscard]] bool atWord(std::string_view keyword) const;
-  [[nodiscard]] bool atSymbol(char symbol) const;
-  bool skipWord(std::string_view keyword);
-  bool skipSymbol(char symbol);
-  void expectWord(std::string_view keyword, const char* what);
-  void expectSymbol(char symbol, const char* what);
-  [[nodiscard]] bool atName() const;
-  std::string_view name(const char* what);
-  [[noreturn]] void fail(const std::string& what) const;
 
   // Statements
   void parameters(std::vector<FieldDef>& out);

@@ -94,6 +94,9 @@ struct SelectItem {
   std::size_t position = 0;
   ExpressionPtr expression;
   std::string_view alias;  ///< "" for none
+  // Where they end in the statement.
+  std::size_t expressionEnd = 0;
+  std::size_t end = 0;  ///< with the alias
 };
 
 struct OrderItem {

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <optional>
 
+#include "engines/language/definition.h"
 #include "engines/language/dialect.h"
 #include "engines/language/parser.h"
 #include "engines/language/writer.h"
@@ -253,6 +254,11 @@ bool Translation::holdsFor(const std::vector<Value>& literals) const {
 }
 
 Translation translate(std::string_view sql, const Schema& schema) {
+  if (isDefinition(sql)) {
+    Translation definition;
+    definition.kind = Translation::Kind::definition;
+    return definition;
+  }
   return Translator(sql, schema).run();
 }
 

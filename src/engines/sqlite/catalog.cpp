@@ -79,7 +79,8 @@ std::vector<ddl::Table> Catalog::read(const std::string& condition) const {
                                     [&](const ddl::Table& t) { return t.definition.name == rows.text(1); });
     if (owner == tables.end()) continue;
     if (auto index = ddl::readIndex(rows.text(2), *owner)) {
-      owner->definition.indexes.push_back(std::move(*index));
+      auto& indexes = owner->definition.indexes;
+      indexes.insert(index->primary ? indexes.begin() : indexes.end(), std::move(*index));
     }
   }
   if (code != SQLITE_DONE) connection_.fail(code);

@@ -159,6 +159,10 @@ void readColumn(Reader& reader, Table& table) {
       if (constraint == required) field.required = true;
       if (constraint.starts_with(requiredBy))
         table.requiredBy.push_back(constraint.substr(requiredBy.size()));
+      if (constraint.starts_with(primaryBy)) {
+        table.primaryBy.push_back(constraint.substr(primaryBy.size()));
+        table.keyApart = true;
+      }
     } else if (reader.take("DEFAULT")) {
       field.defaultValue = reader.literal(field);
     } else if (reader.take("CHECK")) {
@@ -172,7 +176,8 @@ void readColumn(Reader& reader, Table& table) {
       reader.need("KEY");
       reader.need("AUTOINCREMENT");
       field.autoIncrement = true;
-      table.definition.indexes.push_back({constraint, {field.name}, true, true, true});
+      if (constraint != numbered)
+        table.definition.indexes.push_back({constraint, {field.name}, true, true, true});
     } else {
       break;
     }
@@ -244,8 +249,11 @@ std::optional<IndexDef> readIndex(std::string_view sql, const Table& table) {
   index.fields = reader.names();
   index.name.erase(0, index.name.find('.') + 1);
   if (index.name.find('.') != std::string::npos) return std::nullopt;
-  index.required =
-      std::find(table.requiredBy.begin(), table.requiredBy.end(), index.name) != table.requiredBy.end();
+  const auto listed = [&](const std::vector<std::string>& names) {
+    return std::find(names.begin(), names.end(), index.name) != names.end();
+  };
+  index.primary = listed(table.primaryBy);
+  index.required = index.primary || listed(table.requiredBy);
   return index;
 }
 

@@ -58,15 +58,10 @@ std::string defaultText(const FieldDef& field) {
 }
 
 void checkNumbered(const TableDef& table) {
-  for (const FieldDef& field : table.fields) {
-    if (!field.autoIncrement) continue;
-    const bool keyed = std::any_of(table.indexes.begin(), table.indexes.end(), [&](const IndexDef& index) {
-      return index.primary && index.fields.size() == 1 && equalNoCase(index.fields[0], field.name);
-    });
-    if (!keyed) {
-      throw Error(err::dbInvalidArgument,
-                  "Auto-increment field '" + field.name + "' must be the primary key of its table");
-    }
+  const auto count = std::count_if(table.fields.begin(), table.fields.end(),
+                                   [](const FieldDef& field) { return field.autoIncrement; });
+  if (count > 1) {
+    throw Error(err::dbInvalidArgument, "Table '" + table.name + "' has two auto-increment fields");
   }
 }
 
@@ -186,21 +181,27 @@ TableDef normalised(const TableDef& definition, const Clock& clock) {
   return out;
 }
 
-std::string column(const FieldDef& field, const std::vector<IndexDef>& indexes, const Clock& clock) {
+namespace {
+
+/// The constraint that needs a value in each field of an index.
+std::string needsValue(const FieldDef& field, const IndexDef& index, bool apart) {
+  // A numbered column takes its number when the value is Null, so its key must allow Null.
+  if (!index.required || !contains(index.fields, field.name) || (index.primary && field.autoIncrement))
+    return {};
+  return constraint(std::string(apart ? primaryBy : requiredBy) + index.name) + " NOT NULL";
+}
+
+std::string column(const FieldDef& field, const Table& table, const Clock& clock) {
   std::string text = quoteName(field.name) + " " + typeText(field);
+  const std::vector<IndexDef>& indexes = table.definition.indexes;
   if (field.autoIncrement) {
-    const auto primary =
-        std::find_if(indexes.begin(), indexes.end(), [](const IndexDef& i) { return i.primary; });
-    text += constraint(primary->name) + " PRIMARY KEY AUTOINCREMENT";
+    const auto key = std::find_if(indexes.begin(), indexes.end(), [&](const IndexDef& index) {
+      return isNumberedKey(table.definition, index);
+    });
+    text += constraint(key == indexes.end() ? numbered : key->name) + " PRIMARY KEY AUTOINCREMENT";
   }
   if (field.required) text += constraint(required) + " NOT NULL";
-  for (const IndexDef& index : indexes) {
-    // A numbered column takes its number when the value is Null, so it must allow Null.
-    if (!index.required || !contains(index.fields, field.name) || (index.primary && field.autoIncrement)) {
-      continue;
-    }
-    text += constraint(std::string(requiredBy) + index.name) + " NOT NULL";
-  }
+  for (const IndexDef& index : indexes) text += needsValue(field, index, index.primary && table.keyApart);
   if (field.type == DataType::Boolean) text += " NOT NULL";
   text += defaultText(field);
   if (isText(field.type) && !field.allowZeroLength) {
@@ -214,24 +215,52 @@ std::string column(const FieldDef& field, const std::vector<IndexDef>& indexes, 
   return text;
 }
 
-std::string createTable(const TableDef& definition, const Clock& clock) {
-  std::string table = "CREATE TABLE " + quoteName(definition.name) + " (";
-  bool numbered = false;
+}  // namespace
+
+std::string column(const FieldDef& field, const Clock& clock) {
+  return column(field, Table{.definition = {"", {field}, {}}}, clock);
+}
+
+bool isNumberedKey(const TableDef& table, const IndexDef& index) {
+  return index.primary && index.fields.size() == 1 && table.field(index.fields[0]) != nullptr &&
+         table.field(index.fields[0])->autoIncrement;
+}
+
+std::string indexName(const std::string& table, const IndexDef& index) {
+  return table + "." + index.name;
+}
+
+std::string createIndex(const std::string& table, const IndexDef& index) {
+  return std::string("CREATE ") + (index.unique ? "UNIQUE " : "") + "INDEX " +
+         quoteName(indexName(table, index)) + " ON " + quoteName(table) + " (" + quoteNames(index.fields) +
+         ")";
+}
+
+std::string tableText(const Table& table, const Clock& clock) {
+  const TableDef& definition = table.definition;
+  std::string text = "CREATE TABLE " + quoteName(definition.name) + " (";
   for (const FieldDef& field : definition.fields) {
-    table += (&field == &definition.fields.front() ? "" : ", ") + column(field, definition.indexes, clock);
-    numbered = numbered || field.autoIncrement;
+    text += (&field == &definition.fields.front() ? "" : ", ") + column(field, table, clock);
   }
+  for (const IndexDef& index : definition.indexes) {
+    if (!index.primary || table.keyApart || isNumberedKey(definition, index)) continue;
+    text += "," + constraint(index.name) + " PRIMARY KEY (" + quoteNames(index.fields) + ")";
+  }
+  for (const Relation& relation : table.relations) text += ", " + foreignKey(relation);
+  return text + ")";
+}
+
+std::string createTable(const TableDef& definition, const Clock& clock) {
+  Table table{.definition = definition};
+  const bool numberedField = std::any_of(definition.fields.begin(), definition.fields.end(),
+                                         [](const FieldDef& field) { return field.autoIncrement; });
   std::string indexes;
   for (const IndexDef& index : definition.indexes) {
-    if (!index.primary) {
-      indexes += std::string("; CREATE ") + (index.unique ? "UNIQUE " : "") + "INDEX " +
-                 quoteName(definition.name + "." + index.name) + " ON " + quoteName(definition.name) + " (" +
-                 quoteNames(index.fields) + ")";
-    } else if (!numbered) {
-      table += "," + constraint(index.name) + " PRIMARY KEY (" + quoteNames(index.fields) + ")";
-    }
+    const bool numberedKey = isNumberedKey(definition, index);
+    if (index.primary) table.keyApart = numberedField && !numberedKey;
+    if (!index.primary || table.keyApart) indexes += "; " + createIndex(definition.name, index);
   }
-  return table + ")" + indexes;
+  return tableText(table, clock) + indexes;
 }
 
 std::string foreignKey(const Relation& relation) {
@@ -245,6 +274,27 @@ std::string foreignKey(const Relation& relation) {
   return constraint(relation.name).substr(1) + " FOREIGN KEY (" + quoteNames(foreign) + ") REFERENCES " +
          quoteName(relation.table) + " (" + quoteNames(primary) + ") ON UPDATE " +
          action(relation.cascadeUpdate) + " ON DELETE " + action(relation.cascadeDelete);
+}
+
+std::string createRelationIndex(const Relation& relation) {
+  std::vector<std::string> foreign;
+  for (const auto& fields : relation.fields) foreign.push_back(fields.second);
+  return "CREATE INDEX " + quoteName(relationIndexName(relation)) + " ON " +
+         quoteName(relation.foreignTable) + " (" + quoteNames(foreign) + ")";
+}
+
+bool hasUniqueIndex(const TableDef& table, const std::vector<std::string>& fields) {
+  return std::any_of(table.indexes.begin(), table.indexes.end(), [&](const IndexDef& index) {
+    return index.unique && index.fields.size() == fields.size() &&
+           std::is_permutation(index.fields.begin(), index.fields.end(), fields.begin(), equalNoCase);
+  });
+}
+
+bool hasIndexOn(const TableDef& table, const std::vector<std::string>& fields) {
+  return std::any_of(table.indexes.begin(), table.indexes.end(), [&](const IndexDef& index) {
+    return index.fields.size() >= fields.size() &&
+           std::equal(fields.begin(), fields.end(), index.fields.begin(), equalNoCase);
+  });
 }
 
 std::string relationIndexName(const Relation& relation) {

@@ -34,7 +34,7 @@ using Input = std::pair<const Value*, const FieldDef*>;
 /// rows: whether the statement must give rows.
 void requireKind(const dialect::Translation& translation, bool rows) {
   if (rows == (translation.kind == dialect::Translation::Kind::select)) return;
-  if (rows) throw Error(err::dbInvalidOperation, "A query that changes rows has no rows to open");
+  if (rows) throw Error(err::dbInvalidOperation, "A statement that makes changes has no rows to open");
   throw Error(err::dbSelectExecuted, "A query that selects rows cannot be executed");
 }
 
@@ -242,6 +242,9 @@ SqliteDatabase::Owned SqliteDatabase::translateChange(std::string_view sql) {
   Owned change{std::move(made), scanned_.literals, {}};
   const dialect::Translation& translation = *change.prepared.translation;
   requireKind(translation, false);
+  using Kind = dialect::Translation::Kind;
+  if (translation.kind == Kind::into || translation.kind == Kind::definition)
+    throw Error(err::dbInvalidOperation, "A statement that makes or changes a table cannot be prepared");
   for (const dialect::Slot& slot : translation.slots) {
     change.parameters.push_back(slot.literal || slot.constant ? 0
                                                               : declaredIndex(translation, slot.parameter));
@@ -330,7 +333,14 @@ int SqliteDatabase::execute(std::string_view sql, const Parameters& parameters) 
   return session_->guarded([&] {
     beginChange();
     std::shared_ptr<const dialect::Translation> translation;
+    bool defined = false;
     const int code = withPrepared(sql, false, parameters, [&](Prepared& prepared, const auto& /*bindTo*/) {
+      if (prepared.translation->kind == dialect::Translation::Kind::definition) {
+        const auto named = opened().names.find(std::string(sql));
+        define(std::string(named == opened().names.end() ? sql : std::string_view(named->second)));
+        defined = true;
+        return SQLITE_DONE;
+      }
       if (prepared.translation->kind == dialect::Translation::Kind::into) {
         const auto kept = prepared.translation;  // the cache goes with the schema
         const std::vector<Value> literals = scanned_.literals;
@@ -348,7 +358,7 @@ int SqliteDatabase::execute(std::string_view sql, const Parameters& parameters) 
     });
     if (code != SQLITE_DONE) failChange(code, translation->table);
     ++generation_;
-    return file().connection.changes();
+    return defined ? 0 : file().connection.changes();
   });
 }
 

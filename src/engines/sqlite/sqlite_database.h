@@ -19,11 +19,12 @@
 
 namespace voxa {
 
-/// One open database file of the embedded engine. Definitions (tables, relations, stored queries), their
-/// version and copies of the file are in sqlite_schema.cpp, the way from a text to a statement in
-/// statement_texts.cpp, everything else in sqlite_database.cpp.
 class ResultRows;
 
+/// One open database file of the embedded engine. Definitions (tables, relations, stored queries), their
+/// version and copies of the file are in sqlite_schema.cpp, changes of tables that exist in
+/// schema_changes.cpp, statements of definitions in definition_statements.cpp, the way from a text to a
+/// statement in statement_texts.cpp, everything else in sqlite_database.cpp.
 class SqliteDatabase final : public Database, public std::enable_shared_from_this<SqliteDatabase> {
  public:
   /// path: full and native, of a file that is known to be a database of this engine. connection: to it; in a
@@ -56,12 +57,18 @@ class SqliteDatabase final : public Database, public std::enable_shared_from_thi
   void createTable(const TableDef& definition) override;
   void addField(std::string_view table, const FieldDef& definition) override;
   void deleteTable(std::string_view table) override;
+  void addIndex(std::string_view table, const IndexDef& index) override;
+  void deleteIndex(std::string_view table, std::string_view index) override;
+  void alterField(std::string_view table, const FieldDef& definition) override;
+  void deleteField(std::string_view table, std::string_view field) override;
 
   [[nodiscard]] std::vector<Relation> relations() const override;
   void createRelation(const Relation& relation) override;
+  void deleteRelation(std::string_view name) override;
 
   [[nodiscard]] std::vector<QueryDef> queries() const override;
   void createQuery(const QueryDef& query) override;
+  void deleteQuery(std::string_view name) override;
 
   // For the recordsets and the engine.
 
@@ -140,6 +147,22 @@ class SqliteDatabase final : public Database, public std::enable_shared_from_thi
   OpenFile& file()
       const;  ///< the same, after the relations that were put off are written; for all that changes rows
   void writeRelations(const std::vector<Relation>& relations) const;
+  /// Lets `write` change the rows of the schema, and has all users read it again.
+  void writeSchema(const std::function<void(Connection&)>& write) const;
+  /// Runs a change of definitions as one step: after a failure nothing of it is left.
+  void redefine(const std::function<void(OpenFile&)>& change);
+  [[nodiscard]] ddl::Table storedTable(std::string_view name) const;
+  [[nodiscard]] bool hasIndexNamed(const std::string& name) const;
+  /// Writes the text of a table anew. Its rows stay as they are. alongside: another statement on the schema.
+  void rewrite(const ddl::Table& table, const std::string& alongside = {});
+  /// 3112 when a field is secret: what indexes and relations refuse tells what rows hold.
+  void requireUsable(const TableDef& table, const std::vector<std::string>& fields) const;
+  void refuseIfBound(const TableDef& table, const std::string& field, const char* what) const;
+  // Statements of definitions
+  void define(std::string_view sql);
+  [[nodiscard]] Relation completed(Relation relation) const;
+  void requireField(std::string_view table, const std::string& name);
+  void deleteConstraint(std::string_view table, const std::string& name);
   /// The statement for a text, a table name or a query name. Its literals are in scanned_.
   Prepared& prepared(std::string_view source);
   Prepared translate(std::string_view sql);

@@ -16,22 +16,6 @@ Error noField(std::string_view field, const TableDef& table) {
   return {err::dbNotInCollection, "Table '" + table.name + "' has no field '" + std::string(field) + "'"};
 }
 
-/// Whether a primary or unique index is on exactly these fields, in any order.
-bool hasUniqueIndex(const TableDef& table, const std::vector<std::string>& fields) {
-  return std::any_of(table.indexes.begin(), table.indexes.end(), [&](const IndexDef& index) {
-    return index.unique && index.fields.size() == fields.size() &&
-           std::is_permutation(index.fields.begin(), index.fields.end(), fields.begin(), equalNoCase);
-  });
-}
-
-/// Whether an index begins with these fields, so that another one would be useless.
-bool hasIndexOn(const TableDef& table, const std::vector<std::string>& fields) {
-  return std::any_of(table.indexes.begin(), table.indexes.end(), [&](const IndexDef& index) {
-    return index.fields.size() >= fields.size() &&
-           std::equal(fields.begin(), fields.end(), index.fields.begin(), equalNoCase);
-  });
-}
-
 /// Query that tells (1 or 0) whether a table has rows.
 std::string anyRow(const std::string& table) {
   return "SELECT EXISTS (SELECT 1 FROM " + ddl::quoteName(table) + ")";
@@ -163,7 +147,7 @@ void SqliteDatabase::addField(std::string_view table, const FieldDef& definition
                                        "' needs a value, and the rows there would have none");
     }
     open.connection.run("ALTER TABLE " + ddl::quoteName(owner.name) + " ADD COLUMN " +
-                        ddl::column(field, {}, session_->clock));
+                        ddl::column(field, session_->clock));
     open.catalog.update(owner.name);
     finish(step);
     ++generation_;
@@ -226,7 +210,9 @@ void SqliteDatabase::createRelation(const Relation& relation) {
       primaryFields.push_back(own = ownField->name);
       foreignFields.push_back(other = otherField->name);
     }
-    if (!hasUniqueIndex(primary, primaryFields)) {
+    requireUsable(primary, primaryFields);
+    requireUsable(foreign, foreignFields);
+    if (!ddl::hasUniqueIndex(primary, primaryFields)) {
       throw Error(err::dbNoUniqueIndex, "Relation '" + relation.name + "' needs a unique index of table '" +
                                             primary.name + "' on the fields that it refers to");
     }
@@ -236,10 +222,7 @@ void SqliteDatabase::createRelation(const Relation& relation) {
                                              foreign.name + "' refer to rows that table '" + primary.name +
                                              "' has not");
     }
-    if (!hasIndexOn(foreign, foreignFields)) {
-      open.connection.run("CREATE INDEX " + ddl::quoteName(ddl::relationIndexName(exact)) + " ON " +
-                          ddl::quoteName(foreign.name) + " (" + ddl::quoteNames(foreignFields) + ")");
-    }
+    if (!ddl::hasIndexOn(foreign, foreignFields)) open.connection.run(ddl::createRelationIndex(exact));
     if (!session_->inTransaction) writeRelations({exact});
     open.catalog.add(exact);
     finish(step);
@@ -250,11 +233,25 @@ void SqliteDatabase::createRelation(const Relation& relation) {
 /// SQLite adds a constraint to a table only when it makes the table. A change of the schema's text leaves the
 /// rows as they are; SQLite's documentation describes that way. SQLite then reads the schema again. Other
 /// users do so, too, since the version of the schema has changed.
-void SqliteDatabase::writeRelations(const std::vector<Relation>& relations) const {
+void SqliteDatabase::writeSchema(const std::function<void(Connection&)>& write) const {
   OpenFile& open = opened();
   open.connection.allowSchemaWrites(true);
   try {
-    Statement append = open.connection.prepare(
+    write(open.connection);
+  } catch (...) {
+    open.connection.allowSchemaWrites(false);
+    throw;
+  }
+  open.connection.allowSchemaWrites(false);
+  const std::int64_t version = open.connection.number("PRAGMA schema_version");
+  open.connection.run("PRAGMA schema_version=" + std::to_string(version + 1));
+  open.connection.run("PRAGMA writable_schema=RESET");
+  open.catalog.versionChanged();
+}
+
+void SqliteDatabase::writeRelations(const std::vector<Relation>& relations) const {
+  writeSchema([&](Connection& connection) {
+    Statement append = connection.prepare(
         "UPDATE sqlite_schema SET sql = substr(sql, 1, length(sql) - 1) || ?1 WHERE type = 'table' AND name "
         "= ?2");
     std::string constraints;
@@ -267,18 +264,10 @@ void SqliteDatabase::writeRelations(const std::vector<Relation>& relations) cons
       append.bind(1, end);
       append.bind(2, table);
       const int code = append.step();
-      if (code != SQLITE_DONE) open.connection.fail(code);
+      if (code != SQLITE_DONE) connection.fail(code);
       append.reset();
     }
-  } catch (...) {
-    open.connection.allowSchemaWrites(false);
-    throw;
-  }
-  open.connection.allowSchemaWrites(false);
-  const std::int64_t version = open.connection.number("PRAGMA schema_version");
-  open.connection.run("PRAGMA schema_version=" + std::to_string(version + 1));
-  open.connection.run("PRAGMA writable_schema=RESET");
-  open.catalog.versionChanged();
+  });
 }
 
 std::vector<QueryDef> SqliteDatabase::queries() const {

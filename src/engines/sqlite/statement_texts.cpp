@@ -37,14 +37,6 @@ bool isBareName(std::string_view source) {
           !isOneOf(token, {"select", "insert", "update", "delete", "parameters"}));
 }
 
-/// Whether a text begins as a statement that defines something.
-bool isDefinition(std::string_view sql) {
-  dialect::Lexer lexer(sql);
-  dialect::Token token;
-  lexer.next(token);
-  return isOneOf(token, {"create", "alter", "drop"});
-}
-
 /// The prepared statement of a scanned source; null when its literals need another translation.
 Prepared* findPrepared(StatementCache& translated, const dialect::Scanned& scanned) {
   Prepared* found = translated.find(scanned.key);
@@ -114,7 +106,6 @@ Prepared& SqliteDatabase::prepared(std::string_view source) {
 
 QueryInfo SqliteDatabase::describe(std::string_view source) {
   return session_->guarded([&] {
-    if (isDefinition(source)) return QueryInfo{.kind = QueryInfo::Kind::definition};
     const dialect::Translation& translation = *prepared(source).translation;
     using Kind = dialect::Translation::Kind;
     QueryInfo info;
@@ -133,6 +124,9 @@ QueryInfo SqliteDatabase::describe(std::string_view source) {
         break;
       case Kind::into:
         info.kind = QueryInfo::Kind::makeTable;
+        break;
+      case Kind::definition:
+        info.kind = QueryInfo::Kind::definition;
         break;
     }
     info.parameters = translation.parameters;

@@ -53,11 +53,11 @@ class Database {
   virtual void close() = 0;
   [[nodiscard]] virtual bool isOpen() const = 0;
 
-  /// Runs one INSERT, UPDATE or DELETE statement, or the stored query of that name. All of its changes are
-  /// made, or none. Returns the number of rows that it changed. Text behind the statement's end is an error
-  /// (3075). parameters: as for openRecordset.
+  /// Runs one statement that changes rows or definitions (CREATE, ALTER, DROP), or the stored query of that
+  /// name. All of its changes are made, or none. Returns the number of rows that it changed. Text behind the
+  /// statement's end is an error (3075). parameters: as for openRecordset.
   virtual int execute(std::string_view sql, const Parameters& parameters = {}) = 0;
-  /// Prepares such a statement for many runs.
+  /// Prepares a statement that changes rows for many runs.
   [[nodiscard]] virtual std::unique_ptr<Command> prepare(std::string_view sql) = 0;
   /// Opens the rows of a SELECT statement, or of the table or stored query of that name. parameters: a value
   /// for each parameter. One without a value raises 3061. 3219 for table kind when the source is no table
@@ -99,13 +99,27 @@ class Database {
   virtual void addField(std::string_view table,
                         const FieldDef& definition) = 0;  ///< existing rows get its default
   virtual void deleteTable(std::string_view table) = 0;
+  /// 3022 when rows have the same values in a unique index, 3058 when they have none in a primary or required
+  /// one, 3001 for a second primary key or a name that is taken, 3265 for an unknown field.
+  virtual void addIndex(std::string_view table, const IndexDef& index) = 0;
+  /// 3265 when there is none of that name, 3281 when a relation needs it.
+  virtual void deleteIndex(std::string_view table, std::string_view index) = 0;
+  /// Gives the field of that name another definition, and converts the values of its rows as if they were
+  /// stored anew. Nothing is lost: 3421, 6 or 3163 for a value that the other type or size cannot hold, 3314,
+  /// 3315, 3317 for one that the definition forbids, 3280 for another type while an index or relation needs
+  /// the field, 3001 when it would become a numbered field, or cease to be one.
+  virtual void alterField(std::string_view table, const FieldDef& definition) = 0;
+  /// 3265 when there is none, 3280 when an index or relation needs it, 3001 for the last field.
+  virtual void deleteField(std::string_view table, std::string_view field) = 0;
 
   [[nodiscard]] virtual std::vector<Relation> relations() const = 0;
   /// 3366 without a unique index on the primary side, 3201 when existing rows break it.
   virtual void createRelation(const Relation& relation) = 0;
+  virtual void deleteRelation(std::string_view name) = 0;  ///< 3265 when there is none
 
   [[nodiscard]] virtual std::vector<QueryDef> queries() const = 0;
   virtual void createQuery(const QueryDef& query) = 0;  ///< the text is checked at first use
+  virtual void deleteQuery(std::string_view name) = 0;  ///< 3265 when there is none
 };
 
 /// Returns the handle itself; raises `err::objectNotSet` when it is empty or its database is closed.

@@ -39,6 +39,7 @@ TEST_F(Language, ASecretColumnIsMaskedByAStarAndUsedByNothing) {
   db->createQuery({"Stored", "select Name from Stations where Active"});
   const auto careful = makeSqliteEngine(clock, {.secrets = {{"", "PINCode"}, {"Stations", "Active"}}});
   const auto guarded = careful->open(file);
+  guarded->execute("create view Hidden as select pincode as P from Codes");
   const auto shown = [&](const char* sql) {
     std::string all;
     for (const auto rows = guarded->openRecordset(sql); !rows->eof(); rows->moveNext()) {
@@ -74,16 +75,20 @@ TEST_F(Language, ASecretColumnIsMaskedByAStarAndUsedByNothing) {
       "select '1' < any (select pincode from Codes)|select '1' < all (select * from Codes)|"
       "select Name from Stations union select pincode from Codes|select * into Copy from Codes|"
       "update Stations s, Codes c set s.Name = c.pincode|"
-      "delete s.* from Stations s inner join Codes c on c.pincode > '2'");
+      "delete s.* from Stations s inner join Codes c on c.pincode > '2'|Hidden|select P from Hidden|"
+      "create index I on Codes (pincode)|alter table Codes alter column pincode text(2)|"
+      "create table F (Name text(9) references Codes (pincode))|alter table Codes drop pincode|"
+      "create table F (pincode long references Readers (Id))");
   int tried = 0;
   for (std::string sql; std::getline(attempts, sql, '|'); ++tried) {
     const bool changes = sql.starts_with("insert") || sql.starts_with("update") ||
-                         sql.starts_with("delete") || sql.find(" into ") != sql.npos;
+                         sql.starts_with("delete") || sql.starts_with("create") || sql.starts_with("alter") ||
+                         sql.find(" into ") != sql.npos;
     EXPECT_EQ(errorOf([&] { changes ? (void)guarded->execute(sql) : (void)guarded->openRecordset(sql); }),
               err::dbNoPermission)
         << sql;
   }
-  EXPECT_EQ(tried, 39);
+  EXPECT_EQ(tried, 46);
   EXPECT_EQ(errorOf([&] { guarded->openRecordset("Codes")->edit(); }), err::dbNotUpdatable);
   EXPECT_EQ(errorOf([&] { (void)guarded->openRecordset("select Id from Stations")->findFirst("Active"); }),
             err::dbNoPermission);

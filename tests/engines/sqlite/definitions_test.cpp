@@ -54,7 +54,9 @@ TEST_F(Definitions, BadOnesAreRefusedWhole) {
       {table({}), err::dbInvalidArgument},
       {table({a, {"a", DataType::Date}}), err::dbDuplicateField},
       {table({a}, {{"I", {"B"}}}), err::dbNotInCollection},
-      {table({{.name = "A", .type = DataType::Long, .autoIncrement = true}}), err::dbInvalidArgument},
+      {table({{.name = "A", .type = DataType::Long, .autoIncrement = true},
+              {.name = "B", .type = DataType::Long, .autoIncrement = true}}),
+       err::dbInvalidArgument},
       {table({{"A", DataType::Text, 256}}), err::dbInvalidArgument},
       {table({{.name = "A", .type = DataType::Byte, .defaultValue = 300}}), err::overflow},
       {table({{.name = "A", .type = DataType::Byte, .validationRule = ">= <="}}), err::dbSyntax}};
@@ -97,6 +99,52 @@ TEST_F(Definitions, ChangesOfAnotherUserAreSeen) {
   EXPECT_EQ(db->execute("update Stations set Active = False"), 1);
   EXPECT_EQ(valueOf("select Active from Stations").isText(), true);
   EXPECT_EQ(db->tableDef("Stations"), stations);
+}
+
+// A key that is part of the table's text goes and comes back as an index of its own; a transaction takes all
+// of it back, and another user follows every step.
+TEST_F(Definitions, KeysAndFieldsOfATableWithRowsChange) {
+  db->execute("create table P (A long constraint K primary key, B text(3) not null)");
+  db->execute("create table C (A long constraint R references P on delete cascade, Old text(9), New byte)");
+  db->execute("insert into P values (1, 'x')");
+  db->execute("insert into C values (1, 'y', 2)");
+  const TableDef p = db->tableDef("P");
+  const TableDef c = db->tableDef("C");
+  const auto other = engine->open(file);
+  EXPECT_EQ(failure([&] { db->deleteIndex("P", "K"); }), err::dbInUse);
+  for (const bool kept : {false, true}) {
+    engine->begin();
+    db->deleteRelation("r");
+    db->deleteIndex("P", "k");
+    db->execute("insert into P values (1, 'z')");
+    EXPECT_EQ(failure([&] { db->addIndex("P", p.indexes[0]); }), err::dbDuplicate);
+    db->execute("delete from P where B = 'z'");
+    db->addIndex("P", p.indexes[0]);
+    db->deleteField("C", "Old");
+    db->alterField("C", {.name = "New", .type = DataType::Text, .size = 5});
+    db->execute("alter table C add constraint R2 foreign key (A) references P on delete cascade");
+    kept ? engine->commit() : engine->rollback();
+    if (!kept) {
+      EXPECT_EQ(db->tableDef("C"), c);
+      EXPECT_EQ(db->relations()[0].name, "R");
+    }
+  }
+  for (const auto& user : {db, other}) {
+    EXPECT_EQ(user->tableDef("P"), p);
+    EXPECT_EQ(user->tableDef("C").fields.size(), 2U);
+    EXPECT_EQ(user->openRecordset("C")->get("New"), Value("2"));
+    EXPECT_EQ(failure([&] { user->execute("insert into P values (1, 'w')"); }), err::dbDuplicate);
+    EXPECT_EQ(failure([&] { user->execute("insert into P (B) values ('w')"); }), err::dbNullKey);
+  }
+  other->execute("create procedure Q as delete from P");
+  EXPECT_EQ(db->execute("Q"), 1);
+  EXPECT_EQ(valueOf("select count(*) from C"), Value(0));
+  other->deleteQuery("Q");
+  other->createQuery({"Q", "insert into P values (5, 'v')"});
+  EXPECT_EQ(db->execute("Q"), 1);
+  EXPECT_EQ(valueOf("select A from P"), Value(5));
+  reopen();
+  EXPECT_EQ(db->tableDef("P"), p);
 }
 
 TEST_F(Definitions, StoredQueriesRunWithTheirParameters) {
