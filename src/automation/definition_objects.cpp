@@ -82,8 +82,9 @@ class DefinedFieldObject final : public Object<::IField> {
   }
 
   static DataType dataType(short type) {
-    for (const DataType known : {DataType::Boolean, DataType::Byte, DataType::Integer, DataType::Long,
-                                 DataType::Double, DataType::Date, DataType::Text, DataType::Memo}) {
+    for (const DataType known :
+         {DataType::Boolean, DataType::Byte, DataType::Integer, DataType::Long, DataType::Currency,
+          DataType::Single, DataType::Double, DataType::Date, DataType::Text, DataType::Memo}) {
       if (static_cast<short>(known) == type) return known;
     }
     throw Error(err::dbInvalidArgument, "There is no field type " + std::to_string(type));

@@ -19,7 +19,9 @@ long sizeOf(const FieldDef& field) {
     case DataType::Integer:
       return 2;
     case DataType::Long:
+    case DataType::Single:
       return 4;
+    case DataType::Currency:
     case DataType::Double:
     case DataType::Date:
       return 8;

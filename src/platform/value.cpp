@@ -21,7 +21,7 @@ struct Overloaded : Fs... {
 template <typename... Fs>
 Overloaded(Fs...) -> Overloaded<Fs...>;
 
-constexpr int certain = 15;  // digits
+constexpr int certainCount = 15;  // digits
 
 /// The text in quotes, short enough for a message.
 std::string quoted(std::string_view text) {
@@ -57,7 +57,7 @@ std::string doubleText(double v) {
   const std::size_t point = digits.find('.');
   const int fraction = point == std::string::npos ? 0 : static_cast<int>(digits.size() - point) - 1;
   const int places = std::max(fraction - exponent, 0);
-  if (exponent < certain && places <= certain) {
+  if (exponent < certainCount && places <= certainCount) {
     char buffer[64];
     return {buffer, std::to_chars(buffer, buffer + sizeof buffer, v, std::chars_format::fixed, places).ptr};
   }
@@ -135,6 +135,10 @@ Value convert(const Value& value, DataType type, int size, const Clock* clock) {
       return value.toInt16();
     case DataType::Long:
       return value.toInt32();
+    case DataType::Currency:
+      return toCurrency(value.toDouble());
+    case DataType::Single:
+      return toSingle(value.toDouble());
     case DataType::Double:
       return finite(value.toDouble());
     case DataType::Date:
@@ -191,9 +195,33 @@ DateTime Value::toDateTime(const Clock* clock) const {
 
 std::string certainDigits(double number) {
   char buffer[32];
-  return {
-      buffer,
-      std::to_chars(buffer, buffer + sizeof buffer, number, std::chars_format::scientific, certain - 1).ptr};
+  return {buffer, std::to_chars(buffer, buffer + sizeof buffer, number, std::chars_format::scientific,
+                                certainCount - 1)
+                      .ptr};
+}
+
+double certain(double number) {
+  const std::string digits = certainDigits(number);
+  double value = number;
+  (void)std::from_chars(digits.data(), digits.data() + digits.size(), value);
+  return value;
+}
+
+double toCurrency(double number) {
+  constexpr double parts = 10'000;
+  constexpr double most = 922'337'203'685'477.0;
+  if (!(std::fabs(number) <= most)) failRange(doubleText(number), "amounts");
+  return std::nearbyint(certain(number * parts)) / parts;  // the default rounding mode is half to even
+}
+
+double toSingle(double number) {
+  if (!(std::fabs(number) <= std::numeric_limits<float>::max()))
+    failRange(doubleText(number), "single numbers");
+  char buffer[32];
+  const auto end = std::to_chars(buffer, buffer + sizeof buffer, static_cast<float>(number)).ptr;
+  double digits = 0;
+  (void)std::from_chars(buffer, end, digits);
+  return digits;
 }
 
 std::string Value::toText() const {

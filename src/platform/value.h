@@ -16,13 +16,20 @@ class Clock;
 enum class DataType : std::uint8_t {
   Boolean = 1,
   Byte = 2,
-  Integer = 3,  ///< 16-bit signed
-  Long = 4,     ///< 32-bit signed
+  Integer = 3,   ///< 16-bit signed
+  Long = 4,      ///< 32-bit signed
+  Currency = 5,  ///< an amount: a double with four digits behind the point
+  Single = 6,    ///< a double with the digits that a 32-bit one holds: 0.1, not 0.100000001490116
   Double = 7,
   Date = 8,
   Text = 10,
   Memo = 12
 };
+
+/// Whether the values of a type are doubles.
+[[nodiscard]] constexpr bool isReal(DataType type) {
+  return type == DataType::Currency || type == DataType::Single || type == DataType::Double;
+}
 
 /// A moment as automation clients count it: days since 30 December 1899, with the time of day as the
 /// fraction. Conversions and formats are in datetime.h.
@@ -75,6 +82,15 @@ class Value {
 
 /// A number with the 15 digits that a double holds for certain: "1.23000000000000e+05".
 [[nodiscard]] std::string certainDigits(double number);
+
+/// The number that these digits are.
+[[nodiscard]] double certain(double number);
+
+/// The number as an amount, with four digits behind the point, half to even as its 15 digits tell it;
+/// `err::overflow` beyond 922,337,203,685,477, which 64 bits of ten-thousandths hold.
+[[nodiscard]] double toCurrency(double number);
+/// The number with the digits that a 32-bit one holds; `err::overflow` outside of its range.
+[[nodiscard]] double toSingle(double number);
 
 /// The value as a field of that type stores it. Null stays Null, but becomes False in a boolean field. A text
 /// is read as a number, boolean or regional date when the field has such a type.

@@ -11,9 +11,9 @@ namespace voxa::conformance {
 namespace {
 
 const std::pair<const char*, DataType> typeNames[] = {
-    {"Boolean", DataType::Boolean}, {"Byte", DataType::Byte},     {"Integer", DataType::Integer},
-    {"Long", DataType::Long},       {"Double", DataType::Double}, {"Date", DataType::Date},
-    {"Memo", DataType::Memo}};
+    {"Boolean", DataType::Boolean}, {"Byte", DataType::Byte},         {"Integer", DataType::Integer},
+    {"Long", DataType::Long},       {"Currency", DataType::Currency}, {"Single", DataType::Single},
+    {"Double", DataType::Double},   {"Date", DataType::Date},         {"Memo", DataType::Memo}};
 
 }  // namespace
 

@@ -151,7 +151,6 @@ inline constexpr const char* collation = "KORVA";
 ///   vx_format(value, type, pattern, firstDay, firstWeek)  Format() of a value of that type (format.h)
 ///   vx_join(a, b)            the operator &: Null when both are
 ///   vx_div, vx_idiv, vx_mod  the operators / \ MOD; 11 for a divisor of 0
-///   vx_currency(number)      CCur(): four digits behind the point
 ///   vx_now()                 the moment, the same for the whole of a statement
 ///   vx_like(text, pattern)   Like with * ? # and [ ] classes, without regard to case
 ///   vx_part(which, date), vx_time(date), vx_dateserial(y, m, d)

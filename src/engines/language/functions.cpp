@@ -12,7 +12,7 @@ using syntax::Expression;
 
 namespace {
 
-enum class Result : std::uint8_t { whole, real, date, text, condition, boolean, likeFirst };
+enum class Result : std::uint8_t { whole, real, amount, single, date, text, condition, boolean, likeFirst };
 
 /// A function as SQLite text, with its arguments at $1, $2 and so on. An argument is taken as a number (n), a
 /// date (d), a text (t; w: True and False as these words), as it is (v), or as a text unless it is a number
@@ -29,13 +29,13 @@ constexpr Function functions[] = {
     {"atn", "n", "vx_atn($1)", Result::real},
     {"cbool", "v", "vx_store($1, 1, 0)", Result::boolean},
     {"cbyte", "v", "vx_store($1, 2, 0)", Result::whole},
-    {"ccur", "v", "vx_currency(vx_store($1, 7, 0))", Result::real},
+    {"ccur", "v", "vx_store($1, 5, 0)", Result::amount},
     {"cdate", "v", "vx_store($1, 8, 0)", Result::date},
     {"cdbl", "v", "vx_store($1, 7, 0)", Result::real},
     {"chr", "n", "vx_chr($1)", Result::text},
     {"cint", "v", "vx_store($1, 3, 0)", Result::whole},
     {"clng", "v", "vx_store($1, 4, 0)", Result::whole},
-    {"csng", "v", "vx_store($1, 7, 0)", Result::real},
+    {"csng", "v", "vx_store($1, 6, 0)", Result::single},
     {"cos", "n", "vx_cos($1)", Result::real},
     {"cstr", "w", "$1", Result::text},
     {"cvdate", "v", "vx_store($1, 8, 0)", Result::date},
@@ -114,6 +114,10 @@ std::optional<DataType> resultType(Result result, const std::optional<DataType>&
       return DataType::Long;
     case Result::real:
       return DataType::Double;
+    case Result::amount:
+      return DataType::Currency;
+    case Result::single:
+      return DataType::Single;
     case Result::date:
       return DataType::Date;
     case Result::text:
@@ -124,7 +128,7 @@ std::optional<DataType> resultType(Result result, const std::optional<DataType>&
     case Result::likeFirst:
       break;
   }
-  if (first == DataType::Date || first == DataType::Double) return first;
+  if (first == DataType::Date || (first && isReal(*first))) return first;
   return isWholeType(first) ? DataType::Long : DataType::Double;
 }
 
@@ -145,7 +149,7 @@ std::optional<DataType> commonType(const std::optional<DataType>& a, const std::
   if (isTextType(a) || isTextType(b) || a == DataType::Date || b == DataType::Date) {
     return std::nullopt;
   }
-  return isWholeType(a) && isWholeType(b) ? DataType::Long : DataType::Double;
+  return numericType(a, b);
 }
 
 }  // namespace
@@ -236,9 +240,11 @@ Term Writer::aggregate(const Expression& e, Scope& scope) {
   }
   if (isWord(e.name, "sum") || isWord(e.name, "avg")) {
     const bool whole = isWholeType(term.type) && isWord(e.name, "sum");
+    const bool amount = term.type == DataType::Currency;
     const char* function = isWord(e.name, "sum") ? "sum(" : "avg(";
-    return {.sql = function + number(std::move(term)) + ")",
-            .type = whole ? DataType::Long : DataType::Double};
+    const std::string sql = function + number(std::move(term)) + ")";
+    if (amount) return {.sql = asAmount(sql), .type = DataType::Currency};
+    return {.sql = sql, .type = whole ? DataType::Long : DataType::Double};
   }
   const bool collates = isTextType(term.type) && term.field == nullptr;
   const std::string argument = collates ? collated(operand(term)) : value(term);

@@ -106,13 +106,15 @@ Term Writer::logic(Operator op, Term left, Term right) {
 }
 
 Term Writer::arithmetic(Operator op, Term left, Term right) {
-  const DataType type = isWholeType(left.type) && isWholeType(right.type) ? DataType::Long : DataType::Double;
+  const DataType type = numericType(left.type, right.type);
   switch (op) {
     case Operator::add:
     case Operator::subtract:
       return add(op, std::move(left), std::move(right));
     case Operator::multiply:
-      return {.sql = number(std::move(left)) + " * " + number(std::move(right)), .type = type, .chain = '?'};
+      left.sql = number(std::move(left)) + " * " + number(std::move(right));
+      if (type == DataType::Currency) return {.sql = asAmount(left.sql), .type = type};
+      return {.sql = std::move(left.sql), .type = type, .chain = '?'};
     case Operator::divide:
       return {.sql = "vx_div(" + number(std::move(left)) + ", " + number(std::move(right)) + ")",
               .type = DataType::Double};
@@ -160,12 +162,14 @@ Term Writer::add(Operator op, Term left, Term right) {
     const std::string l = goesOn('|') ? left.sql : operand(left);
     return {.sql = l + " || " + operand(right), .type = DataType::Text, .chain = '|'};
   }
-  DataType type = isWholeType(left.type) && isWholeType(right.type) ? DataType::Long : DataType::Double;
+  DataType type = numericType(left.type, right.type);
   const bool leftDate = left.type == DataType::Date;
   const bool rightDate = right.type == DataType::Date;
   if (leftDate != rightDate || (leftDate && !minus)) type = DataType::Date;
   const std::string l = goesOn('+') ? left.sql : number(std::move(left));
-  return {.sql = l + (minus ? " - " : " + ") + number(std::move(right)), .type = type, .chain = '+'};
+  std::string sql = l + (minus ? " - " : " + ") + number(std::move(right));
+  if (type == DataType::Currency) return {.sql = asAmount(sql), .type = type};
+  return {.sql = std::move(sql), .type = type, .chain = '+'};
 }
 
 Term Writer::between(const Expression& e, Scope& scope) {

@@ -29,6 +29,18 @@ std::string typeCode(DataType type) {
   return std::to_string(static_cast<int>(type));
 }
 
+DataType numericType(const std::optional<DataType>& a, const std::optional<DataType>& b) {
+  if (isWholeType(a) && isWholeType(b)) return DataType::Long;
+  const auto exact = [](const std::optional<DataType>& type) {
+    return type == DataType::Currency || isWholeType(type);
+  };
+  return exact(a) && exact(b) ? DataType::Currency : DataType::Double;
+}
+
+std::string asAmount(const std::string& sql) {
+  return "vx_store(" + sql + ", " + typeCode(DataType::Currency) + ", 0)";
+}
+
 Term logical(std::string sql, char chain) {
   return {.sql = std::move(sql), .type = DataType::Boolean, .chain = chain, .condition = true};
 }
@@ -175,7 +187,10 @@ Term Writer::any(const Expression& e, Scope& scope) {
       return call(e, scope);
     case Expression::Kind::negative: {
       Term term = write(*e.arguments[0], scope);
-      const DataType type = isWholeType(term.type) ? DataType::Long : DataType::Double;
+      const bool amount = term.type == DataType::Currency;
+      const DataType type = isWholeType(term.type) ? DataType::Long
+                            : amount               ? DataType::Currency
+                                                   : DataType::Double;
       return {.sql = "-" + number(std::move(term)), .type = type, .chain = '?'};
     }
     case Expression::Kind::logicalNot: {

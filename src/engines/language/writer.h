@@ -200,6 +200,10 @@ class Writer {
 [[nodiscard]] Error secretColumn(const FieldDef& field);
 /// A chain mark: this text binds closer than AND and OR, and looser than everything else.
 inline constexpr char comparison = 'c';
+/// The type of a sum, difference or product.
+[[nodiscard]] DataType numericType(const std::optional<DataType>& a, const std::optional<DataType>& b);
+/// A number as an amount: the digits behind the fourth are none of it.
+[[nodiscard]] std::string asAmount(const std::string& sql);
 /// The term of a condition.
 [[nodiscard]] Term logical(std::string sql, char chain = comparison);
 /// Texts in a row.

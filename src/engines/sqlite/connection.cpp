@@ -69,6 +69,8 @@ bool takeInteger(std::int64_t number, DataType type, std::vector<Value>& out) {
       if (!fits(std::int16_t{})) break;
       out.emplace_back(static_cast<std::int16_t>(number));
       return true;
+    case DataType::Currency:
+    case DataType::Single:
     case DataType::Double:
       out.emplace_back(static_cast<double>(number));
       return true;
@@ -122,7 +124,7 @@ bool Statement::take(int column, DataType type, std::vector<Value>& out) const {
       } else {
         out.emplace_back(number);
       }
-      return type == DataType::Date || type == DataType::Double;
+      return type == DataType::Date || isReal(type);
     }
     case SQLITE_TEXT:
       out.emplace_back(text(column));

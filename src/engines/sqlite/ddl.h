@@ -15,13 +15,12 @@ namespace voxa::ddl {
 
 /// Definitions as the SQLite schema keeps them. The schema's own text holds all that a TableDef says, so
 /// there is no second place that could disagree. ddl_writer.cpp writes that text, ddl_reader.cpp reads it.
-///   types                  BOOLEAN BYTE SHORT LONG DOUBLE DATETIME TEXT(n) LONGTEXT, INTEGER when numbered
-///   required field         CONSTRAINT "required" NOT NULL
-///   required index         CONSTRAINT "required by Index" NOT NULL on each of its fields
-///   no zero-length text    CONSTRAINT "Field.zero length" CHECK (...)
-///   validation rule        CONSTRAINT "Field.rule >=0 and <=32" CHECK (...)
-///   primary key            CONSTRAINT "Index" PRIMARY KEY (...), or at the numbered column itself
-///   primary key apart      an index "Table.Index" and CONSTRAINT "primary by Index" NOT NULL on each of its
+///   types                  BOOLEAN BYTE SHORT LONG CURRENCY SINGLE DOUBLE DATETIME TEXT(n) LONGTEXT, INTEGER
+///   when numbered required field         CONSTRAINT "required" NOT NULL required index         CONSTRAINT
+///   "required by Index" NOT NULL on each of its fields no zero-length text    CONSTRAINT "Field.zero length"
+///   CHECK (...) validation rule        CONSTRAINT "Field.rule >=0 and <=32" CHECK (...) primary key
+///   CONSTRAINT "Index" PRIMARY KEY (...), or at the numbered column itself primary key apart      an index
+///   "Table.Index" and CONSTRAINT "primary by Index" NOT NULL on each of its
 ///                          fields: when it came later than the table, or another column is numbered
 ///   numbered, and no key   CONSTRAINT ".numbered" PRIMARY KEY AUTOINCREMENT
 ///   other index            an index "Table.Index": SQLite's index names belong to the file, not to the table
@@ -100,7 +99,8 @@ struct TypeWord {
 };
 inline constexpr TypeWord typeWords[] = {{DataType::Boolean, "BOOLEAN"}, {DataType::Byte, "BYTE"},
                                          {DataType::Integer, "SHORT"},   {DataType::Long, "LONG"},
-                                         {DataType::Double, "DOUBLE"},   {DataType::Date, "DATETIME"},
+                                         {DataType::Double, "DOUBLE"},   {DataType::Currency, "CURRENCY"},
+                                         {DataType::Single, "SINGLE"},   {DataType::Date, "DATETIME"},
                                          {DataType::Text, "TEXT"},       {DataType::Memo, "LONGTEXT"}};
 
 }  // namespace voxa::ddl

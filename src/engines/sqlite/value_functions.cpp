@@ -103,13 +103,6 @@ void power(sqlite3_context* context, sqlite3_value** arguments, int) {
   sqlite3_result_double(context, v);
 }
 
-/// The number as its first 15 digits tell it: what a double holds for certain.
-double certain(double v) {
-  const std::string digits = certainDigits(v);
-  (void)std::from_chars(digits.data(), digits.data() + digits.size(), v);
-  return v;
-}
-
 [[noreturn]] void failDivision() {
   throw Error(err::divisionByZero, "Division by zero");
 }
@@ -129,15 +122,6 @@ void divideWhole(sqlite3_context* context, sqlite3_value** arguments, int) {
   const std::int64_t divisor = sqlite3_value_int64(arguments[1]);
   if (divisor == 0) failDivision();
   sqlite3_result_int64(context, remainder ? dividend % divisor : dividend / divisor);
-}
-
-/// Four digits behind the point, half to even, in the range of an amount: 64 bits of ten-thousandths.
-void currency(sqlite3_context* context, sqlite3_value** arguments, int) {
-  constexpr double parts = 10'000;
-  constexpr double most = 922'337'203'685'477.0;
-  const double v = sqlite3_value_double(arguments[0]);
-  if (std::fabs(v) > most) throw Error(err::overflow, "Overflow: the amount is too large");
-  sqlite3_result_double(context, std::nearbyint(certain(v * parts)) / parts);
 }
 
 /// Rounds half to even, as the 15 digits of the number tell it.
@@ -202,7 +186,6 @@ constexpr SqlFunction functions[] = {{"vx_number", 1, false, number},
                                      {"vx_div", 2, false, divide},
                                      {"vx_idiv", 2, false, divideWhole<false>},
                                      {"vx_mod", 2, false, divideWhole<true>},
-                                     {"vx_currency", 1, false, currency},
                                      {"vx_pow", 2, false, power},
                                      {"vx_round", 2, false, round},
                                      {"vx_val", 1, false, val},
