@@ -93,7 +93,7 @@ run() {
 }
 
 names=("$@")
-[ ${#names[@]} -gt 0 ] || names=(story values client conformance example manifest)
+[ ${#names[@]} -gt 0 ] || names=(story values objects client conformance example manifest)
 for name in "${names[@]}"; do run "$name"; done
 wine_run "$work/$name" regsvr32 /u /s VOXA.dll
 exit "$((failures > 0))"
