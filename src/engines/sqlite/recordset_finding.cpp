@@ -76,7 +76,7 @@ std::vector<std::int64_t> numbersOf(SqliteDatabase& database, const std::string&
   std::string sql = "SELECT 1 FROM [" + table + "]";
   if (!condition.empty()) sql += " WHERE (" + std::string(condition) + ")";
   if (!ordering.empty()) sql += " ORDER BY " + std::string(ordering);
-  return database.readRows(sql, {}, false)->numbers();
+  return database.readRows(sql, {}, {}, false)->numbers();
 }
 
 /// The rows are tested by `way`, with the names of their columns. Where these do not know a name, a field of
@@ -95,7 +95,7 @@ auto either(const ResultRows& rows, ByTable byTable, ByValues byValues) {
 }  // namespace
 
 bool SqliteRecordset::find(std::string_view condition, std::ptrdiff_t from, std::ptrdiff_t direction) {
-  return database_->session().guarded([&] {
+  return database().session().guarded([&] {
     requireScrolling();
     const auto firstWith = [&](const auto& holds) {
       for (std::ptrdiff_t row = from; row >= 0 && row < end(); row += direction) {
@@ -109,14 +109,14 @@ bool SqliteRecordset::find(std::string_view condition, std::ptrdiff_t from, std:
     return either(
         *rows_,
         [&] {
-          auto numbers = numbersOf(*database_, rows_->translation().table, condition, {});
+          auto numbers = numbersOf(database(), rows_->translation().table, condition, {});
           std::sort(numbers.begin(), numbers.end());
           return firstWith([&](std::size_t row) {
             return std::binary_search(numbers.begin(), numbers.end(), rows_->numbers()[row]);
           });
         },
         [&] {
-          RowTester tester(*database_, *rows_, condition, {});
+          RowTester tester(database(), *rows_, condition, {});
           return firstWith([&](std::size_t row) {
             const Value* values = rows_->find(row);
             return values != nullptr && tester.holds(values);
@@ -136,7 +136,7 @@ std::shared_ptr<ResultRows> SqliteRecordset::narrowed(const ResultRows& rows, co
         }
         std::sort(places.begin(), places.end());
         for (const std::int64_t number :
-             numbersOf(*database_, rows.translation().table, by.filter, by.sort)) {
+             numbersOf(database(), rows.translation().table, by.filter, by.sort)) {
           const auto place =
               std::lower_bound(places.begin(), places.end(), std::pair(number, std::size_t{0}));
           if (place != places.end() && place->first == number) chosen.push_back(place->second);
@@ -144,7 +144,7 @@ std::shared_ptr<ResultRows> SqliteRecordset::narrowed(const ResultRows& rows, co
         if (by.sort.empty()) std::sort(chosen.begin(), chosen.end());
       },
       [&] {
-        RowTester tester(*database_, rows, by.filter, by.sort);
+        RowTester tester(database(), rows, by.filter, by.sort);
         const std::size_t width = tester.descending().size();
         std::vector<Value> keys;
         std::vector<std::pair<std::size_t, std::size_t>> places;  // of the first key, the row
@@ -167,7 +167,7 @@ std::shared_ptr<ResultRows> SqliteRecordset::narrowed(const ResultRows& rows, co
 
 std::unique_ptr<Recordset> SqliteRecordset::openFrom(std::string_view filter, std::string_view sort,
                                                      RowOptions options) {
-  return database_->session().guarded([&] {
+  return database().session().guarded([&] {
     requireScrolling();
     if (options.kind == RecordsetKind::automatic)
       options.kind = kind() == RecordsetKind::table ? RecordsetKind::dynaset : options_.kind;
@@ -179,10 +179,9 @@ std::unique_ptr<Recordset> SqliteRecordset::openFrom(std::string_view filter, st
                   "The rows of a snapshot can be opened as snapshot or forward-only");
     options.readOnly = options.readOnly || options_.readOnly;
     const Narrowing by{std::string(filter), std::string(sort), frozen};
-    auto out = std::make_unique<SqliteRecordset>(database_, narrowed(*rows_, by), "", Database::Parameters{},
-                                                 options);
-    out->origin_ = origin_;
-    out->origin_.narrowings.push_back(by);
+    auto out = std::make_unique<SqliteRecordset>(narrowed(*rows_, by), options);
+    out->origin_ = origin();
+    out->origin_->narrowings.push_back(by);
     return std::unique_ptr<Recordset>(std::move(out));
   });
 }

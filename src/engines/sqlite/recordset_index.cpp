@@ -12,7 +12,7 @@ namespace voxa {
 const TableDef& SqliteRecordset::requireTable() const {
   if (kind() != RecordsetKind::table)
     throw Error(err::dbNotSupported, "Only rows of table kind have an index: open the table by its name");
-  return database_->tableDef(rows_->translation().table);
+  return database().tableDef(rows_->translation().table);
 }
 
 const IndexDef& SqliteRecordset::indexDef(std::string_view name) const {
@@ -25,18 +25,19 @@ const IndexDef& SqliteRecordset::indexDef(std::string_view name) const {
 }
 
 const std::string& SqliteRecordset::index() const {
-  return database_->session().guarded([&]() -> const std::string& {
+  return database().session().guarded([&]() -> const std::string& {
     (void)requireTable();
-    return origin_.index;
+    static const std::string none;
+    return origin_ ? origin_->index : none;
   });
 }
 
 void SqliteRecordset::setIndex(std::string_view name) {
-  database_->session().guarded([&] {
+  database().session().guarded([&] {
     (void)requireTable();
-    Origin origin = origin_;
-    origin.index = name.empty() ? std::string() : indexDef(name).name;
-    read(std::move(origin));
+    Origin from = origin();
+    from.index = name.empty() ? std::string() : indexDef(name).name;
+    read(std::move(from));
   });
 }
 
@@ -48,14 +49,14 @@ std::string SqliteRecordset::inOrderOf(const std::string& index) const {
 }
 
 bool SqliteRecordset::seek(SeekComparison comparison, const std::vector<Value>& keys) {
-  return database_->session().guarded([&] {
+  return database().session().guarded([&] {
     const TableDef& table = requireTable();
-    if (origin_.index.empty()) throw Error(err::dbNoCurrentIndex, "Seek needs an index: set one first");
-    const IndexDef& index = indexDef(origin_.index);
-    if (keys.empty() || keys.size() > index.fields.size())
+    if (index().empty()) throw Error(err::dbNoCurrentIndex, "Seek needs an index: set one first");
+    const IndexDef& order = indexDef(index());
+    if (keys.empty() || keys.size() > order.fields.size())
       throw Error(err::dbInvalidArgument, "Seek takes keys for the first fields of the index \"" +
-                                              index.name + "\", which has " +
-                                              std::to_string(index.fields.size()));
+                                              order.name + "\", which has " +
+                                              std::to_string(order.fields.size()));
     constexpr const char* signs[] = {"IS", ">=", ">", "<=", "<"};
     const std::string sign = signs[static_cast<std::size_t>(comparison)];
     const bool equal = comparison == SeekComparison::equal;
@@ -63,30 +64,31 @@ bool SqliteRecordset::seek(SeekComparison comparison, const std::vector<Value>& 
     std::vector<Value> converted;
     std::string each;
     std::string marks;
-    std::string order;
-    for (std::size_t i = 0; i < index.fields.size(); ++i) {
-      const std::string name = ddl::quoteName(index.fields[i]);
-      order += (i > 0 ? ", " : "") + name + (backwards ? " DESC" : "");
+    std::string ordering;
+    for (std::size_t i = 0; i < order.fields.size(); ++i) {
+      const std::string name = ddl::quoteName(order.fields[i]);
+      ordering += (i > 0 ? ", " : "") + name + (backwards ? " DESC" : "");
       if (i >= keys.size()) continue;
       if (keys[i].isNull() && !equal)
         throw Error(err::dbInvalidArgument, "A key that is Null can be sought as equal only");
-      const DataType type = table.field(index.fields[i])->type;
+      const DataType type = table.field(order.fields[i])->type;
       // A text that is too long for the field is equal to none, and still lies before or behind others.
       converted.push_back(convertForField(keys[i], type == DataType::Text ? DataType::Memo : type, 0,
-                                          &database_->session().clock));
+                                          &database().session().clock));
       each += (i == 0 ? "" : equal ? " AND " : ", ") + name + (equal ? " IS ?" : "");
       marks += i == 0 ? "?" : ", ?";
     }
     const std::string condition = equal ? each : "(" + each + ") " + sign + " (" + marks + ")";
-    Statement& statement = database_->rowStatement("SELECT _rowid_ FROM " + ddl::quoteName(table.name) +
-                                                   " WHERE " + condition + " ORDER BY " + order + " LIMIT 1");
+    Statement& statement =
+        database().rowStatement("SELECT _rowid_ FROM " + ddl::quoteName(table.name) + " WHERE " + condition +
+                                " ORDER BY " + ordering + " LIMIT 1");
     for (std::size_t i = 0; i < converted.size(); ++i) statement.bind(static_cast<int>(i) + 1, converted[i]);
     const int code = statement.step();
     if (code == SQLITE_DONE) {
       statement.reset();
       return false;
     }
-    if (code != SQLITE_ROW) database_->connection().fail(code);
+    if (code != SQLITE_ROW) database().connection().fail(code);
     const std::int64_t number = statement.integer(0);
     statement.reset();
     const std::vector<std::int64_t>& numbers = rows_->numbers();

@@ -26,7 +26,8 @@ bool showsFieldsOnly(const dialect::Translation& translation) {
 }  // namespace
 
 ResultRows::ResultRows(std::shared_ptr<SqliteDatabase> database,
-                       std::shared_ptr<const dialect::Translation> translation, bool frozen)
+                       std::shared_ptr<const dialect::Translation> translation, std::string_view source,
+                       bool frozen)
     : database_(std::move(database)),
       translation_(std::move(translation)),
       width_(translation_->columns.size()),
@@ -36,14 +37,17 @@ ResultRows::ResultRows(std::shared_ptr<SqliteDatabase> database,
   SqliteDatabase::Room room = database_->takeRoom();
   rowids_ = std::move(room.rowids);
   values_ = std::move(room.values);
+  source_ = std::move(room.source);
+  source_ = source;
 }
 
 ResultRows::~ResultRows() {
+  if (database_ == nullptr) return;  // it was moved
   constexpr std::size_t small = 64;
   if (values_.capacity() > small || rowids_.capacity() > small) return;
   rowids_.clear();
   values_.clear();
-  database_->giveRoom({std::move(rowids_), std::move(values_)});
+  database_->giveRoom({std::move(rowids_), std::move(values_), std::move(source_)});
 }
 
 Error ResultRows::rowGone() {
@@ -95,7 +99,7 @@ void ResultRows::take(Statement& statement, int firstColumn) const {
 }
 
 std::shared_ptr<ResultRows> ResultRows::only(const std::vector<std::size_t>& rows, bool frozen) const {
-  auto out = std::make_shared<ResultRows>(database_, translation_, frozen);
+  auto out = std::make_shared<ResultRows>(database_, translation_, source_, frozen);
   for (const std::size_t row : rows) {
     const Value* values = out->live_ ? nullptr : find(row);
     if (!out->live_ && values == nullptr) continue;

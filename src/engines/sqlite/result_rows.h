@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "engines/language/dialect.h"
@@ -26,8 +27,9 @@ class Statement;
 class ResultRows {
  public:
   ResultRows(std::shared_ptr<SqliteDatabase> database,
-             std::shared_ptr<const dialect::Translation> translation, bool frozen);
+             std::shared_ptr<const dialect::Translation> translation, std::string_view source, bool frozen);
   ~ResultRows();
+  ResultRows(ResultRows&&) = default;
   ResultRows(const ResultRows&) = delete;
   ResultRows& operator=(const ResultRows&) = delete;
 
@@ -40,6 +42,8 @@ class ResultRows {
   /// Some of these rows, in that order. frozen: with their values of now.
   [[nodiscard]] std::shared_ptr<ResultRows> only(const std::vector<std::size_t>& rows, bool frozen) const;
 
+  [[nodiscard]] SqliteDatabase& database() const { return *database_; }
+  [[nodiscard]] const std::string& source() const { return source_; }  ///< what the rows were opened with
   [[nodiscard]] const dialect::Translation& translation() const { return *translation_; }
   [[nodiscard]] const std::vector<FieldDef>& columns() const { return translation_->columns; }
   [[nodiscard]] std::size_t width() const { return width_; }
@@ -93,6 +97,7 @@ class ResultRows {
 
   std::shared_ptr<SqliteDatabase> database_;
   std::shared_ptr<const dialect::Translation> translation_;
+  std::string source_;
   std::size_t width_;  ///< number of columns
   bool editable_;
   bool live_;  ///< values can be fetched by row number

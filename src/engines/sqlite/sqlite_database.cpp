@@ -352,12 +352,11 @@ int SqliteDatabase::execute(std::string_view sql, const Parameters& parameters) 
   });
 }
 
-std::shared_ptr<ResultRows> SqliteDatabase::readRows(std::string_view source, const Parameters& parameters,
-                                                     bool frozen) {
-  std::shared_ptr<ResultRows> rows;
+template <typename Make>
+void SqliteDatabase::read(std::string_view source, const Parameters& parameters, Make&& make) {
   const int code = withPrepared(source, true, parameters, [&](Prepared& prepared, const auto& bindTo) {
-    rows = std::make_shared<ResultRows>(shared_from_this(), prepared.translation, frozen);
-    const int read = rows->read(prepared.statement);
+    ResultRows& rows = make(prepared.translation);
+    const int read = rows.read(prepared.statement);
     if (read != SQLITE_ROW) return read;
     // The statement that stands at a row keeps the file as it is meanwhile.
     const struct Standing {
@@ -367,21 +366,34 @@ std::shared_ptr<ResultRows> SqliteDatabase::readRows(std::string_view source, co
     if (!prepared.numbers)
       prepared.numbers = opened().connection.prepareForSchema(numbersSql(*prepared.translation));
     bindTo(*prepared.numbers);
-    rows->readNumbers(*prepared.numbers);
+    rows.readNumbers(*prepared.numbers);
     return SQLITE_DONE;
   });
   if (code != SQLITE_DONE) file().connection.fail(code);
+}
+
+std::shared_ptr<ResultRows> SqliteDatabase::readRows(std::string_view source, std::string_view shown,
+                                                     const Parameters& parameters, bool frozen) {
+  std::shared_ptr<ResultRows> rows;
+  read(source, parameters, [&](const auto& translation) -> ResultRows& {
+    rows = std::make_shared<ResultRows>(shared_from_this(), translation, shown, frozen);
+    return *rows;
+  });
   return rows;
 }
 
 std::unique_ptr<Recordset> SqliteDatabase::openRecordset(std::string_view source,
                                                          const Parameters& parameters, RowOptions options) {
   return session_->guarded([&] {
-    auto rows = readRows(source, parameters, SqliteRecordset::freezes(options.kind));
-    if (options.kind == RecordsetKind::table && !(rows->editable() && isTable(source)))
+    std::unique_ptr<SqliteRecordset> rows;
+    read(source, parameters, [&](const auto& translation) -> ResultRows& {
+      rows = std::make_unique<SqliteRecordset>(shared_from_this(), translation, source, parameters, options);
+      return rows->rows();
+    });
+    if (options.kind == RecordsetKind::table && !(rows->rows().editable() && isTable(source)))
       throw Error(err::dbInvalidOperation, "Only a table can be opened as table kind, by its name");
-    return std::unique_ptr<Recordset>(
-        std::make_unique<SqliteRecordset>(shared_from_this(), std::move(rows), source, parameters, options));
+    rows->start();
+    return std::unique_ptr<Recordset>(std::move(rows));
   });
 }
 

@@ -70,6 +70,7 @@ class SqliteDatabase final : public Database, public std::enable_shared_from_thi
   struct Room {
     std::vector<std::int64_t> rowids;
     std::vector<Value> values;
+    std::string source;
   };
   [[nodiscard]] Room takeRoom() { return std::move(room_); }
   void giveRoom(Room room) { room_ = std::move(room); }
@@ -81,9 +82,9 @@ class SqliteDatabase final : public Database, public std::enable_shared_from_thi
   Statement& rowStatement(const std::string& sql);
   /// Whether a source is the name of a table.
   [[nodiscard]] bool isTable(std::string_view source);
-  /// Reads the rows of a source, for openRecordset and later. frozen: see ResultRows.
-  [[nodiscard]] std::shared_ptr<ResultRows> readRows(std::string_view source, const Parameters& parameters,
-                                                     bool frozen);
+  /// Reads rows later than openRecordset does. shown: what they were opened with. frozen: see ResultRows.
+  [[nodiscard]] std::shared_ptr<ResultRows> readRows(std::string_view source, std::string_view shown,
+                                                     const Parameters& parameters, bool frozen);
   /// A statement that is its owner's alone, not shared with others of the same text: a command's, or a test
   /// of rows.
   struct Owned {
@@ -163,6 +164,9 @@ class SqliteDatabase final : public Database, public std::enable_shared_from_thi
   /// with the function that it is passed.
   template <typename Run>
   int withPrepared(std::string_view source, bool rows, const Parameters& parameters, Run&& run);
+  /// Reads the rows of a source into what `make` makes for its translation.
+  template <typename Make>
+  void read(std::string_view source, const Parameters& parameters, Make&& make);
   [[noreturn]] void failChange(int code, std::string_view table);
 
   std::shared_ptr<Session> session_;

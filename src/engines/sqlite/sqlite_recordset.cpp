@@ -7,20 +7,31 @@
 
 namespace voxa {
 
-SqliteRecordset::SqliteRecordset(std::shared_ptr<SqliteDatabase> database, std::shared_ptr<ResultRows> rows,
+SqliteRecordset::SqliteRecordset(std::shared_ptr<ResultRows> rows, RowOptions options) : options_(options) {
+  share(std::move(rows));
+}
+
+SqliteRecordset::SqliteRecordset(std::shared_ptr<SqliteDatabase> database,
+                                 std::shared_ptr<const dialect::Translation> translation,
                                  std::string_view source, const Database::Parameters& parameters,
                                  RowOptions options)
-    : database_(std::move(database)), rows_(std::move(rows)), options_(options) {
-  origin_.source = source;
-  origin_.parameters = parameters;
-  origin_.frozen = isFrozen();
-  moveTo(0, 1);
+    : own_(std::in_place, std::move(database), std::move(translation), source, freezes(options.kind)),
+      rows_(&*own_),
+      options_(options) {
+  if (!parameters.empty()) origin_ = Origin{.parameters = parameters, .frozen = isFrozen()};
+}
+
+void SqliteRecordset::share(std::shared_ptr<ResultRows> rows) {
+  shared_ = std::move(rows);
+  rows_ = shared_.get();
+  own_.reset();
+  start();
 }
 
 RecordsetKind SqliteRecordset::kind() const {
   if (options_.kind != RecordsetKind::automatic) return options_.kind;
   if (!rows_->editable()) return RecordsetKind::snapshot;
-  return database_->isTable(origin_.source) ? RecordsetKind::table : RecordsetKind::dynaset;
+  return database().isTable(rows_->source()) ? RecordsetKind::table : RecordsetKind::dynaset;
 }
 
 /// Makes `row` the current one, or else the next row in that direction that is not deleted.
@@ -37,14 +48,14 @@ void SqliteRecordset::requireScrolling() const {
 }
 
 void SqliteRecordset::moveFirst() {
-  database_->session().guarded([&] {
+  database().session().guarded([&] {
     if (position_ != 0 && rowCount() != 0) requireScrolling();
     moveTo(0, 1);
   });
 }
 
 void SqliteRecordset::moveLast() {
-  database_->session().guarded([&] {
+  database().session().guarded([&] {
     requireScrolling();
     moveTo(lastRow(), -1);
   });
@@ -60,7 +71,7 @@ void SqliteRecordset::movePrevious() {
 }
 
 void SqliteRecordset::move(std::ptrdiff_t rows) {
-  database_->session().guarded([&] {
+  database().session().guarded([&] {
     if (rows < 0) requireScrolling();
     if (rows > 0 && eof()) throw Error(err::dbNoCurrentRecord, "There is no record behind the last one");
     if (rows < 0 && bof()) throw Error(err::dbNoCurrentRecord, "There is no record before the first one");
@@ -85,7 +96,7 @@ std::size_t SqliteRecordset::recordCount() const {
 }
 
 Bookmark SqliteRecordset::bookmark() const {
-  return database_->session().guarded([&] {
+  return database().session().guarded([&] {
     requireScrolling();
     requireCurrent();
     return static_cast<Bookmark>(position_);
@@ -93,7 +104,7 @@ Bookmark SqliteRecordset::bookmark() const {
 }
 
 void SqliteRecordset::goTo(Bookmark place) {
-  database_->session().guarded([&] {
+  database().session().guarded([&] {
     requireScrolling();
     if (place >= rows_->size())
       throw Error(err::dbNotABookmark, "Not a valid bookmark: these rows have no such place");
@@ -103,14 +114,14 @@ void SqliteRecordset::goTo(Bookmark place) {
 }
 
 Bookmark SqliteRecordset::lastModified() const {
-  return database_->session().guarded([&] {
+  return database().session().guarded([&] {
     if (!lastModified_) throw Error(err::dbNoCurrentRecord, "No row has been changed here yet");
     return *lastModified_;
   });
 }
 
 std::ptrdiff_t SqliteRecordset::absolutePosition() const {
-  return database_->session().guarded([&]() -> std::ptrdiff_t {
+  return database().session().guarded([&]() -> std::ptrdiff_t {
     requireScrolling();
     if (eof() || bof()) return -1;
     std::ptrdiff_t before = 0;
@@ -121,7 +132,7 @@ std::ptrdiff_t SqliteRecordset::absolutePosition() const {
 }
 
 void SqliteRecordset::setAbsolutePosition(std::ptrdiff_t position) {
-  database_->session().guarded([&] {
+  database().session().guarded([&] {
     requireScrolling();
     if (position < 0 || static_cast<std::size_t>(position) >= rowCount())
       throw Error(err::dbInvalidArgument, "There is no row at the position " + std::to_string(position));
@@ -131,24 +142,28 @@ void SqliteRecordset::setAbsolutePosition(std::ptrdiff_t position) {
 }
 
 void SqliteRecordset::read(Origin origin) {
-  const std::string text = origin.index.empty() ? origin.source : inOrderOf(origin.index);
-  std::shared_ptr<ResultRows> rows = database_->readRows(text, origin.parameters, origin.frozen);
+  const std::string text = origin.index.empty() ? name() : inOrderOf(origin.index);
+  std::shared_ptr<ResultRows> rows = database().readRows(text, name(), origin.parameters, origin.frozen);
   for (const Narrowing& by : origin.narrowings) rows = narrowed(*rows, by);
-  rows_ = std::move(rows);
+  share(std::move(rows));
   origin_ = std::move(origin);
   lastModified_.reset();
-  builtFor_ = EditMode::none;
-  moveTo(0, 1);
+  edited_.reset();
 }
 
 void SqliteRecordset::requery() {
-  database_->session().guarded([&] { read(origin_); });
+  database().session().guarded([&] { read(origin()); });
 }
 
 std::unique_ptr<Recordset> SqliteRecordset::clone() {
-  return database_->session().guarded([&] {
+  return database().session().guarded([&] {
     requireScrolling();
-    auto twin = std::make_unique<SqliteRecordset>(database_, rows_, "", Database::Parameters{}, options_);
+    if (own_) {
+      shared_ = std::make_shared<ResultRows>(std::move(*own_));
+      rows_ = shared_.get();
+      own_.reset();
+    }
+    auto twin = std::make_unique<SqliteRecordset>(shared_, options_);
     twin->origin_ = origin_;
     return std::unique_ptr<Recordset>(std::move(twin));
   });
@@ -174,7 +189,7 @@ Recordset::Source SqliteRecordset::source(std::size_t index) const {
 }
 
 const FieldDef& SqliteRecordset::field(std::size_t index) const {
-  return database_->session().guarded([&]() -> const FieldDef& {
+  return database().session().guarded([&]() -> const FieldDef& {
     checkColumn(index);
     return rows_->columns()[index];
   });
@@ -188,21 +203,21 @@ std::size_t SqliteRecordset::fieldIndex(std::string_view name) const {
   for (std::size_t i = 0; i < fields.size(); ++i) {
     if (equalNoCase(fields[i].name, name)) return i;
   }
-  return database_->session().guarded([&]() -> std::size_t {
+  return database().session().guarded([&]() -> std::size_t {
     throw Error(err::dbNotInCollection, "The rows have no field '" + std::string(name) + "'");
   });
 }
 
 Value SqliteRecordset::get(std::size_t index) const {
-  if (mode_ == EditMode::none && index < rows_->width() && rows_->isHere(current()) && database_->isOpen())
+  if (mode_ == EditMode::none && index < rows_->width() && rows_->isHere(current()) && database().isOpen())
     return rows_->valueHere(current(), index);
-  return database_->session().guarded([&] {
-    if (!database_->isOpen()) (void)database_->connection();
+  return database().session().guarded([&] {
+    if (!database().isOpen()) (void)database().connection();
     checkColumn(index);
-    if (mode_ == EditMode::add) return edited_[index];
+    if (mode_ == EditMode::add) return edited_->values[index];
     requireCurrent();
-    if (mode_ == EditMode::edit && std::find(set_.begin(), set_.end(), index) != set_.end()) {
-      return edited_[index];
+    if (mode_ == EditMode::edit && edited_->sets(index)) {
+      return edited_->values[index];
     }
     return rows_->value(current(), index);
   });

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
@@ -23,9 +24,13 @@ class Statement;
 /// recordset_index.cpp.
 class SqliteRecordset final : public Recordset {
  public:
-  /// source, parameters and options are those that the rows were opened with.
-  SqliteRecordset(std::shared_ptr<SqliteDatabase> database, std::shared_ptr<ResultRows> rows,
-                  std::string_view source, const Database::Parameters& parameters, RowOptions options);
+  SqliteRecordset(std::shared_ptr<ResultRows> rows, RowOptions options);
+  /// Rows that are still to be read: into rows(), and then start() makes the first one the current one.
+  SqliteRecordset(std::shared_ptr<SqliteDatabase> database,
+                  std::shared_ptr<const dialect::Translation> translation, std::string_view source,
+                  const Database::Parameters& parameters, RowOptions options);
+  [[nodiscard]] ResultRows& rows() { return *rows_; }
+  void start() { moveTo(0, 1); }
 
   /// Whether rows of that kind are kept as they were when they were opened.
   static bool freezes(RecordsetKind kind) {
@@ -33,7 +38,7 @@ class SqliteRecordset final : public Recordset {
   }
 
   [[nodiscard]] RecordsetKind kind() const override;
-  [[nodiscard]] const std::string& name() const override { return origin_.source; }
+  [[nodiscard]] const std::string& name() const override { return rows_->source(); }
   [[nodiscard]] bool updatable() const override;
 
   [[nodiscard]] bool eof() const override { return position_ == behind; }
@@ -87,17 +92,31 @@ class SqliteRecordset final : public Recordset {
     std::string sort;
     bool frozen = false;
   };
-  /// What requery() reads.
+  /// What requery() reads, besides the source.
   struct Origin {
-    std::string source;
-    Database::Parameters parameters;
+    Database::Parameters parameters{};
     bool frozen = false;
-    std::string index;
-    std::vector<Narrowing> narrowings;
+    std::string index{};
+    std::vector<Narrowing> narrowings{};
+  };
+  /// A row that is being changed or added.
+  struct Edited {
+    std::vector<Value> values;
+    std::vector<std::size_t> set;  ///< columns that set() was called for
+    std::string sql;               ///< statement of the last update, for these columns and that mode
+    std::vector<std::size_t> columns;
+    EditMode builtFor = EditMode::none;
+
+    [[nodiscard]] bool sets(std::size_t column) const {
+      return std::find(set.begin(), set.end(), column) != set.end();
+    }
   };
 
   [[nodiscard]] bool isFrozen() const { return freezes(options_.kind); }
   [[nodiscard]] bool isForwardOnly() const { return options_.kind == RecordsetKind::forwardOnly; }
+  [[nodiscard]] SqliteDatabase& database() const { return rows_->database(); }
+  [[nodiscard]] Origin origin() const { return origin_ ? *origin_ : Origin{.frozen = isFrozen()}; }
+  void share(std::shared_ptr<ResultRows> rows);
   [[nodiscard]] std::size_t rowCount() const { return rows_->size() - rows_->deletedCount(); }
   [[nodiscard]] std::ptrdiff_t end() const { return static_cast<std::ptrdiff_t>(rows_->size()); }
   [[nodiscard]] std::ptrdiff_t lastRow() const { return end() - 1; }
@@ -127,19 +146,16 @@ class SqliteRecordset final : public Recordset {
   void updateRow();
   void insertRow();
 
-  std::shared_ptr<SqliteDatabase> database_;
-  std::shared_ptr<ResultRows> rows_;
-  Origin origin_;
+  std::optional<ResultRows> own_;       ///< the rows, until there is a clone
+  std::shared_ptr<ResultRows> shared_;  ///< the rows from then on, and others that were read later
+  ResultRows* rows_;                    ///< those of the two that there are
+  std::optional<Origin> origin_;        ///< none: the source alone
   RowOptions options_;
   std::ptrdiff_t position_ = 0;  ///< index of the current row; -1 before the first one
   std::optional<Bookmark> lastModified_;
 
   EditMode mode_ = EditMode::none;
-  std::vector<Value> edited_;
-  std::vector<std::size_t> set_;  ///< columns that set() was called for
-  std::string editSql_;           ///< statement of the last update, for the columns editColumns_
-  std::vector<std::size_t> editColumns_;
-  EditMode builtFor_ = EditMode::none;
+  std::optional<Edited> edited_;  ///< since the first edit() or addNew()
 };
 
 }  // namespace voxa
