@@ -1,5 +1,4 @@
 #include <cmath>
-#include <limits>
 
 #include "open_options.h"
 #include "open_rows.h"

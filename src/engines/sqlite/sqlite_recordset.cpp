@@ -180,7 +180,7 @@ void SqliteRecordset::checkColumn(std::size_t index) const {
 }
 
 Recordset::Source SqliteRecordset::source(std::size_t index) const {
-  return database_->session().guarded([&] {
+  return database().session().guarded([&] {
     checkColumn(index);
     const dialect::Translation& translation = rows_->translation();
     if (translation.table.empty() || translation.sourceFields[index].empty()) return Source{};
