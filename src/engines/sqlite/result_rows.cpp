@@ -34,11 +34,11 @@ ResultRows::ResultRows(std::shared_ptr<SqliteDatabase> database,
       editable_(!frozen && !translation_->table.empty()),
       live_(!frozen && showsFieldsOnly(*translation_)),
       generation_(database_->generation()) {
-  SqliteDatabase::Room room = database_->takeRoom();
-  rowids_ = std::move(room.rowids);
-  values_ = std::move(room.values);
-  source_ = std::move(room.source);
-  source_ = source;
+  SqliteDatabase::Room& room = database_->room();
+  rowids_.swap(room.rowids);
+  values_.swap(room.values);
+  source_.swap(room.source);
+  source_.assign(source);
 }
 
 ResultRows::~ResultRows() {
@@ -47,7 +47,10 @@ ResultRows::~ResultRows() {
   if (values_.capacity() > small || rowids_.capacity() > small) return;
   rowids_.clear();
   values_.clear();
-  database_->giveRoom({std::move(rowids_), std::move(values_), std::move(source_)});
+  SqliteDatabase::Room& room = database_->room();
+  rowids_.swap(room.rowids);
+  values_.swap(room.values);
+  source_.swap(room.source);
 }
 
 Error ResultRows::rowGone() {

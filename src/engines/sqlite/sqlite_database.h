@@ -72,8 +72,7 @@ class SqliteDatabase final : public Database, public std::enable_shared_from_thi
     std::vector<Value> values;
     std::string source;
   };
-  [[nodiscard]] Room takeRoom() { return std::move(room_); }
-  void giveRoom(Room room) { room_ = std::move(room); }
+  [[nodiscard]] Room& room() { return room_; }
 
   [[nodiscard]] Session& session() const { return *session_; }
   [[nodiscard]] Connection& connection() const { return opened().connection; }  ///< 3420 when closed
