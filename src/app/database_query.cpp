@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "app/open_database.h"
 #include "engines/sqlite/engine.h"
 #include "platform/text.h"
 #include "work/refusal.h"
@@ -18,13 +19,6 @@ std::vector<SqliteOptions::Secret> columnsWithCodes() {
           {"Sends", "Lines"},
           {"NotUnderstood", "Line"},
           {"Digests", "Digest"}};
-}
-
-/// By what it holds: a link or a copy has another name.
-bool isLedger(const Database& database) {
-  const std::vector<std::string> tables = database.tableNames();
-  return std::count(tables.begin(), tables.end(), "Things") > 0 &&
-         std::count(tables.begin(), tables.end(), "Sends") > 0;
 }
 
 /// Runs `work`, with what its failures mean to a person.

@@ -31,6 +31,7 @@ const CreatableClass classes[] = {
     {&__uuidof(::Journal), L"Journal", make<journalObject>},
     {&__uuidof(::Alarm), L"Alarm", make<alarmObject>},
     {&__uuidof(::Controllers), L"Controllers", makeControllers},
+    {&__uuidof(::DBEngine), L"DBEngine", makeDBEngine},
 };
 
 }  // namespace

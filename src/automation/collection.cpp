@@ -90,6 +90,7 @@ class CollectionObject final : public Object<::ICollection> {
       source_.remove(fromBstr(name));
     });
   }
+  STDMETHODIMP Refresh() override { return S_OK; }
 
  private:
   [[noreturn]] static void refuse() {

@@ -59,6 +59,9 @@ inline void put(short* out, std::int16_t value) {
 inline void put(long* out, std::int32_t value) {
   *out = value;
 }
+inline void put(float* out, float value) {
+  *out = value;
+}
 inline void put(VARIANT_BOOL* out, bool value) {
   *out = value ? VARIANT_TRUE : VARIANT_FALSE;
 }

@@ -1,115 +1,53 @@
-#include <wrl/client.h>
+#include <cmath>
 
-#include "data_objects.h"
+#include "open_options.h"
+#include "open_rows.h"
+#include "row_arrays.h"
 
 namespace voxa::automation {
 
 namespace {
 
-using Microsoft::WRL::ComPtr;
-
-class RecordsetObject;
-
-/// Size in bytes of a value of a type, as callers know it; for a text its number of characters.
-long sizeOf(const FieldDef& field) {
-  switch (field.type) {
-    case DataType::Boolean:
-    case DataType::Byte:
-      return 1;
-    case DataType::Integer:
-      return 2;
-    case DataType::Long:
-    case DataType::Single:
-      return 4;
-    case DataType::Currency:
-    case DataType::Double:
-    case DataType::Date:
-      return 8;
-    case DataType::Text:
-      return field.size;
-    case DataType::Memo:
-      break;
-  }
-  return 0;
+/// A number for the bookmarks of rows that no others have.
+std::uint32_t newRowsNumber() {
+  static std::uint32_t last = 0;
+  return ++last;
 }
 
-[[noreturn]] void refuseDefinition() {
-  throw Error(err::dbInvalidOperation, "The definition of a column of rows cannot be changed");
+SeekComparison comparisonOf(const std::string& sign) {
+  if (sign == "=") return SeekComparison::equal;
+  if (sign == ">=") return SeekComparison::greaterOrEqual;
+  if (sign == ">") return SeekComparison::greater;
+  if (sign == "<=") return SeekComparison::lessOrEqual;
+  if (sign == "<") return SeekComparison::less;
+  throw Error(err::dbInvalidArgument,
+              "Invalid argument: Seek compares by =, >=, >, <= or <, not by '" + sign + "'");
 }
-
-/// A column of rows.
-class RowField final : public Object<::IField> {
- public:
-  RowField(RecordsetObject* rows, std::size_t index) : rows_(rows), index_(index) {}
-
-  STDMETHODIMP get_Value(VARIANT* value) override {
-    return give(value, [&] { return rows().get(index_); });
-  }
-  STDMETHODIMP put_Value(VARIANT value) override {
-    return call([&] { rows().set(index_, fromVariant(value)); });
-  }
-  STDMETHODIMP get_Name(BSTR* name) override {
-    return give(name, [&] { return definition().name; });
-  }
-  STDMETHODIMP get_Type(short* type) override {
-    return give(type, [&] { return static_cast<std::int16_t>(definition().type); });
-  }
-  STDMETHODIMP get_Size(long* size) override {
-    return give(size, [&] { return static_cast<std::int32_t>(sizeOf(definition())); });
-  }
-  STDMETHODIMP get_Required(VARIANT_BOOL* required) override {
-    return give(required, [&] { return definition().required; });
-  }
-  STDMETHODIMP get_AllowZeroLength(VARIANT_BOOL* allowed) override {
-    return give(allowed, [&] { return definition().allowZeroLength; });
-  }
-  STDMETHODIMP get_DefaultValue(VARIANT* value) override {
-    return give(value, [&] { return definition().defaultValue; });
-  }
-  STDMETHODIMP get_ValidationRule(BSTR* rule) override {
-    return give(rule, [&] { return definition().validationRule; });
-  }
-  STDMETHODIMP get_Attributes(long* attributes) override {
-    return give(attributes,
-                [&] { return std::int32_t{definition().autoIncrement ? autoIncrementAttribute : 0}; });
-  }
-  STDMETHODIMP get_ForeignName(BSTR* name) override {
-    return give(name, [] { return std::string(); });
-  }
-  STDMETHODIMP put_Name(BSTR) override { return call(refuseDefinition); }
-  STDMETHODIMP put_Type(short) override { return call(refuseDefinition); }
-  STDMETHODIMP put_Size(long) override { return call(refuseDefinition); }
-  STDMETHODIMP put_Required(VARIANT_BOOL) override { return call(refuseDefinition); }
-  STDMETHODIMP put_AllowZeroLength(VARIANT_BOOL) override { return call(refuseDefinition); }
-  STDMETHODIMP put_DefaultValue(VARIANT) override { return call(refuseDefinition); }
-  STDMETHODIMP put_ValidationRule(BSTR) override { return call(refuseDefinition); }
-  STDMETHODIMP put_Attributes(long) override { return call(refuseDefinition); }
-  STDMETHODIMP put_ForeignName(BSTR) override { return call(refuseDefinition); }
-
- private:
-  [[nodiscard]] Recordset& rows() const;
-  [[nodiscard]] const FieldDef& definition() const { return rows().field(index_); }
-
-  ComPtr<RecordsetObject> rows_;
-  std::size_t index_;
-};
 
 class RecordsetObject final : public Object<::IRecordset> {
  public:
-  explicit RecordsetObject(std::unique_ptr<Recordset> rows) : rows_(std::move(rows)) {}
-
-  [[nodiscard]] Recordset& rows() const {
-    if (rows_ == nullptr) throw Error(err::dbInvalidObject, "The rows are closed");
-    return *rows_;
+  RecordsetObject(std::shared_ptr<Database> database, std::unique_ptr<Recordset> rows, std::uint32_t number)
+      : database_(std::move(database)), rows_(std::make_shared<OpenRows>(std::move(rows))), number_(number) {
+    open().push_back(this);
   }
+  RecordsetObject(const RecordsetObject&) = delete;
+  RecordsetObject& operator=(const RecordsetObject&) = delete;
+
+  /// Those that are not closed, the newest last.
+  static std::vector<RecordsetObject*>& open() {
+    static std::vector<RecordsetObject*> all;
+    return all;
+  }
+  [[nodiscard]] const std::shared_ptr<Database>& database() const { return database_; }
+  [[nodiscard]] const std::string& name() const { return rows().name(); }
 
   STDMETHODIMP get_Fields(::ICollection** fields) override {
     return give(fields, [&] {
-      const ComPtr<RecordsetObject> self(this);
+      const auto rows = rows_;
       return makeCollection({
-          .count = [self] { return self->rows().fieldCount(); },
-          .item = [self](std::size_t i) -> IDispatch* { return new RowField(self.Get(), i); },
-          .find = [self](const std::string& name) { return self->rows().fieldIndex(name); },
+          .count = [rows] { return rows->get().fieldCount(); },
+          .item = [rows](std::size_t i) -> IDispatch* { return makeRowField(rows, i); },
+          .find = [rows](const std::string& name) { return rows->get().fieldIndex(name); },
           .append = nullptr,
           .remove = nullptr,
       });
@@ -134,10 +72,10 @@ class RecordsetObject final : public Object<::IRecordset> {
     return call([&] { rows().movePrevious(); });
   }
   STDMETHODIMP Edit() override {
-    return call([&] { rows().edit(); });
+    return call([&] { rows_->edit(); });
   }
   STDMETHODIMP AddNew() override {
-    return call([&] { rows().addNew(); });
+    return call([&] { rows_->addNew(); });
   }
   STDMETHODIMP Update() override {
     return call([&] { rows().update(); });
@@ -154,6 +92,12 @@ class RecordsetObject final : public Object<::IRecordset> {
   STDMETHODIMP FindNext(BSTR criteria) override {
     return call([&] { noMatch_ = !rows().findNext(fromBstr(criteria)); });
   }
+  STDMETHODIMP FindLast(BSTR criteria) override {
+    return call([&] { noMatch_ = !rows().findLast(fromBstr(criteria)); });
+  }
+  STDMETHODIMP FindPrevious(BSTR criteria) override {
+    return call([&] { noMatch_ = !rows().findPrevious(fromBstr(criteria)); });
+  }
   STDMETHODIMP get_NoMatch(VARIANT_BOOL* value) override {
     return give(value, [&] { return noMatch_; });
   }
@@ -161,22 +105,213 @@ class RecordsetObject final : public Object<::IRecordset> {
     return give(count, [&] { return static_cast<std::int32_t>(rows().recordCount()); });
   }
   STDMETHODIMP Close() override {
-    return call([&] { rows_.reset(); });
+    return call([&] {
+      rows_->close();
+      forget();
+    });
   }
 
- private:
-  std::unique_ptr<Recordset> rows_;
-  bool noMatch_ = false;
-};
+  STDMETHODIMP get_Name(BSTR* text) override {
+    return give(text, [&] { return name(); });
+  }
+  STDMETHODIMP get_Type(short* type) override {
+    return give(type, [&] { return static_cast<std::int16_t>(rows().kind()); });
+  }
+  STDMETHODIMP get_Updatable(VARIANT_BOOL* value) override {
+    return give(value, [&] { return rows().updatable(); });
+  }
+  STDMETHODIMP get_Bookmarkable(VARIANT_BOOL* value) override {
+    return give(value, [&] { return rows().kind() != RecordsetKind::forwardOnly; });
+  }
+  STDMETHODIMP get_Restartable(VARIANT_BOOL* value) override {
+    return give(value, [&] { return rows().kind() != RecordsetKind::table; });
+  }
+  STDMETHODIMP get_Transactions(VARIANT_BOOL* value) override {
+    return give(value, [&] {
+      return rows().kind() == RecordsetKind::table || rows().kind() == RecordsetKind::dynaset;
+    });
+  }
+  STDMETHODIMP get_EditMode(short* mode) override {
+    return give(mode, [&] { return static_cast<std::int16_t>(rows().editMode()); });
+  }
+  STDMETHODIMP get_LockEdits(VARIANT_BOOL* lock) override {
+    return give(lock, [] { return false; });
+  }
+  STDMETHODIMP put_LockEdits(VARIANT_BOOL lock) override {
+    return call([&] {
+      if (lock == 0) return;
+      throw Error(err::dbNotSupported,
+                  "Rows are not locked one by one; a transaction locks the file at Edit");
+    });
+  }
+  STDMETHODIMP get_Bookmark(VARIANT* bookmark) override {
+    return give(bookmark, [&] { return BookmarkBytes{number_, rows().bookmark()}; });
+  }
+  STDMETHODIMP put_Bookmark(VARIANT bookmark) override {
+    return call([&] { goTo(bookmark); });
+  }
+  STDMETHODIMP get_LastModified(VARIANT* bookmark) override {
+    return give(bookmark, [&] { return BookmarkBytes{number_, rows().lastModified()}; });
+  }
+  STDMETHODIMP Move(long count, VARIANT startBookmark) override {
+    return call([&] {
+      if (!isMissing(startBookmark)) goTo(startBookmark);
+      rows().move(count);
+    });
+  }
+  STDMETHODIMP get_AbsolutePosition(long* position) override {
+    return give(position, [&] { return static_cast<std::int32_t>(rows().absolutePosition()); });
+  }
+  STDMETHODIMP put_AbsolutePosition(long position) override {
+    return call([&] { rows().setAbsolutePosition(position); });
+  }
+  STDMETHODIMP get_PercentPosition(float* position) override {
+    return give(position, [&] {
+      const auto place = static_cast<float>(rows().absolutePosition());
+      if (place < 0) throw Error(err::dbNoCurrentRecord, "There is no current record");
+      return 100 * place / static_cast<float>(rows().recordCount());
+    });
+  }
+  STDMETHODIMP put_PercentPosition(float position) override {
+    return call([&] {
+      if (!(position >= 0 && position <= 100)) {
+        throw Error(err::dbInvalidArgument, "Invalid argument: PercentPosition is from 0 to 100");
+      }
+      const auto count = static_cast<std::ptrdiff_t>(rows().recordCount());
+      const auto place = static_cast<std::ptrdiff_t>(std::lround(position / 100 * static_cast<float>(count)));
+      rows().setAbsolutePosition(std::min(place, count - 1));
+    });
+  }
+  STDMETHODIMP Requery() override {
+    return call([&] {
+      if (rows().kind() == RecordsetKind::table) {
+        throw Error(err::dbNotSupported, "The rows of a table are always there: they need no Requery");
+      }
+      rows().requery();
+      number_ = newRowsNumber();
+    });
+  }
+  STDMETHODIMP Clone(::IRecordset** clone) override {
+    return give(clone,
+                [&]() -> ::IRecordset* { return new RecordsetObject(database_, rows().clone(), number_); });
+  }
+  STDMETHODIMP GetRows(VARIANT count, VARIANT* values) override {
+    return give(values, [&] {
+      const std::int32_t most = isMissing(count) ? 1 : fromVariant(count).toInt32();
+      if (most < 1) throw Error(err::dbInvalidArgument, "Invalid argument: GetRows reads one row or more");
+      return RowArray{getRows(rows(), static_cast<std::size_t>(most))};
+    });
+  }
+  STDMETHODIMP get_Index(BSTR* index) override {
+    return give(index, [&] { return rows().index(); });
+  }
+  STDMETHODIMP put_Index(BSTR index) override {
+    return call([&] {
+      rows().setIndex(fromBstr(index));
+      number_ = newRowsNumber();
+    });
+  }
+  STDMETHODIMP Seek(BSTR comparison, VARIANT key1, VARIANT key2, VARIANT key3, VARIANT key4, VARIANT key5,
+                    VARIANT key6, VARIANT key7, VARIANT key8, VARIANT key9, VARIANT key10, VARIANT key11,
+                    VARIANT key12, VARIANT key13) override {
+    return call([&] {
+      std::vector<Value> keys = {fromVariant(key1)};
+      for (const VARIANT* key :
+           {&key2, &key3, &key4, &key5, &key6, &key7, &key8, &key9, &key10, &key11, &key12, &key13}) {
+        if (isMissing(*key)) break;
+        keys.push_back(fromVariant(*key));
+      }
+      noMatch_ = !rows().seek(comparisonOf(fromBstr(comparison)), keys);
+    });
+  }
+  STDMETHODIMP get_Filter(BSTR* filter) override {
+    return give(filter, [&] { return filter_; });
+  }
+  STDMETHODIMP put_Filter(BSTR filter) override {
+    return call([&] {
+      requireQuery();
+      filter_ = fromBstr(filter);
+    });
+  }
+  STDMETHODIMP get_Sort(BSTR* sort) override {
+    return give(sort, [&] { return sort_; });
+  }
+  STDMETHODIMP put_Sort(BSTR sort) override {
+    return call([&] {
+      requireQuery();
+      sort_ = fromBstr(sort);
+    });
+  }
+  STDMETHODIMP OpenRecordset(VARIANT type, VARIANT options, ::IRecordset** opened) override {
+    return give(opened, [&] {
+      return makeRecordset(database_, rows().openFrom(filter_, sort_, rowOptions(type, options)));
+    });
+  }
+  STDMETHODIMP get_ValidationRule(BSTR* rule) override {
+    return give(rule, [] { return std::string(); });
+  }
+  STDMETHODIMP get_ValidationText(BSTR* text) override {
+    return give(text, [] { return std::string(); });
+  }
+  STDMETHODIMP get_Properties(::ICollection** properties) override {
+    return give(properties, [&] { return makeProperties(this); });
+  }
 
-Recordset& RowField::rows() const {
-  return rows_->rows();
-}
+ protected:
+  ~RecordsetObject() override { forget(); }
+
+ private:
+  [[nodiscard]] Recordset& rows() const { return rows_->get(); }
+  void requireQuery() const {
+    if (rows().kind() != RecordsetKind::table) return;
+    throw Error(err::dbNotSupported,
+                "The rows of a table have neither Filter nor Sort; those of a dynaset have");
+  }
+  void goTo(const VARIANT& given) {
+    const BookmarkBytes bookmark = bookmarkFrom(given);
+    if (bookmark.rows != number_) throw Error(err::dbNotABookmark, "The bookmark is one of other rows");
+    rows().goTo(bookmark.place);
+  }
+  void forget() {
+    database_ = nullptr;
+    auto& all = open();
+    const auto found = std::find(all.rbegin(), all.rend(), this);
+    if (found != all.rend()) all.erase(std::next(found).base());
+  }
+
+  std::shared_ptr<Database> database_;
+  std::shared_ptr<OpenRows> rows_;
+  std::uint32_t number_;  ///< of the rows, in their bookmarks
+  bool noMatch_ = false;
+  std::string filter_;
+  std::string sort_;
+};
 
 }  // namespace
 
-::IRecordset* makeRecordset(std::unique_ptr<Recordset> rows) {
-  return new RecordsetObject(std::move(rows));
+::IRecordset* makeRecordset(std::shared_ptr<Database> database, std::unique_ptr<Recordset> rows) {
+  return new RecordsetObject(std::move(database), std::move(rows), newRowsNumber());
+}
+
+::ICollection* openRecordsets(const std::shared_ptr<Database>& database) {
+  const auto all = [database] {
+    std::vector<RecordsetObject*> found;
+    for (RecordsetObject* rows : RecordsetObject::open()) {
+      if (rows->database() == database) found.push_back(rows);
+    }
+    return found;
+  };
+  return makeCollection({
+      .count = [all] { return all().size(); },
+      .item = [all](std::size_t i) -> IDispatch* { return all().at(i); },
+      .find =
+          [all](const std::string& name) {
+            const std::vector<RecordsetObject*> found = all();
+            return findName(name, found.size(), [&](std::size_t i) { return found[i]->name(); });
+          },
+      .append = nullptr,
+      .remove = nullptr,
+  });
 }
 
 }  // namespace voxa::automation

@@ -24,5 +24,6 @@ namespace voxa::automation {
 [[nodiscard]] IUnknown* makeUFile();
 [[nodiscard]] IUnknown* makeInter();
 [[nodiscard]] IUnknown* makeControllers();
+[[nodiscard]] IUnknown* makeDBEngine();
 
 }  // namespace voxa::automation

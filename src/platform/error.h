@@ -64,6 +64,7 @@ inline constexpr int dbRecordDeleted = 3167;         ///< current record has bee
 inline constexpr int dbRelatedExists = 3200;         ///< related records exist: cannot delete or change
 inline constexpr int dbRelatedMissing = 3201;        ///< related record required
 inline constexpr int dbFileExists = 3204;            ///< database already exists
+inline constexpr int dbInvalidFieldType = 3259;      ///< operation that fields of this type do not have
 inline constexpr int dbNotSupported = 3251;          ///< operation that this kind of rows does not have
 inline constexpr int dbLocked = 3260;                ///< locked by another user
 inline constexpr int dbNotInCollection = 3265;       ///< item not found in this collection

@@ -95,7 +95,7 @@ run() {
 }
 
 names=("$@")
-[ ${#names[@]} -gt 0 ] || names=(story values client client64 conformance example example64 manifest)
+[ ${#names[@]} -gt 0 ] || names=(story values objects client client64 conformance example example64 manifest)
 for name in "${names[@]}"; do run "$name"; done
 wine_run "$work/$name" regsvr32 /u /s VOXA.dll
 exit "$((failures > 0))"

@@ -27,67 +27,29 @@ Equal "a joined text", qdb.Stations.GetCompar(1, 5), "1054800"
 Dim newModel: newModel = True
 Equal "by reference alone", qdb.Holidays.getFreeId(newModel), 1
 
-' Default members, For Each, finding, definitions.
+' Default members; definitions that a table fills; errors by number. The data objects have a script of their own.
 Equal "table by default member", qdb("stations").Name, "Stations"
 Set rows = db.OpenRecordset("select * from Readers")
 rows.AddNew: rows("Id") = 4: rows("Name") = "East": rows("StationId") = 1
 rows("ControllerAddress") = 6: rows.Fields("Position").Value = 1: rows.Update
-rows.FindFirst "Name = 'east'"
-Equal "found", rows.NoMatch, False
-Equal "its number", rows(0), 4
-rows.FindFirst "Name = 'West'"
-Equal "not found", rows.NoMatch, True
-Equal "stays", rows("Name"), "East"
-rows.MoveFirst
-rows.FindNext "[Position] = 1"
-Equal "next", rows("Name"), "East"
-rows.Edit: rows("Name") = "Far east": rows.CancelUpdate
-Equal "cancelled", rows("Name"), "East"
-rows.Delete
-On Error Resume Next
-item = rows("Name").Value: Failed 3167, "rows(""Name"").Value"
-On Error GoTo 0
-rows.MoveFirst: Equal "left", rows("Name"), "North"
-rows.MoveNext: Equal "end", rows.EOF, True
+rows.MoveNext: Equal "the new row", rows(0) & rows("Name"), "4East"
 Dim field, names: names = ""
 For Each field In db.TableDefs("ComStatus").Fields: names = names & field.Name & field.Type & " ": Next
 Equal "columns", names, "StationID3 CtrAddr3 Status3 Date8 "
-Dim td: Set td = db.CreateTableDef("Visits")
-td.Fields.Append td.CreateField("Id", 3)
-Dim who: Set who = td.CreateField("Who", 10, 5): who.Required = True: td.Fields.Append who
-Dim key: Set key = td.CreateIndex("Key"): key.Primary = True
-key.Fields.Append key.CreateField("Id"): td.Indexes.Append key
-db.TableDefs.Append td
-Equal "primary key", db.TableDefs("Visits").Indexes(0).Primary, True
-db.Execute "insert into Visits (Id, Who) values (1, 'Ann')"
 Dim draft: Set draft = db.CreateTableDef("Draft")
 qdb.tables("Holidays").createFields draft
 qdb.tables("Holidays").createIndexes draft
 Equal "a definition that is filled", draft.Fields(0).Name & draft.Indexes.Count, "Id2"
-Dim query: Set query = db.CreateQueryDef("VisitsOf", "PARAMETERS [p] Text; select * from Visits where Who = [p]")
-query.Parameters("p") = "Ann"
-Equal "stored query", query.OpenRecordset().RecordCount, 1
-Equal "relations", db.Relations("ReaderStation").ForeignTable, "Readers"
-Equal "integrity", db.Relations("ReaderStation").Fields(0).ForeignName, "StationId"
-
-' Errors by number.
 On Error Resume Next
 Set item = qdb.tables("BadgeFormat"): Failed 5, "qdb.tables(""BadgeFormat"")"
-db.Execute "insert into Visits (Id, Who) values (1, 'Bob')": Failed 3022, "db.Execute ""insert into Visits (Id, Who) values (1, 'Bob')"""
-db.Execute "insert into Visits (Id, Who) values (2, 'Barbara')": Failed 3163, "db.Execute ""insert into Visits (Id, Who) values (2, 'Barbara')"""
-db.Execute "insert into Visits (Id) values (3)": Failed 3314, "db.Execute ""insert into Visits (Id) values (3)"""
-db.OpenRecordset "select * from Nobody": Failed 3078, "db.OpenRecordset ""select * from Nobody"""
-Equal "the engine's collection", db.Errors(0).Number, 3078
 db.Execute "delete * from Visits; delete * from Readers": Failed 3075, "db.Execute ""delete * from Visits; delete * from Readers"""
 db.Execute "update Readers set StationId = 9": Failed 3201, "db.Execute ""update Readers set StationId = 9"""
 Set item = db.TableDefs("Nobody"): Failed 3265, "db.TableDefs(""Nobody"")"
 Set item = rows.Fields(99): Failed 3265, "rows.Fields(99)"
-rows.MoveNext: Failed 3021, "rows.MoveNext"
-db.OpenRecordset("select Name from Readers group by Name").FindFirst "Name = 'x'": Failed 3251, "db.OpenRecordset(""select Name from Readers group by Name"").FindFirst ""Name = 'x'"""
-rows.Fields.Append who: Failed 3219, "rows.Fields.Append who"
+rows.MoveNext: rows.MoveNext: Failed 3021, "rows.MoveNext"
+rows.Fields.Append draft: Failed 3219, "rows.Fields.Append draft"
 rows.MoveFirst: rows.Edit: rows("Id") = "many": Failed 3421, "rows.MoveFirst: rows.Edit: rows(""Id"") = ""many"""
 qdb.tables("Holidays").createFields CreateObject("Scripting.Dictionary"): Failed 13, "qdb.tables(""Holidays"").createFields CreateObject(""Scripting.Dictionary"")"
-td.Fields.Append rows: Failed 13, "td.Fields.Append rows"
 com.CheckDelay = Null: Failed 13, "com.CheckDelay = Null"
 com.CheckDelay = "many": Failed 13, "com.CheckDelay = ""many"""
 com.CheckDelay = Array(1, 2): Failed 13, "com.CheckDelay = Array(1, 2)"
@@ -169,17 +131,17 @@ On Error GoTo 0
 ' Shown: Card number not in use 1
 
 ' Objects that were closed or let go.
-Set who = rows.Fields("Name")
+Set field = rows.Fields("Name")
 rows.Close
 On Error Resume Next
 rows.MoveFirst: Failed 3420, "rows.MoveFirst"
-item = who.Value: Failed 3420, "who.Value"
+item = field.Value: Failed 3420, "field.Value"
 On Error GoTo 0
 Set rows = Nothing: Set glob = Nothing: Set qdb = Nothing
-Equal "the database is open while somebody holds it", db.OpenRecordset("Visits").RecordCount, 1
+Equal "the database is open while somebody holds it", db.OpenRecordset("Readers").RecordCount, 2
 db.Close
 On Error Resume Next
-db.OpenRecordset "Visits": Failed 3420, "db.OpenRecordset ""Visits"""
-db.Execute "delete * from Visits": Failed 3420, "db.Execute ""delete * from Visits"""
+db.OpenRecordset "Readers": Failed 3420, "db.OpenRecordset ""Readers"""
+db.Execute "delete * from Readers": Failed 3420, "db.Execute ""delete * from Readers"""
 On Error GoTo 0
 Finish

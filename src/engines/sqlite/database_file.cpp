@@ -134,8 +134,7 @@ bool checkDatabaseFile(const std::string& path, std::string_view given) {
 Connection openDatabaseFile(const std::string& path, const Session& session, bool sorted) {
   Connection connection(path, session.options, session.clock);
   if (sorted) return connection;
-  if (connection.readOnly())
-    return Connection(path, session.options, session.clock, Connection::Order::before);
+  if (connection.readOnly()) return readDatabaseFile(path, session, sorted);
   Step step(connection);
   // Another process may have been first.
   if (connection.number("PRAGMA application_id") != applicationId) {
@@ -144,6 +143,12 @@ Connection openDatabaseFile(const std::string& path, const Session& session, boo
   }
   step.release();
   return connection;
+}
+
+Connection readDatabaseFile(const std::string& path, const Session& session, bool sorted) {
+  SqliteOptions options = session.options;
+  options.readOnly = true;
+  return {path, options, session.clock, sorted ? Connection::Order::today : Connection::Order::before};
 }
 
 }  // namespace voxa

@@ -29,4 +29,7 @@ void copyDatabaseFile(const std::string& path, std::string_view given, const Ses
 /// not know this order refuse it from then on. Where it cannot be written, it is read in its own.
 [[nodiscard]] Connection openDatabaseFile(const std::string& path, const Session& session, bool sorted);
 
+/// Opens a file that was checked, for reading only.
+[[nodiscard]] Connection readDatabaseFile(const std::string& path, const Session& session, bool sorted);
+
 }  // namespace voxa

@@ -85,9 +85,13 @@ class SqliteEngine final : public DatabaseEngine {
     });
   }
 
-  std::shared_ptr<Database> open(std::string_view path) override {
+  std::shared_ptr<Database> open(std::string_view path, FileUse use) override {
     return session_->guarded([&] {
       const std::string full = databasePath(path);
+      if (use == FileUse::reading) {
+        const bool sorted = checkDatabaseFile(full, path);
+        return std::make_shared<SqliteDatabase>(session_, full, readDatabaseFile(full, *session_, sorted));
+      }
       if (auto connection = session_->reopen(full))
         return std::make_shared<SqliteDatabase>(session_, full, *std::move(connection));
       const bool sorted = checkDatabaseFile(full, path);

@@ -37,6 +37,7 @@ class SqliteDatabase final : public Database, public std::enable_shared_from_thi
   [[nodiscard]] const std::string& name() const override { return path_; }
   void close() override;
   [[nodiscard]] bool isOpen() const override { return file_.has_value(); }
+  [[nodiscard]] bool updatable() const override { return !connection().readOnly(); }
 
   int execute(std::string_view sql, const Parameters& parameters) override;
   [[nodiscard]] std::unique_ptr<Command> prepare(std::string_view sql) override;

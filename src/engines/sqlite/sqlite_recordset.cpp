@@ -179,6 +179,15 @@ void SqliteRecordset::checkColumn(std::size_t index) const {
   throw Error(err::dbNotInCollection, "The rows have no field number " + std::to_string(index));
 }
 
+Recordset::Source SqliteRecordset::source(std::size_t index) const {
+  return database().session().guarded([&] {
+    checkColumn(index);
+    const dialect::Translation& translation = rows_->translation();
+    if (translation.table.empty() || translation.sourceFields[index].empty()) return Source{};
+    return Source{translation.table, translation.sourceFields[index]};
+  });
+}
+
 const FieldDef& SqliteRecordset::field(std::size_t index) const {
   return database().session().guarded([&]() -> const FieldDef& {
     checkColumn(index);

@@ -71,6 +71,7 @@ class SqliteRecordset final : public Recordset {
 
   [[nodiscard]] std::size_t fieldCount() const override { return rows_->width(); }
   [[nodiscard]] const FieldDef& field(std::size_t index) const override;
+  [[nodiscard]] Source source(std::size_t index) const override;
   [[nodiscard]] std::size_t fieldIndex(std::string_view name) const override;
   [[nodiscard]] Value get(std::size_t index) const override;
 

@@ -52,6 +52,8 @@ class Database {
   /// Closes the file. Its recordsets become useless (3420). Closing twice does nothing.
   virtual void close() = 0;
   [[nodiscard]] virtual bool isOpen() const = 0;
+  /// Whether the file can be changed.
+  [[nodiscard]] virtual bool updatable() const = 0;
 
   /// Runs one statement that changes rows or definitions (CREATE, ALTER, DROP), or the stored query of that
   /// name. All of its changes are made, or none. Returns the number of rows that it changed. Text behind the
@@ -125,6 +127,9 @@ class Database {
 /// Returns the handle itself; raises `err::objectNotSet` when it is empty or its database is closed.
 [[nodiscard]] const std::shared_ptr<Database>& requireOpen(const std::shared_ptr<Database>& handle);
 
+/// What a file is opened for.
+enum class FileUse : std::uint8_t { changing, reading };
+
 /// The engine: creates and opens database files, and runs transactions over all open ones.
 class DatabaseEngine {
  public:
@@ -134,8 +139,8 @@ class DatabaseEngine {
   virtual std::shared_ptr<Database> create(std::string_view path) = 0;
   /// Opens a file, shared and for writing, or for reading only when the file allows no more. 3024 missing,
   /// 3343 not a database of this engine, 3051 cannot be opened, 3260 locked for longer than the engine waits.
-  /// A file that fails to open keeps every byte.
-  virtual std::shared_ptr<Database> open(std::string_view path) = 0;
+  /// A file that fails to open keeps every byte. reading: changes raise 3027.
+  virtual std::shared_ptr<Database> open(std::string_view path, FileUse use = FileUse::changing) = 0;
   /// The open databases in the order they were opened.
   [[nodiscard]] virtual std::vector<std::shared_ptr<Database>> databases() const = 0;
 

@@ -116,6 +116,13 @@ class Recordset {
   [[nodiscard]] virtual std::size_t fieldCount() const = 0;
   /// Definition of a field of the result: name, type, size. A column of a table has its whole definition.
   [[nodiscard]] virtual const FieldDef& field(std::size_t index) const = 0;
+  /// The table and field that a field of the result shows; both empty for an expression, and for results of
+  /// more than one table.
+  struct Source {
+    std::string table;
+    std::string field;
+  };
+  [[nodiscard]] virtual Source source(std::size_t index) const = 0;
   /// Position of a field; 3265 when there is none of that name.
   [[nodiscard]] virtual std::size_t fieldIndex(std::string_view name) const = 0;
 
