@@ -175,6 +175,21 @@ VARIANT toVariant(const Value& value) {
   return out;
 }
 
+VARIANT toVariant(const ColumnValue& column) {
+  VARIANT out = toVariant(column.value);
+  if (out.vt != VT_R8) return out;
+  if (column.type == DataType::Single) {
+    out.fltVal = static_cast<float>(out.dblVal);
+    out.vt = VT_R4;
+  } else if (column.type == DataType::Currency) {
+    CY amount{};
+    if (FAILED(::VarCyFromR8(out.dblVal, &amount))) throw Error(err::overflow, "Overflow: an amount");
+    out.cyVal = amount;
+    out.vt = VT_CY;
+  }
+  return out;
+}
+
 bool isMissing(const VARIANT& variant) {
   const VARIANT& inner = variableBehind(const_cast<VARIANT&>(variant));
   return (inner.vt == VT_ERROR && inner.scode == DISP_E_PARAMNOTFOUND) || inner.vt == VT_EMPTY;

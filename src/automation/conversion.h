@@ -20,6 +20,12 @@ namespace voxa::automation {
 [[nodiscard]] Value fromVariant(const VARIANT& variant);
 /// A value as a new variant, which the caller clears.
 [[nodiscard]] VARIANT toVariant(const Value& value);
+/// A value of a column: an amount, or a number of 32 bits, where the column has that type.
+struct ColumnValue {
+  Value value;
+  DataType type;
+};
+[[nodiscard]] VARIANT toVariant(const ColumnValue& column);
 
 /// Whether the caller left out an optional argument.
 [[nodiscard]] bool isMissing(const VARIANT& variant);
@@ -69,6 +75,9 @@ inline void put(BSTR* out, const std::string& value) {
   *out = toBstr(value);
 }
 inline void put(VARIANT* out, const Value& value) {
+  *out = toVariant(value);
+}
+inline void put(VARIANT* out, const ColumnValue& value) {
   *out = toVariant(value);
 }
 

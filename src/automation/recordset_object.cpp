@@ -199,7 +199,9 @@ class RecordsetObject final : public Object<::IRecordset> {
     return give(values, [&] {
       const std::int32_t most = isMissing(count) ? 1 : fromVariant(count).toInt32();
       if (most < 1) throw Error(err::dbInvalidArgument, "Invalid argument: GetRows reads one row or more");
-      return RowArray{getRows(rows(), static_cast<std::size_t>(most))};
+      std::vector<DataType> types;
+      for (std::size_t i = 0; i < rows().fieldCount(); ++i) types.push_back(rows().field(i).type);
+      return RowArray{getRows(rows(), static_cast<std::size_t>(most)), std::move(types)};
     });
   }
   STDMETHODIMP get_Index(BSTR* index) override {

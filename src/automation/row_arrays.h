@@ -20,9 +20,10 @@ struct BookmarkBytes {
 /// From an array of bytes, or from a text that was made of one; 3159 for anything else.
 [[nodiscard]] BookmarkBytes bookmarkFrom(const VARIANT& variant);
 
-/// Values as [field][row]. Callers get an array of these two dimensions.
+/// Values as [field][row], and the types of the fields. Callers get an array of these two dimensions.
 struct RowArray {
   std::vector<std::vector<Value>> values;
+  std::vector<DataType> types;
 };
 [[nodiscard]] VARIANT toVariant(const RowArray& rows);
 

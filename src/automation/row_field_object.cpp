@@ -30,7 +30,7 @@ class RowField final : public FieldObject {
   RowField(std::shared_ptr<OpenRows> rows, std::size_t index) : rows_(std::move(rows)), index_(index) {}
 
   STDMETHODIMP get_Value(VARIANT* value) override {
-    return give(value, [&] { return rows().get(index_); });
+    return give(value, [&] { return ColumnValue{rows().get(index_), definition().type}; });
   }
   STDMETHODIMP put_Value(VARIANT value) override {
     return call([&] { rows().set(index_, fromVariant(value)); });

@@ -126,9 +126,23 @@ Set rows = db.OpenRecordset("select DateAdd('m', 1, Day), Weekday(Day), Format(D
 Equal "functions", rows(0) & " " & rows(1) & " " & rows(2) & " " & rows(3), CStr(#1/24/2027#) & " 5 24 December 2026 7.00"
 Equal "an expression", rows(0).SourceField & rows(0).DataUpdatable & rows(0).Type, "False8"
 
+' Tables by statements, and what is in a file is changed.
+db.Execute "create table Pay (Id counter primary key, Amount currency, Rate single, DoorId long)"
+db.Execute "insert into Pay (Amount, Rate) values (1.23456, 0.1)"
+Set rows = db.OpenRecordset("Pay"): data = rows.GetRows
+Equal "amounts", VarType(data(0, 0)) & VarType(data(1, 0)) & VarType(data(2, 0)) & " " & data(1, 0) & " " & data(2, 0), "364 1.2346 0.1"
+rows.Close
+Set td = db.TableDefs("Pay"): Set key = td.CreateIndex("ByRate"): key.Fields.Append key.CreateField("Rate"): td.Indexes.Append key
+Equal "a late index", db.TableDefs("Pay").Indexes.Count, 2
+td.Indexes.Delete "ByRate": td.Fields.Delete "Rate": Equal "fewer", td.Indexes.Count & td.Fields.Count, "13"
+db.Execute "alter table Pay add constraint PayDoor foreign key (DoorId) references Readers (Id)"
+db.Relations.Delete "PayDoor": db.QueryDefs.Delete "Later": Equal "queries", db.QueryDefs.Count, 2
+db.QueryDefs("VisitsOf").SQL = "select 1 from Visits": Equal "another text in the file", db.QueryDefs("VisitsOf").Parameters.Count, 0
+db.TableDefs.Delete "Pay"
+
 ' Transactions over the workspace; errors.
 workspace.BeginTrans: db.Execute "delete from Visits": workspace.Rollback
-Equal "rolled back", td.RecordCount, 4
+Set td = db.TableDefs("Visits"): Equal "rolled back", td.RecordCount, 4
 engine.BeginTrans: db.Execute "delete from Visits where Id = 5": engine.CommitTrans 1
 Equal "committed", td.RecordCount, 3
 On Error Resume Next
