@@ -7,7 +7,10 @@
 #include <wrl/client.h>
 
 #include <algorithm>
+#include <array>
+#include <charconv>
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <stdexcept>
@@ -152,6 +155,13 @@ Value valueOf(const Variant& variant) {
       return std::int32_t{variant.iVal};
     case VT_I4:
       return static_cast<std::int32_t>(variant.lVal);
+    case VT_R4: {
+      std::array<char, 32> digits{};
+      (void)std::to_chars(digits.data(), digits.data() + digits.size(), variant.fltVal);
+      return std::strtod(digits.data(), nullptr);
+    }
+    case VT_CY:
+      return static_cast<double>(variant.cyVal.int64) / 10'000;
     case VT_R8:
       return variant.dblVal;
     case VT_DATE:
@@ -163,7 +173,7 @@ Value valueOf(const Variant& variant) {
   }
 }
 
-/// The database of an installation, and the tables that a file of records makes in it.
+/// A database for one file of records.
 class Automation : public Road {
  public:
   explicit Automation(const Object& db) : db_(db), tables_(db.get(L"TableDefs")) {}
@@ -178,7 +188,6 @@ class Automation : public Road {
       (void)fields.call(L"Append", made);
     }
     (void)tables_.call(L"Append", table);
-    made_.push_back(definition.name);
   }
   int execute(std::string_view sql) override {
     (void)db_.call(L"Execute", wide(sql));
@@ -197,16 +206,9 @@ class Automation : public Road {
     return out;
   }
 
-  /// Deletes the tables that were made.
-  void clear() {
-    for (const std::string& name : made_) (void)tables_.call(L"Delete", wide(name));
-    made_.clear();
-  }
-
  private:
   Object db_;
   Object tables_;
-  std::vector<std::string> made_;
 };
 
 int run() {
@@ -219,7 +221,7 @@ int run() {
                   (here / "COM.LOG").wstring(), here.wstring());
   const Object container = glob.get(L"QDB");
   (void)container.call(L"createDB");
-  Automation road(container.get(L"DB"));
+  const Object engine = Object::create(L"KORVA.DBEngine");
 
   std::vector<fs::path> files;
   for (const auto& entry : fs::directory_iterator(here)) {
@@ -229,6 +231,7 @@ int run() {
   int records = 0;
   int failures = 0;
   for (const fs::path& file : files) {
+    Automation road(engine.get(L"CreateDatabase", file.stem().wstring()));
     std::ifstream in(file);
     for (const Record& record : readRecords(in)) {
       ++records;
@@ -238,7 +241,6 @@ int run() {
       std::printf("%s:%d %s\n%s\n", file.filename().string().c_str(), record.line, record.text.c_str(),
                   found.c_str());
     }
-    road.clear();
   }
   std::printf("%d of %d records failed\n", failures, records);
   return failures == 0 && records > 0 ? 0 : 1;

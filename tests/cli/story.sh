@@ -215,7 +215,7 @@ succeeds db query "select -1 as n, '=1+1' as a, 'b, \"' as b, Active from Statio
 [ "$(cat out)" = $'n,a,b,Active\r\n-1,\'=1+1,"b, """,yes\r' ] || fail "a query as CSV"
 cmp before plant/KRV.mdb || fail "a query has changed the installation"
 refuses "no table or query" db query Nowhere
-refuses "begins with SELECT" db query "drop table Stations"
+refuses "with --write only" db query "drop table Stations"
 refuses "no database of this system" db query Stations --file "$program"
 refuses "without --write" db query Stations --write
 succeeds db query "update Readers set Name = Name & '!' where Name like 'gar*'" --write
