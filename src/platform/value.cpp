@@ -207,6 +207,20 @@ double certain(double number) {
   return value;
 }
 
+std::optional<std::int32_t> takeBasedNumber(std::string_view& text) {
+  if (text.size() < 2 || text[0] != '&') return std::nullopt;
+  const char letter = static_cast<char>(text[1] | 0x20);
+  const char* const first = text.data() + (letter == 'h' || letter == 'o' ? 2 : 1);
+  const char* const last = text.data() + text.size();
+  std::uint32_t bits = 0;
+  const auto [end, error] = std::from_chars(first, last, bits, letter == 'h' ? 16 : 8);
+  if (error == std::errc::invalid_argument) return std::nullopt;
+  if (error != std::errc()) failRange(quoted(text), "32-bit integers");
+  text.remove_prefix(static_cast<std::size_t>(end - text.data()));
+  if (bits <= std::numeric_limits<std::uint16_t>::max()) return static_cast<std::int16_t>(bits);
+  return static_cast<std::int32_t>(bits);
+}
+
 double toCurrency(double number) {
   constexpr double parts = 10'000;
   constexpr double most = 922'337'203'685'477.0;

@@ -151,6 +151,9 @@ inline constexpr const char* collation = "KORVA";
 ///   vx_format(value, type, pattern, firstDay, firstWeek)  Format() of a value of that type (format.h)
 ///   vx_join(a, b)            the operator &: Null when both are
 ///   vx_div, vx_idiv, vx_mod  the operators / \ MOD; 11 for a divisor of 0
+///   vx_finite(number)        the same number; 6 for one beyond all range
+///   vx_product(a, b, ...)    the product of two or more; 6 likewise
+///   vx_one(count, value)     the value; 3354 when there are more
 ///   vx_now()                 the moment, the same for the whole of a statement
 ///   vx_like(text, pattern)   Like with * ? # and [ ] classes, without regard to case
 ///   vx_part(which, date), vx_time(date), vx_dateserial(y, m, d)

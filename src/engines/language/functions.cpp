@@ -91,10 +91,10 @@ constexpr Function functions[] = {
     {"str", "n", "vx_str($1)", Result::text},
     {"strcomp", "tt", "vx_strcomp($1, $2, 1)", Result::whole},
     {"strcomp", "ttn", "vx_strcomp($1, $2, $3)", Result::whole},
-    {"string", "nt", "vx_string($1, $2)", Result::text},
+    {"string", "ny", "vx_string($1, $2)", Result::text},
     {"tan", "n", "vx_tan($1)", Result::real},
     {"time", "", "vx_time(vx_now())", Result::date},
-    {"timeserial", "nnn", "($1 * 3600 + $2 * 60 + $3) / 86400.0", Result::date},
+    {"timeserial", "nnn", "vx_store(($1 * 3600 + $2 * 60 + $3) / 86400.0, 8, 0)", Result::date},
     {"timevalue", "d", "vx_time($1)", Result::date},
     {"trim", "t", "trim($1)", Result::text},
     {"ucase", "t", "vx_upper($1)", Result::text},
@@ -159,7 +159,8 @@ Common commonOf(const std::vector<const Term*>& terms) {
   for (const Term* term : terms) {
     const bool known = common.type || term->type;
     common.type = commonType(common.type, term->type);
-    if (known && !common.type) return {DataType::Text, true};
+    if (known && !common.type) return {.type = DataType::Text, .mixed = true};
+    common.most = std::max(common.most, mostOf(*term));
   }
   return common;
 }
@@ -184,9 +185,11 @@ Term Writer::call(const Expression& e, Scope& scope) {
 
   std::vector<std::string> arguments;
   std::optional<DataType> first;
+  double most = 0;
   for (std::size_t i = 0; i < e.arguments.size(); ++i) {
     Term term = write(*e.arguments[i], scope);
     if (i == 0) first = term.type;
+    if (i == 0 && found->result == Result::likeFirst) most = term.most;
     const char kind = found->arguments[i];
     arguments.push_back(kind == 'n'   ? number(std::move(term))
                         : kind == 'd' ? date(std::move(term))
@@ -204,6 +207,7 @@ Term Writer::call(const Expression& e, Scope& scope) {
     }
   }
   out.type = resultType(found->result, first);
+  out.most = most;
   out.condition = found->result == Result::condition;
   // Text that does not end like a call has an operator outermost and needs parentheses.
   if (out.sql.back() != ')' || out.sql.front() == '(') out.chain = '?';
@@ -232,11 +236,14 @@ Term Writer::aggregate(const Expression& e, Scope& scope) {
   if (isWord(e.name, "count")) return {.sql = "count(" + value(term) + ")", .type = DataType::Long};
   if (isWord(e.name, "first") || isWord(e.name, "last"))
     return {.sql = (isWord(e.name, "first") ? "vx_first(" : "vx_last(") + value(term) + ")",
-            .type = term.type};
+            .type = term.type,
+            .most = term.most};
+  constexpr double rows = 1e19;  // more than there can be
+  const double most = mostOf(term);
   for (const char* spread : {"stdev", "stdevp", "var", "varp"}) {
     if (isWord(e.name, spread))
-      return {.sql = "vx_" + std::string(spread) + "(" + number(std::move(term)) + ")",
-              .type = DataType::Double};
+      return computed("vx_" + std::string(spread) + "(" + number(std::move(term)) + ")", DataType::Double,
+                      most * most * rows);
   }
   if (isWord(e.name, "sum") || isWord(e.name, "avg")) {
     const bool whole = isWholeType(term.type) && isWord(e.name, "sum");
@@ -244,11 +251,13 @@ Term Writer::aggregate(const Expression& e, Scope& scope) {
     const char* function = isWord(e.name, "sum") ? "sum(" : "avg(";
     const std::string sql = function + number(std::move(term)) + ")";
     if (amount) return {.sql = asAmount(sql), .type = DataType::Currency};
-    return {.sql = sql, .type = whole ? DataType::Long : DataType::Double};
+    return computed(sql, whole ? DataType::Long : DataType::Double, most * rows);
   }
   const bool collates = isTextType(term.type) && term.field == nullptr;
   const std::string argument = collates ? collated(operand(term)) : value(term);
-  return {.sql = (isWord(e.name, "min") ? "min(" : "max(") + argument + ")", .type = term.type};
+  return {.sql = (isWord(e.name, "min") ? "min(" : "max(") + argument + ")",
+          .type = term.type,
+          .most = term.most};
 }
 
 /// IIf(condition, a, b) and Nz(a, b). When the two values have different types, both become text.
@@ -262,13 +271,16 @@ Term Writer::choice(const Expression& e, Scope& scope) {
   if (count > 1) {
     b = write(*e.arguments[count - 1], scope);
   } else {
-    b = isTextType(a.type) ? Term{.sql = "''", .type = DataType::Text} : Term{.sql = "0", .type = a.type};
+    // Null itself, without a type, counts as a text.
+    b = !a.type || isTextType(a.type) ? Term{.sql = "''", .type = DataType::Text}
+                                      : Term{.sql = "0", .type = a.type};
   }
   const Common common = commonOf({&a, &b});
   const std::string first = common.mixed ? text(a) : value(a);
   const std::string second = common.mixed ? text(b) : value(b);
   Term out;
   out.type = common.type;
+  out.most = common.most;
   out.sql = iif ? "CASE WHEN " + test + " THEN " + first + " ELSE " + second + " END"
                 : "coalesce(" + first + ", " + second + ")";
   return out;
@@ -293,7 +305,7 @@ Term Writer::cases(const Expression& e, Scope& scope) {
   const Common common = commonOf(all);
   for (std::size_t i = 0; i < values.size(); ++i)
     sql += " WHEN " + tests[i] + " THEN " + (common.mixed ? text(values[i]) : value(values[i]));
-  return {.sql = sql + " END", .type = common.type};
+  return {.sql = sql + " END", .type = common.type, .most = common.most};
 }
 
 Term Writer::format(const Expression& e, Scope& scope) {

@@ -44,15 +44,17 @@ void mid(sqlite3_context* context, sqlite3_value** arguments, int number) {
   returnText(context, text);
 }
 
-/// So many times the first character of a text.
+/// So many times the first character of a text, or the character that a number is the code of.
 void repeated(sqlite3_context* context, sqlite3_value** arguments, int) {
   constexpr std::int64_t most = 1'000'000;
-  const std::string_view text = textOf(arguments[1]);
+  std::string text(textOf(arguments[1]));
+  if (sqlite3_value_type(arguments[1]) != SQLITE_TEXT)
+    text = fromCp1252(std::string(1, static_cast<char>(valueOf(arguments[1]).toInt32() & 0xff)));
   const std::int64_t times = countOf(arguments[0], 0);
   if (text.empty() || times > most)
     throw Error(err::invalidArgument, "Invalid argument: a character is repeated 0 to 1,000,000 times");
   std::string out;
-  for (std::int64_t i = 0; i < times; ++i) out += text.substr(0, behindCharacter(text, 0));
+  for (std::int64_t i = 0; i < times; ++i) out.append(text, 0, behindCharacter(text, 0));
   returnText(context, out);
 }
 
@@ -113,8 +115,13 @@ bool inClass(std::string_view& pattern, std::string_view character) {
       next = behindCharacter(set, at);
       last = set.substr(at, next - at);
     }
-    // UTF-8 bytes have the same order as their characters.
-    found = found || (first <= character && character <= last);
+    if (first == last) {
+      found = found || first == character;
+    } else {
+      if (compareNoCase(first, last) > 0)
+        throw Error(err::invalidPattern, "Invalid pattern: a range such as [a-z] begins with its lower end");
+      found = found || (compareNoCase(first, character) <= 0 && compareNoCase(character, last) <= 0);
+    }
     at = next;
   }
   return found != negated;
