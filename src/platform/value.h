@@ -92,6 +92,11 @@ class Value {
 /// `err::overflow` for more.
 [[nodiscard]] std::optional<std::int32_t> takeBasedNumber(std::string_view& text);
 
+/// The number that the whole text is, with blanks around it: in decimal, with commas between groups of
+/// three digits, in parentheses when it is negative, or as takeBasedNumber reads it. None when it is no
+/// number; `err::overflow` for one beyond all range.
+[[nodiscard]] std::optional<double> parseNumber(std::string_view text);
+
 /// The number as an amount, with four digits behind the point, half to even as its 15 digits tell it;
 /// `err::overflow` beyond 922,337,203,685,477, which 64 bits of ten-thousandths hold.
 [[nodiscard]] double toCurrency(double number);

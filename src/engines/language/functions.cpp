@@ -14,9 +14,9 @@ namespace {
 
 enum class Result : std::uint8_t { whole, real, amount, single, date, text, condition, boolean, likeFirst };
 
-/// A function as SQLite text, with its arguments at $1, $2 and so on. An argument is taken as a number (n), a
-/// date (d), a text (t; w: True and False as these words), as it is (v), or as a text unless it is a number
-/// (y).
+/// A function as SQLite text, with its arguments at $1, $2 and so on, and the type of the first one at $T by
+/// its name, at $V by its number. An argument is taken as a number (n), a date (d), a text (t; w: True and
+/// False as these words), as it is (v), or as a text unless it is a number (y).
 struct Function {
   std::string_view name;
   std::string_view arguments;
@@ -26,6 +26,7 @@ struct Function {
 constexpr Function functions[] = {
     {"abs", "n", "abs($1)", Result::likeFirst},
     {"asc", "t", "vx_asc($1)", Result::whole},
+    {"ascw", "t", "vx_ascw($1)", Result::whole},
     {"atn", "n", "vx_atn($1)", Result::real},
     {"cbool", "v", "vx_store($1, 1, 0)", Result::boolean},
     {"cbyte", "v", "vx_store($1, 2, 0)", Result::whole},
@@ -33,6 +34,7 @@ constexpr Function functions[] = {
     {"cdate", "v", "vx_store($1, 8, 0)", Result::date},
     {"cdbl", "v", "vx_store($1, 7, 0)", Result::real},
     {"chr", "n", "vx_chr($1)", Result::text},
+    {"chrw", "n", "vx_chrw($1)", Result::text},
     {"cint", "v", "vx_store($1, 3, 0)", Result::whole},
     {"clng", "v", "vx_store($1, 4, 0)", Result::whole},
     {"csng", "v", "vx_store($1, 6, 0)", Result::single},
@@ -73,6 +75,8 @@ constexpr Function functions[] = {
     {"mid", "tnn", "vx_mid($1, $2, $3)", Result::text},
     {"minute", "d", "vx_part(5, $1)", Result::whole},
     {"month", "d", "vx_part(2, $1)", Result::whole},
+    {"monthname", "n", "vx_monthname($1, 0)", Result::text},
+    {"monthname", "nn", "vx_monthname($1, $2)", Result::text},
     {"now", "", "vx_now()", Result::date},
     {"oct", "n", "vx_oct($1)", Result::text},
     {"replace", "ttt", "vx_replace($1, $2, $3, 1, -1, 1)", Result::text},
@@ -91,22 +95,47 @@ constexpr Function functions[] = {
     {"str", "n", "vx_str($1)", Result::text},
     {"strcomp", "tt", "vx_strcomp($1, $2, 1)", Result::whole},
     {"strcomp", "ttn", "vx_strcomp($1, $2, $3)", Result::whole},
+    {"strconv", "tn", "vx_strconv($1, $2)", Result::text},
     {"string", "ny", "vx_string($1, $2)", Result::text},
+    {"strreverse", "t", "vx_strreverse($1)", Result::text},
     {"tan", "n", "vx_tan($1)", Result::real},
     {"time", "", "vx_time(vx_now())", Result::date},
     {"timeserial", "nnn", "vx_store(($1 * 3600 + $2 * 60 + $3) / 86400.0, 8, 0)", Result::date},
     {"timevalue", "d", "vx_time($1)", Result::date},
     {"trim", "t", "trim($1)", Result::text},
+    {"typename", "v", "CASE WHEN $1 IS NULL THEN 'Null' ELSE '$T' END", Result::text},
     {"ucase", "t", "vx_upper($1)", Result::text},
     {"val", "t", "vx_val($1)", Result::real},
+    {"vartype", "v", "CASE WHEN $1 IS NULL THEN 1 ELSE $V END", Result::whole},
     {"weekday", "d", "vx_part(7, $1)", Result::whole},
     {"weekday", "dn", "vx_datepart('w', $1, $2, 1)", Result::whole},
+    {"weekdayname", "n", "vx_weekdayname($1, 0, 1)", Result::text},
+    {"weekdayname", "nn", "vx_weekdayname($1, $2, 1)", Result::text},
+    {"weekdayname", "nnn", "vx_weekdayname($1, $2, $3)", Result::text},
     {"year", "d", "vx_part(1, $1)", Result::whole},
 };
 
 /// Those of SQLite, and the engine's own.
 constexpr std::string_view aggregates[] = {"avg",   "count",  "first", "last", "max", "min",
                                            "stdev", "stdevp", "sum",   "var",  "varp"};
+
+/// Types as automation clients name and number them.
+struct TypeName {
+  DataType type;
+  std::string_view name;
+  std::string_view number;
+};
+constexpr TypeName typeNames[] = {{DataType::Boolean, "Boolean", "11"},  {DataType::Byte, "Byte", "17"},
+                                  {DataType::Integer, "Integer", "2"},   {DataType::Long, "Long", "3"},
+                                  {DataType::Currency, "Currency", "6"}, {DataType::Single, "Single", "4"},
+                                  {DataType::Double, "Double", "5"},     {DataType::Date, "Date", "7"}};
+constexpr TypeName textName = {DataType::Text, "String", "8"};
+
+const TypeName& nameOf(const std::optional<DataType>& type) {
+  const auto* found = std::find_if(std::begin(typeNames), std::end(typeNames),
+                                   [&](const TypeName& known) { return known.type == type; });
+  return found == std::end(typeNames) ? textName : *found;
+}
 
 std::optional<DataType> resultType(Result result, const std::optional<DataType>& first) {
   switch (result) {
@@ -201,7 +230,10 @@ Term Writer::call(const Expression& e, Scope& scope) {
   Term out;
   for (std::size_t i = 0; i < found->text.size(); ++i) {
     if (found->text[i] == '$') {
-      out.sql += arguments[static_cast<std::size_t>(found->text[++i] - '1')];
+      const char what = found->text[++i];
+      out.sql += what == 'T'   ? std::string(nameOf(first).name)
+                 : what == 'V' ? std::string(nameOf(first).number)
+                               : arguments[static_cast<std::size_t>(what - '1')];
     } else {
       out.sql += found->text[i];
     }

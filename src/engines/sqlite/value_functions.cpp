@@ -68,13 +68,9 @@ void number(sqlite3_context* context, sqlite3_value** arguments, int) {
     sqlite3_result_value(context, arguments[0]);
     return;
   }
-  // Most texts that are no number contain a letter. So they are found without an exception, which takes
-  // longer.
-  const std::string_view text = textOf(arguments[0]);
-  if (text.find_first_not_of("0123456789.eE+- \t") != std::string_view::npos) return;
   try {
-    sqlite3_result_double(context, Value(text).toDouble());
-  } catch (const Error&) {
+    if (const auto number = parseNumber(textOf(arguments[0]))) sqlite3_result_double(context, *number);
+  } catch (const Error&) {  // beyond all range
     sqlite3_result_null(context);
   }
 }
@@ -181,8 +177,7 @@ void isNumeric(sqlite3_context* context, sqlite3_value** arguments, int) {
   bool number = type == SQLITE_INTEGER || type == SQLITE_FLOAT;
   if (type == SQLITE_TEXT) {
     try {
-      (void)Value(textOf(arguments[0])).toDouble();
-      number = true;
+      number = parseNumber(textOf(arguments[0])).has_value();
     } catch (const Error& error) {
       number = error.number() == err::overflow;
     }
