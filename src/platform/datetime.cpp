@@ -114,13 +114,16 @@ bool readNamedDate(Reader& in, const Clock* clock, CivilTime& out) {
 }
 
 bool readDate(Reader& in, bool monthFirst, const Clock* clock, CivilTime& out) {
-  if (in.behindDigits() == '-') {
-    return in.number(4, 4, out.year) && in.skip('-') && in.number(1, 2, out.month) && in.skip('-') &&
+  const char sign = in.behindDigits();
+  if (sign != '-' && sign != '/') return false;
+  if (in.digitsAhead() == 4) {
+    return in.number(4, 4, out.year) && in.skip(sign) && in.number(1, 2, out.month) && in.skip(sign) &&
            in.number(1, 2, out.day);
   }
+  if (sign == '-' && !monthFirst) return false;
   int& first = monthFirst ? out.month : out.day;
   int& second = monthFirst ? out.day : out.month;
-  if (!(in.number(1, 2, first) && in.skip('/') && in.number(1, 2, second) && in.skip('/'))) return false;
+  if (!(in.number(1, 2, first) && in.skip(sign) && in.number(1, 2, second) && in.skip(sign))) return false;
   return readYear(in, clock, out);
 }
 

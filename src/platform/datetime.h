@@ -32,13 +32,14 @@ struct CivilTime {
 [[nodiscard]] CivilTime toCivil(DateTime moment);
 
 /// The regional short form, fixed for this system: dd/mm/yyyy and hh:mm:ss.
-/// Accepts a date (d/m/yyyy or d/m/yy, also yyyy-mm-dd, 6 May 2024 and May 6, 2024, names in English or their
-/// first three letters), a time (h:mm or h:mm:ss, also with AM or PM), or both with blanks or a T between.
-/// Empty when the text is none of these. clock: gives the day on which a year of two digits is read
-/// (fullYear), and the year of a date with a month's name and none. Without a clock such a text is no date.
+/// Accepts a date (d/m/yyyy or d/m/yy, also yyyy-mm-dd and yyyy/mm/dd, 6 May 2024 and May 6, 2024, names in
+/// English or their first three letters), a time (h:mm or h:mm:ss, also with AM or PM), or both with blanks
+/// or a T between. Empty when the text is none of these. clock: gives the day on which a year of two digits
+/// is read (fullYear), and the year of a date with a month's name and none. Without a clock such a text is no
+/// date.
 [[nodiscard]] std::optional<DateTime> parseDateTime(std::string_view text, const Clock* clock = nullptr);
-/// Reads a date literal, which stands between number signs in a statement. Like parseDateTime, but m/d/y: the
-/// engine's language has that order in every region.
+/// Reads a date literal, which stands between number signs in a statement. Like parseDateTime, but m/d/y or
+/// m-d-y: the engine's language has that order in every region.
 [[nodiscard]] std::optional<DateTime> parseDateLiteral(std::string_view text, const Clock* clock = nullptr);
 
 /// "dd/mm/yyyy", then " hh:mm:ss" unless the time of day is midnight. A moment on day 0 gives the time alone.

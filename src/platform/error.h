@@ -72,6 +72,7 @@ inline constexpr int dbRequired = 3314;              ///< required field is Null
 inline constexpr int dbZeroLength = 3315;            ///< field does not allow zero-length text
 inline constexpr int dbUnionColumns = 3307;          ///< UNION of different numbers of columns
 inline constexpr int dbValueCount = 3346;            ///< INSERT has not as many values as fields
+inline constexpr int dbSeveralRows = 3354;           ///< a query that is one value gives several rows
 inline constexpr int dbValidationRule = 3317;        ///< value breaks the validation rule
 inline constexpr int dbNotADatabase = 3343;          ///< unrecognised database format
 inline constexpr int dbNoUniqueIndex = 3366;         ///< no unique index on the primary side of a relation

@@ -284,6 +284,17 @@ std::size_t lengthInCharacters(std::string_view utf8) {
   return n;
 }
 
+char32_t firstCharacter(std::string_view utf8) {
+  std::size_t at = 0;
+  return decode(utf8, at);
+}
+
+std::string characterOf(char32_t number) {
+  std::string out;
+  encode(number, out);
+  return out;
+}
+
 bool isUtf8(std::string_view text) {
   for (std::size_t i = 0; i < text.size();) {
     if (decode(text, i) >= brokenByte) return false;

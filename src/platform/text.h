@@ -35,6 +35,10 @@ namespace voxa {
 [[nodiscard]] std::size_t lengthInCharacters(std::string_view utf8);
 /// Position behind the character at `at`. Bytes that are no UTF-8 belong to the character before them.
 [[nodiscard]] std::size_t behindCharacter(std::string_view utf8, std::size_t at);
+/// The number of the first character of a text that has one, and the character of a number (not of a
+/// surrogate).
+[[nodiscard]] char32_t firstCharacter(std::string_view utf8);
+[[nodiscard]] std::string characterOf(char32_t number);
 /// Whether the bytes are well-formed UTF-8.
 [[nodiscard]] bool isUtf8(std::string_view text);
 

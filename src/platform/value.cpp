@@ -65,28 +65,18 @@ std::string doubleText(double v) {
   return digits + (exponent < 0 ? "E-" : "E+") + power;
 }
 
-/// The number that the whole text is, with blanks around it allowed. Empty when it is no number.
-std::optional<double> parseNumber(std::string_view text) {
-  constexpr std::string_view blanks = " \t";
-  const auto first = text.find_first_not_of(blanks);
-  if (first == std::string_view::npos) return std::nullopt;
-  std::string_view digits = text.substr(first, text.find_last_not_of(blanks) - first + 1);
-  const bool negative = digits.front() == '-';
-  if (negative || digits.front() == '+') digits.remove_prefix(1);
-  // from_chars would also read "inf", "nan" and a second sign.
-  if (digits.empty() || digits.find_first_not_of("0123456789.eE+-") != std::string_view::npos ||
-      digits.find_first_of("0123456789.") != 0) {
-    return std::nullopt;
+/// Takes the commas in front of groups of three digits out of a number; others stay.
+std::string withoutCommas(std::string_view number) {
+  constexpr std::string_view decimal = "0123456789";
+  std::string out;
+  for (std::size_t at = 0;;) {
+    const std::size_t end = std::min(number.find_first_not_of(decimal, at), number.size());
+    const bool group = at == 0 ? end > 0 && end <= 3 : end == at + 3;
+    if (!group) return std::string(number);
+    out.append(number.substr(at, end - at));
+    if (end == number.size() || number[end] != ',') return out.append(number.substr(end));
+    at = end + 1;
   }
-  double v = 0;
-  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), v);
-  if (error == std::errc::invalid_argument || end != digits.data() + digits.size()) return std::nullopt;
-  if (error == std::errc::result_out_of_range) {
-    // The sign of the exponent tells whether the number is too small or too large.
-    if (digits.find('-') == std::string_view::npos) failRange(quoted(text), "numbers");
-    v = 0;
-  }
-  return negative ? -v : v;
 }
 
 double numberOf(const Value& value) {
@@ -205,6 +195,51 @@ double certain(double number) {
   double value = number;
   (void)std::from_chars(digits.data(), digits.data() + digits.size(), value);
   return value;
+}
+
+std::optional<double> parseNumber(std::string_view text) {
+  constexpr std::string_view blanks = " \t";
+  const auto first = text.find_first_not_of(blanks);
+  if (first == std::string_view::npos) return std::nullopt;
+  std::string_view digits = text.substr(first, text.find_last_not_of(blanks) - first + 1);
+  if (digits.front() == '&') {
+    const auto based = takeBasedNumber(digits);
+    return based && digits.empty() ? std::optional<double>(*based) : std::nullopt;
+  }
+  const bool enclosed = digits.size() > 2 && digits.front() == '(' && digits.back() == ')';
+  if (enclosed) digits = digits.substr(1, digits.size() - 2);
+  const bool negative = enclosed || digits.front() == '-';
+  if (!enclosed && (negative || digits.front() == '+')) digits.remove_prefix(1);
+  std::string plain;
+  if (digits.find(',') != std::string_view::npos) digits = plain = withoutCommas(digits);
+  // from_chars would also read "inf", "nan" and a second sign.
+  if (digits.empty() || digits.find_first_not_of("0123456789.eE+-") != std::string_view::npos ||
+      digits.find_first_of("0123456789.") != 0) {
+    return std::nullopt;
+  }
+  double v = 0;
+  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), v);
+  if (error == std::errc::invalid_argument || end != digits.data() + digits.size()) return std::nullopt;
+  if (error == std::errc::result_out_of_range) {
+    // The sign of the exponent tells whether the number is too small or too large.
+    if (digits.find('-') == std::string_view::npos) failRange(quoted(text), "numbers");
+    v = 0;
+  }
+  return negative ? -v : v;
+}
+
+std::optional<std::int32_t> takeBasedNumber(std::string_view& text) {
+  if (text.size() < 2 || text[0] != '&') return std::nullopt;
+  const char letter = static_cast<char>(text[1] | 0x20);
+  const char* const first = text.data() + (letter == 'h' || letter == 'o' ? 2 : 1);
+  const char* const last = text.data() + text.size();
+  std::uint32_t bits = 0;
+  const auto [end, error] = std::from_chars(first, last, bits, letter == 'h' ? 16 : 8);
+  if (error == std::errc::invalid_argument) return std::nullopt;
+  if (error != std::errc()) failRange(quoted(text), "32-bit integers");
+  text.remove_prefix(static_cast<std::size_t>(end - text.data()));
+  if (bits <= std::numeric_limits<std::uint16_t>::max()) return static_cast<std::int16_t>(bits);
+  return static_cast<std::int32_t>(bits);
 }
 
 double toCurrency(double number) {

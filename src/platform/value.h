@@ -3,6 +3,7 @@
 #include <compare>
 #include <concepts>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -85,6 +86,16 @@ class Value {
 
 /// The number that these digits are.
 [[nodiscard]] double certain(double number);
+
+/// Takes a number of base 16 ("&HFF") or 8 ("&O17", "&17") from the beginning of a text; none when there is
+/// none. One of up to 16 bits is a number of 16 bits and another of 32, so that "&HFFFF" is -1;
+/// `err::overflow` for more.
+[[nodiscard]] std::optional<std::int32_t> takeBasedNumber(std::string_view& text);
+
+/// The number that the whole text is, with blanks around it: in decimal, with commas between groups of
+/// three digits, in parentheses when it is negative, or as takeBasedNumber reads it. None when it is no
+/// number; `err::overflow` for one beyond all range.
+[[nodiscard]] std::optional<double> parseNumber(std::string_view text);
 
 /// The number as an amount, with four digits behind the point, half to even as its 15 digits tell it;
 /// `err::overflow` beyond 922,337,203,685,477, which 64 bits of ten-thousandths hold.

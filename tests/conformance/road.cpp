@@ -1,6 +1,7 @@
 #include "conformance/road.h"
 
 #include <algorithm>
+#include <cmath>
 #include <stdexcept>
 
 #include "platform/datetime.h"
@@ -39,7 +40,9 @@ std::string shown(const Value& value, char type) {
   const char is = value.isText() ? 'T' : moment ? 'D' : real ? 'R' : 'I';
   const std::string text = is == 'D'   ? formatDateTime(value.toDateTime(), "yyyy-mm-dd hh:nn:ss")
                            : is == 'I' ? std::to_string(value.toInt32())
-                                       : value.toText();
+                           : is == 'R' && value.toDouble() == 0 && std::signbit(value.toDouble())
+                               ? "-0"
+                               : value.toText();
   return is != type ? std::string(1, is) + ":" + text : text.empty() ? "(empty)" : text;
 }
 

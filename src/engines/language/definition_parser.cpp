@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cstdlib>
+#include <limits>
 #include <optional>
 
 #include "engines/language/definition.h"
@@ -189,7 +190,8 @@ class DefinitionParser : private Parser {
       const auto* whole = std::get_if<std::int32_t>(&value.data());
       const auto* real = std::get_if<double>(&value.data());
       if (negative && whole == nullptr && real == nullptr) fail("a number is missing");
-      if (negative) value = whole != nullptr ? Value(-*whole) : Value(-*real);
+      const bool least = whole != nullptr && *whole == std::numeric_limits<std::int32_t>::min();
+      if (negative) value = whole != nullptr && !least ? Value(-*whole) : Value(-value.toDouble());
     } else if (!negative && (atWord("true") || atWord("yes"))) {
       value = true;
     } else if (!negative && (atWord("false") || atWord("no"))) {

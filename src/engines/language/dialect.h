@@ -151,10 +151,14 @@ inline constexpr const char* collation = "KORVA";
 ///   vx_format(value, type, pattern, firstDay, firstWeek)  Format() of a value of that type (format.h)
 ///   vx_join(a, b)            the operator &: Null when both are
 ///   vx_div, vx_idiv, vx_mod  the operators / \ MOD; 11 for a divisor of 0
+///   vx_finite(number)        the same number; 6 for one beyond all range
+///   vx_product(a, b, ...)    the product of two or more; 6 likewise
+///   vx_one(count, value)     the value; 3354 when there are more
 ///   vx_now()                 the moment, the same for the whole of a statement
 ///   vx_like(text, pattern)   Like with * ? # and [ ] classes, without regard to case
 ///   vx_part(which, date), vx_time(date), vx_dateserial(y, m, d)
 ///   vx_left, vx_right, vx_mid, vx_instr, vx_lower, vx_upper, vx_chr, vx_asc, vx_val, vx_int, vx_fix, vx_sgn,
+///   vx_strreverse, vx_strconv, vx_ascw, vx_chrw, vx_monthname, vx_weekdayname,
 ///   vx_pow, vx_round, vx_str, vx_string, vx_hex, vx_oct, vx_replace, vx_instrrev, vx_strcomp, vx_isnumeric,
 ///   vx_isdate, vx_dateadd, vx_datediff, vx_datepart, vx_sqr, vx_exp, vx_log, vx_sin, vx_cos, vx_tan, vx_atn
 ///                            as the functions of the language, all arguments given

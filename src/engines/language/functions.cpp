@@ -14,9 +14,9 @@ namespace {
 
 enum class Result : std::uint8_t { whole, real, amount, single, date, text, condition, boolean, likeFirst };
 
-/// A function as SQLite text, with its arguments at $1, $2 and so on. An argument is taken as a number (n), a
-/// date (d), a text (t; w: True and False as these words), as it is (v), or as a text unless it is a number
-/// (y).
+/// A function as SQLite text, with its arguments at $1, $2 and so on, and the type of the first one at $T by
+/// its name, at $V by its number. An argument is taken as a number (n), a date (d), a text (t; w: True and
+/// False as these words), as it is (v), or as a text unless it is a number (y).
 struct Function {
   std::string_view name;
   std::string_view arguments;
@@ -26,6 +26,7 @@ struct Function {
 constexpr Function functions[] = {
     {"abs", "n", "abs($1)", Result::likeFirst},
     {"asc", "t", "vx_asc($1)", Result::whole},
+    {"ascw", "t", "vx_ascw($1)", Result::whole},
     {"atn", "n", "vx_atn($1)", Result::real},
     {"cbool", "v", "vx_store($1, 1, 0)", Result::boolean},
     {"cbyte", "v", "vx_store($1, 2, 0)", Result::whole},
@@ -33,6 +34,7 @@ constexpr Function functions[] = {
     {"cdate", "v", "vx_store($1, 8, 0)", Result::date},
     {"cdbl", "v", "vx_store($1, 7, 0)", Result::real},
     {"chr", "n", "vx_chr($1)", Result::text},
+    {"chrw", "n", "vx_chrw($1)", Result::text},
     {"cint", "v", "vx_store($1, 3, 0)", Result::whole},
     {"clng", "v", "vx_store($1, 4, 0)", Result::whole},
     {"csng", "v", "vx_store($1, 6, 0)", Result::single},
@@ -73,6 +75,8 @@ constexpr Function functions[] = {
     {"mid", "tnn", "vx_mid($1, $2, $3)", Result::text},
     {"minute", "d", "vx_part(5, $1)", Result::whole},
     {"month", "d", "vx_part(2, $1)", Result::whole},
+    {"monthname", "n", "vx_monthname($1, 0)", Result::text},
+    {"monthname", "nn", "vx_monthname($1, $2)", Result::text},
     {"now", "", "vx_now()", Result::date},
     {"oct", "n", "vx_oct($1)", Result::text},
     {"replace", "ttt", "vx_replace($1, $2, $3, 1, -1, 1)", Result::text},
@@ -91,22 +95,47 @@ constexpr Function functions[] = {
     {"str", "n", "vx_str($1)", Result::text},
     {"strcomp", "tt", "vx_strcomp($1, $2, 1)", Result::whole},
     {"strcomp", "ttn", "vx_strcomp($1, $2, $3)", Result::whole},
-    {"string", "nt", "vx_string($1, $2)", Result::text},
+    {"strconv", "tn", "vx_strconv($1, $2)", Result::text},
+    {"string", "ny", "vx_string($1, $2)", Result::text},
+    {"strreverse", "t", "vx_strreverse($1)", Result::text},
     {"tan", "n", "vx_tan($1)", Result::real},
     {"time", "", "vx_time(vx_now())", Result::date},
-    {"timeserial", "nnn", "($1 * 3600 + $2 * 60 + $3) / 86400.0", Result::date},
+    {"timeserial", "nnn", "vx_store(($1 * 3600 + $2 * 60 + $3) / 86400.0, 8, 0)", Result::date},
     {"timevalue", "d", "vx_time($1)", Result::date},
     {"trim", "t", "trim($1)", Result::text},
+    {"typename", "v", "CASE WHEN $1 IS NULL THEN 'Null' ELSE '$T' END", Result::text},
     {"ucase", "t", "vx_upper($1)", Result::text},
     {"val", "t", "vx_val($1)", Result::real},
+    {"vartype", "v", "CASE WHEN $1 IS NULL THEN 1 ELSE $V END", Result::whole},
     {"weekday", "d", "vx_part(7, $1)", Result::whole},
     {"weekday", "dn", "vx_datepart('w', $1, $2, 1)", Result::whole},
+    {"weekdayname", "n", "vx_weekdayname($1, 0, 1)", Result::text},
+    {"weekdayname", "nn", "vx_weekdayname($1, $2, 1)", Result::text},
+    {"weekdayname", "nnn", "vx_weekdayname($1, $2, $3)", Result::text},
     {"year", "d", "vx_part(1, $1)", Result::whole},
 };
 
 /// Those of SQLite, and the engine's own.
 constexpr std::string_view aggregates[] = {"avg",   "count",  "first", "last", "max", "min",
                                            "stdev", "stdevp", "sum",   "var",  "varp"};
+
+/// Types as automation clients name and number them.
+struct TypeName {
+  DataType type;
+  std::string_view name;
+  std::string_view number;
+};
+constexpr TypeName typeNames[] = {{DataType::Boolean, "Boolean", "11"},  {DataType::Byte, "Byte", "17"},
+                                  {DataType::Integer, "Integer", "2"},   {DataType::Long, "Long", "3"},
+                                  {DataType::Currency, "Currency", "6"}, {DataType::Single, "Single", "4"},
+                                  {DataType::Double, "Double", "5"},     {DataType::Date, "Date", "7"}};
+constexpr TypeName textName = {DataType::Text, "String", "8"};
+
+const TypeName& nameOf(const std::optional<DataType>& type) {
+  const auto* found = std::find_if(std::begin(typeNames), std::end(typeNames),
+                                   [&](const TypeName& known) { return known.type == type; });
+  return found == std::end(typeNames) ? textName : *found;
+}
 
 std::optional<DataType> resultType(Result result, const std::optional<DataType>& first) {
   switch (result) {
@@ -159,7 +188,8 @@ Common commonOf(const std::vector<const Term*>& terms) {
   for (const Term* term : terms) {
     const bool known = common.type || term->type;
     common.type = commonType(common.type, term->type);
-    if (known && !common.type) return {DataType::Text, true};
+    if (known && !common.type) return {.type = DataType::Text, .mixed = true};
+    common.most = std::max(common.most, mostOf(*term));
   }
   return common;
 }
@@ -184,9 +214,11 @@ Term Writer::call(const Expression& e, Scope& scope) {
 
   std::vector<std::string> arguments;
   std::optional<DataType> first;
+  double most = 0;
   for (std::size_t i = 0; i < e.arguments.size(); ++i) {
     Term term = write(*e.arguments[i], scope);
     if (i == 0) first = term.type;
+    if (i == 0 && found->result == Result::likeFirst) most = term.most;
     const char kind = found->arguments[i];
     arguments.push_back(kind == 'n'   ? number(std::move(term))
                         : kind == 'd' ? date(std::move(term))
@@ -198,12 +230,16 @@ Term Writer::call(const Expression& e, Scope& scope) {
   Term out;
   for (std::size_t i = 0; i < found->text.size(); ++i) {
     if (found->text[i] == '$') {
-      out.sql += arguments[static_cast<std::size_t>(found->text[++i] - '1')];
+      const char what = found->text[++i];
+      out.sql += what == 'T'   ? std::string(nameOf(first).name)
+                 : what == 'V' ? std::string(nameOf(first).number)
+                               : arguments[static_cast<std::size_t>(what - '1')];
     } else {
       out.sql += found->text[i];
     }
   }
   out.type = resultType(found->result, first);
+  out.most = most;
   out.condition = found->result == Result::condition;
   // Text that does not end like a call has an operator outermost and needs parentheses.
   if (out.sql.back() != ')' || out.sql.front() == '(') out.chain = '?';
@@ -232,11 +268,14 @@ Term Writer::aggregate(const Expression& e, Scope& scope) {
   if (isWord(e.name, "count")) return {.sql = "count(" + value(term) + ")", .type = DataType::Long};
   if (isWord(e.name, "first") || isWord(e.name, "last"))
     return {.sql = (isWord(e.name, "first") ? "vx_first(" : "vx_last(") + value(term) + ")",
-            .type = term.type};
+            .type = term.type,
+            .most = term.most};
+  constexpr double rows = 1e19;  // more than there can be
+  const double most = mostOf(term);
   for (const char* spread : {"stdev", "stdevp", "var", "varp"}) {
     if (isWord(e.name, spread))
-      return {.sql = "vx_" + std::string(spread) + "(" + number(std::move(term)) + ")",
-              .type = DataType::Double};
+      return computed("vx_" + std::string(spread) + "(" + number(std::move(term)) + ")", DataType::Double,
+                      most * most * rows);
   }
   if (isWord(e.name, "sum") || isWord(e.name, "avg")) {
     const bool whole = isWholeType(term.type) && isWord(e.name, "sum");
@@ -244,11 +283,13 @@ Term Writer::aggregate(const Expression& e, Scope& scope) {
     const char* function = isWord(e.name, "sum") ? "sum(" : "avg(";
     const std::string sql = function + number(std::move(term)) + ")";
     if (amount) return {.sql = asAmount(sql), .type = DataType::Currency};
-    return {.sql = sql, .type = whole ? DataType::Long : DataType::Double};
+    return computed(sql, whole ? DataType::Long : DataType::Double, most * rows);
   }
   const bool collates = isTextType(term.type) && term.field == nullptr;
   const std::string argument = collates ? collated(operand(term)) : value(term);
-  return {.sql = (isWord(e.name, "min") ? "min(" : "max(") + argument + ")", .type = term.type};
+  return {.sql = (isWord(e.name, "min") ? "min(" : "max(") + argument + ")",
+          .type = term.type,
+          .most = term.most};
 }
 
 /// IIf(condition, a, b) and Nz(a, b). When the two values have different types, both become text.
@@ -262,13 +303,16 @@ Term Writer::choice(const Expression& e, Scope& scope) {
   if (count > 1) {
     b = write(*e.arguments[count - 1], scope);
   } else {
-    b = isTextType(a.type) ? Term{.sql = "''", .type = DataType::Text} : Term{.sql = "0", .type = a.type};
+    // Null itself, without a type, counts as a text.
+    b = !a.type || isTextType(a.type) ? Term{.sql = "''", .type = DataType::Text}
+                                      : Term{.sql = "0", .type = a.type};
   }
   const Common common = commonOf({&a, &b});
   const std::string first = common.mixed ? text(a) : value(a);
   const std::string second = common.mixed ? text(b) : value(b);
   Term out;
   out.type = common.type;
+  out.most = common.most;
   out.sql = iif ? "CASE WHEN " + test + " THEN " + first + " ELSE " + second + " END"
                 : "coalesce(" + first + ", " + second + ")";
   return out;
@@ -293,7 +337,7 @@ Term Writer::cases(const Expression& e, Scope& scope) {
   const Common common = commonOf(all);
   for (std::size_t i = 0; i < values.size(); ++i)
     sql += " WHEN " + tests[i] + " THEN " + (common.mixed ? text(values[i]) : value(values[i]));
-  return {.sql = sql + " END", .type = common.type};
+  return {.sql = sql + " END", .type = common.type, .most = common.most};
 }
 
 Term Writer::format(const Expression& e, Scope& scope) {

@@ -1,7 +1,9 @@
 #include "engines/language/lexer.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
+#include <iterator>
 #include <limits>
 
 #include "engines/language/words.h"
@@ -65,6 +67,10 @@ std::string unquoted(std::string_view literal) {
 Value numberValue(const Token& token) {
   const char* const first = token.text.data();
   const char* const last = first + token.text.size();
+  if (token.text.starts_with('&')) {
+    std::string_view digits = token.text;
+    return *takeBasedNumber(digits);
+  }
   if (token.kind == TokenKind::integer) {
     std::int32_t whole = 0;
     if (std::from_chars(first, last, whole).ec == std::errc()) return whole;
@@ -103,7 +109,9 @@ void Lexer::next(Token& token) {
       token.shaping = token.kind == TokenKind::integer && (afterTop || orderItem);
       break;
     case Class::symbol:
-      if (c == '.' && state_.at + 1 < sql_.size() && classOf(sql_[state_.at + 1]) == Class::digit) {
+      if (c == '&' && basedNumber()) {
+        token.kind = TokenKind::integer;
+      } else if (c == '.' && state_.at + 1 < sql_.size() && classOf(sql_[state_.at + 1]) == Class::digit) {
         number(token);
       } else {
         symbol(token);
@@ -162,6 +170,39 @@ void Lexer::number(Token& token) {
       digits();
     }
   }
+}
+
+/// Whether a value can begin here, behind an operator or a word that one follows: there & joins nothing.
+bool Lexer::valueExpected() const {
+  constexpr std::string_view words[] = {"select", "distinct", "distinctrow", "all",     "where",  "having",
+                                        "by",     "and",      "or",          "xor",     "eqv",    "imp",
+                                        "not",    "mod",      "like",        "between", "default"};
+  const std::size_t last = sql_.substr(0, state_.at).find_last_not_of(" \t\r\n");
+  if (last == std::string_view::npos) return true;
+  if (classOf(sql_[last]) == Class::symbol) return sql_[last] != ')';
+  std::size_t first = last + 1;
+  while (first > 0 && classOf(sql_[first - 1]) >= Class::letter) --first;
+  if (first > 0 && (sql_[first - 1] == '.' || sql_[first - 1] == '!')) return false;  // a field
+  first = skip(sql_, first, [](Class c) { return c == Class::digit; });
+  const std::string_view word = sql_.substr(first, last + 1 - std::min(first, last + 1));
+  return std::any_of(std::begin(words), std::end(words), [&](auto known) { return isWord(word, known); });
+}
+
+/// Passes over &HFF or &O17.
+bool Lexer::basedNumber() {
+  std::string_view rest = sql_.substr(state_.at);
+  if (rest.size() < 3 || ((rest[1] | 0x20) != 'h' && (rest[1] | 0x20) != 'o') || !valueExpected())
+    return false;
+  const auto digit = [&](char c) {
+    const auto letter = static_cast<char>(c | 0x20);
+    return (c >= '0' && c <= '7') ||
+           ((rest[1] | 0x20) == 'h' && ((c >= '8' && c <= '9') || (letter >= 'a' && letter <= 'f')));
+  };
+  std::size_t end = 2;
+  while (end < rest.size() && digit(rest[end])) ++end;
+  if (end == 2) return false;
+  state_.at += end;
+  return true;
 }
 
 void Lexer::enclosed(Token& token, TokenKind kind, char close) {

@@ -61,6 +61,8 @@ class Lexer {
 
  private:
   void number(Token& token);
+  [[nodiscard]] bool valueExpected() const;
+  bool basedNumber();
   void enclosed(Token& token, TokenKind kind, char close);
   void symbol(Token& token);
   void noteWord(std::string_view word);

@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "engines/language/writer.h"
 
 namespace voxa::dialect {
@@ -106,15 +108,13 @@ Term Writer::logic(Operator op, Term left, Term right) {
 }
 
 Term Writer::arithmetic(Operator op, Term left, Term right) {
-  const DataType type = numericType(left.type, right.type);
+  double most = 0;
   switch (op) {
     case Operator::add:
     case Operator::subtract:
       return add(op, std::move(left), std::move(right));
     case Operator::multiply:
-      left.sql = number(std::move(left)) + " * " + number(std::move(right));
-      if (type == DataType::Currency) return {.sql = asAmount(left.sql), .type = type};
-      return {.sql = std::move(left.sql), .type = type, .chain = '?'};
+      return multiply(std::move(left), std::move(right));
     case Operator::divide:
       return {.sql = "vx_div(" + number(std::move(left)) + ", " + number(std::move(right)) + ")",
               .type = DataType::Double};
@@ -125,13 +125,18 @@ Term Writer::arithmetic(Operator op, Term left, Term right) {
       return concatenate(std::move(left), right);
     default: {
       // Whole division and remainder round both operands first.
-      const auto whole = [this](Term term) {
-        if (isWholeType(term.type)) return operand(term);
+      // SQLite has whole numbers of 64 bits.
+      constexpr double most64 = 9223372036854775808.0;
+      const auto whole = [&](Term term) {
+        if (isWholeType(term.type) && mostOf(term) < most64) {
+          most = std::max(most, mostOf(term));
+          return operand(term);
+        }
         return "vx_store(" + number(std::move(term)) + ", " + typeCode(DataType::Long) + ", 0)";
       };
-      const char* function = op == Operator::modulo ? "vx_mod(" : "vx_idiv(";
-      return {.sql = function + whole(std::move(left)) + ", " + whole(std::move(right)) + ")",
-              .type = DataType::Long};
+      std::string sql = op == Operator::modulo ? "vx_mod(" : "vx_idiv(";
+      sql += whole(std::move(left)) + ", " + whole(std::move(right)) + ")";
+      return {.sql = std::move(sql), .type = DataType::Long, .most = most};
     }
   }
 }
@@ -151,10 +156,32 @@ Term Writer::concatenate(Term left, const Term& right) {
   return {.sql = std::move(l) + " || " + part(right), .type = DataType::Text, .chain = '&'};
 }
 
+Term Writer::multiply(Term left, Term right) {
+  constexpr int factorsOfACall = 100;
+  const DataType type = numericType(left.type, right.type);
+  const double most = mostOf(left) * mostOf(right);
+  const bool goesOn = left.factors > 0 && left.factors < factorsOfACall;
+  const int factors = goesOn ? left.factors + 1 : 2;
+  std::string l = goesOn ? left.sql.substr(0, left.sql.size() - 1) : number(std::move(left));
+  const std::string r = number(std::move(right));
+  if (type == DataType::Currency) return {.sql = asAmount(l + " * " + r), .type = type};
+  if (most <= greatest) return {.sql = l + " * " + r, .type = type, .chain = '?', .most = most};
+  // What is too large must not be multiplied by 0, so every factor is looked at.
+  Term out{
+      .sql = (goesOn ? std::move(l) : "vx_product(" + l) + ", " + r + ")", .type = type, .most = greatest};
+  out.factors = factors;
+  return out;
+}
+
 /// Texts are joined. A date and a number give a date so many days away. Two dates give their difference in
 /// days.
 Term Writer::add(Operator op, Term left, Term right) {
   const bool minus = op == Operator::subtract;
+  if (left.summed) {
+    // The sum goes on within the call: what is too large stays so, whatever is added to it.
+    left.sql = left.sql.substr(finiteCall.size(), left.sql.size() - finiteCall.size() - 1);
+    left.chain = '+';
+  }
   const auto goesOn = [&](char link) { return left.chain == link && !left.condition; };
   const bool texts = isTextType(left.type) || isTextType(right.type);
   const auto textOrNull = [](const Term& term) { return !term.type || isTextType(term.type); };
@@ -166,10 +193,11 @@ Term Writer::add(Operator op, Term left, Term right) {
   const bool leftDate = left.type == DataType::Date;
   const bool rightDate = right.type == DataType::Date;
   if (leftDate != rightDate || (leftDate && !minus)) type = DataType::Date;
+  const double most = mostOf(left) + mostOf(right);
   const std::string l = goesOn('+') ? left.sql : number(std::move(left));
   std::string sql = l + (minus ? " - " : " + ") + number(std::move(right));
   if (type == DataType::Currency) return {.sql = asAmount(sql), .type = type};
-  return {.sql = std::move(sql), .type = type, .chain = '+'};
+  return computed(std::move(sql), type, most, '+');
 }
 
 Term Writer::between(const Expression& e, Scope& scope) {

@@ -124,7 +124,7 @@ Writer::Query Writer::compound(const syntax::Select& select, Scope* outer) {
     std::vector<const Term*> all;
     for (const Query& each : members) all.push_back(&each.items[i]);
     common.push_back(commonOf(all));
-    out.items.push_back({.sql = "u.c" + std::to_string(i), .type = common[i].type});
+    out.items.push_back({.sql = "u.c" + std::to_string(i), .type = common[i].type, .most = common[i].most});
   }
   std::string texts;
   for (std::size_t m = 0; m < members.size(); ++m) {
@@ -192,6 +192,7 @@ Writer::Query Writer::member(const syntax::Select& select, Scope* outer) {
   scope.outer = nullptr;
   if (select.unions.empty()) order(select, out, outer != nullptr);
   out.grouped = scope.aggregated || !groups.empty();
+  out.single = groups.empty() && (scope.aggregated || select.from.empty());
   if (out.grouped && scope.ungroupedCount > 0) {
     throw Error(err::dbNotAggregated, "The field \"" + scope.ungrouped +
                                           "\" is neither in GROUP BY nor part of an aggregate function");

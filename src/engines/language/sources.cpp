@@ -27,6 +27,7 @@ const TableDef& Writer::derive(const Query& query, ScopeTable& table) {
     field.type = item.type.value_or(DataType::Text);
     if (item.field != nullptr && !item.secret) field.size = item.field->size;
     field.name = query.names[i];
+    table.most.push_back(item.most);
     columns.push_back(sortable(item));
     called.push_back(quotedName(field.name));
   }

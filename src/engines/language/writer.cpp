@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <limits>
 
 #include "engines/language/lexer.h"
 #include "engines/language/words.h"
@@ -35,6 +36,24 @@ DataType numericType(const std::optional<DataType>& a, const std::optional<DataT
     return type == DataType::Currency || isWholeType(type);
   };
   return exact(a) && exact(b) ? DataType::Currency : DataType::Double;
+}
+
+double mostOf(const Term& term) {
+  constexpr double amounts = 1e15;
+  constexpr double days = 3e6;
+  if (term.most > 0) return term.most;
+  if (!term.type) return 0;
+  if (isWholeType(term.type)) return -static_cast<double>(std::numeric_limits<std::int32_t>::min());
+  if (term.type == DataType::Currency) return amounts;
+  if (term.type == DataType::Date) return days;
+  return term.type == DataType::Single ? std::numeric_limits<float>::max() : greatest;
+}
+
+Term computed(std::string sql, DataType type, double most, char chain) {
+  if (most <= greatest) return {.sql = std::move(sql), .type = type, .chain = chain, .most = most};
+  Term out{.sql = finiteCall + std::move(sql) + ")", .type = type, .most = greatest};
+  out.summed = chain == '+';
+  return out;
 }
 
 std::string asAmount(const std::string& sql) {
@@ -191,7 +210,8 @@ Term Writer::any(const Expression& e, Scope& scope) {
       const DataType type = isWholeType(term.type) ? DataType::Long
                             : amount               ? DataType::Currency
                                                    : DataType::Double;
-      return {.sql = "-" + number(std::move(term)), .type = type, .chain = '?'};
+      const double most = term.most;
+      return {.sql = "-" + number(std::move(term)), .type = type, .chain = '?', .most = most};
     }
     case Expression::Kind::logicalNot: {
       Term term = write(*e.arguments[0], scope);
@@ -278,6 +298,8 @@ std::optional<Term> Writer::findColumn(std::string_view qualifier, std::string_v
       found = Term{
           .sql = table.prefix + quotedName(field->name), .type = field->type, .field = field, .table = i};
       found->secret = schema_.isSecret(*table.definition, *field);
+      if (!table.most.empty())
+        found->most = table.most[static_cast<std::size_t>(field - table.definition->fields.data())];
     }
     if (found) ++(s == &scope ? scope.ownColumns : scope.outerColumns);
     if (found && !s->insideAggregate) {
@@ -295,7 +317,16 @@ Term Writer::query(const Expression& e, Scope& scope) {
   if (query.items.size() != 1) fail(e.select->position, "a query within a statement gives one column");
   if (e.kind == Expression::Kind::quantified) return quantified(e, std::move(query), scope);
   if (e.kind == Expression::Kind::scalar) {
-    return {.sql = "(" + query.text({value(query.items[0])}) + ")", .type = query.items[0].type};
+    Term out{.type = query.items[0].type, .most = query.items[0].most};
+    // Of rows that TOP 1 finds equal the first is taken.
+    if (query.single || (query.top == "1" && !query.percent)) {
+      out.sql = "(" + query.text(query.columns()) + ")";
+      return out;
+    }
+    if (query.top.empty()) query.keys.clear();
+    const std::string two = query.top.empty() ? " LIMIT 2" : "";
+    out.sql = "(SELECT vx_one(count(*), max(c0)) FROM (" + query.text(query.columns(), {"c0"}) + two + "))";
+    return out;
   }
   std::vector<Term> terms;
   terms.push_back(write(*e.arguments[0], scope));

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <limits>
 #include <memory>
 #include <optional>
 #include <string>
@@ -25,6 +26,9 @@ struct Term {
   std::size_t table = 0;                 ///< of a column: index of its table in the scope
   std::optional<std::size_t> slot = {};  ///< set when it is a placeholder
   bool secret = false;                   ///< a column that only a star may have: there `sql` is the mask
+  double most = 0;      ///< no computed number is further from 0; 0: as far as its type reaches
+  bool summed = false;  ///< `sql` is a sum within a call of vx_finite
+  int factors = 0;      ///< `sql` is a call of vx_product with so many
 };
 
 /// A table of a FROM clause, or a query in its place.
@@ -34,6 +38,7 @@ struct ScopeTable {
   std::string alias;
   std::string
       prefix;  ///< what stands before a column's name in SQLite: the quoted alias and a dot, or nothing
+  std::vector<double> most = {};  ///< Term::most of the columns of a query
 };
 
 /// A GROUP BY expression: its text without the numbers of its placeholders, and which placeholders these are.
@@ -81,6 +86,7 @@ class Writer {
     std::vector<const syntax::Expression*> sources;  ///< one for each item; null for a column of a star
     std::vector<std::string> names;                  ///< the result's names of the items
     bool distinct = false;
+    bool single = false;   ///< it has one row at most
     bool grouped = false;  ///< its rows do not belong to single rows of a table
     std::string rest;      ///< the text from FROM on, without an ordering
     struct Key {
@@ -152,6 +158,7 @@ class Writer {
   // Operators (operators.cpp)
   Term binary(const syntax::Expression& e, Scope& scope);
   Term arithmetic(syntax::Operator op, Term left, Term right);
+  Term multiply(Term left, Term right);
   Term add(syntax::Operator op, Term left, Term right);
   Term concatenate(Term left, const Term& right);
   std::string part(Term term);
@@ -204,6 +211,13 @@ inline constexpr char comparison = 'c';
 [[nodiscard]] DataType numericType(const std::optional<DataType>& a, const std::optional<DataType>& b);
 /// A number as an amount: the digits behind the fourth are none of it.
 [[nodiscard]] std::string asAmount(const std::string& sql);
+/// The greatest number of a Double.
+inline constexpr double greatest = std::numeric_limits<double>::max();
+inline const std::string finiteCall = "vx_finite(";
+/// How far from 0 the number of a term can be.
+[[nodiscard]] double mostOf(const Term& term);
+/// A computed number. It is looked at only where it may be too large for a Double, which is error 6.
+[[nodiscard]] Term computed(std::string sql, DataType type, double most, char chain = 0);
 /// The term of a condition.
 [[nodiscard]] Term logical(std::string sql, char chain = comparison);
 /// Texts in a row.
@@ -212,6 +226,7 @@ inline constexpr char comparison = 'c';
 struct Common {
   std::optional<DataType> type = {};
   bool mixed = false;
+  double most = 0;  ///< Term::most of any of them
 };
 [[nodiscard]] Common commonOf(const std::vector<const Term*>& terms);
 [[nodiscard]] std::string collated(const std::string& operand);

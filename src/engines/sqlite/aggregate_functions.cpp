@@ -1,5 +1,6 @@
 #include <array>
 #include <cmath>
+#include <limits>
 
 #include "engines/sqlite/function_table.h"
 
@@ -48,12 +49,14 @@ void stepSpread(sqlite3_context* context, int, sqlite3_value** arguments) {
   spread->squares += before * (number - spread->mean);
 }
 
-/// less: 1 for a sample, 0 for all there is. Null without enough numbers.
+/// less: 1 for a sample, 0 for all there is. Null without enough numbers. What is too large is infinite:
+/// the statement looks for that.
 template <int less, bool root>
 void finalSpread(sqlite3_context* context) {
   const auto* const spread = static_cast<const Spread*>(sqlite3_aggregate_context(context, 0));
   if (spread == nullptr || spread->count <= less) return;
-  const double variance = spread->squares / (spread->count - less);
+  double variance = spread->squares / (spread->count - less);
+  if (std::isnan(variance)) variance = std::numeric_limits<double>::infinity();
   sqlite3_result_double(context, root ? std::sqrt(variance) : variance);
 }
 

@@ -116,7 +116,7 @@ bool Statement::take(int column, DataType type, std::vector<Value>& out) const {
     case SQLITE_INTEGER:
       return takeInteger(integer(column), type, out);
     case SQLITE_FLOAT: {
-      const double number = sqlite3_column_double(handle_.get(), column);
+      const double number = sqlite3_column_double(handle_.get(), column) + 0.0;  // which makes -0 plain 0
       if (type == DataType::Date) {
         out.emplace_back(DateTime{number});
       } else if (type == DataType::Boolean) {

@@ -164,6 +164,7 @@ Error fileFailure(int code, const std::string& text, const std::string& path) {
       if (text == "parser stack overflow" || text.starts_with("Expression tree is too large")) {
         return Error(err::dbSyntax, "The statement is nested too deeply");
       }
+      if (text == "integer overflow") return Error(err::overflow, "Overflow: the sum is too large");
       return Error(err::dbInvalidArgument, "The database refused the call: " + text);
   }
 }

@@ -230,11 +230,40 @@ void isDate(sqlite3_context* context, sqlite3_value** arguments, int) {
   sqlite3_result_int(context, text && parseDateTime(textOf(arguments[0]), clockOf(context)) ? 1 : 0);
 }
 
-constexpr SqlFunction functions[] = {
-    {"vx_date", 1, false, date},         {"vx_time", 1, false, time},
-    {"vx_part", 2, false, part},         {"vx_dateserial", 3, false, dateSerial},
-    {"vx_dateadd", 3, false, dateAdd},   {"vx_datediff", 5, false, dateDiff},
-    {"vx_datepart", 4, false, datePart}, {"vx_isdate", 1, true, isDate}};
+/// A number that names something, from 1 on.
+int numberOf(sqlite3_value* value, int most) {
+  const std::int64_t number = countOf(value, 1);
+  if (number > most)
+    throw Error(err::invalidArgument, "Invalid argument: there are months 1 to 12, and days 1 to 7");
+  return static_cast<int>(number);
+}
+
+/// vx_monthname(month, short)
+void nameOfMonth(sqlite3_context* context, sqlite3_value** arguments, int) {
+  const std::string_view name = monthName(numberOf(arguments[0], 12));
+  returnText(context, name.substr(0, sqlite3_value_int(arguments[1]) != 0 ? 3 : name.size()));
+}
+
+/// vx_weekdayname(day, short, firstDay)
+void nameOfWeekday(sqlite3_context* context, sqlite3_value** arguments, int) {
+  const int day =
+      numberOf(arguments[0], 7) + (sqlite3_value_int(arguments[2]) == 0 ? 1 : numberOf(arguments[2], 7)) - 1;
+  // Day 1 of the calendar was a Sunday.
+  const DateTime moment{static_cast<double>((day - 1) % 7 + 1)};
+  returnText(context, dialect::format(moment, sqlite3_value_int(arguments[1]) != 0 ? "ddd" : "dddd", {},
+                                      clockOf(context)));
+}
+
+constexpr SqlFunction functions[] = {{"vx_date", 1, false, date},
+                                     {"vx_time", 1, false, time},
+                                     {"vx_part", 2, false, part},
+                                     {"vx_dateserial", 3, false, dateSerial},
+                                     {"vx_dateadd", 3, false, dateAdd},
+                                     {"vx_datediff", 5, false, dateDiff},
+                                     {"vx_monthname", 2, false, nameOfMonth},
+                                     {"vx_weekdayname", 3, false, nameOfWeekday},
+                                     {"vx_datepart", 4, false, datePart},
+                                     {"vx_isdate", 1, true, isDate}};
 
 }  // namespace
 

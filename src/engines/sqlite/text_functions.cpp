@@ -3,6 +3,7 @@
 #include <cmath>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "engines/language/format.h"
 #include "engines/sqlite/function_table.h"
@@ -44,15 +45,17 @@ void mid(sqlite3_context* context, sqlite3_value** arguments, int number) {
   returnText(context, text);
 }
 
-/// So many times the first character of a text.
+/// So many times the first character of a text, or the character that a number is the code of.
 void repeated(sqlite3_context* context, sqlite3_value** arguments, int) {
   constexpr std::int64_t most = 1'000'000;
-  const std::string_view text = textOf(arguments[1]);
+  std::string text(textOf(arguments[1]));
+  if (sqlite3_value_type(arguments[1]) != SQLITE_TEXT)
+    text = fromCp1252(std::string(1, static_cast<char>(valueOf(arguments[1]).toInt32() & 0xff)));
   const std::int64_t times = countOf(arguments[0], 0);
   if (text.empty() || times > most)
     throw Error(err::invalidArgument, "Invalid argument: a character is repeated 0 to 1,000,000 times");
   std::string out;
-  for (std::int64_t i = 0; i < times; ++i) out += text.substr(0, behindCharacter(text, 0));
+  for (std::int64_t i = 0; i < times; ++i) out.append(text, 0, behindCharacter(text, 0));
   returnText(context, out);
 }
 
@@ -94,6 +97,54 @@ void asc(sqlite3_context* context, sqlite3_value** arguments, int) {
                      static_cast<unsigned char>(toCp1252(text.substr(0, behindCharacter(text, 0)))[0]));
 }
 
+void reverse(sqlite3_context* context, sqlite3_value** arguments, int) {
+  const std::string_view text = textOf(arguments[0]);
+  std::string out(text.size(), ' ');
+  for (std::size_t at = 0, next = 0; at < text.size(); at = next) {
+    next = behindCharacter(text, at);
+    out.replace(text.size() - next, next - at, text.substr(at, next - at));
+  }
+  returnText(context, out);
+}
+
+/// vx_strconv(text, how): 1 capital letters, 2 small ones, 3 a capital at the beginning of each word.
+void convertCase(sqlite3_context* context, sqlite3_value** arguments, int) {
+  const std::string_view text = textOf(arguments[0]);
+  const std::int64_t how = countOf(arguments[1], 1);
+  if (how > 3)
+    throw Error(err::invalidArgument, "Invalid argument: letters become 1 large, 2 small, 3 large in words");
+  if (how == 1) return returnText(context, toUpper(text));
+  std::string out = toLower(text);
+  if (how == 3) {
+    constexpr std::string_view blanks(" \t\n\v\f\r\0", 7);
+    const std::string small = std::exchange(out, {});
+    bool begins = true;
+    for (std::size_t at = 0, next = 0; at < small.size(); at = next) {
+      next = behindCharacter(small, at);
+      const std::string_view character = std::string_view(small).substr(at, next - at);
+      out += begins ? toUpper(character) : std::string(character);
+      begins = blanks.find(character) != std::string_view::npos;
+    }
+  }
+  returnText(context, out);
+}
+
+/// A character from its number in Unicode, and back.
+void characterByNumber(sqlite3_context* context, sqlite3_value** arguments, int) {
+  std::int32_t number = Value(sqlite3_value_double(arguments[0])).toInt32();
+  if (number < 0) number += 0x10000;  // one of 16 bits with a sign
+  if (number < 0 || number > 0xffff || (number >= 0xd800 && number <= 0xdfff))
+    throw Error(err::invalidArgument, "Invalid argument: no character has this number");
+  returnText(context, characterOf(static_cast<char32_t>(number)));
+}
+
+void numberOfCharacter(sqlite3_context* context, sqlite3_value** arguments, int) {
+  const std::string_view text = textOf(arguments[0]);
+  if (text.empty())
+    throw Error(err::invalidArgument, "Invalid argument: an empty text has no first character");
+  sqlite3_result_int(context, static_cast<int>(firstCharacter(text)));
+}
+
 /// Whether the class at the start of the pattern, [a-z] or [!a-z], contains the character. Moves the pattern
 /// behind the class.
 bool inClass(std::string_view& pattern, std::string_view character) {
@@ -113,8 +164,13 @@ bool inClass(std::string_view& pattern, std::string_view character) {
       next = behindCharacter(set, at);
       last = set.substr(at, next - at);
     }
-    // UTF-8 bytes have the same order as their characters.
-    found = found || (first <= character && character <= last);
+    if (first == last) {
+      found = found || first == character;
+    } else {
+      if (compareNoCase(first, last) > 0)
+        throw Error(err::invalidPattern, "Invalid pattern: a range such as [a-z] begins with its lower end");
+      found = found || (compareNoCase(first, character) <= 0 && compareNoCase(character, last) <= 0);
+    }
     at = next;
   }
   return found != negated;
@@ -174,12 +230,25 @@ void join(sqlite3_context* context, sqlite3_value** arguments, int) {
   returnText(context, std::string(textOf(arguments[0])).append(textOf(arguments[1])));
 }
 
-constexpr SqlFunction functions[] = {
-    {"vx_left", 2, false, left},      {"vx_right", 2, false, right},     {"vx_mid", 2, false, mid},
-    {"vx_mid", 3, false, mid},        {"vx_string", 2, false, repeated}, {"vx_str", 1, false, str},
-    {"vx_hex", 1, false, digits<16>}, {"vx_oct", 1, false, digits<8>},   {"vx_lower", 1, false, lower},
-    {"vx_upper", 1, false, upper},    {"vx_chr", 1, false, chr},         {"vx_asc", 1, false, asc},
-    {"vx_like", 2, false, like},      {"vx_format", 5, true, format},    {"vx_join", 2, true, join}};
+constexpr SqlFunction functions[] = {{"vx_left", 2, false, left},
+                                     {"vx_right", 2, false, right},
+                                     {"vx_mid", 2, false, mid},
+                                     {"vx_mid", 3, false, mid},
+                                     {"vx_string", 2, false, repeated},
+                                     {"vx_str", 1, false, str},
+                                     {"vx_hex", 1, false, digits<16>},
+                                     {"vx_oct", 1, false, digits<8>},
+                                     {"vx_lower", 1, false, lower},
+                                     {"vx_upper", 1, false, upper},
+                                     {"vx_chr", 1, false, chr},
+                                     {"vx_asc", 1, false, asc},
+                                     {"vx_strreverse", 1, false, reverse},
+                                     {"vx_strconv", 2, false, convertCase},
+                                     {"vx_chrw", 1, false, characterByNumber},
+                                     {"vx_ascw", 1, false, numberOfCharacter},
+                                     {"vx_like", 2, false, like},
+                                     {"vx_format", 5, true, format},
+                                     {"vx_join", 2, true, join}};
 
 }  // namespace
 

@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <limits>
 
@@ -69,13 +68,9 @@ void number(sqlite3_context* context, sqlite3_value** arguments, int) {
     sqlite3_result_value(context, arguments[0]);
     return;
   }
-  // Most texts that are no number contain a letter. So they are found without an exception, which takes
-  // longer.
-  const std::string_view text = textOf(arguments[0]);
-  if (text.find_first_not_of("0123456789.eE+- \t") != std::string_view::npos) return;
   try {
-    sqlite3_result_double(context, Value(text).toDouble());
-  } catch (const Error&) {
+    if (const auto number = parseNumber(textOf(arguments[0]))) sqlite3_result_double(context, *number);
+  } catch (const Error&) {  // beyond all range
     sqlite3_result_null(context);
   }
 }
@@ -89,6 +84,33 @@ void store(sqlite3_context* context, sqlite3_value** arguments, int) {
 void text(sqlite3_context* context, sqlite3_value** arguments, int) {
   const auto type = static_cast<DataType>(sqlite3_value_int(arguments[1]));
   returnText(context, asType(valueOf(arguments[0]), type).toText());
+}
+
+[[noreturn]] void failRange() {
+  throw Error(err::overflow, "Overflow: the number is too large");
+}
+
+void finite(sqlite3_context* context, sqlite3_value** arguments, int) {
+  if (std::isinf(sqlite3_value_double(arguments[0]))) failRange();
+  sqlite3_result_value(context, arguments[0]);
+}
+
+void product(sqlite3_context* context, sqlite3_value** arguments, int count) {
+  double v = 1;
+  for (int i = 0; i < count; ++i) {
+    v *= sqlite3_value_double(arguments[i]);
+    if (std::isinf(v)) failRange();
+  }
+  sqlite3_result_double(context, v);
+}
+
+/// vx_one(count, value): the value of the only row of a query.
+void one(sqlite3_context* context, sqlite3_value** arguments, int) {
+  if (sqlite3_value_int(arguments[0]) > 1)
+    throw Error(err::dbSeveralRows,
+                "The query within the statement gives several rows where one value is needed: narrow it with "
+                "WHERE, TOP 1 or an aggregate function");
+  sqlite3_result_value(context, arguments[1]);
 }
 
 void sign(sqlite3_context* context, sqlite3_value** arguments, int) {
@@ -155,13 +177,32 @@ void isNumeric(sqlite3_context* context, sqlite3_value** arguments, int) {
   bool number = type == SQLITE_INTEGER || type == SQLITE_FLOAT;
   if (type == SQLITE_TEXT) {
     try {
-      (void)Value(textOf(arguments[0])).toDouble();
-      number = true;
+      number = parseNumber(textOf(arguments[0])).has_value();
     } catch (const Error& error) {
       number = error.number() == err::overflow;
     }
   }
   sqlite3_result_int(context, number ? 1 : 0);
+}
+
+/// Where in the text from `at` on no digit is.
+std::size_t behindDigits(std::string_view text, std::size_t at) {
+  return std::min(text.find_first_not_of("0123456789", at), text.size());
+}
+
+/// The decimal number at the beginning of a text, 0 when there is none. D is an exponent, too.
+double leadingNumber(std::string_view text) {
+  std::size_t end = behindDigits(text, 0);
+  if (end < text.size() && text[end] == '.') end = behindDigits(text, end + 1);
+  std::string number(text.substr(0, end));
+  if (number.empty() || number == ".") return 0;
+  if (end < text.size() && std::string_view("eEdD").find(text[end]) != std::string_view::npos) {
+    std::size_t digits = end + 1;
+    if (digits < text.size() && (text[digits] == '+' || text[digits] == '-')) ++digits;
+    const std::size_t behind = behindDigits(text, std::min(digits, text.size()));
+    if (behind > digits) number.append("e").append(text.substr(end + 1, behind - end - 1));
+  }
+  return Value(number).toDouble();
 }
 
 /// The number at the beginning of a text, 0 when there is none. Blanks are ignored.
@@ -170,10 +211,9 @@ void val(sqlite3_context* context, sqlite3_value** arguments, int) {
   std::erase_if(digits, [](char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; });
   const bool negative = digits.starts_with('-');
   if (negative || digits.starts_with('+')) digits.erase(0, 1);
-  double v = 0;
-  if (digits.find_first_of("0123456789.") == 0) {
-    (void)std::from_chars(digits.data(), digits.data() + digits.size(), v);
-  }
+  std::string_view rest = digits;
+  const auto based = takeBasedNumber(rest);
+  const double v = based ? *based : leadingNumber(rest);
   sqlite3_result_double(context, negative ? -v : v);
 }
 
@@ -182,6 +222,9 @@ constexpr SqlFunction functions[] = {{"vx_number", 1, false, number},
                                      {"vx_text", 2, false, text},
                                      {"vx_int", 1, false, rounded<down>},
                                      {"vx_fix", 1, false, rounded<towardsZero>},
+                                     {"vx_finite", 1, false, finite},
+                                     {"vx_product", -1, false, product},
+                                     {"vx_one", 2, true, one},
                                      {"vx_sgn", 1, false, sign},
                                      {"vx_div", 2, false, divide},
                                      {"vx_idiv", 2, false, divideWhole<false>},

@@ -144,6 +144,8 @@ TEST_F(Language, LimitsTheDepthOfAStatementAndNotItsLength) {
                                      {"1 & (0 & ", "1"},
                                      {"1 & (7 - not 6 & ", "1"},
                                      {"1 + 1 mod (1 + ", "2"},
+                                     {"1.5 * (0.5 + ", "Id"},
+                                     {"1 = (select Id from Stations where Id = 1 and ", "Id > 0"},
                                      {"0 between 1 and (", "1"},
                                      {"0 in (select Id from Stations where ", "Active"}}) {
     for (int depth = 1; depth < 40; ++depth) {
@@ -154,6 +156,7 @@ TEST_F(Language, LimitsTheDepthOfAStatementAndNotItsLength) {
   EXPECT_EQ(number(from + "(Id = 0" + repeated(" or Id = 1", 9000) + ")"), 0);
   EXPECT_EQ(number(from + "(Id = 0" + repeated(" and (Id = 1 or Id = 2)", 2000) + ")"), 0);
   EXPECT_EQ(number(from + "'' <> ''" + repeated(" & 'x'", 800)), 0);
+  EXPECT_EQ(number(from + "0.5 < 1.5" + repeated(" * 1.5 + 0.5", 400)), 0);
 }
 
 TEST_F(Language, KeysAStatementByItsShape) {
