@@ -56,7 +56,8 @@ VARIANT toVariant(const RowArray& array) {
   // The first dimension is the one whose neighbours lie side by side.
   auto* const places = static_cast<VARIANT*>(out->parray->pvData);
   for (ULONG field = 0; field < fields; ++field) {
-    for (ULONG row = 0; row < rows; ++row) places[row * fields + field] = toVariant(ColumnValue{values[field][row], array.types[field]});
+    for (ULONG row = 0; row < rows; ++row)
+      places[row * fields + field] = toVariant(ColumnValue{values[field][row], array.types[field]});
   }
   VARIANT result = *out;
   ::VariantInit(&out);
