@@ -19,6 +19,19 @@ namespace voxa {
 class SqliteDatabase;
 class Statement;
 
+/// A row that is being changed or added.
+struct EditedRow {
+  std::vector<Value> values;
+  std::vector<std::size_t> set;  ///< columns that set() was called for
+  std::string sql;               ///< statement of the last update, for these columns and that mode
+  std::vector<std::size_t> columns;
+  EditMode builtFor = EditMode::none;
+
+  [[nodiscard]] bool sets(std::size_t column) const {
+    return std::find(set.begin(), set.end(), column) != set.end();
+  }
+};
+
 /// A current row over the rows of a result (result_rows.h). Moves and values are in sqlite_recordset.cpp,
 /// changes in recordset_editing.cpp, conditions and orderings in recordset_finding.cpp, indexes in
 /// recordset_index.cpp.
@@ -99,18 +112,6 @@ class SqliteRecordset final : public Recordset {
     std::string index{};
     std::vector<Narrowing> narrowings{};
   };
-  /// A row that is being changed or added.
-  struct Edited {
-    std::vector<Value> values;
-    std::vector<std::size_t> set;  ///< columns that set() was called for
-    std::string sql;               ///< statement of the last update, for these columns and that mode
-    std::vector<std::size_t> columns;
-    EditMode builtFor = EditMode::none;
-
-    [[nodiscard]] bool sets(std::size_t column) const {
-      return std::find(set.begin(), set.end(), column) != set.end();
-    }
-  };
 
   [[nodiscard]] bool isFrozen() const { return freezes(options_.kind); }
   [[nodiscard]] bool isForwardOnly() const { return options_.kind == RecordsetKind::forwardOnly; }
@@ -155,7 +156,7 @@ class SqliteRecordset final : public Recordset {
   std::optional<Bookmark> lastModified_;
 
   EditMode mode_ = EditMode::none;
-  std::optional<Edited> edited_;  ///< since the first edit() or addNew()
+  std::optional<EditedRow> edited_;  ///< since the first edit() or addNew()
 };
 
 }  // namespace voxa
