@@ -186,7 +186,7 @@ TEST_F(Rows, OfEachKindHaveItsRules) {
                                                                                 : 0);
     EXPECT_EQ(failure([&] { rows->setIndex("Id"); }), kind == table ? 0 : err::dbNotSupported);
   }
-  EXPECT_EQ(failure([&] { db->openRecordset(query, {}, {table}); }), err::dbInvalidOperation);
+  EXPECT_EQ(failure([&] { (void)db->openRecordset(query, {}, {table}); }), err::dbInvalidOperation);
   const auto fixed = db->openRecordset(query, {}, {dynaset, true});
   EXPECT_EQ(failure([&] { fixed->remove(); }), err::dbNotUpdatable);
 
