@@ -74,7 +74,9 @@ using FieldChanged = std::function<void(const FieldDef&)>;
 /// The type of that number; 3001 for another one.
 [[nodiscard]] DataType dataType(short type);
 [[nodiscard]] ::IField* makeDefinedField(DefinedField field, FieldChanged changed = nullptr);
-/// For columns of what is in a file: refuses every change with 3219.
+/// Refuses a change of what is in a file with 3219. what: "index"
+[[noreturn]] void refuseFixed(const char* what, const std::string& name);
+/// For columns of what is in a file: refuses every change.
 void refuseChange(const FieldDef& definition);
 /// The column behind a caller's object, and who is told of its changes from then on.
 [[nodiscard]] const DefinedField& fieldBehind(IUnknown* object);
@@ -100,6 +102,12 @@ struct CollectionSource {
 /// Position of a name, in any case, among `count` things.
 [[nodiscard]] std::size_t findName(const std::string& name, std::size_t count,
                                    const std::function<std::string(std::size_t)>& nameAt);
+
+/// The same of things in a row that have a member `name`.
+template <typename Things>
+[[nodiscard]] std::size_t findName(const std::string& name, const Things& things) {
+  return findName(name, things.size(), [&](std::size_t i) { return things[i].name; });
+}
 
 /// The C++ object behind a caller's object. Only this library knows the identifier by which it is found.
 [[nodiscard]] void* objectBehind(IUnknown* object, REFIID privateId, const char* what);

@@ -70,11 +70,7 @@ class DatabaseObject final : public Object<::IDatabase> {
           .item = [database](std::size_t i) -> IDispatch* {
             return makeQueryDef(database, database->queries().at(i), true);
           },
-          .find =
-              [database](const std::string& name) {
-                const std::vector<QueryDef> all = database->queries();
-                return findName(name, all.size(), [&](std::size_t i) { return all[i].name; });
-              },
+          .find = [database](const std::string& name) { return findName(name, database->queries()); },
           .append = appendQuery,
           .remove = [database](const std::string& name) { database->deleteQuery(name); },
       });
@@ -88,11 +84,7 @@ class DatabaseObject final : public Object<::IDatabase> {
           .item = [database](std::size_t i) -> IDispatch* {
             return makeRelation(database->relations().at(i), true);
           },
-          .find =
-              [database](const std::string& name) {
-                const std::vector<Relation> all = database->relations();
-                return findName(name, all.size(), [&](std::size_t i) { return all[i].name; });
-              },
+          .find = [database](const std::string& name) { return findName(name, database->relations()); },
           .append = [database](IDispatch* object) { appendRelation(*database, object); },
           .remove = [database](const std::string& name) { database->deleteRelation(name); },
       });

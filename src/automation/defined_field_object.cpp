@@ -116,9 +116,13 @@ DataType dataType(short type) {
   return new DefinedFieldObject(std::move(field), std::move(changed));
 }
 
-void refuseChange(const FieldDef& definition) {
+void refuseFixed(const char* what, const std::string& name) {
   throw Error(err::dbInvalidOperation,
-              "The column '" + definition.name + "' is in the file already and cannot be changed");
+              std::string("The ") + what + " '" + name + "' is in the file already and cannot be changed");
+}
+
+void refuseChange(const FieldDef& definition) {
+  refuseFixed("column", definition.name);
 }
 
 const DefinedField& fieldBehind(IUnknown* object) {

@@ -12,9 +12,7 @@ struct State {
   bool isFixed = false;  ///< it is that of a table
 
   void requireDraft() const {
-    if (!isFixed) return;
-    throw Error(err::dbInvalidOperation,
-                "The index '" + index.name + "' is in the file already and cannot be changed");
+    if (isFixed) refuseFixed("index", index.name);
   }
 };
 

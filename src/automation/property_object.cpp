@@ -118,10 +118,7 @@ std::vector<HeldValue> heldValues(IDispatch& object) {
   return makeCollection({
       .count = [all] { return all->size(); },
       .item = [held, all](std::size_t i) -> IDispatch* { return new PropertyObject(held, all->at(i)); },
-      .find =
-          [all](const std::string& name) {
-            return findName(name, all->size(), [&](std::size_t i) { return all->at(i).name; });
-          },
+      .find = [all](const std::string& name) { return findName(name, *all); },
       .append = nullptr,
       .remove = nullptr,
   });

@@ -135,10 +135,7 @@ class QueryDefObject final : public Object<::IQueryDef> {
           .item = [columns](std::size_t i) -> IDispatch* {
             return makeDefinedField({.definition = columns->at(i), .position = i}, refuseChange);
           },
-          .find =
-              [columns](const std::string& name) {
-                return findName(name, columns->size(), [&](std::size_t i) { return (*columns)[i].name; });
-              },
+          .find = [columns](const std::string& name) { return findName(name, *columns); },
           .append = nullptr,
           .remove = nullptr,
       });

@@ -11,9 +11,7 @@ struct State {
   bool isFixed = false;  ///< it is in a file
 
   void requireDraft() const {
-    if (!isFixed) return;
-    throw Error(err::dbInvalidOperation,
-                "The relation '" + relation.name + "' is in the file already and cannot be changed");
+    if (isFixed) refuseFixed("relation", relation.name);
   }
 };
 

@@ -21,7 +21,7 @@ struct Defined {
 
 template <typename Part>
 void removePart(std::vector<Part>& parts, const std::string& name) {
-  const std::size_t at = findName(name, parts.size(), [&](std::size_t i) { return parts[i].name; });
+  const std::size_t at = findName(name, parts);
   parts.erase(parts.begin() + static_cast<std::ptrdiff_t>(at));
 }
 
@@ -30,7 +30,7 @@ FieldChanged changeOf(const std::shared_ptr<Defined>& defined, const std::string
   return [defined, name = name](const FieldDef& changed) mutable {
     if (defined->database != nullptr) refuseChange(changed);
     auto& fields = defined->table.fields;
-    fields[findName(name, fields.size(), [&](std::size_t i) { return fields[i].name; })] = changed;
+    fields[findName(name, fields)] = changed;
     name = changed.name;
   };
 }
@@ -62,11 +62,7 @@ class TableDefObject final : public Object<::ITableDef> {
             return makeDefinedField({table.fields.at(i), "", table.name, i},
                                     changeOf(defined, table.fields.at(i).name));
           },
-          .find =
-              [defined](const std::string& name) {
-                const auto& fields = defined->current().fields;
-                return findName(name, fields.size(), [&](std::size_t i) { return fields[i].name; });
-              },
+          .find = [defined](const std::string& name) { return findName(name, defined->current().fields); },
           .append = [defined](IDispatch* object) { appendField(defined, object); },
           .remove =
               [defined](const std::string& name) {
@@ -95,11 +91,7 @@ class TableDefObject final : public Object<::ITableDef> {
           .item = [defined](std::size_t i) -> IDispatch* {
             return makeIndex(defined->current().indexes.at(i), true);
           },
-          .find =
-              [defined](const std::string& name) {
-                const auto& indexes = defined->current().indexes;
-                return findName(name, indexes.size(), [&](std::size_t i) { return indexes[i].name; });
-              },
+          .find = [defined](const std::string& name) { return findName(name, defined->current().indexes); },
           .append =
               [defined](IDispatch* object) {
                 appendIndex(object, [&](const IndexDef& index) {

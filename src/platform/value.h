@@ -32,6 +32,11 @@ enum class DataType : std::uint8_t {
   return type == DataType::Currency || type == DataType::Single || type == DataType::Double;
 }
 
+/// Whether the values of a type are texts.
+[[nodiscard]] constexpr bool isText(DataType type) {
+  return type == DataType::Text || type == DataType::Memo;
+}
+
 /// A moment as automation clients count it: days since 30 December 1899, with the time of day as the
 /// fraction. Conversions and formats are in datetime.h.
 struct DateTime {

@@ -14,10 +14,6 @@ bool isFlagD(std::string_view column) {
   return column.size() >= length && equalNoCase(column.substr(column.size() - length), "flagd");
 }
 
-bool isText(DataType type) {
-  return type == DataType::Text || type == DataType::Memo;
-}
-
 bool isSet(const Value& flag) {
   return !flag.isNull() && flag.toBool();
 }

@@ -7,10 +7,7 @@
 #include <wrl/client.h>
 
 #include <algorithm>
-#include <array>
-#include <charconv>
 #include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <stdexcept>
@@ -155,11 +152,8 @@ Value valueOf(const Variant& variant) {
       return std::int32_t{variant.iVal};
     case VT_I4:
       return static_cast<std::int32_t>(variant.lVal);
-    case VT_R4: {
-      std::array<char, 32> digits{};
-      (void)std::to_chars(digits.data(), digits.data() + digits.size(), variant.fltVal);
-      return std::strtod(digits.data(), nullptr);
-    }
+    case VT_R4:
+      return toSingle(variant.fltVal);
     case VT_CY:
       return static_cast<double>(variant.cyVal.int64) / 10'000;
     case VT_R8:

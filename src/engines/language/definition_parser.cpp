@@ -165,7 +165,7 @@ class DefinitionParser : private Parser {
     advance();
     field.type = type->type;
     field.autoIncrement = type->numbered;
-    field.allowZeroLength = type->type == DataType::Text || type->type == DataType::Memo;
+    field.allowZeroLength = isText(type->type);
     if (skipWord("varying") && type->type != DataType::Text) fail("VARYING is for texts");
     if (!skipSymbol('(')) return;
     if (type->type != DataType::Text) fail("only a text has a size");

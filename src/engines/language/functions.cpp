@@ -166,10 +166,6 @@ std::optional<DataType> resultType(Result result, const std::optional<DataType>&
               "Undefined function in expression: \"" + std::string(name) + "\" " + what);
 }
 
-}  // namespace
-
-namespace {
-
 /// The type of a value that may be of `a` or `b`; none when only text can hold both.
 std::optional<DataType> commonType(const std::optional<DataType>& a, const std::optional<DataType>& b) {
   if (!a || !b) return a ? a : b;

@@ -235,7 +235,7 @@ struct Common {
 [[nodiscard]] std::string withoutNumbers(const std::string& sql);
 
 [[nodiscard]] inline bool isTextType(const std::optional<DataType>& type) {
-  return type == DataType::Text || type == DataType::Memo;
+  return type && isText(*type);
 }
 [[nodiscard]] inline bool isWholeType(const std::optional<DataType>& type) {
   return type == DataType::Boolean || type == DataType::Byte || type == DataType::Integer ||

@@ -128,7 +128,7 @@ bool Statement::take(int column, DataType type, std::vector<Value>& out) const {
     }
     case SQLITE_TEXT:
       out.emplace_back(text(column));
-      return type == DataType::Text || type == DataType::Memo;
+      return isText(type);
     default:
       out.emplace_back(text(column));
       return false;

@@ -57,6 +57,10 @@ void checkName(std::string_view name);
 /// Name of the index that a relation needs on its foreign side.
 [[nodiscard]] std::string relationIndexName(const Relation& relation);
 [[nodiscard]] std::string createRelationIndex(const Relation& relation);
+/// The field of that name; 3265 when the table has none.
+[[nodiscard]] const FieldDef& fieldOf(const TableDef& table, std::string_view name);
+/// Query that tells (1 or 0) whether the table has a row, or one that fulfils a condition.
+[[nodiscard]] std::string anyRow(const std::string& table, const std::string& condition = "");
 /// Whether a primary or unique index is on exactly these fields, in any order.
 [[nodiscard]] bool hasUniqueIndex(const TableDef& table, const std::vector<std::string>& fields);
 /// Whether an index begins with these fields, so that another one would be useless.

@@ -146,7 +146,7 @@ void readColumn(Reader& reader, Table& table) {
   FieldDef field;
   field.name = reader.name();
   field.type = readType(reader, field);
-  field.allowZeroLength = field.type == DataType::Text || field.type == DataType::Memo;
+  field.allowZeroLength = isText(field.type);
   std::string constraint;
   for (;;) {
     if (reader.take("COLLATE")) {

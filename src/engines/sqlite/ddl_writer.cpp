@@ -25,10 +25,6 @@ std::string quote(std::string_view text, char mark) {
   return out += mark;
 }
 
-bool isText(DataType type) {
-  return type == DataType::Text || type == DataType::Memo;
-}
-
 std::string typeText(const FieldDef& field) {
   if (field.autoIncrement) return "INTEGER";
   const auto* found = std::find_if(std::begin(typeWords), std::end(typeWords),
@@ -281,6 +277,16 @@ std::string createRelationIndex(const Relation& relation) {
   for (const auto& fields : relation.fields) foreign.push_back(fields.second);
   return "CREATE INDEX " + quoteName(relationIndexName(relation)) + " ON " +
          quoteName(relation.foreignTable) + " (" + quoteNames(foreign) + ")";
+}
+
+const FieldDef& fieldOf(const TableDef& table, std::string_view name) {
+  if (const FieldDef* field = table.field(name)) return *field;
+  throw Error(err::dbNotInCollection, "Table '" + table.name + "' has no field '" + std::string(name) + "'");
+}
+
+std::string anyRow(const std::string& table, const std::string& condition) {
+  return "SELECT EXISTS (SELECT 1 FROM " + quoteName(table) + (condition.empty() ? "" : " WHERE ") +
+         condition + ")";
 }
 
 bool hasUniqueIndex(const TableDef& table, const std::vector<std::string>& fields) {

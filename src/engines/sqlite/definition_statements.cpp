@@ -4,6 +4,7 @@
 
 #include "engines/language/definition.h"
 #include "engines/language/writer.h"
+#include "engines/sqlite/ddl.h"
 #include "engines/sqlite/sqlite_database.h"
 #include "platform/text.h"
 
@@ -21,17 +22,15 @@ std::string freeName(const std::string& wanted, Taken&& taken) {
   return name;
 }
 
-void nameIndexes(std::vector<IndexDef>& added, const std::vector<IndexDef>& there) {
-  for (IndexDef& index : added) {
+/// Names the indexes of `added` that have none. there: the table as it is.
+void nameIndexes(TableDef& added, const TableDef& there) {
+  for (IndexDef& index : added.indexes) {
     if (!index.name.empty()) continue;
     std::string wanted = index.primary ? "PrimaryKey" : "";
     for (const std::string& field : index.fields) wanted += index.primary ? "" : field;
-    const auto named = [](const std::vector<IndexDef>& list, const std::string& name) {
-      return std::any_of(list.begin(), list.end(),
-                         [&](const IndexDef& i) { return equalNoCase(i.name, name); });
-    };
-    index.name =
-        freeName(wanted, [&](const std::string& name) { return named(added, name) || named(there, name); });
+    index.name = freeName(wanted, [&](const std::string& name) {
+      return added.index(name) != nullptr || there.index(name) != nullptr;
+    });
   }
 }
 
@@ -70,11 +69,11 @@ void SqliteDatabase::define(std::string_view sql) {
           throw Error(err::dbNotInCollection,
                       "Table '" + table + "' has no field '" + statement.required.front() + "'");
         }
-        nameIndexes(statement.table.indexes, {});
+        nameIndexes(statement.table, {});
         createTable(statement.table);
         break;
       case Kind::addToTable:
-        nameIndexes(statement.table.indexes, definition(table).indexes);
+        nameIndexes(statement.table, definition(table));
         for (const FieldDef& field : statement.table.fields) addField(table, field);
         for (const IndexDef& index : statement.table.indexes) addIndex(table, index);
         for (const std::string& field : statement.required) requireField(table, field);
@@ -115,11 +114,7 @@ void SqliteDatabase::define(std::string_view sql) {
 }
 
 void SqliteDatabase::requireField(std::string_view table, const std::string& name) {
-  const FieldDef* field = definition(table).field(name);
-  if (field == nullptr) {
-    throw Error(err::dbNotInCollection, "Table '" + std::string(table) + "' has no field '" + name + "'");
-  }
-  FieldDef next = *field;
+  FieldDef next = ddl::fieldOf(definition(table), name);
   next.required = true;
   alterField(table, next);
 }
@@ -129,9 +124,7 @@ void SqliteDatabase::deleteConstraint(std::string_view table, const std::string&
   for (const Relation& relation : opened().catalog.relations()) {
     if (relation.foreignTable == owner.name && equalNoCase(relation.name, name)) return deleteRelation(name);
   }
-  const bool index = std::any_of(owner.indexes.begin(), owner.indexes.end(),
-                                 [&](const IndexDef& i) { return equalNoCase(i.name, name); });
-  if (index) return deleteIndex(table, name);
+  if (owner.index(name) != nullptr) return deleteIndex(table, name);
   throw Error(err::dbNotInCollection, "Table '" + owner.name + "' has no index or relation '" + name +
                                           "'. That a field needs a value is changed by ALTER COLUMN");
 }

@@ -17,9 +17,7 @@ const TableDef& SqliteRecordset::requireTable() const {
 
 const IndexDef& SqliteRecordset::indexDef(std::string_view name) const {
   const TableDef& table = requireTable();
-  const auto found = std::find_if(table.indexes.begin(), table.indexes.end(),
-                                  [&](const IndexDef& index) { return equalNoCase(index.name, name); });
-  if (found != table.indexes.end()) return *found;
+  if (const IndexDef* index = table.index(name)) return *index;
   throw Error(err::dbNoSuchIndex,
               "The table \"" + table.name + "\" has no index \"" + std::string(name) + "\"");
 }

@@ -14,14 +14,6 @@ namespace {
 
 using Names = std::vector<std::string>;
 
-Error refusal(int number, const std::string& what) {
-  return {number, what};
-}
-
-bool isText(DataType type) {
-  return type == DataType::Text || type == DataType::Memo;
-}
-
 bool names(const IndexDef& index, std::string_view field) {
   return std::any_of(index.fields.begin(), index.fields.end(),
                      [&](const std::string& own) { return equalNoCase(own, field); });
@@ -39,22 +31,6 @@ Names fieldsOf(const Relation& relation, bool primary) {
   Names fields;
   for (const auto& [own, other] : relation.fields) fields.push_back(primary ? own : other);
   return fields;
-}
-
-const FieldDef& fieldOf(const TableDef& table, std::string_view name) {
-  if (const FieldDef* field = table.field(name)) return *field;
-  throw refusal(err::dbNotInCollection,
-                "Table '" + table.name + "' has no field '" + std::string(name) + "'");
-}
-
-std::vector<IndexDef>::const_iterator indexOf(const TableDef& table, std::string_view name) {
-  return std::find_if(table.indexes.begin(), table.indexes.end(),
-                      [&](const IndexDef& index) { return equalNoCase(index.name, name); });
-}
-
-/// Query that tells (1 or 0) whether a row of the table fulfils a condition.
-std::string anyRow(const std::string& table, const std::string& condition) {
-  return "SELECT EXISTS (SELECT 1 FROM " + ddl::quoteName(table) + " WHERE " + condition + ")";
 }
 
 /// The value of a field as one of another type; the conversion is that of a value that is stored.
@@ -118,7 +94,7 @@ void SqliteDatabase::rewrite(const ddl::Table& table, const std::string& alongsi
 
 void SqliteDatabase::requireUsable(const TableDef& table, const std::vector<std::string>& fields) const {
   for (const std::string& name : fields) {
-    const FieldDef& field = fieldOf(table, name);
+    const FieldDef& field = ddl::fieldOf(table, name);
     if (opened().catalog.isSecret(table, field)) throw dialect::secretColumn(field);
   }
 }
@@ -128,20 +104,19 @@ void SqliteDatabase::addIndex(std::string_view table, const IndexDef& index) {
     ddl::Table owner = storedTable(table);
     const std::string& name = owner.definition.name;
     IndexDef added = index;
-    for (std::string& field : added.fields) field = fieldOf(owner.definition, field).name;
+    for (std::string& field : added.fields) field = ddl::fieldOf(owner.definition, field).name;
     requireUsable(owner.definition, added.fields);
     TableDef& next = owner.definition;
     next.indexes.push_back(added);
     next = ddl::normalised(next, session_->clock);  // refuses what cannot be, and fills in
-    added = *indexOf(next, added.name);
+    added = *next.index(added.name);
     const bool numberedKey = ddl::isNumberedKey(next, added);
     if (added.primary) owner.keyApart = !numberedKey;
     if (added.required && !numberedKey) {
       for (const std::string& field : added.fields) {
-        if (open.connection.number(anyRow(name, ddl::quoteName(field) + " IS NULL")) == 0) continue;
-        throw refusal(err::dbNullKey, "Index '" + added.name + "' of table '" + name +
-                                          "' needs a value in field '" + field +
-                                          "', and rows there have none");
+        if (open.connection.number(ddl::anyRow(name, ddl::quoteName(field) + " IS NULL")) == 0) continue;
+        throw Error(err::dbNullKey, "Index '" + added.name + "' of table '" + name +
+                                        "' needs a value in field '" + field + "', and rows there have none");
       }
     }
     if (!numberedKey) {
@@ -160,19 +135,19 @@ void SqliteDatabase::deleteIndex(std::string_view table, std::string_view index)
   redefine([&](OpenFile& open) {
     ddl::Table owner = storedTable(table);
     TableDef& next = owner.definition;
-    const auto found = indexOf(next, index);
-    if (found == next.indexes.end()) {
-      throw refusal(err::dbNotInCollection,
-                    "Table '" + next.name + "' has no index '" + std::string(index) + "'");
+    const IndexDef* const found = next.index(index);
+    if (found == nullptr) {
+      throw Error(err::dbNotInCollection,
+                  "Table '" + next.name + "' has no index '" + std::string(index) + "'");
     }
     const IndexDef gone = *found;
     const bool numberedKey = ddl::isNumberedKey(next, gone);
     const std::string indexName = ddl::indexName(next.name, gone);
-    next.indexes.erase(found);
+    std::erase(next.indexes, gone);
     for (const Relation& relation : open.catalog.relations()) {
       if (relation.table != next.name || ddl::hasUniqueIndex(next, fieldsOf(relation, true))) continue;
-      throw refusal(err::dbInUse, "Index '" + gone.name + "' of table '" + next.name +
-                                      "' cannot be deleted: relation '" + relation.name + "' needs it");
+      throw Error(err::dbInUse, "Index '" + gone.name + "' of table '" + next.name +
+                                    "' cannot be deleted: relation '" + relation.name + "' needs it");
     }
     // The index of a key that is part of the table's text becomes one of its own, with the same entries.
     std::string apart;
@@ -199,14 +174,14 @@ void SqliteDatabase::deleteField(std::string_view table, std::string_view name) 
   redefine([&](OpenFile& open) {
     const ddl::Table owner = storedTable(table);
     const TableDef& now = owner.definition;
-    const FieldDef& field = fieldOf(now, name);
+    const FieldDef& field = ddl::fieldOf(now, name);
     requireUsable(now, {field.name});
     refuseIfBound(now, field.name, "deleted");
     if (now.fields.size() == 1)
-      throw refusal(err::dbInvalidArgument,
-                    "Field '" + field.name + "' is the last one of table '" + now.name + "'");
+      throw Error(err::dbInvalidArgument,
+                  "Field '" + field.name + "' is the last one of table '" + now.name + "'");
     if (field.autoIncrement)
-      throw refusal(err::dbFieldInUse, "The numbered field '" + field.name + "' goes only with its table");
+      throw Error(err::dbFieldInUse, "The numbered field '" + field.name + "' goes only with its table");
     rewrite(owner);  // SQLite takes a column out of a text that it wrote itself in parts
     open.connection.run("ALTER TABLE " + ddl::quoteName(now.name) + " DROP COLUMN " +
                         ddl::quoteName(field.name));
@@ -216,8 +191,8 @@ void SqliteDatabase::deleteField(std::string_view table, std::string_view name) 
 
 void SqliteDatabase::refuseIfBound(const TableDef& table, const std::string& field, const char* what) const {
   const auto refuse = [&](const std::string& by) {
-    throw refusal(err::dbFieldInUse, "Field '" + field + "' of table '" + table.name + "' cannot be " + what +
-                                         ": " + by + " needs it");
+    throw Error(err::dbFieldInUse, "Field '" + field + "' of table '" + table.name + "' cannot be " + what +
+                                       ": " + by + " needs it");
   };
   for (const Relation& relation : opened().catalog.relations()) {
     if (names(relation, table.name, field)) refuse("relation '" + relation.name + "'");
@@ -231,27 +206,27 @@ void SqliteDatabase::alterField(std::string_view table, const FieldDef& definiti
   redefine([&](OpenFile& open) {
     ddl::Table owner = storedTable(table);
     const TableDef now = owner.definition;
-    const FieldDef old = fieldOf(now, definition.name);
+    const FieldDef old = ddl::fieldOf(now, definition.name);
     requireUsable(now, {old.name});
     FieldDef next = ddl::normalised(definition, session_->clock);
     next.name = old.name;
     if (next.autoIncrement != old.autoIncrement) {
-      throw refusal(err::dbInvalidArgument, "Whether field '" + old.name + "' of table '" + now.name +
-                                                "' is numbered is settled when the table is made");
+      throw Error(err::dbInvalidArgument, "Whether field '" + old.name + "' of table '" + now.name +
+                                              "' is numbered is settled when the table is made");
     }
     if (next.type != old.type) refuseIfBound(now, old.name, "given another type");
     *std::find(owner.definition.fields.begin(), owner.definition.fields.end(), old) = next;
     const std::string column = ddl::quoteName(old.name);
     const std::string value = converted(old, next);
     if (!isText(old.type) && !isText(next.type) && next.type != old.type &&
-        open.connection.number(anyRow(now.name, value + " <> " + column)) != 0) {
-      throw refusal(err::dbConversion, "Field '" + old.name + "' of table '" + now.name +
-                                           "' has values that the other type cannot hold");
+        open.connection.number(ddl::anyRow(now.name, value + " <> " + column)) != 0) {
+      throw Error(err::dbConversion, "Field '" + old.name + "' of table '" + now.name +
+                                         "' has values that the other type cannot hold");
     }
     // What is in the rows must fulfil the new definition, too.
     const auto refuseRows = [&](int number, const std::string& condition, const char* why) {
-      if (open.connection.number(anyRow(now.name, condition)) == 0) return;
-      throw refusal(number, "Rows of table '" + now.name + "' have " + why + " in field '" + old.name + "'");
+      if (open.connection.number(ddl::anyRow(now.name, condition)) == 0) return;
+      throw Error(number, "Rows of table '" + now.name + "' have " + why + " in field '" + old.name + "'");
     };
     if (next.required && next.type != DataType::Boolean)
       refuseRows(err::dbRequired, column + " IS NULL", "no value");
@@ -277,7 +252,7 @@ void SqliteDatabase::deleteRelation(std::string_view name) {
     const auto found = std::find_if(
         all.begin(), all.end(), [&](const Relation& relation) { return equalNoCase(relation.name, name); });
     if (found == all.end())
-      throw refusal(err::dbNotInCollection, "There is no relation '" + std::string(name) + "'");
+      throw Error(err::dbNotInCollection, "There is no relation '" + std::string(name) + "'");
     const Relation gone = *found;
     ddl::Table owner = storedTable(gone.foreignTable);
     std::erase(owner.relations, gone);
@@ -292,7 +267,7 @@ void SqliteDatabase::deleteQuery(std::string_view name) {
     open.connection.run(std::string("DELETE FROM ") + Catalog::queryTable +
                         " WHERE Name = " + ddl::quoteText(name));
     if (open.connection.changes() == 0)
-      throw refusal(err::dbNotInCollection, "There is no query '" + std::string(name) + "'");
+      throw Error(err::dbNotInCollection, "There is no query '" + std::string(name) + "'");
     writeSchema([](Connection&) {});  // others must not go on with the text that they know
   });
 }

@@ -139,7 +139,8 @@ class SqliteDatabase final : public Database, public std::enable_shared_from_thi
     /// Relations of this transaction that are not in the file yet. Several in a row are written together,
     /// since SQLite reads the whole schema again after each such change.
     std::vector<Relation> unwritten;
-    /// The statements that names of tables and queries stand for. A stored query cannot change. That a table
+    /// The statements that names of tables and queries stand for. A stored query
+    /// that goes changes the schema. That a table
     /// is gone shows when its statement runs.
     std::unordered_map<std::string, std::string> names;
   };

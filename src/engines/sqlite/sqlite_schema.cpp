@@ -12,15 +12,6 @@ namespace voxa {
 
 namespace {
 
-Error noField(std::string_view field, const TableDef& table) {
-  return {err::dbNotInCollection, "Table '" + table.name + "' has no field '" + std::string(field) + "'"};
-}
-
-/// Query that tells (1 or 0) whether a table has rows.
-std::string anyRow(const std::string& table) {
-  return "SELECT EXISTS (SELECT 1 FROM " + ddl::quoteName(table) + ")";
-}
-
 /// Query that tells (1 or 0) whether rows break a relation.
 std::string violation(const Relation& relation) {
   std::string given;
@@ -142,7 +133,7 @@ void SqliteDatabase::addField(std::string_view table, const FieldDef& definition
       throw Error(err::dbInvalidArgument, "An auto-increment field can only be made with its table");
     }
     if (field.required && field.defaultValue.isNull() && field.type != DataType::Boolean &&
-        open.connection.number(anyRow(owner.name)) != 0) {
+        open.connection.number(ddl::anyRow(owner.name)) != 0) {
       throw Error(err::dbRequired, "Field '" + field.name + "' of table '" + owner.name +
                                        "' needs a value, and the rows there would have none");
     }
@@ -203,12 +194,8 @@ void SqliteDatabase::createRelation(const Relation& relation) {
     std::vector<std::string> primaryFields;
     std::vector<std::string> foreignFields;
     for (auto& [own, other] : exact.fields) {
-      const FieldDef* ownField = primary.field(own);
-      const FieldDef* otherField = foreign.field(other);
-      if (ownField == nullptr) throw noField(own, primary);
-      if (otherField == nullptr) throw noField(other, foreign);
-      primaryFields.push_back(own = ownField->name);
-      foreignFields.push_back(other = otherField->name);
+      primaryFields.push_back(own = ddl::fieldOf(primary, own).name);
+      foreignFields.push_back(other = ddl::fieldOf(foreign, other).name);
     }
     requireUsable(primary, primaryFields);
     requireUsable(foreign, foreignFields);
@@ -217,7 +204,8 @@ void SqliteDatabase::createRelation(const Relation& relation) {
                                             primary.name + "' on the fields that it refers to");
     }
     // Most tables of a new database are empty, and that is quicker to find out.
-    if (open.connection.number(anyRow(foreign.name)) != 0 && open.connection.number(violation(exact)) != 0) {
+    if (open.connection.number(ddl::anyRow(foreign.name)) != 0 &&
+        open.connection.number(violation(exact)) != 0) {
       throw Error(err::dbRelatedMissing, "Relation '" + relation.name + "' cannot be made: rows of table '" +
                                              foreign.name + "' refer to rows that table '" + primary.name +
                                              "' has not");

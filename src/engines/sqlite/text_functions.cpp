@@ -89,12 +89,16 @@ void chr(sqlite3_context* context, sqlite3_value** arguments, int) {
   returnText(context, fromCp1252({&byte, 1}));
 }
 
-void asc(sqlite3_context* context, sqlite3_value** arguments, int) {
-  const std::string_view text = textOf(arguments[0]);
+/// The first character of a text.
+std::string_view firstOf(sqlite3_value* value) {
+  const std::string_view text = textOf(value);
   if (text.empty())
     throw Error(err::invalidArgument, "Invalid argument: an empty text has no first character");
-  sqlite3_result_int(context,
-                     static_cast<unsigned char>(toCp1252(text.substr(0, behindCharacter(text, 0)))[0]));
+  return text.substr(0, behindCharacter(text, 0));
+}
+
+void asc(sqlite3_context* context, sqlite3_value** arguments, int) {
+  sqlite3_result_int(context, static_cast<unsigned char>(toCp1252(firstOf(arguments[0]))[0]));
 }
 
 void reverse(sqlite3_context* context, sqlite3_value** arguments, int) {
@@ -139,10 +143,7 @@ void characterByNumber(sqlite3_context* context, sqlite3_value** arguments, int)
 }
 
 void numberOfCharacter(sqlite3_context* context, sqlite3_value** arguments, int) {
-  const std::string_view text = textOf(arguments[0]);
-  if (text.empty())
-    throw Error(err::invalidArgument, "Invalid argument: an empty text has no first character");
-  sqlite3_result_int(context, static_cast<int>(firstCharacter(text)));
+  sqlite3_result_int(context, static_cast<int>(firstCharacter(firstOf(arguments[0]))));
 }
 
 /// Whether the class at the start of the pattern, [a-z] or [!a-z], contains the character. Moves the pattern

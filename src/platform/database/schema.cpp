@@ -6,10 +6,23 @@
 
 namespace voxa {
 
+namespace {
+
+template <typename Part>
+const Part* named(const std::vector<Part>& parts, std::string_view name) {
+  const auto found = std::find_if(parts.begin(), parts.end(),
+                                  [&](const Part& part) { return equalNoCase(part.name, name); });
+  return found == parts.end() ? nullptr : &*found;
+}
+
+}  // namespace
+
 const FieldDef* TableDef::field(std::string_view fieldName) const {
-  const auto found = std::find_if(fields.begin(), fields.end(),
-                                  [&](const FieldDef& f) { return equalNoCase(f.name, fieldName); });
-  return found == fields.end() ? nullptr : &*found;
+  return named(fields, fieldName);
+}
+
+const IndexDef* TableDef::index(std::string_view indexName) const {
+  return named(indexes, indexName);
 }
 
 void addField(TableDef& td, const std::string& name, DataType type, int size, const Value& defaultValue) {

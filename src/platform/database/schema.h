@@ -37,8 +37,9 @@ struct TableDef {
   std::vector<FieldDef> fields;
   std::vector<IndexDef> indexes;
 
-  /// The field of that name in any case, or nullptr.
+  /// The field or index of that name in any case, or nullptr.
   [[nodiscard]] const FieldDef* field(std::string_view fieldName) const;
+  [[nodiscard]] const IndexDef* index(std::string_view indexName) const;
   friend bool operator==(const TableDef&, const TableDef&) = default;
 };
 
