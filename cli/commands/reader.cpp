@@ -23,7 +23,7 @@ void addReader(Session& session, const ReaderTexts& texts) {
   }
   std::cout << "Reader " << added.id << ": " << texts.name << '\n';
   if (added.newController) {
-    std::cout << "Its controller is new: 'voxa download all' sends it the programs and holidays\n";
+    std::cout << "Its controller is new: 'voxa download' sends it what it misses\n";
   }
 }
 

@@ -16,11 +16,17 @@ struct Cell {
   bool number = false;  // numbers stand at the right edge of their column
 };
 
+/// Bytes are shown in base 16.
+std::string printed(const Value& value) {
+  const auto* bytes = std::get_if<Bytes>(&value.data());
+  return bytes == nullptr ? value.toText() : hexText(*bytes);
+}
+
 Cell shown(const Value& value) {
   if (value.isNull()) return {"-"};
   if (const auto* flag = std::get_if<bool>(&value.data())) return {*flag ? "yes" : "no"};
   // A line feed or tab would break the columns.
-  std::string text = value.toText();
+  std::string text = printed(value);
   std::replace_if(
       text.begin(), text.end(), [](char c) { return c == '\n' || c == '\t'; }, '?');
   return {terminalText(text), !value.isText() && !std::holds_alternative<DateTime>(value.data())};
@@ -31,7 +37,7 @@ nlohmann::ordered_json toJson(const Value& value) {
       [&](const auto& held) -> nlohmann::ordered_json {
         using Held = std::decay_t<decltype(held)>;
         if constexpr (std::is_same_v<Held, std::monostate>) return nullptr;
-        if constexpr (std::is_same_v<Held, DateTime>) return value.toText();
+        if constexpr (std::is_same_v<Held, DateTime> || std::is_same_v<Held, Bytes>) return printed(value);
         if constexpr (std::is_constructible_v<nlohmann::ordered_json, Held>) return held;
       },
       value.data());
@@ -96,7 +102,7 @@ void printCsv(std::ostream& out, const std::vector<std::string>& columns, const 
     if (value.isNull()) return "";
     if (const auto* flag = std::get_if<bool>(&value.data())) return *flag ? "yes" : "no";
     // Only a text can be a formula: a number may begin with a sign.
-    return value.isText() ? csvField(value.toText()) : value.toText();
+    return value.isText() ? csvField(value.toText()) : printed(value);
   };
   const auto line = [&](const std::vector<Value>& cells) {
     for (std::size_t i = 0; i < cells.size(); ++i) out << (i > 0 ? "," : "") << field(cells[i]);

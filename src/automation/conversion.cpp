@@ -2,6 +2,7 @@
 
 #include <cstring>
 #include <limits>
+#include <memory>
 
 #include "platform/error.h"
 
@@ -56,6 +57,31 @@ std::size_t sizeOfValue(VARTYPE type) {
   }
 }
 
+/// The bytes of an array: of bytes, or, as a script has it, of numbers from 0 to 255.
+Bytes bytesOf(SAFEARRAY* array) {
+  if (array == nullptr || ::SafeArrayGetDim(array) != 1)
+    throw Error(err::typeMismatch, "Type mismatch: bytes are an array of one dimension");
+  VARTYPE type = VT_EMPTY;
+  LONG first = 0;
+  LONG last = 0;
+  void* data = nullptr;
+  require(::SafeArrayGetVartype(array, &type), "the array cannot be read");
+  require(::SafeArrayGetLBound(array, 1, &first), "the array cannot be read");
+  require(::SafeArrayGetUBound(array, 1, &last), "the array cannot be read");
+  if (type != VT_UI1 && type != VT_VARIANT)
+    throw Error(err::typeMismatch, "Type mismatch: the array holds no bytes");
+  require(::SafeArrayAccessData(array, &data), "the array cannot be read");
+  const std::unique_ptr<SAFEARRAY, HRESULT(WINAPI*)(SAFEARRAY*)> access(array, &::SafeArrayUnaccessData);
+  const auto count = static_cast<std::size_t>(last - first + 1);
+  if (type == VT_UI1) return {std::string(static_cast<const char*>(data), count)};
+  Bytes out;
+  for (std::size_t i = 0; i < count; ++i) {
+    const Value number = fromVariant(static_cast<const VARIANT*>(data)[i]);
+    out.data += static_cast<char>(convertForField(number, DataType::Byte, 0).toInt16());
+  }
+  return out;
+}
+
 Value defaultProperty(IDispatch* object) {
   if (object == nullptr) throw Error(err::objectNotSet, "Object variable not set");
   DISPPARAMS none{};
@@ -101,6 +127,7 @@ Value fromVariant(const VARIANT& variant) {
   }
   require(::VariantCopyInd(&own, const_cast<VARIANT*>(&variant)), "the argument cannot be read");
   if (own->vt == VT_DISPATCH) return defaultProperty(own->pdispVal);
+  if ((own->vt & VT_ARRAY) != 0) return bytesOf(own->parray);
   switch (own->vt) {
     case VT_EMPTY:
     case VT_NULL:
@@ -167,6 +194,12 @@ VARIANT toVariant(const Value& value) {
     void operator()(const std::string& v) const {
       out.bstrVal = toBstr(v);
       out.vt = VT_BSTR;
+    }
+    void operator()(const Bytes& v) const {
+      out.parray = ::SafeArrayCreateVector(VT_UI1, 0, static_cast<ULONG>(checkedLength(v.data.size())));
+      if (out.parray == nullptr) throw Error(err::outOfMemory, "Out of memory");
+      out.vt = VT_ARRAY | VT_UI1;
+      std::memcpy(out.parray->pvData, v.data.data(), v.data.size());
     }
   };
   VARIANT out;

@@ -26,12 +26,16 @@ class OpenRows {
     get().addNew();
     appended_.clear();
   }
-  /// Adds to a text; the first time in a row that is edited or added the text takes the place of what was
-  /// there.
-  void append(std::size_t index, const std::string& text) {
+  /// Adds a text or bytes to a field; the first time in a row that is edited or added they take the place of
+  /// what was there.
+  void append(std::size_t index, const Value& part) {
     const bool first = std::find(appended_.begin(), appended_.end(), index) == appended_.end();
     const Value before = first ? Value() : get().get(index);
-    get().set(index, before.isNull() ? text : before.toText() + text);
+    const auto* there = std::get_if<Bytes>(&before.data());
+    const auto* added = std::get_if<Bytes>(&part.data());
+    get().set(index, before.isNull()  ? part
+                     : there && added ? Value(Bytes{there->data + added->data})
+                                      : Value(before.toText() + part.toText()));
     if (first) appended_.push_back(index);
   }
 

@@ -10,10 +10,14 @@ namespace {
   throw Error(err::dbInvalidOperation, "The definition of a column of rows cannot be changed");
 }
 
-/// A part of a text: `count` characters from the one at `from` on.
-VARIANT partOf(const std::string& text, long from, long count) {
-  if (from < 0 || count < 0) throw Error(err::dbInvalidArgument, "A part of a text begins at 0 or behind");
-  OwnVariant whole(toVariant(text));
+/// A part of a text or of bytes: `count` characters or bytes from the one at `from` on.
+VARIANT partOf(const Value& value, long from, long count) {
+  if (from < 0 || count < 0) throw Error(err::dbInvalidArgument, "A part begins at 0 or behind");
+  if (const auto* bytes = std::get_if<Bytes>(&value.data())) {
+    const std::size_t begin = std::min(static_cast<std::size_t>(from), bytes->data.size());
+    return toVariant(Bytes{bytes->data.substr(begin, static_cast<std::size_t>(count))});
+  }
+  OwnVariant whole(toVariant(value));
   const auto length = static_cast<long>(::SysStringLen(whole->bstrVal));
   const long begin = std::min(from, length);
   VARIANT part;
@@ -55,6 +59,8 @@ class RowField final : public FieldObject {
   STDMETHODIMP get_FieldSize(long* size) override {
     return give(size, [&] {
       const Value value = rows().get(index_);
+      if (const auto* bytes = std::get_if<Bytes>(&value.data()))
+        return static_cast<std::int32_t>(bytes->data.size());
       return static_cast<std::int32_t>(value.isText() ? lengthInCharacters(value.toText()) : 0);
     });
   }
@@ -64,13 +70,13 @@ class RowField final : public FieldObject {
     return call([&] {
       requireLong();
       const Value value = rows().get(index_);
-      *part = value.isNull() ? toVariant(value) : partOf(value.toText(), offset, bytes);
+      *part = value.isNull() ? toVariant(value) : partOf(value, offset, bytes);
     });
   }
   STDMETHODIMP AppendChunk(VARIANT value) override {
     return call([&] {
       requireLong();
-      rows_->append(index_, fromVariant(value).toText());
+      rows_->append(index_, fromVariant(value));
     });
   }
   STDMETHODIMP put_Name(BSTR) override { return call(refuseDefinition); }
@@ -87,9 +93,9 @@ class RowField final : public FieldObject {
   [[nodiscard]] Recordset& rows() const { return rows_->get(); }
   [[nodiscard]] const FieldDef& definition() const override { return rows().field(index_); }
   void requireLong() const {
-    if (definition().type == DataType::Memo) return;
+    if (definition().type == DataType::Memo || definition().type == DataType::LongBinary) return;
     throw Error(err::dbInvalidFieldType,
-                "Parts are those of a memo, which '" + definition().name + "' is not");
+                "Parts are those of a memo or a long binary field, which '" + definition().name + "' is not");
   }
 
   std::shared_ptr<OpenRows> rows_;
@@ -113,8 +119,10 @@ std::int32_t sizeOfField(const FieldDef& field) {
     case DataType::Date:
       return 8;
     case DataType::Text:
+    case DataType::Binary:
       return field.size;
     case DataType::Memo:
+    case DataType::LongBinary:
       break;
   }
   return 0;

@@ -75,7 +75,9 @@ DisplayArgument displayArgument(const VARIANT& argument) {
       return ErrorInfo{property(object, L"Number").toInt32(), property(object, L"Description").toText()};
     }
   }
-  return fromVariant(argument);
+  Value value = fromVariant(argument);
+  if (std::holds_alternative<Bytes>(value.data())) return {};  // they have no text
+  return value;
 }
 
 class StringsObject final : public Object<::IStrings>, public Shared<StringsObject> {

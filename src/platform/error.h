@@ -78,6 +78,7 @@ inline constexpr int dbNotADatabase = 3343;          ///< unrecognised database 
 inline constexpr int dbNoUniqueIndex = 3366;         ///< no unique index on the primary side of a relation
 inline constexpr int dbInvalidObject = 3420;         ///< object is closed or no longer set
 inline constexpr int dbConversion = 3421;            ///< data type conversion error
+inline constexpr int dbTypeMismatch = 3464;          ///< an expression of values that do not go together
 inline constexpr int dbUpdateWithoutEdit = 3020;     ///< update or set without edit or add
 inline constexpr int dbFieldInUse = 3280;            ///< a field that an index or relation needs
 inline constexpr int dbInUse = 3281;                 ///< an index or table that a relation needs

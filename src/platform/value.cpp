@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <limits>
 #include <optional>
+#include <utility>
 
 #include "platform/datetime.h"
 #include "platform/error.h"
@@ -29,6 +30,10 @@ std::string quoted(std::string_view text) {
   if (lengthInCharacters(text) <= shown) return '"' + std::string(text) + '"';
   const std::size_t end = behindCharacter(text, shown - 1);
   return '"' + std::string(text.substr(0, end)) + "...\"";
+}
+
+[[noreturn]] void failBytes() {
+  throw Error(err::typeMismatch, "Type mismatch: bytes cannot be read as another value");
 }
 
 [[noreturn]] void failNull() {
@@ -88,7 +93,7 @@ double numberOf(const Value& value) {
                    if (!number) failType(v, "a number");
                    return *number;
                  },
-                 [](auto v) -> double { return v; }},
+                 [](const Bytes&) -> double { failBytes(); }, [](auto v) -> double { return v; }},
       value.data());
 }
 
@@ -115,6 +120,17 @@ double finite(double number) {
   return number;
 }
 
+Value convertBytes(const Value& value, DataType type, int size) {
+  const auto* bytes = std::get_if<Bytes>(&value.data());
+  if (bytes == nullptr) throw Error(err::typeMismatch, "Type mismatch: the field takes bytes only");
+  const auto limit = static_cast<std::size_t>(size > 0 ? size : greatestBinary);
+  if (type == DataType::Binary && bytes->data.size() > limit) {
+    throw Error(err::dbTextTooLong, std::to_string(bytes->data.size()) +
+                                        " bytes are too many for a field of " + std::to_string(limit));
+  }
+  return value;
+}
+
 Value convert(const Value& value, DataType type, int size, const Clock* clock) {
   switch (type) {
     case DataType::Boolean:
@@ -133,6 +149,9 @@ Value convert(const Value& value, DataType type, int size, const Clock* clock) {
       return finite(value.toDouble());
     case DataType::Date:
       return checkedDate(value.toDateTime(clock).days);
+    case DataType::Binary:
+    case DataType::LongBinary:
+      return convertBytes(value, type, size);
     case DataType::Text:
     case DataType::Memo:
       break;
@@ -147,6 +166,17 @@ Value convert(const Value& value, DataType type, int size, const Clock* clock) {
 }
 
 }  // namespace
+
+std::string hexText(const Bytes& bytes) {
+  constexpr std::string_view digits = "0123456789ABCDEF";
+  std::string out;
+  for (const char c : bytes.data) {
+    const auto byte = static_cast<unsigned char>(c);
+    out += digits[byte / digits.size()];
+    out += digits[byte % digits.size()];
+  }
+  return out;
+}
 
 std::int16_t Value::toInt16() const {
   if (const auto* v = std::get_if<std::int16_t>(&data_)) return *v;
@@ -259,12 +289,18 @@ double toSingle(double number) {
   return digits;
 }
 
-std::string Value::toText() const {
+std::string Value::toText() && {
+  if (auto* text = std::get_if<std::string>(&data_)) return std::move(*text);
+  return std::as_const(*this).toText();
+}
+
+std::string Value::toText() const& {
   return std::visit(
       Overloaded{[](std::monostate) -> std::string { failNull(); },
                  [](bool v) { return std::string(v ? "True" : "False"); },
                  [](DateTime v) { return toShortText(v); }, [](const std::string& v) { return v; },
-                 [](double v) { return doubleText(v); }, [](auto v) { return std::to_string(v); }},
+                 [](const Bytes&) -> std::string { failBytes(); }, [](double v) { return doubleText(v); },
+                 [](auto v) { return std::to_string(v); }},
       data_);
 }
 

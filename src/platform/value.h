@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 #include <type_traits>
+#include <utility>
 #include <variant>
 
 namespace voxa {
@@ -23,7 +24,9 @@ enum class DataType : std::uint8_t {
   Single = 6,    ///< a double with the digits that a 32-bit one holds: 0.1, not 0.100000001490116
   Double = 7,
   Date = 8,
+  Binary = 9,  ///< a few bytes, up to a size
   Text = 10,
+  LongBinary = 11,  ///< any number of bytes: a picture, say
   Memo = 12
 };
 
@@ -37,6 +40,23 @@ enum class DataType : std::uint8_t {
   return type == DataType::Text || type == DataType::Memo;
 }
 
+/// Whether the values of a type are bytes.
+[[nodiscard]] constexpr bool isBinary(DataType type) {
+  return type == DataType::Binary || type == DataType::LongBinary;
+}
+
+/// Greatest size of a Binary field, in bytes.
+inline constexpr int greatestBinary = 510;
+
+/// Bytes that mean nothing to the database.
+struct Bytes {
+  std::string data;
+  friend bool operator==(const Bytes&, const Bytes&) = default;
+};
+
+/// The bytes in base 16, two capital digits each: "0AFF".
+[[nodiscard]] std::string hexText(const Bytes& bytes);
+
 /// A moment as automation clients count it: days since 30 December 1899, with the time of day as the
 /// fraction. Conversions and formats are in datetime.h.
 struct DateTime {
@@ -44,11 +64,12 @@ struct DateTime {
   friend auto operator<=>(const DateTime&, const DateTime&) = default;  // NOLINT(modernize-use-nullptr)
 };
 
-/// One database or automation value: Null, boolean, byte, 16-bit, 32-bit, double, date-time or text (UTF-8).
+/// One database or automation value: Null, boolean, byte, 16-bit, 32-bit, double, date-time, text (UTF-8)
+/// or bytes.
 class Value {
  public:
   using Variant = std::variant<std::monostate, bool, std::uint8_t, std::int16_t, std::int32_t, double,
-                               DateTime, std::string>;
+                               DateTime, std::string, Bytes>;
 
   Value() = default;  ///< Null
   template <typename T>
@@ -58,6 +79,7 @@ class Value {
   // NOLINTNEXTLINE(performance-unnecessary-value-param): it is moved
   Value(std::string v) : data_(std::move(v)) {}         // NOLINT(google-explicit-constructor)
   Value(std::string_view v) : data_(std::string(v)) {}  // NOLINT(google-explicit-constructor)
+  Value(Bytes v) : data_(std::move(v)) {}               // NOLINT(google-explicit-constructor)
   Value(const char* v) : data_(std::string(v)) {}       // NOLINT(google-explicit-constructor)
 
   [[nodiscard]] bool isNull() const { return data_.index() == 0; }
@@ -66,7 +88,7 @@ class Value {
 
   /// Conversions by the rules of automation clients. Null raises `err::invalidNull`; text that is no number
   /// (or no date) raises `err::typeMismatch`; a number outside the target raises `err::overflow`. A fraction
-  /// is rounded half to even. True is -1.
+  /// is rounded half to even. True is -1. Bytes convert to nothing: `err::typeMismatch`.
   [[nodiscard]] std::int16_t toInt16() const;
   [[nodiscard]] std::int32_t toInt32() const;
   [[nodiscard]] double toDouble() const;
@@ -76,7 +98,8 @@ class Value {
   [[nodiscard]] DateTime toDateTime(const Clock* clock = nullptr) const;
   /// Text: "True"/"False", decimal numbers without a leading blank (no exponent for whole numbers below
   /// 1e15), dates in the regional short form (datetime.h).
-  [[nodiscard]] std::string toText() const;
+  [[nodiscard]] std::string toText() const&;
+  [[nodiscard]] std::string toText() &&;  ///< takes the text, if it is one, out of the value
 
   /// Identity: the same alternative and the same value; texts are equal to the letter. For tests and change
   /// detection. The comparison rules of a query are different.
@@ -110,10 +133,11 @@ class Value {
 
 /// The value as a field of that type stores it. Null stays Null, but becomes False in a boolean field. A text
 /// is read as a number, boolean or regional date when the field has such a type.
-/// size: greatest number of characters of a Text field (0: 255); ignored for other types.
+/// size: greatest number of characters of a Text field (0: 255) or of bytes of a Binary one (0: 510); ignored
+/// for other types.
 /// clock: tells the day on which the value is read, for years of two digits (see toDateTime).
 /// Errors: `err::dbConversion` when the value cannot be read as the type, `err::overflow` when it is a number
-/// outside the type's range, `err::dbTextTooLong` when a text is longer than size.
+/// outside the type's range, `err::dbTextTooLong` when a text or bytes are longer than size.
 [[nodiscard]] Value convertForField(const Value& value, DataType type, int size,
                                     const Clock* clock = nullptr);
 

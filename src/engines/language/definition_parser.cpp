@@ -166,9 +166,10 @@ class DefinitionParser : private Parser {
     field.type = type->type;
     field.autoIncrement = type->numbered;
     field.allowZeroLength = isText(type->type);
-    if (skipWord("varying") && type->type != DataType::Text) fail("VARYING is for texts");
+    const bool sized = type->type == DataType::Text || type->type == DataType::Binary;
+    if (skipWord("varying") && !sized) fail("VARYING is for texts and bytes");
     if (!skipSymbol('(')) return;
-    if (type->type != DataType::Text) fail("only a text has a size");
+    if (!sized) fail("only a text and BINARY have a size");
     field.size = size();
     expectSymbol(')', "a closing parenthesis");
   }

@@ -125,10 +125,12 @@ struct TypeName {
   std::string_view name;
   std::string_view number;
 };
-constexpr TypeName typeNames[] = {{DataType::Boolean, "Boolean", "11"},  {DataType::Byte, "Byte", "17"},
-                                  {DataType::Integer, "Integer", "2"},   {DataType::Long, "Long", "3"},
-                                  {DataType::Currency, "Currency", "6"}, {DataType::Single, "Single", "4"},
-                                  {DataType::Double, "Double", "5"},     {DataType::Date, "Date", "7"}};
+constexpr TypeName typeNames[] = {
+    {DataType::Boolean, "Boolean", "11"},  {DataType::Byte, "Byte", "17"},
+    {DataType::Integer, "Integer", "2"},   {DataType::Long, "Long", "3"},
+    {DataType::Currency, "Currency", "6"}, {DataType::Single, "Single", "4"},
+    {DataType::Double, "Double", "5"},     {DataType::Date, "Date", "7"},
+    {DataType::Binary, "Byte()", "8209"},  {DataType::LongBinary, "Byte()", "8209"}};
 constexpr TypeName textName = {DataType::Text, "String", "8"};
 
 const TypeName& nameOf(const std::optional<DataType>& type) {
@@ -171,6 +173,8 @@ std::optional<DataType> commonType(const std::optional<DataType>& a, const std::
   if (!a || !b) return a ? a : b;
   if (*a == *b) return a;
   if (isTextType(a) && isTextType(b)) return DataType::Memo;
+  if (isBinaryType(a) || isBinaryType(b))
+    return isBinaryType(a) && isBinaryType(b) ? std::optional(DataType::LongBinary) : std::nullopt;
   if (isTextType(a) || isTextType(b) || a == DataType::Date || b == DataType::Date) {
     return std::nullopt;
   }
@@ -216,12 +220,13 @@ Term Writer::call(const Expression& e, Scope& scope) {
     if (i == 0) first = term.type;
     if (i == 0 && found->result == Result::likeFirst) most = term.most;
     const char kind = found->arguments[i];
-    arguments.push_back(kind == 'n'   ? number(std::move(term))
-                        : kind == 'd' ? date(std::move(term))
-                        : kind == 't' ? text(term)
-                        : kind == 'w' ? words(term)
-                        : kind == 'y' ? (term.type == DataType::Date ? words(term) : value(term))
-                                      : operand(term));
+    arguments.push_back(
+        kind == 'n'   ? number(std::move(term))
+        : kind == 'd' ? date(std::move(term))
+        : kind == 't' ? text(term)
+        : kind == 'w' ? words(term)
+        : kind == 'y' ? (term.type == DataType::Date || isBinaryType(term.type) ? words(term) : value(term))
+                      : operand(term));
   }
   Term out;
   for (std::size_t i = 0; i < found->text.size(); ++i) {
@@ -301,6 +306,7 @@ Term Writer::choice(const Expression& e, Scope& scope) {
   } else {
     // Null itself, without a type, counts as a text.
     b = !a.type || isTextType(a.type) ? Term{.sql = "''", .type = DataType::Text}
+        : isBinary(*a.type)           ? Term{.sql = "X''", .type = a.type}
                                       : Term{.sql = "0", .type = a.type};
   }
   const Common common = commonOf({&a, &b});

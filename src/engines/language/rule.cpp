@@ -35,6 +35,7 @@ struct ConstantText {
     for (const char c : v) out.append(c == '\'' ? 2 : 1, c);
     return out += '\'';
   }
+  std::string operator()(const Bytes& v) const { return "X'" + hexText(v) + "'"; }
 };
 
 /// Replaces the placeholders by their literals.

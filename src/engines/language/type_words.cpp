@@ -41,7 +41,13 @@ constexpr TypeWord words[] = {{"bit", DataType::Boolean},
                               {"memo", DataType::Memo},
                               {"longtext", DataType::Memo},
                               {"longchar", DataType::Memo},
-                              {"note", DataType::Memo}};
+                              {"note", DataType::Memo},
+                              {"binary", DataType::Binary},
+                              {"varbinary", DataType::Binary},
+                              {"longbinary", DataType::LongBinary},
+                              {"general", DataType::LongBinary},
+                              {"image", DataType::LongBinary},
+                              {"oleobject", DataType::LongBinary}};
 
 }  // namespace
 

@@ -18,6 +18,18 @@ namespace {
 
 constexpr std::size_t greatestUndeclared = 255;  // parameters of a statement
 
+[[noreturn]] void failBytes() {
+  throw Error(
+      err::dbTypeMismatch,
+      "Data type mismatch in expression: bytes can be stored, counted, tested for Null and compared with "
+      "bytes, and nothing else");
+}
+
+/// For whatever needs another value.
+void requireNoBytes(const Term& term) {
+  if (isBinaryType(term.type)) failBytes();
+}
+
 Term constant(std::string_view word) {
   if (isWord(word, "null")) return {.sql = "NULL"};
   const bool yes = isWord(word, "true") || isWord(word, "yes") || isWord(word, "on");
@@ -125,6 +137,7 @@ std::string Writer::text(const Term& term) {
 }
 
 std::string Writer::words(const Term& term) {
+  requireNoBytes(term);
   if (!term.type || isTextType(term.type)) return value(term);
   return "vx_text(" + value(term) + ", " + typeCode(*term.type) + ")";
 }
@@ -132,6 +145,7 @@ std::string Writer::words(const Term& term) {
 /// Converts a text to that type. A placeholder is converted when it is bound, anything else row by row; there
 /// a text that does not read as the type becomes Null.
 void Writer::convert(Term& term, DataType type) {
+  requireNoBytes(term);
   if (!isTextType(term.type)) return;
   if (term.slot) {
     slots_[*term.slot].convertTo.emplace().type = type;
@@ -161,6 +175,16 @@ std::string Writer::truth(Term term) {
 /// Makes terms comparable. A text is converted to the type that it is compared with; two texts compare
 /// without regard to case.
 void Writer::makeComparable(std::vector<Term>& terms) {
+  if (std::any_of(terms.begin(), terms.end(), [](const Term& t) { return isBinaryType(t.type); })) {
+    for (Term& term : terms) {
+      if (term.slot && isTextType(term.type) && !slots_[*term.slot].parameter.empty()) {
+        slots_[*term.slot].convertTo.emplace().type = DataType::LongBinary;
+      } else if (term.type && !isBinaryType(term.type)) {
+        failBytes();
+      }
+    }
+    return;
+  }
   const auto other = std::find_if(terms.begin(), terms.end(),
                                   [](const Term& t) { return t.type.has_value() && !isTextType(t.type); });
   if (other != terms.end()) {
@@ -352,7 +376,10 @@ std::string Writer::stored(Term term, const FieldDef& field) {
     return term.sql;
   }
   if (!term.type) return field.type == DataType::Boolean ? "0" : "NULL";
-  const auto size = [](const FieldDef& f) { return f.type == DataType::Text && f.size > 0 ? f.size : 255; };
+  const auto size = [](const FieldDef& f) {
+    const int greatest = f.type == DataType::Binary ? greatestBinary : 255;
+    return (f.type == DataType::Text || f.type == DataType::Binary) && f.size > 0 ? f.size : greatest;
+  };
   // A boolean is Null in a row that an outer join does not find. It has to become False.
   if (term.field != nullptr && term.type == field.type && field.type != DataType::Boolean &&
       size(*term.field) <= size(field)) {

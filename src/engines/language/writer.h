@@ -237,6 +237,9 @@ struct Common {
 [[nodiscard]] inline bool isTextType(const std::optional<DataType>& type) {
   return type && isText(*type);
 }
+[[nodiscard]] inline bool isBinaryType(const std::optional<DataType>& type) {
+  return type && isBinary(*type);
+}
 [[nodiscard]] inline bool isWholeType(const std::optional<DataType>& type) {
   return type == DataType::Boolean || type == DataType::Byte || type == DataType::Integer ||
          type == DataType::Long;

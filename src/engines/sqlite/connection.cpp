@@ -8,6 +8,7 @@
 
 #include "engines/sqlite/engine.h"
 #include "engines/sqlite/errors.h"
+#include "engines/sqlite/function_table.h"
 #include "platform/error.h"
 #include "platform/text.h"
 
@@ -28,6 +29,9 @@ struct Binder {
   void operator()(DateTime v) const { (void)sqlite3_bind_double(statement, index, v.days); }
   void operator()(const std::string& v) const {
     (void)sqlite3_bind_text(statement, index, v.data(), static_cast<int>(v.size()), SQLITE_STATIC);
+  }
+  void operator()(const Bytes& v) const {
+    (void)sqlite3_bind_blob64(statement, index, v.data.data(), v.data.size(), SQLITE_STATIC);
   }
 };
 
@@ -104,19 +108,21 @@ int Statement::step() {
 }
 
 std::string_view Statement::text(int column) const {
-  const auto* bytes = reinterpret_cast<const char*>(sqlite3_column_text(handle_.get(), column));
-  return {bytes, static_cast<std::size_t>(sqlite3_column_bytes(handle_.get(), column))};
+  return textOf(sqlite3_column_value(handle_.get(), column));
 }
 
 bool Statement::take(int column, DataType type, std::vector<Value>& out) const {
-  switch (sqlite3_column_type(handle_.get(), column)) {
+  // One call for the value, and its parts from there, takes a third of the calls for each part. SQLite allows
+  // it on a connection without a mutex.
+  sqlite3_value* value = sqlite3_column_value(handle_.get(), column);
+  switch (sqlite3_value_type(value)) {
     case SQLITE_NULL:
       out.emplace_back();
       return true;
     case SQLITE_INTEGER:
-      return takeInteger(integer(column), type, out);
+      return takeInteger(sqlite3_value_int64(value), type, out);
     case SQLITE_FLOAT: {
-      const double number = sqlite3_column_double(handle_.get(), column) + 0.0;  // which makes -0 plain 0
+      const double number = sqlite3_value_double(value) + 0.0;  // which makes -0 plain 0
       if (type == DataType::Date) {
         out.emplace_back(DateTime{number});
       } else if (type == DataType::Boolean) {
@@ -127,11 +133,11 @@ bool Statement::take(int column, DataType type, std::vector<Value>& out) const {
       return type == DataType::Date || isReal(type);
     }
     case SQLITE_TEXT:
-      out.emplace_back(text(column));
+      out.emplace_back(textOf(value));
       return isText(type);
     default:
-      out.emplace_back(text(column));
-      return false;
+      out.emplace_back(bytesOf(value));
+      return isBinary(type);
   }
 }
 

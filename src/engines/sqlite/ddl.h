@@ -96,15 +96,21 @@ inline constexpr std::string_view zeroLength = ".zero length";
 inline constexpr std::string_view rule = ".rule ";
 inline constexpr std::string_view key = ".key";
 
-/// Type words of the schema, without the size of TEXT(n) and the INTEGER of a numbered field.
+/// Type words of the schema, without the size of TEXT(n) and BINARY(n) and the INTEGER of a numbered field.
 struct TypeWord {
   DataType type;
   std::string_view word;
 };
-inline constexpr TypeWord typeWords[] = {{DataType::Boolean, "BOOLEAN"}, {DataType::Byte, "BYTE"},
-                                         {DataType::Integer, "SHORT"},   {DataType::Long, "LONG"},
-                                         {DataType::Double, "DOUBLE"},   {DataType::Currency, "CURRENCY"},
-                                         {DataType::Single, "SINGLE"},   {DataType::Date, "DATETIME"},
-                                         {DataType::Text, "TEXT"},       {DataType::Memo, "LONGTEXT"}};
+inline constexpr TypeWord typeWords[] = {
+    {DataType::Boolean, "BOOLEAN"}, {DataType::Byte, "BYTE"},     {DataType::Integer, "SHORT"},
+    {DataType::Long, "LONG"},       {DataType::Double, "DOUBLE"}, {DataType::Currency, "CURRENCY"},
+    {DataType::Single, "SINGLE"},   {DataType::Date, "DATETIME"}, {DataType::Text, "TEXT"},
+    {DataType::Memo, "LONGTEXT"},   {DataType::Binary, "BINARY"}, {DataType::LongBinary, "LONGBINARY"}};
+
+/// Greatest size of a field of that type, which is also the usual one; 0 for types without a size.
+[[nodiscard]] constexpr int greatestSize(DataType type) {
+  constexpr int characters = 255;
+  return type == DataType::Text ? characters : type == DataType::Binary ? greatestBinary : 0;
+}
 
 }  // namespace voxa::ddl

@@ -133,7 +133,7 @@ DataType readType(Reader& reader, FieldDef& field) {
   const auto* found = std::find_if(std::begin(typeWords), std::end(typeWords),
                                    [&](const TypeWord& t) { return equalNoCase(t.word, word); });
   if (found == std::end(typeWords)) Reader::fail();
-  if (found->type == DataType::Text) {
+  if (greatestSize(found->type) > 0) {
     reader.need("(");
     const std::string digits = reader.word();
     (void)std::from_chars(digits.data(), digits.data() + digits.size(), field.size);

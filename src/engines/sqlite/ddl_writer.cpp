@@ -11,7 +11,6 @@ namespace voxa::ddl {
 
 namespace {
 
-constexpr int greatestTextSize = 255;
 constexpr std::size_t greatestName = 64;
 /// SQLite's own name for the row number. Recordsets find their rows by it.
 constexpr std::string_view rowNumber = "_rowid_";
@@ -30,7 +29,7 @@ std::string typeText(const FieldDef& field) {
   const auto* found = std::find_if(std::begin(typeWords), std::end(typeWords),
                                    [&](const TypeWord& t) { return t.type == field.type; });
   std::string text(found->word);
-  if (field.type == DataType::Text) text += "(" + std::to_string(field.size) + ")";
+  if (greatestSize(field.type) > 0) text += "(" + std::to_string(field.size) + ")";
   if (isText(field.type)) text += std::string(" COLLATE ") + dialect::collation;
   return text;
 }
@@ -112,6 +111,7 @@ std::string literal(const Value& value) {
     }
     std::string operator()(DateTime v) const { return (*this)(v.days); }
     std::string operator()(const std::string& v) const { return quoteText(v); }
+    std::string operator()(const Bytes& v) const { return "X'" + hexText(v) + "'"; }
   };
   return std::visit(Writer{}, value.data());
 }
@@ -137,14 +137,13 @@ FieldDef normalised(const FieldDef& field, const Clock& clock) {
     refuse("has an unknown type");
   }
   if (field.autoIncrement && field.type != DataType::Long) refuse("is numbered but no 32-bit integer");
-  if (field.type == DataType::Text) {
-    if (field.size < 0 || field.size > greatestTextSize) refuse("has a size outside 1 to 255");
-    if (field.size == 0) out.size = greatestTextSize;
-  } else {
-    out.size = 0;
-  }
+  const int greatest = greatestSize(field.type);
+  if (greatest > 0 && (field.size < 0 || field.size > greatest))
+    refuse("has a size outside 1 to " + std::to_string(greatest));
+  if (greatest == 0 || field.size == 0) out.size = greatest;
   if (!isText(field.type)) out.allowZeroLength = false;
   if (!field.defaultValue.isNull()) {
+    if (isBinary(field.type)) refuse("is of bytes, which have no default");
     out.defaultValue = convertForField(field.defaultValue, out.type, out.size, &clock);
     const auto* number = std::get_if<double>(&out.defaultValue.data());
     if (number != nullptr && !std::isfinite(*number)) refuse("has a default that is no number");

@@ -43,6 +43,12 @@ struct SqlAggregate {
   return {bytes, static_cast<std::size_t>(sqlite3_value_bytes(value))};
 }
 
+[[nodiscard]] inline Bytes bytesOf(sqlite3_value* value) {
+  const auto* bytes = static_cast<const char*>(sqlite3_value_blob(value));
+  return {bytes == nullptr ? std::string()
+                           : std::string(bytes, static_cast<std::size_t>(sqlite3_value_bytes(value)))};
+}
+
 /// Position of the character with that number, counted from 0; the size of the text when it has no such
 /// character.
 [[nodiscard]] std::size_t offsetOf(std::string_view text, std::int64_t characters);
@@ -56,7 +62,7 @@ inline void returnText(sqlite3_context* context, std::string_view text) {
   sqlite3_result_text(context, text.data(), static_cast<int>(text.size()), SQLITE_TRANSIENT);
 }
 
-/// The value as SQLite holds it: Null, 32-bit integer, double or text.
+/// The value as SQLite holds it: Null, 32-bit integer, double, text or bytes.
 [[nodiscard]] Value valueOf(sqlite3_value* value);
 /// The value of an expression of that type: SQLite has numbers for moments and booleans.
 [[nodiscard]] Value asType(Value value, DataType type);

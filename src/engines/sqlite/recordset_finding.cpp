@@ -49,12 +49,16 @@ class RowTester {
   SqliteDatabase::Owned test_;
 };
 
-/// The order of two keys: Null, numbers, texts.
+/// The order of two keys: Null, numbers, texts, bytes.
 int compareKeys(const Value& a, const Value& b) {
-  const auto rank = [](const Value& v) { return v.isNull() ? 0 : v.isText() ? 2 : 1; };
+  const auto rank = [](const Value& v) {
+    return v.isNull() ? 0 : v.isText() ? 2 : std::holds_alternative<Bytes>(v.data()) ? 3 : 1;
+  };
   if (rank(a) != rank(b)) return rank(a) - rank(b);
   if (a.isNull()) return 0;
   if (a.isText()) return compareNoCase(std::get<std::string>(a.data()), std::get<std::string>(b.data()));
+  if (const auto* bytes = std::get_if<Bytes>(&a.data()))
+    return bytes->data.compare(std::get<Bytes>(b.data()).data);
   const double one = a.toDouble();
   const double other = b.toDouble();
   return one < other ? -1 : one > other ? 1 : 0;

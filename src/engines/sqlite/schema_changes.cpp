@@ -214,6 +214,10 @@ void SqliteDatabase::alterField(std::string_view table, const FieldDef& definiti
       throw Error(err::dbInvalidArgument, "Whether field '" + old.name + "' of table '" + now.name +
                                               "' is numbered is settled when the table is made");
     }
+    if (isBinary(next.type) != isBinary(old.type)) {
+      throw Error(err::dbConversion, "Field '" + old.name + "' of table '" + now.name +
+                                         "' cannot change between bytes and other values");
+    }
     if (next.type != old.type) refuseIfBound(now, old.name, "given another type");
     *std::find(owner.definition.fields.begin(), owner.definition.fields.end(), old) = next;
     const std::string column = ddl::quoteName(old.name);

@@ -153,8 +153,8 @@ void SqliteDatabase::deleteTable(std::string_view table) {
     const TableDef owner = definition(table);
     for (const Relation& relation : open.catalog.relations()) {
       if (equalNoCase(relation.table, owner.name) || equalNoCase(relation.foreignTable, owner.name)) {
-        throw Error(err::dbRelatedExists, "Table '" + owner.name + "' cannot be deleted: relation '" +
-                                              relation.name + "' refers to it");
+        throw Error(err::dbInUse, "Table '" + owner.name + "' cannot be deleted: relation '" + relation.name +
+                                      "' refers to it");
       }
     }
     open.connection.run("DROP TABLE " + ddl::quoteName(owner.name));

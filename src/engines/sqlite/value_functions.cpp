@@ -19,8 +19,10 @@ Value valueOf(sqlite3_value* value) {
     }
     case SQLITE_FLOAT:
       return sqlite3_value_double(value);
-    default:
+    case SQLITE_TEXT:
       return textOf(value);
+    default:
+      return bytesOf(value);
   }
 }
 
@@ -39,6 +41,9 @@ void returnValue(sqlite3_context* context, const Value& value) {
     void operator()(double v) const { sqlite3_result_double(context, v); }
     void operator()(DateTime v) const { sqlite3_result_double(context, v.days); }
     void operator()(const std::string& v) const { returnText(context, v); }
+    void operator()(const Bytes& v) const {
+      sqlite3_result_blob64(context, v.data.data(), v.data.size(), SQLITE_TRANSIENT);
+    }
     void operator()(std::int32_t v) const { sqlite3_result_int(context, v); }
   };
   std::visit(Result{context}, value.data());

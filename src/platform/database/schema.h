@@ -14,7 +14,7 @@ namespace voxa {
 struct FieldDef {
   std::string name{};
   DataType type = DataType::Text;
-  int size = 0;          ///< greatest number of characters of a Text field (0: 255); nothing for other types
+  int size = 0;  ///< characters of a Text field (0: 255), bytes of a Binary one (0: 510); nothing for others
   Value defaultValue{};  ///< Null: there is none (a boolean field is False then)
   bool required = false;
   bool allowZeroLength = false;  ///< Text and Memo only

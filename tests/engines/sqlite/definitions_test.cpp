@@ -18,7 +18,9 @@ TableDef everything() {
            {"Letter", DataType::Text, 1, "C", false, false, false, "In ('C', 'E')"},
            {"Quote", DataType::Text, 255, "it's \"x\", (y)", true, true},
            {"Free", DataType::Memo, 0, {}, false, true},
-           {"Strict", DataType::Memo}},
+           {"Strict", DataType::Memo},
+           {"Few", DataType::Binary, 510},
+           {"Picture", DataType::LongBinary}},
           {{"Key", {"Id"}, true, true, true},
            {"Pair", {"Short", "Letter"}, false, true, true},
            {"Loose", {"Large"}, false, true, false},
@@ -58,6 +60,8 @@ TEST_F(Definitions, BadOnesAreRefusedWhole) {
               {.name = "B", .type = DataType::Long, .autoIncrement = true}}),
        err::dbInvalidArgument},
       {table({{"A", DataType::Text, 256}}), err::dbInvalidArgument},
+      {table({{"A", DataType::Binary, 511}}), err::dbInvalidArgument},
+      {table({{"A", DataType::Binary, 0, "default"}}), err::dbInvalidArgument},
       {table({{.name = "A", .type = DataType::Byte, .defaultValue = 300}}), err::overflow},
       {table({{.name = "A", .type = DataType::Byte, .validationRule = ">= <="}}), err::dbSyntax}};
   for (const auto& bad : cases) {

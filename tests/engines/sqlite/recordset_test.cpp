@@ -399,5 +399,44 @@ TEST_F(Rows, AreUselessOnceTheDatabaseIsClosed) {
   EXPECT_EQ(executeFailure("delete from Stations"), err::dbInvalidObject);
 }
 
+TEST_F(Rows, BytesComeBackAsTheyWereAndAreNothingElse) {
+  db->createTable({"P",
+                   {{"Id", DataType::Long},
+                    {"Few", DataType::Binary, 4},
+                    {"Picture", DataType::LongBinary},
+                    {"Two", DataType::Binary, 2},
+                    {"Name", DataType::Text, 10}},
+                   {{"Few", {"Few"}}}});
+  const Bytes few{std::string("\0'\xFF\0", 4)};
+  const Bytes picture{std::string(70000, '\0') + "end"};
+  const auto rows = db->openRecordset("P");
+  rows->addNew();
+  rows->set("Few", few);
+  rows->set("Picture", picture);
+  EXPECT_EQ(failure([&] { rows->set("Few", Bytes{"12345"}); }), err::dbTextTooLong);
+  EXPECT_EQ(failure([&] { rows->set("Picture", "text"); }), err::dbConversion);
+  EXPECT_EQ(failure([&] { rows->set("Name", few); }), err::dbConversion);
+  rows->update();
+  db->execute("insert into P (Id, Few, Picture) values (2, given, Null)", {{"given", Bytes{""}}});
+  reopen();
+  EXPECT_EQ(valueOf("select Picture from P where Picture is not null"), Value(picture));
+  EXPECT_EQ(valueOf("select max(Few) from P"), Value(few));
+  EXPECT_EQ(valueOf("select count(Few) from P"), Value(2));
+  EXPECT_EQ(db->openRecordset("select Id from P where Few = given", {{"given", Bytes{""}}})->get(0),
+            Value(2));
+  const auto sought = db->openRecordset("P");
+  sought->setIndex("Few");
+  EXPECT_TRUE(sought->seek(SeekComparison::equal, {few}));
+  EXPECT_FALSE(sought->seek(SeekComparison::equal, {Bytes{"x"}}));
+  for (const char* use : {"Len(Few)", "Few & ''", "Few = 1", "Few like 'x'", "Few + Few", "Not Few",
+                          "IIf(True, Few, 1)", "Sum(Few)", "CStr(Few)", "Few in ('a')", "IsNumeric(Few)"})
+    EXPECT_EQ(failure([&] { (void)valueOf(std::string("select ") + use + " from P"); }), err::dbTypeMismatch)
+        << use;
+  EXPECT_EQ(executeFailure("update P set Name = Few"), err::dbTypeMismatch);
+  EXPECT_EQ(executeFailure("update P set Two = Few"), err::dbTextTooLong);
+  EXPECT_EQ(valueOf("select Nz(Two) from P"), Value(Bytes{}));
+  EXPECT_EQ(executeFailure("update P set Few = Name & 'x'"), err::dbConversion);
+}
+
 }  // namespace
 }  // namespace voxa

@@ -26,7 +26,7 @@ TEST_F(Relations, WithoutCascadeBothSidesAreHeld) {
   EXPECT_NE(lastDescription.find("'Stations'"), std::string::npos) << lastDescription;
   EXPECT_EQ(executeFailure("update Readers set StationId = 9 where Name = 'a'"), err::dbRelatedMissing);
   EXPECT_EQ(db->execute("delete from Stations where Id = 2"), 1);
-  EXPECT_EQ(failure([&] { db->deleteTable("Stations"); }), err::dbRelatedExists);
+  EXPECT_EQ(failure([&] { db->deleteTable("Stations"); }), err::dbInUse);
   db->addField("Readers", {.name = "Level", .type = DataType::Integer, .defaultValue = 4});
   EXPECT_EQ(valueOf("select Level from Readers where Name = 'a'"), Value(std::int16_t{4}));
   EXPECT_EQ(executeFailure("delete from Stations where Id = 1"), err::dbRelatedExists);
