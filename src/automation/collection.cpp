@@ -57,62 +57,28 @@ class Enumerator final : public Counted<IEnumVARIANT> {
   std::size_t at_ = 0;
 };
 
-class CollectionObject final : public Object<::ICollection> {
- public:
-  explicit CollectionObject(CollectionSource source) : source_(std::move(source)) {}
-
-  STDMETHODIMP get_Item(VARIANT index, IDispatch** object) override {
-    return give(object, [&] { return source_.item(position(fromVariant(index))); });
-  }
-  STDMETHODIMP get_Count(long* count) override {
-    return give(count, [&] { return static_cast<std::int32_t>(source_.count()); });
-  }
-  STDMETHODIMP get__NewEnum(IUnknown** enumerator) override {
-    return give(enumerator, [&]() -> IUnknown* {
-      std::vector<IDispatch*> objects(source_.count());
-      for (std::size_t i = 0; i < objects.size(); ++i) {
-        objects[i] = source_.item(i);
-        objects[i]->AddRef();
-      }
-      return new Enumerator(std::move(objects));
-    });
-  }
-  STDMETHODIMP Append(IDispatch* object) override {
-    return call([&] {
-      if (object == nullptr) throw Error(err::objectNotSet, "Object variable not set");
-      if (!source_.append) refuse();
-      source_.append(object);
-    });
-  }
-  STDMETHODIMP Delete(BSTR name) override {
-    return call([&] {
-      if (!source_.remove) refuse();
-      source_.remove(fromBstr(name));
-    });
-  }
-  STDMETHODIMP Refresh() override { return S_OK; }
-
- private:
-  [[noreturn]] static void refuse() {
-    throw Error(err::dbInvalidOperation, "This collection cannot be changed");
-  }
-
-  [[nodiscard]] std::size_t position(const Value& index) const {
-    if (index.isText()) return source_.find(index.toText());
-    const std::int32_t number = index.toInt32();
-    if (number < 0 || static_cast<std::size_t>(number) >= source_.count()) {
-      throw Error(err::dbNotInCollection, "The collection has no item number " + std::to_string(number));
-    }
-    return static_cast<std::size_t>(number);
-  }
-
-  CollectionSource source_;
-};
-
 }  // namespace
 
-::ICollection* makeCollection(CollectionSource source) {
-  return new CollectionObject(std::move(source));
+IUnknown* enumeratorOf(const CollectionSource& source) {
+  std::vector<IDispatch*> objects(source.count());
+  for (std::size_t i = 0; i < objects.size(); ++i) {
+    objects[i] = source.item(i);
+    objects[i]->AddRef();
+  }
+  return new Enumerator(std::move(objects));
+}
+
+void refuseCollectionChange() {
+  throw Error(err::dbInvalidOperation, "This collection cannot be changed");
+}
+
+std::size_t positionIn(const CollectionSource& source, const VARIANT& index) {
+  const Value which = fromVariant(index);
+  if (which.isText()) return source.find(which.toText());
+  const std::int32_t number = which.toInt32();
+  if (number < 0 || static_cast<std::size_t>(number) >= source.count())
+    throw Error(err::dbNotInCollection, "The collection has no item number " + std::to_string(number));
+  return static_cast<std::size_t>(number);
 }
 
 std::size_t findName(const std::string& name, std::size_t count,

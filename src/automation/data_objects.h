@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "collection.h"
 #include "korva.h"
 #include "object.h"
 #include "platform/database/database.h"
@@ -24,7 +25,7 @@ namespace voxa::automation {
 [[nodiscard]] ::IRecordset* makeRecordset(std::shared_ptr<Database> database,
                                           std::unique_ptr<Recordset> rows);
 /// The recordsets of a database that are open.
-[[nodiscard]] ::ICollection* openRecordsets(const std::shared_ptr<Database>& database);
+[[nodiscard]] ::IRecordsets* openRecordsets(const std::shared_ptr<Database>& database);
 
 /// A definition that is to be filled, or, with a database, that of a table in it.
 [[nodiscard]] ::ITableDef* makeTableDef(TableDef definition, std::shared_ptr<Database> database = nullptr);
@@ -51,9 +52,9 @@ void appendQuery(IUnknown* object);
 /// The one workspace.
 [[nodiscard]] ::IWorkspace* workspaceObject();
 /// What the last failed call of the engine reported.
-[[nodiscard]] ::ICollection* makeErrors();
+[[nodiscard]] ::IErrors* makeErrors();
 /// The members of an object that hold values.
-[[nodiscard]] ::ICollection* makeProperties(IDispatch* object);
+[[nodiscard]] ::IProperties* makeProperties(IDispatch* object);
 
 /// Bits of the Attributes of a field and of a relation. Callers of the engine's own objects know them.
 inline constexpr std::int32_t autoIncrementAttribute = 16;
@@ -83,21 +84,9 @@ void refuseChange(const FieldDef& definition);
 void tellChanges(IUnknown* field, FieldChanged changed);
 
 /// The columns of an index or a relation, of which the names count alone.
-[[nodiscard]] ::ICollection* nameCollection(std::function<std::size_t()> count,
-                                            std::function<DefinedField(std::size_t)> at,
-                                            std::function<void(const DefinedField&)> append);
-
-/// What a collection consists of. A member that is not set is refused with 3219.
-struct CollectionSource {
-  std::function<std::size_t()> count;
-  /// The object at a position below count, without a counted reference.
-  std::function<IDispatch*(std::size_t)> item;
-  /// Position of a name, in any case. Raises `err::dbNotInCollection` when there is none.
-  std::function<std::size_t(const std::string&)> find;
-  std::function<void(IDispatch*)> append;
-  std::function<void(const std::string&)> remove;
-};
-[[nodiscard]] ::ICollection* makeCollection(CollectionSource source);
+[[nodiscard]] ::IFields* nameCollection(std::function<std::size_t()> count,
+                                        std::function<DefinedField(std::size_t)> at,
+                                        std::function<void(const DefinedField&)> append);
 
 /// Position of a name, in any case, among `count` things.
 [[nodiscard]] std::size_t findName(const std::string& name, std::size_t count,

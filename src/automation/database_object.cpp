@@ -44,11 +44,11 @@ class DatabaseObject final : public Object<::IDatabase> {
   STDMETHODIMP get_RecordsAffected(long* rows) override {
     return give(rows, [&] { return std::int32_t{affected_}; });
   }
-  STDMETHODIMP get_TableDefs(::ICollection** tables) override {
+  STDMETHODIMP get_TableDefs(::ITableDefs** tables) override {
     return give(tables, [&] {
       const auto database = held();
       const auto nameAt = [database](std::size_t i) { return database->tableNames().at(i); };
-      return makeCollection({
+      return makeCollection<::ITableDefs, ::ITableDef>({
           .count = [database] { return database->tableNames().size(); },
           .item = [database, nameAt](std::size_t i) -> IDispatch* {
             return makeTableDef(database->tableDef(nameAt(i)), database);
@@ -62,10 +62,10 @@ class DatabaseObject final : public Object<::IDatabase> {
       });
     });
   }
-  STDMETHODIMP get_QueryDefs(::ICollection** queries) override {
+  STDMETHODIMP get_QueryDefs(::IQueryDefs** queries) override {
     return give(queries, [&] {
       const auto database = held();
-      return makeCollection({
+      return makeCollection<::IQueryDefs, ::IQueryDef>({
           .count = [database] { return database->queries().size(); },
           .item = [database](std::size_t i) -> IDispatch* {
             return makeQueryDef(database, database->queries().at(i), true);
@@ -76,10 +76,10 @@ class DatabaseObject final : public Object<::IDatabase> {
       });
     });
   }
-  STDMETHODIMP get_Relations(::ICollection** relations) override {
+  STDMETHODIMP get_Relations(::IRelations** relations) override {
     return give(relations, [&] {
       const auto database = held();
-      return makeCollection({
+      return makeCollection<::IRelations, ::IRelation>({
           .count = [database] { return database->relations().size(); },
           .item = [database](std::size_t i) -> IDispatch* {
             return makeRelation(database->relations().at(i), true);
@@ -90,7 +90,7 @@ class DatabaseObject final : public Object<::IDatabase> {
       });
     });
   }
-  STDMETHODIMP get_Errors(::ICollection** errors) override { return give(errors, makeErrors); }
+  STDMETHODIMP get_Errors(::IErrors** errors) override { return give(errors, makeErrors); }
   STDMETHODIMP CreateTableDef(BSTR name, ::ITableDef** table) override {
     return give(table, [&] { return makeTableDef({.name = fromBstr(name), .fields = {}, .indexes = {}}); });
   }
@@ -123,7 +123,7 @@ class DatabaseObject final : public Object<::IDatabase> {
       }
     });
   }
-  STDMETHODIMP get__TableDefs(::ICollection** tables) override { return get_TableDefs(tables); }
+  STDMETHODIMP get__TableDefs(::ITableDefs** tables) override { return get_TableDefs(tables); }
   STDMETHODIMP get_Version(BSTR* version) override {
     return give(version, [] { return std::string("4.0"); });
   }
@@ -147,10 +147,10 @@ class DatabaseObject final : public Object<::IDatabase> {
     return S_OK;
   }
   STDMETHODIMP get_Parent(::IWorkspace** workspace) override { return give(workspace, workspaceObject); }
-  STDMETHODIMP get_Recordsets(::ICollection** recordsets) override {
+  STDMETHODIMP get_Recordsets(::IRecordsets** recordsets) override {
     return give(recordsets, [&] { return openRecordsets(held()); });
   }
-  STDMETHODIMP get_Properties(::ICollection** properties) override {
+  STDMETHODIMP get_Properties(::IProperties** properties) override {
     return give(properties, [&] { return makeProperties(this); });
   }
 

@@ -104,9 +104,9 @@ DefinedFieldObject& behind(IUnknown* object) {
 }  // namespace
 
 DataType dataType(short type) {
-  for (const DataType known :
-       {DataType::Boolean, DataType::Byte, DataType::Integer, DataType::Long, DataType::Currency,
-        DataType::Single, DataType::Double, DataType::Date, DataType::Text, DataType::Memo}) {
+  for (const DataType known : {DataType::Boolean, DataType::Byte, DataType::Integer, DataType::Long,
+                               DataType::Currency, DataType::Single, DataType::Double, DataType::Date,
+                               DataType::Text, DataType::Memo, DataType::Binary, DataType::LongBinary}) {
     if (static_cast<short>(known) == type) return known;
   }
   throw Error(err::dbInvalidArgument, "There is no field type " + std::to_string(type));
@@ -133,9 +133,9 @@ void tellChanges(IUnknown* field, FieldChanged changed) {
   behind(field).tell(std::move(changed));
 }
 
-::ICollection* nameCollection(std::function<std::size_t()> count, std::function<DefinedField(std::size_t)> at,
-                              std::function<void(const DefinedField&)> append) {
-  return makeCollection({
+::IFields* nameCollection(std::function<std::size_t()> count, std::function<DefinedField(std::size_t)> at,
+                          std::function<void(const DefinedField&)> append) {
+  return makeCollection<::IFields, ::IField>({
       .count = count,
       .item = [at](std::size_t i) -> IDispatch* { return makeDefinedField(at(i), refuseChange); },
       .find =

@@ -32,9 +32,9 @@ class ErrorObject final : public Object<::IError> {
 
 }  // namespace
 
-::ICollection* makeErrors() {
+::IErrors* makeErrors() {
   const auto all = std::make_shared<std::vector<ErrorInfo>>(library().engine().errors());
-  return makeCollection({
+  return makeCollection<::IErrors, ::IError>({
       .count = [all] { return all->size(); },
       .item = [all](std::size_t i) -> IDispatch* { return new ErrorObject(all->at(i)); },
       .find = [](const std::string& name) -> std::size_t {

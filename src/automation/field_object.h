@@ -41,7 +41,7 @@ class FieldObject : public Object<::IField> {
   STDMETHODIMP get_CollatingOrder(long* order) override {
     return give(order, [] { return generalOrder; });
   }
-  STDMETHODIMP get_Properties(::ICollection** properties) override {
+  STDMETHODIMP get_Properties(::IProperties** properties) override {
     return give(properties, [&] { return makeProperties(this); });
   }
 

@@ -23,7 +23,7 @@ class IndexObject final : public Object<::IIndex> {
 
   [[nodiscard]] State& state() const { return *state_; }
 
-  STDMETHODIMP get_Fields(::ICollection** fields) override {
+  STDMETHODIMP get_Fields(::IFields** fields) override {
     return give(fields, [&] {
       const auto state = state_;
       return nameCollection([state] { return state->index.fields.size(); },
@@ -76,7 +76,7 @@ class IndexObject final : public Object<::IIndex> {
   STDMETHODIMP put_IgnoreNulls(VARIANT_BOOL ignore) override {
     return change([&] { state_->ignoreNulls = ignore != 0; });
   }
-  STDMETHODIMP get_Properties(::ICollection** properties) override {
+  STDMETHODIMP get_Properties(::IProperties** properties) override {
     return give(properties, [&] { return makeProperties(this); });
   }
 

@@ -112,10 +112,10 @@ std::vector<HeldValue> heldValues(IDispatch& object) {
 
 }  // namespace
 
-::ICollection* makeProperties(IDispatch* object) {
+::IProperties* makeProperties(IDispatch* object) {
   const ComPtr<IDispatch> held(object);
   const auto all = std::make_shared<std::vector<HeldValue>>(heldValues(*object));
-  return makeCollection({
+  return makeCollection<::IProperties, ::IProperty>({
       .count = [all] { return all->size(); },
       .item = [held, all](std::size_t i) -> IDispatch* { return new PropertyObject(held, all->at(i)); },
       .find = [all](const std::string& name) { return findName(name, *all); },

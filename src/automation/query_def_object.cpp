@@ -34,7 +34,7 @@ class ParameterObject final : public Object<::IParameter> {
   STDMETHODIMP get_Type(short* type) override {
     return give(type, [&] { return static_cast<std::int16_t>(given().parameter.type); });
   }
-  STDMETHODIMP get_Properties(::ICollection** properties) override {
+  STDMETHODIMP get_Properties(::IProperties** properties) override {
     return give(properties, [&] { return makeProperties(this); });
   }
 
@@ -93,10 +93,10 @@ class QueryDefObject final : public Object<::IQueryDef> {
       if (storedNow) store();
     });
   }
-  STDMETHODIMP get_Parameters(::ICollection** parameters) override {
+  STDMETHODIMP get_Parameters(::IParameters** parameters) override {
     return give(parameters, [&] {
       const std::shared_ptr<GivenValues> all = given();
-      return makeCollection({
+      return makeCollection<::IParameters, ::IParameter>({
           .count = [all] { return all->size(); },
           .item = [all](std::size_t i) -> IDispatch* { return new ParameterObject(all, i); },
           .find =
@@ -108,7 +108,7 @@ class QueryDefObject final : public Object<::IQueryDef> {
       });
     });
   }
-  STDMETHODIMP get__Parameters(::ICollection** parameters) override { return get_Parameters(parameters); }
+  STDMETHODIMP get__Parameters(::IParameters** parameters) override { return get_Parameters(parameters); }
   STDMETHODIMP OpenRecordset(VARIANT type, VARIANT options, ::IRecordset** rows) override {
     return give(rows, [&] {
       return makeRecordset(database_,
@@ -127,10 +127,10 @@ class QueryDefObject final : public Object<::IQueryDef> {
   STDMETHODIMP get_RecordsAffected(long* rows) override {
     return give(rows, [&] { return std::int32_t{affected_}; });
   }
-  STDMETHODIMP get_Fields(::ICollection** fields) override {
+  STDMETHODIMP get_Fields(::IFields** fields) override {
     return give(fields, [&] {
       const auto columns = std::make_shared<std::vector<FieldDef>>(information().columns);
-      return makeCollection({
+      return makeCollection<::IFields, ::IField>({
           .count = [columns] { return columns->size(); },
           .item = [columns](std::size_t i) -> IDispatch* {
             return makeDefinedField({.definition = columns->at(i), .position = i}, refuseChange);
@@ -154,7 +154,7 @@ class QueryDefObject final : public Object<::IQueryDef> {
     return give(text, [] { return std::string(); });
   }
   STDMETHODIMP Close() override { return S_OK; }
-  STDMETHODIMP get_Properties(::ICollection** properties) override {
+  STDMETHODIMP get_Properties(::IProperties** properties) override {
     return give(properties, [&] { return makeProperties(this); });
   }
 

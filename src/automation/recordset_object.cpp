@@ -41,10 +41,10 @@ class RecordsetObject final : public Object<::IRecordset> {
   [[nodiscard]] const std::shared_ptr<Database>& database() const { return database_; }
   [[nodiscard]] const std::string& name() const { return rows().name(); }
 
-  STDMETHODIMP get_Fields(::ICollection** fields) override {
+  STDMETHODIMP get_Fields(::IFields** fields) override {
     return give(fields, [&] {
       const auto rows = rows_;
-      return makeCollection({
+      return makeCollection<::IFields, ::IField>({
           .count = [rows] { return rows->get().fieldCount(); },
           .item = [rows](std::size_t i) -> IDispatch* { return makeRowField(rows, i); },
           .find = [rows](const std::string& name) { return rows->get().fieldIndex(name); },
@@ -255,7 +255,7 @@ class RecordsetObject final : public Object<::IRecordset> {
   STDMETHODIMP get_ValidationText(BSTR* text) override {
     return give(text, [] { return std::string(); });
   }
-  STDMETHODIMP get_Properties(::ICollection** properties) override {
+  STDMETHODIMP get_Properties(::IProperties** properties) override {
     return give(properties, [&] { return makeProperties(this); });
   }
 
@@ -295,7 +295,7 @@ class RecordsetObject final : public Object<::IRecordset> {
   return new RecordsetObject(std::move(database), std::move(rows), newRowsNumber());
 }
 
-::ICollection* openRecordsets(const std::shared_ptr<Database>& database) {
+::IRecordsets* openRecordsets(const std::shared_ptr<Database>& database) {
   const auto all = [database] {
     std::vector<RecordsetObject*> found;
     for (RecordsetObject* rows : RecordsetObject::open()) {
@@ -303,7 +303,7 @@ class RecordsetObject final : public Object<::IRecordset> {
     }
     return found;
   };
-  return makeCollection({
+  return makeCollection<::IRecordsets, ::IRecordset>({
       .count = [all] { return all().size(); },
       .item = [all](std::size_t i) -> IDispatch* { return all().at(i); },
       .find =

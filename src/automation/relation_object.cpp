@@ -22,7 +22,7 @@ class RelationObject final : public Object<::IRelation> {
 
   [[nodiscard]] State& state() const { return *state_; }
 
-  STDMETHODIMP get_Fields(::ICollection** fields) override {
+  STDMETHODIMP get_Fields(::IFields** fields) override {
     return give(fields, [&] {
       const auto state = state_;
       return nameCollection([state] { return state->relation.fields.size(); },
@@ -70,7 +70,7 @@ class RelationObject final : public Object<::IRelation> {
   STDMETHODIMP CreateField(BSTR name, ::IField** field) override {
     return give(field, [&] { return makeDefinedField({.definition = {.name = fromBstr(name)}}); });
   }
-  STDMETHODIMP get_Properties(::ICollection** properties) override {
+  STDMETHODIMP get_Properties(::IProperties** properties) override {
     return give(properties, [&] { return makeProperties(this); });
   }
 

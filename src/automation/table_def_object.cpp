@@ -52,10 +52,10 @@ class TableDefObject final : public Object<::ITableDef> {
 
   [[nodiscard]] Defined& defined() const { return *defined_; }
 
-  STDMETHODIMP get_Fields(::ICollection** fields) override {
+  STDMETHODIMP get_Fields(::IFields** fields) override {
     return give(fields, [&] {
       const auto defined = defined_;
-      return makeCollection({
+      return makeCollection<::IFields, ::IField>({
           .count = [defined] { return defined->current().fields.size(); },
           .item = [defined](std::size_t i) -> IDispatch* {
             const TableDef& table = defined->current();
@@ -83,10 +83,10 @@ class TableDefObject final : public Object<::ITableDef> {
       defined_->table.name = fromBstr(name);
     });
   }
-  STDMETHODIMP get_Indexes(::ICollection** indexes) override {
+  STDMETHODIMP get_Indexes(::IIndexes** indexes) override {
     return give(indexes, [&] {
       const auto defined = defined_;
-      return makeCollection({
+      return makeCollection<::IIndexes, ::IIndex>({
           .count = [defined] { return defined->current().indexes.size(); },
           .item = [defined](std::size_t i) -> IDispatch* {
             return makeIndex(defined->current().indexes.at(i), true);
@@ -144,7 +144,7 @@ class TableDefObject final : public Object<::ITableDef> {
                            database->openRecordset(defined_->table.name, {}, rowOptions(type, options)));
     });
   }
-  STDMETHODIMP get_Properties(::ICollection** properties) override {
+  STDMETHODIMP get_Properties(::IProperties** properties) override {
     return give(properties, [&] { return makeProperties(this); });
   }
 

@@ -74,7 +74,7 @@ class EngineMembers : public Object<Interface> {
       return databaseObject(createDatabase(engine(), fromBstr(name)));
     });
   }
-  STDMETHODIMP get_Properties(::ICollection** properties) override {
+  STDMETHODIMP get_Properties(::IProperties** properties) override {
     return this->give(properties, [&] { return makeProperties(this); });
   }
 };
@@ -83,9 +83,9 @@ class WorkspaceObject final : public EngineMembers<::IWorkspace>, public Shared<
  public:
   static constexpr const char* name = "#Default Workspace#";
 
-  STDMETHODIMP get_Databases(::ICollection** databases) override {
+  STDMETHODIMP get_Databases(::IDatabases** databases) override {
     return give(databases, [] {
-      return makeCollection({
+      return makeCollection<::IDatabases, ::IDatabase>({
           .count = [] { return openDatabases().size(); },
           .item = [](std::size_t i) -> IDispatch* { return databaseObject(openDatabases().at(i)); },
           .find =
@@ -125,9 +125,9 @@ class WorkspaceObject final : public EngineMembers<::IWorkspace>, public Shared<
 
 class EngineObject final : public EngineMembers<::IDBEngine> {
  public:
-  STDMETHODIMP get_Workspaces(::ICollection** workspaces) override {
+  STDMETHODIMP get_Workspaces(::IWorkspaces** workspaces) override {
     return give(workspaces, [] {
-      return makeCollection({
+      return makeCollection<::IWorkspaces, ::IWorkspace>({
           .count = [] { return std::size_t{1}; },
           .item = [](std::size_t) -> IDispatch* { return workspaceObject(); },
           .find =
@@ -142,7 +142,7 @@ class EngineObject final : public EngineMembers<::IDBEngine> {
   STDMETHODIMP get_Version(BSTR* version) override {
     return give(version, [] { return std::string("3.6"); });
   }
-  STDMETHODIMP get_Errors(::ICollection** errors) override { return give(errors, makeErrors); }
+  STDMETHODIMP get_Errors(::IErrors** errors) override { return give(errors, makeErrors); }
   STDMETHODIMP Idle(VARIANT) override { return S_OK; }
 
  private:

@@ -13,7 +13,7 @@ DWORD WINAPI useObjects(void* kind) {
     ComPtr<IStation> stations;
     ComPtr<ITable> table;
     ComPtr<ITableDef> draft;
-    ComPtr<ICollection> fields;
+    ComPtr<IFields> fields;
     VARIANT_BOOL active = VARIANT_FALSE;
     short id = 0;
     long count = 0;

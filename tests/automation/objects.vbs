@@ -140,6 +140,19 @@ db.Relations.Delete "PayDoor": db.QueryDefs.Delete "Later": Equal "queries", db.
 db.QueryDefs("VisitsOf").SQL = "select 1 from Visits": Equal "another text in the file", db.QueryDefs("VisitsOf").Parameters.Count, 0
 db.TableDefs.Delete "Pay"
 
+' Bytes: an array of numbers is stored, an array of bytes comes back.
+Set td = db.CreateTableDef("Pictures"): td.Fields.Append td.CreateField("Few", 9, 3): td.Fields.Append td.CreateField("Picture", 11)
+db.TableDefs.Append td: Set rows = td.OpenRecordset
+rows.AddNew: rows("Few") = Array(1, 2, 255): rows("Picture").AppendChunk Array(0): rows("Picture").AppendChunk rows("Few").Value: rows.Update
+rows.MoveFirst
+Equal "bytes", VarType(rows("Few").Value) & rows("Few").FieldSize & rows("Picture").FieldSize & VarType(rows("Picture").GetChunk(1, 9)), "8209348209"
+rows.Edit
+On Error Resume Next
+rows("Few") = Array(1, 256): Failed 6, "rows(""Few"") = Array(1, 256)"
+rows("Few") = "text": Failed 3421, "rows(""Few"") = ""text"""
+On Error GoTo 0
+rows.Close: db.TableDefs.Delete "Pictures"
+
 ' Transactions over the workspace; errors.
 workspace.BeginTrans: db.Execute "delete from Visits": workspace.Rollback
 Set td = db.TableDefs("Visits"): Equal "rolled back", td.RecordCount, 4
