@@ -16,14 +16,7 @@ void require(HRESULT result) {
 }  // namespace
 
 VARIANT toVariant(const BookmarkBytes& bookmark) {
-  SAFEARRAY* const bytes = ::SafeArrayCreateVector(VT_UI1, 0, sizeof bookmark);
-  require(bytes == nullptr ? E_OUTOFMEMORY : S_OK);
-  std::memcpy(bytes->pvData, &bookmark, sizeof bookmark);
-  VARIANT out;
-  ::VariantInit(&out);
-  out.vt = VT_ARRAY | VT_UI1;
-  out.parray = bytes;
-  return out;
+  return toVariant(Value(Bytes{std::string(reinterpret_cast<const char*>(&bookmark), sizeof bookmark)}));
 }
 
 BookmarkBytes bookmarkFrom(const VARIANT& variant) {

@@ -120,10 +120,14 @@ double finite(double number) {
   return number;
 }
 
+std::size_t limitOf(DataType type, int size) {
+  return static_cast<std::size_t>(size > 0 ? size : greatestSize(type));
+}
+
 Value convertBytes(const Value& value, DataType type, int size) {
   const auto* bytes = std::get_if<Bytes>(&value.data());
   if (bytes == nullptr) throw Error(err::typeMismatch, "Type mismatch: the field takes bytes only");
-  const auto limit = static_cast<std::size_t>(size > 0 ? size : greatestBinary);
+  const std::size_t limit = limitOf(type, size);
   if (type == DataType::Binary && bytes->data.size() > limit) {
     throw Error(err::dbTextTooLong, std::to_string(bytes->data.size()) +
                                         " bytes are too many for a field of " + std::to_string(limit));
@@ -157,7 +161,7 @@ Value convert(const Value& value, DataType type, int size, const Clock* clock) {
       break;
   }
   std::string text = value.toText();
-  const auto limit = static_cast<std::size_t>(size > 0 ? size : 255);
+  const std::size_t limit = limitOf(type, size);
   if (type == DataType::Text && text.size() > limit && lengthInCharacters(text) > limit) {
     throw Error(err::dbTextTooLong, "The text " + quoted(text) + " is too long for its field of " +
                                         std::to_string(limit) + " characters");

@@ -45,8 +45,13 @@ enum class DataType : std::uint8_t {
   return type == DataType::Binary || type == DataType::LongBinary;
 }
 
-/// Greatest size of a Binary field, in bytes.
-inline constexpr int greatestBinary = 510;
+/// Greatest size of a field of that type, which is also the usual one: characters of a text, bytes; 0 for
+/// types without a size.
+[[nodiscard]] constexpr int greatestSize(DataType type) {
+  constexpr int characters = 255;
+  constexpr int bytes = 510;
+  return type == DataType::Text ? characters : type == DataType::Binary ? bytes : 0;
+}
 
 /// Bytes that mean nothing to the database.
 struct Bytes {

@@ -166,7 +166,7 @@ class DefinitionParser : private Parser {
     field.type = type->type;
     field.autoIncrement = type->numbered;
     field.allowZeroLength = isText(type->type);
-    const bool sized = type->type == DataType::Text || type->type == DataType::Binary;
+    const bool sized = greatestSize(type->type) > 0;
     if (skipWord("varying") && !sized) fail("VARYING is for texts and bytes");
     if (!skipSymbol('(')) return;
     if (!sized) fail("only a text and BINARY have a size");

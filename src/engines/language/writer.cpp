@@ -376,10 +376,7 @@ std::string Writer::stored(Term term, const FieldDef& field) {
     return term.sql;
   }
   if (!term.type) return field.type == DataType::Boolean ? "0" : "NULL";
-  const auto size = [](const FieldDef& f) {
-    const int greatest = f.type == DataType::Binary ? greatestBinary : 255;
-    return (f.type == DataType::Text || f.type == DataType::Binary) && f.size > 0 ? f.size : greatest;
-  };
+  const auto size = [](const FieldDef& f) { return f.size > 0 ? f.size : greatestSize(f.type); };
   // A boolean is Null in a row that an outer join does not find. It has to become False.
   if (term.field != nullptr && term.type == field.type && field.type != DataType::Boolean &&
       size(*term.field) <= size(field)) {

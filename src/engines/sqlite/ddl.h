@@ -107,10 +107,4 @@ inline constexpr TypeWord typeWords[] = {
     {DataType::Single, "SINGLE"},   {DataType::Date, "DATETIME"}, {DataType::Text, "TEXT"},
     {DataType::Memo, "LONGTEXT"},   {DataType::Binary, "BINARY"}, {DataType::LongBinary, "LONGBINARY"}};
 
-/// Greatest size of a field of that type, which is also the usual one; 0 for types without a size.
-[[nodiscard]] constexpr int greatestSize(DataType type) {
-  constexpr int characters = 255;
-  return type == DataType::Text ? characters : type == DataType::Binary ? greatestBinary : 0;
-}
-
 }  // namespace voxa::ddl
