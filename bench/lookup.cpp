@@ -47,6 +47,26 @@ std::vector<std::string> makeTexts() {
   return texts;
 }
 
+/// Texts that differ in more than a literal.
+std::vector<std::string> makeNewTexts() {
+  std::vector<std::string> texts;
+  for (int n = 0; n <= cards; ++n) {
+    const std::string number = std::to_string(n);
+    texts.push_back("select Name as N" + number + " from Cardholders where CardNum = " + number);
+  }
+  return texts;
+}
+
+/// The rival's one row. He steps to the end of the result, as the engine does: only there it is known whether
+/// there is another row.
+std::string only(const PlainSqlite::Statement& statement) {
+  if (sqlite3_step(statement.get()) != SQLITE_ROW) throw std::runtime_error("The rival finds no row");
+  std::string name = text(statement, 0);
+  if (sqlite3_step(statement.get()) != SQLITE_DONE) throw std::runtime_error("The rival finds two rows");
+  sqlite3_reset(statement.get());
+  return name;
+}
+
 Row limited(const char* name, const Times& times, double limit) {
   return {name, "us", times.ours * 1e6, times.rival * 1e6, limit};
 }
@@ -68,14 +88,8 @@ Rows measure(const Harness& harness) {
   Numbers rivalNumbers;
   const auto statement = sqlite.prepare("SELECT Name FROM Cardholders WHERE CardNum = ?1");
   const auto findPlainly = [&](int number) {
-    // The rival steps to the end of the result, as the engine does: only there it is known whether there is
-    // another row.
     sqlite3_bind_int(statement.get(), 1, number);
-    if (sqlite3_step(statement.get()) != SQLITE_ROW) throw std::runtime_error("The rival finds no row");
-    std::string name = text(statement, 0);
-    if (sqlite3_step(statement.get()) != SQLITE_DONE) throw std::runtime_error("The rival finds two rows");
-    sqlite3_reset(statement.get());
-    return name;
+    return only(statement);
   };
   const Side rival{[&] { benchmark::DoNotOptimize(findPlainly(rivalNumbers.next())); }};
   require(find(812) == "Card 812" && findPlainly(812) == "Card 812", "The lookups find another row");
@@ -99,6 +113,25 @@ Rows measure(const Harness& harness) {
       harness.compare({[&] { benchmark::DoNotOptimize(dialect::translate(texts[1], schema)); }},
                       {[&] { benchmark::DoNotOptimize(sqlite.prepare(texts[1])); }});
 
+  // More texts than the engine keeps statements of, so that each is new when its turn comes again.
+  const std::vector<std::string> newTexts = makeNewTexts();
+  Numbers ourNew;
+  Numbers rivalNew;
+  const auto findNewly = [&](const std::string& newText) {
+    return database.openRecordset(newText)->get(0).toText();
+  };
+  const auto findNewlyPlainly = [&](const std::string& newText) {
+    const auto prepared = sqlite.prepare(newText);
+    return only(prepared);
+  };
+  require(findNewly(newTexts[812]) == "Card 812" && findNewlyPlainly(newTexts[812]) == "Card 812",
+          "The lookups by new texts find another row");
+  const Times whole = harness.compare(
+      {[&] { benchmark::DoNotOptimize(findNewly(newTexts[static_cast<std::size_t>(ourNew.next())])); }},
+      {[&] {
+        benchmark::DoNotOptimize(findNewlyPlainly(newTexts[static_cast<std::size_t>(rivalNew.next())]));
+      }});
+
   installation.engine().rollback();
   sqlite.run("ROLLBACK");
 
@@ -106,7 +139,8 @@ Rows measure(const Harness& harness) {
           limited("lookup by SQL text, in a transaction", together, 1.4),
           {"share of the translation in a lookup", "%", 100 * scan / alone.ours},
           {"share of the translation, in a transaction", "%", 100 * scan / together.ours},
-          limited("translation of a new text; rival: preparing it", first, 2)};
+          limited("translation of a new text; rival: preparing it", first, 2),
+          limited("lookup by a new text, in a transaction", whole, 2)};
 }
 
 const Registration registration("lookup", measure);
