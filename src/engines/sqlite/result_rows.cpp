@@ -57,6 +57,12 @@ Error ResultRows::rowGone() {
   return {err::dbRecordDeleted, "The record has been deleted"};
 }
 
+Error ResultRows::misfit(const dialect::Translation& translation, std::size_t column) {
+  return {err::dbConversion, "Data type conversion error: the column " + translation.columns[column].name +
+                                 (translation.table.empty() ? "" : " of the table " + translation.table) +
+                                 " holds a value of another type"};
+}
+
 int ResultRows::read(Statement& statement) {
   const int firstColumn = translation_->table.empty() ? 0 : 1;
   int code = SQLITE_ROW;
@@ -149,10 +155,7 @@ const Value& ResultRows::value(std::size_t row, std::size_t column) const {
 void ResultRows::requireFit(const Value& value, std::size_t column) const {
   const auto place = static_cast<std::size_t>(&value - values_.data());
   if (!std::binary_search(misfits_.begin(), misfits_.end(), place)) return;
-  throw Error(err::dbConversion,
-              "Data type conversion error: the column " + columns()[column].name +
-                  (translation_->table.empty() ? "" : " of the table " + translation_->table) +
-                  " holds a value of another type");
+  throw misfit(*translation_, column);
 }
 
 void ResultRows::fetch(std::size_t row) const {

@@ -69,6 +69,8 @@ class ResultRows {
   void forget() { blockRows_ = live_ ? 0 : blockRows_; }
 
   [[nodiscard]] static Error rowGone();
+  /// What is raised for a value that has not the type of its field.
+  [[nodiscard]] static Error misfit(const dialect::Translation& translation, std::size_t column);
 
   // For who has changed the rows.
 

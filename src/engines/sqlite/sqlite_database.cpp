@@ -99,6 +99,12 @@ std::string numbersSql(const dialect::Translation& translation) {
          sql.substr(translation.columnsEnd);
 }
 
+/// A statement that stands at a row keeps the file as it is until it is reset.
+struct Standing {
+  Statement& statement;
+  ~Standing() { statement.reset(); }
+};
+
 }  // namespace
 
 SqliteDatabase::SqliteDatabase(std::shared_ptr<Session> session, std::string path, Connection connection)
@@ -368,11 +374,7 @@ void SqliteDatabase::read(std::string_view source, const Parameters& parameters,
     ResultRows& rows = make(prepared.translation);
     const int read = rows.read(prepared.statement);
     if (read != SQLITE_ROW) return read;
-    // The statement that stands at a row keeps the file as it is meanwhile.
-    const struct Standing {
-      Statement& statement;
-      ~Standing() { statement.reset(); }
-    } standing{prepared.statement};
+    const Standing standing{prepared.statement};
     if (!prepared.numbers)
       prepared.numbers = opened().connection.prepareForSchema(numbersSql(*prepared.translation));
     bindTo(*prepared.numbers);
@@ -380,6 +382,30 @@ void SqliteDatabase::read(std::string_view source, const Parameters& parameters,
     return SQLITE_DONE;
   });
   if (code != SQLITE_DONE) file().connection.fail(code);
+}
+
+void SqliteDatabase::visitRows(std::string_view source, const std::function<bool(const Value* row)>& visit,
+                               const Parameters& parameters) {
+  session_->guarded([&] {
+    const int code = withPrepared(source, true, parameters, [&](Prepared& prepared, const auto& /*bindTo*/) {
+      const Standing standing{prepared.statement};
+      const dialect::Translation& translation = *prepared.translation;
+      const int numbers = translation.table.empty() ? 0 : 1;
+      std::vector<Value> row;
+      int result = SQLITE_ROW;
+      while ((result = prepared.statement.step()) == SQLITE_ROW) {
+        row.clear();
+        for (std::size_t i = 0; i < translation.columns.size(); ++i) {
+          const bool fits =
+              prepared.statement.take(numbers + static_cast<int>(i), translation.columns[i].type, row);
+          if (!fits && translation.stored[i]) throw ResultRows::misfit(translation, i);
+        }
+        if (!visit(row.data())) return SQLITE_DONE;
+      }
+      return result;
+    });
+    if (code != SQLITE_DONE) file().connection.fail(code);
+  });
 }
 
 std::shared_ptr<ResultRows> SqliteDatabase::readRows(std::string_view source, std::string_view shown,

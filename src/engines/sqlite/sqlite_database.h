@@ -47,6 +47,8 @@ class SqliteDatabase final : public Database, public std::enable_shared_from_thi
   [[nodiscard]] std::unique_ptr<Recordset> openRecordset(std::string_view source,
                                                          const Parameters& parameters,
                                                          RowOptions options) override;
+  void visitRows(std::string_view source, const std::function<bool(const Value* row)>& visit,
+                 const Parameters& parameters) override;
   [[nodiscard]] QueryInfo describe(std::string_view source) override;
 
   [[nodiscard]] std::size_t schemaVersion() const override;

@@ -67,6 +67,12 @@ class Database {
   [[nodiscard]] virtual std::unique_ptr<Recordset> openRecordset(std::string_view source,
                                                                  const Parameters& parameters = {},
                                                                  RowOptions options = {}) = 0;
+  /// Gives the values of each row of a source, as openRecordset takes it, to `visit`, in the order of the
+  /// result and as they were at one moment. None is kept, so that any number of rows takes the same memory.
+  /// `visit` does nothing with this database, and says whether it wants the next row. Others wait with their
+  /// changes meanwhile. 3421 for a value that has not the type of its field.
+  virtual void visitRows(std::string_view source, const std::function<bool(const Value* row)>& visit,
+                         const Parameters& parameters = {}) = 0;
   /// What a statement, or the table or stored query of that name, is. Errors as when it is run.
   [[nodiscard]] virtual QueryInfo describe(std::string_view source) = 0;
 
