@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <filesystem>
 #include <system_error>
+#include <utility>
 
 #include "platform/error.h"
 #include "platform/files_platform.h"
@@ -270,6 +271,11 @@ bool Stream::fill() {
   buffer_.resize(std::fread(buffer_.data(), 1, buffer_.size(), file_.get()));
   if (buffer_.empty() && std::ferror(file_.get()) != 0) throw fileError(errno, path_);
   return !buffer_.empty();
+}
+
+std::string Stream::readSome() {
+  if (atEnd()) return {};
+  return buffer_.substr(std::exchange(next_, buffer_.size()));
 }
 
 bool Stream::atEnd() {

@@ -108,6 +108,8 @@ class Stream {
   /// Reads the next item, up to a comma or the end of the line. Drops the blanks around it and removes its
   /// double quotes; a comma within quotes belongs to the item. Raises 62 at the end of the file.
   [[nodiscard]] std::string readItem();
+  /// The next bytes as they are, some of them at least; "" at the end of the file.
+  [[nodiscard]] std::string readSome();
   [[nodiscard]] bool atEnd();
   /// Flushes and closes. A failure of either is raised, and the file is closed all the same. Closing twice
   /// does nothing.

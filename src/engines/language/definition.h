@@ -34,6 +34,7 @@ struct Definition {
   std::vector<Relation> relations;
   std::vector<std::string> required;  ///< fields that exist and are to be required
   bool givesDefault = false;          ///< alterField: the statement has a default
+  bool givesRule = false;             ///< alterField: the statement has a validation rule
   std::string name;                   ///< of the field, constraint, index or query that is deleted
   QueryDef query;                     ///< createQuery
 };

@@ -127,6 +127,17 @@ class DefinitionParser : private Parser {
         out_.givesDefault = true;
         continue;
       }
+      if (skipWord("disallow")) {
+        expectWord("zero", "ZERO LENGTH behind DISALLOW");
+        expectWord("length", "LENGTH behind ZERO");
+        field.allowZeroLength = false;
+        continue;
+      }
+      if (skipWord("validation")) {
+        field.validationRule = text("the rule");
+        out_.givesRule = true;
+        continue;
+      }
       const bool named = atWord("constraint");
       const std::string constraint = optionalName();
       if (skipWord("not")) {
@@ -150,7 +161,7 @@ class DefinitionParser : private Parser {
   }
 
   [[noreturn]] void failConstraint() const {
-    fail(atWord("check") ? "CHECK is not part of the language: a validation rule does it"
+    fail(atWord("check") ? "CHECK is not part of the language: VALIDATION 'rule' behind a field does it"
                          : "a constraint is PRIMARY KEY, UNIQUE, NOT NULL, FOREIGN KEY or REFERENCES");
   }
 
@@ -202,6 +213,13 @@ class DefinitionParser : private Parser {
     }
     advance();
     return value;
+  }
+
+  std::string text(const std::string& what) {
+    if (current().kind != TokenKind::text) fail(what + " is missing, as a text in quotes");
+    std::string out = literalValue(current(), clock_).toText();
+    advance();
+    return out;
   }
 
   void tableConstraint() {
@@ -356,6 +374,10 @@ class DefinitionParser : private Parser {
       parameters += "; ";
     }
     expectWord("as", "AS");
+    if (parameters.empty() && current().kind == TokenKind::text) {
+      out_.query.sql = text("the statement");
+      return;
+    }
     const std::string_view text = rest();
     out_.query.sql = parameters + std::string(text);
     if (parameters.empty() && isDefinition(text)) {

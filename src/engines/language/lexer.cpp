@@ -5,6 +5,7 @@
 #include <charconv>
 #include <iterator>
 #include <limits>
+#include <optional>
 
 #include "engines/language/words.h"
 #include "platform/datetime.h"
@@ -64,6 +65,21 @@ std::string unquoted(std::string_view literal) {
   return text;
 }
 
+/// The value of a digit of base 16; none for another character.
+std::optional<unsigned> hexDigit(char c) {
+  const auto letter = static_cast<char>(c | 0x20);
+  if (c >= '0' && c <= '9') return c - '0';
+  if (letter >= 'a' && letter <= 'f') return letter - 'a' + 10;
+  return std::nullopt;
+}
+
+Bytes bytesValue(std::string_view text) {
+  Bytes out;
+  for (std::size_t i = 2; i + 1 < text.size(); i += 2)
+    out.data += static_cast<char>(*hexDigit(text[i]) << 4U | *hexDigit(text[i + 1]));
+  return out;
+}
+
 Value numberValue(const Token& token) {
   const char* const first = token.text.data();
   const char* const last = first + token.text.size();
@@ -105,6 +121,10 @@ void Lexer::next(Token& token) {
       noteWord(sql_.substr(token.position, state_.at - token.position));
       break;
     case Class::digit:
+      if (hexBytes()) {
+        token.kind = TokenKind::bytes;
+        break;
+      }
       number(token);
       token.shaping = token.kind == TokenKind::integer && (afterTop || orderItem);
       break;
@@ -172,6 +192,17 @@ void Lexer::number(Token& token) {
   }
 }
 
+/// Passes over 0x and pairs of digits of base 16.
+bool Lexer::hexBytes() {
+  const std::string_view rest = sql_.substr(state_.at);
+  if (rest.size() < 2 || rest[0] != '0' || (rest[1] | 0x20) != 'x') return false;
+  std::size_t end = 2;
+  while (end < rest.size() && hexDigit(rest[end])) ++end;
+  if (end % 2 != 0) failSyntax(sql_, state_.at, "bytes have two digits each");
+  state_.at += end;
+  return true;
+}
+
 /// Whether a value can begin here, behind an operator or a word that one follows: there & joins nothing.
 bool Lexer::valueExpected() const {
   constexpr std::string_view words[] = {"select", "distinct", "distinctrow", "all",     "where",  "having",
@@ -194,9 +225,7 @@ bool Lexer::basedNumber() {
   if (rest.size() < 3 || ((rest[1] | 0x20) != 'h' && (rest[1] | 0x20) != 'o') || !valueExpected())
     return false;
   const auto digit = [&](char c) {
-    const auto letter = static_cast<char>(c | 0x20);
-    return (c >= '0' && c <= '7') ||
-           ((rest[1] | 0x20) == 'h' && ((c >= '8' && c <= '9') || (letter >= 'a' && letter <= 'f')));
+    return (c >= '0' && c <= '7') || ((rest[1] | 0x20) == 'h' && hexDigit(c));
   };
   std::size_t end = 2;
   while (end < rest.size() && digit(rest[end])) ++end;
@@ -266,6 +295,8 @@ Value literalValue(const Token& token, const Clock* clock) {
       return numberValue(token);
     case TokenKind::text:
       return unquoted(token.text);
+    case TokenKind::bytes:
+      return bytesValue(token.text);
     case TokenKind::date: {
       const auto moment = parseDateLiteral(token.text.substr(1, token.text.size() - 2), clock);
       if (!moment) failSyntax(token.text, 0, "this is no date");

@@ -13,7 +13,7 @@ class Clock;
 
 namespace voxa::dialect {
 
-enum class TokenKind : std::uint8_t { end, word, bracketed, integer, real, text, date, symbol };
+enum class TokenKind : std::uint8_t { end, word, bracketed, integer, real, text, date, bytes, symbol };
 
 /// The symbols of tokens with two characters. Every other operator is its own character.
 inline constexpr char notEqual = 'n';
@@ -30,7 +30,7 @@ struct Token {
   std::string_view text;     ///< as written, with quotes, brackets and number signs
 
   [[nodiscard]] bool isLiteral() const {
-    return kind >= TokenKind::integer && kind <= TokenKind::date && !shaping;
+    return kind >= TokenKind::integer && kind <= TokenKind::bytes && !shaping;
   }
 };
 
@@ -61,6 +61,7 @@ class Lexer {
 
  private:
   void number(Token& token);
+  bool hexBytes();
   [[nodiscard]] bool valueExpected() const;
   bool basedNumber();
   void enclosed(Token& token, TokenKind kind, char close);

@@ -70,6 +70,8 @@ DataType typeOf(TokenKind kind) {
       return DataType::Double;
     case TokenKind::date:
       return DataType::Date;
+    case TokenKind::bytes:
+      return DataType::LongBinary;
     default:
       return DataType::Text;
   }
@@ -278,7 +280,7 @@ syntax::ExpressionPtr Parser::power() {
 
 syntax::ExpressionPtr Parser::primary() {
   const Token& token = current();
-  if (token.kind >= TokenKind::integer && token.kind <= TokenKind::date) return literal();
+  if (token.kind >= TokenKind::integer && token.kind <= TokenKind::bytes) return literal();
   if (skipSymbol('(')) {
     ExpressionPtr out = atWord("select") ? subquery(Expression::Kind::scalar, token.position) : expression();
     expectSymbol(')', "a closing parenthesis");

@@ -83,7 +83,7 @@ void SqliteDatabase::define(std::string_view sql) {
         const FieldDef* old = definition(table).field(field.name);
         if (old != nullptr) {
           if (!statement.givesDefault) field.defaultValue = old->defaultValue;
-          field.validationRule = old->validationRule;
+          if (!statement.givesRule) field.validationRule = old->validationRule;
           if (dialect::isTextType(old->type))
             field.allowZeroLength = field.allowZeroLength && old->allowZeroLength;
         }

@@ -1,0 +1,102 @@
+#include "work/row_copy.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "platform/text.h"
+
+namespace voxa {
+
+namespace {
+
+std::string insertionOf(const std::string& table, const std::vector<std::string>& fields) {
+  std::string names;
+  std::string values;
+  for (const std::string& field : fields) {
+    names += (names.empty() ? "[" : ", [") + field + "]";
+    values += (values.empty() ? "[value of " : ", [value of ") + field + "]";
+  }
+  return "INSERT INTO [" + table + "] (" + names + ") VALUES (" + values + ")";
+}
+
+/// Whether convertForField would give the same value.
+bool isStoredAsIs(const Value& value, const FieldDef& field) {
+  if (const auto* text = std::get_if<std::string>(&value.data())) {
+    // A text never has more characters than bytes.
+    return field.type == DataType::Memo ||
+           (field.type == DataType::Text && text->size() <= static_cast<std::size_t>(field.size));
+  }
+  return (field.type == DataType::Long && std::holds_alternative<std::int32_t>(value.data())) ||
+         (field.type == DataType::Date && std::holds_alternative<DateTime>(value.data()));
+}
+
+}  // namespace
+
+bool isAboutRow(const Error& error) {
+  constexpr int ofRows[] = {err::overflow,         err::typeMismatch, err::invalidNull,
+                            err::dbDuplicate,      err::dbNullKey,    err::dbTextTooLong,
+                            err::dbRelatedMissing, err::dbRequired,   err::dbZeroLength,
+                            err::dbValidationRule, err::dbConversion, err::dbTypeMismatch};
+  return std::find(std::begin(ofRows), std::end(ofRows), error.number()) != std::end(ofRows);
+}
+
+RowCopy::RowCopy(Database& to, const TableDef& target, std::vector<std::string> fields, OnRefused refused)
+    : to_(to),
+      target_(target),
+      fields_(std::move(fields)),
+      refused_(std::move(refused)),
+      insert_(to.prepare(insertionOf(target.name, fields_))),
+      values_(fields_.size()) {
+  for (const std::string& field : fields_) definitions_.push_back(target.field(field));
+}
+
+void RowCopy::write(const Value* row) {
+  ++read_;
+  std::string where;
+  try {
+    for (std::size_t i = 0; i < fields_.size(); ++i) {
+      const FieldDef& field = *definitions_[i];
+      if (isStoredAsIs(row[i], field)) {
+        values_[i] = row[i];
+        continue;
+      }
+      where = field.name + ": ";
+      values_[i] = convertForField(row[i], field.type, field.size);
+    }
+    where.clear();
+    (void)insert_->execute(values_);
+  } catch (const Error& error) {
+    if (!isAboutRow(error)) throw;
+    refused_({target_.name,
+              keyOfRow(target_, fields_, row, read_),
+              where + error.description(),
+              fields_,
+              {row, row + fields_.size()}});
+    return;
+  }
+  written_.add(values_.data(), values_.size());
+}
+
+std::string keyOfRow(const TableDef& table, const std::vector<std::string>& fields, const Value* row,
+                     std::size_t number) {
+  std::string key;
+  const auto primary = std::find_if(table.indexes.begin(), table.indexes.end(),
+                                    [](const IndexDef& index) { return index.primary; });
+  if (primary != table.indexes.end()) {
+    for (std::size_t i = 0; i < fields.size(); ++i) {
+      const auto isKey = [&](const std::string& field) { return equalNoCase(field, fields[i]); };
+      if (std::none_of(primary->fields.begin(), primary->fields.end(), isKey)) continue;
+      key += (key.empty() ? "" : ", ") + fields[i] + " " + (row[i].isNull() ? "Null" : row[i].toText());
+    }
+  }
+  return key.empty() ? "row " + std::to_string(number) : key;
+}
+
+void RowCopy::compare() {
+  if (digestOf(to_, target_.name, fields_) == written_) return;
+  throw Error(err::internalError, "The table " + target_.name +
+                                      " does not hold the rows that were written to it; nothing of them is "
+                                      "kept. Try again, on another disk if it fails again");
+}
+
+}  // namespace voxa

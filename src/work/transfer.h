@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "work/row_copy.h"
+
+namespace voxa {
+
+class DatabaseEngine;
+class Observer;
+
+/// What became of one table.
+struct TransferredTable {
+  std::string table;
+  std::size_t read = 0;
+  std::size_t written = 0;
+  std::size_t refused = 0;
+};
+
+struct Transferred {
+  std::vector<TransferredTable> tables;
+  std::size_t indexes = 0;
+  std::size_t relations = 0;
+  std::size_t queries = 0;
+  std::vector<std::string> notes;  ///< what was not taken over, and why, in sentences
+};
+
+/// Copies a whole database into an empty one, whatever engines serve them: tables, rows, indexes, relations,
+/// stored queries and the version of the schema, in one transaction of `engine`, which is that of `to`. Then
+/// it reads the copy, and compares it with what was read. Memory does not grow with the rows.
+/// refused: told of each row that breaks a rule, a unique index or a relation. The copy ends as it was
+/// before, if that raises.
+Transferred transfer(Database& from, DatabaseEngine& engine, Database& to, const OnRefused& refused,
+                     Observer& observer);
+
+/// Raises for the first row that is refused.
+[[noreturn]] void failAtRow(const RefusedRow& row);
+
+/// Makes a relation. Rows of the foreign side that break it are told of and deleted before. Returns how many.
+std::size_t relate(Database& database, const Relation& relation, const OnRefused& refused);
+
+}  // namespace voxa
