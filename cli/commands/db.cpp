@@ -4,6 +4,7 @@
 
 #include "app/qdb.h"
 #include "commands.h"
+#include "convert.h"
 #include "db_query.h"
 #include "may_write.h"
 #include "output/command_line.h"
@@ -92,6 +93,7 @@ void addDatabaseCommands(Command& app, Session& session) {
   restoring->callback([&session, source] { restore(session, *source); });
 
   addQueryCommand(*group, session);
+  addConvertCommand(*group, session);
 }
 
 }  // namespace voxa::cli

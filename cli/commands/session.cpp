@@ -14,8 +14,9 @@ namespace {
 
 /// Whether an error is of a file that a person named or whose rights he keeps: nothing unexpected.
 bool isOfFiles(int number) {
-  constexpr int numbers[] = {err::fileNotFound,     err::fileExists, err::diskFull,
-                             err::permissionDenied, err::pathAccess, err::pathNotFound};
+  constexpr int numbers[] = {err::fileNotFound, err::fileExists,   err::diskFull,       err::permissionDenied,
+                             err::pathAccess,   err::pathNotFound, err::dbFileNotFound, err::dbNotADatabase,
+                             err::dbCannotOpen, err::dbDiskFull};
   return std::find(std::begin(numbers), std::end(numbers), number) != std::end(numbers);
 }
 

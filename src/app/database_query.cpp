@@ -3,23 +3,12 @@
 #include <algorithm>
 
 #include "app/open_database.h"
-#include "engines/sqlite/engine.h"
 #include "platform/text.h"
 #include "work/refusal.h"
 
 namespace voxa {
 
 namespace {
-
-/// The columns that personal codes can be read from. In a ledger they are in the lines and states of cards;
-/// from a digest one can be found by trying all.
-std::vector<SqliteOptions::Secret> columnsWithCodes() {
-  return {{"", "PINCode"},
-          {"Things", "State"},
-          {"Sends", "Lines"},
-          {"NotUnderstood", "Line"},
-          {"Digests", "Digest"}};
-}
 
 /// Runs `work`, with what its failures mean to a person.
 template <typename Work>
@@ -56,11 +45,8 @@ std::vector<std::string> allDifferent(const std::vector<std::string>& names) {
 
 }  // namespace
 
-DatabaseQuery::DatabaseQuery(const Clock& clock, const std::string& file, Rights rights)
-    : engine_(makeSqliteEngine(
-          clock, {.readOnly = !rights.write,
-                  .secrets = rights.codes ? std::vector<SqliteOptions::Secret>() : columnsWithCodes(),
-                  .journal = SqliteOptions::Journal::kept})) {
+DatabaseQuery::DatabaseQuery(const Clock& clock, const std::string& file, FileRights rights)
+    : engine_(makeFileEngine(clock, rights)) {
   refusing([&] { database_ = engine_->open(file); });
   if (!rights.write || !isLedger(*database_)) return;
   throw Refusal(

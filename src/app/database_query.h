@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/database/database.h"
+#include "app/file_engine.h"
 
 namespace voxa {
 
@@ -16,16 +16,8 @@ class Clock;
 /// else's is `err::dbLocked`.
 class DatabaseQuery {
  public:
-  struct Rights {
-    bool write =
-        false;  ///< rows and tables may be changed; otherwise the file is opened so that it cannot be
-    /// Statements may use the columns that hold personal codes: PINCode of any table, and those of a ledger
-    /// that tell what a controller was sent.
-    bool codes = false;
-  };
-
   /// file: its full path. A ledger is not opened for writing. Nothing brings the file forward.
-  DatabaseQuery(const Clock& clock, const std::string& file, Rights rights);
+  DatabaseQuery(const Clock& clock, const std::string& file, FileRights rights);
 
   /// What a SELECT, or the table or stored query of that name, gives. It must not outlive the DatabaseQuery.
   class Rows {

@@ -5,6 +5,7 @@
 
 #include "access/card_block.h"
 #include "app/host_texts.h"
+#include "app/import_installation.h"
 #include "app/installation_lock.h"
 #include "app/main_database.h"
 #include "app/qdb.h"
@@ -153,6 +154,7 @@ void OpenInstallation::create(const Opening& how) {
   }
   enterFolder(how);
   lock_ = std::make_unique<InstallationLock>();
+  removeUnfinishedImport();
   for (const char* name : {messageStore, Journal::dbName, mainDatabase}) removeBegun(name);
   if (files::exists(mainDatabase)) throw Refusal(folder_ + " holds an installation already");
   start(how);

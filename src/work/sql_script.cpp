@@ -7,6 +7,7 @@
 
 #include "platform/files.h"
 #include "platform/observer.h"
+#include "platform/text.h"
 #include "work/sql_text.h"
 
 namespace voxa {
@@ -156,6 +157,11 @@ class Statements {
 };
 
 }  // namespace
+
+bool isScript(const std::string& path) {
+  constexpr std::size_t ending = 4;
+  return path.size() >= ending && equalNoCase(path.substr(path.size() - ending), ".sql");
+}
 
 Transferred writeScript(Database& from, const std::string& path, Observer& observer) {
   files::createNew(path);

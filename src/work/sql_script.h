@@ -10,6 +10,9 @@ namespace voxa {
 // that a person can read, and that makes the same database again. The first line is a comment with the
 // version of the schema, the last one a comment that says that nothing is missing.
 
+/// Whether a file is one of statements, by the end of its name: ".sql".
+[[nodiscard]] bool isScript(const std::string& path);
+
 /// Writes the database into a file that only its owner can use. observer: told of each row. A failure leaves
 /// no file that could be taken for a whole one. 58 when the file exists.
 Transferred writeScript(Database& from, const std::string& path, Observer& observer);

@@ -28,42 +28,18 @@ class Transfer {
 
   Transferred run() {
     const std::vector<std::string> tables = from_.tableNames();
-    for (const std::string& table : tables) copyTable(from_.tableDef(table));
+    for (const std::string& table : tables) {
+      const TableDef& definition = from_.tableDef(table);
+      out_.tables.push_back(copyTable(from_, definition, to_, refused_, observer_));
+      out_.indexes += definition.indexes.size();
+    }
     for (const Relation& relation : from_.relations()) copyRelation(relation);
-    for (const QueryDef& query : from_.queries()) copyQuery(query);
+    for (const QueryDef& query : from_.queries()) copyQuery(to_, query, out_);
     if (const std::size_t version = from_.schemaVersion(); version != 0) to_.setSchemaVersion(version);
     return std::move(out_);
   }
 
  private:
-  /// The unique indexes exist before the rows, so that the row is known that breaks one; the others are made
-  /// at once for all rows.
-  void copyTable(const TableDef& definition) {
-    TableDef first = definition;
-    std::erase_if(first.indexes, [](const IndexDef& index) { return !index.unique && !index.primary; });
-    to_.createTable(first);
-    std::vector<std::string> fields;
-    for (const FieldDef& field : definition.fields) fields.push_back(field.name);
-    const TableDef& target = to_.tableDef(definition.name);
-    TransferredTable& done = out_.tables.emplace_back(TransferredTable{definition.name});
-    RowCopy copy(to_, target, std::move(fields), [&](RefusedRow row) {
-      ++done.refused;
-      refused_(std::move(row));
-    });
-    from_.visitRows("[" + definition.name + "]", [&](const Value* row) {
-      copy.write(row);
-      observer_.progress("Copying row", ++rows_, 0);
-      return true;
-    });
-    copy.compare();
-    done.read = copy.read();
-    done.written = copy.written().rows;
-    for (const IndexDef& index : definition.indexes) {
-      if (!index.unique && !index.primary) to_.addIndex(definition.name, index);
-      ++out_.indexes;
-    }
-  }
-
   void copyRelation(const Relation& relation) {
     try {
       const std::size_t orphans = relate(to_, relation, refused_);
@@ -81,22 +57,11 @@ class Transfer {
     }
   }
 
-  void copyQuery(const QueryDef& query) {
-    try {
-      to_.createQuery(query);
-      ++out_.queries;
-    } catch (const Error& error) {
-      if (error.number() != err::dbInvalidName && error.number() != err::dbObjectExists) throw;
-      out_.notes.push_back("The query " + query.name + " is not taken over: " + error.description());
-    }
-  }
-
   Database& from_;
   Database& to_;
   const OnRefused& refused_;
   Observer& observer_;
   Transferred out_;
-  std::size_t rows_ = 0;
 };
 
 }  // namespace
@@ -104,6 +69,43 @@ class Transfer {
 void failAtRow(const RefusedRow& row) {
   throw Error(err::dbConversion,
               "The row " + row.key + " of the table " + row.table + " is not taken: " + row.reason);
+}
+
+// The unique indexes exist before the rows, so that the row is known that breaks one; the others are made at
+// once for all rows.
+TransferredTable copyTable(Database& from, const TableDef& definition, Database& to, const OnRefused& refused,
+                           Observer& observer) {
+  const auto isUnique = [](const IndexDef& index) { return index.unique || index.primary; };
+  TableDef first = definition;
+  std::erase_if(first.indexes, [&](const IndexDef& index) { return !isUnique(index); });
+  to.createTable(first);
+  std::vector<std::string> fields;
+  for (const FieldDef& field : definition.fields) fields.push_back(field.name);
+  RowCopy copy(to, to.tableDef(definition.name), std::move(fields), refused);
+  copyRows(from, definition.name, copy, observer);
+  copy.compare();
+  for (const IndexDef& index : definition.indexes) {
+    if (!isUnique(index)) to.addIndex(definition.name, index);
+  }
+  return {definition.name, copy.read(), copy.written().rows, copy.read() - copy.written().rows};
+}
+
+void copyQuery(Database& to, const QueryDef& query, Transferred& done) {
+  try {
+    to.createQuery(query);
+    ++done.queries;
+  } catch (const Error& error) {
+    if (error.number() != err::dbInvalidName && error.number() != err::dbObjectExists) throw;
+    done.notes.push_back("The query " + query.name + " is not taken over: " + error.description());
+  }
+}
+
+void copyRows(Database& from, const std::string& table, RowCopy& copy, Observer& observer) {
+  from.visitRows("[" + table + "]", [&](const Value* row) {
+    copy.write(row);
+    observer.progress("Copying row", copy.read(), 0);
+    return true;
+  });
 }
 
 std::size_t relate(Database& database, const Relation& relation, const OnRefused& refused) {

@@ -35,6 +35,17 @@ struct Transferred {
 Transferred transfer(Database& from, DatabaseEngine& engine, Database& to, const OnRefused& refused,
                      Observer& observer);
 
+/// Makes a table with its indexes, and copies the rows. What the copy holds is compared with what was
+/// written.
+TransferredTable copyTable(Database& from, const TableDef& definition, Database& to, const OnRefused& refused,
+                           Observer& observer);
+
+/// Hands each row of a table to a copy.
+void copyRows(Database& from, const std::string& table, RowCopy& copy, Observer& observer);
+
+/// Stores a query, or notes why it cannot be stored.
+void copyQuery(Database& to, const QueryDef& query, Transferred& done);
+
 /// Raises for the first row that is refused.
 [[noreturn]] void failAtRow(const RefusedRow& row);
 

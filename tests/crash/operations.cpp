@@ -77,6 +77,23 @@ bool initDone(const Plant& plant) {
          count(plant, "I18N.MDB", texts) == count(plant, "../plant.built/I18N.MDB", texts);
 }
 
+// import of the installation as it was built
+
+int import(const Plant& plant) {
+  const fs::path old = plant.folder.parent_path() / "plant.built";
+  return plant.become(
+      {"import", "mdb", (old / "KRV.mdb").string(), "--journal", (old / "Journal.MDB").string()});
+}
+
+bool importDone(const Plant& plant) {
+  const auto same = [&](const char* file, const std::string& sql) {
+    return count(plant, file, sql) == count(plant, (std::string("../plant.built/") + file).c_str(), sql);
+  };
+  return same("KRV.mdb", "select Id from Stations") && same("KRV.mdb", "select Id from Cardholders") &&
+         same("Journal.MDB", "select Id from Journal") && same("I18N.MDB", "select Mnemonic from Strings") &&
+         !fs::exists(plant.folder / "import~unfinished");
+}
+
 // card batch
 
 void prepareBatch(Plant& plant) {
@@ -243,6 +260,7 @@ void createWhole(const Plant& plant, Findings& findings) {
 const std::vector<Operation>& operations() {
   static const std::vector<Operation> all = {
       {"init", prepareInit, init, initDone, nothingMore, true, true},
+      {"import mdb", prepareInit, import, importDone, nothingMore, true, true},
       {"card batch",
        prepareBatch,
        batch,

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <memory>
+
+#include "platform/database/database.h"
+
+namespace voxa {
+
+class Clock;
+
+/// What may be done with a file that a person names.
+struct FileRights {
+  bool write = false;  ///< rows and tables may be changed; otherwise the file is opened so that it cannot be
+  /// Statements may use the columns that hold personal codes: PINCode of any table, and those of a ledger
+  /// that tell what a controller was sent. Otherwise a star shows them masked.
+  bool codes = false;
+};
+
+/// The engine for database files that a person names, of whatever kind. It leaves them as they are: nothing
+/// brings them forward, and they keep their way of making changes whole.
+[[nodiscard]] std::unique_ptr<DatabaseEngine> makeFileEngine(const Clock& clock, FileRights rights);
+
+}  // namespace voxa
