@@ -33,8 +33,8 @@ constexpr std::uint32_t machine = AUDIT_ARCH_AARCH64;
 constexpr std::uint32_t machine = 0;
 #endif
 
-void limit(decltype(RLIMIT_AS) resource, std::uint64_t most) {
-  const rlimit both{most, most};
+void limit(decltype(RLIMIT_AS) resource, std::uint64_t most, std::uint64_t more = 0) {
+  const rlimit both{most, most + more};
   if (::setrlimit(resource, &both) != 0) ::_exit(1);
 }
 
@@ -42,7 +42,7 @@ void limit(decltype(RLIMIT_AS) resource, std::uint64_t most) {
 
 void limitResources(std::uint64_t memoryBytes, std::uint64_t seconds) {
   if (!sanitized) limit(RLIMIT_AS, memoryBytes);
-  limit(RLIMIT_CPU, seconds);
+  limit(RLIMIT_CPU, seconds, 1);  // ended by a signal that tells why, and a second later in any case
   limit(RLIMIT_FSIZE, 0);
   limit(RLIMIT_CORE, 0);
   limit(RLIMIT_NOFILE, 32);

@@ -21,6 +21,16 @@ std::string_view shown(const char* text) { return text == nullptr ? std::string_
 
 bool isYes(const char* property) { return shown(property) == "yes"; }
 
+/// The columns that are written. What the system's tables keep for its own programs can be large.
+std::vector<const MdbColumn*> columnsOf(const MdbTableDef& table) {
+  const bool system = mdb_is_system_table(table.entry) != 0;
+  std::vector<const MdbColumn*> columns;
+  for (const MdbColumn* column : items<MdbColumn>(table.columns)) {
+    if (typeOf(*column) && !(system && column->col_type == MDB_OLE)) columns.push_back(column);
+  }
+  return columns;
+}
+
 }  // namespace
 
 Tables::Tables(MdbHandle& file, std::uint64_t fileSize, Output& out)
@@ -81,14 +91,10 @@ void Tables::write(MdbCatalogEntry& entry, bool rows) {
 }
 
 void Tables::writeDefinition(const MdbTableDef& table, const std::vector<Index>& indexes) {
-  std::vector<const MdbColumn*> columns;
   for (const MdbColumn* column : items<MdbColumn>(table.columns)) {
-    if (typeOf(*column)) {
-      columns.push_back(column);
-    } else {
-      note(Note::columnType, table.name, column->name);
-    }
+    if (!typeOf(*column)) note(Note::columnType, table.entry->object_name, column->name);
   }
+  const std::vector<const MdbColumn*> columns = columnsOf(table);
   out_.begin(Frame::table);
   out_.text(table.entry->object_name);
   out_.text(shown(mdb_table_get_prop(&table, "ValidationRule")));
@@ -226,10 +232,7 @@ void Tables::requirePages(const MdbTableDef& table) const {
 }
 
 void Tables::writeValues(MdbTableDef& table) {
-  std::vector<const MdbColumn*> columns;
-  for (const MdbColumn* column : items<MdbColumn>(table.columns)) {
-    if (typeOf(*column)) columns.push_back(column);
-  }
+  const std::vector<const MdbColumn*> columns = columnsOf(table);
   Values values(file_, texts_);
   std::uint64_t rows = 0;
   (void)mdb_rewind_table(&table);
