@@ -47,7 +47,9 @@ class SystemRow {
   const std::vector<Value>& values_;
 };
 
-bool isHidden(std::string_view name) { return name.starts_with('~') || toLower(name).starts_with("msys"); }
+bool isHidden(std::string_view name) {
+  return name.starts_with('~') || toLower(name).starts_with("msys");
+}
 
 /// The value that the text of a default is; none for an expression that must be worked out.
 std::optional<Value> literal(const std::string& given) {
@@ -179,8 +181,8 @@ class CatalogueReader {
       definition.fields.push_back(std::move(field));
     }
     if (!table.rowRule.empty()) {
-      note("The validation rule of the rows of table '" + table.name + "' is not taken over: " +
-           table.rowRule);
+      note("The validation rule of the rows of table '" + table.name +
+           "' is not taken over: " + table.rowRule);
     }
     found_.tables.push_back(std::move(definition));
   }
@@ -266,6 +268,8 @@ const TableDef* Catalogue::table(std::string_view name) const {
   return found == tables.end() ? nullptr : &*found;
 }
 
-Catalogue readCatalogue(Stream& stream) { return CatalogueReader().read(stream); }
+Catalogue readCatalogue(Stream& stream) {
+  return CatalogueReader().read(stream);
+}
 
 }  // namespace voxa::jet

@@ -43,7 +43,9 @@ JetDatabase::JetDatabase(std::shared_ptr<JetSession> session, std::string path, 
   session_->open.push_back(this);
 }
 
-JetDatabase::~JetDatabase() { close(); }
+JetDatabase::~JetDatabase() {
+  close();
+}
 
 void JetDatabase::close() {
   if (!std::exchange(open_, false)) return;
@@ -236,19 +238,47 @@ std::vector<QueryDef> JetDatabase::queries() const {
   });
 }
 
-int JetDatabase::execute(std::string_view /*sql*/, const Parameters& /*parameters*/) { refuse(); }
-std::unique_ptr<Command> JetDatabase::prepare(std::string_view /*sql*/) { refuse(); }
-void JetDatabase::setSchemaVersion(std::size_t /*version*/) { refuse(); }
-void JetDatabase::createTable(const TableDef& /*definition*/) { refuse(); }
-void JetDatabase::addField(std::string_view /*table*/, const FieldDef& /*definition*/) { refuse(); }
-void JetDatabase::deleteTable(std::string_view /*table*/) { refuse(); }
-void JetDatabase::addIndex(std::string_view /*table*/, const IndexDef& /*index*/) { refuse(); }
-void JetDatabase::deleteIndex(std::string_view /*table*/, std::string_view /*index*/) { refuse(); }
-void JetDatabase::alterField(std::string_view /*table*/, const FieldDef& /*definition*/) { refuse(); }
-void JetDatabase::deleteField(std::string_view /*table*/, std::string_view /*field*/) { refuse(); }
-void JetDatabase::createRelation(const Relation& /*relation*/) { refuse(); }
-void JetDatabase::deleteRelation(std::string_view /*name*/) { refuse(); }
-void JetDatabase::createQuery(const QueryDef& /*query*/) { refuse(); }
-void JetDatabase::deleteQuery(std::string_view /*name*/) { refuse(); }
+int JetDatabase::execute(std::string_view /*sql*/, const Parameters& /*parameters*/) {
+  refuse();
+}
+std::unique_ptr<Command> JetDatabase::prepare(std::string_view /*sql*/) {
+  refuse();
+}
+void JetDatabase::setSchemaVersion(std::size_t /*version*/) {
+  refuse();
+}
+void JetDatabase::createTable(const TableDef& /*definition*/) {
+  refuse();
+}
+void JetDatabase::addField(std::string_view /*table*/, const FieldDef& /*definition*/) {
+  refuse();
+}
+void JetDatabase::deleteTable(std::string_view /*table*/) {
+  refuse();
+}
+void JetDatabase::addIndex(std::string_view /*table*/, const IndexDef& /*index*/) {
+  refuse();
+}
+void JetDatabase::deleteIndex(std::string_view /*table*/, std::string_view /*index*/) {
+  refuse();
+}
+void JetDatabase::alterField(std::string_view /*table*/, const FieldDef& /*definition*/) {
+  refuse();
+}
+void JetDatabase::deleteField(std::string_view /*table*/, std::string_view /*field*/) {
+  refuse();
+}
+void JetDatabase::createRelation(const Relation& /*relation*/) {
+  refuse();
+}
+void JetDatabase::deleteRelation(std::string_view /*name*/) {
+  refuse();
+}
+void JetDatabase::createQuery(const QueryDef& /*query*/) {
+  refuse();
+}
+void JetDatabase::deleteQuery(std::string_view /*name*/) {
+  refuse();
+}
 
 }  // namespace voxa

@@ -68,7 +68,8 @@ ReaderProcess::ReaderProcess(const JetFileOptions& options, const std::string& f
 
   std::array<int, 2> ends{};
   if (::pipe2(ends.data(), O_CLOEXEC) != 0)
-    throw Error(err::dbCannotOpen, "The reader of Jet files cannot be started: " + std::generic_category().message(errno));
+    throw Error(err::dbCannotOpen,
+                "The reader of Jet files cannot be started: " + std::generic_category().message(errno));
   output_ = ends[0];
   Actions actions;
   (void)::posix_spawn_file_actions_addopen(&actions.actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
@@ -155,9 +156,10 @@ void ReaderProcess::finish() {
   } else {
     how = "ended with code " + std::to_string(WEXITSTATUS(status));
   }
-  throw Error(err::dbNotADatabase, "The database file cannot be read: " + file_ + ". The reader program " + how +
-                                       ". The file is damaged: have the Jet database engine repair it, or take "
-                                       "another copy");
+  throw Error(err::dbNotADatabase,
+              "The database file cannot be read: " + file_ + ". The reader program " + how +
+                  ". The file is damaged: have the Jet database engine repair it, or take "
+                  "another copy");
 }
 
 }  // namespace voxa::jet

@@ -81,8 +81,10 @@ void Stream::fail(Failure failure) const {
       damaged("A table that it lists is not there");
       break;
     case Failure::codePage:
-      throw Error(err::dbNotADatabase, "The texts of the database file are in a code page that this system "
-                                       "does not know: " + file_);
+      throw Error(err::dbNotADatabase,
+                  "The texts of the database file are in a code page that this system "
+                  "does not know: " +
+                      file_);
     case Failure::damaged:
     case Failure::memory:
       break;

@@ -13,12 +13,13 @@ inline constexpr std::string_view streamMark = "VOXAJET1";
 
 enum class Frame : char {
   /// A table: name, rule of its rows, rows that it says it has (4 bytes), columns (2 bytes), and for each:
-  /// name, type (1 byte, a DataType), size (4 bytes, as in FieldDef), ColumnFlag (1 byte), text of the default,
+  /// name, type (1 byte, a DataType), size (4 bytes, as in FieldDef), ColumnFlag (1 byte), text of the
+  /// default,
   /// validation rule; then indexes (2 bytes), and for each: name, IndexFlag (1 byte), fields (1 byte), their
   /// names.
   table = 'T',
-  row = 'R',   ///< a Tag and its value for each column of the table before
-  note = 'N',  ///< Note (1 byte), table, column
+  row = 'R',       ///< a Tag and its value for each column of the table before
+  note = 'N',      ///< Note (1 byte), table, column
   tableEnd = 'E',  ///< rows that were sent (8 bytes), values that could not be read and are Null (8 bytes)
   failure = 'F',   ///< Failure (1 byte); nothing follows
   end = 'Z'        ///< tables that were sent (4 bytes); nothing follows

@@ -16,7 +16,9 @@ struct Closer {
 using File = std::unique_ptr<MdbHandle, Closer>;
 using Table = std::unique_ptr<MdbTableDef, Closer>;
 
-[[nodiscard]] inline bool isJet3(const MdbHandle& file) { return file.f->jet_version == MDB_VER_JET3; }
+[[nodiscard]] inline bool isJet3(const MdbHandle& file) {
+  return file.f->jet_version == MDB_VER_JET3;
+}
 
 /// A number of so many bytes, at most four, the lowest first.
 [[nodiscard]] inline std::uint32_t wholeAt(std::string_view bytes, std::size_t at, std::size_t count) {

@@ -70,17 +70,17 @@ void run(const std::vector<std::string>& arguments, Output& out) {
   if (!startsAsJet(path) || ::stat(path.c_str(), &status) != 0) throw Failed{Failure::notJet};
   const File file(mdb_open(path.c_str(), MDB_NOFLAGS));
   if (file == nullptr) throw Failed{Failure::damaged};
+  if (status.st_size < file->fmt->pg_size) throw Failed{Failure::cutOff};
   requireUnlocked(*file);
-  Output& to = out;
-  Tables tables(*file, static_cast<std::uint64_t>(status.st_size), to);
+  Tables tables(*file, static_cast<std::uint64_t>(status.st_size), out);
   if (arguments[3] == "catalogue") {
     tables.writeCatalogue();
   } else {
     tables.writeRows(arguments[4]);
   }
-  to.begin(Frame::end);
-  to.number(tables.count(), 4);
-  to.end();
+  out.begin(Frame::end);
+  out.number(tables.count(), 4);
+  out.end();
 }
 
 }  // namespace

@@ -17,9 +17,13 @@ std::vector<Item*> items(const GPtrArray* array) {
   return list;
 }
 
-std::string_view shown(const char* text) { return text == nullptr ? std::string_view() : text; }
+std::string_view shown(const char* text) {
+  return text == nullptr ? std::string_view() : text;
+}
 
-bool isYes(const char* property) { return shown(property) == "yes"; }
+bool isYes(const char* property) {
+  return shown(property) == "yes";
+}
 
 /// The columns that are written. What the system's tables keep for its own programs can be large.
 std::vector<const MdbColumn*> columnsOf(const MdbTableDef& table) {
@@ -233,14 +237,30 @@ void Tables::requirePages(const MdbTableDef& table) const {
 
 void Tables::writeValues(MdbTableDef& table) {
   const std::vector<const MdbColumn*> columns = columnsOf(table);
+  const auto all = items<MdbColumn>(table.columns);
+  std::vector<std::size_t> places;
+  for (const MdbColumn* column : columns)
+    places.push_back(static_cast<std::size_t>(std::find(all.begin(), all.end(), column) - all.begin()));
+  std::vector<MdbField> fields(std::max<std::size_t>(all.size(), MDB_MAX_COLS));
   Values values(file_, texts_);
   std::uint64_t rows = 0;
+  // Rows are taken apart here, since the library's own way takes an empty text for Null. What has gone to
+  // another page has the first mark here and the second one there; what is deleted has both.
+  constexpr int gone = 0x4000;
+  constexpr int withoutMarks = 0x1FFF;
   (void)mdb_rewind_table(&table);
-  while (mdb_fetch_row(&table) != 0) {
-    out_.begin(Frame::row);
-    for (const MdbColumn* column : columns) values.write(out_, *column);
-    out_.end();
-    ++rows;
+  while (mdb_read_next_dpg(&table) != 0) {
+    const int count = mdb_get_int16(file_.pg_buf, file_.fmt->row_count_offset);
+    for (int i = 0; i < count; ++i) {
+      int start = 0;
+      std::size_t size = 0;
+      if (mdb_find_row(&file_, i, &start, &size) != 0 || size == 0 || (start & gone) != 0) continue;
+      if (mdb_crack_row(&table, start & withoutMarks, size, fields.data()) < 0) continue;
+      out_.begin(Frame::row);
+      for (std::size_t c = 0; c < columns.size(); ++c) values.write(out_, *columns[c], fields[places[c]]);
+      out_.end();
+      ++rows;
+    }
   }
   out_.begin(Frame::tableEnd);
   out_.number(rows, 8);

@@ -29,7 +29,9 @@ std::string guidText(std::string_view raw) {
 }
 
 /// Whether all days from the year 100 to 9999 have the moment among them.
-bool isMoment(double days) { return days > -657435.0 && days < 2958466.0; }
+bool isMoment(double days) {
+  return days > -657435.0 && days < 2958466.0;
+}
 
 /// A sign and 16 bytes: four groups of 32 bits, the highest group first, each with its lowest byte first.
 std::optional<double> decimal(std::string_view raw, int scale) {
@@ -87,20 +89,19 @@ std::optional<DataType> typeOf(const MdbColumn& column) {
   return std::nullopt;
 }
 
-void Values::write(Output& out, const MdbColumn& column) {
-  if (column.col_type == MDB_BOOL) {  // the length tells whether it is False
-    out.tag(column.cur_value_len != 0 ? Tag::no : Tag::yes);
+void Values::write(Output& out, const MdbColumn& column, const MdbField& field) {
+  if (column.col_type == MDB_BOOL) {
+    out.tag(field.is_null != 0 ? Tag::no : Tag::yes);
     return;
   }
-  const int start = column.cur_value_start;
-  const int length = column.cur_value_len;
-  if (start == 0) {
+  if (field.is_null != 0) {
     out.tag(Tag::null);
     return;
   }
-  const bool inside = start > 0 && length >= 0 && start + length <= file_.fmt->pg_size;
+  const bool inside = field.start >= 0 && field.siz >= 0 && field.start + field.siz <= file_.fmt->pg_size;
   if (inside && tryWrite(out, column,
-                         {reinterpret_cast<const char*>(file_.pg_buf) + start, static_cast<std::size_t>(length)}))
+                         {reinterpret_cast<const char*>(file_.pg_buf) + field.start,
+                          static_cast<std::size_t>(field.siz)}))
     return;
   ++unreadable_;
   out.tag(Tag::null);
@@ -114,7 +115,8 @@ bool Values::tryWrite(Output& out, const MdbColumn& column, std::string_view raw
     return true;
   };
   const auto text = [&](std::string_view utf8) {
-    if (utf8.size() > greatestValue || out.length() + utf8.size() > greatestFrame - greatestValue) return false;
+    if (utf8.size() > greatestValue || out.length() + utf8.size() > greatestFrame - greatestValue)
+      return false;
     out.tag(Tag::text);
     out.text(utf8);
     return true;
@@ -156,7 +158,8 @@ bool Values::tryWrite(Output& out, const MdbColumn& column, std::string_view raw
     case MDB_REPID:
       return text(guidText(raw));
     case MDB_NUMERIC: {
-      const std::optional<double> number = decimal(raw, column.col_scale);
+      // The library has precision and scale the wrong way round.
+      const std::optional<double> number = decimal(raw, column.col_prec);
       return number && real(Tag::number, *number);
     }
     case MDB_BINARY:
@@ -186,6 +189,7 @@ std::optional<std::string_view> Values::longValue(std::string_view raw) {
   const std::size_t length = head & ~(here | onePage);
   std::uint32_t place = wholeAt(raw, 4, 4);
   if (length > greatestValue) return std::nullopt;
+  if (length == 0) return std::string_view();
   if ((head & here) != 0) {
     raw.remove_prefix(MDB_MEMO_OVERHEAD);
     return length <= raw.size() ? std::optional(raw.substr(0, length)) : std::nullopt;

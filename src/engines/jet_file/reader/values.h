@@ -14,14 +14,14 @@ namespace voxa::jet {
 /// The type of a column here. None for one that has no values here.
 [[nodiscard]] std::optional<DataType> typeOf(const MdbColumn& column);
 
-/// Writes the values of the row that the library stands at.
+/// Writes the values of rows.
 class Values {
  public:
   Values(MdbHandle& file, Texts& texts) : file_(file), texts_(texts) {}
 
-  /// The value of a column, with its tag. Null, and one more in unreadable(), for what is no value of its
-  /// type.
-  void write(Output& out, const MdbColumn& column);
+  /// The value of a column, with its tag. field: where it is on the page that the library has read last.
+  /// Null, and one more in unreadable(), for what is no value of its type.
+  void write(Output& out, const MdbColumn& column, const MdbField& field);
   [[nodiscard]] std::uint64_t unreadable() const { return unreadable_; }
 
  private:
