@@ -15,7 +15,7 @@ namespace {
 
 std::string number(std::uint64_t value, std::size_t bytes) {
   std::string text;
-  for (std::size_t i = 0; i < bytes; ++i) text += static_cast<char>(value >> (8 * i));
+  for (std::size_t i = 0; i < bytes; ++i, value >>= 8) text += static_cast<char>(value);
   return text;
 }
 
