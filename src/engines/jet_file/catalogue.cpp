@@ -175,7 +175,7 @@ class CatalogueReader {
       const std::string where = "column '" + field.name + "' of table '" + table.name + "'";
       if (column.randomNumber) {
         if (field.autoIncrement) note("The numbers of " + where + " are not drawn at random here");
-      } else if (!column.defaultText.empty()) {
+      } else if (!column.defaultText.empty() && !field.autoIncrement) {
         setDefault(field, column.defaultText, where);
       }
       definition.fields.push_back(std::move(field));

@@ -16,6 +16,16 @@ namespace voxa::jet {
 
 namespace {
 
+std::string newFolder() {
+  std::error_code failed;
+  std::string folder = (std::filesystem::temp_directory_path(failed) / "voxa-jet-XXXXXX").string();
+  if (failed || ::mkdtemp(folder.data()) == nullptr) {
+    throw Error(err::dbCannotOpen,
+                "There is no folder for temporary files: set TMPDIR to one that can be written");
+  }
+  return folder;
+}
+
 /// The table with room for any value that a file can have in it.
 TableDef relaxed(TableDef table) {
   for (FieldDef& field : table.fields) {
@@ -82,29 +92,31 @@ std::optional<Error> tryTable(Database& database, const TableDef& table, const T
   }
 }
 
+void removeTable(Database& database, const std::string& name) {
+  const auto names = database.tableNames();
+  if (std::find(names.begin(), names.end(), name) != names.end()) database.deleteTable(name);
+}
+
 void copyTable(Database& database, const TableDef& table, const TemporaryCopy::Rows& rows,
                const std::function<void(const std::string&)>& note) {
   if (!tryTable(database, table, rows)) return;
-  const auto names = database.tableNames();
-  if (std::find(names.begin(), names.end(), table.name) != names.end()) database.deleteTable(table.name);
-  if (const auto failure = tryTable(database, relaxed(table), rows))
-    note("Table '" + table.name + "' cannot be used in statements: " + failure->description());
+  removeTable(database, table.name);
+  const auto failure = tryTable(database, relaxed(table), rows);
+  if (!failure) return;
+  removeTable(database, table.name);  // nobody takes a part of its rows for all
+  note("Table '" + table.name + "' cannot be used in statements: " + failure->description());
 }
 
 }  // namespace
 
 TemporaryCopy::TemporaryCopy(const Clock& clock, const Catalogue& catalogue, const Rows& rows,
-                             const std::function<void(const std::string&)>& note) {
-  std::error_code failed;
-  folder_ = (std::filesystem::temp_directory_path(failed) / "voxa-jet-XXXXXX").string();
-  if (failed || ::mkdtemp(folder_.data()) == nullptr) {
-    throw Error(err::dbCannotOpen,
-                "There is no folder for temporary files: set TMPDIR to one that can be written");
-  }
+                             const std::function<void(const std::string&)>& note)
+    : folder_(newFolder()) {
   try {
     fill(clock, catalogue, rows, note);
   } catch (...) {
-    std::filesystem::remove_all(folder_, failed);
+    std::error_code ignored;
+    std::filesystem::remove_all(folder_, ignored);
     throw;
   }
 }
