@@ -40,6 +40,7 @@ inline constexpr int dbNoCurrentRecord = 3021;   ///< moved past either end
 inline constexpr int dbDuplicate = 3022;         ///< duplicate value in a unique index
 inline constexpr int dbFileNotFound = 3024;      ///< database file not found
 inline constexpr int dbDiskFull = 3026;          ///< not enough space on disk
+inline constexpr int dbPassword = 3031;          ///< not a valid password: a protected file
 inline constexpr int dbNoTransaction = 3034;     ///< commit or rollback without begin
 inline constexpr int dbVersion = 3041;           ///< incompatible database version
 inline constexpr int dbCannotOpen = 3051;        ///< file cannot be opened or written (rights, exclusive use)
