@@ -24,6 +24,7 @@ Transferred convertInto(DatabaseEngine& engine, const std::string& from, const s
   if (script) {
     const auto source = engine.open(from, FileUse::reading);
     Transferred done = writeScript(*source, to, observer);
+    done.notes = notesOf(*source);
     source->close();
     return done;
   }
@@ -35,6 +36,7 @@ Transferred convertInto(DatabaseEngine& engine, const std::string& from, const s
     const auto source = engine.open(from, FileUse::reading);
     done = transfer(
         *source, engine, *target, [&](const RefusedRow& row) { refused.add(row); }, observer);
+    for (const std::string& note : notesOf(*source)) done.notes.push_back(note);
     source->close();
   }
   target->close();

@@ -1,8 +1,15 @@
 #include "app/file_engine.h"
 
+#include <string_view>
 #include <vector>
 
+#include "app/engine_by_file.h"
 #include "engines/sqlite/engine.h"
+#ifdef _WIN32
+#include "engines/dao/engine.h"
+#else
+#include "engines/jet_file/engine.h"
+#endif
 
 namespace voxa {
 
@@ -18,13 +25,42 @@ std::vector<SqliteOptions::Secret> columnsWithCodes() {
           {"Digests", "Digest"}};
 }
 
+#ifdef _WIN32
+/// The installed library, which masks no columns.
+EngineByFile::Further jetFiles(const Clock& clock, const FileRights& rights,
+                               const std::vector<SqliteOptions::Secret>& /*secrets*/) {
+  return {[codes = rights.codes](std::string_view head) {
+            if (!isJetFile(head) || !isDaoInstalled()) return false;
+            if (codes) return true;
+            throw Error(err::dbNoPermission,
+                        "Personal codes cannot be masked in a file that the installed library serves");
+          },
+          makeDaoEngine(clock)};
+}
+#else
+EngineByFile::Further jetFiles(const Clock& clock, const FileRights& /*rights*/,
+                               const std::vector<SqliteOptions::Secret>& secrets) {
+  return {isJetFile, makeJetFileEngine(clock, {.secrets = secrets})};
+}
+#endif
+
 }  // namespace
 
 std::unique_ptr<DatabaseEngine> makeFileEngine(const Clock& clock, FileRights rights) {
-  return makeSqliteEngine(
-      clock, {.readOnly = !rights.write,
-              .secrets = rights.codes ? std::vector<SqliteOptions::Secret>() : columnsWithCodes(),
-              .journal = SqliteOptions::Journal::kept});
+  const auto secrets = rights.codes ? std::vector<SqliteOptions::Secret>() : columnsWithCodes();
+  const std::shared_ptr<DatabaseEngine> embedded = makeSqliteEngine(
+      clock, {.readOnly = !rights.write, .secrets = secrets, .journal = SqliteOptions::Journal::kept});
+  return std::make_unique<EngineByFile>(
+      embedded, std::vector<EngineByFile::Further>{jetFiles(clock, rights, secrets)}, embedded);
+}
+
+std::vector<std::string> notesOf(const Database& database) {
+#ifdef _WIN32
+  (void)database;
+  return {};
+#else
+  return jetFileNotes(database);
+#endif
 }
 
 }  // namespace voxa

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <memory>
+#include <string>
+#include <vector>
 
 #include "platform/database/database.h"
 
@@ -16,8 +18,12 @@ struct FileRights {
   bool codes = false;
 };
 
-/// The engine for database files that a person names, of whatever kind. It leaves them as they are: nothing
-/// brings them forward, and they keep their way of making changes whole.
+/// The engine for database files that a person names, of whatever kind: files of this system, and files of
+/// the Jet database engine, for reading where the library of that engine is not installed. It leaves them as
+/// they are: nothing brings them forward, and they keep their way of making changes whole.
 [[nodiscard]] std::unique_ptr<DatabaseEngine> makeFileEngine(const Clock& clock, FileRights rights);
+
+/// What a reader of a file could not take over from it, in sentences.
+[[nodiscard]] std::vector<std::string> notesOf(const Database& database);
 
 }  // namespace voxa

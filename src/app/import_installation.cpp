@@ -104,6 +104,7 @@ class Import {
     for (const QueryDef& query : from.queries()) {
       if (!isOneOf(own, query.name)) copyQuery(to, query, done_);
     }
+    for (const std::string& note : notesOf(from)) done_.notes.push_back(note);
   }
 
   void take(Database& from, Database& to, const std::string& table) {

@@ -1,13 +1,10 @@
 #include "engines/jet_file/engine.h"
 
-#include <array>
-#include <fstream>
-#include <string_view>
+#include <algorithm>
 
 #include "engines/jet_file/jet_database.h"
 #include "engines/sqlite/database_file.h"
 #include "platform/error.h"
-#include "platform/files.h"
 
 namespace voxa {
 
@@ -55,6 +52,9 @@ class JetFileEngine final : public DatabaseEngine {
   }
   [[nodiscard]] bool inTransaction() const override { return session_->embedded->inTransaction(); }
   [[nodiscard]] const std::vector<ErrorInfo>& errors() const override { return session_->lastErrors(); }
+  [[nodiscard]] std::uint64_t lastFailure() const override {
+    return std::max(session_->lastFailure, session_->embedded->lastFailure());
+  }
 
  private:
   std::shared_ptr<JetSession> session_;
@@ -64,16 +64,6 @@ class JetFileEngine final : public DatabaseEngine {
 
 std::unique_ptr<DatabaseEngine> makeJetFileEngine(const Clock& clock, const JetFileOptions& options) {
   return std::make_unique<JetFileEngine>(clock, options);
-}
-
-bool isJetFile(const std::string& path) {
-  if (!files::isPlain(path)) return false;
-  std::array<char, 20> head{};
-  std::ifstream in(files::native(path), std::ios::binary);
-  if (!in.read(head.data(), head.size())) return false;
-  const std::string_view start(head.data(), head.size());
-  return start == std::string_view("\0\1\0\0Standard Jet DB\0", 20) ||
-         start == std::string_view("\0\1\0\0Standard ACE DB\0", 20);
 }
 
 const std::vector<std::string>& jetFileNotes(const Database& database) {

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/database/database.h"
+#include "engines/sqlite/engine.h"
 
 namespace voxa {
 
@@ -20,6 +20,7 @@ struct JetFileOptions {
   std::uint64_t processorSeconds = 300;
   /// How long it may send nothing while it is waited for.
   int silenceMs = 60'000;
+  std::vector<SqliteOptions::Secret> secrets{};  ///< columns that no statement may use; a star masks them
 };
 
 /// Makes the engine that reads existing files of the Jet database engine (*.mdb, Jet 3 and 4). A file is
@@ -34,9 +35,6 @@ struct JetFileOptions {
 /// need into a temporary database, which is gone when the database is closed.
 [[nodiscard]] std::unique_ptr<DatabaseEngine> makeJetFileEngine(const Clock& clock,
                                                                 const JetFileOptions& options = {});
-
-/// Whether the file begins as those of the Jet database engine do. False when it cannot be read.
-[[nodiscard]] bool isJetFile(const std::string& path);
 
 /// What could not be taken over from a file, in sentences: linked tables, queries in words that this system
 /// does not have, values that could not be read. Reading rows can add some. Empty for a database of another

@@ -14,21 +14,17 @@
 namespace voxa {
 
 JetSession::JetSession(const Clock& clockOfSession, JetFileOptions optionsOfSession)
-    : clock(clockOfSession), options(std::move(optionsOfSession)), embedded(makeSqliteEngine(clock)) {}
+    : clock(clockOfSession),
+      options(std::move(optionsOfSession)),
+      embedded(makeSqliteEngine(clock, {.secrets = options.secrets})) {}
 
 void JetSession::failed(const Error& error) {
   errors.assign(1, {error.number(), error.description()});
-  seen = embedded->errors();
+  lastFailure = nextFailure();
 }
 
-const std::vector<ErrorInfo>& JetSession::lastErrors() {
-  const std::vector<ErrorInfo>& later = embedded->errors();
-  const bool same = std::equal(later.begin(), later.end(), seen.begin(), seen.end(),
-                               [](const ErrorInfo& a, const ErrorInfo& b) {
-                                 return a.number == b.number && a.description == b.description;
-                               });
-  if (!same) errors = seen = later;
-  return errors;
+const std::vector<ErrorInfo>& JetSession::lastErrors() const {
+  return embedded->lastFailure() > lastFailure ? embedded->errors() : errors;
 }
 
 JetDatabase::JetDatabase(std::shared_ptr<JetSession> session, std::string path, std::string_view given)
@@ -166,7 +162,8 @@ void JetDatabase::visitRows(std::string_view source, const std::function<bool(co
     const TableDef* table = catalogue_.table(name);
     if (table == nullptr && name.size() > 2 && name.front() == '[' && name.back() == ']')
       table = catalogue_.table(std::string_view(name).substr(1, name.size() - 2));
-    if (table != nullptr) {
+    // What is secret is masked by the statement, not by the reader.
+    if (table != nullptr && session_->options.secrets.empty()) {
       visitTable(*table, visit);
     } else {
       embedded().visitRows(source, visit, parameters);

@@ -33,13 +33,13 @@ struct JetSession {
   }
   void failed(const Error& error);
   /// The error collection: of this engine, or of the embedded one when that failed later.
-  const std::vector<ErrorInfo>& lastErrors();
+  const std::vector<ErrorInfo>& lastErrors() const;
 
   const Clock& clock;
   const JetFileOptions options;
   std::unique_ptr<DatabaseEngine> embedded;
   std::vector<ErrorInfo> errors;
-  std::vector<ErrorInfo> seen;  ///< the embedded engine's, when this one's were noted
+  std::uint64_t lastFailure = 0;
   std::vector<JetDatabase*> open;
 };
 
