@@ -239,6 +239,7 @@ void Tables::writeValues(MdbTableDef& table) {
   const std::vector<const MdbColumn*> columns = columnsOf(table);
   const auto all = items<MdbColumn>(table.columns);
   std::vector<std::size_t> places;
+  places.reserve(columns.size());
   for (const MdbColumn* column : columns)
     places.push_back(static_cast<std::size_t>(std::find(all.begin(), all.end(), column) - all.begin()));
   std::vector<MdbField> fields(std::max<std::size_t>(all.size(), MDB_MAX_COLS));
