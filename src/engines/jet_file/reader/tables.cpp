@@ -37,8 +37,8 @@ std::vector<const MdbColumn*> columnsOf(const MdbTableDef& table) {
 
 }  // namespace
 
-Tables::Tables(MdbHandle& file, std::uint64_t fileSize, Output& out)
-    : file_(file), fileSize_(fileSize), out_(out), texts_(!isJet3(file), file.f->code_page) {
+Tables::Tables(MdbHandle& file, std::uint64_t fileSize, Texts& texts, Output& out)
+    : file_(file), fileSize_(fileSize), out_(out), texts_(texts) {
   if (mdb_read_catalog(&file, MDB_ANY) == nullptr) throw Failed{Failure::damaged};
 }
 
