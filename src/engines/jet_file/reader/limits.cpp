@@ -53,10 +53,11 @@ void limitCalls() {
   if (sanitized || machine == 0) return;
   constexpr auto allow = static_cast<std::uint32_t>(SECCOMP_RET_ALLOW);
   constexpr auto refuse = static_cast<std::uint32_t>(SECCOMP_RET_ERRNO | EPERM);
-  const std::vector<int> allowed{SYS_read,   SYS_pread64, SYS_write,  SYS_lseek,         SYS_close,
-                                 SYS_mmap,   SYS_munmap,  SYS_mremap, SYS_brk,           SYS_exit,
-                                 SYS_futex,  SYS_madvise, SYS_fstat,  SYS_rt_sigreturn,  SYS_exit_group,
-                                 SYS_getpid, SYS_gettid,  SYS_tgkill, SYS_rt_sigprocmask};
+  const std::vector<int> allowed{SYS_read,   SYS_pread64,      SYS_write,          SYS_lseek,
+                                 SYS_close,  SYS_mmap,         SYS_munmap,         SYS_mremap,
+                                 SYS_brk,    SYS_exit,         SYS_futex,          SYS_madvise,
+                                 SYS_fstat,  SYS_rt_sigreturn, SYS_exit_group,     SYS_getpid,
+                                 SYS_gettid, SYS_tgkill,       SYS_rt_sigprocmask, SYS_newfstatat};
   const auto instruction = [](unsigned code, std::uint32_t k, std::uint8_t yes = 0, std::uint8_t no = 0) {
     return sock_filter{static_cast<std::uint16_t>(code), yes, no, k};
   };

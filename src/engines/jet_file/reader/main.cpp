@@ -72,7 +72,9 @@ void run(const std::vector<std::string>& arguments, Output& out) {
   if (file == nullptr) throw Failed{Failure::damaged};
   if (status.st_size < file->fmt->pg_size) throw Failed{Failure::cutOff};
   requireUnlocked(*file);
-  Tables tables(*file, static_cast<std::uint64_t>(status.st_size), out);
+  Texts texts(!isJet3(*file), file->f->code_page);
+  limitCalls();
+  Tables tables(*file, static_cast<std::uint64_t>(status.st_size), texts, out);
   if (arguments[3] == "catalogue") {
     tables.writeCatalogue();
   } else {

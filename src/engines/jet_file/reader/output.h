@@ -59,7 +59,7 @@ class Output {
   }
 
  private:
-  static constexpr std::size_t pieceSize = 256 * 1024;
+  static constexpr std::size_t pieceSize = std::size_t{256} * 1024;
   static constexpr std::size_t headSize = 5;
   std::string bytes_;
   std::size_t start_ = 0;

@@ -37,8 +37,8 @@ std::vector<const MdbColumn*> columnsOf(const MdbTableDef& table) {
 
 }  // namespace
 
-Tables::Tables(MdbHandle& file, std::uint64_t fileSize, Output& out)
-    : file_(file), fileSize_(fileSize), out_(out), texts_(!isJet3(file), file.f->code_page) {
+Tables::Tables(MdbHandle& file, std::uint64_t fileSize, Texts& texts, Output& out)
+    : file_(file), fileSize_(fileSize), out_(out), texts_(texts) {
   if (mdb_read_catalog(&file, MDB_ANY) == nullptr) throw Failed{Failure::damaged};
 }
 
@@ -239,6 +239,7 @@ void Tables::writeValues(MdbTableDef& table) {
   const std::vector<const MdbColumn*> columns = columnsOf(table);
   const auto all = items<MdbColumn>(table.columns);
   std::vector<std::size_t> places;
+  places.reserve(columns.size());
   for (const MdbColumn* column : columns)
     places.push_back(static_cast<std::size_t>(std::find(all.begin(), all.end(), column) - all.begin()));
   std::vector<MdbField> fields(std::max<std::size_t>(all.size(), MDB_MAX_COLS));

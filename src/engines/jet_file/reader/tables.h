@@ -13,7 +13,7 @@ namespace voxa::jet {
 /// Writes tables of an open file as frames.
 class Tables {
  public:
-  Tables(MdbHandle& file, std::uint64_t fileSize, Output& out);
+  Tables(MdbHandle& file, std::uint64_t fileSize, Texts& texts, Output& out);
 
   /// The definitions of all tables that are not the system's, without rows, and the rows of the system's
   /// tables that tell of the others.
@@ -43,7 +43,7 @@ class Tables {
   MdbHandle& file_;
   std::uint64_t fileSize_;
   Output& out_;
-  Texts texts_;
+  Texts& texts_;
   std::uint32_t count_ = 0;
 };
 

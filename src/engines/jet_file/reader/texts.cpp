@@ -1,5 +1,6 @@
 #include "engines/jet_file/reader/texts.h"
 
+#include <bit>
 #include <cerrno>
 #include <cstdint>
 
@@ -76,12 +77,13 @@ void appendUnicode(std::string& utf8, std::string_view raw) {
 
 Texts::Texts(bool unicode, unsigned codePage) : unicode_(unicode) {
   if (unicode || codePage == 0 || codePage == western) return;
-  converter_ = ::iconv_open("UTF-8", ("CP" + std::to_string(codePage)).c_str());
-  if (converter_ == reinterpret_cast<iconv_t>(-1)) throw Failed{Failure::codePage};
+  const iconv_t opened = ::iconv_open("UTF-8", ("CP" + std::to_string(codePage)).c_str());
+  if (std::bit_cast<std::intptr_t>(opened) == -1) throw Failed{Failure::codePage};
+  converter_ = opened;
 }
 
 Texts::~Texts() {
-  if (converter_ != reinterpret_cast<iconv_t>(-1)) ::iconv_close(converter_);
+  if (converter_) ::iconv_close(*converter_);
 }
 
 void Texts::append(std::string& utf8, std::string_view raw) {
@@ -89,7 +91,7 @@ void Texts::append(std::string& utf8, std::string_view raw) {
     appendUnicode(utf8, raw);
     return;
   }
-  if (converter_ == reinterpret_cast<iconv_t>(-1)) {
+  if (!converter_) {
     utf8 += fromCp1252(raw);
     return;
   }
@@ -100,7 +102,7 @@ void Texts::append(std::string& utf8, std::string_view raw) {
     char buffer[512];
     char* out = buffer;
     std::size_t room = sizeof buffer;
-    const std::size_t result = ::iconv(converter_, &in, &left, &out, &room);
+    const std::size_t result = ::iconv(*converter_, &in, &left, &out, &room);
     utf8.append(buffer, sizeof buffer - room);
     if (result == static_cast<std::size_t>(-1) && errno != E2BIG) {
       utf8 += replacement;
@@ -108,7 +110,7 @@ void Texts::append(std::string& utf8, std::string_view raw) {
       --left;
     }
   }
-  (void)::iconv(converter_, nullptr, nullptr, nullptr, nullptr);
+  (void)::iconv(*converter_, nullptr, nullptr, nullptr, nullptr);
 }
 
 }  // namespace voxa::jet

@@ -2,6 +2,7 @@
 
 #include <iconv.h>
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -21,7 +22,7 @@ class Texts {
 
  private:
   bool unicode_;
-  iconv_t converter_ = reinterpret_cast<iconv_t>(-1);  ///< none: Unicode, or code page 1252
+  std::optional<iconv_t> converter_;  ///< none: Unicode, or code page 1252
 };
 
 }  // namespace voxa::jet
