@@ -30,7 +30,7 @@ tidy_packages=("${test_packages[@]}" clang-tidy-14 libbenchmark-dev)
 windows_packages=(cmake ninja-build g++-mingw-w64-i686-posix g++-mingw-w64-x86-64-posix mingw-w64-tools libwine-dev libwine
   libcli11-dev nlohmann-json3-dev)
 automation_packages=(mmdebstrap)
-bench_packages=("${build_packages[@]}" libbenchmark-dev)
+bench_packages=("${build_packages[@]}" libbenchmark-dev mdbtools sqlite3)
 
 # Nobody needs what the tests write when they have ended. In memory no disk is waited for. That needs a gigabyte of
 # memory, in a place from which programs may be run.

@@ -12,6 +12,7 @@
 #include "app/main_database.h"
 #include "app/qdb.h"
 #include "comm/com_status_table.h"
+#include "controllers/ledger_file.h"
 #include "journal/journal.h"
 #include "messages/strings.h"
 #include "platform/files.h"
@@ -29,7 +30,7 @@ namespace fs = std::filesystem;
 // what says that there is an installation.
 constexpr const char* stagingFolder = "import~unfinished";
 constexpr const char* mainFile = "KRV.mdb";
-constexpr const char* movedFirst[] = {"I18N.MDB", Journal::dbName};
+constexpr const char* movedFirst[] = {"I18N.MDB", Journal::dbName, LedgerFile::name};
 
 /// The table of a database that has that name in any case.
 std::optional<TableDef> findTable(const Database& database, const std::string& name) {
@@ -185,6 +186,19 @@ class Within {
   std::string before_;
 };
 
+void moveHere(const std::string& name) {
+  files::rename(std::string(stagingFolder) + "\\" + name, name);
+}
+
+/// What the old system has sent is not known: the plan compares everything.
+void doubtControllers(Library& library) {
+  library.ledger().provide();
+  const auto rows =
+      library.QDB().database().openRecordset("select distinct StationId, ControllerAddress from Readers");
+  for (; !rows->eof(); rows->moveNext())
+    library.ledger().replace({rows->get(0).toInt16(), rows->get(1).toInt16()}, true);
+}
+
 Transferred importHere(Prompts& prompts, const Opening& how, const OldFiles& old, RefusedRows& refused,
                        Observer& observer) {
   const Within here(files::currentFolder());  // an installation that fails stays in its folder
@@ -195,6 +209,7 @@ Transferred importHere(Prompts& prompts, const Opening& how, const OldFiles& old
   const auto source = makeFileEngine(installation.clock(), {.codes = true});
   Transferred done = Import(installation.library(), *source, refused, observer).run(old);
   refused.decide();
+  doubtControllers(installation.library());
   installation.leave();
   return done;
 }
@@ -220,8 +235,8 @@ Transferred importInstallation(Prompts& prompts, const Opening& how, const OldFi
   Transferred done;
   try {
     done = importHere(prompts, how, old, refused, observer);
-    for (const char* name : {movedFirst[0], movedFirst[1], mainFile})
-      files::rename(std::string(stagingFolder) + "\\" + name, name);
+    for (const char* name : movedFirst) moveHere(name);
+    moveHere(mainFile);
   } catch (...) {
     removeUnfinishedImport();
     throw;

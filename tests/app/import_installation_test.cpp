@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <fstream>
 
 #include "engines/sqlite/engine.h"
@@ -9,6 +10,7 @@
 #include "platform/observer.h"
 #include "platform/temporary_folder.h"
 #include "platform/ui/scripted_prompts.h"
+#include "work/carry_out.h"
 #include "work/refusal.h"
 
 namespace voxa {
@@ -30,6 +32,8 @@ class Imports : public testing::Test {
          {"delete from Stations", "insert into Stations (Id, Name, ComPort) values (3, 'Nord', 7)",
           "insert into Cardholders (Id, CardNum, Name, CardCode, AccessGroupId, PINCodeFlagD) values "
           "(5, 77, 'Ada', '00000012', 0, True)",
+          "insert into Readers (Id, Name, StationId, ControllerAddress, Position) values (1, 'Door', 3, 1, "
+          "1)",
           "create table Cars (Plate text(9) primary key, Card short)", "insert into Cars values ('A 1', 77)",
           "alter table Cardholders add column Floor byte not null default 4"})
       (void)main->execute(sql);
@@ -77,6 +81,16 @@ TEST_F(Imports, TakeWhatMeetsByNameAndKeepTheRest) {
   EXPECT_TRUE(valueOf("select PINCodeFlagD from Cardholders where CardNum = 77 and Floor = 4").toBool());
   EXPECT_EQ(valueOf("select Card from Cars").toInt32(), 77);
   EXPECT_EQ(valueOf("select count(*) from DailyPrograms").toInt32(), 2);
+  // No mark is set for the door's controller, but what it holds is not known.
+  OpenInstallation made(prompts);
+  made.open({.folder = folder / "new"});
+  const WholePlan planned = planAll(made.library(), {});
+  made.leave();
+  ASSERT_EQ(planned.controllers.size(), 1U);
+  const auto& items = planned.controllers.front().plan.items;
+  EXPECT_TRUE(std::any_of(items.begin(), items.end(), [](const PlanItem& item) {
+    return item.kind == ThingKind::daily && item.reason == PlanReason::unknown;
+  }));
   EXPECT_NE(refusalOf(folder / "old/KRV.mdb").find("holds an installation"), std::string::npos);
   EXPECT_NE(refusalOf(folder / "old/KRV.mdb", true).find("holds an installation"), std::string::npos);
 
