@@ -6,6 +6,7 @@ namespace voxa {
 
 class Com;
 class CommandFile;
+class DatabaseEngine;
 class Library;
 class QDB;
 class Strings;
@@ -36,8 +37,10 @@ class Glob {
   Library& library_;
 };
 
-/// The process-wide context over the platform's own seams (embedded database engine, driver library, console
-/// prompts, system clock), made at first use and kept until the process ends.
+/// The process-wide context over the platform's own seams (database engines as engine_choice.h has them,
+/// driver library, console prompts, system clock), made at first use and kept until the process ends.
 [[nodiscard]] Library& processLibrary();
+/// The embedded engine among those of processLibrary.
+[[nodiscard]] DatabaseEngine& processEmbeddedEngine();
 
 }  // namespace voxa

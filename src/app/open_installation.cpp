@@ -4,6 +4,7 @@
 #include <system_error>
 
 #include "access/card_block.h"
+#include "app/engine_choice.h"
 #include "app/host_texts.h"
 #include "app/import_installation.h"
 #include "app/installation_lock.h"
@@ -28,7 +29,9 @@ constexpr const char* messageStore = "I18N.MDB";
 }  // namespace
 
 OpenInstallation::OpenInstallation(Prompts& prompts)
-    : callersFolder_(files::currentFolder()), prompts_(prompts), engine_(makeSqliteEngine(clock_)) {}
+    : callersFolder_(files::currentFolder()),
+      prompts_(prompts),
+      engine_(makeEngine(clock_, makeSqliteEngine(clock_))) {}
 
 OpenInstallation::~OpenInstallation() = default;
 

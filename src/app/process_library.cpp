@@ -1,3 +1,4 @@
+#include "app/engine_choice.h"
 #include "app/glob.h"
 #include "app/library.h"
 #include "engines/sqlite/engine.h"
@@ -13,17 +14,26 @@ namespace {
 
 struct ProcessLibrary {
   SystemClock clock;
-  std::unique_ptr<DatabaseEngine> engine = makeSqliteEngine(clock);
+  std::shared_ptr<DatabaseEngine> embedded = makeSqliteEngine(clock);
+  std::unique_ptr<DatabaseEngine> engine = makeEngine(clock, embedded);
   LibraryDriver driver;
   std::unique_ptr<Prompts> prompts = makeSystemPrompts();
   Library library{{*engine, driver, *prompts, clock}};
 };
 
+ProcessLibrary& process() {
+  static ProcessLibrary made;
+  return made;
+}
+
 }  // namespace
 
 Library& processLibrary() {
-  static ProcessLibrary process;
-  return process.library;
+  return process().library;
+}
+
+DatabaseEngine& processEmbeddedEngine() {
+  return *process().embedded;
 }
 
 }  // namespace voxa

@@ -52,9 +52,17 @@ void appendQuery(IUnknown* object);
 /// The one workspace.
 [[nodiscard]] ::IWorkspace* workspaceObject();
 /// What the last failed call of the engine reported.
-[[nodiscard]] ::IErrors* makeErrors();
-/// The members of an object that hold values.
-[[nodiscard]] ::IProperties* makeProperties(IDispatch* object);
+[[nodiscard]] ::IErrors* makeErrors(const DatabaseEngine& engine);
+/// The members of an object that hold values. With a database, those of it and its version
+/// (version_property.cpp).
+[[nodiscard]] ::IProperties* makeProperties(IDispatch* object, std::shared_ptr<Database> database = nullptr);
+/// A property of a program's own, to be appended to those of a database.
+[[nodiscard]] ::IProperty* makeOwnProperty(const std::string& name, short type, const Value& value);
+/// The version of a database as a property.
+inline constexpr const char* versionProperty = "SchemaVersion";
+[[nodiscard]] ::IProperty* makeVersionProperty(std::shared_ptr<Database> database);
+/// Takes over the version from a property of a program's own, which is the database's from then on.
+void appendProperty(std::shared_ptr<Database> database, IUnknown* object);
 
 /// Bits of the Attributes of a field and of a relation. Callers of the engine's own objects know them.
 inline constexpr std::int32_t autoIncrementAttribute = 16;

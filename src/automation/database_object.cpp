@@ -4,6 +4,7 @@
 
 #include "app/library.h"
 #include "data_objects.h"
+#include "engines/dao/engine.h"
 #include "open_options.h"
 #include "service_objects.h"
 
@@ -27,6 +28,14 @@ class DatabaseObject final : public Object<::IDatabase> {
     return objects;
   }
 
+  /// Who calls by names, and who asks for an interface of the installed library, gets that library's own
+  /// object when it serves the file.
+  STDMETHODIMP QueryInterface(REFIID wanted, void** out) override {
+    IDispatch* const installed = database_ == nullptr ? nullptr : daoObject(*database_);
+    const bool isOurs = wanted != IID_IDispatch && SUCCEEDED(Object::QueryInterface(wanted, out));
+    if (isOurs || installed == nullptr) return isOurs ? S_OK : Object::QueryInterface(wanted, out);
+    return installed->QueryInterface(wanted, out);
+  }
   STDMETHODIMP get_Name(BSTR* name) override {
     return give(name, [&] { return held()->name(); });
   }
@@ -90,7 +99,9 @@ class DatabaseObject final : public Object<::IDatabase> {
       });
     });
   }
-  STDMETHODIMP get_Errors(::IErrors** errors) override { return give(errors, makeErrors); }
+  STDMETHODIMP get_Errors(::IErrors** errors) override {
+    return give(errors, [] { return makeErrors(library().engine()); });
+  }
   STDMETHODIMP CreateTableDef(BSTR name, ::ITableDef** table) override {
     return give(table, [&] { return makeTableDef({.name = fromBstr(name), .fields = {}, .indexes = {}}); });
   }
@@ -113,6 +124,10 @@ class DatabaseObject final : public Object<::IDatabase> {
       if (isStored) held()->createQuery(query);
       return makeQueryDef(held(), query, isStored);
     });
+  }
+  STDMETHODIMP CreateProperty(BSTR name, short type, VARIANT value, VARIANT_BOOL,
+                              ::IProperty** property) override {
+    return give(property, [&] { return makeOwnProperty(fromBstr(name), type, fromVariant(value)); });
   }
   STDMETHODIMP Close() override {
     return call([&] {
@@ -151,7 +166,7 @@ class DatabaseObject final : public Object<::IDatabase> {
     return give(recordsets, [&] { return openRecordsets(held()); });
   }
   STDMETHODIMP get_Properties(::IProperties** properties) override {
-    return give(properties, [&] { return makeProperties(this); });
+    return give(properties, [&] { return makeProperties(this, held()); });
   }
 
  protected:

@@ -7,6 +7,19 @@ namespace {
 // This identifies the library's own objects (objectBehind).
 constexpr GUID fieldId = {0xc77d0fa1, 0x6c1e, 0x4a2b, {0x9b, 0x1c, 0x0d, 0x9c, 0x8b, 0x6f, 0x4e, 0x11}};
 
+/// A default value may be given as the expression that it is for others: a text in quotes, a moment between
+/// #.
+Value literalOf(const Value& given) {
+  if (!given.isText()) return given;
+  std::string text = given.toText();
+  if (text.empty()) return {};
+  const bool isLiteral = text.size() > 1 && text.front() == text.back();
+  if (!isLiteral || (text.front() != '"' && text.front() != '#')) return given;
+  text = text.substr(1, text.size() - 2);
+  for (std::size_t at = 0; (at = text.find("\"\"", at)) != std::string::npos; ++at) text.erase(at, 1);
+  return text;
+}
+
 [[noreturn]] Value noRows() {
   throw Error(err::dbInvalidOperation, "A column of a definition has no value");
 }
@@ -42,7 +55,7 @@ class DefinedFieldObject final : public FieldObject {
     return change([&](FieldDef& field) { field.allowZeroLength = allowed != 0; });
   }
   STDMETHODIMP put_DefaultValue(VARIANT value) override {
-    return change([&](FieldDef& field) { field.defaultValue = fromVariant(value); });
+    return change([&](FieldDef& field) { field.defaultValue = literalOf(fromVariant(value)); });
   }
   STDMETHODIMP put_ValidationRule(BSTR rule) override {
     return change([&](FieldDef& field) { field.validationRule = fromBstr(rule); });

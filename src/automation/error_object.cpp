@@ -1,6 +1,4 @@
-#include "app/library.h"
 #include "data_objects.h"
-#include "service_objects.h"
 
 namespace voxa::automation {
 
@@ -32,8 +30,8 @@ class ErrorObject final : public Object<::IError> {
 
 }  // namespace
 
-::IErrors* makeErrors() {
-  const auto all = std::make_shared<std::vector<ErrorInfo>>(library().engine().errors());
+::IErrors* makeErrors(const DatabaseEngine& engine) {
+  const auto all = std::make_shared<std::vector<ErrorInfo>>(engine.errors());
   return makeCollection<::IErrors, ::IError>({
       .count = [all] { return all->size(); },
       .item = [all](std::size_t i) -> IDispatch* { return new ErrorObject(all->at(i)); },

@@ -26,7 +26,11 @@ class FieldObject : public Object<::IField> {
     return give(allowed, [&] { return definition().allowZeroLength; });
   }
   STDMETHODIMP get_DefaultValue(VARIANT* value) override {
-    return give(value, [&] { return definition().defaultValue; });
+    // An empty text alone would mean that there is none.
+    return give(value, [&] {
+      const Value& set = definition().defaultValue;
+      return set == Value("") ? Value("\"\"") : set;
+    });
   }
   STDMETHODIMP get_ValidationRule(BSTR* rule) override {
     return give(rule, [&] { return definition().validationRule; });

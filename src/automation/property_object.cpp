@@ -1,6 +1,7 @@
 #include <wrl/client.h>
 
 #include "data_objects.h"
+#include "platform/text.h"
 
 namespace voxa::automation {
 
@@ -112,14 +113,28 @@ std::vector<HeldValue> heldValues(IDispatch& object) {
 
 }  // namespace
 
-::IProperties* makeProperties(IDispatch* object) {
+::IProperties* makeProperties(IDispatch* object, std::shared_ptr<Database> database) {
   const ComPtr<IDispatch> held(object);
   const auto all = std::make_shared<std::vector<HeldValue>>(heldValues(*object));
+  const auto count = [all, database] {
+    const bool hasVersion = database != nullptr && database->schemaVersion() != 0;
+    return all->size() + (hasVersion ? 1 : 0);
+  };
   return makeCollection<::IProperties, ::IProperty>({
-      .count = [all] { return all->size(); },
-      .item = [held, all](std::size_t i) -> IDispatch* { return new PropertyObject(held, all->at(i)); },
-      .find = [all](const std::string& name) { return findName(name, *all); },
-      .append = nullptr,
+      .count = count,
+      .item = [held, all, database](std::size_t i) -> IDispatch* {
+        if (i == all->size()) return makeVersionProperty(database);
+        return new PropertyObject(held, all->at(i));
+      },
+      .find =
+          [all, count](const std::string& name) {
+            for (std::size_t i = 0; i < count(); ++i) {
+              if (equalNoCase(name, i < all->size() ? (*all)[i].name : versionProperty)) return i;
+            }
+            throw Error(err::dbNoSuchProperty, "There is no property '" + name + "'");
+          },
+      .append = database == nullptr ? std::function<void(IDispatch*)>()
+                                    : [database](IDispatch* own) { appendProperty(database, own); },
       .remove = nullptr,
   });
 }

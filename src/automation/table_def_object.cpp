@@ -25,10 +25,17 @@ void removePart(std::vector<Part>& parts, const std::string& name) {
   parts.erase(parts.begin() + static_cast<std::ptrdiff_t>(at));
 }
 
-/// A change of a column that was appended to a definition which is being filled goes into that definition.
+/// A change of a column goes into the definition to which it was appended. That of a table in the file keeps
+/// its name, type, size and numbering.
 FieldChanged changeOf(const std::shared_ptr<Defined>& defined, const std::string& name) {
   return [defined, name = name](const FieldDef& changed) mutable {
-    if (defined->database != nullptr) refuseChange(changed);
+    if (defined->database != nullptr) {
+      const FieldDef* const old = defined->current().field(name);
+      const bool isAllowed = old != nullptr && changed.name == old->name && changed.type == old->type &&
+                             changed.size == old->size && changed.autoIncrement == old->autoIncrement;
+      if (!isAllowed) refuseChange(changed);
+      return defined->database->alterField(defined->table.name, changed);
+    }
     auto& fields = defined->table.fields;
     fields[findName(name, fields)] = changed;
     name = changed.name;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "app/glob.h"
 #include "app/library.h"
 #include "app/open_database.h"
 #include "app/qdb.h"
@@ -13,8 +14,9 @@ namespace voxa::automation {
 
 namespace {
 
+/// These objects are those of the embedded engine alone, whatever serves the library's own files.
 DatabaseEngine& engine() {
-  return library().engine();
+  return processEmbeddedEngine();
 }
 
 /// Whether a transaction was begun here and has not been ended here.
@@ -142,7 +144,9 @@ class EngineObject final : public EngineMembers<::IDBEngine> {
   STDMETHODIMP get_Version(BSTR* version) override {
     return give(version, [] { return std::string("3.6"); });
   }
-  STDMETHODIMP get_Errors(::IErrors** errors) override { return give(errors, makeErrors); }
+  STDMETHODIMP get_Errors(::IErrors** errors) override {
+    return give(errors, [] { return makeErrors(engine()); });
+  }
   STDMETHODIMP Idle(VARIANT) override { return S_OK; }
 
  private:

@@ -69,6 +69,7 @@ inline constexpr int dbInvalidFieldType = 3259;      ///< operation that fields 
 inline constexpr int dbNotSupported = 3251;          ///< operation that this kind of rows does not have
 inline constexpr int dbLocked = 3260;                ///< locked by another user
 inline constexpr int dbNotInCollection = 3265;       ///< item not found in this collection
+inline constexpr int dbNoSuchProperty = 3270;        ///< property that the object has not
 inline constexpr int dbRequired = 3314;              ///< required field is Null
 inline constexpr int dbZeroLength = 3315;            ///< field does not allow zero-length text
 inline constexpr int dbUnionColumns = 3307;          ///< UNION of different numbers of columns

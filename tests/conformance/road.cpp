@@ -31,6 +31,16 @@ FieldDef fieldOf(const std::string& name, const std::string& type) {
   return field;
 }
 
+Road::Rows Seam::rows(std::string_view sql) {
+  const auto rows = database_->openRecordset(sql);
+  Rows out{rows->fieldCount(), {}};
+  for (; !rows->eof(); rows->moveNext()) {
+    std::vector<Value>& row = out.values.emplace_back();
+    for (std::size_t i = 0; i < out.columns; ++i) row.push_back(rows->get(i));
+  }
+  return out;
+}
+
 namespace {
 
 std::string shown(const Value& value, char type) {

@@ -1,11 +1,12 @@
 #pragma once
 
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "conformance/records.h"
-#include "platform/database/schema.h"
+#include "platform/database/database.h"
 
 namespace voxa::conformance {
 
@@ -25,6 +26,18 @@ class Road {
   virtual void createTable(const TableDef& definition) = 0;
   virtual int execute(std::string_view sql) = 0;  ///< how many rows it changed
   virtual Rows rows(std::string_view sql) = 0;
+};
+
+/// The way through the seam.
+class Seam : public Road {
+ public:
+  explicit Seam(std::shared_ptr<Database> database) : database_(std::move(database)) {}
+  void createTable(const TableDef& definition) override { database_->createTable(definition); }
+  int execute(std::string_view sql) override { return database_->execute(sql); }
+  Rows rows(std::string_view sql) override;
+
+ private:
+  std::shared_ptr<Database> database_;
 };
 
 /// Runs a record. Returns what it should give and what it gave, nothing when they are the same.

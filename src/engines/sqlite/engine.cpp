@@ -61,6 +61,7 @@ void Session::failed(const Error& error) {
                       return d->lostTransaction();
                     });
   if (lost) abandonTransaction();
+  lastFailure = nextFailure();
   errors.assign(1, {error.number(), error.description()});
 }
 
@@ -134,6 +135,7 @@ class SqliteEngine final : public DatabaseEngine {
 
   [[nodiscard]] bool inTransaction() const override { return session_->inTransaction; }
   [[nodiscard]] const std::vector<ErrorInfo>& errors() const override { return session_->errors; }
+  [[nodiscard]] std::uint64_t lastFailure() const override { return session_->lastFailure; }
 
  private:
   void requireTransaction() const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -45,6 +46,7 @@ struct Session {
   const Clock& clock;
   const SqliteOptions options;
   std::vector<ErrorInfo> errors;
+  std::uint64_t lastFailure = 0;
   std::vector<SqliteDatabase*> open;  ///< in the order they were opened
   std::vector<Closed> closed;
   bool inTransaction = false;
