@@ -103,7 +103,7 @@ _wine_run() {
     mount -t proc proc "$root/proc"
     mount --bind "$build" "$root/build"
     exec chroot "$root" env -i HOME=/root WINEPREFIX=/root/win$bits WINEARCH=win$bits \
-      WINESERVER=/usr/lib/wine/wineserver$bits WINEDEBUG=-all VOXA_PROMPTS=console LC_ALL=C.UTF-8 \
+      WINESERVER=/usr/lib/wine/wineserver$bits WINEDEBUG=-all VOXA_PROMPTS=console VOXA_ENGINE="${VOXA_ENGINE-}" LC_ALL=C.UTF-8 \
       sh -c "cd \"/build/\$1\" && shift && exec \"\$@\"" sh "$folder" "$loader" "$@"
   ' sh "$wine_root" "$PWD/build" "$bits" "$loader" "$folder" "$@"
 }

@@ -66,6 +66,11 @@ run() {
       cp "$build/conformance.exe" tests/conformance/*.test "$work/conformance"
       passes conformance conformance.exe
       ;;
+    dao)
+      # The engine over data objects, over those of VOXA.dll.
+      cp "$build/dao_conformance.exe" tests/conformance/*.test src/engines/dao/calls.txt "$work/dao"
+      passes dao dao_conformance.exe
+      ;;
     manifest)
       # Without registration, which is taken back twice: the second time there is none, and that is no failure.
       wine_run "$work/manifest" regsvr32 /u /s VOXA.dll
@@ -87,8 +92,11 @@ run() {
       prints recipes
       ;;
     *)
-      cat tests/automation/{check,installation,"$name"}.vbs >"$work/$name/$name.vbs"
+      # Those that begin with dao have their files served by the engine over data objects.
+      case $name in dao-*) export VOXA_ENGINE=installed:KORVA.DBEngine ;; esac
+      cat tests/automation/{check,installation,"${name#dao-}"}.vbs >"$work/$name/$name.vbs"
       passes "$name" cscript //nologo "$name.vbs"
+      unset VOXA_ENGINE
       shows "$name"
       ;;
   esac
