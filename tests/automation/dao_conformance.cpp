@@ -7,8 +7,10 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <set>
 #include <sstream>
+#include <vector>
 
 #include "conformance/records.h"
 #include "conformance/road.h"
@@ -22,20 +24,37 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::string lineOf(const DaoCall& call) {
-  std::string line = call.kind + "." + call.member + (call.isPut ? " =" : "");
-  for (const std::string& argument : call.arguments) line += " " + argument;
-  return line;
+using Words = std::vector<std::string>;
+
+Words wordsOf(const std::string& line) {
+  std::istringstream in(line);
+  return {std::istream_iterator<std::string>(in), {}};
 }
 
-/// The lines of calls.txt: a call with its arguments, and behind | the numbers that the engine relies on.
-std::set<std::string> readCalls() {
-  std::set<std::string> out;
+Words wordsOf(const DaoCall& call) {
+  Words out{call.kind + "." + call.member};
+  if (call.isPut) out.emplace_back("=");
+  out.insert(out.end(), call.arguments.begin(), call.arguments.end());
+  return out;
+}
+
+/// Whether a call is that of a line: "any" stands for each type, "any..." for one or more arguments.
+bool isOf(const Words& call, const Words& line) {
+  for (std::size_t i = 0; i < line.size(); ++i) {
+    if (i >= call.size()) return false;
+    if (line[i] == "any...") return true;
+    if (line[i] != call[i] && (line[i] != "any" || call[i] == "object" || call[i] == "-")) return false;
+  }
+  return call.size() == line.size();
+}
+
+/// The calls of calls.txt.
+std::vector<Words> readCalls() {
+  std::vector<Words> out;
   std::ifstream in("calls.txt");
   for (std::string line; std::getline(in, line);) {
-    line = line.substr(0, line.find('|'));
-    line.erase(line.find_last_not_of(" \t\r") + 1);
-    if (!line.empty() && line[0] != '#') out.insert(line);
+    const Words words = wordsOf(line.substr(0, line.find_first_of("|#")));
+    if (!words.empty()) out.push_back(words);
   }
   return out;
 }
@@ -84,23 +103,22 @@ int runStory(DatabaseEngine& engine, const Clock& clock) {
 
 int run() {
   const SystemClock clock;
-  std::set<std::string> made;
-  DaoOptions options{.classes = {"KORVA.DBEngine"},
-                     .observer = [&](const DaoCall& call) { made.insert(lineOf(call)); }};
-  if (!isDaoInstalled(options)) std::printf("not installed\n");
+  std::set<Words> made;
+  const DaoOptions options{.classes = {"KORVA.DBEngine"},
+                           .observer = [&](const DaoCall& call) { made.insert(wordsOf(call)); }};
   int failures = 0;
   {
     const auto engine = makeDaoEngine(clock, options);
     failures = runStory(*engine, clock) + runRecords(*engine);
   }
-  const std::set<std::string> known = readCalls();
-  for (const std::string& call : made) {
-    if (known.contains(call)) continue;
+  const std::vector<Words> known = readCalls();
+  for (const Words& call : made) {
+    if (std::any_of(known.begin(), known.end(), [&](const Words& line) { return isOf(call, line); }))
+      continue;
     ++failures;
-    std::printf("not in the table of calls: %s\n", call.c_str());
-  }
-  for (const std::string& call : known) {
-    if (!made.contains(call)) std::printf("not called here: %s\n", call.c_str());
+    std::string line;
+    for (const std::string& word : call) line += " " + word;
+    std::printf("not in the table of calls:%s\n", line.c_str());
   }
   std::printf("%zu different calls\n", made.size());
   return failures;

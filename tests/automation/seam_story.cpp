@@ -220,13 +220,14 @@ class Story {
     const auto place = [&] {
       return std::string(rows->bof() ? "bof " : "") + (rows->eof() ? "eof" : shown(rows->get("Name")));
     };
+    const auto found = [&](bool isFound) { return (isFound ? "yes " : "no ") + place(); };
     note("kind", [&] {
       return std::to_string(static_cast<int>(rows->kind())) + std::to_string(rows->recordCount());
     });
-    note("find", [&] { return (rows->findFirst("Age > 66") ? "yes " : "no ") + place(); });
-    note("find next", [&] { return (rows->findNext("Age > 66") ? "yes " : "no ") + place(); });
-    note("find previous", [&] { return (rows->findPrevious("Age = 1") ? "yes " : "no ") + place(); });
-    note("find last", [&] { return (rows->findLast("Name LIKE 'B*'") ? "yes " : "no ") + place(); });
+    note("find", [&] { return found(rows->findFirst("Age > 66")); });
+    note("find next", [&] { return found(rows->findNext("Age > 66")); });
+    note("find previous", [&] { return found(rows->findPrevious("Age = 1")); });
+    note("find last", [&] { return found(rows->findLast("Name LIKE 'B*'")); });
     act("find by nothing", [&] { (void)rows->findFirst("Nothing = 1"); });
     note("position", [&] { return std::to_string(rows->absolutePosition()); });
     note("to a position", [&] {
@@ -287,8 +288,10 @@ class Story {
     note("seek", [&] {
       table->setIndex("byname");
       std::string out = table->index();
-      for (const auto how : {SeekComparison::equal, SeekComparison::greater, SeekComparison::less})
-        out += (table->seek(how, {"cy"}) ? " yes " : " no ") + shown(table->get("Name"));
+      for (const auto how : {SeekComparison::equal, SeekComparison::greater, SeekComparison::less}) {
+        out += table->seek(how, {"cy"}) ? " yes " : " no ";
+        out += shown(table->get("Name"));
+      }
       return out;
     });
     act("no table", [&] { (void)open("Older", {.kind = RecordsetKind::table}); });
