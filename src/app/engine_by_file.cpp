@@ -22,7 +22,7 @@ std::string headOf(std::string_view path) {
 
 }  // namespace
 
-bool isJetFile(std::string_view head) {
+bool isJetHead(std::string_view head) {
   return head.starts_with(std::string_view("\0\1\0\0Standard Jet DB\0", 20));
 }
 
@@ -45,7 +45,7 @@ std::shared_ptr<Database> EngineByFile::open(std::string_view path, FileUse use)
     for (const Further& each : further_) {
       if (each.serves(head)) return each.engine->open(path, use);
     }
-    if (!isJetFile(head)) throw;
+    if (!isJetHead(head)) throw;
   }
   refuse({err::dbNotADatabase,
           std::string(path) +

@@ -50,6 +50,6 @@ class EngineByFile final : public DatabaseEngine {
 };
 
 /// Whether a file with these first bytes is one of the Jet database engine.
-[[nodiscard]] bool isJetFile(std::string_view head);
+[[nodiscard]] bool isJetHead(std::string_view head);
 
 }  // namespace voxa

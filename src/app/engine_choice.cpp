@@ -37,7 +37,7 @@ std::unique_ptr<DatabaseEngine> makeEngine(const Clock& clock, std::shared_ptr<D
     if (installs && className.starts_with("KORVA."))
       return std::make_unique<EngineByFile>(installed, std::vector<EngineByFile::Further>(), installed);
     return std::make_unique<EngineByFile>(embedded,
-                                          std::vector<EngineByFile::Further>{{isJetFile, installed}},
+                                          std::vector<EngineByFile::Further>{{isJetHead, installed}},
                                           installs ? installed : embedded);
   }
 #else
