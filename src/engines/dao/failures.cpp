@@ -25,6 +25,7 @@ constexpr Pair pairs[] = {
     {3141, err::dbSyntax},            // in SELECT
     {3142, err::dbSyntax},            // behind the end of the statement
     {3144, err::dbSyntax},            // in UPDATE
+    {3283, err::dbInvalidArgument},   // a second primary key
     {3284, err::dbInvalidArgument},   // an index of that name exists
     {3290, err::dbSyntax},            // in CREATE TABLE
     {3292, err::dbSyntax},            // in the definition of a field
