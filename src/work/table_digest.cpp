@@ -17,7 +17,7 @@ std::uint64_t mixed(std::uint64_t hash, std::uint64_t word) {
 }
 
 std::uint64_t mixed(std::uint64_t hash, std::string_view bytes) {
-  hash = mixed(hash, bytes.size());
+  hash = mixed(hash, std::uint64_t{bytes.size()});
   std::uint64_t word = 0;
   for (std::size_t i = 0; i < bytes.size(); ++i) {
     word = word << 8U | static_cast<unsigned char>(bytes[i]);
@@ -31,7 +31,7 @@ std::uint64_t mixed(std::uint64_t hash, double number) {
 }
 
 std::uint64_t mixed(std::uint64_t hash, const Value& value) {
-  hash = mixed(hash, value.data().index());
+  hash = mixed(hash, std::uint64_t{value.data().index()});
   return std::visit(
       [&](const auto& held) {
         using Held = std::decay_t<decltype(held)>;

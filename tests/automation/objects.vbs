@@ -11,7 +11,7 @@ IsTrue "parent", db.Parent Is workspace
 Equal "database", db.Version & db.Connect & db.Updatable & db.Transactions & db.CollatingOrder & db.QueryTimeout, _
   "4.0TrueTrue103360"
 text = "": For Each item In db.Properties: text = text & item.Name & " ": Next
-Equal "properties", text, "Name RecordsAffected Version connect Updatable Transactions CollatingOrder QueryTimeout "
+Equal "properties", text, "Name RecordsAffected Version connect Updatable Transactions CollatingOrder QueryTimeout SchemaVersion "
 Equal "a property", db.Properties("updatable") & db.Properties("Name").Type & db.Properties("Updatable").Inherited, "True10False"
 db.Properties("QueryTimeout") = 30: Equal "a property that is set", db.QueryTimeout, 30
 

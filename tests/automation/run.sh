@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Drives VOXA.dll from real clients under Wine: the scripts beside this file by the script host, the early-bound
-# client, the records of tests/conformance by a late-bound one, and, through VOXAserver.exe, the 64-bit client and the
-# 64-bit script host. Needs root, the Windows build in build/windows-x86 and the Wine of scripts/wine.sh.
+# client, the records of tests/conformance by a late-bound one and by the engine over data objects, and, through
+# VOXAserver.exe, the 64-bit client and the 64-bit script host. Needs root, the Windows build in build/windows-x86 and the Wine of scripts/wine.sh.
 # Usage: run.sh [NAME...]; all of them without a name.
 set -euo pipefail
 cd "$(dirname "$0")/../.."
@@ -103,7 +103,7 @@ run() {
 }
 
 names=("$@")
-[ ${#names[@]} -gt 0 ] || names=(story values objects client client64 conformance example example64 manifest)
+[ ${#names[@]} -gt 0 ] || names=(story values objects client client64 conformance dao dao-story example example64 manifest)
 for name in "${names[@]}"; do run "$name"; done
 wine_run "$work/$name" regsvr32 /u /s VOXA.dll
 exit "$((failures > 0))"

@@ -11,6 +11,12 @@ Sub AddRow(table, values)
   rows.Close
 End Sub
 
+' Whatever serves the file, the main database is the object that its engine has.
+Dim opened, isThere: isThere = False
+For Each opened In CreateObject("KORVA.DBEngine").Workspaces(0).Databases: If opened Is db Then isThere = True
+Next
+IsTrue "the main database is the engine's", isThere
+
 ' Doors and times.
 Dim station: station = qdb.Stations.getName(1)
 AddRow "Readers", Array("Id", qdb.Readers.getFreeId, "Name", "Front door", "StationId", 1, _

@@ -25,16 +25,16 @@ constexpr Pair pairs[] = {
     {3141, err::dbSyntax},            // in SELECT
     {3142, err::dbSyntax},            // behind the end of the statement
     {3144, err::dbSyntax},            // in UPDATE
-    {3270, err::dbNoSuchProperty},   {3283, err::dbInvalidArgument},  // a second primary key
-    {3284, err::dbInvalidArgument},                                   // an index of that name exists
-    {3290, err::dbSyntax},                                            // in CREATE TABLE
-    {3292, err::dbSyntax},                                            // in the definition of a field
-    {3293, err::dbSyntax},                                            // in ALTER TABLE
-    {3373, err::dbNoUniqueIndex},                                     // a relation to a table without a key
-    {3374, err::dbNoUniqueIndex},                                     // to fields without a unique index
-    {3379, err::dbRelatedMissing},                                    // a relation that rows break
-    {3381, err::dbNotInCollection},                                   // no such field
-    {3409, err::dbNotInCollection},                                   // an index on an unknown field
+    {3283, err::dbInvalidArgument},   // a second primary key
+    {3284, err::dbInvalidArgument},   // an index of that name exists
+    {3290, err::dbSyntax},            // in CREATE TABLE
+    {3292, err::dbSyntax},            // in the definition of a field
+    {3293, err::dbSyntax},            // in ALTER TABLE
+    {3373, err::dbNoUniqueIndex},     // a relation to a table without a key
+    {3374, err::dbNoUniqueIndex},     // to fields without a unique index
+    {3379, err::dbRelatedMissing},    // a relation that rows break
+    {3381, err::dbNotInCollection},   // no such field
+    {3409, err::dbNotInCollection},   // an index on an unknown field
 };
 
 /// The entries of the collection; none when it cannot be read.
