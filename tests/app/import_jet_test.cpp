@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 #include "app/import_installation.h"
 #include "engines/sqlite/engine.h"
 #include "jet/jet_writer.h"
@@ -22,6 +24,10 @@ class Silent : public Observer {
 class JetInstallations : public testing::TestWithParam<int> {
  protected:
   using W = jet::JetWriter;
+
+  void TearDown() override {
+    std::filesystem::current_path(before_);
+  }  // one that was not opened stays within
 
   void writeOld(bool badCard) const {
     W w({.version = GetParam()});
@@ -56,6 +62,7 @@ class JetInstallations : public testing::TestWithParam<int> {
                               false, silent);
   }
 
+  const std::filesystem::path before_ = std::filesystem::current_path();
   TemporaryFolder folder;
   SystemClock clock;
   ScriptedPrompts prompts;
