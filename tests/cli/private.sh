@@ -34,6 +34,8 @@ succeeds sim swipe --station Local --reader Front --code 815
 succeeds read --reader Front
 succeeds read
 succeeds export cards "$folder/cards.csv"
+succeeds export sql "$folder/all.sql"
+succeeds export csv "$folder/tables"
 succeeds db save "$folder/saved.mdb"
 succeeds --yes db restore "$folder/saved.mdb"
 rm out err
@@ -50,6 +52,10 @@ hides() {
   succeeds "$@" --show-pins
   grep -q 2468 out || fail "no personal code is shown by: $* --show-pins"
 }
+succeeds export csv "$folder/masked"
+! grep -rq 2468 "$folder/masked" || fail "a personal code is shown by: export csv"
+succeeds export csv "$folder/shown" --show-pins
+grep -rq 2468 "$folder/shown" || fail "no personal code is shown by: export csv --show-pins"
 hides card list
 hides card find Ann --json
 hides export cards

@@ -328,6 +328,29 @@ refuses "Card code already in use" card add Twin --code "0000:;12" --group 0
 succeeds group delete 1 --move-cards-to Cars
 holds "" Local 1
 
+# The whole database in other forms and back, and an installation of another one's files.
+refuses "ends in .sql" export sql all.txt
+succeeds export sql all.sql
+succeeds db convert all.sql again.mdb
+refuses "again.mdb already" db convert all.sql again.mdb
+refuses "Could not find" db convert none.mdb unmade.mdb
+succeeds export sql again.sql --file again.mdb
+cmp -s all.sql again.sql || fail "a database does not come back from its statements"
+sed -i '$d' again.sql
+refuses "The file ends" db convert again.sql cut.mdb
+[ -e cut.mdb ] && fail "half a database is made"
+succeeds export csv tables
+grep -q "Porte été" tables/Readers.csv || fail "a table for spreadsheets lacks a row"
+from=$plant plant=bought
+refuses "no table Stations" import mdb "$from/Journal.MDB"
+succeeds import mdb "$from/KRV.mdb" --journal "$from/Journal.MDB" --dry-run
+[ -e bought/KRV.mdb ] && fail "a trial leaves an installation"
+succeeds import mdb "$from/KRV.mdb" --journal "$from/Journal.MDB" --texts "$from/I18N.MDB"
+refuses "holds an installation" import mdb "$from/KRV.mdb"
+succeeds plan
+shows "nothing is known of it"
+plant=$from
+
 # Tables of cards: all or nothing, and out again as they came in.
 printf '\xEF\xBB\xBFNumber,name,code,group,until\r\n40,Good,C1,Cars,\r\n40,Twin,C2,Cars,\r\n,Open,"C3,Cars,\n' >bad.csv
 printf ',No code,,Cars,\n,"Two\nlines",C4,Cars,\n,Few,C5\n,Day,C6,Cars,31/02/2027\n,中,C7,Cars,\n' >>bad.csv

@@ -5,90 +5,12 @@
 #include "engines/sqlite/ddl.h"
 #include "engines/sqlite/errors.h"
 #include "engines/sqlite/sqlite_recordset.h"
+#include "engines/sqlite/statement_inputs.h"
 #include "platform/text.h"
 
 namespace voxa {
 
 namespace {
-
-/// So many times a statement is translated again because another user keeps changing the schema.
-constexpr int schemaRetries = 20;
-
-/// A statement whose text is read once and holds for as long as the database is open.
-class SqliteCommand final : public Command {
- public:
-  SqliteCommand(std::shared_ptr<SqliteDatabase> database, std::string_view sql)
-      : database_(std::move(database)), sql_(sql), change_(database_->translateChange(sql_)) {}
-
-  int execute(const std::vector<Value>& values) override { return database_->run(change_, sql_, values); }
-
- private:
-  std::shared_ptr<SqliteDatabase> database_;
-  std::string sql_;
-  SqliteDatabase::Owned change_;
-};
-
-/// The value for a slot, and, for a parameter, its declaration.
-using Input = std::pair<const Value*, const FieldDef*>;
-
-/// rows: whether the statement must give rows.
-void requireKind(const dialect::Translation& translation, bool rows) {
-  if (rows == (translation.kind == dialect::Translation::Kind::select)) return;
-  if (rows) throw Error(err::dbInvalidOperation, "A statement that makes changes has no rows to open");
-  throw Error(err::dbSelectExecuted, "A query that selects rows cannot be executed");
-}
-
-/// Which declared parameter a slot stands for. The translation makes slots for declared ones only.
-std::size_t declaredIndex(const dialect::Translation& translation, std::string_view name) {
-  const auto found = std::find_if(translation.parameters.begin(), translation.parameters.end(),
-                                  [&](const FieldDef& declared) { return equalNoCase(declared.name, name); });
-  return static_cast<std::size_t>(found - translation.parameters.begin());
-}
-
-bool isDeclared(const dialect::Translation& translation, const FieldDef& parameter) {
-  return &parameter < translation.parameters.data() + translation.declared;
-}
-
-[[noreturn]] void failUndeclared(const std::string& name) {
-  throw Error(err::dbTooFewParameters,
-              "Too few parameters: \"" + name + "\" is neither a field nor a parameter");
-}
-
-const Value& parameterValue(const SqliteDatabase::Parameters& parameters, std::string_view name,
-                            bool declared) {
-  for (const auto& [given, value] : parameters) {
-    if (equalNoCase(given, name)) return value;
-  }
-  if (!declared) failUndeclared(std::string(name));
-  throw Error(err::dbTooFewParameters, "Parameter '" + std::string(name) + "' has no value");
-}
-
-/// What goes into a slot of a statement that is run with its literals and with values for its parameters.
-Input inputOf(const dialect::Translation& translation, std::size_t index, const std::vector<Value>& literals,
-              const SqliteDatabase::Parameters& parameters) {
-  const dialect::Slot& slot = translation.slots[index];
-  if (slot.literal) return {&literals[*slot.literal], nullptr};
-  if (slot.constant) return {&*slot.constant, nullptr};
-  const FieldDef& parameter = translation.parameters[declaredIndex(translation, slot.parameter)];
-  return {&parameterValue(parameters, slot.parameter, isDeclared(translation, parameter)), &parameter};
-}
-
-/// The value of a slot that is no parameter; nullptr for one that is.
-const Value* ownedLiteral(const SqliteDatabase::Owned& owned, std::size_t index) {
-  const dialect::Slot& slot = owned.prepared.translation->slots[index];
-  if (slot.literal) return &owned.literals[*slot.literal];
-  return slot.constant ? &*slot.constant : nullptr;
-}
-
-/// Whether convertForField would return the same value.
-bool isStoredAsIs(const Value& value, const FieldDef& field) {
-  if (const auto* text = std::get_if<std::string>(&value.data())) {
-    // A text never has more characters than bytes.
-    return field.type == DataType::Memo ||
-           (field.type == DataType::Text && text->size() <= static_cast<std::size_t>(field.size));
-  }
-  return field.type == DataType::Long && std::holds_alternative<std::int32_t>(value.data());
-}
 
 /// The statement that gives only the row numbers of a result. It names the columns that it does not read, so
 /// that SQLite goes the same way through the table, and the rows come in the same order.
@@ -220,101 +142,6 @@ void SqliteDatabase::failChange(int code, std::string_view table) {
   if ((code & 0xff) != SQLITE_CONSTRAINT) open.connection.fail(code);
   const std::string text = open.connection.message();
   throw constraintFailure(code, text, table, open.catalog);
-}
-
-template <typename InputOf>
-void SqliteDatabase::bind(Statement& statement, const dialect::Translation& translation, InputOf&& inputOf) {
-  const std::vector<dialect::Slot>& slots = translation.slots;
-  converted_.clear();  // room for two values a slot, since bound values must not move
-  converted_.reserve(2 * slots.size());
-  const auto convert = [&](const Value& value, const FieldDef& field) -> const Value& {
-    if (isStoredAsIs(value, field)) return value;
-    return converted_.emplace_back(convertForField(value, field.type, field.size, &session_->clock));
-  };
-  for (std::size_t i = 0; i < slots.size(); ++i) {
-    const auto [input, declared] = inputOf(i);
-    const Value* value = input;
-    // What no declaration tells is what it stands beside.
-    const bool told = declared != nullptr && (isDeclared(translation, *declared) || !slots[i].convertTo);
-    if (told) value = &convert(*value, *declared);
-    if (slots[i].convertTo) value = &convert(*value, *slots[i].convertTo);
-    statement.bind(static_cast<int>(i) + 1, *value);
-  }
-}
-
-SqliteDatabase::Owned SqliteDatabase::translateChange(std::string_view sql) {
-  Prepared made = translate(sql);
-  dialect::scan(sql, scanned_, &session_->clock);
-  Owned change{std::move(made), scanned_.literals, {}};
-  const dialect::Translation& translation = *change.prepared.translation;
-  requireKind(translation, false);
-  using Kind = dialect::Translation::Kind;
-  if (translation.kind == Kind::into || translation.kind == Kind::definition)
-    throw Error(err::dbInvalidOperation, "A statement that makes or changes a table cannot be prepared");
-  for (const dialect::Slot& slot : translation.slots) {
-    change.parameters.push_back(slot.literal || slot.constant ? 0
-                                                              : declaredIndex(translation, slot.parameter));
-  }
-  return change;
-}
-
-SqliteDatabase::Owned SqliteDatabase::translateTest(std::string_view text,
-                                                    const std::vector<FieldDef>& columns) {
-  OpenFile& open = file();
-  const ReadTogether look(open.connection);
-  open.catalog.refresh();
-  dialect::scan(text, scanned_, &session_->clock);
-  dialect::RowTest test = dialect::translateRowTest(text, columns, open.catalog);
-  if (!test.translation.parameters.empty()) failUndeclared(test.translation.parameters[0].name);
-  Statement statement = open.connection.prepareForSchema(test.translation.sql);
-  Prepared prepared{std::make_shared<const dialect::Translation>(std::move(test.translation)),
-                    std::move(statement)};
-  Owned out{std::move(prepared), scanned_.literals, {}, std::move(test.descending)};
-  for (std::size_t i = 0; i < columns.size(); ++i) out.parameters.push_back(i);
-  return out;
-}
-
-Statement& SqliteDatabase::bindRow(Owned& test, const Value* row) {
-  bind(test.prepared.statement, *test.prepared.translation, [&](std::size_t i) -> Input {
-    return {i < test.parameters.size() ? row + i : ownedLiteral(test, i), nullptr};
-  });
-  return test.prepared.statement;
-}
-
-int SqliteDatabase::run(Owned& change, std::string_view sql, const std::vector<Value>& values) {
-  return session_->guarded([&] {
-    beginChange();
-    for (int attempt = 0;; ++attempt) {
-      OpenFile& open = file();
-      const dialect::Translation& translation = *change.prepared.translation;
-      if (values.size() < translation.parameters.size() && values.size() >= translation.declared)
-        failUndeclared(translation.parameters[values.size()].name);
-      if (values.size() != translation.parameters.size()) {
-        throw Error(err::dbTooFewParameters,
-                    "The statement has " + std::to_string(translation.parameters.size()) +
-                        " parameters and was given " + std::to_string(values.size()) + " values");
-      }
-      bind(change.prepared.statement, translation, [&](std::size_t i) -> Input {
-        if (const Value* literal = ownedLiteral(change, i)) return {literal, nullptr};
-        const std::size_t parameter = change.parameters[i];
-        return {&values[parameter], &translation.parameters[parameter]};
-      });
-      const int code = change.prepared.statement.step();
-      if (code == SQLITE_DONE) {
-        change.prepared.statement.reset();
-        ++generation_;
-        return open.connection.changes();
-      }
-      if ((code & 0xff) != SQLITE_SCHEMA || attempt == schemaRetries) failChange(code, translation.table);
-      schemaChanged();
-      change = translateChange(sql);
-    }
-  });
-}
-
-std::unique_ptr<Command> SqliteDatabase::prepare(std::string_view sql) {
-  return session_->guarded(
-      [&] { return std::unique_ptr<Command>(std::make_unique<SqliteCommand>(shared_from_this(), sql)); });
 }
 
 template <typename Run>

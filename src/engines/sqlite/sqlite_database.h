@@ -24,7 +24,8 @@ class ResultRows;
 /// One open database file of the embedded engine. Definitions (tables, relations, stored queries), their
 /// version and copies of the file are in sqlite_schema.cpp, changes of tables that exist in
 /// schema_changes.cpp, statements of definitions in definition_statements.cpp, the way from a text to a
-/// statement in statement_texts.cpp, everything else in sqlite_database.cpp.
+/// statement in statement_texts.cpp, statements of one owner in owned_statements.cpp, everything else in
+/// sqlite_database.cpp.
 class SqliteDatabase final : public Database, public std::enable_shared_from_this<SqliteDatabase> {
  public:
   /// path: full and native, of a file that is known to be a database of this engine. connection: to it; in a
