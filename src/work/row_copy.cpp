@@ -93,8 +93,12 @@ std::string keyOfRow(const TableDef& table, const std::vector<std::string>& fiel
 }
 
 void RowCopy::compare() {
-  if (digestOf(to_, target_.name, fields_) == written_) return;
-  throw Error(err::internalError, "The table " + target_.name +
+  requireSame(target_.name, written_, digestOf(to_, target_.name, fields_));
+}
+
+void requireSame(const std::string& table, const TableDigest& original, const TableDigest& copy) {
+  if (original == copy) return;
+  throw Error(err::internalError, "The table " + table +
                                       " does not hold the rows that were written to it; nothing of them is "
                                       "kept. Try again, on another disk if it fails again");
 }

@@ -36,8 +36,7 @@ class RowCopy {
 
   [[nodiscard]] std::size_t read() const { return read_; }
   [[nodiscard]] const TableDigest& written() const { return written_; }
-  /// `err::internalError` when the table does not hold exactly what was written. Only for one that was empty
-  /// before.
+  /// requireSame of what was written and what the table holds. Only for one that was empty before.
   void compare();
 
  private:
@@ -55,6 +54,9 @@ class RowCopy {
 /// What a person calls a row: "CardNum 12", or "row 17" (number) in a table without a primary key.
 [[nodiscard]] std::string keyOfRow(const TableDef& table, const std::vector<std::string>& fields,
                                    const Value* row, std::size_t number);
+
+/// `err::internalError` when a copy does not hold what it is a copy of.
+void requireSame(const std::string& table, const TableDigest& original, const TableDigest& copy);
 
 /// Whether an error is about the values of one row, and others can be written all the same.
 [[nodiscard]] bool isAboutRow(const Error& error);

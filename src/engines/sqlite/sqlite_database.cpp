@@ -63,6 +63,7 @@ void SqliteDatabase::commit() {
   if (!opened().locked) return;
   file_->connection.run("COMMIT");
   file_->locked = false;
+  letGo();
 }
 
 void SqliteDatabase::rollback() {
@@ -74,6 +75,7 @@ void SqliteDatabase::rollback() {
   open.catalog.invalidate();
   open.names.clear();
   if (running) open.connection.run("ROLLBACK");
+  letGo();
 }
 
 SqliteDatabase::OpenFile& SqliteDatabase::opened() const {

@@ -24,8 +24,8 @@ class ResultRows;
 /// One open database file of the embedded engine. Definitions (tables, relations, stored queries), their
 /// version and copies of the file are in sqlite_schema.cpp, changes of tables that exist in
 /// schema_changes.cpp, statements of definitions in definition_statements.cpp, the way from a text to a
-/// statement in statement_texts.cpp, statements of one owner in owned_statements.cpp, everything else in
-/// sqlite_database.cpp.
+/// statement in statement_texts.cpp, rows of another file in taking_rows.cpp, statements of one owner in
+/// owned_statements.cpp, everything else in sqlite_database.cpp.
 class SqliteDatabase final : public Database, public std::enable_shared_from_this<SqliteDatabase> {
  public:
   /// path: full and native, of a file that is known to be a database of this engine. connection: to it; in a
@@ -50,6 +50,7 @@ class SqliteDatabase final : public Database, public std::enable_shared_from_thi
                                                          RowOptions options) override;
   void visitRows(std::string_view source, const std::function<bool(const Value* row)>& visit,
                  const Parameters& parameters) override;
+  bool takeRows(Database& from, std::string_view table) override;
   [[nodiscard]] QueryInfo describe(std::string_view source) override;
 
   [[nodiscard]] std::size_t schemaVersion() const override;
@@ -138,7 +139,8 @@ class SqliteDatabase final : public Database, public std::enable_shared_from_thi
     Catalog catalog;
     StatementCache translated;
     StatementCache own;
-    bool locked;  ///< the engine's transaction has locked the file
+    bool locked;            ///< the engine's transaction has locked the file
+    std::string takenFrom;  ///< the file that rows were taken from at once in this transaction; "" for none
     /// Relations of this transaction that are not in the file yet. Several in a row are written together,
     /// since SQLite reads the whole schema again after each such change.
     std::vector<Relation> unwritten;
@@ -149,6 +151,7 @@ class SqliteDatabase final : public Database, public std::enable_shared_from_thi
   };
 
   OpenFile& opened() const;  ///< 3420 when closed
+  void letGo();              ///< of the file that rows were taken from; when the transaction has ended
   OpenFile& file()
       const;  ///< the same, after the relations that were put off are written; for all that changes rows
   void writeRelations(const std::vector<Relation>& relations) const;

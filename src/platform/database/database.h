@@ -73,6 +73,9 @@ class Database {
   /// changes meanwhile. 3421 for a value that has not the type of its field.
   virtual void visitRows(std::string_view source, const std::function<bool(const Value* row)>& visit,
                          const Parameters& parameters = {}) = 0;
+  /// Takes all rows of a table of another database into the empty table of that name, within a transaction.
+  /// False: the engine cannot do that at once for these two, or a row cannot be; then none was taken.
+  virtual bool takeRows(Database& /*from*/, std::string_view /*table*/) { return false; }
   /// What a statement, or the table or stored query of that name, is. Errors as when it is run.
   [[nodiscard]] virtual QueryInfo describe(std::string_view source) = 0;
 
