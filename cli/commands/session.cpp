@@ -101,6 +101,8 @@ void Session::explainFailure(const std::string& command) {
       say(error.description);
     } else if (installation_.isOpen()) {
       strings().display("msgUnexpecErr", command, error);
+    } else if (constexpr int firstOfEngine = 3000; error.number >= firstOfEngine) {
+      say(error.description);  // a sentence of the database engine
     } else {
       say("Error " + std::to_string(error.number) + ": " + error.description);
     }

@@ -14,9 +14,23 @@ namespace voxa {
 
 namespace {
 
-/// What is made under another name until it is whole. A name that a kill has left is taken again.
+/// What is made has another name until it is whole. What has that name already may be somebody's.
 std::string unfinished(const std::string& path) {
-  return path + "~unfinished";
+  std::string name = path + "~unfinished";
+  if (files::exists(name)) {
+    throw Error(err::fileExists,
+                "There is " + name +
+                    " already, which a command that was broken off has left, or which is still made: "
+                    "delete it, or name another target");
+  }
+  return name;
+}
+
+void addNotes(const Database& source, Transferred& done, RefusedRows* refused) {
+  const ReaderNotes notes = notesOf(source);
+  done.notes.insert(done.notes.end(), notes.sentences.begin(), notes.sentences.end());
+  done.damaged = notes.damaged;
+  if (notes.damaged && refused != nullptr) refused->addDamage(notes.sentences);
 }
 
 Transferred convertInto(DatabaseEngine& engine, const std::string& from, const std::string& to, bool script,
@@ -24,19 +38,19 @@ Transferred convertInto(DatabaseEngine& engine, const std::string& from, const s
   if (script) {
     const auto source = engine.open(from, FileUse::reading);
     Transferred done = writeScript(*source, to, observer);
-    done.notes = notesOf(*source);
+    addNotes(*source, done, &refused);
     source->close();
     return done;
   }
   const auto target = engine.create(to);
   Transferred done;
+  const OnRefused note = [&](const RefusedRow& row) { refused.add(row); };
   if (isScript(from)) {
-    done = readScript(from, engine, *target, observer);
+    done = readScript(from, engine, *target, note, observer);
   } else {
     const auto source = engine.open(from, FileUse::reading);
-    done = transfer(
-        *source, engine, *target, [&](const RefusedRow& row) { refused.add(row); }, observer);
-    for (const std::string& note : notesOf(*source)) done.notes.push_back(note);
+    done = transfer(*source, engine, *target, note, observer);
+    addNotes(*source, done, &refused);
     source->close();
   }
   target->close();
@@ -49,7 +63,6 @@ Transferred convertDatabase(const Clock& clock, const std::string& from, const s
                             RefusedRows& refused, Observer& observer) {
   if (files::exists(to)) throw Error(err::fileExists, "There is a file " + to + " already");
   const std::string made = unfinished(to);
-  files::removeRegular(made);
   const auto engine = makeFileEngine(clock, {.write = true, .codes = true});
   try {
     Transferred done = convertInto(*engine, from, made, isScript(to), refused, observer);
@@ -59,6 +72,7 @@ Transferred convertDatabase(const Clock& clock, const std::string& from, const s
   } catch (...) {
     for (const auto& open : engine->databases()) open->close();
     files::removeRegular(made);
+    files::removeRegular(made + "-journal");
     throw;
   }
 }
@@ -67,32 +81,38 @@ Transferred exportTables(const Clock& clock, const std::string& from, const std:
                          Observer& observer) {
   namespace fs = std::filesystem;
   if (files::exists(folder)) throw Error(err::fileExists, "There is a file or folder " + folder + " already");
-  const std::string made = files::native(unfinished(folder));
-  std::error_code failure;
-  if (fs::is_directory(fs::symlink_status(made, failure))) fs::remove_all(made, failure);
-  files::makeFolder(made);
   const auto engine = makeFileEngine(clock, {.codes = codes});
   const auto database = engine->open(from, FileUse::reading);
-  Transferred done;
-  std::size_t rows = 0;
-  CsvNames names;
-  for (const std::string& table : database->tableNames()) {
-    TransferredTable& written = done.tables.emplace_back(TransferredTable{table});
-    std::vector<std::string> columns;
-    for (const FieldDef& field : database->tableDef(table).fields) columns.push_back(field.name);
-    TableCsv file(made + "/" + names.of(table), columns);
-    database->visitRows("[" + table + "]", [&](const Value* row) {
-      file.write(row, columns.size());
-      ++written.read;
-      observer.progress("Writing row", ++rows, 0);
-      return true;
-    });
-    file.close();
-    written.written = written.read;
+  const std::string made = files::native(unfinished(folder));
+  files::makeFolder(made);
+  std::error_code failure;
+  try {
+    Transferred done;
+    CsvNames names;
+    std::size_t rows = 0;
+    for (const std::string& table : database->tableNames()) {
+      TransferredTable& written = done.tables.emplace_back(TransferredTable{table});
+      std::vector<std::string> columns;
+      for (const FieldDef& field : database->tableDef(table).fields) columns.push_back(field.name);
+      TableCsv file(made + "/" + names.of(table), columns);
+      database->visitRows("[" + table + "]", [&](const Value* row) {
+        file.write(row, columns.size());
+        ++written.read;
+        observer.progress("Writing row", ++rows, 0);
+        return true;
+      });
+      file.close();
+      written.written = written.read;
+    }
+    addNotes(*database, done, nullptr);
+    fs::rename(made, files::native(folder), failure);
+    if (failure)
+      throw Error(err::pathAccess, "The folder " + folder + " cannot be made: " + failure.message());
+    return done;
+  } catch (...) {
+    fs::remove_all(made, failure);
+    throw;
   }
-  fs::rename(made, files::native(folder), failure);
-  if (failure) throw Error(err::pathAccess, "The folder " + folder + " cannot be made: " + failure.message());
-  return done;
 }
 
 }  // namespace voxa

@@ -54,12 +54,12 @@ std::unique_ptr<DatabaseEngine> makeFileEngine(const Clock& clock, FileRights ri
       embedded, std::vector<EngineByFile::Further>{jetFiles(clock, rights, secrets)}, embedded);
 }
 
-std::vector<std::string> notesOf(const Database& database) {
+ReaderNotes notesOf(const Database& database) {
 #ifdef _WIN32
   (void)database;
   return {};
 #else
-  return jetFileNotes(database);
+  return {jetFileNotes(database), isDamagedJetFile(database)};
 #endif
 }
 

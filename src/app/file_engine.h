@@ -23,7 +23,11 @@ struct FileRights {
 /// they are: nothing brings them forward, and they keep their way of making changes whole.
 [[nodiscard]] std::unique_ptr<DatabaseEngine> makeFileEngine(const Clock& clock, FileRights rights);
 
-/// What a reader of a file could not take over from it, in sentences.
-[[nodiscard]] std::vector<std::string> notesOf(const Database& database);
+/// What the reader of a file could not take over from it. To be asked when its rows have been read.
+struct ReaderNotes {
+  std::vector<std::string> sentences;
+  bool damaged = false;  ///< some tell of tables, rows or values that the file once held
+};
+[[nodiscard]] ReaderNotes notesOf(const Database& database);
 
 }  // namespace voxa

@@ -58,6 +58,7 @@ class Import {
       : library_(library),
         source_(source),
         observer_(observer),
+        all_(refused),
         refused_([&refused](const RefusedRow& row) { refused.add(row); }) {}
 
   Transferred run(const OldFiles& old) {
@@ -66,12 +67,14 @@ class Import {
     if (!old.journal.empty()) {
       const auto journal = openOld(source_, old.journal, "Journal", "journal");
       take(*journal, *library_.Journal().DB(), "Journal");
+      addNotes(*journal);
     }
     if (!old.texts.empty()) {
       const auto texts = openOld(source_, old.texts, "Strings", "store of message texts");
       BuiltInRows own(library_.Strings().database(), {"Strings"});
       take(*texts, library_.Strings().database(), "Strings");
       own.putBack("Strings");
+      addNotes(*texts);
     }
     transaction.commit();
     requireMainDatabase(library_.QDB().database(), library_.QDB().definitions());
@@ -92,20 +95,31 @@ class Import {
     }
     for (const std::string& table : from.tableNames()) {
       if (isOneOf(ours, table)) continue;
-      done_.tables.push_back(copyTable(from, from.tableDef(table), to, refused_, observer_));
+      copyTable(from, from.tableDef(table), to, refused_, done_, observer_);
       done_.notes.push_back("The table " + table + " is kept; this system does not use it.");
     }
+    std::vector<Relation> kept;
     for (const Relation& relation : from.relations()) {
-      if (isOneOf(ours, relation.foreignTable)) continue;  // ours has its own
-      (void)relate(to, relation, refused_);
-      ++done_.relations;
+      if (!isOneOf(ours, relation.foreignTable)) {
+        kept.push_back(relation);
+      } else if (!isOneOf(ours, relation.table)) {
+        done_.notes.push_back("The relation " + relation.name + " from " + relation.table + " to " +
+                              relation.foreignTable + " is not taken over.");
+      }
     }
+    copyRelations(to, kept, refused_, done_);
     std::vector<std::string> own;
     for (const QueryDef& query : to.queries()) own.push_back(query.name);
     for (const QueryDef& query : from.queries()) {
       if (!isOneOf(own, query.name)) copyQuery(to, query, done_);
     }
-    for (const std::string& note : notesOf(from)) done_.notes.push_back(note);
+    addNotes(from);
+  }
+
+  void addNotes(const Database& from) {
+    const ReaderNotes notes = notesOf(from);
+    done_.notes.insert(done_.notes.end(), notes.sentences.begin(), notes.sentences.end());
+    if (notes.damaged) all_.addDamage(notes.sentences);
   }
 
   void take(Database& from, Database& to, const std::string& table) {
@@ -118,6 +132,7 @@ class Import {
   Library& library_;
   DatabaseEngine& source_;
   Observer& observer_;
+  RefusedRows& all_;
   OnRefused refused_;
   Transferred done_;
 };
@@ -133,9 +148,12 @@ void requireFree(const std::string& folder) {
 
 void removeUnfinishedImport() {
   if (!files::folderExists(stagingFolder)) return;
-  for (const char* name : movedFirst) {
-    if (files::exists(mainFile)) break;  // it was whole
-    if (!files::exists(std::string(stagingFolder) + "\\" + name)) files::removeRegular(name);
+  // Files are moved in that order, once the main database is made.
+  if (files::exists(std::string(stagingFolder) + "\\" + mainFile) && !files::exists(mainFile)) {
+    for (const char* name : movedFirst) {
+      if (files::exists(std::string(stagingFolder) + "\\" + name)) break;
+      files::removeRegular(name);
+    }
   }
   std::error_code failure;
   fs::remove_all(files::native(stagingFolder), failure);
@@ -150,7 +168,7 @@ namespace {
 /// A folder of its own for a trial; gone with the object.
 class TrialFolder {
  public:
-  TrialFolder() : path_((fs::temp_directory_path() / ("voxa-trial-" + randomName())).string()) {
+  TrialFolder() : path_((temporaryFiles() / ("voxa-trial-" + randomName())).string()) {
     files::makeFolder(path_);
   }
   ~TrialFolder() {
@@ -162,6 +180,14 @@ class TrialFolder {
   [[nodiscard]] const std::string& path() const { return path_; }
 
  private:
+  static fs::path temporaryFiles() {
+    std::error_code failure;
+    fs::path folder = fs::temp_directory_path(failure);
+    if (failure)
+      throw Refusal("a trial needs the folder for temporary files, which cannot be used: " +
+                    failure.message());
+    return folder;
+  }
   static std::string randomName() {
     std::random_device random;
     return std::to_string(random()) + std::to_string(random());
@@ -193,8 +219,9 @@ void moveHere(const std::string& name) {
 /// What the old system has sent is not known: the plan compares everything.
 void doubtControllers(Library& library) {
   library.ledger().provide();
-  const auto rows =
-      library.QDB().database().openRecordset("select distinct StationId, ControllerAddress from Readers");
+  const auto rows = library.QDB().database().openRecordset(
+      "select distinct StationId, ControllerAddress from Readers where StationId is not null and "
+      "ControllerAddress between 1 and 16");
   for (; !rows->eof(); rows->moveNext())
     library.ledger().replace({rows->get(0).toInt16(), rows->get(1).toInt16()}, true);
 }

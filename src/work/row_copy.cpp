@@ -19,6 +19,11 @@ std::string insertionOf(const std::string& table, const std::vector<std::string>
   return "INSERT INTO [" + table + "] (" + names + ") VALUES (" + values + ")";
 }
 
+/// Whether a field's values are not to be shown: a reason or key can come to a terminal.
+bool isPersonal(const std::string& field) {
+  return equalNoCase(field, "PINCode");
+}
+
 /// Whether convertForField would give the same value.
 bool isStoredAsIs(const Value& value, const FieldDef& field) {
   if (const auto* text = std::get_if<std::string>(&value.data())) {
@@ -67,9 +72,10 @@ void RowCopy::write(const Value* row) {
     (void)insert_->execute(values_);
   } catch (const Error& error) {
     if (!isAboutRow(error)) throw;
+    const bool personal = where == "PINCode: ";
     refused_({target_.name,
               keyOfRow(target_, fields_, row, read_),
-              where + error.description(),
+              where + (personal ? "the value does not fit" : error.description()),
               fields_,
               {row, row + fields_.size()}});
     return;
@@ -86,7 +92,10 @@ std::string keyOfRow(const TableDef& table, const std::vector<std::string>& fiel
     for (std::size_t i = 0; i < fields.size(); ++i) {
       const auto isKey = [&](const std::string& field) { return equalNoCase(field, fields[i]); };
       if (std::none_of(primary->fields.begin(), primary->fields.end(), isKey)) continue;
-      key += (key.empty() ? "" : ", ") + fields[i] + " " + (row[i].isNull() ? "Null" : row[i].toText());
+      key += (key.empty() ? "" : ", ") + fields[i] + " " +
+             (row[i].isNull()         ? "Null"
+              : isPersonal(fields[i]) ? "****"
+                                      : row[i].toText());
     }
   }
   return key.empty() ? "row " + std::to_string(number) : key;

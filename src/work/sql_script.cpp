@@ -74,7 +74,9 @@ class Writer {
 class Statements {
  public:
   explicit Statements(const std::string& path)
-      : file_(path, files::Stream::Mode::read, files::Stream::Kind::any) {
+      : path_(path), file_(path, files::Stream::Mode::read, files::Stream::Kind::any) {
+    constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+    if (startsWith(byteOrderMark)) at_ += byteOrderMark.size();
     if (!startsWith(firstLine)) return;
     const std::string line = takeLine();
     const char* const end = line.data() + line.size();
@@ -86,10 +88,12 @@ class Statements {
   /// The line where the last statement began, from 1.
   [[nodiscard]] std::size_t line() const { return begun_; }
 
-  /// The next statement, without its semicolon; "" behind the last one.
-  std::string next() {
+  /// The next statement, without its semicolon; none behind the last one.
+  std::optional<std::string> next() {
     while (skipBlanks() && startsWith("--")) {
-      if (takeLine() == lastLine) return {};
+      if (takeLine() != lastLine || !version_) continue;
+      if (skipBlanks()) fail("there is something behind the line that ends the file");
+      return std::nullopt;
     }
     begun_ = line_;
     std::string text;
@@ -103,16 +107,19 @@ class Statements {
       } else if (c == '[') {
         open = ']';
       } else if (c == ';') {
+        if (!isUtf8(text)) fail("this is no UTF-8; save the file as that");
         return text;
       }
       text += c;
     }
-    if (!text.empty() || version_)
-      throw Error(err::dbSyntax, "The file ends at line " + std::to_string(line_) + ", amid its statements");
-    return {};
+    if (!text.empty() || version_) fail("the file ends amid its statements");
+    return std::nullopt;
   }
 
  private:
+  [[noreturn]] void fail(const char* what) const {
+    throw Error(err::dbSyntax, "Line " + std::to_string(line_) + " of " + path_ + ": " + what);
+  }
   bool more() {
     if (at_ < buffer_.size()) return true;
     buffer_ = file_.readSome();
@@ -148,6 +155,7 @@ class Statements {
     return text;
   }
 
+  std::string path_;
   files::Stream file_;
   std::string buffer_;
   std::size_t at_ = 0;
@@ -176,18 +184,21 @@ Transferred writeScript(Database& from, const std::string& path, Observer& obser
   }
 }
 
-Transferred readScript(const std::string& path, DatabaseEngine& engine, Database& to, Observer& observer) {
+Transferred readScript(const std::string& path, DatabaseEngine& engine, Database& to,
+                       const OnRefused& refused, Observer& observer) {
   Statements statements(path);
   Transaction transaction(engine, to);
   std::size_t count = 0;
-  for (std::string text = statements.next(); !text.empty(); text = statements.next()) {
-    try {
-      (void)to.execute(text);
-    } catch (const Error& error) {
-      throw Error(error.number(),
-                  "Line " + std::to_string(statements.line()) + " of " + path + ": " + error.description());
-    }
+  while (const std::optional<std::string> text = statements.next()) {
     observer.progress("Statement", ++count, 0);
+    if (text->empty()) continue;
+    try {
+      (void)to.execute(*text);
+    } catch (const Error& error) {
+      const std::string line = "line " + std::to_string(statements.line());
+      if (!isAboutRow(error)) throw Error(error.number(), path + ", " + line + ": " + error.description());
+      refused({"Statements", line, error.description(), {"Statement"}, {*text}});
+    }
   }
   if (const auto version = statements.version(); version && *version != 0) to.setSchemaVersion(*version);
   Transferred done;

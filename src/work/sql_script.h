@@ -18,7 +18,9 @@ namespace voxa {
 Transferred writeScript(Database& from, const std::string& path, Observer& observer);
 
 /// Carries out the statements of a file on an empty database, in one transaction. Text of other makers is
-/// taken, too, as far as it is our language. A failure names the line where its statement begins.
-Transferred readScript(const std::string& path, DatabaseEngine& engine, Database& to, Observer& observer);
+/// taken, too, as far as it is our language. A failure names the line where its statement begins. refused:
+/// told of statements that break a rule, a unique index or a relation.
+Transferred readScript(const std::string& path, DatabaseEngine& engine, Database& to,
+                       const OnRefused& refused, Observer& observer);
 
 }  // namespace voxa

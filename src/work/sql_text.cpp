@@ -38,7 +38,8 @@ std::string momentText(DateTime moment) {
 }
 
 std::string typeText(const FieldDef& field) {
-  const std::string size = "(" + std::to_string(field.size) + ")";
+  const std::string size =
+      "(" + std::to_string(field.size == 0 ? greatestSize(field.type) : field.size) + ")";
   switch (field.type) {
     case DataType::Boolean:
       return "YESNO";

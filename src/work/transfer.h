@@ -24,7 +24,8 @@ struct Transferred {
   std::size_t indexes = 0;
   std::size_t relations = 0;
   std::size_t queries = 0;
-  std::vector<std::string> notes;  ///< what was not taken over, and why, in sentences
+  std::vector<std::string> notes{};  ///< what was not taken over, and why, in sentences
+  bool damaged = false;              ///< the old file is damaged: some of it is lost
 };
 
 /// Copies a whole database into an empty one, whatever engines serve them: tables, rows, indexes, relations,
@@ -36,9 +37,10 @@ Transferred transfer(Database& from, DatabaseEngine& engine, Database& to, const
                      Observer& observer);
 
 /// Makes a table with its indexes, and copies the rows. What the copy holds is compared with what was
-/// written.
-TransferredTable copyTable(Database& from, const TableDef& definition, Database& to, const OnRefused& refused,
-                           Observer& observer);
+/// written. What cannot be kept of the definition is noted: a rule in words that the language does not have,
+/// a name. The errors of definitions are noted, those of the disk and of locks raised.
+void copyTable(Database& from, const TableDef& definition, Database& to, const OnRefused& refused,
+               Transferred& out, Observer& observer);
 
 /// Hands each row of a table to a copy.
 void copyRows(Database& from, const std::string& table, RowCopy& copy, Observer& observer);
@@ -49,7 +51,9 @@ void copyQuery(Database& to, const QueryDef& query, Transferred& done);
 /// Raises for the first row that is refused.
 [[noreturn]] void failAtRow(const RefusedRow& row);
 
-/// Makes a relation. Rows of the foreign side that break it are told of and deleted before. Returns how many.
-std::size_t relate(Database& database, const Relation& relation, const OnRefused& refused);
+/// Makes relations, behind the rows. Rows of a foreign side that break one are told of and deleted before. A
+/// relation that cannot be is noted.
+void copyRelations(Database& to, const std::vector<Relation>& relations, const OnRefused& refused,
+                   Transferred& out);
 
 }  // namespace voxa

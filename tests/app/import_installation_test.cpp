@@ -45,6 +45,9 @@ class Imports : public testing::Test {
     Transferred done =
         importInstallation(prompts, {.folder = folder / "new"}, {.main = main}, refused, trial, silent);
     left = refused.count();
+    if (keepGoing) {
+      EXPECT_THROW(refused.tell(), Leftover);
+    }
     return done;
   }
   std::string refusalOf(const std::string& main, bool trial = false) {

@@ -58,8 +58,10 @@ class JetInstallations : public testing::TestWithParam<int> {
 
   Transferred take(bool keepGoing) {
     RefusedRows refused(folder / "new.refused", keepGoing);
-    return importInstallation(prompts, {.folder = folder / "new"}, {.main = folder / "old.mdb"}, refused,
-                              false, silent);
+    Transferred done = importInstallation(prompts, {.folder = folder / "new"}, {.main = folder / "old.mdb"},
+                                          refused, false, silent);
+    EXPECT_THROW(refused.tell(), Leftover);
+    return done;
   }
 
   const std::filesystem::path before_ = std::filesystem::current_path();

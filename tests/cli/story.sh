@@ -337,7 +337,7 @@ refuses "Could not find" db convert none.mdb unmade.mdb
 succeeds export sql again.sql --file again.mdb
 cmp -s all.sql again.sql || fail "a database does not come back from its statements"
 sed -i '$d' again.sql
-refuses "The file ends" db convert again.sql cut.mdb
+refuses "the file ends" db convert again.sql cut.mdb
 [ -e cut.mdb ] && fail "half a database is made"
 succeeds export csv tables
 grep -q "Porte été" tables/Readers.csv || fail "a table for spreadsheets lacks a row"

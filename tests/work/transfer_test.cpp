@@ -117,7 +117,7 @@ TEST_F(Transfers, ADatabaseComesBackAsItWas) {
   const std::string script = folder / "all.sql";
   (void)writeScript(*copy, script, silent);
   const auto read = create("read.mdb");
-  EXPECT_EQ(readScript(script, *engine, *read, silent).tables.at(0).written, 2U);
+  EXPECT_EQ(readScript(script, *engine, *read, failAtRow, silent).tables.at(0).written, 2U);
   expectSame(*from, *read);
   EXPECT_EQ(failureOf([&] { (void)writeScript(*copy, script, silent); }), err::fileExists);
 }
@@ -146,14 +146,73 @@ TEST_F(Transfers, AScriptThatIsCutOffOrWrongLeavesNothing) {
   const auto to = create("to.mdb");
   for (const std::size_t end : {whole.size() - 7, whole.size() / 2, std::size_t{40}}) {
     std::ofstream(script) << whole.substr(0, end);
-    EXPECT_EQ(failureOf([&] { (void)readScript(script, *engine, *to, silent); }), err::dbSyntax) << end;
+    EXPECT_EQ(failureOf([&] { (void)readScript(script, *engine, *to, failAtRow, silent); }), err::dbSyntax)
+        << end;
     EXPECT_TRUE(to->tableNames().empty()) << end;
   }
   std::ofstream(script)
       << "create table A (N long);\n\n-- two\ninsert into A\nvalues (1);\ninsert into B values (2);";
-  EXPECT_EQ(failureOf([&] { (void)readScript(script, *engine, *to, silent); }), err::dbUnknownTable);
-  EXPECT_NE(said.find("Line 6"), std::string::npos) << said;
+  EXPECT_EQ(failureOf([&] { (void)readScript(script, *engine, *to, failAtRow, silent); }),
+            err::dbUnknownTable);
+  EXPECT_NE(said.find("line 6"), std::string::npos) << said;
   EXPECT_TRUE(to->tableNames().empty());
+}
+
+TEST_F(Transfers, AScriptOfOthersIsReadToItsEnd) {
+  const std::string script = folder / "other.sql";
+  std::ofstream(script)
+      << "\xEF\xBB\xBF"
+         "create table A (N long);;\r\n ; -- end\r\n-- end\n"
+         "create table B (N long unique);\ninsert into B values (1);\ninsert into B values (1);\n";
+  std::string refused;
+  const OnRefused note = [&](const RefusedRow& row) { refused += row.key; };
+  const auto to = create("to.mdb");
+  (void)readScript(script, *engine, *to, note, silent);
+  EXPECT_EQ(to->tableNames(), (std::vector<std::string>{"A", "B"}));
+  EXPECT_EQ(refused, "line 6");
+  std::ofstream(script) << "-- voxa database, schema 0\ncreate table C (N long);\n-- end\ndrop table A;\n";
+  EXPECT_EQ(failureOf([&] { (void)readScript(script, *engine, *to, note, silent); }), err::dbSyntax);
+  EXPECT_NE(said.find("Line 4"), std::string::npos) << said;
+}
+
+TEST_F(Transfers, RowsWithoutARelatedOneTakeNoOthersAlong) {
+  const auto from = create("from.mdb");
+  const auto table = [&](const char* name) {
+    from->createTable(
+        {name, {{"Id", DataType::Long}, {"Up", DataType::Long}}, {{"K", {"Id"}, true, true, true}}});
+  };
+  for (const char* name : {"A", "B", "C"}) table(name);
+  for (const char* row : {"A values (1, 1)", "A values (2, 2)", "B values (1, 1)", "B values (2, 7)",
+                          "C values (1, 1)", "C values (2, 1)", "C values (3, 9)", "C values (4, 3)"})
+    (void)from->execute(std::string("insert into ") + row);
+  // A refers to B, which refers to C; C refers to itself.
+  const std::vector<Relation> relations{{"AB", "B", "A", {{"Id", "Up"}}, false, true},
+                                        {"BC", "C", "B", {{"Id", "Up"}}, false, true},
+                                        {"CC", "C", "C", {{"Id", "Up"}}}};
+  Transferred done;
+  for (const char* name : {"A", "B", "C"}) done.tables.push_back({name, 2, 2, 0});
+  std::string refused;
+  const OnRefused note = [&](const RefusedRow& row) { refused += row.table + row.key + ' '; };
+  copyRelations(*from, relations, note, done);
+  EXPECT_EQ(refused, "BId 2 CId 3 AId 2 CId 4 ");
+  EXPECT_EQ(done.relations, 3U);
+  EXPECT_EQ(done.tables[0].written, 1U);
+}
+
+TEST_F(Transfers, WhatADefinitionCannotKeepIsNoted) {
+  const auto to = create("to.mdb");
+  const auto from = create("from.mdb");
+  from->createTable({"T", {{"Id", DataType::Long}}, {}});
+  (void)from->execute("insert into T values (4)");
+  TableDef odd = from->tableDef("T");
+  odd.fields[0].validationRule = "Foo([Id])";
+  odd.indexes = {{"a.b", {"Id"}, true, true, true}};
+  const Transaction transaction(*engine, *to);
+  Transferred done;
+  copyTable(*from, odd, *to, failAtRow, done, silent);
+  EXPECT_EQ(done.notes.size(), 2U);
+  EXPECT_NE(to->tableDef("T").index("a_b"), nullptr);
+  EXPECT_EQ(done.tables.at(0).written, 1U);
 }
 
 TEST_F(Transfers, RowsThatBreakARuleAreToldOf) {
@@ -186,7 +245,10 @@ TEST_F(Transfers, RowsThatBreakARuleAreToldOf) {
     RowCopy(*to, to->tableDef("C"), {"P", "Q"}, note).write(row);
     return true;
   });
-  EXPECT_EQ(relate(*to, {"R", "P", "C", {{"Id", "P"}}}, note), 2U);
+  Transferred done;
+  copyRelations(*to, {{"R", "P", "C", {{"Id", "P"}}}, {"None", "C", "P", {{"Q", "Id"}}}}, note, done);
+  EXPECT_EQ(done.relations, 1U);
+  EXPECT_EQ(done.notes.size(), 1U);
   EXPECT_EQ(refused.str(), "P Id 1; C row 1; C row 2; ");
   EXPECT_EQ(digestOf(*to, "C", {"P"}).rows, 2U);
   EXPECT_EQ(failureOf([&] { failAtRow({"P", "Id 1", "it is wrong", {}, {}}); }), err::dbConversion);

@@ -107,6 +107,7 @@ class CatalogueReader {
            "' is not taken over: it has a type without values here");
     } else {
       note("Table '" + told.table + "' is not taken over: its definition is damaged");
+      found_.damaged = true;
     }
   }
 

@@ -16,6 +16,7 @@ struct Catalogue {
   std::vector<Relation> relations;
   std::vector<QueryDef> queries;
   std::vector<std::string> notes;  ///< what could not be taken over, and why
+  bool damaged = false;            ///< some of that could once be read
 
   /// The table of that name in any case; nullptr when there is none.
   [[nodiscard]] const TableDef* table(std::string_view name) const;

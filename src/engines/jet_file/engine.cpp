@@ -72,4 +72,9 @@ const std::vector<std::string>& jetFileNotes(const Database& database) {
   return jet == nullptr ? none : jet->notes();
 }
 
+bool isDamagedJetFile(const Database& database) {
+  const auto* const jet = dynamic_cast<const JetDatabase*>(&database);
+  return jet != nullptr && jet->damaged();
+}
+
 }  // namespace voxa

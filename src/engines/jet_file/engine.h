@@ -41,4 +41,7 @@ struct JetFileOptions {
 /// engine.
 [[nodiscard]] const std::vector<std::string>& jetFileNotes(const Database& database);
 
+/// Whether some of these notes tell of what the file once held: tables, rows or values that cannot be read.
+[[nodiscard]] bool isDamagedJetFile(const Database& database);
+
 }  // namespace voxa

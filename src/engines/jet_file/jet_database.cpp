@@ -119,10 +119,12 @@ void JetDatabase::visitTable(const TableDef& table, const std::function<bool(con
         if (stream.rows() != sent.rows) {
           note("Table '" + table.name + "' says that it has " + std::to_string(sent.rows) + " rows; " +
                std::to_string(stream.rows()) + " were found");
+          catalogue_.damaged = true;
         }
         if (stream.unreadable() != 0) {
           note("Table '" + table.name + "' has " + std::to_string(stream.unreadable()) +
                " values that cannot be read; they are Null");
+          catalogue_.damaged = true;
         }
       }
     }

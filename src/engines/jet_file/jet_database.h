@@ -53,6 +53,7 @@ class JetDatabase final : public Database, public std::enable_shared_from_this<J
   JetDatabase& operator=(const JetDatabase&) = delete;
 
   [[nodiscard]] const std::vector<std::string>& notes() const { return catalogue_.notes; }
+  [[nodiscard]] bool damaged() const { return catalogue_.damaged; }
 
   [[nodiscard]] const std::string& name() const override { return path_; }
   void close() override;
