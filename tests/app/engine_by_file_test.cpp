@@ -40,7 +40,8 @@ class Beside : public DatabaseEngine {
 class EnginesByFile : public testing::Test {
  protected:
   EnginesByFile() {
-    std::ofstream(jetFile_, std::ios::binary).write("\0\1\0\0Standard Jet DB\0 and its pages", 37);
+    std::ofstream(jetFile_, std::ios::binary)
+        << std::string_view("\0\1\0\0Standard Jet DB\0 and its pages", 34);
     beside_->create(jetFile_)->execute("create table T (Id long)");
   }
   static std::string count(Database& database) {
