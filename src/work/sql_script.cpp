@@ -196,7 +196,8 @@ Transferred readScript(const std::string& path, DatabaseEngine& engine, Database
       (void)to.execute(*text);
     } catch (const Error& error) {
       const std::string line = "line " + std::to_string(statements.line());
-      if (!isAboutRow(error)) throw Error(error.number(), path + ", " + line + ": " + error.description());
+      if (!isAboutRow(error))
+        throw Error(error.number(), (path + ", ").append(line).append(": ") + error.description());
       refused({"Statements", line, error.description(), {"Statement"}, {*text}});
     }
   }

@@ -10,6 +10,7 @@ namespace {
 
 std::vector<std::string> namesOf(const std::vector<FieldDef>& fields) {
   std::vector<std::string> names;
+  names.reserve(fields.size());
   for (const FieldDef& field : fields) names.push_back(field.name);
   return names;
 }
@@ -42,13 +43,14 @@ TransferredTable takeOver(Database& from, const TableDef& old, Database& to, con
 }
 
 BuiltInRows::BuiltInRows(Database& database, const std::vector<std::string>& tables) : database_(database) {
-  for (auto table = tables.rbegin(); table != tables.rend(); ++table) {
-    const std::vector<std::string> fields = namesOf(database.tableDef(*table).fields);
-    database.visitRows(selectionOf(*table, fields), [&](const Value* row) {
-      rows_[*table].emplace_back(row, row + fields.size());
+  const std::vector<std::string> reversed(tables.rbegin(), tables.rend());
+  for (const std::string& table : reversed) {
+    const std::vector<std::string> fields = namesOf(database.tableDef(table).fields);
+    database.visitRows(selectionOf(table, fields), [&](const Value* row) {
+      rows_[table].emplace_back(row, row + fields.size());
       return true;
     });
-    (void)database.execute("DELETE FROM [" + *table + "]");
+    (void)database.execute("DELETE FROM [" + table + "]");
   }
 }
 

@@ -16,8 +16,9 @@ std::string orphansOf(const Relation& relation) {
   std::string join;
   std::string given;
   for (const auto& [primary, foreign] : relation.fields) {
-    join += (join.empty() ? "" : " AND ") + ("f.[" + foreign + "] = p.[" + primary + "]");
-    given += " AND f.[" + foreign + "] IS NOT NULL";
+    if (!join.empty()) join += " AND ";
+    join.append("f.[").append(foreign).append("] = p.[").append(primary).append("]");
+    given.append(" AND f.[").append(foreign).append("] IS NOT NULL");
   }
   return " FROM [" + relation.foreignTable + "] AS f LEFT JOIN [" + relation.table + "] AS p ON (" + join +
          ") WHERE p.[" + relation.fields.front().first + "] IS NULL" + given;
