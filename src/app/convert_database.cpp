@@ -92,8 +92,7 @@ Transferred exportTables(const Clock& clock, const std::string& from, const std:
     std::size_t rows = 0;
     for (const std::string& table : database->tableNames()) {
       TransferredTable& written = done.tables.emplace_back(TransferredTable{table});
-      std::vector<std::string> columns;
-      for (const FieldDef& field : database->tableDef(table).fields) columns.push_back(field.name);
+      const std::vector<std::string> columns = database->tableDef(table).fieldNames();
       TableCsv file(made + "/" + names.of(table), columns);
       database->visitRows("[" + table + "]", [&](const Value* row) {
         file.write(row, columns.size());

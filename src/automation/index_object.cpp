@@ -50,7 +50,7 @@ class IndexObject final : public Object<::IIndex> {
     return change([&] { state_->index.primary = primary != 0; });
   }
   STDMETHODIMP get_Unique(VARIANT_BOOL* unique) override {
-    return give(unique, [&] { return state_->index.unique || state_->index.primary; });
+    return give(unique, [&] { return state_->index.isUnique(); });
   }
   STDMETHODIMP put_Unique(VARIANT_BOOL unique) override {
     return change([&] { state_->index.unique = unique != 0; });

@@ -9,30 +9,9 @@ namespace voxa {
 
 namespace {
 
-std::string insertionOf(const std::string& table, const std::vector<std::string>& fields) {
-  std::string names;
-  std::string values;
-  for (const std::string& field : fields) {
-    names += (names.empty() ? "[" : ", [") + field + "]";
-    values += (values.empty() ? "[value of " : ", [value of ") + field + "]";
-  }
-  return "INSERT INTO [" + table + "] (" + names + ") VALUES (" + values + ")";
-}
-
 /// Whether a field's values are not to be shown: a reason or key can come to a terminal.
 bool isPersonal(const std::string& field) {
   return equalNoCase(field, "PINCode");
-}
-
-/// Whether convertForField would give the same value.
-bool isStoredAsIs(const Value& value, const FieldDef& field) {
-  if (const auto* text = std::get_if<std::string>(&value.data())) {
-    // A text never has more characters than bytes.
-    return field.type == DataType::Memo ||
-           (field.type == DataType::Text && text->size() <= static_cast<std::size_t>(field.size));
-  }
-  return (field.type == DataType::Long && std::holds_alternative<std::int32_t>(value.data())) ||
-         (field.type == DataType::Date && std::holds_alternative<DateTime>(value.data()));
 }
 
 }  // namespace
@@ -57,7 +36,7 @@ RowCopy::RowCopy(Database& to, const TableDef& target, std::vector<std::string> 
 
 void RowCopy::write(const Value* row) {
   ++read_;
-  std::string where;
+  const FieldDef* at = nullptr;  // the field whose value is converted
   try {
     for (std::size_t i = 0; i < fields_.size(); ++i) {
       const FieldDef& field = *definitions_[i];
@@ -65,19 +44,20 @@ void RowCopy::write(const Value* row) {
         values_[i] = row[i];
         continue;
       }
-      where = field.name + ": ";
+      at = &field;
       values_[i] = convertForField(row[i], field.type, field.size);
     }
-    where.clear();
+    at = nullptr;
     (void)insert_->execute(values_);
   } catch (const Error& error) {
     if (!isAboutRow(error)) throw;
-    const bool personal = where == "PINCode: ";
-    refused_({target_.name,
-              keyOfRow(target_, fields_, row, read_),
-              where + (personal ? "the value does not fit" : error.description()),
-              fields_,
-              {row, row + fields_.size()}});
+    const bool personal = at != nullptr && isPersonal(at->name);
+    refused_(
+        {target_.name,
+         keyOfRow(target_, fields_, row, read_),
+         (at == nullptr ? "" : at->name + ": ") + (personal ? "the value does not fit" : error.description()),
+         fields_,
+         {row, row + fields_.size()}});
     return;
   }
   written_.add(values_.data(), values_.size());

@@ -41,14 +41,11 @@ class Writer {
   void writeTable(const TableDef& table) {
     TransferredTable& done = done_.tables.emplace_back(TransferredTable{table.name});
     out_.write(sqlText(table) + ";\n");
-    const auto isUnique = [](const IndexDef& index) { return index.unique || index.primary; };
     for (const IndexDef& index : table.indexes) {
-      if (isUnique(index)) statement(sqlText(index, table.name), done_.indexes);
+      if (index.isUnique()) statement(sqlText(index, table.name), done_.indexes);
     }
-    std::string insertion;
-    for (const FieldDef& field : table.fields)
-      insertion += (insertion.empty() ? "[" : ", [") + field.name + "]";
-    insertion = "INSERT INTO [" + table.name + "] (" + insertion + ") VALUES (";
+    const std::string insertion =
+        "INSERT INTO [" + table.name + "] (" + nameList(table.fieldNames()) + ") VALUES (";
     from_.visitRows("[" + table.name + "]", [&](const Value* row) {
       std::string text = insertion;
       for (std::size_t i = 0; i < table.fields.size(); ++i) text += (i == 0 ? "" : ", ") + sqlText(row[i]);
@@ -59,7 +56,7 @@ class Writer {
     });
     done.written = done.read;
     for (const IndexDef& index : table.indexes) {
-      if (!isUnique(index)) statement(sqlText(index, table.name), done_.indexes);
+      if (!index.isUnique()) statement(sqlText(index, table.name), done_.indexes);
     }
   }
 

@@ -37,52 +37,13 @@ std::string momentText(DateTime moment) {
   return read && *read == moment ? "#" + text + "#" : "CDate(" + numberText(moment.days) + ")";
 }
 
-std::string typeText(const FieldDef& field) {
-  const std::string size =
-      "(" + std::to_string(field.size == 0 ? greatestSize(field.type) : field.size) + ")";
-  switch (field.type) {
-    case DataType::Boolean:
-      return "YESNO";
-    case DataType::Byte:
-      return "BYTE";
-    case DataType::Integer:
-      return "SHORT";
-    case DataType::Long:
-      return field.autoIncrement ? "COUNTER" : "LONG";
-    case DataType::Currency:
-      return "CURRENCY";
-    case DataType::Single:
-      return "SINGLE";
-    case DataType::Double:
-      return "DOUBLE";
-    case DataType::Date:
-      return "DATETIME";
-    case DataType::Binary:
-      return "BINARY" + size;
-    case DataType::Text:
-      return "TEXT" + size;
-    case DataType::LongBinary:
-      return "LONGBINARY";
-    case DataType::Memo:
-      return "MEMO";
-  }
-  return {};
-}
-
 std::string fieldText(const FieldDef& field) {
-  std::string text = bracketed(field.name) + " " + typeText(field);
+  std::string text = bracketed(field.name) + " " + (field.autoIncrement ? "COUNTER" : sqlType(field));
   if (field.required) text += " NOT NULL";
   if (!field.defaultValue.isNull()) text += " DEFAULT " + sqlText(field.defaultValue);
   if (isText(field.type) && !field.allowZeroLength) text += " DISALLOW ZERO LENGTH";
   if (!field.validationRule.empty()) text += " VALIDATION " + quoted(field.validationRule);
   return text;
-}
-
-template <typename Items, typename Text>
-std::string list(const Items& items, Text&& text) {
-  std::string out;
-  for (const auto& item : items) out += (out.empty() ? "" : ", ") + text(item);
-  return "(" + out + ")";
 }
 
 }  // namespace
@@ -119,20 +80,22 @@ std::string sqlText(const TableDef& table) {
 std::string sqlText(const IndexDef& index, const std::string& table) {
   const bool unique = index.unique && !index.primary;
   return (unique ? "CREATE UNIQUE INDEX " : "CREATE INDEX ") + bracketed(index.name) + " ON " +
-         bracketed(table) + " " + list(index.fields, bracketed) +
+         bracketed(table) + " (" + nameList(index.fields) + ")" +
          (index.primary    ? " WITH PRIMARY"
           : index.required ? " WITH DISALLOW NULL"
                            : "");
 }
 
 std::string sqlText(const Relation& relation) {
-  const auto side = [&](auto member) {
-    return list(relation.fields, [&](const auto& pair) { return bracketed(pair.*member); });
-  };
-  using Pair = std::pair<std::string, std::string>;
+  std::vector<std::string> primary;
+  std::vector<std::string> foreign;
+  for (const auto& [of, by] : relation.fields) {
+    primary.push_back(of);
+    foreign.push_back(by);
+  }
   return "ALTER TABLE " + bracketed(relation.foreignTable) + " ADD CONSTRAINT " + bracketed(relation.name) +
-         " FOREIGN KEY " + side(&Pair::second) + " REFERENCES " + bracketed(relation.table) + " " +
-         side(&Pair::first) + (relation.cascadeUpdate ? " ON UPDATE CASCADE" : "") +
+         " FOREIGN KEY (" + nameList(foreign) + ") REFERENCES " + bracketed(relation.table) + " (" +
+         nameList(primary) + ")" + (relation.cascadeUpdate ? " ON UPDATE CASCADE" : "") +
          (relation.cascadeDelete ? " ON DELETE CASCADE" : "");
 }
 

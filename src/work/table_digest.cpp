@@ -62,9 +62,7 @@ void TableDigest::add(const Value* row, std::size_t fields) {
 }
 
 std::string selectionOf(const std::string& table, const std::vector<std::string>& fields) {
-  std::string text;
-  for (const std::string& field : fields) text += (text.empty() ? "SELECT [" : ", [") + field + "]";
-  return text + " FROM [" + table + "]";
+  return "SELECT " + nameList(fields) + " FROM [" + table + "]";
 }
 
 TableDigest digestOf(Database& database, const std::string& table, const std::vector<std::string>& fields) {

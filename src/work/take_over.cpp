@@ -8,13 +8,6 @@ namespace voxa {
 
 namespace {
 
-std::vector<std::string> namesOf(const std::vector<FieldDef>& fields) {
-  std::vector<std::string> names;
-  names.reserve(fields.size());
-  for (const FieldDef& field : fields) names.push_back(field.name);
-  return names;
-}
-
 /// A column that nothing of this system fills: rows that come later have nothing in it.
 FieldDef kept(FieldDef field) {
   field.required = false;
@@ -45,7 +38,7 @@ TransferredTable takeOver(Database& from, const TableDef& old, Database& to, con
 BuiltInRows::BuiltInRows(Database& database, const std::vector<std::string>& tables) : database_(database) {
   const std::vector<std::string> reversed(tables.rbegin(), tables.rend());
   for (const std::string& table : reversed) {
-    const std::vector<std::string> fields = namesOf(database.tableDef(table).fields);
+    const std::vector<std::string> fields = database.tableDef(table).fieldNames();
     database.visitRows(selectionOf(table, fields), [&](const Value* row) {
       rows_[table].emplace_back(row, row + fields.size());
       return true;
@@ -57,7 +50,7 @@ BuiltInRows::BuiltInRows(Database& database, const std::vector<std::string>& tab
 void BuiltInRows::putBack(const std::string& table) {
   const auto rows = rows_.find(table);
   if (rows == rows_.end() || rows->second.empty()) return;
-  std::vector<std::string> fields = namesOf(database_.tableDef(table).fields);
+  std::vector<std::string> fields = database_.tableDef(table).fieldNames();
   fields.resize(rows->second.front().size());  // columns that were kept since stand behind
   RowCopy copy(database_, database_.tableDef(table), std::move(fields), [](const RefusedRow& /*row*/) {});
   for (const std::vector<Value>& row : rows->second) copy.write(row.data());

@@ -24,10 +24,6 @@ std::string orphansOf(const Relation& relation) {
          ") WHERE p.[" + relation.fields.front().first + "] IS NULL" + given;
 }
 
-bool isUnique(const IndexDef& index) {
-  return index.unique || index.primary;
-}
-
 /// Whether an error says that a definition cannot be kept here; others end the copy.
 bool isAboutDefinition(const Error& error) {
   constexpr int ofDefinitions[] = {err::invalidArgument,   err::dbInvalidArgument,  err::dbTableExists,
@@ -66,7 +62,7 @@ void makeIndex(Database& to, const std::string& table, const IndexDef& index, Tr
 /// Makes a table with its unique indexes, as far as its definition can be kept here. Returns its name.
 std::string makeTable(Database& to, const TableDef& definition, Transferred& out) {
   TableDef table = definition;
-  std::erase_if(table.indexes, [](const IndexDef& index) { return !isUnique(index); });
+  std::erase_if(table.indexes, [](const IndexDef& index) { return !index.isUnique(); });
   try {
     to.createTable(table);
     out.indexes += table.indexes.size();
@@ -92,7 +88,7 @@ std::string makeTable(Database& to, const TableDef& definition, Transferred& out
     }
   }
   for (const IndexDef& index : definition.indexes) {
-    if (isUnique(index)) makeIndex(to, table.name, index, out);
+    if (index.isUnique()) makeIndex(to, table.name, index, out);
   }
   return table.name;
 }
@@ -101,7 +97,7 @@ std::string makeTable(Database& to, const TableDef& definition, Transferred& out
 bool hasKey(const Database& database, const Relation& relation) {
   const TableDef& primary = database.tableDef(relation.table);
   return std::any_of(primary.indexes.begin(), primary.indexes.end(), [&](const IndexDef& index) {
-    return isUnique(index) && index.fields.size() == relation.fields.size() &&
+    return index.isUnique() && index.fields.size() == relation.fields.size() &&
            std::all_of(relation.fields.begin(), relation.fields.end(), [&](const auto& pair) {
              return std::any_of(index.fields.begin(), index.fields.end(),
                                 [&](const std::string& field) { return equalNoCase(field, pair.first); });
@@ -113,8 +109,7 @@ bool hasKey(const Database& database, const Relation& relation) {
 std::size_t deleteOrphans(Database& database, const Relation& relation, const OnRefused& refused) {
   const std::string orphans = orphansOf(relation);
   const TableDef& foreign = database.tableDef(relation.foreignTable);
-  std::vector<std::string> fields;
-  for (const FieldDef& field : foreign.fields) fields.push_back(field.name);
+  const std::vector<std::string> fields = foreign.fieldNames();
   std::size_t found = 0;
   database.visitRows("SELECT f.*" + orphans, [&](const Value* row) {
     const std::string key = keyOfRow(foreign, fields, row, ++found);
@@ -165,8 +160,7 @@ void failAtRow(const RefusedRow& row) {
 void copyTable(Database& from, const TableDef& definition, Database& to, const OnRefused& refused,
                Transferred& out, Observer& observer) {
   const std::string name = makeTable(to, definition, out);
-  std::vector<std::string> fields;
-  for (const FieldDef& field : definition.fields) fields.push_back(field.name);
+  std::vector<std::string> fields = definition.fieldNames();
   TransferredTable done{name};
   if (name == definition.name && to.takeRows(from, name)) {
     const TableDigest original = digestOf(from, name, fields);
@@ -182,7 +176,7 @@ void copyTable(Database& from, const TableDef& definition, Database& to, const O
   }
   out.tables.push_back(done);
   for (const IndexDef& index : definition.indexes) {
-    if (!isUnique(index)) makeIndex(to, name, index, out);
+    if (!index.isUnique()) makeIndex(to, name, index, out);
   }
 }
 

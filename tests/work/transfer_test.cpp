@@ -74,8 +74,7 @@ class Transfers : public testing::Test {
     ASSERT_EQ(left.tableNames(), right.tableNames());
     for (const std::string& table : left.tableNames()) {
       EXPECT_EQ(left.tableDef(table), right.tableDef(table)) << table;
-      std::vector<std::string> fields;
-      for (const FieldDef& field : left.tableDef(table).fields) fields.push_back(field.name);
+      const std::vector<std::string> fields = left.tableDef(table).fieldNames();
       EXPECT_EQ(digestOf(left, table, fields), digestOf(right, table, fields)) << table;
     }
     EXPECT_EQ(left.relations(), right.relations());

@@ -12,17 +12,13 @@ namespace {
 /// A statement that appends a row to a table. Its parameters have the types of the fields.
 std::string appending(const TableDef& table) {
   std::string declared;
-  std::string fields;
-  std::string values;
-  for (std::size_t i = 0; i < table.fields.size(); ++i) {
-    const std::string separator = i > 0 ? ", " : "";
-    const std::string parameter = "[value " + std::to_string(i) + "]";
-    declared += separator + parameter + " " + dao::typeWord(table.fields[i]);
-    fields += separator + dao::quoted(table.fields[i].name);
-    values += separator + parameter;
+  std::vector<std::string> parameters;
+  for (const FieldDef& field : table.fields) {
+    parameters.push_back("value " + std::to_string(parameters.size()));
+    declared += (declared.empty() ? "[" : ", [") + parameters.back() + "] " + sqlType(field);
   }
-  return "PARAMETERS " + declared + "; INSERT INTO " + dao::quoted(table.name) + " (" + fields +
-         ") VALUES (" + values + ")";
+  return "PARAMETERS " + declared + "; INSERT INTO " + dao::quoted(table.name) + " (" +
+         nameList(table.fieldNames()) + ") VALUES (" + nameList(parameters) + ")";
 }
 
 }  // namespace

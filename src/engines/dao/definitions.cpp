@@ -23,37 +23,6 @@ std::string quoted(std::string_view name) {
   return "[" + std::string(name) + "]";
 }
 
-std::string typeWord(const FieldDef& field) {
-  const std::string size = "(" + std::to_string(sizeOf(field)) + ")";
-  switch (field.type) {
-    case DataType::Boolean:
-      return "BIT";
-    case DataType::Byte:
-      return "BYTE";
-    case DataType::Integer:
-      return "SHORT";
-    case DataType::Long:
-      return "LONG";
-    case DataType::Currency:
-      return "CURRENCY";
-    case DataType::Single:
-      return "SINGLE";
-    case DataType::Double:
-      return "DOUBLE";
-    case DataType::Date:
-      return "DATETIME";
-    case DataType::Binary:
-      return "BINARY" + size;
-    case DataType::Text:
-      return "TEXT" + size;
-    case DataType::LongBinary:
-      return "LONGBINARY";
-    case DataType::Memo:
-      break;
-  }
-  return "MEMO";
-}
-
 DataType typeOf(std::int32_t number) {
   constexpr std::int32_t bigInteger = 16;
   constexpr std::int32_t numeric = 19;
@@ -120,7 +89,7 @@ void appendIndex(const Object& table, const IndexDef& index) {
   for (const std::string& name : index.fields)
     (void)fields.call("Append", made.object(Kind::field, "CreateField", name));
   if (index.primary) made.put("Primary", true);
-  if (index.unique || index.primary) made.put("Unique", true);
+  if (index.isUnique()) made.put("Unique", true);
   if (index.required || index.primary) made.put("Required", true);
   (void)table.object(Kind::indexes, "Indexes").call("Append", made);
 }

@@ -7,8 +7,6 @@ namespace voxa::dao {
 
 /// A name as statements write it: "[Cardholders]".
 [[nodiscard]] std::string quoted(std::string_view name);
-/// A type as statements write it: "TEXT(50)".
-[[nodiscard]] std::string typeWord(const FieldDef& field);
 /// The type by the library's number. Types that the system has not are the nearest one that it has.
 [[nodiscard]] DataType typeOf(std::int32_t number);
 

@@ -165,7 +165,7 @@ void DaoDatabase::alterField(std::string_view table, const FieldDef& definition)
     session_->inStep([&] {
       if (next.type != old.type || next.size != old.size) {
         (void)execute("ALTER TABLE " + dao::quoted(now.name) + " ALTER COLUMN " + dao::quoted(old.name) +
-                          " " + dao::typeWord(next),
+                          " " + sqlType(next),
                       {});
       }
       const Object field = tableObject(now.name).object(Kind::fields, "Fields").item(old.name);

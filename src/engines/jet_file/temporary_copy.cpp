@@ -50,15 +50,7 @@ bool changes(const FieldDef& field, const Value& value) {
 /// Makes the table and fills it. The error of the first row that it does not take.
 std::optional<Error> makeTable(Database& database, const TableDef& table, const TemporaryCopy::Rows& rows) {
   database.createTable(table);
-  std::string names;
-  std::string values;
-  for (std::size_t i = 0; i < table.fields.size(); ++i) {
-    const char* const comma = i == 0 ? "" : ", ";
-    names += comma + ('[' + table.fields[i].name + ']');
-    values += comma + ("[value " + std::to_string(i) + " of the row]");
-  }
-  const auto insert =
-      database.prepare("insert into [" + table.name + "] (" + names + ") values (" + values + ")");
+  const auto insert = database.prepare(insertionOf(table.name, table.fieldNames()));
   std::optional<Error> failure;
   std::vector<Value> row(table.fields.size());
   rows(table, [&](const Value* given) {

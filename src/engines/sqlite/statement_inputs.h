@@ -67,16 +67,6 @@ inline const Value* ownedLiteral(const SqliteDatabase::Owned& owned, std::size_t
   return slot.constant ? &*slot.constant : nullptr;
 }
 
-/// Whether convertForField would return the same value.
-inline bool isStoredAsIs(const Value& value, const FieldDef& field) {
-  if (const auto* text = std::get_if<std::string>(&value.data())) {
-    // A text never has more characters than bytes.
-    return field.type == DataType::Memo ||
-           (field.type == DataType::Text && text->size() <= static_cast<std::size_t>(field.size));
-  }
-  return field.type == DataType::Long && std::holds_alternative<std::int32_t>(value.data());
-}
-
 template <typename InputOf>
 void SqliteDatabase::bind(Statement& statement, const dialect::Translation& translation, InputOf&& inputOf) {
   const std::vector<dialect::Slot>& slots = translation.slots;

@@ -29,6 +29,7 @@ struct IndexDef {
   bool primary = false;   ///< implies unique, and no Null in any of its fields
   bool unique = false;    ///< two Nulls are no duplicates
   bool required = false;  ///< no Null in any of its fields
+  [[nodiscard]] bool isUnique() const { return unique || primary; }
   friend bool operator==(const IndexDef&, const IndexDef&) = default;
 };
 
@@ -40,8 +41,28 @@ struct TableDef {
   /// The field or index of that name in any case, or nullptr.
   [[nodiscard]] const FieldDef* field(std::string_view fieldName) const;
   [[nodiscard]] const IndexDef* index(std::string_view indexName) const;
+  [[nodiscard]] std::vector<std::string> fieldNames() const;
   friend bool operator==(const TableDef&, const TableDef&) = default;
 };
+
+/// Whether convertForField would give the same value for the field: those that can be told at a glance.
+[[nodiscard]] inline bool isStoredAsIs(const Value& value, const FieldDef& field) {
+  if (const auto* text = std::get_if<std::string>(&value.data())) {
+    // A text never has more characters than bytes.
+    return field.type == DataType::Memo ||
+           (field.type == DataType::Text && text->size() <= static_cast<std::size_t>(field.size));
+  }
+  return field.type == DataType::Long && std::holds_alternative<std::int32_t>(value.data());
+}
+
+// Texts of statements, for all engines.
+
+/// Names with commas between: "[Id], [Name]".
+[[nodiscard]] std::string nameList(const std::vector<std::string>& names);
+/// The type of a field: "TEXT(50)".
+[[nodiscard]] std::string sqlType(const FieldDef& field);
+/// A statement that appends a row, with a parameter for each field in their order.
+[[nodiscard]] std::string insertionOf(const std::string& table, const std::vector<std::string>& fields);
 
 // Helpers for those who define tables.
 
