@@ -60,9 +60,7 @@ void exportCsv(Session& session, const ExportOptions& options) {
   Transferred done;
   {
     Progress progress;
-    std::string folder = session.callersFile(options.to);
-    while (folder.size() > 1 && folder.back() == '/') folder.pop_back();
-    done = exportTables(session.clock(), from, folder, options.showPins, progress);
+    done = exportTables(session.clock(), from, session.callersFolder(options.to), options.showPins, progress);
   }
   printTransferred(done);
   if (done.damaged) throw Leftover("the file is damaged, and some of it is lost");

@@ -1,6 +1,5 @@
 // voxa import and voxa export: cards as a table in a text file, and what came from an old installation.
 
-#include <filesystem>
 #include <iostream>
 #include <optional>
 
@@ -71,18 +70,11 @@ struct OldOptions {
   bool keepGoing = false;
 };
 
-/// The path without what a shell leaves at its end, or dots in it.
-std::string fullName(const std::string& path) {
-  std::string name = std::filesystem::path(path).lexically_normal().string();
-  while (name.size() > 1 && name.back() == '/') name.pop_back();
-  return name;
-}
-
 void importOld(Session& session, const OldOptions& options) {
   const auto full = [&](const std::string& named) { return named.empty() ? "" : session.callersFile(named); };
   const OldFiles old{full(options.files.main), full(options.files.journal), full(options.files.texts)};
   Opening how = session.settings.opening;
-  how.folder = fullName(session.callersFile(how.folder));
+  how.folder = session.callersFolder(how.folder);
   RefusedRows refused(how.folder + ".refused", options.keepGoing && !options.trial);
   Transferred done;
   {

@@ -1,5 +1,6 @@
 #include "session.h"
 
+#include <filesystem>
 #include <iostream>
 
 #include "app/qdb.h"
@@ -14,9 +15,8 @@ namespace {
 
 /// Whether an error is of a file that a person named or whose rights he keeps: nothing unexpected.
 bool isOfFiles(int number) {
-  constexpr int numbers[] = {err::fileNotFound, err::fileExists,   err::diskFull,       err::permissionDenied,
-                             err::pathAccess,   err::pathNotFound, err::dbFileNotFound, err::dbNotADatabase,
-                             err::dbCannotOpen, err::dbDiskFull};
+  constexpr int numbers[] = {err::fileNotFound,     err::fileExists, err::diskFull,
+                             err::permissionDenied, err::pathAccess, err::pathNotFound};
   return std::find(std::begin(numbers), std::end(numbers), number) != std::end(numbers);
 }
 
@@ -68,6 +68,12 @@ std::string Session::openForStatement(const std::string& named, bool write) {
     installation_.enter(settings.opening);
   }
   return installation_.databaseFile(named);
+}
+
+std::string Session::callersFolder(const std::string& path) const {
+  std::string name = std::filesystem::path(callersFile(path)).lexically_normal().string();
+  while (name.size() > 1 && name.back() == '/') name.pop_back();
+  return name;
 }
 
 void Session::show(const std::vector<Notice>& notices) {

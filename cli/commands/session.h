@@ -59,6 +59,8 @@ class Session {
   [[nodiscard]] std::string callersFile(const std::string& path) const {
     return installation_.callersFile(path);
   }
+  /// The same of a folder, without what a shell leaves at its end, or dots in it.
+  [[nodiscard]] std::string callersFolder(const std::string& path) const;
   /// Tells the person why a command failed (inside a catch block).
   void explainFailure(const std::string& command);
 

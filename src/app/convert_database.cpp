@@ -26,19 +26,12 @@ std::string unfinished(const std::string& path) {
   return name;
 }
 
-void addNotes(const Database& source, Transferred& done, RefusedRows* refused) {
-  const ReaderNotes notes = notesOf(source);
-  done.notes.insert(done.notes.end(), notes.sentences.begin(), notes.sentences.end());
-  done.damaged = notes.damaged;
-  if (notes.damaged && refused != nullptr) refused->addDamage(notes.sentences);
-}
-
 Transferred convertInto(DatabaseEngine& engine, const std::string& from, const std::string& to, bool script,
                         RefusedRows& refused, Observer& observer) {
   if (script) {
     const auto source = engine.open(from, FileUse::reading);
     Transferred done = writeScript(*source, to, observer);
-    addNotes(*source, done, &refused);
+    addReaderNotes(*source, done, &refused);
     source->close();
     return done;
   }
@@ -50,7 +43,7 @@ Transferred convertInto(DatabaseEngine& engine, const std::string& from, const s
   } else {
     const auto source = engine.open(from, FileUse::reading);
     done = transfer(*source, engine, *target, note, observer);
-    addNotes(*source, done, &refused);
+    addReaderNotes(*source, done, &refused);
     source->close();
   }
   target->close();
@@ -103,7 +96,7 @@ Transferred exportTables(const Clock& clock, const std::string& from, const std:
       file.close();
       written.written = written.read;
     }
-    addNotes(*database, done, nullptr);
+    addReaderNotes(*database, done, nullptr);
     fs::rename(made, files::native(folder), failure);
     if (failure)
       throw Error(err::pathAccess, "The folder " + folder + " cannot be made: " + failure.message());

@@ -43,10 +43,13 @@ std::shared_ptr<Database> EngineByFile::open(std::string_view path, FileUse use)
     }
     if (!isJetFile(head)) throw;
   }
-  refuse({err::dbNotADatabase,
-          std::string(path) +
-              " is a file of the Jet database engine, which is not installed for this program: 'voxa import "
-              "mdb' takes over an installation, 'voxa db convert' makes another file one of this system"});
+  return own_.guarded([&]() -> std::shared_ptr<Database> {
+    throw Error(
+        err::dbNotADatabase,
+        std::string(path) +
+            " is a file of the Jet database engine, which is not installed for this program: 'voxa import "
+            "mdb' takes over an installation, 'voxa db convert' makes another file one of this system");
+  });
 }
 
 std::vector<std::shared_ptr<Database>> EngineByFile::databases() const {
@@ -58,13 +61,12 @@ std::vector<std::shared_ptr<Database>> EngineByFile::databases() const {
 }
 
 void EngineByFile::begin() {
-  if (inTransaction())
-    refuse({err::dbInvalidArgument, "A transaction is running already; transactions do not nest"});
+  own_.guarded([&] { requireNoTransaction(*this); });
   for (const auto& engine : engines_) engine->begin();
 }
 
 void EngineByFile::commit() {
-  if (!inTransaction()) refuse({err::dbNoTransaction, "There is no transaction to end"});
+  own_.guarded([&] { requireTransaction(*this); });
   try {
     for (const auto& engine : engines_) {
       if (engine->inTransaction()) engine->commit();
@@ -78,7 +80,7 @@ void EngineByFile::commit() {
 }
 
 void EngineByFile::rollback() {
-  if (!inTransaction()) refuse({err::dbNoTransaction, "There is no transaction to end"});
+  own_.guarded([&] { requireTransaction(*this); });
   for (const auto& engine : engines_) {
     if (engine->inTransaction()) engine->rollback();
   }
@@ -93,19 +95,13 @@ const std::vector<ErrorInfo>& EngineByFile::errors() const {
   const auto& last = *std::max_element(engines_.begin(), engines_.end(), [](const auto& a, const auto& b) {
     return a->lastFailure() < b->lastFailure();
   });
-  return last->lastFailure() < lastFailure_ ? errors_ : last->errors();
+  return last->lastFailure() < own_.lastFailure ? own_.errors : last->errors();
 }
 
 std::uint64_t EngineByFile::lastFailure() const {
-  std::uint64_t last = lastFailure_;
+  std::uint64_t last = own_.lastFailure;
   for (const auto& engine : engines_) last = std::max(last, engine->lastFailure());
   return last;
-}
-
-void EngineByFile::refuse(const Error& error) {
-  lastFailure_ = nextFailure();
-  errors_.assign(1, {error.number(), error.description()});
-  throw error;
 }
 
 }  // namespace voxa

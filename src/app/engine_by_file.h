@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "platform/database/database.h"
+#include "platform/database/failures.h"
 #include "platform/database/jet_head.h"
 
 namespace voxa {
@@ -41,13 +42,10 @@ class EngineByFile final : public DatabaseEngine {
   [[nodiscard]] std::uint64_t lastFailure() const override;
 
  private:
-  [[noreturn]] void refuse(const Error& error);
-
   std::vector<std::shared_ptr<DatabaseEngine>> engines_;
   std::vector<Further> further_;
   std::shared_ptr<DatabaseEngine> creating_;
-  std::vector<ErrorInfo> errors_;  ///< of its own last failure
-  std::uint64_t lastFailure_ = 0;
+  Failures own_;  ///< of its own, not of one of its engines
 };
 
 }  // namespace voxa

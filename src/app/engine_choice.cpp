@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <string>
+#include <string_view>
 
 #include "app/engine_by_file.h"
 
@@ -32,19 +33,18 @@ std::unique_ptr<DatabaseEngine> makeEngine(const Clock& clock, std::shared_ptr<D
   DaoOptions options;
   const std::string className = wish.substr(std::min(wish.size(), sizeof "installed:" - 1));
   if (installs && !className.empty()) options.classes = {className};
-  if (installs || isDaoInstalled(options)) {
-    const std::shared_ptr<DatabaseEngine> installed = makeDaoEngine(clock, options);
-    if (installs && className.starts_with("KORVA."))
-      return std::make_unique<EngineByFile>(installed, std::vector<EngineByFile::Further>(), installed);
-    return std::make_unique<EngineByFile>(embedded,
-                                          std::vector<EngineByFile::Further>{{isJetFile, installed}},
-                                          installs ? installed : embedded);
-  }
+  const std::shared_ptr<DatabaseEngine> installed = makeDaoEngine(clock, options);
+  if (installs && className.starts_with("KORVA."))
+    return std::make_unique<EngineByFile>(installed, std::vector<EngineByFile::Further>(), installed);
+  // Whether there is one is asked when a file needs it.
+  const auto serves = [options](std::string_view head) { return isJetFile(head) && isDaoInstalled(options); };
+  return std::make_unique<EngineByFile>(embedded, std::vector<EngineByFile::Further>{{serves, installed}},
+                                        installs ? installed : embedded);
 #else
   (void)clock;
   if (installs) refuse(wish, "and only Windows can have such a library");
-#endif
   return std::make_unique<EngineByFile>(embedded, std::vector<EngineByFile::Further>(), embedded);
+#endif
 }
 
 }  // namespace voxa

@@ -54,12 +54,15 @@ std::unique_ptr<DatabaseEngine> makeFileEngine(const Clock& clock, FileRights ri
       embedded, std::vector<EngineByFile::Further>{jetFiles(clock, rights, secrets)}, embedded);
 }
 
-ReaderNotes notesOf(const Database& database) {
+void addReaderNotes(const Database& source, Transferred& done, RefusedRows* refused) {
 #ifdef _WIN32
-  (void)database;
-  return {};
+  (void)source, (void)done, (void)refused;  // what the installed library leaves out it does not tell
 #else
-  return {jetFileNotes(database), isDamagedJetFile(database)};
+  const std::vector<std::string>& notes = jetFileNotes(source);
+  done.notes.insert(done.notes.end(), notes.begin(), notes.end());
+  if (!isDamagedJetFile(source)) return;
+  done.damaged = true;
+  if (refused != nullptr) refused->addDamage(notes);
 #endif
 }
 

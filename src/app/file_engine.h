@@ -1,10 +1,10 @@
 #pragma once
 
 #include <memory>
-#include <string>
-#include <vector>
 
 #include "platform/database/database.h"
+#include "work/refused_rows.h"
+#include "work/transfer.h"
 
 namespace voxa {
 
@@ -23,11 +23,8 @@ struct FileRights {
 /// they are: nothing brings them forward, and they keep their way of making changes whole.
 [[nodiscard]] std::unique_ptr<DatabaseEngine> makeFileEngine(const Clock& clock, FileRights rights);
 
-/// What the reader of a file could not take over from it. To be asked when its rows have been read.
-struct ReaderNotes {
-  std::vector<std::string> sentences;
-  bool damaged = false;  ///< some tell of tables, rows or values that the file once held
-};
-[[nodiscard]] ReaderNotes notesOf(const Database& database);
+/// Adds what the reader of a file could not take over from it. To be called when its rows have been read.
+/// refused: gets what a damaged file has lost; nullptr when nobody decides about that.
+void addReaderNotes(const Database& source, Transferred& done, RefusedRows* refused);
 
 }  // namespace voxa

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <filesystem>
 #include <optional>
-#include <random>
 #include <system_error>
 
 #include "access/badge_format.h"
@@ -16,6 +15,7 @@
 #include "journal/journal.h"
 #include "messages/strings.h"
 #include "platform/files.h"
+#include "platform/temporary_folder.h"
 #include "platform/text.h"
 #include "work/refusal.h"
 #include "work/take_over.h"
@@ -29,8 +29,8 @@ namespace fs = std::filesystem;
 // The installation is made in a folder within its own, and moved when it is whole, the main database last, as
 // what says that there is an installation.
 constexpr const char* stagingFolder = "import~unfinished";
-constexpr const char* mainFile = "KRV.mdb";
-constexpr const char* movedFirst[] = {"I18N.MDB", Journal::dbName, LedgerFile::name};
+constexpr const char* mainFile = OpenInstallation::mainDatabase;
+constexpr const char* movedFirst[] = {Strings::storeName, Journal::dbName, LedgerFile::name};
 
 /// The table of a database that has that name in any case.
 std::optional<TableDef> findTable(const Database& database, const std::string& name) {
@@ -67,14 +67,14 @@ class Import {
     if (!old.journal.empty()) {
       const auto journal = openOld(source_, old.journal, "Journal", "journal");
       take(*journal, *library_.Journal().DB(), "Journal");
-      addNotes(*journal);
+      addReaderNotes(*journal, done_, &all_);
     }
     if (!old.texts.empty()) {
       const auto texts = openOld(source_, old.texts, "Strings", "store of message texts");
       BuiltInRows own(library_.Strings().database(), {"Strings"});
       take(*texts, library_.Strings().database(), "Strings");
       own.putBack("Strings");
-      addNotes(*texts);
+      addReaderNotes(*texts, done_, &all_);
     }
     transaction.commit();
     requireMainDatabase(library_.QDB().database(), library_.QDB().definitions());
@@ -113,13 +113,7 @@ class Import {
     for (const QueryDef& query : from.queries()) {
       if (!isOneOf(own, query.name)) copyQuery(to, query, done_);
     }
-    addNotes(from);
-  }
-
-  void addNotes(const Database& from) {
-    const ReaderNotes notes = notesOf(from);
-    done_.notes.insert(done_.notes.end(), notes.sentences.begin(), notes.sentences.end());
-    if (notes.damaged) all_.addDamage(notes.sentences);
+    addReaderNotes(from, done_, &all_);
   }
 
   void take(Database& from, Database& to, const std::string& table) {
@@ -164,36 +158,6 @@ void removeUnfinishedImport() {
 }
 
 namespace {
-
-/// A folder of its own for a trial; gone with the object.
-class TrialFolder {
- public:
-  TrialFolder() : path_((temporaryFiles() / ("voxa-trial-" + randomName())).string()) {
-    files::makeFolder(path_);
-  }
-  ~TrialFolder() {
-    std::error_code nobodyToTell;
-    fs::remove_all(path_, nobodyToTell);
-  }
-  TrialFolder(const TrialFolder&) = delete;
-  TrialFolder& operator=(const TrialFolder&) = delete;
-  [[nodiscard]] const std::string& path() const { return path_; }
-
- private:
-  static fs::path temporaryFiles() {
-    std::error_code failure;
-    fs::path folder = fs::temp_directory_path(failure);
-    if (failure)
-      throw Refusal("a trial needs the folder for temporary files, which cannot be used: " +
-                    failure.message());
-    return folder;
-  }
-  static std::string randomName() {
-    std::random_device random;
-    return std::to_string(random()) + std::to_string(random());
-  }
-  std::string path_;
-};
 
 /// The current folder for the lifetime of the object.
 class Within {
@@ -250,7 +214,7 @@ Transferred importInstallation(Prompts& prompts, const Opening& how, const OldFi
       const Within target(how.folder);
       requireFree(how.folder);
     }
-    const TrialFolder folder;
+    const files::TemporaryFolder folder("voxa-trial-");
     const Within inFolder(folder.path());
     return importHere(prompts, how, old, refused, observer);
   }

@@ -23,8 +23,7 @@ namespace voxa {
 
 namespace {
 
-constexpr const char* mainDatabase = "KRV.mdb";
-constexpr const char* messageStore = "I18N.MDB";
+constexpr const char* messageStore = Strings::storeName;
 
 }  // namespace
 

@@ -26,6 +26,8 @@ struct Opening {
 /// where the library keeps its files. What cannot be opened or made is a Refusal.
 class OpenInstallation {
  public:
+  static constexpr const char* mainDatabase = "KRV.mdb";
+
   /// prompts: must outlive this object.
   explicit OpenInstallation(Prompts& prompts);
   ~OpenInstallation();

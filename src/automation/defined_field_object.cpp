@@ -11,13 +11,8 @@ constexpr GUID fieldId = {0xc77d0fa1, 0x6c1e, 0x4a2b, {0x9b, 0x1c, 0x0d, 0x9c, 0
 /// #.
 Value literalOf(const Value& given) {
   if (!given.isText()) return given;
-  std::string text = given.toText();
-  if (text.empty()) return {};
-  const bool isLiteral = text.size() > 1 && text.front() == text.back();
-  if (!isLiteral || (text.front() != '"' && text.front() != '#')) return given;
-  text = text.substr(1, text.size() - 2);
-  for (std::size_t at = 0; (at = text.find("\"\"", at)) != std::string::npos; ++at) text.erase(at, 1);
-  return text;
+  const std::string text = given.toText();
+  return text.empty() ? Value() : Value(literalText(text));
 }
 
 [[noreturn]] Value noRows() {

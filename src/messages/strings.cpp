@@ -11,7 +11,6 @@ namespace voxa {
 
 namespace {
 
-constexpr const char* storeName = "I18N.MDB";
 constexpr const char* tableName = "Strings";
 constexpr const char* crLf = "\r\n";
 

@@ -17,6 +17,8 @@ class Database;
 /// it open.
 class Strings : public Messages {
  public:
+  static constexpr const char* storeName = "I18N.MDB";
+
   explicit Strings(Context& context);
   ~Strings() override;
   Strings(const Strings&) = delete;

@@ -217,27 +217,9 @@ int run() {
   (void)container.call(L"createDB");
   const Object engine = Object::create(L"KORVA.DBEngine");
 
-  std::vector<fs::path> files;
-  for (const auto& entry : fs::directory_iterator(here)) {
-    if (entry.path().extension() == ".test") files.push_back(entry.path());
-  }
-  std::sort(files.begin(), files.end());
-  int records = 0;
-  int failures = 0;
-  for (const fs::path& file : files) {
-    Automation road(engine.get(L"CreateDatabase", file.stem().wstring()));
-    std::ifstream in(file);
-    for (const Record& record : readRecords(in)) {
-      ++records;
-      const std::string found = difference(record, road);
-      if (found.empty()) continue;
-      ++failures;
-      std::printf("%s:%d %s\n%s\n", file.filename().string().c_str(), record.line, record.text.c_str(),
-                  found.c_str());
-    }
-  }
-  std::printf("%d of %d records failed\n", failures, records);
-  return failures == 0 && records > 0 ? 0 : 1;
+  return runFiles(here, [&](const std::string& name) {
+    return std::make_unique<Automation>(engine.get(L"CreateDatabase", wide(name)));
+  });
 }
 
 }  // namespace

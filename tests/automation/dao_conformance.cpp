@@ -60,27 +60,9 @@ std::vector<Words> readCalls() {
 }
 
 int runRecords(DatabaseEngine& engine) {
-  std::vector<fs::path> files;
-  for (const auto& entry : fs::directory_iterator(fs::current_path())) {
-    if (entry.path().extension() == ".test") files.push_back(entry.path());
-  }
-  std::sort(files.begin(), files.end());
-  int records = 0;
-  int failures = 0;
-  for (const fs::path& file : files) {
-    Seam road(engine.create(file.stem().string() + ".mdb"));
-    std::ifstream in(file);
-    for (const Record& record : readRecords(in)) {
-      ++records;
-      const std::string found = difference(record, road);
-      if (found.empty()) continue;
-      ++failures;
-      std::printf("%s:%d %s\n%s\n", file.filename().string().c_str(), record.line, record.text.c_str(),
-                  found.c_str());
-    }
-  }
-  std::printf("%d of %d records failed\n", failures, records);
-  return records == 0 ? 1 : failures;
+  return runFiles(fs::current_path(), [&](const std::string& name) {
+    return std::make_unique<Seam>(engine.create(name + ".mdb"));
+  });
 }
 
 int runStory(DatabaseEngine& engine, const Clock& clock) {

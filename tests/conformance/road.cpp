@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
+#include <fstream>
 #include <stdexcept>
 
 #include "platform/datetime.h"
@@ -107,6 +109,31 @@ std::string difference(const Record& record, Road& road) {
   const std::string expected = expectedOf(record);
   if (given.text == expected) return {};
   return "expected: " + expected + "\ngiven: " + given.text + given.description;
+}
+
+int runFiles(const std::filesystem::path& folder,
+             const std::function<std::unique_ptr<Road>(const std::string& name)>& open) {
+  std::vector<std::filesystem::path> files;
+  for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+    if (entry.path().extension() == ".test") files.push_back(entry.path());
+  }
+  std::sort(files.begin(), files.end());
+  int records = 0;
+  int failures = 0;
+  for (const std::filesystem::path& file : files) {
+    const auto road = open(file.stem().string());
+    std::ifstream in(file);
+    for (const Record& record : readRecords(in)) {
+      ++records;
+      const std::string found = difference(record, *road);
+      if (found.empty()) continue;
+      ++failures;
+      std::printf("%s:%d %s\n%s\n", file.filename().string().c_str(), record.line, record.text.c_str(),
+                  found.c_str());
+    }
+  }
+  std::printf("%d of %d records failed\n", failures, records);
+  return records == 0 ? 1 : failures;
 }
 
 }  // namespace voxa::conformance

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <filesystem>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -39,6 +41,11 @@ class Seam : public Road {
  private:
   std::shared_ptr<Database> database_;
 };
+
+/// Runs the records of all files of a folder, each on a database of its own that `open` makes by the file's
+/// name, and prints the differences. How many there are; 1 when there are no records.
+[[nodiscard]] int runFiles(const std::filesystem::path& folder,
+                           const std::function<std::unique_ptr<Road>(const std::string& name)>& open);
 
 /// Runs a record. Returns what it should give and what it gave, nothing when they are the same.
 [[nodiscard]] std::string difference(const Record& record, Road& road);

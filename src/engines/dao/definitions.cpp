@@ -106,19 +106,10 @@ std::string defaultExpression(const FieldDef& field) {
 
 Value defaultOf(const Value& expression, const FieldDef& field) {
   if (!expression.isText()) return expression;
-  std::string text = expression.toText();
+  const std::string text = expression.toText();
   if (text.empty()) return {};
-  const bool isLiteral = text.size() > 1 && text.front() == text.back();
-  if (isLiteral && (text.front() == '"' || text.front() == '#')) {
-    const std::string within = text.substr(1, text.size() - 2);
-    text.clear();
-    for (std::size_t i = 0; i < within.size(); ++i) {
-      if (within[i] == '"' && i + 1 < within.size() && within[i + 1] == '"') ++i;
-      text += within[i];
-    }
-  }
   try {
-    return convertForField(text, field.type, field.size);
+    return convertForField(literalText(text), field.type, field.size);
   } catch (const Error&) {
     return {};  // a function, say: the library computes it for each row
   }

@@ -42,17 +42,20 @@ class DaoEngine final : public DatabaseEngine {
   }
 
   void begin() override {
-    session_->guarded([&] { session_->begin(); });
+    session_->guarded([&] {
+      requireNoTransaction(*this);
+      session_->begin();
+    });
   }
   void commit() override {
     session_->guarded([&] {
-      requireTransaction();
+      requireTransaction(*this);
       session_->commit();
     });
   }
   void rollback() override {
     session_->guarded([&] {
-      requireTransaction();
+      requireTransaction(*this);
       session_->rollback();
     });
   }
@@ -61,10 +64,6 @@ class DaoEngine final : public DatabaseEngine {
   [[nodiscard]] std::uint64_t lastFailure() const override { return session_->lastFailure; }
 
  private:
-  void requireTransaction() const {
-    if (!session_->inTransaction) throw Error(err::dbNoTransaction, "There is no transaction to end");
-  }
-
   std::shared_ptr<DaoSession> session_;
 };
 

@@ -93,8 +93,6 @@ DISPID DaoSession::idOf(Kind kind, const char* member, IDispatch& object) {
 }
 
 void DaoSession::begin() {
-  if (inTransaction)
-    throw Error(err::dbInvalidArgument, "A transaction is running already; transactions do not nest");
   if (workspace_) (void)workspace_.call("BeginTrans");
   inTransaction = true;
 }
@@ -135,12 +133,8 @@ void DaoSession::closeClosed() {
 }
 
 void DaoSession::failed(const Error& error) {
-  lastFailure = nextFailure();
-  if (const auto* library = dynamic_cast<const dao::LibraryError*>(&error)) {
-    errors = library->entries();
-  } else {
-    errors.assign(1, {error.number(), error.description()});
-  }
+  Failures::failed(error);
+  if (const auto* library = dynamic_cast<const dao::LibraryError*>(&error)) errors = library->entries();
 }
 
 }  // namespace voxa

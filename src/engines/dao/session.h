@@ -9,27 +9,17 @@
 
 #include "engines/dao/engine.h"
 #include "engines/dao/object.h"
-#include "platform/error.h"
+#include "platform/database/failures.h"
 
 namespace voxa {
 
 class DaoDatabase;
 
 /// What the engine and its databases share: the library's engine and its default workspace.
-struct DaoSession {
+struct DaoSession : Failures {
   DaoSession(const Clock& sessionClock, DaoOptions sessionOptions)
       : clock(sessionClock), options(std::move(sessionOptions)) {}
 
-  /// Runs one public operation. An error that leaves it is put into the error collection first.
-  template <typename Operation>
-  decltype(auto) guarded(Operation&& operation) {
-    try {
-      return operation();
-    } catch (const Error& error) {
-      failed(error);
-      throw;
-    }
-  }
   /// Runs an operation within the transaction that runs, or within one of its own.
   template <typename Operation>
   void inStep(Operation&& operation) {
@@ -44,6 +34,7 @@ struct DaoSession {
     commit();
   }
 
+  void failed(const Error& error) override;
   /// The library's objects, made at first use.
   const dao::Object& engine();
   const dao::Object& workspace();
@@ -67,15 +58,12 @@ struct DaoSession {
 
   const Clock& clock;
   const DaoOptions options;
-  std::vector<ErrorInfo> errors;
-  std::uint64_t lastFailure = 0;
   std::vector<DaoDatabase*> open;  ///< in the order they were opened
   std::vector<Closed> closed;
   bool inTransaction = false;
   bool isReporting = false;  ///< while the library's collection of errors is read
 
  private:
-  void failed(const Error& error);
   void closeClosed();
 
   dao::Object engine_;

@@ -18,11 +18,6 @@ JetSession::JetSession(const Clock& clockOfSession, JetFileOptions optionsOfSess
       options(std::move(optionsOfSession)),
       embedded(makeSqliteEngine(clock, {.secrets = options.secrets})) {}
 
-void JetSession::failed(const Error& error) {
-  errors.assign(1, {error.number(), error.description()});
-  lastFailure = nextFailure();
-}
-
 const std::vector<ErrorInfo>& JetSession::lastErrors() const {
   return embedded->lastFailure() > lastFailure ? embedded->errors() : errors;
 }

@@ -12,34 +12,22 @@
 #include "engines/jet_file/stream.h"
 #include "engines/jet_file/temporary_copy.h"
 #include "platform/database/database.h"
+#include "platform/database/failures.h"
 
 namespace voxa {
 
 class JetDatabase;
 
 /// What the engine of Jet files and its databases share.
-struct JetSession {
+struct JetSession : Failures {
   JetSession(const Clock& clockOfSession, JetFileOptions optionsOfSession);
 
-  /// Runs one public operation. An error that leaves it is put into the error collection first.
-  template <typename Operation>
-  decltype(auto) guarded(Operation&& operation) {
-    try {
-      return operation();
-    } catch (const Error& error) {
-      failed(error);
-      throw;
-    }
-  }
-  void failed(const Error& error);
   /// The error collection: of this engine, or of the embedded one when that failed later.
   const std::vector<ErrorInfo>& lastErrors() const;
 
   const Clock& clock;
   const JetFileOptions options;
   std::unique_ptr<DatabaseEngine> embedded;
-  std::vector<ErrorInfo> errors;
-  std::uint64_t lastFailure = 0;
   std::vector<JetDatabase*> open;
 };
 

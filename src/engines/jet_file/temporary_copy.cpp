@@ -1,11 +1,7 @@
 #include "engines/jet_file/temporary_copy.h"
 
-#include <stdlib.h>
-
 #include <algorithm>
-#include <filesystem>
 #include <optional>
-#include <system_error>
 #include <vector>
 
 #include "engines/sqlite/engine.h"
@@ -15,16 +11,6 @@
 namespace voxa::jet {
 
 namespace {
-
-std::string newFolder() {
-  std::error_code failed;
-  std::string folder = (std::filesystem::temp_directory_path(failed) / "voxa-jet-XXXXXX").string();
-  if (failed || ::mkdtemp(folder.data()) == nullptr) {
-    throw Error(err::dbCannotOpen,
-                "There is no folder for temporary files: set TMPDIR to one that can be written");
-  }
-  return folder;
-}
 
 /// The table with room for any value that a file can have in it.
 TableDef relaxed(TableDef table) {
@@ -102,20 +88,13 @@ void copyTable(Database& database, const TableDef& table, const TemporaryCopy::R
 }  // namespace
 
 TemporaryCopy::TemporaryCopy(const Clock& clock, const Catalogue& catalogue, const Rows& rows,
-                             const std::function<void(const std::string&)>& note)
-    : folder_(newFolder()) {
+                             const std::function<void(const std::string&)>& note) {
   try {
-    fill(clock, catalogue, rows, note);
-  } catch (...) {
-    std::error_code ignored;
-    std::filesystem::remove_all(folder_, ignored);
-    throw;
+    folder_.emplace("voxa-jet-");
+  } catch (const Error& error) {
+    throw Error(err::dbCannotOpen, error.description());
   }
-}
-
-TemporaryCopy::~TemporaryCopy() {
-  std::error_code ignored;
-  std::filesystem::remove_all(folder_, ignored);
+  fill(clock, catalogue, rows, note);
 }
 
 void TemporaryCopy::fill(const Clock& clock, const Catalogue& catalogue, const Rows& rows,

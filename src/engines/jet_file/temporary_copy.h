@@ -2,9 +2,11 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "engines/jet_file/catalogue.h"
+#include "platform/temporary_folder.h"
 #include "platform/value.h"
 
 namespace voxa {
@@ -25,16 +27,13 @@ class TemporaryCopy {
   /// is lost. note: takes what cannot be in the copy. Errors: those of `rows`, 3026 when the disk is full.
   TemporaryCopy(const Clock& clock, const Catalogue& catalogue, const Rows& rows,
                 const std::function<void(const std::string&)>& note);
-  ~TemporaryCopy();
-  TemporaryCopy(const TemporaryCopy&) = delete;
-  TemporaryCopy& operator=(const TemporaryCopy&) = delete;
 
-  [[nodiscard]] std::string path() const { return folder_ + "/copy.mdb"; }
+  [[nodiscard]] std::string path() const { return folder_->path() + "/copy.mdb"; }
 
  private:
   void fill(const Clock& clock, const Catalogue& catalogue, const Rows& rows,
             const std::function<void(const std::string&)>& note) const;
-  std::string folder_;
+  std::optional<files::TemporaryFolder> folder_;
 };
 
 }  // namespace jet

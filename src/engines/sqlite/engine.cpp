@@ -61,8 +61,7 @@ void Session::failed(const Error& error) {
                       return d->lostTransaction();
                     });
   if (lost) abandonTransaction();
-  lastFailure = nextFailure();
-  errors.assign(1, {error.number(), error.description()});
+  Failures::failed(error);
 }
 
 namespace {
@@ -111,9 +110,7 @@ class SqliteEngine final : public DatabaseEngine {
 
   void begin() override {
     session_->guarded([&] {
-      if (session_->inTransaction) {
-        throw Error(err::dbInvalidArgument, "A transaction is running already; transactions do not nest");
-      }
+      requireNoTransaction(*this);
       for (SqliteDatabase* database : session_->open) database->endReading();
       session_->inTransaction = true;
     });
@@ -121,14 +118,14 @@ class SqliteEngine final : public DatabaseEngine {
 
   void commit() override {
     session_->guarded([&] {
-      requireTransaction();
+      requireTransaction(*this);
       session_->commit();
     });
   }
 
   void rollback() override {
     session_->guarded([&] {
-      requireTransaction();
+      requireTransaction(*this);
       session_->rollback();
     });
   }
@@ -138,10 +135,6 @@ class SqliteEngine final : public DatabaseEngine {
   [[nodiscard]] std::uint64_t lastFailure() const override { return session_->lastFailure; }
 
  private:
-  void requireTransaction() const {
-    if (!session_->inTransaction) throw Error(err::dbNoTransaction, "There is no transaction to end");
-  }
-
   std::shared_ptr<Session> session_;
 };
 

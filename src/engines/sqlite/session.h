@@ -1,13 +1,12 @@
 #pragma once
 
-#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "engines/sqlite/connection.h"
 #include "engines/sqlite/engine.h"
-#include "platform/error.h"
+#include "platform/database/failures.h"
 
 namespace voxa {
 
@@ -15,20 +14,9 @@ class Clock;
 class SqliteDatabase;
 
 /// What the engine and its databases share. Its members are in engine.cpp.
-struct Session {
+struct Session : Failures {
   Session(const Clock& sessionClock, const SqliteOptions& sessionOptions)
       : clock(sessionClock), options(sessionOptions) {}
-
-  /// Runs one public operation. An error that leaves it is put into the error collection first.
-  template <typename Operation>
-  decltype(auto) guarded(Operation&& operation) {
-    try {
-      return operation();
-    } catch (const Error& error) {
-      failed(error);
-      throw;
-    }
-  }
 
   /// A file that was closed within the transaction. Its part of it ends with the others.
   struct Closed {
@@ -38,6 +26,7 @@ struct Session {
   /// Takes the connection of such a file out, for the same file that is opened again; none otherwise.
   std::optional<Connection> reopen(const std::string& path);
 
+  void failed(const Error& error) override;
   void commit();
   void rollback();
   /// Rolls back after a failure. Only that failure is reported.
@@ -45,14 +34,9 @@ struct Session {
 
   const Clock& clock;
   const SqliteOptions options;
-  std::vector<ErrorInfo> errors;
-  std::uint64_t lastFailure = 0;
   std::vector<SqliteDatabase*> open;  ///< in the order they were opened
   std::vector<Closed> closed;
   bool inTransaction = false;
-
- private:
-  void failed(const Error& error);
 };
 
 }  // namespace voxa

@@ -1,7 +1,5 @@
 #include "platform/database/database.h"
 
-#include <atomic>
-
 namespace voxa {
 
 const std::shared_ptr<Database>& requireOpen(const std::shared_ptr<Database>& handle) {
@@ -9,9 +7,13 @@ const std::shared_ptr<Database>& requireOpen(const std::shared_ptr<Database>& ha
   return handle;
 }
 
-std::uint64_t nextFailure() {
-  static std::atomic<std::uint64_t> last = 0;  // threads of their own may have engines of their own
-  return ++last;
+void requireTransaction(const DatabaseEngine& engine) {
+  if (!engine.inTransaction()) throw Error(err::dbNoTransaction, "There is no transaction to end");
+}
+
+void requireNoTransaction(const DatabaseEngine& engine) {
+  if (engine.inTransaction())
+    throw Error(err::dbInvalidArgument, "A transaction is running already; transactions do not nest");
 }
 
 Transaction::Transaction(DatabaseEngine& engine, Database& changed) : Transaction(engine) {

@@ -165,12 +165,13 @@ class DatabaseEngine {
 
   /// What the last failed call reported, first entry first. A later failure replaces it.
   [[nodiscard]] virtual const std::vector<ErrorInfo>& errors() const = 0;
-  /// The number of that failure (nextFailure); 0 before the first one.
+  /// The number of that failure (Failures); 0 before the first one.
   [[nodiscard]] virtual std::uint64_t lastFailure() const { return 0; }
 };
 
-/// Numbers the failures of all engines, so that who has several knows which failed last.
-[[nodiscard]] std::uint64_t nextFailure();
+// What engines ask before they begin or end a transaction: 3034 without one, 3001 for a second one.
+void requireTransaction(const DatabaseEngine& engine);
+void requireNoTransaction(const DatabaseEngine& engine);
 
 /// A reading for the lifetime of this object, unless something ends it before (Database::beginReading).
 class Reading {

@@ -77,6 +77,15 @@ std::string insertionOf(const std::string& table, const std::vector<std::string>
   return "INSERT INTO [" + table + "] (" + nameList(fields) + ") VALUES (" + nameList(parameters) + ")";
 }
 
+std::string literalText(std::string expression) {
+  const bool isLiteral = expression.size() > 1 && expression.front() == expression.back();
+  if (!isLiteral || (expression.front() != '"' && expression.front() != '#')) return expression;
+  expression = expression.substr(1, expression.size() - 2);
+  for (std::size_t at = 0; (at = expression.find("\"\"", at)) != std::string::npos; ++at)
+    expression.erase(at, 1);
+  return expression;
+}
+
 void addField(TableDef& td, const std::string& name, DataType type, int size, const Value& defaultValue) {
   FieldDef field;
   field.name = name;

@@ -64,6 +64,10 @@ struct TableDef {
 /// A statement that appends a row, with a parameter for each field in their order.
 [[nodiscard]] std::string insertionOf(const std::string& table, const std::vector<std::string>& fields);
 
+/// The text that an expression of one literal stands for: "Staff" in quotes, a moment between #. Any other
+/// text as it is.
+[[nodiscard]] std::string literalText(std::string expression);
+
 // Helpers for those who define tables.
 
 /// size: greatest number of characters of a text column.
