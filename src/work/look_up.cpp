@@ -15,16 +15,17 @@ namespace {
 /// Where rows of a kind are.
 struct Kind {
   const char* table;
-  const char* number;       // its column
-  const char* notFound;     // mnemonic
-  std::string family = "";  // of weekly programs only
+  const char* number;        // its column
+  const char* notFound;      // mnemonic
+  std::string family = "";   // of weekly programs only
+  const char* besides = "";  // what else has to be so of its rows
 };
 
 std::unique_ptr<Recordset> rowsWith(Installation& installation, const Kind& kind, const std::string& column,
                                     const char* type, const Value& value) {
   std::vector<std::pair<std::string, Value>> values = {{"pValue", value}};
   std::string declared = "parameters pValue " + std::string(type);
-  std::string condition = " where " + column + " = pValue";
+  std::string condition = " where " + column + " = pValue" + kind.besides;
   if (!kind.family.empty()) {
     declared += ", pFamily memo";
     condition += " and ProgType = pFamily";
@@ -49,6 +50,16 @@ std::unique_ptr<Recordset> numberedOrNamed(Installation& installation, const Kin
   return named(installation, kind, text);
 }
 
+std::unique_ptr<Recordset> namedOrNumbered(Installation& installation, const Kind& kind,
+                                           const std::string& text) {
+  auto rows = rowsWith(installation, kind, "Name", "memo", text);
+  if (!rows->eof()) return rows;
+  if (!isNumber(text)) throw Refusal(kind.notFound, text);
+  rows = rowsWith(installation, kind, kind.number, "long", number16("the number", text));
+  if (rows->eof()) throw Refusal(kind.notFound, text);
+  return rows;
+}
+
 void requireBadgeFormats(Installation& installation) {
   if (hasBadgeFormats(installation)) return;
   throw Refusal("the installation has no badge formats: create the default one with 'voxa badge create'");
@@ -57,11 +68,19 @@ void requireBadgeFormats(Installation& installation) {
 }  // namespace
 
 std::unique_ptr<Recordset> stationNamed(Installation& installation, const std::string& name) {
-  return named(installation, {"Stations", "Id", "msgCantFindStation"}, name);
+  return namedOrNumbered(installation, {"Stations", "Id", "msgCantFindStation"}, name);
 }
 
 std::unique_ptr<Recordset> readerNamed(Installation& installation, const std::string& name) {
-  return named(installation, {"Readers", "Id", "msgCantFindReader"}, name);
+  return namedOrNumbered(installation, {"Readers", "Id", "msgCantFindReader"}, name);
+}
+
+std::unique_ptr<Recordset> alarmNamed(Installation& installation, AlarmKind kind, const std::string& name) {
+  const bool lift = kind == AlarmKind::lift;
+  return namedOrNumbered(installation,
+                         {"Alarms", "Id", "msgCantFindAlarm", "",
+                          lift ? " and Type = 'M'" : " and (Type <> 'M' or Type is null)"},
+                         name);
 }
 
 std::unique_ptr<Recordset> dailyProgramNamed(Installation& installation, const std::string& numberOrName) {
