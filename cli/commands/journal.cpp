@@ -22,7 +22,7 @@ struct JournalOptions {
 const std::vector<std::string> columns = {"Date",    "Station",    "Reader", "Type",
                                           "Meaning", "Cardholder", "Data"};
 
-std::vector<Value> cellsOf(const JournalRow& row) {
+std::vector<Cell> cellsOf(const JournalRow& row) {
   const auto name = [](const std::string& text) { return text.empty() ? Value() : Value(text); };
   return {formatDateTime(row.date, "dd/mm/yyyy hh:nn"),
           name(row.station),

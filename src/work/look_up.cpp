@@ -6,6 +6,7 @@
 #include "platform/database/database.h"
 #include "work/installation.h"
 #include "work/refusal.h"
+#include "work/suggestions.h"
 #include "work/words.h"
 
 namespace voxa {
@@ -37,7 +38,12 @@ std::unique_ptr<Recordset> rowsWith(Installation& installation, const Kind& kind
 
 std::unique_ptr<Recordset> named(Installation& installation, const Kind& kind, const std::string& name) {
   auto rows = rowsWith(installation, kind, "Name", "memo", name);
-  if (rows->eof()) throw Refusal(kind.notFound, name);
+  if (rows->eof()) {
+    const std::string family = kind.family.empty() ? "" : " and ProgType = '" + kind.family + "'";
+    throw notFound(kind.notFound, name,
+                   namesOf(installation, "select Name from " + std::string(kind.table) +
+                                             " where Name is not null" + family + kind.besides));
+  }
   return rows;
 }
 
@@ -52,12 +58,11 @@ std::unique_ptr<Recordset> numberedOrNamed(Installation& installation, const Kin
 
 std::unique_ptr<Recordset> namedOrNumbered(Installation& installation, const Kind& kind,
                                            const std::string& text) {
-  auto rows = rowsWith(installation, kind, "Name", "memo", text);
-  if (!rows->eof()) return rows;
-  if (!isNumber(text)) throw Refusal(kind.notFound, text);
-  rows = rowsWith(installation, kind, kind.number, "long", number16("the number", text));
-  if (rows->eof()) throw Refusal(kind.notFound, text);
-  return rows;
+  if (isNumber(text) && rowsWith(installation, kind, "Name", "memo", text)->eof()) {
+    auto rows = rowsWith(installation, kind, kind.number, "long", number16("the number", text));
+    if (!rows->eof()) return rows;
+  }
+  return named(installation, kind, text);
 }
 
 void requireBadgeFormats(Installation& installation) {
@@ -66,6 +71,16 @@ void requireBadgeFormats(Installation& installation) {
 }
 
 }  // namespace
+
+std::vector<std::string> namesOf(Installation& installation, const std::string& statement) {
+  const auto rows = installation.database().openRecordset(statement);
+  std::vector<std::string> names;
+  for (; !rows->eof(); rows->moveNext()) {
+    const Value name = rows->get("Name");
+    if (!name.isNull()) names.push_back(name.toText());
+  }
+  return names;
+}
 
 std::unique_ptr<Recordset> stationNamed(Installation& installation, const std::string& name) {
   return namedOrNumbered(installation, {"Stations", "Id", "msgCantFindStation"}, name);
