@@ -38,7 +38,7 @@ void print(const std::vector<AccessAnswer>& answers, bool json) {
   if (!json) columns.resize(shown);
   TableOutput table(columns);
   for (const AccessAnswer& answer : answers) {
-    std::vector<Value> cells = {
+    std::vector<Cell> cells = {
         answer.card,
         answer.name,
         answer.door,

@@ -51,7 +51,7 @@ void listFormats(Session& session, bool json) {
   for (const char* title : {"Site", "System", "ToSend"}) titles.emplace_back(title);
   TableOutput table(titles);
   for (const BadgeFormatRow& format : listBadgeFormats(session.library())) {
-    std::vector<Value> cells = {format.id, format.name};
+    std::vector<Cell> cells = {format.id, format.name};
     cells.insert(cells.end(), format.numbers.begin(), format.numbers.end());
     for (const Value& cell : {format.site, Value(format.systemCard), Value(format.toSend)}) {
       cells.push_back(cell);

@@ -42,8 +42,8 @@ void print(const std::vector<CardRow>& cards, const ListOptions& options) {
   if (options.showPins) columns.emplace_back("Pin");
   TableOutput table(columns);
   for (const CardRow& card : cards) {
-    std::vector<Value> cells = {card.number,     card.name,  card.code,   card.group, card.valid,
-                                card.supervisor, card.until, card.credit, card.toSend};
+    std::vector<Cell> cells = {card.number,     card.name,  card.code,   card.group, card.valid,
+                               card.supervisor, card.until, card.credit, card.toSend};
     if (options.showPins) cells.emplace_back(card.pin);
     table.add(std::move(cells));
   }

@@ -31,7 +31,7 @@ void listDaily(Session& session, bool json) {
   columns.emplace_back("ToSend");
   TableOutput table(columns);
   for (const DailyProgramRow& program : programs) {
-    std::vector<Value> cells = {program.id, program.name};
+    std::vector<Cell> cells = {program.id, program.name};
     cells.insert(cells.end(), program.intervals.begin(), program.intervals.end());
     cells.emplace_back(program.toSend);
     table.add(std::move(cells));

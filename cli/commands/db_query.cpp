@@ -9,7 +9,6 @@
 #include "app/database_query.h"
 #include "output/command_line.h"
 #include "output/table_output.h"
-#include "platform/datetime.h"
 #include "session.h"
 
 namespace voxa::cli {
@@ -24,27 +23,14 @@ struct QueryOptions {
   bool csv = false;
 };
 
-/// Moments as programs read them.
-std::vector<Value> withIsoMoments(std::vector<Value> cells) {
-  for (Value& cell : cells) {
-    if (const auto* moment = std::get_if<DateTime>(&cell.data()))
-      cell = formatDateTime(*moment, "yyyy-mm-ddThh:nn:ss");
-  }
-  return cells;
-}
-
 void print(const std::vector<std::string>& columns, const QueryOptions& options, const ListRows& rows) {
-  if (!options.json && !options.csv) return printList(std::cout, columns, false, rows);
-  const ListRows forPrograms = [&](const auto& row) {
-    rows([&](const std::vector<Value>& cells) { row(withIsoMoments(cells)); });
-  };
-  options.csv ? printCsv(std::cout, columns, forPrograms) : printList(std::cout, columns, true, forPrograms);
+  options.csv ? printCsv(std::cout, columns, rows) : printList(std::cout, columns, options.json, rows);
 }
 
 void change(const DatabaseQuery& query, const QueryOptions& options) {
   const int touched = query.change(options.statement);
   if (options.json || options.csv) {
-    print({"Rows"}, options, [&](const auto& row) { row({touched}); });
+    print({"Rows"}, options, [&](const auto& row) { row({Cell(touched)}); });
     return;
   }
   std::cout << touched << (touched == 1 ? " row" : " rows") << " changed\n";
@@ -55,7 +41,13 @@ void query(Session& session, const QueryOptions& options) {
   const DatabaseQuery query(session.clock(), file, {.write = options.write, .codes = options.showPins});
   if (options.write) return change(query, options);
   const DatabaseQuery::Rows rows = query.select(options.statement);
-  print(rows.columns(), options, [&](const auto& row) { rows.each(row); });
+  std::vector<Cell> cells(rows.columns().size());
+  print(rows.columns(), options, [&](const auto& row) {
+    rows.each([&](const std::vector<Value>& values) {
+      for (std::size_t i = 0; i < values.size(); ++i) cells[i].set(values[i]);
+      row(cells);
+    });
+  });
 }
 
 }  // namespace

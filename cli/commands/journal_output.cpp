@@ -14,10 +14,10 @@ namespace {
 const std::vector<std::string> columns = {"Date",    "Station",    "Reader", "Type",
                                           "Meaning", "Cardholder", "Data"};
 
-std::vector<Value> cellsOf(const JournalRow& row, JournalForm form) {
+std::vector<Cell> cellsOf(const JournalRow& row, JournalForm form) {
   const auto name = [](const std::string& text) { return text.empty() ? Value() : Value(text); };
-  const Value date =
-      form == JournalForm::json ? Value(row.date) : Value(formatDateTime(row.date, "dd/mm/yyyy hh:nn"));
+  const Cell date = form == JournalForm::csv ? Cell(formatDateTime(row.date, "dd/mm/yyyy hh:nn"))
+                                             : Cell::moment(row.date);
   return {date,
           name(row.station),
           name(row.reader),

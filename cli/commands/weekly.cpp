@@ -41,7 +41,7 @@ void listWeekly(Session& session, bool json) {
   TableOutput table(
       {"Family", "Number", "Name", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat", "Sun", "Holidays", "ToSend"});
   for (const WeeklyProgramRow& program : listWeeklyPrograms(session.library())) {
-    std::vector<Value> cells = {program.family, program.number, program.name};
+    std::vector<Cell> cells = {program.family, program.number, program.name};
     cells.insert(cells.end(), program.days.begin(), program.days.end());
     cells.push_back(program.holidays);
     cells.emplace_back(program.toSend);

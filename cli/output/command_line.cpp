@@ -66,6 +66,11 @@ CommandOption* Command::add_option(const std::string& name, std::optional<std::s
   return keep(app_.add_option(name, variable, help));
 }
 
+CommandOption* Command::add_option(const std::string& name, std::vector<std::string>& variable,
+                                   const std::string& help) {
+  return keep(app_.add_option(name, variable, help)->allow_extra_args(false));
+}
+
 CommandOption* Command::add_flag(const std::string& name, bool& variable, const std::string& help) {
   return keep(app_.add_flag(name, variable, help));
 }

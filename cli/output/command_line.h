@@ -46,6 +46,9 @@ class Command {
   CommandOption* add_option(const std::string& name, std::string& variable, const std::string& help);
   CommandOption* add_option(const std::string& name, std::optional<std::string>& variable,
                             const std::string& help);
+  /// Each use adds one text.
+  CommandOption* add_option(const std::string& name, std::vector<std::string>& variable,
+                            const std::string& help);
   CommandOption* add_flag(const std::string& name, bool& variable, const std::string& help);
   CommandOption* add_flag_callback(const std::string& name, const std::function<void()>& given,
                                    const std::string& help);

@@ -1,5 +1,7 @@
 #include "terminal_filter.h"
 
+#include <cstdlib>
+
 #include "platform/text.h"
 #include "platform/ui/console_prompts.h"
 
@@ -19,9 +21,37 @@ std::size_t unfinished(std::string_view text) {
   return 0;
 }
 
+bool hasColours() {
+  const auto setting = [](const char* name) {
+    const char* text = std::getenv(name);
+    return std::string_view(text == nullptr ? "" : text);
+  };
+  return setting("NO_COLOR").empty() && !setting("TERM").empty() && setting("TERM") != "dumb";
+}
+
 }  // namespace
 
-TerminalFilter::TerminalFilter(std::ostream& stream, int descriptor) : stream_(stream) {
+std::ostream& operator<<(std::ostream& stream, Style style) {
+  auto* filter = dynamic_cast<TerminalFilter*>(stream.rdbuf());
+  static const bool colours = hasColours();
+  if (filter == nullptr || filter->terminal_ == nullptr || !colours) return stream;
+  constexpr const char* sequences[] = {"\x1b[0m", "\x1b[1m", "\x1b[33m", "\x1b[31m"};
+  const std::string_view sequence = sequences[static_cast<int>(style)];
+  filter->terminal_->sputn(sequence.data(), static_cast<std::streamsize>(sequence.size()));
+  return stream;
+}
+
+std::size_t terminalWidth(std::ostream& stream) {
+  const auto* filter = dynamic_cast<TerminalFilter*>(stream.rdbuf());
+  if (filter == nullptr || filter->terminal_ == nullptr) return 0;
+  const char* columns = std::getenv("COLUMNS");
+  const int told = columns == nullptr ? 0 : std::atoi(columns);
+  const int width = told > 0 ? told : ConsolePrompts::terminalWidth(filter->descriptor_);
+  return width > 0 ? static_cast<std::size_t>(width) : 0;
+}
+
+TerminalFilter::TerminalFilter(std::ostream& stream, int descriptor)
+    : stream_(stream), descriptor_(descriptor) {
   if (ConsolePrompts::isTerminal(descriptor)) terminal_ = stream.rdbuf(this);
 }
 

@@ -13,6 +13,7 @@
 #include "work/card_values.h"
 #include "work/installation.h"
 #include "work/refusal.h"
+#include "work/suggestions.h"
 #include "work/weekly_programs.h"
 
 namespace voxa {
@@ -122,10 +123,12 @@ std::unique_ptr<Recordset> AccessQuestions::cardRow(const std::string& card) {
 }
 
 AccessQuestions::Door AccessQuestions::doorNamed(const std::string& name) {
+  std::vector<std::string> names;
   for (const ReaderRow& reader : listReaders(installation_)) {
     if (equalNoCase(reader.name, name)) return doorOf(reader);
+    names.push_back(reader.name);
   }
-  throw Refusal("msgCantFindReader", name);
+  throw notFound("msgCantFindReader", name, names);
 }
 
 AccessQuestions::Door AccessQuestions::doorOf(const ReaderRow& row) {

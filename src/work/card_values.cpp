@@ -10,7 +10,9 @@
 #include "platform/datetime.h"
 #include "platform/text.h"
 #include "work/installation.h"
+#include "work/look_up.h"
 #include "work/refusal.h"
+#include "work/suggestions.h"
 #include "work/words.h"
 
 namespace voxa {
@@ -113,7 +115,9 @@ std::int16_t GroupNames::id(const std::string& nameOrNumber) const {
     const std::int16_t number = number16("the access group", nameOrNumber);
     if (names_.contains(number)) return number;
   }
-  throw Refusal("msgCantFindAccessGroup", nameOrNumber);
+  std::vector<std::string> names;
+  for (const auto& [id, name] : names_) names.push_back(name);
+  throw notFound("msgCantFindAccessGroup", nameOrNumber, names);
 }
 
 CardValues::CardValues(const CardTexts& texts, const GroupNames& groups, const Clock& clock) {
@@ -251,7 +255,11 @@ std::unique_ptr<Recordset> cardNamed(Installation& installation, const std::stri
       {{"pName", numberOrName}, {"pDeleted", deleted}});
   if (!rows->eof()) return rows;
   // Names may be codes, which have 8 digits.
-  if (!digits || numberOrName.size() >= codeLength) throw Refusal("msgCantFindCardholder", numberOrName);
+  if (!digits || numberOrName.size() >= codeLength) {
+    const std::string holders =
+        "select Name from Cardholders where Deleted = " + std::string(deleted ? "true" : "false");
+    throw notFound("msgCantFindCardholder", numberOrName, namesOf(installation, holders));
+  }
   rows = numbered(installation, cardNumber(numberOrName), deleted);
   if (rows->eof()) throw Refusal("msgCardNumNotInUse", numberOrName);
   return rows;

@@ -11,7 +11,9 @@
 #include "work/forget_cards.h"
 #include "work/group_reach.h"
 #include "work/installation.h"
+#include "work/look_up.h"
 #include "work/refusal.h"
+#include "work/suggestions.h"
 
 namespace voxa {
 
@@ -117,7 +119,10 @@ std::vector<CardRow> findCards(Installation& installation, const std::string& te
     return is(card.get("CardNum")) || is(card.get("CardCode")) ||
            toLower(card.get("Name").toText()).find(part) != std::string::npos;
   });
-  if (found.empty()) throw Refusal("msgCantFindCardholder", text);
+  if (found.empty()) {
+    throw notFound("msgCantFindCardholder", text,
+                   namesOf(installation, "select Name from Cardholders where Deleted = false"));
+  }
   return found;
 }
 

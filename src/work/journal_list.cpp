@@ -12,6 +12,7 @@
 #include "work/look_up.h"
 #include "work/moments.h"
 #include "work/refusal.h"
+#include "work/suggestions.h"
 #include "work/words.h"
 
 namespace voxa {
@@ -114,7 +115,8 @@ void JournalList::requireKnown() const {
   if (!filter_.reader.empty()) (void)readerNamed(installation_, filter_.reader);
   if (!filter_.station.empty()) (void)stationNamed(installation_, filter_.station);
   if (person_ && !person_->isKnown())
-    throw Refusal("neither the cards nor the journal know a person of the name " + filter_.person);
+    throw Refusal("there is nobody called " + filter_.person + " among the cards or in the journal" +
+                  didYouMean(filter_.person, namesOf(installation_, "select Name from Cardholders")));
 }
 
 bool JournalList::passes(const JournalRow& row) const {

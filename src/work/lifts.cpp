@@ -11,6 +11,7 @@
 #include "work/readers.h"
 #include "work/refusal.h"
 #include "work/store_row.h"
+#include "work/suggestions.h"
 #include "work/words.h"
 
 namespace voxa {
@@ -32,7 +33,9 @@ GroupLift groupLift(Installation& installation, const std::string& group, const 
   found.group = GroupNames(installation).id(group);
   const auto output = database.openRecordset(
       "parameters pName memo; select * from Alarms where Type = 'M' and Name = pName", {{"pName", lift}});
-  if (output->eof()) throw Refusal("msgCantFindAlarm", lift);
+  if (output->eof())
+    throw notFound("msgCantFindAlarm", lift,
+                   namesOf(installation, "select Name from Alarms where Type = 'M'"));
   found.lift = output->get("Id").toInt32();
   found.granting = database.openRecordset(
       "parameters pGroup long, pLift long; select * from LiftGroup where AccessGroup = pGroup and LiftNum = "

@@ -6,6 +6,7 @@
 #include "platform/database/database.h"
 #include "work/installation.h"
 #include "work/refusal.h"
+#include "work/suggestions.h"
 #include "work/words.h"
 
 namespace voxa {
@@ -36,7 +37,11 @@ std::unique_ptr<Recordset> rowsWith(Installation& installation, const Kind& kind
 
 std::unique_ptr<Recordset> named(Installation& installation, const Kind& kind, const std::string& name) {
   auto rows = rowsWith(installation, kind, "Name", "memo", name);
-  if (rows->eof()) throw Refusal(kind.notFound, name);
+  if (rows->eof()) {
+    std::string condition = kind.family.empty() ? "" : " where ProgType = '" + kind.family + "'";
+    throw notFound(kind.notFound, name,
+                   namesOf(installation, "select Name from " + std::string(kind.table) + condition));
+  }
   return rows;
 }
 
@@ -55,6 +60,16 @@ void requireBadgeFormats(Installation& installation) {
 }
 
 }  // namespace
+
+std::vector<std::string> namesOf(Installation& installation, const std::string& statement) {
+  const auto rows = installation.database().openRecordset(statement);
+  std::vector<std::string> names;
+  for (; !rows->eof(); rows->moveNext()) {
+    const Value name = rows->get("Name");
+    if (!name.isNull()) names.push_back(name.toText());
+  }
+  return names;
+}
 
 std::unique_ptr<Recordset> stationNamed(Installation& installation, const std::string& name) {
   return named(installation, {"Stations", "Id", "msgCantFindStation"}, name);

@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace voxa {
 
@@ -28,6 +29,9 @@ class Recordset;
 /// A Refusal also when the installation has no table of badge formats.
 [[nodiscard]] std::unique_ptr<Recordset> badgeFormatNamed(Installation& installation,
                                                           const std::string& numberOrName);
+
+/// The names that a statement selects, in its order, for suggestions.h. Its column is Name.
+[[nodiscard]] std::vector<std::string> namesOf(Installation& installation, const std::string& statement);
 
 /// Rows of the badge formats; a Refusal when the installation has no table of them.
 [[nodiscard]] std::unique_ptr<Recordset> badgeFormats(Installation& installation);

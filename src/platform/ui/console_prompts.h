@@ -22,6 +22,8 @@ class ConsolePrompts : public Prompts {
   [[nodiscard]] static bool isTerminal();
   /// Whether this descriptor is a terminal: 0 standard input, 1 standard output, 2 error output.
   [[nodiscard]] static bool isTerminal(int descriptor);
+  /// How many places its lines have, 0 when it is no terminal or does not tell.
+  [[nodiscard]] static int terminalWidth(int descriptor);
   /// Whether somebody gets what the process writes to its standard output. A Windows program without a
   /// console gives none to the programs that it starts: nobody has asked for their output, so it is not lost.
   [[nodiscard]] static bool hasOutput();

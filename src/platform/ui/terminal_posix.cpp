@@ -1,3 +1,4 @@
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include "platform/ui/console_prompts.h"
@@ -10,6 +11,11 @@ bool ConsolePrompts::isTerminal() {
 
 bool ConsolePrompts::isTerminal(int descriptor) {
   return ::isatty(descriptor) == 1;
+}
+
+int ConsolePrompts::terminalWidth(int descriptor) {
+  winsize size{};
+  return ::ioctl(descriptor, TIOCGWINSZ, &size) == 0 ? size.ws_col : 0;
 }
 
 bool ConsolePrompts::hasOutput() {
