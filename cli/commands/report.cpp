@@ -53,7 +53,7 @@ void addReportCommand(Command& app, Session& session) {
   auto options = std::make_shared<ReportOptions>();
   report->add_option("FILE", options->page, "The page, an HTML file that needs no other")->required();
   report->add_option("--since", options->question.since,
-                     "From this day or minute on; without it 30 days are told of");
+                     "From this day or minute on, as in 'voxa journal': monday, -7d; without it 30 days");
   report->add_option("--until", options->question.until,
                      "Up to this day or minute, it included; without it up to today");
   report->add_option("--door", options->question.door, "Only what happened at this reader");
@@ -65,6 +65,7 @@ void addReportCommand(Command& app, Session& session) {
   report->footer(
       "The page needs no net and no script. Names of people are on it only with --people.\n"
       "Examples:\n"
+      "  voxa report week.html --since -7d\n"
       "  voxa report november.html --since 2026-11-01 --until 2026-11-30\n"
       "  voxa report laboratory.html --door Laboratory --people --csv figures");
   report->callback([&session, options] { makeReport(session, *options); });

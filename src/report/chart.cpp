@@ -60,8 +60,8 @@ std::vector<Bar> barsOf(const std::vector<Measured>& all) {
 }
 
 ColumnChart columnsOf(std::string title, const std::vector<Marked>& all) {
-  constexpr std::size_t marksWide = 15;  // as many as fit beside each other
-  constexpr std::size_t narrower = 3;    // of so many one is shown on a telephone
+  constexpr std::size_t marksWide = 10;  // as many as fit beside each other
+  constexpr std::size_t narrower = 2;    // of so many one is shown on a telephone
   ColumnChart chart;
   chart.title = std::move(title);
   const std::uint64_t greatest = most(all);

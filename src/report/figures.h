@@ -16,9 +16,9 @@ class Installation;
 
 /// What a report is to tell of.
 struct ReportQuestion {
-  std::string since = {};  ///< a day or minute as a person writes it; "": 30 days, up to `until`
+  std::string since = {};  ///< as writtenSpan reads it; "": 30 days, up to `until`
   std::string until = {};  ///< the same, it included; "": until the end of today
-  std::string door = {};   ///< only what happened at this reader; "": at all
+  std::string door = {};   ///< only at this reader, by its name of now or of then; "": at all
   std::string group = {};  ///< only cards that are in this access group now; "": all cards
   bool people = false;     ///< names of people, and when each came first and last
 };

@@ -91,15 +91,21 @@ Data barOf(const Bar& bar) {
 }
 
 Data tableOf(const PageTable& table) {
-  const auto cell = [&](std::size_t column, const std::string& text) {
-    return object({{"text", text}, {"number", static_cast<bool>(table.numbers[column])}});
-  };
+  using Kind = PageTable::Kind;
   std::size_t column = 0;
-  const Data headings = list(table.headings, [&](const std::string& text) { return cell(column++, text); });
+  const auto cell = [&](const std::string& text) {
+    const Kind kind = table.columns[column].kind;
+    return object({{"text", text},
+                   {"isHead", column++ == 0},
+                   {"form", kind == Kind::number  ? "number"
+                            : kind == Kind::fixed ? "fixed"
+                                                  : "text"}});
+  };
+  const Data headings =
+      list(table.columns, [&](const PageTable::Column& each) { return cell(each.heading); });
   const Data rows = list(table.rows, [&](const PageTable::Row& row) {
-    column = 1;
-    return object({{"head", row.head},
-                   {"cells", list(row.cells, [&](const auto& text) { return cell(column++, text); })}});
+    column = 0;
+    return object({{"cells", list(row, cell)}});
   });
   return object(
       {{"caption", table.caption}, {"closed", table.closed}, {"headings", headings}, {"rows", rows}});

@@ -15,14 +15,16 @@ struct Figures;
 // looks is the template's (page.mustache).
 
 struct PageTable {
-  struct Row {
-    std::string head;
-    std::vector<std::string> cells;
+  enum class Kind : unsigned char { text, fixed, number };  ///< fixed: short, and is never broken
+  struct Column {
+    std::string heading;
+    Kind kind = Kind::text;
   };
+  using Row = std::vector<std::string>;  ///< a cell for each column; the first one names the row
+
   std::string caption;
   bool closed = false;  ///< it is opened by whoever wants the values of a chart
-  std::vector<std::string> headings;
-  std::vector<bool> numbers;  ///< which columns are numbers
+  std::vector<Column> columns;
   std::vector<Row> rows;
 };
 

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <utility>
 
 #include "platform/datetime.h"
 #include "platform/text.h"
@@ -10,19 +11,25 @@ namespace voxa {
 
 namespace {
 
-constexpr std::size_t mostRows = 100;  // of a table that tells of single cards; the CSV files have all
+constexpr std::size_t mostCodes = 20;  // that are shown; the CSV files have all
 
-std::vector<std::string> cellsOf(const Outcomes& outcomes) {
-  std::vector<std::string> cells = {grouped(outcomes.presentations())};
-  for (const std::uint64_t count : outcomes.counts) cells.push_back(grouped(count));
-  return cells;
+using Kind = PageTable::Kind;
+
+PageTable::Row rowOf(std::string name, const Outcomes& outcomes) {
+  PageTable::Row row = {std::move(name), grouped(outcomes.presentations())};
+  for (const std::uint64_t count : outcomes.counts) row.push_back(grouped(count));
+  return row;
 }
 
-PageTable outcomeTable(const std::string& caption, const std::string& head) {
+PageTable outcomeTable(const std::string& caption, PageTable::Column first) {
   return {caption,
           true,
-          {head, "Presentations", "Granted", "Refused by time", "Refused by rights", "Unknown card"},
-          {false, true, true, true, true, true},
+          {std::move(first),
+           {"Presentations", Kind::number},
+           {"Granted", Kind::number},
+           {"Refused by time", Kind::number},
+           {"Refused by rights", Kind::number},
+           {"Unknown card", Kind::number}},
           {}};
 }
 
@@ -35,8 +42,8 @@ PageSection timeSection(const std::string& id, const std::string& heading, const
   section.legend = true;
   section.chart = columnsOf(heading, times);
   section.sentences = {section.chart->text};
-  PageTable& table = section.tables.emplace_back(outcomeTable("Table: " + heading, head));
-  for (const Marked& time : times) table.rows.push_back({time.name, cellsOf(time.outcomes)});
+  PageTable& table = section.tables.emplace_back(outcomeTable(heading, {head, Kind::fixed}));
+  for (const Marked& time : times) table.rows.push_back(rowOf(time.name, time.outcomes));
   return section;
 }
 
@@ -107,10 +114,10 @@ PageSection doorSection(const Figures& figures) {
   section.heading = "Doors";
   section.legend = true;
   std::vector<Measured> bars;
-  PageTable& table = section.tables.emplace_back(outcomeTable("Table: Presentations by door", "Door"));
+  PageTable& table = section.tables.emplace_back(outcomeTable("Presentations by door", {"Door"}));
   for (const DoorFigure& door : figures.doors) {
     bars.push_back({shownDoor(door.name), outcomeText(door.outcomes), door.outcomes});
-    table.rows.push_back({shownDoor(door.name), cellsOf(door.outcomes)});
+    table.rows.push_back(rowOf(shownDoor(door.name), door.outcomes));
   }
   section.bars = barsOf(bars);
   return section;
@@ -154,14 +161,17 @@ PageSection unknownSection(const Figures& figures) {
   if (figures.unknownNotListed != 0)
     section.sentences.push_back("Behind these, " + counted(figures.unknownNotListed, "presentation") +
                                 " of still other cards.");
-  if (figures.unknownCards.size() > mostRows)
-    section.sentences.push_back("The last " + grouped(mostRows) + " are shown; a folder of --csv has all.");
-  PageTable table{
-      "Codes of unknown cards", false, {"Code", "Times", "Last", "Where"}, {false, true, false, false}, {}};
+  if (figures.unknownCards.size() > mostCodes)
+    section.sentences.push_back("The last " + grouped(mostCodes) +
+                                " are shown; 'voxa report --csv' writes all.");
+  PageTable table{"Codes of unknown cards",
+                  false,
+                  {{"Code", Kind::fixed}, {"Times", Kind::number}, {"Last", Kind::fixed}, {"Where"}},
+                  {}};
   for (const UnknownCard& card : figures.unknownCards) {
-    if (table.rows.size() == mostRows) break;
+    if (table.rows.size() == mostCodes) break;
     table.rows.push_back(
-        {shownName(card.code), {grouped(card.times), momentText(card.last), shownDoor(card.door)}});
+        {shownName(card.code), grouped(card.times), momentText(card.last), shownDoor(card.door)});
   }
   section.tables = {std::move(table)};
   return section;
@@ -179,14 +189,18 @@ PageSection peopleSection(const Figures& figures) {
       day = person.day;
       section.tables.push_back({dayText(day),
                                 true,
-                                {"Name", "First", "Where", "Last", "Where", "Times"},
-                                {false, true, false, true, false, true},
+                                {{"Name"},
+                                 {"First", Kind::fixed},
+                                 {"Where"},
+                                 {"Last", Kind::fixed},
+                                 {"Where"},
+                                 {"Times", Kind::number}},
                                 {}});
     }
     const auto time = [](DateTime moment) { return formatDateTime(moment, "hh:nn"); };
-    section.tables.back().rows.push_back({shownName(person.name),
-                                          {time(person.first), shownDoor(person.firstDoor), time(person.last),
-                                           shownDoor(person.lastDoor), grouped(person.times)}});
+    section.tables.back().rows.push_back({shownName(person.name), time(person.first),
+                                          shownDoor(person.firstDoor), time(person.last),
+                                          shownDoor(person.lastDoor), grouped(person.times)});
   }
   return section;
 }

@@ -12,10 +12,11 @@
 #include "controllers/image.h"
 #include "lines/code.h"
 #include "platform/database/database.h"
-#include "platform/datetime.h"
 #include "report/figures.h"
 #include "work/cards.h"
 #include "work/installation.h"
+#include "work/journal_condition.h"
+#include "work/journal_filter.h"
 #include "work/journal_list.h"
 #include "work/look_up.h"
 
@@ -182,25 +183,20 @@ void countPresentations(Installation& installation, Figures& figures) {
   const std::shared_ptr<Database> journal = openedJournal(installation);
   Counter counter(figures, GroupCards(installation, figures.asked.group));
   const std::string& door = figures.asked.door;
-  std::string statement = "parameters pSince datetime, pUntil datetime";
-  Database::Parameters values = {{"pSince", figures.since}, {"pUntil", figures.until}};
-  if (!door.empty()) statement += ", pDoor memo";
-  statement += std::string("; select [Date], ReaderName, TransactionType, ") +
-               (figures.asked.people ? "CardholderName" : "Null") +
-               ", TransactionData from Journal where [Date] >= pSince and [Date] < pUntil";
-  if (!door.empty()) {
-    statement += " and ReaderName = pDoor";
-    values.emplace_back("pDoor", door);
-  }
+  JournalCondition condition;
+  condition.add("[Date] >= ?", "datetime", figures.since);
+  condition.add("[Date] < ?", "datetime", figures.until);
+  addFilter(installation, {.reader = door}, condition);
   bool found = false;
   journal->visitRows(
-      statement,
+      condition.statement(std::string("[Date], ReaderName, TransactionType, ") +
+                          (figures.asked.people ? "CardholderName" : "Null") + ", TransactionData"),
       [&](const Value* row) {
         found = true;
         counter.add(row);
         return true;
       },
-      values);
+      condition.values());
   counter.finish();
   if (found) return;
   if (!door.empty()) (void)readerNamed(installation, door);

@@ -33,13 +33,11 @@ PageSection controllerSection(const Figures& figures) {
     return section;
   }
   section.sentences = {"What each one misses now. Why is told by 'voxa plan', and 'voxa download' sends it."};
-  PageTable table{
-      "Controllers now", false, {"Controller", "Misses", "Last reached"}, {false, false, false}, {}};
+  PageTable table{"Controllers now", false, {{"Controller"}, {"Misses"}, {"Last reached"}}, {}};
   for (const ControllerFigure& controller : figures.controllers) {
     const std::string reached = controller.lastContact ? momentText(*controller.lastContact) : "never";
-    table.rows.push_back(
-        {shownName(controller.name),
-         {missingText(controller), reached + (controller.inUse ? "" : "; its line is not in use")}});
+    table.rows.push_back({shownName(controller.name), missingText(controller),
+                          reached + (controller.inUse ? "" : "; its line is not in use")});
   }
   section.tables = {std::move(table)};
   return section;
@@ -59,27 +57,27 @@ std::string expiryText(const Figures& figures) {
 }
 
 PageSection cardSection(const Figures& figures) {
-  constexpr std::size_t mostRows = 200;
+  constexpr std::size_t mostRows = 50;
   PageSection section;
   section.id = "cards";
   section.heading = "Cards that expire";
   section.sentences = {expiryText(figures)};
   if (figures.cards.empty()) return section;
   const bool named = figures.asked.people;
-  PageTable table{"Cards by last day", false, {"Card"}, {false}, {}};
-  if (named) table.headings.emplace_back("Name");
-  table.headings.insert(table.headings.end(), {"Group", "Last day", "State"});
-  table.numbers.assign(table.headings.size(), false);
+  PageTable table{"Cards by last day", false, {{"Card", PageTable::Kind::fixed}}, {}};
+  if (named) table.columns.push_back({"Name"});
+  table.columns.insert(table.columns.end(), {{"Group"}, {"Last day", PageTable::Kind::fixed}, {"State"}});
   // The ones that expire next, and of the others those that expired last.
   const std::size_t passedOver = figures.cards.size() - std::min(figures.cards.size(), mostRows);
   if (passedOver != 0)
-    section.sentences.push_back("The last " + grouped(mostRows) + " are shown; a folder of --csv has all.");
+    section.sentences.push_back("The last " + grouped(mostRows) +
+                                " are shown; 'voxa report --csv' writes all.");
   for (auto card = figures.cards.begin() + static_cast<std::ptrdiff_t>(passedOver);
        card != figures.cards.end(); ++card) {
-    PageTable::Row row{std::to_string(card->number), {}};
-    if (named) row.cells.push_back(shownName(card->name));
-    row.cells.insert(row.cells.end(), {shownName(card->group), formatDateTime(card->until, "dd/mm/yyyy"),
-                                       card->expired ? "expired" : "expires"});
+    PageTable::Row row = {std::to_string(card->number)};
+    if (named) row.push_back(shownName(card->name));
+    row.insert(row.end(), {shownName(card->group), formatDateTime(card->until, "dd/mm/yyyy"),
+                           card->expired ? "expired" : "expires"});
     table.rows.push_back(std::move(row));
   }
   section.tables = {std::move(table)};

@@ -15,10 +15,6 @@ std::string dateText(const CivilTime& parts) {
          std::to_string(parts.year);
 }
 
-CivilTime partsOf(int day) {
-  return toCivil({static_cast<double>(day)});
-}
-
 }  // namespace
 
 std::string grouped(std::uint64_t number) {
@@ -45,9 +41,8 @@ std::string outcomeText(const Outcomes& outcomes) {
 }
 
 std::string dayText(int day) {
-  constexpr const char* names[] = {"Saturday",  "Sunday",   "Monday", "Tuesday",
-                                   "Wednesday", "Thursday", "Friday"};  // day 0 was a Saturday
-  return std::string(names[day % 7]) + " " + dateText(partsOf(day));
+  constexpr const char* names[] = {"Sat", "Sun", "Mon", "Tue", "Wed", "Thu", "Fri"};  // day 0 was a Saturday
+  return std::string(names[day % 7]) + " " + formatDateTime({static_cast<double>(day)}, "d mmm yyyy");
 }
 
 std::string shortDayText(int day) {

@@ -20,7 +20,7 @@ struct Outcomes;
 /// "312 presentations, 12 refused".
 [[nodiscard]] std::string outcomeText(const Outcomes& outcomes);
 
-[[nodiscard]] std::string dayText(int day);             ///< "Tuesday 24 November 2026"
+[[nodiscard]] std::string dayText(int day);             ///< "Tue 24 Nov 2026"
 [[nodiscard]] std::string shortDayText(int day);        ///< "24 Nov"
 [[nodiscard]] std::string momentText(DateTime moment);  ///< "24/11/2026 18:05"
 /// "from 1 to 30 November 2026", with times where it does not begin or end with a day.

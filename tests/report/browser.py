@@ -21,6 +21,7 @@ from expected import DAY, DOOR, HOUR, outcomes_by, people, unknown_cards
 from fill import fill
 
 WIDTHS = (360, 800, 1600)
+PAPER = 680  # pixels between the margins of A4
 TURNS = re.compile("[\u200e\u200f\u061c\u202a-\u202e\u2066-\u2069]")
 failures = []
 
@@ -50,7 +51,7 @@ def window(driver, width, scheme):
 WIDER = """
 const wide = [], edge = document.documentElement.clientWidth;
 for (const e of document.body.querySelectorAll('*')) {
-  if (e.closest('.scroll') && !e.matches('.scroll') || e.closest('.unseen, .skip')) continue;
+  if (arguments[0] && e.closest('.scroll') && !e.matches('.scroll') || e.closest('.unseen, .skip')) continue;
   const box = e.getBoundingClientRect();
   if (box.width && (box.right > edge + 0.5 || box.left < -0.5)) wide.push(e.tagName + '.' + e.getAttribute('class'));
 }
@@ -65,7 +66,7 @@ def look(driver, page, pictures, name):
             window(driver, width, scheme)
             for opened in (False, True):
                 driver.execute_script("document.querySelectorAll('details').forEach(d => d.open = arguments[0])", opened)
-                over, wide = driver.execute_script(WIDER)
+                over, wide = driver.execute_script(WIDER, True)
                 check(over <= 0 and not wide, f"{name} is wider than {width} pixels: {over} {wide}")
             axe(driver, f"{name}, {width} pixels, {scheme}")
             driver.execute_script("document.querySelectorAll('details').forEach(d => d.open = false)")
@@ -82,7 +83,8 @@ def axe(driver, where):
     result = driver.execute_cdp_cmd("Runtime.evaluate", {"expression": run, "awaitPromise": True, "returnByValue": True})
     violations, undecided = json.loads(result["result"]["value"])
     check(not violations, f"axe-core at {where}: {violations}")
-    undecided and print(f"axe-core cannot decide at {where}: {undecided}")
+    undecided = [each for each in undecided if "color-contrast" not in each]  # of the charts' scales, which are tables too
+    check(not undecided, f"axe-core cannot decide at {where}: {undecided}")
 
 
 def asked(driver):
@@ -109,17 +111,18 @@ def compare(driver, folder, since, behind):
     """The page's tables with the journal."""
     tables = driver.execute_script(TABLES)
     by_day = outcomes_by(folder, DAY, since, behind)
-    days = tables["Table: Presentations by day"]
+    days = tables["Presentations by day"]
     check([row for row in map(lambda r: numbers(r[1:]), days) if row[0]] == [by_day[day] for day in sorted(by_day)],
           "presentations by day")
     by_hour = outcomes_by(folder, HOUR, since, behind)
-    hours = tables["Table: Presentations by hour"]
+    hours = tables["Presentations by hour"]
     check([numbers(row[1:]) for row in hours] == [by_hour.get(hour, [0] * 5) for hour in range(24)], "presentations by hour")
     by_door = {TURNS.sub("", door): values for door, values in outcomes_by(folder, DOOR, since, behind).items()}
-    doors = tables["Table: Presentations by door"]
+    doors = tables["Presentations by door"]
     check({row[0]: numbers(row[1:]) for row in doors} == by_door, "presentations by door")
-    check({row[0]: int(row[1]) for row in tables.get("Codes of unknown cards", [])} ==
-          unknown_cards(folder, since, behind), "unknown cards")
+    unknown = unknown_cards(folder, since, behind)
+    shown = {row[0]: int(row[1]) for row in tables.get("Codes of unknown cards", [])}
+    check(len(shown) == min(len(unknown), 20) and shown.items() <= unknown.items(), "unknown cards")
     tile = driver.execute_script("return document.querySelector('.tiles dd').textContent")
     check(numbers([tile]) == [sum(values[0] for values in by_door.values())], "the number of presentations")
     return tables
@@ -141,19 +144,20 @@ def nothing_broke_out(driver):
 
 def paper(driver, pictures, name):
     """Prints in the dark scheme, since paper is light all the same."""
-    window(driver, 800, "dark")
+    window(driver, PAPER, "dark")
     driver.execute_cdp_cmd("Emulation.setEmulatedMedia", {"media": "print"})
+    over, wide = driver.execute_script(WIDER, False)
+    check(over <= 0 and not wide, f"{name} is wider than paper: {over} {wide}")
     printed = driver.execute_cdp_cmd("Page.printToPDF", {"preferCSSPageSize": True, "printBackground": False})
     path = f"{pictures}/{name}.pdf"
     with open(path, "wb") as file:
         file.write(base64.b64decode(printed["data"]))
     info = subprocess.run(["pdfinfo", path], capture_output=True, text=True, check=True).stdout
     check("(A4)" in info, "the paper is not A4: " + info)
-    # Whatever is cut at the edge of the paper is missing in its text.
-    words = re.sub(r"\s+", "", subprocess.run(["pdftotext", "-layout", path, "-"], capture_output=True, text=True).stdout)
-    for text in driver.execute_script("return [...document.querySelectorAll('td.number, h2, dd, .amount')]"
-                                      ".map(e => e.textContent)"):
-        check(re.sub(r"\s+", "", text) in words, f"not on paper: {text}")
+    words = subprocess.run(["pdftotext", path, "-"], capture_output=True, text=True, check=True).stdout
+    for heading in driver.execute_script("return [...document.querySelectorAll('h2, tbody tr:last-child td:last-child')]"
+                                         ".map(e => e.textContent)"):
+        check("".join(heading.split()) in "".join(words.split()), f"not on paper: {heading}")
     subprocess.run(["pdftoppm", "-r", "60", "-png", path, f"{pictures}/{name}-paper"], check=True)
 
 

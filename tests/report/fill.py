@@ -32,7 +32,8 @@ def fill(voxa, folder, transactions):
     call("init")
     for address, door in enumerate(("Front door", "Back door"), 1):
         call("reader", "add", door, "--station", "Local", "--address", str(address), "--position", "1")
-    call("weekly", "add", "Staff", "--days", *(["Always"] * 7), "--holidays", "Always")
+    call("daily", "add", "Office", "--first", "08:00-18:00")
+    call("weekly", "add", "Staff", "--days", ",".join(["Office"] * 7), "--holidays", "Office")
     call("group", "add", "Employees")
     call("group", "grant", "Employees", "Front door", "--program", "Staff")
     today = datetime.date.today()
