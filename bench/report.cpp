@@ -103,7 +103,7 @@ Rows measure(const Harness& harness) {
   const Times times = harness.compare({[&] { figures = ask(installation); }}, rival, Pace::once, 5);
   require(figures.all.presentations() == static_cast<std::uint64_t>(rows) && plain[0].all == rows &&
               plain[1].all == rows && plain[2].all == rows &&
-              figures.unknownCards.size() == plain[3].by.size(),
+              figures.unknownCodes.size() == plain[3].by.size(),
           "The figures differ");
   return {{"figures of 1,000,000 presentations", "ms", times.ours * 1e3, times.rival * 1e3, 1.5},
           {"memory of a report of 1,000,000 more than 100,000", "MiB", large - small, {}, 10}};

@@ -30,7 +30,7 @@ tidy_packages=("${test_packages[@]}" clang-tidy-14 libbenchmark-dev)
 windows_packages=(cmake ninja-build g++-mingw-w64-i686-posix g++-mingw-w64-x86-64-posix mingw-w64-tools libwine-dev libwine
   libcli11-dev nlohmann-json3-dev libkainjow-mustache-dev)
 automation_packages=(mmdebstrap)
-report_packages=(chromium chromium-driver python3-selenium poppler-utils fonts-liberation npm)
+report_packages=(chromium chromium-driver python3-selenium poppler-utils fonts-liberation)
 bench_packages=("${build_packages[@]}" libbenchmark-dev mdbtools sqlite3)
 
 # Nobody needs what the tests write when they have ended. In memory no disk is waited for. That needs a gigabyte of

@@ -43,7 +43,7 @@ struct DoorFigure {
 };
 
 /// A card that no controller knew.
-struct UnknownCard {
+struct UnknownCode {
   std::string code;  ///< in 0 to 9 and A to F
   std::uint64_t times = 0;
   DateTime last;
@@ -92,7 +92,7 @@ struct Figures {
   std::vector<Outcomes> days;  ///< each day of the time, from firstDay on
   std::array<Outcomes, 24> hours{};
   std::vector<DoorFigure> doors;          ///< most presentations first
-  std::vector<UnknownCard> unknownCards;  ///< the last one first
+  std::vector<UnknownCode> unknownCodes;  ///< the last one first
   std::uint64_t unknownNotListed = 0;     ///< presentations of more codes than are counted
   std::vector<PersonDay> people;          ///< by day and name
   std::vector<ControllerFigure> controllers;

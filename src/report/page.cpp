@@ -83,7 +83,7 @@ Page pageOf(const Figures& figures) {
   if (any)
     page.sections = {daySection(figures), hourSection(figures), doorSection(figures),
                      refusalSection(figures)};
-  if (!figures.unknownCards.empty()) page.sections.push_back(unknownSection(figures));
+  if (!figures.unknownCodes.empty()) page.sections.push_back(unknownSection(figures));
   if (asked.people && any) page.sections.push_back(peopleSection(figures));
   page.sections.push_back(controllerSection(figures));
   page.sections.push_back(cardSection(figures));

@@ -156,19 +156,19 @@ PageSection unknownSection(const Figures& figures) {
   PageSection section;
   section.id = "unknown";
   section.heading = "Unknown cards";
-  section.sentences = {counted(figures.unknownCards.size(), "card") +
+  section.sentences = {counted(figures.unknownCodes.size(), "card") +
                        " that no controller knew, the last one first."};
   if (figures.unknownNotListed != 0)
     section.sentences.push_back("Behind these, " + counted(figures.unknownNotListed, "presentation") +
                                 " of still other cards.");
-  if (figures.unknownCards.size() > mostCodes)
+  if (figures.unknownCodes.size() > mostCodes)
     section.sentences.push_back("The last " + grouped(mostCodes) +
                                 " are shown; 'voxa report --csv' writes all.");
   PageTable table{"Codes of unknown cards",
                   false,
                   {{"Code", Kind::fixed}, {"Times", Kind::number}, {"Last", Kind::fixed}, {"Where"}},
                   {}};
-  for (const UnknownCard& card : figures.unknownCards) {
+  for (const UnknownCode& card : figures.unknownCodes) {
     if (table.rows.size() == mostCodes) break;
     table.rows.push_back(
         {shownName(card.code), grouped(card.times), momentText(card.last), shownDoor(card.door)});

@@ -120,10 +120,10 @@ class Counter {
     });
     for (auto& [code, card] : unknown_) {
       card.code = shownCode(code);
-      figures_.unknownCards.push_back(std::move(card));
+      figures_.unknownCodes.push_back(std::move(card));
     }
-    std::sort(figures_.unknownCards.begin(), figures_.unknownCards.end(),
-              [](const UnknownCard& one, const UnknownCard& other) {
+    std::sort(figures_.unknownCodes.begin(), figures_.unknownCodes.end(),
+              [](const UnknownCode& one, const UnknownCode& other) {
                 return one.last.days != other.last.days ? one.last.days > other.last.days
                                                         : one.code < other.code;
               });
@@ -140,7 +140,7 @@ class Counter {
       ++figures_.unknownNotListed;
       return;
     }
-    UnknownCard& card = at(unknown_, code);
+    UnknownCode& card = at(unknown_, code);
     if (card.times++ == 0 || card.last.days <= moment.days) {
       card.last = moment;
       card.door = door;
@@ -163,7 +163,7 @@ class Counter {
   GroupCards cards_;
   bool people_;
   ByText<Outcomes> doors_;
-  ByText<UnknownCard> unknown_;
+  ByText<UnknownCode> unknown_;
   std::map<std::pair<int, std::string>, PersonDay> persons_;
 };
 

@@ -45,8 +45,8 @@ TEST_F(ReportTest, CountsThirtyDaysUpToTodayByDayHourAndDoor) {
   ASSERT_EQ(all.doors.size(), 3U);
   EXPECT_EQ(all.doors[1].name, "Lab");
   EXPECT_EQ(all.doors[1].outcomes.refused(), 2U);
-  ASSERT_EQ(all.unknownCards.size(), 1U);
-  EXPECT_EQ(all.unknownCards[0].code, "0000001A");
+  ASSERT_EQ(all.unknownCodes.size(), 1U);
+  EXPECT_EQ(all.unknownCodes[0].code, "0000001A");
   ASSERT_EQ(all.people.size(), 2U);
   EXPECT_EQ(all.people[1].name, "Ada");
   EXPECT_LT(all.people[1].first.days, all.people[1].last.days);
@@ -73,7 +73,7 @@ TEST_F(ReportTest, TellsOfOneDoorGroupAndTimeAndRefusesWhatItCannotRead) {
 TEST_F(ReportTest, ATextFromTheDatabaseIsNeverATagNorATemplate) {
   const std::string nasty = "<b>\"'&{{{style}}}";
   Figures with = figures({.people = true});
-  with.doors[0].name = with.people[0].name = with.people[0].firstDoor = with.unknownCards[0].door = nasty;
+  with.doors[0].name = with.people[0].name = with.people[0].firstDoor = with.unknownCodes[0].door = nasty;
   with.cards[0].name = with.cards[0].group = with.asked.group = with.asked.door = nasty;
   with.controllersNotKnown = nasty;
   const std::string page = htmlOf(pageOf(with));

@@ -7,6 +7,7 @@ voxa=$(realpath "$1")
 cd "$(dirname "$0")/../.."
 . scripts/packages.sh
 ensure_packages "${report_packages[@]}"
+command -v npm >/dev/null || ensure_packages npm
 [ $# -gt 1 ] || rm -rf build/report
 mkdir -p build
 folder=$(realpath -m "${2:-build/report}")
@@ -27,5 +28,6 @@ if [ "$(cat "$axe/hash" 2>/dev/null)" != "$hash" ]; then
   echo "$hash" >"$axe/hash"
 fi
 
-"$voxa" demo "$folder/demo" >/dev/null
-python3 tests/report/browser.py "$voxa" "$axe/axe.min.js" "$folder" "$folder/demo" 2026-12-21 2026-12-27 2026-12-28
+"$voxa" demo "$folder/demo" >"$folder/demo.txt" 2>&1 || { cat "$folder/demo.txt" >&2 && exit 1; }
+# The system's own Python has the packages, whatever other one there is.
+/usr/bin/python3 tests/report/browser.py "$voxa" "$axe/axe.min.js" "$folder" "$folder/demo" 2026-12-21 2026-12-27 2026-12-28
