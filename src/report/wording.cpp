@@ -30,9 +30,9 @@ std::string counted(std::uint64_t number, const std::string& thing) {
 std::string share(std::uint64_t part, std::uint64_t whole) {
   if (whole == 0) return "-";
   const auto percent = std::llround(100 * static_cast<double>(part) / static_cast<double>(whole));
-  if (percent == 100 && part != whole) return "over 99 %";
-  if (percent == 0 && part != 0) return "under 1 %";
-  return std::to_string(percent) + " %";
+  if (percent == 100 && part != whole) return "over 99\u00a0%";
+  if (percent == 0 && part != 0) return "under 1\u00a0%";
+  return std::to_string(percent) + "\u00a0%";
 }
 
 std::string outcomeText(const Outcomes& outcomes) {
