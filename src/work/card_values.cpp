@@ -84,16 +84,6 @@ void read(std::optional<Result>& into, const std::optional<std::string>& text, R
 
 }  // namespace
 
-bool yesOrNo(const std::string& what, const std::string& text) {
-  for (const char* yes : {"yes", "true", "1"}) {
-    if (equalNoCase(text, yes)) return true;
-  }
-  for (const char* no : {"no", "false", "0"}) {
-    if (equalNoCase(text, no)) return false;
-  }
-  throw Refusal(what + " is yes or no, not " + text);
-}
-
 std::int16_t cardNumber(const std::string& text) {
   return numberWithin("the card number", text, 1, lastNumber);
 }

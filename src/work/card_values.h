@@ -27,9 +27,6 @@ class Installation;
 /// a controller erases a card.
 [[nodiscard]] std::string cardCode(const std::string& text);
 
-/// Whether a text means yes; a Refusal when it means neither yes nor no. what: as the Refusal names it.
-[[nodiscard]] bool yesOrNo(const std::string& what, const std::string& text);
-
 /// Whether a row's code, however it is written, is that one.
 [[nodiscard]] bool isCode(const Value& held, const std::string& code);
 
