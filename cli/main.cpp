@@ -104,6 +104,7 @@ int main(int argc, char** argv) {
     voxa::cli::addCardCommands(commands, session);
     voxa::cli::addAccessCommands(commands, session);
     voxa::cli::addLiftCommands(commands, session);
+    voxa::cli::addAlarmCommands(commands, session);
     voxa::cli::addImportCommands(commands, session);
     voxa::cli::addStatusCommand(commands, session);
     voxa::cli::addControllerCommands(commands, session);

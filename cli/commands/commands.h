@@ -18,6 +18,7 @@ void addGroupCommands(Command& app, Session& session);
 void addCardCommands(Command& app, Session& session);
 void addAccessCommands(Command& app, Session& session);
 void addLiftCommands(Command& app, Session& session);
+void addAlarmCommands(Command& app, Session& session);
 void addImportCommands(Command& app, Session& session);
 void addStatusCommand(Command& app, Session& session);
 void addControllerCommands(Command& app, Session& session);

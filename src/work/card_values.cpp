@@ -65,16 +65,6 @@ Value dayOrNone(const std::string& text, const Clock& clock) {
   return *day;
 }
 
-bool yesOrNo(const std::string& what, const std::string& text) {
-  for (const char* yes : {"yes", "true", "1"}) {
-    if (equalNoCase(text, yes)) return true;
-  }
-  for (const char* no : {"no", "false", "0"}) {
-    if (equalNoCase(text, no)) return false;
-  }
-  throw Refusal(what + " is yes or no, not " + text);
-}
-
 template <typename Result, typename Read>
 void read(std::optional<Result>& into, const std::optional<std::string>& text, Read convert) {
   if (text) into = convert(*text);

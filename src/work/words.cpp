@@ -49,6 +49,16 @@ std::int16_t numberWithin(const std::string& what, const std::string& text, std:
   return whole(what, text, least, greatest);
 }
 
+bool yesOrNo(const std::string& what, const std::string& text) {
+  for (const char* yes : {"yes", "true", "1"}) {
+    if (equalNoCase(text, yes)) return true;
+  }
+  for (const char* no : {"no", "false", "0"}) {
+    if (equalNoCase(text, no)) return false;
+  }
+  throw Refusal(what + " is yes or no, not " + text);
+}
+
 std::string checkedText(const std::string& what, const std::string& text, std::size_t most) {
   if (hasControls(text)) throw Refusal(what + " is one line without control characters");
   if (lengthInCharacters(text) > most) {

@@ -22,6 +22,9 @@ class Clock;
 [[nodiscard]] std::int16_t numberWithin(const std::string& what, const std::string& text, std::int16_t least,
                                         std::int16_t greatest);
 
+/// What says yes ("yes", "true", "1", in any case) or no.
+[[nodiscard]] bool yesOrNo(const std::string& what, const std::string& text);
+
 /// The text itself; a Refusal when it has control characters, characters that the controllers' files cannot
 /// hold, or more than so many. what: as the Refusal names it ("a name").
 [[nodiscard]] std::string checkedText(const std::string& what, const std::string& text, std::size_t most);

@@ -69,7 +69,7 @@ TEST_F(CardWorkTest, WhatACardLosesErasesItBeforeTheRowsChange) {
       {"090013", [this] { revokeLift(*library, "Staff", "top"); }},
       {"090013", change("13", {.group = "Guests"})},
       {"", change("Ann", {.group = "Staff"})},
-      {"090013", [this] { revokeDoor(*library, "staff", "Front"); }},
+      {"090013", [this] { revokeDoors(*library, "staff", {"Front"}); }},
       {"", [this] { grantDoor(*library, "Staff", "Front", "0"); }},
       {"090013", [this] { deleteGroup(*library, "Staff", "Guests"); }}};
   for (const auto& [line, work] : works) {
