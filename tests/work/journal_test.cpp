@@ -138,7 +138,7 @@ TEST_F(JournalWorkTest, ARestoreAddsWhatIsNotThereAndNothingTwice) {
 
 TEST_F(JournalWorkTest, WhatIsDeletedIsSavedAndIsNotMissingInTheArchive) {
   files::makeFolder("Backup");
-  const std::string dump = "Backup\\J00101 24Dec2026-18.05.00.DAT";
+  const std::string dump = "Backup/J00101 24Dec2026-18.05.00.DAT";
   write(dump,
         "01 00010226080000001200\r\n01 00010226080000001200\r\n01 00010326080000001200\r\nnoise\r\n"
         "01 100103260900000001:2\r\n");
@@ -159,7 +159,7 @@ TEST_F(JournalWorkTest, WhatIsDeletedIsSavedAndIsNotMissingInTheArchive) {
   deleteFromJournal(*library, plan, silent);
   EXPECT_EQ(size(), 1U);
   EXPECT_EQ(verified(), "1 2 0");
-  files::remove(plan.file + "");
+  files::remove(plan.file);
   EXPECT_EQ(verified(), "1 0 2");
 }
 
