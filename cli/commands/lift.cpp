@@ -2,6 +2,7 @@
 
 #include <iostream>
 
+#include "changed_doors.h"
 #include "commands.h"
 #include "list_command.h"
 #include "output/command_line.h"
@@ -23,15 +24,75 @@ void add(Session& session, const LiftTexts& lift) {
   std::cout << "Lift output " << id << ": " << lift.name << '\n';
 }
 
+const std::vector<std::string> columns = {"Id", "Name", "Station", "Address", "Output", "Groups"};
+
+std::vector<Cell> cellsOf(const LiftRow& lift) {
+  return {lift.id, lift.name, lift.station, lift.address, lift.number, lift.groups};
+}
+
 void list(Session& session, bool json) {
   session.open();
-  TableOutput table({"Id", "Name", "Station", "Address", "Output", "Groups"});
-  for (const LiftRow& lift : listLifts(session.library())) {
-    std::string groups;
-    for (const std::string& group : lift.groups) groups += (groups.empty() ? "" : ", ") + group;
-    table.add({lift.id, lift.name, lift.station, lift.address, lift.number, groups});
-  }
+  TableOutput table(columns);
+  for (const LiftRow& lift : listLifts(session.library())) table.add(cellsOf(lift));
   table.print(std::cout, json);
+}
+
+struct ChangeOptions {
+  std::string lift, moveTo;
+  AlarmTexts change;
+  bool gone = false;
+};
+
+void addChanging(Command& group, Session& session) {
+  const char* const gone = "Its controller is gone for good: it is not asked to erase its cards";
+  auto* showing = group.add_subcommand("show", "Show a lift output");
+  auto shown = std::make_shared<std::pair<std::string, bool>>();
+  showing->add_option("NAME", shown->first, "Name or number of the lift output")->required();
+  showing->add_flag("--json", shown->second, "As a JSON object");
+  showing->footer("Examples:\n  voxa lift show \"Third floor\"\n  voxa lift show 1 --json");
+  showing->callback([&session, shown] {
+    session.open();
+    printOne(std::cout, columns, cellsOf(findLift(session.library(), shown->first)), shown->second);
+  });
+
+  auto* rename = group.add_subcommand("rename", "Give a lift output another name");
+  auto renamed = std::make_shared<ChangeOptions>();
+  rename->add_option("NAME", renamed->lift, "Name or number of the lift output")->required();
+  rename->add_option("NEW", renamed->change.name, "Its new name")->required();
+  rename->footer("Examples:\n  voxa lift rename \"Third floor\" Canteen\n  voxa lift rename 1 Roof");
+  rename->callback([&session, renamed] {
+    session.openForSending();
+    (void)changeLift(session.library(), renamed->lift, renamed->change);
+  });
+
+  auto* set = group.add_subcommand("set", "Change where a lift output is");
+  auto changed = std::make_shared<ChangeOptions>();
+  set->add_option("NAME", changed->lift, "Name or number of the lift output")->required();
+  set->add_option("--station", changed->change.station, "Station of its controller");
+  set->add_option("--address", changed->change.address, "Address of its controller on the line, 1 to 16");
+  set->add_option("--num", changed->change.number, "Its number on the controller, 1 to 99");
+  set->add_flag("--gone", changed->gone, gone);
+  set->footer(
+      "The controller erases the cards that may use it at once, and has to answer; the next download gives "
+      "them back.\n"
+      "Examples:\n  voxa lift set \"Third floor\" --num 4\n  voxa lift set Roof --station Annex --address 5");
+  set->callback([&session, changed] {
+    session.openForSending();
+    showChangedDoors(session, changeLift(session.library(), changed->lift, changed->change, changed->gone));
+  });
+
+  auto* deleting = group.add_subcommand("delete", "Delete a lift output");
+  auto deleted = std::make_shared<ChangeOptions>();
+  deleting->add_option("NAME", deleted->lift, "Name or number of the lift output")->required();
+  deleting->add_option("--move-to", deleted->moveTo, "The output that its access groups may use instead");
+  deleting->add_flag("--gone", deleted->gone, gone);
+  deleting->footer(
+      "Its controller erases the cards that may use it at once, and has to answer.\n"
+      "Examples:\n  voxa lift delete \"Third floor\"\n  voxa lift delete Roof --move-to Canteen");
+  deleting->callback([&session, deleted] {
+    session.openForSending();
+    showChangedDoors(session, deleteLift(session.library(), deleted->lift, deleted->moveTo, deleted->gone));
+  });
 }
 
 void grant(Session& session, const GrantOptions& options) {
@@ -48,7 +109,7 @@ void revoke(Session& session, const GrantOptions& options) {
 
 void addGroupLiftOptions(Command& command, GrantOptions& options) {
   command.add_option("GROUP", options.group, "Name or number of the access group")->required();
-  command.add_option("LIFT", options.lift, "Name of the lift output")->required();
+  command.add_option("LIFT", options.lift, "Name or number of the lift output")->required();
 }
 
 }  // namespace
@@ -63,16 +124,20 @@ void addLiftCommands(Command& app, Session& session) {
   adding->add_option("--address", added->address, "Address of its controller on the line, 1 to 16")
       ->required();
   adding->add_option("--num", added->number, "Its number on the controller, 1 to 99")->required();
-  adding->footer("Example:\n  voxa lift add \"Third floor\" --station Local --address 1 --num 3");
+  adding->footer(
+      "Examples:\n  voxa lift add \"Third floor\" --station Local --address 1 --num 3\n"
+      "  voxa lift add Roof --station Annex --address 5 --num 9");
   adding->callback([&session, added] { add(session, *added); });
 
   addListCommand(*group, session, "list", "List the lift outputs and the groups that may use them",
                  "voxa lift list", list);
 
+  addChanging(*group, session);
+
   auto* granting = group->add_subcommand("grant", "Let an access group use a lift output");
   auto granted = std::make_shared<GrantOptions>();
   addGroupLiftOptions(*granting, *granted);
-  granting->footer("Example:\n  voxa lift grant Staff \"Third floor\"");
+  granting->footer("Examples:\n  voxa lift grant Employees \"Third floor\"\n  voxa lift grant Cleaners Roof");
   granting->callback([&session, granted] { grant(session, *granted); });
 
   auto* revoking = group->add_subcommand("revoke", "Take a lift output away from an access group");
@@ -81,7 +146,7 @@ void addLiftCommands(Command& app, Session& session) {
   revoking->footer(
       "Its controller erases the group's cards at once, and has to answer; the next download gives them "
       "back.\n"
-      "Example:\n  voxa lift revoke Staff \"Third floor\"");
+      "Examples:\n  voxa lift revoke Employees \"Third floor\"\n  voxa lift revoke Cleaners Roof");
   revoking->callback([&session, revoked] { revoke(session, *revoked); });
 }
 

@@ -9,6 +9,7 @@
 #include "files/seq_file.h"
 #include "lines/line_speed.h"
 #include "platform/database/database.h"
+#include "platform/files.h"
 #include "platform/text.h"
 
 namespace voxa {
@@ -16,6 +17,10 @@ namespace voxa {
 namespace {
 
 constexpr std::int16_t lastId = 998;
+
+std::string iniFile(std::int16_t id) {
+  return "S" + zeroPadded(id, 3) + ".ini";
+}
 
 FailureMessage cantFind(const char* method, const Value& what) {
   return {"msgCantFindStation", method, what};
@@ -164,13 +169,21 @@ std::int16_t Station::createIniFile(std::int16_t Id, std::int16_t timeOutDelay, 
   std::vector<std::string> lines;
   if (found) lines = iniLines(*gen_.currentRecordset(), timeOutDelay, Speed);
   SeqFile file(context_);
-  file.Name("S" + zeroPadded(Id, 3) + ".ini");
+  file.Name(iniFile(Id));
   file.fopen("w");
   for (const std::string& line : lines) file.fprint(line);
   file.fclose();
   if (found) return 0;
   context_.report(cantFind("Station.createIniFile", Id));
   return -1;
+}
+
+void Station::removeIniFile(std::int16_t Id) {
+  const LineSpan whole(context_);
+  whole.require();
+  const std::string file = iniFile(Id);
+  if (files::removeRegular(file) || !files::exists(file)) return;
+  throw Error(err::pathAccess, "the file " + file + " cannot be deleted");
 }
 
 std::string Station::getControllerList(std::int16_t Id) {

@@ -39,6 +39,8 @@ class Station : public Table {
   /// begin another line, and a modem's ini file that is a device or on the network (`err::invalidArgument`);
   /// the file stays as it was then.
   std::int16_t createIniFile(std::int16_t Id, std::int16_t timeOutDelay = 0, std::int32_t Speed = 0);
+  /// Deletes that file, if there is one. Raises what keeps it.
+  void removeIniFile(std::int16_t Id);
   /// Tells every controller of the line to change to a speed of 4800, 9600, 19200 or 38400 bit/s. Since they
   /// may listen at any other speed, the broadcast is made at each. Leaves the ini file at the last of them:
   /// the caller stores the new `ComSpeed` and calls createIniFile. 0, or the first other result of the

@@ -178,13 +178,27 @@ LedgerController& ControllerList::at(const ControllerPlace& place) {
   // It may be the one that was there when its station was deleted, and hold what that one held.
   const std::optional<std::int32_t> before = lastRetired(place);
   if (!before) return controller;
-  const std::int32_t from = *before * slotsOfController;
-  const std::int32_t to = controller.id * slotsOfController;
-  ledger_.execute("insert into Things (Id, State) select Id + " + std::to_string(to - from) +
-                  ", State from Things where Id between " + std::to_string(from) + " and " +
-                  std::to_string(from + slotsOfController - 1));
-  forgetHoldings(controller);
+  mayHoldWhatWasAt(*before, controller);
   return controller;
+}
+
+void ControllerList::mayHoldWhatWasAt(std::int32_t before, const LedgerController& controller) {
+  const std::int32_t from = before * slotsOfController;
+  const std::int32_t to = controller.id * slotsOfController;
+  const std::string moved = "Id + " + std::to_string(to - from);
+  ledger_.execute("insert into Things (Id, State) select " + moved + ", State from Things where Id between " +
+                  std::to_string(from) + " and " + std::to_string(from + slotsOfController - 1) + " and " +
+                  moved + " not in (select Id from Things where Id between " + std::to_string(to) + " and " +
+                  std::to_string(to + slotsOfController - 1) + ")");
+  forgetHoldings(controller);
+}
+
+void ControllerList::carryOver(const ControllerPlace& from, const ControllerPlace& to) {
+  const LedgerController* before = find(from);
+  if (before == nullptr) return;
+  const std::int32_t id = before->id;
+  const LedgerController& now = at(to);
+  if (now.id != id) mayHoldWhatWasAt(id, now);
 }
 
 std::set<ControllerPlace> ControllerList::refresh(const std::set<ControllerPlace>& places) {

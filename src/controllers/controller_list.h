@@ -64,6 +64,9 @@ class ControllerList {
   [[nodiscard]] std::string nameOf(std::int16_t station) const;
   /// Retires the controller at a place: the one that is there now is another one, which holds nothing.
   LedgerController& replace(const ControllerPlace& place);
+  /// The readers of the controller at `from` are at `to` from now on, where none was before. It may be the
+  /// same controller: of what that one may have held nothing is known there.
+  void carryOver(const ControllerPlace& from, const ControllerPlace& to);
 
  private:
   struct Line {
@@ -79,6 +82,8 @@ class ControllerList {
   [[nodiscard]] std::optional<std::int32_t> lastRetired(const ControllerPlace& place) const;
   void retire(const LedgerController& controller);
   void forgetHoldings(const LedgerController& controller);
+  /// Of what the one held, as far as the other one is not said to hold it, nothing is known at the other one.
+  void mayHoldWhatWasAt(std::int32_t before, const LedgerController& controller);
   void forgetDigests(const LedgerController& controller);
   [[nodiscard]] static bool isAnother(const Line& known, const Line& now);
 

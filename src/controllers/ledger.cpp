@@ -360,6 +360,11 @@ void Ledger::replace(const ControllerPlace& place, bool usedElsewhere) {
   });
 }
 
+void Ledger::carryOver(const ControllerPlace& from, const ControllerPlace& to) {
+  if (!open()) return;
+  write([&] { ControllerList(file_.database(), context_).carryOver(from, to); });
+}
+
 void Ledger::noteFourIntervals(bool four) {
   if (open()) write([&] { storeFourIntervals(file_.database(), four); });
 }

@@ -79,6 +79,8 @@ class Ledger : public SendLedger {
   /// From now on another controller is at this place. usedElsewhere: it may hold anything; else it is taken
   /// to hold nothing. It is to get the badge formats of the one before.
   void replace(const ControllerPlace& place, bool usedElsewhere);
+  /// The readers of one controller are at another place from now on (ControllerList::carryOver).
+  void carryOver(const ControllerPlace& from, const ControllerPlace& to);
   /// The controllers work with daily programs of four intervals, or of two.
   void noteFourIntervals(bool four);
   /// The marked credits of these cards are going to be sent: until they have been acknowledged, each of their

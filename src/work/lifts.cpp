@@ -8,17 +8,12 @@
 #include "work/group_reach.h"
 #include "work/installation.h"
 #include "work/look_up.h"
-#include "work/readers.h"
 #include "work/refusal.h"
 #include "work/store_row.h"
-#include "work/suggestions.h"
-#include "work/words.h"
 
 namespace voxa {
 
 namespace {
-
-constexpr std::int16_t lastOutput = 99;
 
 struct GroupLift {
   std::int16_t group = 0;
@@ -31,11 +26,7 @@ GroupLift groupLift(Installation& installation, const std::string& group, const 
   Database& database = installation.database();
   GroupLift found;
   found.group = GroupNames(installation).id(group);
-  const auto output = database.openRecordset(
-      "parameters pName memo; select * from Alarms where Type = 'M' and Name = pName", {{"pName", lift}});
-  if (output->eof())
-    throw notFound("msgCantFindAlarm", lift,
-                   namesOf(installation, "select Name from Alarms where Type = 'M'"));
+  const auto output = alarmNamed(installation, AlarmKind::lift, lift);
   found.lift = output->get("Id").toInt32();
   found.granting = database.openRecordset(
       "parameters pGroup long, pLift long; select * from LiftGroup where AccessGroup = pGroup and LiftNum = "
@@ -51,31 +42,20 @@ GroupLift groupLift(Installation& installation, const std::string& group, const 
   return found;
 }
 
-}  // namespace
-
-std::int32_t addLift(Installation& installation, const LiftTexts& lift) {
-  const std::int16_t station = stationNamed(installation, lift.station)->get("Id").toInt16();
-  std::int32_t id = 1;
-  const auto alarms = installation.database().openRecordset("select * from Alarms order by Id");
-  for (; !alarms->eof() && alarms->get("Id").toInt32() == id; alarms->moveNext()) ++id;
-  alarms->addNew();
-  alarms->set("Id", id);
-  alarms->set("Num", numberWithin("the output", lift.number, 1, lastOutput));
-  alarms->set("Type", "M");
-  alarms->set("Name", checkedName(lift.name));
-  alarms->set("StationId", station);
-  alarms->set("ControllerAddress", controllerAddress(lift.address));
-  storeRow(installation, *alarms, "Alarms", "lift output");
-  return id;
+std::unique_ptr<Recordset> alarmNumbered(Installation& installation, const Value& id) {
+  return installation.database().openRecordset("parameters pId long; select * from Alarms where Id = pId",
+                                               {{"pId", id}});
 }
 
-std::vector<LiftRow> listLifts(Installation& installation) {
+std::vector<LiftRow> liftRows(Installation& installation, const Value& only) {
   Database& database = installation.database();
   const GroupNames names(installation);
   std::vector<LiftRow> lifts;
   const auto rows = database.openRecordset(
-      "select Alarms.Id, Alarms.Name as Lift, Stations.Name as Station, ControllerAddress, Num from Alarms "
-      "inner join Stations on Alarms.StationId = Stations.Id where Alarms.Type = 'M' order by Alarms.Id");
+      "parameters pOnly long; select Alarms.Id, Alarms.Name as Lift, Stations.Name as Station, "
+      "ControllerAddress, Num from Alarms inner join Stations on Alarms.StationId = Stations.Id where "
+      "Alarms.Type = 'M' and (Alarms.Id = pOnly or pOnly is null) order by Alarms.Id",
+      {{"pOnly", only}});
   for (; !rows->eof(); rows->moveNext()) {
     LiftRow& lift = lifts.emplace_back();
     lift = {rows->get("Id"),      rows->get("Lift"),
@@ -89,6 +69,63 @@ std::vector<LiftRow> listLifts(Installation& installation) {
     }
   }
   return lifts;
+}
+
+}  // namespace
+
+std::int32_t addLift(Installation& installation, const LiftTexts& lift) {
+  return addAlarmRow(installation, {lift.name, {}, lift.station, lift.address, lift.number}, "M",
+                     "lift output");
+}
+
+ChangedDoors changeLift(Installation& installation, const std::string& lift, const AlarmTexts& change,
+                        bool gone) {
+  const Value id = alarmNamed(installation, AlarmKind::lift, lift)->get("Id");
+  return changeDoors(installation, {.rows =
+                                        [&] {
+                                          const auto row = alarmNumbered(installation, id);
+                                          row->edit();
+                                          setAlarmRow(installation, *row, change);
+                                          storeRow(installation, *row, "Alarms", "lift output");
+                                        },
+                                    .gone = gone});
+}
+
+ChangedDoors deleteLift(Installation& installation, const std::string& lift, const std::string& moveTo,
+                        bool gone) {
+  const LiftRow deleted = findLift(installation, lift);
+  if (!deleted.groups.empty() && moveTo.empty()) {
+    std::string groups;
+    for (const std::string& group : deleted.groups) groups += (groups.empty() ? "" : ", ") + group;
+    throw Refusal("lift output " + deleted.id.toText() + " (" + deleted.name.toText() +
+                  ") is used by the access groups " + groups +
+                  ": name the output that they may use instead with --move-to");
+  }
+  const Value target =
+      moveTo.empty() ? Value() : alarmNamed(installation, AlarmKind::lift, moveTo)->get("Id");
+  if (target == deleted.id) throw Refusal("the access groups cannot stay with " + lift);
+  const auto rows = [&] {
+    Database& database = installation.database();
+    if (!moveTo.empty()) {
+      database.execute(
+          "parameters pTo long, pFrom long; insert into LiftGroup (AccessGroup, LiftNum) select "
+          "AccessGroup, pTo from LiftGroup where LiftNum = pFrom and AccessGroup not in (select "
+          "AccessGroup from LiftGroup where LiftNum = pTo)",
+          {{"pTo", target}, {"pFrom", deleted.id}});
+    }
+    alarmNumbered(installation, deleted.id)->remove();
+  };
+  return changeDoors(installation, {.rows = rows, .gone = gone});
+}
+
+std::vector<LiftRow> listLifts(Installation& installation) {
+  return liftRows(installation, Value());
+}
+
+LiftRow findLift(Installation& installation, const std::string& lift) {
+  const auto rows = liftRows(installation, alarmNamed(installation, AlarmKind::lift, lift)->get("Id"));
+  if (rows.empty()) throw Refusal("the lift output " + lift + " is on no station");
+  return rows.front();
 }
 
 bool grantLift(Installation& installation, const std::string& group, const std::string& lift) {

@@ -5,6 +5,8 @@
 #include <vector>
 
 #include "platform/value.h"
+#include "work/alarms.h"
+#include "work/door_change.h"
 
 namespace voxa {
 
@@ -23,12 +25,22 @@ struct LiftTexts {
 /// Adds it; its number in the table.
 std::int32_t addLift(Installation& installation, const LiftTexts& lift);
 
+/// Changes a lift output. change: but for the type. Where cards lose it, by another place or number, their
+/// controller erases them first (changeDoors). gone: DoorChange::gone.
+ChangedDoors changeLift(Installation& installation, const std::string& lift, const AlarmTexts& change,
+                        bool gone = false);
+/// Deletes a lift output. moveTo: the output that its groups may use instead, "" when there are none; a
+/// Refusal names them. Their cards lose it as with changeLift.
+ChangedDoors deleteLift(Installation& installation, const std::string& lift, const std::string& moveTo = "",
+                        bool gone = false);
+
 /// A lift output of a list. Values as the table has them.
 struct LiftRow {
   Value id, name, station, address, number;
   std::vector<std::string> groups;  ///< names of the access groups that may use it
 };
 [[nodiscard]] std::vector<LiftRow> listLifts(Installation& installation);
+[[nodiscard]] LiftRow findLift(Installation& installation, const std::string& lift);
 
 /// Lets a group's cards use a lift output; marks the group and its cards. group: its name or number. lift:
 /// its name. False when the group opens no door of the lift's controller, which does not know its cards then.

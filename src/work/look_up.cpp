@@ -16,16 +16,17 @@ namespace {
 /// Where rows of a kind are.
 struct Kind {
   const char* table;
-  const char* number;       // its column
-  const char* notFound;     // mnemonic
-  std::string family = "";  // of weekly programs only
+  const char* number;        // its column
+  const char* notFound;      // mnemonic
+  std::string family = "";   // of weekly programs only
+  const char* besides = "";  // what else has to be so of its rows
 };
 
 std::unique_ptr<Recordset> rowsWith(Installation& installation, const Kind& kind, const std::string& column,
                                     const char* type, const Value& value) {
   std::vector<std::pair<std::string, Value>> values = {{"pValue", value}};
   std::string declared = "parameters pValue " + std::string(type);
-  std::string condition = " where " + column + " = pValue";
+  std::string condition = " where " + column + " = pValue" + kind.besides;
   if (!kind.family.empty()) {
     declared += ", pFamily memo";
     condition += " and ProgType = pFamily";
@@ -38,9 +39,10 @@ std::unique_ptr<Recordset> rowsWith(Installation& installation, const Kind& kind
 std::unique_ptr<Recordset> named(Installation& installation, const Kind& kind, const std::string& name) {
   auto rows = rowsWith(installation, kind, "Name", "memo", name);
   if (rows->eof()) {
-    std::string condition = kind.family.empty() ? "" : " where ProgType = '" + kind.family + "'";
+    const std::string family = kind.family.empty() ? "" : " and ProgType = '" + kind.family + "'";
     throw notFound(kind.notFound, name,
-                   namesOf(installation, "select Name from " + std::string(kind.table) + condition));
+                   namesOf(installation, "select Name from " + std::string(kind.table) +
+                                             " where Name is not null" + family + kind.besides));
   }
   return rows;
 }
@@ -48,6 +50,15 @@ std::unique_ptr<Recordset> named(Installation& installation, const Kind& kind, c
 std::unique_ptr<Recordset> numberedOrNamed(Installation& installation, const Kind& kind,
                                            const std::string& text) {
   if (isNumber(text)) {
+    auto rows = rowsWith(installation, kind, kind.number, "long", number16("the number", text));
+    if (!rows->eof()) return rows;
+  }
+  return named(installation, kind, text);
+}
+
+std::unique_ptr<Recordset> namedOrNumbered(Installation& installation, const Kind& kind,
+                                           const std::string& text) {
+  if (isNumber(text) && rowsWith(installation, kind, "Name", "memo", text)->eof()) {
     auto rows = rowsWith(installation, kind, kind.number, "long", number16("the number", text));
     if (!rows->eof()) return rows;
   }
@@ -72,11 +83,19 @@ std::vector<std::string> namesOf(Installation& installation, const std::string& 
 }
 
 std::unique_ptr<Recordset> stationNamed(Installation& installation, const std::string& name) {
-  return named(installation, {"Stations", "Id", "msgCantFindStation"}, name);
+  return namedOrNumbered(installation, {"Stations", "Id", "msgCantFindStation"}, name);
 }
 
 std::unique_ptr<Recordset> readerNamed(Installation& installation, const std::string& name) {
-  return named(installation, {"Readers", "Id", "msgCantFindReader"}, name);
+  return namedOrNumbered(installation, {"Readers", "Id", "msgCantFindReader"}, name);
+}
+
+std::unique_ptr<Recordset> alarmNamed(Installation& installation, AlarmKind kind, const std::string& name) {
+  const bool lift = kind == AlarmKind::lift;
+  return namedOrNumbered(installation,
+                         {"Alarms", "Id", "msgCantFindAlarm", "",
+                          lift ? " and Type = 'M'" : " and (Type <> 'M' or Type is null)"},
+                         name);
 }
 
 std::unique_ptr<Recordset> dailyProgramNamed(Installation& installation, const std::string& numberOrName) {

@@ -12,8 +12,14 @@ class Recordset;
 // Rows by what a person calls them: a number or a name, in any case. Each returns the rows placed on the one
 // that was found, with all columns, and raises a Refusal when there is none.
 
+// Stations and readers often have numbers for names, those of rooms say: there a name comes before a number.
 [[nodiscard]] std::unique_ptr<Recordset> stationNamed(Installation& installation, const std::string& name);
 [[nodiscard]] std::unique_ptr<Recordset> readerNamed(Installation& installation, const std::string& name);
+
+/// An alarm, or a lift output: the rows of "Alarms" with the type M. A name comes before a number here, too.
+enum class AlarmKind : bool { alarm, lift };
+[[nodiscard]] std::unique_ptr<Recordset> alarmNamed(Installation& installation, AlarmKind kind,
+                                                    const std::string& name);
 
 // A text of digits alone is a number first, and a name when no row has that number. One that no 16-bit number
 // can hold is refused.

@@ -1,11 +1,14 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "comm/com_types.h"
 #include "platform/value.h"
+#include "work/door_change.h"
+#include "work/reader_settings.h"
 
 namespace voxa {
 
@@ -41,7 +44,60 @@ struct AddedReader {
 /// changed then.
 AddedReader addReader(Installation& installation, const ReaderTexts& texts);
 
-[[nodiscard]] std::vector<ReaderRow> listReaders(Installation& installation);  ///< by id
+/// What a list is narrowed to; "" for all.
+struct ReaderFilter {
+  std::string station;  ///< readers of this one
+  std::string group;    ///< readers that this access group is granted, by name or number
+};
+/// By id.
+[[nodiscard]] std::vector<ReaderRow> listReaders(Installation& installation, const ReaderFilter& filter = {});
+
+/// One reader, with all that is known of it.
+struct ReaderDetails {
+  struct Grant {
+    std::int16_t group = 0;
+    std::string groupName, program;  ///< name of the weekly program, its number when there is none
+  };
+  ReaderRow row;
+  std::vector<Grant> groups;  ///< that it is granted to, by number
+  std::vector<ReaderSetting> settings;
+};
+[[nodiscard]] ReaderDetails findReader(Installation& installation, const std::string& reader);
+
+/// A change of a reader. What is not given stays as it is.
+struct ReaderChange {
+  std::optional<std::string> station = {}, address = {}, position = {};
+  /// Of its controller, and so of all its readers. A reader that goes to a controller takes its type.
+  std::optional<std::string> type = {};
+  ReaderSettingTexts settings = {};
+  bool gone = false;  ///< DoorChange::gone
+};
+struct ChangedReader {
+  ChangedDoors doors;
+  std::vector<std::string> typeToo;    ///< other readers of the controller whose type has changed with it
+  std::vector<std::string> liftsLeft;  ///< lift outputs of the controller that has lost its last reader
+};
+/// Changes a reader. A controller that loses cards by it erases them first (changeDoors), and the files from
+/// which the driver knows the lines are written.
+ChangedReader changeReader(Installation& installation, const std::string& reader, const ReaderChange& change);
+void renameReader(Installation& installation, const std::string& reader, const std::string& name);
+
+/// What becomes of the access groups that open a reader which is deleted. The default group just loses it.
+struct ReaderRemoval {
+  std::string moveTo = {};  ///< the reader that they open instead, at the same times
+  bool revoke = false;      ///< they lose the door
+  bool gone = false;        ///< DoorChange::gone
+};
+struct DeletedReader {
+  ChangedDoors doors;
+  /// Groups that open another reader now: "Staff opens Back door by Office".
+  std::vector<std::string> grants;
+  std::vector<std::string> liftsLeft;  ///< as of ChangedReader
+};
+/// Deletes a reader. A Refusal names the groups that open it when nobody says what becomes of them. A
+/// controller that loses cards by it erases them first (changeDoors).
+DeletedReader deleteReader(Installation& installation, const std::string& reader,
+                           const ReaderRemoval& removal = {});
 
 /// Where a reader is connected.
 struct ReaderPlace {

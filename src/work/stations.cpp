@@ -1,8 +1,12 @@
 #include "work/stations.h"
 
+#include <map>
+
 #include "comm/com.h"
 #include "comm/dialling.h"
 #include "comm/station.h"
+#include "controllers/ledger_view.h"
+#include "files/conversions.h"
 #include "lines/line_speed.h"
 #include "platform/database/database.h"
 #include "work/installation.h"
@@ -160,14 +164,138 @@ void disconnectStation(Installation& installation, const std::string& name) {
   throw Refusal("msgUICantDisconnect", installation.Com().popErrorList());
 }
 
+namespace {
+
+/// What refers to a station, as a person calls it.
+std::vector<std::string> usersOf(Installation& installation, std::int16_t station) {
+  std::vector<std::string> users;
+  const auto read = [&](const std::string& table, const std::string& condition, const std::string& noun) {
+    const auto rows =
+        installation.database().openRecordset("parameters pId long; select Name from " + table +
+                                                  " where StationId = pId" + condition + " order by Name",
+                                              {{"pId", station}});
+    for (; !rows->eof(); rows->moveNext()) users.push_back(noun + " " + rows->get("Name").toText());
+  };
+  read("Readers", "", "reader");
+  read("Alarms", " and Type = 'M'", "lift output");
+  read("Alarms", " and (Type <> 'M' or Type is null)", "alarm");
+  return users;
+}
+
+/// What keeps the rows of one station from another: each clash on a line of its own.
+void requireRoom(Installation& installation, std::int16_t from, std::int16_t to) {
+  std::vector<std::string> clashes;
+  const auto meet = [&](const std::string& table, const std::string& condition, const char* how) {
+    const auto rows = installation.database().openRecordset(
+        "parameters pFrom long, pTo long; select m.Name as Mover, o.Name as Owner, m.ControllerAddress as "
+        "Address from " +
+            table + " as m, " + table +
+            " as o where m.StationId = pFrom and o.StationId = pTo and m.ControllerAddress = "
+            "o.ControllerAddress and " +
+            condition,
+        {{"pFrom", from}, {"pTo", to}});
+    for (; !rows->eof(); rows->moveNext()) {
+      clashes.push_back(rows->get("Mover").toText() + ": at address " + rows->get("Address").toText() + " " +
+                        rows->get("Owner").toText() + how);
+    }
+  };
+  meet("Readers", "m.Position = o.Position", " has its position");
+  meet("Readers", "m.Position <> o.Position and m.ControllerType <> o.ControllerType",
+       " is on a controller of another type");
+  meet("Alarms", "m.Type = o.Type and m.Num = o.Num", " has its number");
+  if (clashes.empty()) return;
+  throw Refusal("not everything finds its place on the other station; nothing is changed:" +
+                eachOnALine(clashes));
+}
+
+ChangedDoors moveAll(Installation& installation, std::int16_t from, std::int16_t to, bool gone) {
+  requireRoom(installation, from, to);
+  Database& database = installation.database();
+  DoorChange change;
+  change.rows = [&] {
+    for (const char* table : {"Readers", "Alarms"}) {
+      database.execute(std::string("parameters pTo long, pFrom long; update ") + table +
+                           " set StationId = pTo where StationId = pFrom",
+                       {{"pTo", to}, {"pFrom", from}});
+    }
+  };
+  change.stations = {from, to};
+  const auto addresses = database.openRecordset(
+      "parameters pId long; select distinct ControllerAddress from Readers where "
+      "StationId = pId and ControllerAddress is not null",
+      {{"pId", from}});
+  for (; !addresses->eof(); addresses->moveNext()) {
+    const std::int16_t address = addresses->get(0U).toInt16();
+    change.moves.push_back({{from, address}, {to, address}});
+  }
+  change.gone = gone;
+  return changeDoors(installation, change);
+}
+
+}  // namespace
+
+DeletedStation deleteStation(Installation& installation, const std::string& name, const std::string& moveTo,
+                             bool gone) {
+  const StationRow station = findStation(installation, name);
+  const std::string called = "station " + std::to_string(station.id) + " (" + station.name + ")";
+  const bool connected = station.active && !station.phone.isNull() && station.phone != Value("");
+  Database& database = installation.database();
+  DeletedStation deleted;
+  deleted.moved = usersOf(installation, station.id);
+  if (!deleted.moved.empty() && moveTo.empty()) {
+    throw Refusal(called +
+                  " is used; name the station that this goes to with --move-to, or delete it before:" +
+                  eachOnALine(deleted.moved));
+  }
+  if (listStations(installation).size() == 1) {
+    throw Refusal(called + " is the only one: rename it, or add another one before");
+  }
+  if (deleted.moved.empty() && connected) {
+    throw Refusal(called + " is connected: hang it up before ('voxa station disconnect')");
+  }
+  if (!moveTo.empty()) {
+    const std::int16_t to = stationNamed(installation, moveTo)->get("Id").toInt16();
+    if (to == station.id) throw Refusal("nothing can stay on the station " + station.name);
+    if (!deleted.moved.empty()) deleted.doors = moveAll(installation, station.id, to, gone);
+  }
+  if (connected) disconnectStation(installation, station.name);
+  Transaction transaction(installation.engine(), database);
+  database.execute("parameters pId long; delete from ComStatus where StationID = pId", {{"pId", station.id}});
+  database.execute("parameters pId long; delete from Stations where Id = pId", {{"pId", station.id}});
+  installation.Stations().removeIniFile(station.id);
+  transaction.commit();
+  // Its number is free now: its controllers are retired before another line has it.
+  (void)installation.ledger().look([](LedgerView&) {});
+  return deleted;
+}
+
 StationRow findStation(Installation& installation, const std::string& name) {
-  return stationOf(*stationNamed(installation, name));
+  const auto row = stationNamed(installation, name);
+  StationRow station = stationOf(*row);
+  station.readers =
+      installation.database()
+          .openRecordset("parameters pId long; select count(*) from Readers where StationId = pId",
+                         {{"pId", station.id}})
+          ->get(0U)
+          .toInt32();
+  return station;
 }
 
 std::vector<StationRow> listStations(Installation& installation) {
+  Database& database = installation.database();
+  std::map<std::int16_t, std::int32_t> readers;
+  for (const auto counts =
+           database.openRecordset("select StationId, count(*) from Readers where StationId is not null group "
+                                  "by StationId");
+       !counts->eof(); counts->moveNext()) {
+    readers[counts->get(0U).toInt16()] = counts->get(1U).toInt32();
+  }
   std::vector<StationRow> stations;
-  const auto rows = installation.database().openRecordset("select * from Stations order by Id");
-  for (; !rows->eof(); rows->moveNext()) stations.push_back(stationOf(*rows));
+  const auto rows = database.openRecordset("select * from Stations order by Id");
+  for (; !rows->eof(); rows->moveNext()) {
+    stations.push_back(stationOf(*rows));
+    stations.back().readers = readers[stations.back().id];
+  }
   return stations;
 }
 

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "platform/value.h"
+#include "work/door_change.h"
 
 namespace voxa {
 
@@ -30,6 +31,7 @@ struct StationRow {
   Value phone, modem;
   Value timeout, waiting;  ///< ms
   bool active = false;
+  std::int32_t readers = 0;  ///< how many are on the line
 };
 
 struct AddedStation {
@@ -47,6 +49,20 @@ AddedStation addStation(Installation& installation, const StationTexts& texts);
 /// Changes a station. One that comes into use has all programs and holidays marked to be sent: they count as
 /// sent once the lines in use have them.
 void changeStation(Installation& installation, const std::string& name, const StationTexts& texts);
+
+/// What went to another station with a deletion.
+struct DeletedStation {
+  ChangedDoors doors;
+  std::vector<std::string> moved;  ///< "reader Garage", "lift output Third floor"
+};
+/// Deletes a station, its file for the driver, and what is known of who answers there. moveTo: the station
+/// that its readers, lift outputs and alarms go to, each to the same address; "" when it has none. What its
+/// controllers hold they erase first (changeDoors). A Refusal names what uses it, places that are taken
+/// there, and controllers of two types that would meet; so it does for the only station, and for one that is
+/// connected by telephone and has nothing to move. A connected one that has is hung up in between. gone:
+/// DoorChange::gone.
+DeletedStation deleteStation(Installation& installation, const std::string& name,
+                             const std::string& moveTo = "", bool gone = false);
 
 /// Has the controllers of a line change to another speed, and notes it when they were told. A Refusal with
 /// what the line answered otherwise: they may listen at the old speed.
