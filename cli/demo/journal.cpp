@@ -62,8 +62,8 @@ class Doors {
   };
   using Counts = std::map<TransactionMeaning, Count>;
 
-  static std::vector<Value> cells(const std::string& door, const Counts& counts) {
-    std::vector<Value> line = {door};
+  static std::vector<Cell> cells(const std::string& door, const Counts& counts) {
+    std::vector<Cell> line = {door};
     for (const TransactionMeaning meaning : shownMeanings) {
       const auto found = counts.find(meaning);
       const Count count = found == counts.end() ? Count() : found->second;
