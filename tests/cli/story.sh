@@ -489,6 +489,15 @@ script -qec "'$program' --dir third import cards escape.csv" /dev/null >out </de
 shows "nu?[31mmber"
 plant=plant
 
+# A door that goes: who opens it is named, its controller erases the cards, and what is gone need not answer.
+succeeds reader add Hatch --station Annex --address 10 --position 1
+succeeds group grant Crew Hatch --program Always
+refuses "Crew (" reader delete Hatch
+succeeds reader show hatch --json
+shows '"Group": "Crew"'
+succeeds reader delete Hatch --revoke
+refuses "reader Barrier" station delete Annex
+
 # The exit status: 0 done, 1 failed, 2 wrong usage, 3 done, with something left for a person.
 status() { # EXPECTED ARGUMENT...
   local expected=$1
