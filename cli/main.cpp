@@ -113,6 +113,7 @@ int main(int argc, char** argv) {
     voxa::cli::addDownloadCommands(commands, session);
     voxa::cli::addReadCommand(commands, session);
     voxa::cli::addJournalCommand(commands, session);
+    voxa::cli::addReportCommand(commands, session);
     voxa::cli::addSendCommands(commands, session);
     voxa::cli::addDatabaseCommands(commands, session);
     voxa::cli::addSimulatorCommands(commands, session);
