@@ -150,7 +150,7 @@ void addWeeklyCommands(Command& app, Session& session) {
   add->callback([&session, added] { addWeekly(session, *added); });
 
   addListCommand(*group, session, "list", "List the weekly programs, with the hours of their days",
-                 "voxa weekly list\n  voxa weekly list --json", listWeekly);
+                 "voxa weekly list", listWeekly);
 
   auto family = std::make_shared<std::string>("C");
   auto* show = addShowCommand(
