@@ -37,8 +37,10 @@ std::string wantedIntervals(const DailyProgramRow& program) {
 
 std::string wantedDays(const WeeklyProgramRow& program) {
   std::string text;
-  for (const Value& day : program.days) text += (text.empty() ? "" : " ") + day.toText();
-  return text + ", holidays " + program.holidays.toText();
+  for (std::size_t day = 0; day < daysAWeek; ++day) {
+    text += (text.empty() ? "" : " ") + std::to_string(program.week.at(day).id);
+  }
+  return text + ", holidays " + std::to_string(program.week.at(holidaysPlace).id);
 }
 
 Programs ofDatabase(Installation& installation, std::map<std::string, std::string>& names) {

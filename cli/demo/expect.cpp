@@ -7,7 +7,7 @@
 #include "platform/text.h"
 #include "work/cards.h"
 #include "work/daily_programs.h"
-#include "work/groups.h"
+#include "work/group_list.h"
 #include "work/holidays.h"
 #include "work/readers.h"
 #include "work/stations.h"
@@ -104,10 +104,8 @@ void DoorRules::readPrograms(Installation& installation) {
   for (const WeeklyProgramRow& program : listWeeklyPrograms(installation)) {
     if (program.family != "C") continue;
     Weekly& weekly = weekly_[program.number];
-    for (std::size_t day = 0; day < weekly.days.size(); ++day) {
-      weekly.days.at(day) = program.days.at(day).toInt16();
-    }
-    weekly.holidays = program.holidays.toInt16();
+    for (std::size_t day = 0; day < weekly.days.size(); ++day) weekly.days.at(day) = program.week.at(day).id;
+    weekly.holidays = program.week.at(holidaysPlace).id;
   }
   for (const DailyProgramRow& program : listDailyPrograms(installation)) {
     auto& intervals = daily_[program.id];

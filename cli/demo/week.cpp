@@ -7,7 +7,7 @@
 #include "platform/datetime.h"
 #include "random.h"
 #include "work/cards.h"
-#include "work/groups.h"
+#include "work/group_list.h"
 #include "work/readers.h"
 
 namespace voxa::cli {

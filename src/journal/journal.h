@@ -85,8 +85,12 @@ class Journal : public Table {
   std::int16_t readTested(const Component& component, const Tell& teller);
   /// Reads and clears the controllers of a station one by one, in the order of their addresses. Whoever does
   /// not answer is passed over; what the others held is in the journal, and cleared. Asks nothing and shows
-  /// nothing. A failure of the database or of the station's ini file is raised.
-  std::vector<ControllerRead> readStation(std::int16_t station);
+  /// nothing. A failure of the database or of the station's ini file is raised. goOn: asked before each
+  /// controller; none is read any more once it says no.
+  std::vector<ControllerRead> readStation(std::int16_t station, const std::function<bool()>& goOn = {});
+  /// For who reads every few seconds: of a memory without transactions no file is kept, and it is not
+  /// cleared.
+  bool passesEmptyOver = false;
   /// The code of the last unknown card shown at a reader today, which is read first; the row leaves the
   /// journal. "" when there is none, which is shown.
   std::string getLastCardCode(const std::string& readerName);
@@ -119,6 +123,7 @@ class Journal : public Table {
   static void rotateFile(const std::string& baseName);
   std::string decodeFile(std::int16_t stationId, const std::string& baseName);
   void archiveFile(const std::string& baseName);
+  [[nodiscard]] bool removeEmptyDump() const;
 
   std::shared_ptr<Database> database_;
   AccessContext& access_;

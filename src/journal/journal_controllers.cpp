@@ -36,13 +36,14 @@ std::int16_t Journal::readController(const ControllerPlace& source, const Begins
   return transfer({send, [&] { return source; }, fail});
 }
 
-std::vector<Journal::ControllerRead> Journal::readStation(std::int16_t station) {
+std::vector<Journal::ControllerRead> Journal::readStation(std::int16_t station,
+                                                          const std::function<bool()>& goOn) {
   access_.Stations().createIniFile(station);
   const auto controllers = access_.Stations().getDB()->openRecordset(
       "select distinct ControllerAddress from Readers where ControllerAddress is not null and StationId = " +
       std::to_string(station) + " order by ControllerAddress");
   std::vector<ControllerRead> reads;
-  for (; !controllers->eof(); controllers->moveNext()) {
+  for (; !controllers->eof() && (!goOn || goOn()); controllers->moveNext()) {
     ControllerRead& read = reads.emplace_back();
     read.place = {station, controllers->get("ControllerAddress").toInt16()};
     read.name = access_.Com().getName(station, read.place.address);

@@ -12,13 +12,19 @@
 
 namespace voxa {
 
-void setAsideDump() {
-  if (!files::exists(dumpFile)) return;
+namespace {
+
+/// Whether the work file, which exists, was empty.
+bool removedEmpty() {
   const bool empty = files::Stream(dumpFile, files::Stream::Mode::read).atEnd();
-  if (empty) {
-    files::remove(dumpFile);
-    return;
-  }
+  if (empty) files::remove(dumpFile);
+  return empty;
+}
+
+}  // namespace
+
+void setAsideDump() {
+  if (!files::exists(dumpFile) || removedEmpty()) return;
   int number = 1;
   const auto name = [&] { return "J-" + zeroPadded(number, 3) + ".DAT"; };
   while (files::exists(name())) ++number;
@@ -35,6 +41,10 @@ void Journal::rotateFile(const std::string& baseName) {
   if (!files::exists(latest)) return;
   if (files::exists(before)) files::remove(before);
   files::rename(latest, before);
+}
+
+bool Journal::removeEmptyDump() const {
+  return passesEmptyOver && files::exists(dumpFile) && removedEmpty();
 }
 
 void Journal::archiveFile(const std::string& baseName) {

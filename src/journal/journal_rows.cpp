@@ -27,8 +27,9 @@ std::string insertOf(std::int16_t stationId, const std::string& stationName) {
 /// The places of the parameters.
 enum Column : std::size_t { date, readerId, readerName, type, cardholderName, data, columns };
 
-/// The first characters of a name, as many as its column takes.
-std::string cut(std::string_view name) {
+}  // namespace
+
+std::string journalName(std::string_view name) {
   std::size_t end = 0;
   for (int characters = 0; end < name.size(); ++end) {
     const bool startsCharacter = (static_cast<unsigned char>(name[end]) & 0xC0U) != 0x80U;
@@ -36,8 +37,6 @@ std::string cut(std::string_view name) {
   }
   return std::string(name.substr(0, end));
 }
-
-}  // namespace
 
 JournalRows::JournalRows(AccessContext& context, Database& journal, std::int16_t stationId)
     : context_(context),
@@ -53,12 +52,12 @@ JournalRows::~JournalRows() = default;
 
 const Value& JournalRows::cardholder(std::string_view cardNumber) {
   const std::int16_t number = digitsToNumber(cardNumber);
-  if (number < 0) return noCard_ = cut(fromCp1252(cardNumber));
+  if (number < 0) return noCard_ = journalName(fromCp1252(cardNumber));
   if (cardholders_.empty()) cardholders_.resize(cardNumbers);
   Value& known = cardholders_[static_cast<std::size_t>(number)];
   if (known.isNull()) {
     const std::string name = context_.Cardholders().getNameByCardNum(number);
-    known = cut(name.empty() ? cardNumber : name);
+    known = journalName(name.empty() ? cardNumber : name);
   }
   return known;
 }

@@ -18,6 +18,8 @@ class AccessContext;
 
 /// Width of the journal's column for cardholder names, in characters; longer names are cut.
 inline constexpr int cardholderNameSize = 40;
+/// A cardholder's name as the journal has it: as many characters as the column takes.
+[[nodiscard]] std::string journalName(std::string_view name);
 
 /// Turns the lines of one dump into rows of the journal. Names are those at the time of reading; each is
 /// looked up once a file.

@@ -179,8 +179,8 @@ AccessReason AccessQuestions::reasonByRows(Case& asked) {
   const ImageCard* image = image_.card(card.number);
   asked.answer.fault = image == nullptr ? "its number is none of 1 to 9999" : image->fault;
   if (!asked.answer.fault.empty()) return AccessReason::cannotBeSent;
+  if (!card.validated) return AccessReason::notValid;  // controllers need not hold it
   if (reach.granted && reach.fault.empty()) asked.wanted = Image::on(*image, *reach.granted);
-  if (!card.validated) return AccessReason::notValid;
   if (card.validationDate && asked.decision.isPast(*card.validationDate)) return AccessReason::expired;
   asked.answer.fault = asked.door.fault;
   if (!asked.answer.fault.empty()) return AccessReason::notConnected;

@@ -19,16 +19,32 @@ std::string siteCode(const std::string& text) {
   throw Refusal("a site code has up to 8 hexadecimal digits, not " + text);
 }
 
+/// Marks the row when readers get to know of it.
 void setFields(Recordset& row, const BadgeFormatTexts& texts) {
   if (texts.name) row.set("Name", checkedName(*texts.name));
+  bool sent = texts.site || texts.systemCard;
   if (texts.site) row.set("Val_Site", siteCode(*texts.site));
   if (texts.systemCard) row.set("SystemCard", *texts.systemCard);
   for (std::size_t i = 0; i < badgeNumberCount; ++i) {
     const BadgeNumber& number = badgeNumbers.at(i);
     if (!texts.numbers.at(i)) continue;
     row.set(number.column, numberWithin(number.called, *texts.numbers.at(i), 0, number.greatest));
+    sent = true;
   }
-  row.set("BadgeFormatFlagD", true);
+  if (sent) row.set("BadgeFormatFlagD", true);
+}
+
+BadgeFormatRow rowOf(const Recordset& row) {
+  BadgeFormatRow format;
+  format.id = row.get("Id").toInt32();
+  format.name = row.get("Name").toText();
+  for (std::size_t i = 0; i < badgeNumberCount; ++i) {
+    format.numbers.at(i) = row.get(badgeNumbers.at(i).column);
+  }
+  format.site = row.get("Val_Site");
+  format.systemCard = row.get("SystemCard").toBool();
+  format.toSend = row.get("BadgeFormatFlagD").toBool();
+  return format;
 }
 
 }  // namespace
@@ -74,18 +90,20 @@ void restoreDefaultBadgeFormat(Installation& installation) {
   transaction.commit();
 }
 
+void deleteBadgeFormat(Installation& installation, const std::string& numberOrName) {
+  const auto row = badgeFormatNamed(installation, numberOrName);
+  if (row->get("Id").toInt32() == 0) throw Refusal("the default badge format 0 stays");
+  row->remove();
+}
+
+BadgeFormatRow findBadgeFormat(Installation& installation, const std::string& numberOrName) {
+  return rowOf(*badgeFormatNamed(installation, numberOrName));
+}
+
 std::vector<BadgeFormatRow> listBadgeFormats(Installation& installation) {
   std::vector<BadgeFormatRow> formats;
   for (const auto rows = badgeFormats(installation); !rows->eof(); rows->moveNext()) {
-    BadgeFormatRow& format = formats.emplace_back();
-    format.id = rows->get("Id").toInt32();
-    format.name = rows->get("Name").toText();
-    for (std::size_t i = 0; i < badgeNumberCount; ++i) {
-      format.numbers.at(i) = rows->get(badgeNumbers.at(i).column);
-    }
-    format.site = rows->get("Val_Site");
-    format.systemCard = rows->get("SystemCard").toBool();
-    format.toSend = rows->get("BadgeFormatFlagD").toBool();
+    formats.push_back(rowOf(*rows));
   }
   return formats;
 }

@@ -51,11 +51,15 @@ struct BadgeFormatRow {
 void createBadgeFormats(Installation& installation);
 /// Adds a format, marked to be sent; returns its number.
 std::int16_t addBadgeFormat(Installation& installation, const BadgeFormatTexts& texts);
-/// Changes the format of that number or name and marks it.
+/// Changes the format of that number or name; what readers are sent marks it.
 void changeBadgeFormat(Installation& installation, const std::string& numberOrName,
                        const BadgeFormatTexts& texts);
 /// Puts the default format back to what it was at first, and marks it.
 void restoreDefaultBadgeFormat(Installation& installation);
+/// Deletes a format; the default one, 0, stays. No row says which reader works with which: those that were
+/// sent it keep it.
+void deleteBadgeFormat(Installation& installation, const std::string& numberOrName);
+[[nodiscard]] BadgeFormatRow findBadgeFormat(Installation& installation, const std::string& numberOrName);
 [[nodiscard]] std::vector<BadgeFormatRow> listBadgeFormats(Installation& installation);  ///< by number
 
 }  // namespace voxa

@@ -84,6 +84,31 @@ std::string shownInterval(const Recordset& row, const IntervalColumns& of) {
   return start.toText() + "-" + (end == Value(endOfDay) ? "24:00" : end.toText());
 }
 
+DailyProgramRow rowOf(Installation& installation, const Recordset& row) {
+  DailyProgramRow program;
+  program.id = row.get("Id").toInt16();
+  program.name = row.get("Name").toText();
+  const std::size_t intervals = workWithFour(installation) ? mostIntervals : intervalsOfAll;
+  for (std::size_t i = 0; i < intervals; ++i) program.intervals.push_back(shownInterval(row, columns[i]));
+  program.toSend = row.get("DailyProgramFlagD").toBool();
+  return program;
+}
+
+/// Puts another program in the place of one, wherever a week has it.
+void moveDays(Installation& installation, std::int16_t from, std::int16_t to) {
+  for (const auto weeks = installation.database().openRecordset("select * from WeeklyPrograms");
+       !weeks->eof(); weeks->moveNext()) {
+    const WeekPlaces places = placesWith(*weeks, from);
+    if (places.none()) continue;
+    weeks->edit();
+    for (std::size_t place = 0; place < weekPlaces; ++place) {
+      if (places[place]) weeks->set(dailyColumn(place), to);
+    }
+    if (weeks->get("ProgNum").toInt16() != 0) weeks->set("WeeklyProgramFlagD", true);
+    weeks->update();
+  }
+}
+
 }  // namespace
 
 std::int16_t addDailyProgram(Installation& installation, const DailyProgramTexts& texts) {
@@ -109,25 +134,48 @@ void changeDailyProgram(Installation& installation, const std::string& numberOrN
   row->edit();
   if (texts.name) row->set("Name", checkedName(*texts.name));
   const bool builtIn = row->get("Id").toInt16() <= lastOfBuiltIn;
-  if (setIntervals(installation, *row, texts) && builtIn) {
-    throw Refusal("the times of the built-in programs 0 (never) and 1 (the whole day) are fixed");
+  if (setIntervals(installation, *row, texts)) {
+    if (builtIn)
+      throw Refusal("the times of the built-in programs 0 (never) and 1 (the whole day) are fixed");
+    row->set("DailyProgramFlagD", true);
   }
-  row->set("DailyProgramFlagD", true);
   storeRow(installation, *row, "DailyPrograms", "daily program");
 }
 
+std::vector<DailyUse> deleteDailyProgram(Installation& installation, const std::string& numberOrName,
+                                         const std::string& moveTo) {
+  Transaction transaction(installation.engine(), installation.database());
+  const auto row = dailyProgramNamed(installation, numberOrName);
+  const std::int16_t id = row->get("Id").toInt16();
+  if (id <= lastOfBuiltIn) throw Refusal("the built-in programs 0 (never) and 1 (the whole day) stay");
+  std::vector<DailyUse> uses = usesOfDailyProgram(installation, id);
+  if (!uses.empty()) {
+    const std::string what = "daily program " + std::to_string(id) + " (" + row->get("Name").toText() + ")";
+    if (moveTo.empty()) throw Refusal(inUse(what, textsOf(uses)));
+    const std::int16_t target = dailyProgramNamed(installation, moveTo)->get("Id").toInt16();
+    if (target == id) throw Refusal(what + " cannot take its own place");
+    moveDays(installation, id, target);
+  }
+  row->remove();
+  transaction.commit();
+  return uses;
+}
+
+DailyProgramRow findDailyProgram(Installation& installation, const std::string& numberOrName) {
+  return rowOf(installation, *dailyProgramNamed(installation, numberOrName));
+}
+
 std::vector<DailyProgramRow> listDailyPrograms(Installation& installation) {
-  const std::size_t intervals = workWithFour(installation) ? mostIntervals : intervalsOfAll;
   std::vector<DailyProgramRow> programs;
   const auto rows = installation.database().openRecordset("select * from DailyPrograms order by Id");
-  for (; !rows->eof(); rows->moveNext()) {
-    DailyProgramRow& program = programs.emplace_back();
-    program.id = rows->get("Id").toInt16();
-    program.name = rows->get("Name").toText();
-    for (std::size_t i = 0; i < intervals; ++i) program.intervals.push_back(shownInterval(*rows, columns[i]));
-    program.toSend = rows->get("DailyProgramFlagD").toBool();
-  }
+  for (; !rows->eof(); rows->moveNext()) programs.push_back(rowOf(installation, *rows));
   return programs;
+}
+
+std::vector<std::string> DailyProgramRow::hours() const {
+  std::vector<std::string> used = intervals;
+  std::erase(used, noInterval);
+  return used;
 }
 
 }  // namespace voxa

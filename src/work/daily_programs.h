@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "work/program_uses.h"
+
 namespace voxa {
 
 class Installation;
@@ -28,6 +30,8 @@ struct DailyProgramRow {
   /// "none".
   std::vector<std::string> intervals;
   bool toSend = false;
+
+  [[nodiscard]] std::vector<std::string> hours() const;  ///< the intervals that are used
 };
 
 // What cannot be as it is written is a Refusal, and nothing is changed then.
@@ -35,10 +39,16 @@ struct DailyProgramRow {
 /// Adds a program, marked to be sent; returns its number. Of the first two intervals, one that is not given
 /// is not used.
 std::int16_t addDailyProgram(Installation& installation, const DailyProgramTexts& texts);
-/// Changes the program of that number or name and marks it. The times of 0 (never) and 1 (the whole day) are
-/// fixed.
+/// Changes the program of that number or name; other times mark it. Those of 0 (never) and 1 (the whole day)
+/// are fixed.
 void changeDailyProgram(Installation& installation, const std::string& numberOrName,
                         const DailyProgramTexts& texts);
-[[nodiscard]] std::vector<DailyProgramRow> listDailyPrograms(Installation& installation);
+/// Deletes a program; 0 and 1 stay. moveTo: number or name of the one that the weekly programs have in its
+/// place from now on, which are marked; without one a Refusal names those that use it. Returns them.
+/// Controllers keep the times of a number that no weekly program names any more: nothing goes by them.
+std::vector<DailyUse> deleteDailyProgram(Installation& installation, const std::string& numberOrName,
+                                         const std::string& moveTo = "");
+[[nodiscard]] DailyProgramRow findDailyProgram(Installation& installation, const std::string& numberOrName);
+[[nodiscard]] std::vector<DailyProgramRow> listDailyPrograms(Installation& installation);  ///< by number
 
 }  // namespace voxa

@@ -1,6 +1,6 @@
 #include "work/groups.h"
 
-#include <map>
+#include <algorithm>
 #include <set>
 
 #include "access/access_group.h"
@@ -11,6 +11,7 @@
 #include "work/installation.h"
 #include "work/links.h"
 #include "work/look_up.h"
+#include "work/program_uses.h"
 #include "work/refusal.h"
 #include "work/store_row.h"
 #include "work/words.h"
@@ -52,95 +53,96 @@ std::int16_t addGroup(Installation& installation, const std::string& name) {
   return id;
 }
 
-std::vector<GroupRow> listGroups(Installation& installation) {
-  Database& database = installation.database();
-  std::map<std::int16_t, std::string> programs;
-  for (const auto rows =
-           database.openRecordset("select ProgNum, Name from WeeklyPrograms where ProgType = 'C'");
-       !rows->eof(); rows->moveNext()) {
-    programs[rows->get("ProgNum").toInt16()] = rows->get("Name").toText();
-  }
-  std::set<std::int16_t> marked;
-  for (const auto links =
-           database.openRecordset("select AccessGroupId from AccGroupReaders where FlagD = true");
-       !links->eof(); links->moveNext()) {
-    marked.insert(links->get("AccessGroupId").toInt16());
-  }
-  std::map<std::int16_t, std::int32_t> cards;
-  for (const auto counts = database.openRecordset(
-           "select AccessGroupId, count(*) as Cards from Cardholders where Deleted = false and "
-           "AccessGroupId is not null group by AccessGroupId");
-       !counts->eof(); counts->moveNext()) {
-    cards[counts->get("AccessGroupId").toInt16()] = counts->get("Cards").toInt32();
-  }
-  std::vector<GroupRow> groups;
-  for (const auto rows = database.openRecordset("select * from AccessGroups order by Id"); !rows->eof();
-       rows->moveNext()) {
-    GroupRow& group = groups.emplace_back();
-    group.id = rows->get("Id").toInt16();
-    group.name = rows->get("Name").toText();
-    group.cards = cards[group.id];
-    group.toSend = rows->get("FlagD").toBool() || marked.contains(group.id);
-    for (const GrantedController& controller : controllersOf(database, group.id)) {
-      for (DoorSide& side : sidesOf(database, group.id, controller)) {
-        const auto program = programs.find(side.weeklyProgram);
-        group.doors.push_back({std::move(side), program == programs.end() ? std::to_string(side.weeklyProgram)
-                                                                          : program->second});
-      }
-    }
-  }
-  return groups;
+std::int16_t copyGroup(Installation& installation, const std::string& group, const std::string& name) {
+  Transaction transaction(installation.engine(), installation.database());
+  const std::int16_t from = GroupNames(installation).id(group);
+  const std::int16_t copy = addGroup(installation, name);
+  const Database::Parameters groups = {{"pTo", copy}, {"pFrom", from}};
+  (void)installation.database().execute(
+      "parameters pTo long, pFrom long; insert into AccGroupReaders (AccessGroupId, ReaderId, "
+      "WeeklyProgType, "
+      "WeeklyProgNum) select pTo, ReaderId, WeeklyProgType, WeeklyProgNum from AccGroupReaders where "
+      "AccessGroupId = pFrom",
+      groups);
+  (void)installation.database().execute(
+      "parameters pTo long, pFrom long; insert into LiftGroup (AccessGroup, LiftNum) select pTo, LiftNum "
+      "from "
+      "LiftGroup where AccessGroup = pFrom",
+      groups);
+  transaction.commit();
+  return copy;
 }
 
-std::vector<DoorsBesideLinks> grantDoor(Installation& installation, const std::string& group,
-                                        const std::string& reader, const std::string& program) {
-  Database& database = installation.database();
+void renameGroup(Installation& installation, const std::string& group, const std::string& name) {
+  const auto row = installation.database().openRecordset(
+      "parameters pGroup long; select * from AccessGroups where Id = pGroup",
+      {{"pGroup", GroupNames(installation).id(group)}});
+  row->edit();
+  row->set("Name", checkedName(name));
+  storeRow(installation, *row, "AccessGroups", "access group");
+}
+
+std::vector<DoorsBesideLinks> grantDoors(Installation& installation, const std::string& group,
+                                         const std::vector<std::string>& readers,
+                                         const std::string& program) {
   const std::int16_t id = GroupNames(installation).id(group);
-  const std::int32_t readerId = readerNamed(installation, reader)->get("Id").toInt32();
+  std::set<std::int32_t> ids;
+  for (const std::string& reader : readers) {
+    ids.insert(readerNamed(installation, reader)->get("Id").toInt32());
+  }
   const auto programs = weeklyProgramNamed(installation, "C", program);
-  linkReader(installation, id, readerId, programs->get("ProgNum").toInt16());
-  std::vector<DoorsBesideLinks> beside;
-  for (const GrantedController& controller : controllersOf(database, id)) {
-    beside.push_back({controller.twoPrograms() ? shutSides(database, id, controller) : "",
-                      openOtherSides(database, id, controller)});
-  }
-  return beside;
+  linkReaders(installation, id, ids, programs->get("ProgNum").toInt16());
+  return doorsBesideLinks(installation.database(), id);
 }
 
-void revokeDoor(Installation& installation, const std::string& group, const std::string& reader) {
+void revokeDoors(Installation& installation, const std::string& group,
+                 const std::vector<std::string>& readers) {
   const std::int16_t id = GroupNames(installation).id(group);
-  const auto door = readerNamed(installation, reader);
-  const auto link = linkOf(installation, id, door->get("Id").toInt32());
-  if (link->eof()) throw Refusal("the access group " + group + " does not open " + reader);
-  const std::int16_t station = door->get("StationId").toInt16();
-  const std::int16_t address = door->get("ControllerAddress").toInt16();
+  std::set<std::int32_t> ids;
+  std::string notOpened;
+  for (const std::string& reader : readers) {
+    const std::int32_t door = readerNamed(installation, reader)->get("Id").toInt32();
+    if (linkOf(installation, id, door)->eof()) notOpened += (notOpened.empty() ? "" : ", ") + reader;
+    ids.insert(door);
+  }
+  if (!notOpened.empty()) throw Refusal("the access group " + group + " does not open " + notOpened);
   ForgetCards forget(installation);
+  const CardsOfGroup cards = cardsOf(installation, id);
   for (const ReachedController& reached : reachOf(installation, id)) {
-    const GrantedController& controller = reached.controller;
-    if (controller.station != station || controller.address != address) continue;
-    if (controller.doors.size() > 1) continue;  // it keeps the cards; the door is shut by their rights
-    const CardsOfGroup cards = cardsOf(installation, id);
-    forget.on({controller}, cards.live);
-    forget.on({controller}, cards.deleted);
+    const auto& doors = reached.controller.doors;
+    // One that keeps a door keeps the cards; the others are shut by their rights.
+    const bool loses = std::all_of(doors.begin(), doors.end(),
+                                   [&](const GrantedDoor& door) { return ids.contains(door.reader); });
+    if (!loses) continue;
+    forget.on({reached.controller}, cards.live);
+    forget.on({reached.controller}, cards.deleted);
   }
   forget.send();
   Transaction transaction(installation.engine(), installation.database());
-  link->remove();
+  for (const std::int32_t door : ids) {
+    if (const auto link = linkOf(installation, id, door); !link->eof()) link->remove();
+  }
   markGroup(installation, id);
   transaction.commit();
 }
 
-void deleteGroup(Installation& installation, const std::string& group, const std::string& moveTo) {
+DeletedGroup deleteGroup(Installation& installation, const std::string& group, const std::string& moveTo) {
   const GroupNames names(installation);
   const std::int16_t id = names.id(group);
   if (id == defaultGroup) throw Refusal("the default access group cannot be deleted");
   const CardsOfGroup cards = cardsOf(installation, id);
   if (!cards.live.empty() && moveTo.empty()) {
-    throw Refusal("msgDBDelRelated", "(" + std::to_string(cards.live.size()) +
-                                         " cards: name the access group that they move to)");
+    throw Refusal(inUse("access group " + std::to_string(id) + " (" + names.name(id) + ")",
+                        {std::to_string(cards.live.size()) + (cards.live.size() == 1 ? " card" : " cards")}));
   }
   const std::int16_t target = moveTo.empty() ? defaultGroup : names.id(moveTo);
   if (target == id) throw Refusal("the cards cannot stay in the access group " + group);
+  DeletedGroup deleted{findGroup(installation, group), {}, {}};
+  if (!cards.live.empty()) {
+    const GroupRow other = findGroup(installation, names.name(target));
+    deleted.movedTo = other.name;
+    deleted.gains = gainsOf(deleted.group, other);
+  }
   const auto before = reachOf(installation, id);
   ForgetCards forget(installation);
   forget.on(without(before, reachOf(installation, target)), cards.live);
@@ -152,6 +154,7 @@ void deleteGroup(Installation& installation, const std::string& group, const std
       .prepare("parameters pGroup long; delete from AccessGroups where Id = pGroup")
       ->execute({id});
   transaction.commit();
+  return deleted;
 }
 
 }  // namespace voxa

@@ -6,91 +6,77 @@
 
 #include "journal/journal.h"
 #include "lines/code.h"
-#include "platform/clock.h"
 #include "platform/database/database.h"
-#include "platform/datetime.h"
-#include "platform/text.h"
 #include "work/installation.h"
+#include "work/journal_hours.h"
 #include "work/look_up.h"
+#include "work/moments.h"
 #include "work/refusal.h"
+#include "work/suggestions.h"
 #include "work/words.h"
 
 namespace voxa {
 
 namespace {
 
-/// The first moment behind what is written: a day is meant as a whole, a time as a whole minute.
-DateTime behind(const std::string& text, const Clock& clock) {
-  CivilTime end = toCivil(writtenMoment(text, clock));
-  const bool day = text.find(':') == std::string::npos;
-  end.second = 0;
-  constexpr double minute = 1.0 / (24 * 60);
-  return toDateTime(toCivil({toDateTime(end).days + (day ? 1 : minute)}));
-}
+/// So many rows are held at once: a day of a big installation.
+constexpr std::size_t partRows = 50'000;
 
-/// "000012" is the card that "12" is.
-std::string withoutZeros(const std::string& digits) {
-  return digits.substr(std::min(digits.find_first_not_of('0'), digits.size()));
-}
+constexpr const char* columns =
+    "Id, [Date], StationId, StationName, ReaderId, ReaderName, TransactionType, CardholderName, "
+    "TransactionData";
 
-void requireType(const std::string& text) {
-  constexpr const char* words[] = {"", "granted", "refused", "time", "rights", "unknown", "other"};
-  const bool code = text.size() == 2 && text.find_first_not_of("0123456789") == std::string::npos;
-  if (code || std::find(std::begin(words), std::end(words), text) != std::end(words)) return;
-  throw Refusal("'" + text + "' is no type of transactions");
-}
-
-/// The rows of a time, by date.
-std::unique_ptr<Recordset> rowsOf(Database& journal, const std::optional<DateTime>& since,
-                                  const std::optional<DateTime>& until) {
-  std::vector<std::pair<std::string, Value>> values;
-  std::string declared;
-  std::string condition;
-  const auto limit = [&](const char* name, const char* compared, const std::optional<DateTime>& value) {
-    if (!value) return;
-    declared += std::string(values.empty() ? "parameters " : ", ") + name + " datetime";
-    condition += std::string(values.empty() ? " where " : " and ") + "[Date] " + compared + " " + name;
-    values.emplace_back(name, *value);
-  };
-  limit("pSince", ">=", since);
-  limit("pUntil", "<", until);
-  if (!declared.empty()) declared += "; ";
-  return journal.openRecordset(declared + "select * from Journal" + condition + " order by [Date], Id",
-                               values);
-}
-
-JournalRow read(const Recordset& row) {
-  const auto text = [&](const char* column) {
-    const Value value = row.get(column);
-    return value.isNull() ? std::string() : value.toText();
-  };
-  const auto number = [&](const char* column) {
-    const Value value = row.get(column);
-    return value.isNull() ? 0 : value.toInt32();
-  };
+JournalRow read(const Value* row) {
+  const auto text = [&](std::size_t i) { return row[i].isNull() ? std::string() : row[i].toText(); };
+  const auto number = [&](std::size_t i) { return row[i].isNull() ? 0 : row[i].toInt32(); };
   JournalRow transaction;
-  transaction.date = row.get("Date").toDateTime();
-  transaction.stationId = number("StationId");
-  transaction.station = text("StationName");
-  transaction.readerId = number("ReaderId");
-  transaction.reader = text("ReaderName");
-  transaction.type = text("TransactionType");
+  std::size_t i = 0;
+  transaction.id = number(i++);
+  if (!row[i].isNull()) transaction.date = row[i].toDateTime();
+  transaction.stationId = number(++i);
+  transaction.station = text(++i);
+  transaction.readerId = number(++i);
+  transaction.reader = text(++i);
+  transaction.type = text(++i);
   transaction.meaning = meaningOf(transaction.type);
-  transaction.cardholder = text("CardholderName");
-  transaction.data = text("TransactionData");
+  transaction.cardholder = text(++i);
+  transaction.data = text(++i);
   if (transaction.meaning == TransactionMeaning::unknownCard) transaction.code = shownCode(transaction.data);
   return transaction;
 }
 
-bool isOfCard(const JournalRow& row, const std::string& card) {
-  if (equalNoCase(row.cardholder, card)) return true;
-  if (row.meaning == TransactionMeaning::unknownCard) {
-    return withoutZeros(row.code) == withoutZeros(toUpper(card));
-  }
-  constexpr std::size_t width = 8;
-  return row.meaning != TransactionMeaning::other && row.data.size() == width &&
-         withoutZeros(row.data.substr(2, 4)) == withoutZeros(card);
+bool isEarlier(const JournalRow& a, const JournalRow& b) {
+  return a.date.days != b.date.days ? a.date.days < b.date.days : a.id < b.id;
 }
+
+void sortByDate(std::vector<JournalRow>& rows) {
+  std::sort(rows.begin(), rows.end(), isEarlier);
+}
+
+/// Keeps the newest rows of many.
+class Newest {
+ public:
+  explicit Newest(std::size_t most) : most_(most) {}
+  void add(JournalRow row) {
+    rows_.push_back(std::move(row));
+    if (rows_.size() >= 2 * most_) cut();
+  }
+  std::vector<JournalRow> take() {
+    cut();
+    return std::move(rows_);
+  }
+
+ private:
+  void cut() {
+    if (rows_.size() <= most_) return;
+    const auto end = rows_.begin() + static_cast<std::ptrdiff_t>(most_);
+    std::nth_element(rows_.begin(), end, rows_.end(),
+                     [](const auto& a, const auto& b) { return isEarlier(b, a); });
+    rows_.erase(end, rows_.end());
+  }
+  std::size_t most_;
+  std::vector<JournalRow> rows_;
+};
 
 }  // namespace
 
@@ -102,27 +88,98 @@ std::shared_ptr<Database> openedJournal(Installation& installation) {
 
 JournalList::JournalList(Installation& installation, JournalFilter filter)
     : installation_(installation), filter_(std::move(filter)), journal_(openedJournal(installation)) {
-  if (!filter_.since.empty()) since_ = writtenMoment(filter_.since, installation.clock());
-  if (!filter_.until.empty()) until_ = behind(filter_.until, installation.clock());
-  requireType(filter_.type);
+  const Clock& clock = installation.clock();
+  if (!filter_.since.empty())
+    condition_.add("[Date] >= ?", "datetime", writtenSpan(filter_.since, clock).from);
+  if (!filter_.until.empty())
+    condition_.add("[Date] < ?", "datetime", writtenSpan(filter_.until, clock).behind);
+  if (filter_.after > 0) condition_.add("Id > ?", "long", filter_.after);
+  addFilter(installation, filter_, condition_);
+  if (!filter_.person.empty()) person_.emplace(installation, filter_.person).addTo(condition_);
+  if (filter_.last.empty()) return;
+  const std::int32_t last = number32("the number of transactions", filter_.last);
+  if (last < 1 || last > mostLast) {
+    throw Refusal("the last 1 to " + std::to_string(mostLast) + " transactions can be asked for, not " +
+                  filter_.last + ": name a time with --since and --until for more");
+  }
+  last_ = static_cast<std::size_t>(last);
+}
+
+void JournalList::requireKnown() const {
+  if (!filter_.reader.empty()) (void)readerNamed(installation_, filter_.reader);
+  if (!filter_.station.empty()) (void)stationNamed(installation_, filter_.station);
+  if (person_ && !person_->isKnown())
+    throw Refusal("there is nobody called " + filter_.person + " among the cards or in the journal" +
+                  didYouMean(filter_.person, namesOf(installation_, "select Name from Cardholders")));
 }
 
 bool JournalList::passes(const JournalRow& row) const {
-  const std::string meaning = textOf(row.meaning);
-  if (row.type != filter_.type && meaning.find(filter_.type) == std::string::npos) return false;
-  if (!filter_.reader.empty() && !equalNoCase(row.reader, filter_.reader)) return false;
-  return filter_.card.empty() || isOfCard(row, filter_.card);
+  return !person_ || person_->did(row);
+}
+
+void JournalList::visit(const JournalCondition& condition, ScanOrder order,
+                        const std::function<bool(JournalRow row)>& take) const {
+  scanJournal(*journal_, condition, columns, order, [&](const Value* values) {
+    JournalRow row = read(values);
+    return !passes(row) || take(std::move(row));
+  });
+}
+
+/// Without an index of dates the whole journal has to be looked through, since any row can have any date.
+/// Most of the newest are among those that were read last: these give a date, and no row before it counts.
+std::vector<JournalRow> JournalList::newest() const {
+  std::vector<double> dates;
+  const std::size_t most = 4 * last_ + 1000;
+  Newest readLast(last_);
+  visit(condition_, ScanOrder::lastReadFirst, [&](JournalRow row) {
+    dates.push_back(row.date.days);
+    readLast.add(std::move(row));
+    return dates.size() < most;
+  });
+  if (dates.size() < most) return readLast.take();  // there are no others
+  JournalCondition condition = condition_;
+  const auto least = dates.begin() + static_cast<std::ptrdiff_t>(last_ - 1);
+  std::nth_element(dates.begin(), least, dates.end(), std::greater<>());
+  if (*least > 0) condition.add("[Date] >= ?", "datetime", DateTime{*least});
+  Newest newest(last_);
+  visit(condition, ScanOrder::any, [&](JournalRow row) {
+    newest.add(std::move(row));
+    return true;
+  });
+  return newest.take();
 }
 
 std::size_t JournalList::each(const std::function<void(const JournalRow&)>& take) const {
   std::size_t count = 0;
-  for (const auto rows = rowsOf(*journal_, since_, until_); !rows->eof(); rows->moveNext()) {
-    const JournalRow row = read(*rows);
-    if (!passes(row)) continue;
-    ++count;
-    take(row);
+  std::vector<JournalRow> rows;
+  const auto handOver = [&] {
+    sortByDate(rows);
+    for (const JournalRow& row : rows) take(row);
+    count += rows.size();
+    rows.clear();
+  };
+  if (last_ > 0) {
+    rows = newest();
+  } else {
+    visit(condition_, ScanOrder::any, [&](JournalRow row) {
+      rows.push_back(std::move(row));
+      return rows.size() <= partRows;
+    });
   }
-  if (count == 0 && !filter_.reader.empty()) (void)readerNamed(installation_, filter_.reader);
+  if (last_ > 0 || rows.size() <= partRows) {
+    handOver();
+  } else {
+    rows.clear();
+    const JournalHours hours(*journal_, condition_);
+    for (const HourSpan& part : JournalHours::parts({&hours}, partRows)) {
+      hours.visit(part, condition_, columns, [&](const Value* values) {
+        JournalRow row = read(values);
+        if (passes(row)) rows.push_back(std::move(row));
+      });
+      handOver();
+    }
+  }
+  if (count == 0) requireKnown();
   return count;
 }
 

@@ -6,8 +6,12 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "platform/value.h"
+#include "work/journal_condition.h"
+#include "work/journal_filter.h"
+#include "work/journal_scan.h"
 #include "work/transaction_type.h"
 
 namespace voxa {
@@ -17,16 +21,21 @@ class Installation;
 
 /// Which transactions a person wants to see. An empty text asks for all.
 struct JournalFilter {
-  std::string since = {};   ///< a day, or a day and minute: from its beginning on
-  std::string until = {};   ///< the same, up to its end
-  std::string reader = {};  ///< name, in any case
-  std::string card = {};    ///< number, holder's name, or the code of a card that was not known
-  std::string type = {};    ///< granted, refused, time, rights, unknown, other, or two digits
+  std::string since = {};    ///< from the beginning of this on, as writtenSpan reads it
+  std::string until = {};    ///< the same, up to its end
+  std::string reader = {};   ///< name, in any case, of now or of then
+  std::string card = {};     ///< number, holder's name, or the code of a card that was not known
+  std::string type = {};     ///< granted, refused, time, rights, unknown, other, or two digits
+  std::string person = {};   ///< name or card number: what this person did, under any name he had
+  std::string station = {};  ///< name, in any case, of now or of then
+  std::string last = {};     ///< only so many, the newest
+  std::int32_t after = 0;    ///< only rows with a higher number, which were read later
 };
 
 /// A transaction of the journal. A name that was not known then is "".
 struct JournalRow {
-  DateTime date;  ///< a minute
+  std::int32_t id = 0;  ///< in the order of reading
+  DateTime date;        ///< a minute
   std::int32_t stationId = 0;
   std::string station;
   std::int32_t readerId = 0;
@@ -42,23 +51,36 @@ struct JournalRow {
 [[nodiscard]] std::shared_ptr<Database> openedJournal(Installation& installation);
 
 /// The transactions that pass a filter.
+///
+/// The newest are those of the latest dates, and of one minute those that were read last: a controller that
+/// was read late brings old transactions behind newer ones. A reader or station is found by its name, and by
+/// the number that the one of that name has now: so it is found under the names that it had before, too.
 class JournalList {
  public:
   /// A Refusal for a filter that cannot be read, and when the journal cannot be opened.
   JournalList(Installation& installation, JournalFilter filter);
-  /// Hands them over by date, and returns how many they are. A Refusal at the end when there was none and the
-  /// installation does not know the filter's reader either: the journal keeps the names of readers that are
-  /// gone, and a name that is in neither is a mistake.
+  /// Hands them over by date, and returns how many they are. The file is locked for no call of `take`, which
+  /// may take long. The memory does not grow with their number. A Refusal at the end when there was none and
+  /// the installation does not know the filter's reader, station or person either: the journal keeps the
+  /// names of those that are gone, and a name that is in neither is a mistake.
   std::size_t each(const std::function<void(const JournalRow&)>& take) const;
+  /// The greatest number that `last` can be.
+  static constexpr std::int32_t mostLast = 100'000;
 
  private:
+  /// Goes through the rows that pass, in no order, until `take` returns false.
+  void visit(const JournalCondition& condition, ScanOrder order,
+             const std::function<bool(JournalRow row)>& take) const;
   [[nodiscard]] bool passes(const JournalRow& row) const;
+  [[nodiscard]] std::vector<JournalRow> newest() const;
+  void requireKnown() const;
 
   Installation& installation_;
   JournalFilter filter_;
   std::shared_ptr<Database> journal_;
-  std::optional<DateTime> since_;
-  std::optional<DateTime> until_;
+  JournalCondition condition_;  ///< that all rows of the list meet, and with a person some others
+  std::optional<JournalPerson> person_;
+  std::size_t last_ = 0;  ///< 0: all
 };
 
 }  // namespace voxa

@@ -22,21 +22,24 @@ std::unique_ptr<Recordset> linkOf(Installation& installation, std::int16_t group
       {{"pGroup", group}, {"pReader", reader}});
 }
 
-void linkReader(Installation& installation, std::int16_t group, std::int32_t reader, std::int16_t program) {
-  const bool cards = !cardsOf(installation, group).live.empty();
+void linkReaders(Installation& installation, std::int16_t group, const std::set<std::int32_t>& readers,
+                 std::int16_t program) {
   Transaction transaction(installation.engine(), installation.database());
-  const auto link = linkOf(installation, group, reader);
-  if (link->eof()) {
-    link->addNew();
-    link->set("AccessGroupId", group);
-    link->set("ReaderId", reader);
-  } else {
-    link->edit();
+  const bool cards = !cardsOf(installation, group).live.empty();
+  for (const std::int32_t reader : readers) {
+    const auto link = linkOf(installation, group, reader);
+    if (link->eof()) {
+      link->addNew();
+      link->set("AccessGroupId", group);
+      link->set("ReaderId", reader);
+    } else {
+      link->edit();
+    }
+    link->set("WeeklyProgType", "C");
+    link->set("WeeklyProgNum", program);
+    link->set("FlagD", cards);
+    link->update();
   }
-  link->set("WeeklyProgType", "C");
-  link->set("WeeklyProgNum", program);
-  link->set("FlagD", cards);
-  link->update();
   markGroup(installation, group);
   transaction.commit();
 }
@@ -61,7 +64,7 @@ void markProgramsForNewController(Installation& installation) {
 }
 
 bool linkNewReader(Installation& installation, std::int16_t reader) {
-  linkReader(installation, defaultGroup, reader, always);
+  linkReaders(installation, defaultGroup, {reader}, always);
   return !cardsOf(installation, defaultGroup).live.empty();
 }
 

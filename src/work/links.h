@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <set>
 #include <vector>
 
 #include "platform/context.h"
@@ -17,9 +18,10 @@ class Installation;
 /// The row that links a reader to an access group; no rows when there is none.
 [[nodiscard]] std::unique_ptr<Recordset> linkOf(Installation& installation, std::int16_t group,
                                                 std::int32_t reader);
-/// Lets the group's cards open the reader's door by a weekly program of family C, in place of the one it may
-/// have; marks the link, the group and its cards when there are any.
-void linkReader(Installation& installation, std::int16_t group, std::int32_t reader, std::int16_t program);
+/// Lets the group's cards open the readers' doors by a weekly program of family C, in place of the ones they
+/// may have; marks the links, the group and its cards when there are any.
+void linkReaders(Installation& installation, std::int16_t group, const std::set<std::int32_t>& readers,
+                 std::int16_t program);
 /// Whether a reader other than that one is at an address: its controller is there already.
 [[nodiscard]] bool isKnownController(Installation& installation, std::int16_t station, std::int16_t address,
                                      std::int32_t otherThan);

@@ -7,13 +7,13 @@
 #include <string>
 #include <vector>
 
-#include "platform/value.h"
+#include "work/daily_programs.h"
+#include "work/program_uses.h"
+#include "work/week_days.h"
 
 namespace voxa {
 
 class Installation;
-
-constexpr std::size_t daysAWeek = 7;
 
 /// A weekly program as a person writes it. What is not given stays as it is.
 struct WeeklyProgramTexts {
@@ -27,9 +27,13 @@ struct WeeklyProgramRow {
   std::string family;
   std::int16_t number = 0;
   std::string name;
-  std::array<Value, daysAWeek> days;  ///< numbers of daily programs, Monday first
-  Value holidays;                     ///< that of holidays
+  /// The daily program of each place: 0 (never) where the row has none. One that there is not has its number
+  /// as its name, and no intervals.
+  std::array<DailyProgramRow, weekPlaces> week;
   bool toSend = false;
+
+  /// "Mon-Fri Office 08:00-12:00 13:00-18:00, Sat-Sun Never, holidays Never".
+  [[nodiscard]] std::string weekText() const;
 };
 
 // family: "C" or "E". What cannot be as it is written is a Refusal, and nothing is changed then.
@@ -37,9 +41,22 @@ struct WeeklyProgramRow {
 /// Adds a program, marked to be sent; returns its number. Needs a name, the days and the holidays.
 std::int16_t addWeeklyProgram(Installation& installation, const std::string& family,
                               const WeeklyProgramTexts& texts);
-/// Changes the program of that number or name and marks it. The days of program 0 (always) are fixed.
+/// Changes the program of that number or name; other days mark it. Those of program 0 (always) are fixed.
 void changeWeeklyProgram(Installation& installation, const std::string& family,
                          const std::string& numberOrName, const WeeklyProgramTexts& texts);
+
+/// What the doors do of which a deletion changed the program.
+struct MovedDoors {
+  WeeklyUses uses;                  ///< what had the deleted program, and has the other one now
+  std::vector<std::string> beside;  ///< in words: doors that are not as the links say, or open only now
+};
+/// Deletes a program; 0 (always) stays. moveTo: number or name of the one of its family by which its doors
+/// open from now on; without one a Refusal names those that use it. The links, groups and cards are marked.
+/// Until its download a controller goes by the program that it has.
+MovedDoors deleteWeeklyProgram(Installation& installation, const std::string& family,
+                               const std::string& numberOrName, const std::string& moveTo = "");
+[[nodiscard]] WeeklyProgramRow findWeeklyProgram(Installation& installation, const std::string& family,
+                                                 const std::string& numberOrName);
 /// By family and number.
 [[nodiscard]] std::vector<WeeklyProgramRow> listWeeklyPrograms(Installation& installation);
 

@@ -69,7 +69,7 @@ TEST_F(CardWorkTest, WhatACardLosesErasesItBeforeTheRowsChange) {
       {"090013", [this] { revokeLift(*library, "Staff", "top"); }},
       {"090013", change("13", {.group = "Guests"})},
       {"", change("Ann", {.group = "Staff"})},
-      {"090013", [this] { revokeDoor(*library, "staff", "Front"); }},
+      {"090013", [this] { revokeDoors(*library, "staff", {"Front"}); }},
       {"", [this] { grantDoor(*library, "Staff", "Front", "0"); }},
       {"090013", [this] { deleteGroup(*library, "Staff", "Guests"); }}};
   for (const auto& [line, work] : works) {
@@ -156,8 +156,11 @@ TEST_F(CardWorkTest, ATableIsImportedWhollyOrNotAtAll) {
     }
     std::string last;
   } observer;
-  const auto import = [&](const std::string& lines) {
-    return importCards(*library, "\xEF\xBB\xBFname, code ,group,number\r\n" + lines, observer);
+  const auto import = [&](const std::string& lines, bool update = false) {
+    CardImport read =
+        readCardTable(*library, "\xEF\xBB\xBFname, code ,group,number\r\n" + lines, {.update = update});
+    if (read.badLines.empty()) read.changes.carryOut(&observer);
+    return read;
   };
   const CardImport bad =
       import("Ben,1,Staff,\nAnn,2,Staff,\n\nCas,1,Staff,\nDan,3,Nobody,\nEve,4,Staff,12\n,5,0,\nF\n");
@@ -167,7 +170,7 @@ TEST_F(CardWorkTest, ATableIsImportedWhollyOrNotAtAll) {
   EXPECT_EQ(bad.badLines[1].reason, "Card code already in use (00000001: line 2)");
   EXPECT_EQ(query("select count(*) from Cardholders") + observer.last, "1");
 
-  EXPECT_EQ(import("Ben,1,Staff,\nCas,2,guests,1\n").cards, 2U);
+  EXPECT_EQ(import("Ben,1,Staff,\nCas,2,guests,1\n").changes.added(), 2U);
   EXPECT_EQ(observer.last, "2/2");
   EXPECT_EQ(query("select CardNum from Cardholders where Name = 'Ben' and ValidatedFlagD = True"), "2");
 }
