@@ -101,9 +101,7 @@ TEST_F(DoorChangeTest, WhatCardsLoseIsErasedBeforeTheRowsChange) {
       testLines(true);
     }
     EXPECT_EQ(refusalOf(work), "");
-    EXPECT_EQ(driver.sent(), loses ? "0900120000"
-                                     "0000\r\n"
-                                   : "");
+    EXPECT_EQ(driver.sent(), loses ? "09001200000000\r\n\r\n" : "");
     EXPECT_NE(rows(), before);
     carry();
   }
@@ -150,7 +148,7 @@ TEST_F(DoorChangeTest, WhatIsKeptForOthersIsStoredAndMarked) {
       changeReader(*library, "front", {.type = "VRMD1", .settings = {.openDelay = "6", .pin = "0042"}});
   EXPECT_EQ(changed.typeToo, std::vector<std::string>{"Side"});
   EXPECT_EQ(query("select DoorOpenDelay & PINCode & DoorOpenDelayFlagD & ControllerType from Readers"),
-            "642TrueVRMD1");
+            "642-1VRMD1");
   EXPECT_NE(refusalOf([this] { (void)changeReader(*library, "Front", {.settings = {.counting = "2"}}); }),
             "");
   EXPECT_NE(refusalOf([this] { addAlarm(*library, {"Siren", "m", "Local", "1", "3"}); }), "");
