@@ -86,7 +86,7 @@ void listWeekly(Session& session, bool json) {
 nlohmann::ordered_json jsonOf(const WeeklyUses& uses) {
   auto groups = nlohmann::ordered_json::array();
   for (const WeeklyUse& use : uses.groups) {
-    groups.push_back({{"Group", use.group}, {"Name", use.name}, {"Doors", use.readers}});
+    groups.push_back({{"Id", use.group}, {"Name", use.name}, {"Doors", use.readers}});
   }
   return {{"Groups", groups}, {"DoorsThemselves", uses.readers}};
 }
