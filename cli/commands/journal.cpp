@@ -35,10 +35,10 @@ struct JournalOptions {
 
 volatile std::sig_atomic_t interrupted = 0;
 
-/// The second time ends the program at once.
+/// Some send the signal to the program and to its group: the third one ends the program at once.
 void interrupt(int signal) {
-  interrupted = 1;
-  (void)std::signal(signal, SIG_DFL);
+  interrupted = interrupted + 1;
+  (void)std::signal(signal, interrupted > 1 ? SIG_DFL : interrupt);
 }
 
 /// Waits between two rounds; a second at a time, so that a key that ends it is soon obeyed.

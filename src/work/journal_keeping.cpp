@@ -221,7 +221,7 @@ JournalDeletion planJournalDeletion(Installation& installation, const std::strin
   const std::string name = deletedJournalName +
                            formatDateTime(deletion.before, day ? "yyyy-mm-dd" : "yyyy-mm-dd hh.nn") + ", " +
                            formatDateTime(clock.now(), "ddmmmyyyy-hh.nn.ss");
-  deletion.file = backupFolder(installation) + "\\" + name + ".MDB";
+  deletion.file = files::native(backupFolder(installation) + "\\" + name + ".MDB");
   return deletion;
 }
 
