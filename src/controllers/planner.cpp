@@ -217,7 +217,7 @@ void Planner::planNumber(At& at, const CardsAt& cards, const Holdings& held, std
   std::optional<PlanItem> item;
   const bool wanted = card != nullptr && card->wanted && (granted != nullptr || card->several);
   // A card that is not valid opens nothing where it is shut, nor where it is not at all.
-  const bool absent = state.part(CardField::code).is("") && !scope_.full;
+  const bool absent = state == CardState() && !scope_.full;
   if (wanted && !card->validated && !card->several && (absent || scope_.erasesBlocked)) {
     item = unwantedCard(cards, number, PlanReason::blocked, state);
   } else if (wanted && at.plan.type.empty()) {

@@ -179,8 +179,8 @@ AccessReason AccessQuestions::reasonByRows(Case& asked) {
   const ImageCard* image = image_.card(card.number);
   asked.answer.fault = image == nullptr ? "its number is none of 1 to 9999" : image->fault;
   if (!asked.answer.fault.empty()) return AccessReason::cannotBeSent;
-  if (!card.validated) return AccessReason::notValid;  // controllers need not hold it
   if (reach.granted && reach.fault.empty()) asked.wanted = Image::on(*image, *reach.granted);
+  if (!card.validated) return AccessReason::notValid;
   if (card.validationDate && asked.decision.isPast(*card.validationDate)) return AccessReason::expired;
   asked.answer.fault = asked.door.fault;
   if (!asked.answer.fault.empty()) return AccessReason::notConnected;
@@ -235,6 +235,8 @@ void AccessQuestions::compareWithController(Case& asked) {
     if (holds != Sure::yes) answer.missing.push_back(what);
     return holds == Sure::yes;
   };
+  // A card that is not valid need not be there.
+  if (!asked.card.validated && card.part(CardField::code).is("")) asked.wanted.reset();
   if (!asked.wanted) {  // all that decides is that it does not open
     constexpr Sure opposites[] = {Sure::yes, Sure::unsaid, Sure::no};
     (void)found(opposites[static_cast<std::size_t>(answer.controllerOpens)], "that it opens nothing");

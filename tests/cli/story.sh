@@ -305,6 +305,13 @@ succeeds card invalidate 12 --reader Front
 holds "20 " Local 1
 succeeds download cards --station Local --full
 holds "12 20 " Local 1
+succeeds sim controller fault --station Local --address 1 --silent
+refuses "were not told, which may still open to it" card block 12
+succeeds sim controller fault --station Local --address 1 --none
+succeeds card block 12
+holds "20 " Local 1
+succeeds card replace 12 --code 4099
+holds "12 20 " Local 1
 refuses "Card number already in use" card batch --first-number 12 --first-code 900 --count 3 --group 1
 grep -q "DLL Error" err && fail "a driver that answers has left an error of the system"
 succeeds group list
@@ -355,7 +362,7 @@ printf ',No code,,Cars,\n,"Two\nlines",C4,Cars,\n,Few,C5\n,Day,C6,Cars,31/02/202
 succeeds export cards before.csv
 refuses "7 bad lines" import cards bad.csv
 for line in "3: Card number already in use (40: line 2)" "4: text behind" "5: A mandatory" "6: a name is one line" \
-  "8: 3 fields" "9: the last day" "10: The character"; do
+  "8: 3 fields" "9: the last day" "10: '中' (U+4E2D)"; do
   grep -qF "line $line" err || fail "not named: line $line"
 done
 refuses "--force" export cards before.csv
@@ -370,6 +377,9 @@ succeeds group add Cars
 succeeds import cards pins.csv
 succeeds card list --json --show-pins
 cmp <(sed 's/"ToSend": false/"ToSend": true/' list) out || fail "the imported cards differ"
+succeeds import cards pins.csv --update
+shows "0 new cards, "
+grep -q " changed" out && fail "an export changes cards where it came from"
 plant=plant
 
 # From a card at a reader to the journal; a read that breaks off loses nothing.
