@@ -24,7 +24,7 @@ ensure_packages() {
 }
 
 build_packages=(cmake ninja-build g++ libc6-dev libsqlite3-dev libcli11-dev nlohmann-json3-dev
-  libkainjow-mustache-dev pkg-config mdbtools-dev)
+  libkainjow-mustache-dev libicu-dev pkg-config mdbtools-dev)
 test_packages=("${build_packages[@]}" mdbtools libgtest-dev clang-14 libclang-rt-14-dev clang-format-14)
 tidy_packages=("${test_packages[@]}" clang-tidy-14 libbenchmark-dev)
 windows_packages=(cmake ninja-build g++-mingw-w64-i686-posix g++-mingw-w64-x86-64-posix mingw-w64-tools libwine-dev libwine

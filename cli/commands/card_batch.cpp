@@ -82,13 +82,17 @@ void addCardClearingCommands(Command& group, Session& session) {
   batch->add_option("--group", created->texts.group, "Name or number of their access group")->required();
   batch->add_flag("--codes-as-names", created->codesAsNames, "Their names are their codes");
   batch->footer(
-      "Example:\n  voxa card batch --first-number 100 --first-code 52000 --count 50 --group Visitors");
+      "Examples:\n"
+      "  voxa card batch --first-number 100 --first-code 52000 --count 50 --group Visitors\n"
+      "  voxa card batch --first-number 1 --first-code 700 --count 20 --group Staff --codes-as-names");
   batch->callback([&session, created] { createBatch(session, *created); });
 
   auto* deleting = group.add_subcommand("delete", "Erase a card on every controller and delete it");
   auto deleted = std::make_shared<std::string>();
   deleting->add_option("CARD", *deleted, "Number or name of the card")->required();
-  deleting->footer("Its name and code stay in use.\nExample:\n  voxa card delete \"Ann Lee\"");
+  deleting->footer(
+      "Its name and code stay in use until it is purged; 'voxa card restore' gives it back.\n"
+      "Examples:\n  voxa card delete \"Ann Lee\"\n  voxa card delete 12");
   deleting->callback([&session, deleted] { deleteOne(session, *deleted); });
 
   auto* invalidating = group.add_subcommand(
@@ -97,7 +101,9 @@ void addCardClearingCommands(Command& group, Session& session) {
   auto choice = std::make_shared<ComponentChoice>();
   invalidating->add_option("NUMBER", *number, "The card number")->required();
   addComponentOptions(*invalidating, *choice);
-  invalidating->footer("Example:\n  voxa card invalidate 12 --station Annex");
+  invalidating->footer(
+      "Examples:\n  voxa card invalidate 12 --station Annex\n  voxa card invalidate 12 --reader \"Main "
+      "entrance\"");
   invalidating->callback([&session, number, choice] { invalidate(session, *number, *choice); });
 }
 

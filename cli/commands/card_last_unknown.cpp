@@ -36,7 +36,8 @@ void addLastUnknownCommand(Command& group, Session& session) {
   command->add_option("--reader", *reader, "The reader, whose controller is read first")->required();
   command->footer(
       "The transaction leaves the journal: the next call prints the one before.\n"
-      "Example:\n  voxa card last-unknown --reader \"Main entrance\"");
+      "Examples:\n  voxa card last-unknown --reader \"Main entrance\"\n  voxa card last-unknown --reader "
+      "Garage");
   command->callback([&session, reader] { showLastUnknown(session, *reader); });
 }
 

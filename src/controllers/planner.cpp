@@ -216,7 +216,11 @@ void Planner::planNumber(At& at, const CardsAt& cards, const Holdings& held, std
   const CardState state = held.card(number);
   std::optional<PlanItem> item;
   const bool wanted = card != nullptr && card->wanted && (granted != nullptr || card->several);
-  if (wanted && at.plan.type.empty()) {
+  // A card that is not valid opens nothing where it is shut, nor where it is not at all.
+  const bool absent = state == CardState() && !scope_.full;
+  if (wanted && !card->validated && !card->several && (absent || scope_.erasesBlocked)) {
+    item = unwantedCard(cards, number, PlanReason::blocked, state);
+  } else if (wanted && at.plan.type.empty()) {
     if (card->barred) item = unwantedCard(cards, number, PlanReason::blocked, state);
   } else if (wanted && card->fault.empty() && granted->fault.empty()) {
     item = wantedCard(cards, *card, *granted, state, at.ledger.isCreditSent(number));

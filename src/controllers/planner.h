@@ -24,6 +24,7 @@ struct PlanScope {
   std::optional<std::int32_t> card = {};  ///< of the cards this number alone, and no programs and holidays
   std::optional<std::set<ControllerPlace>> places = {};  ///< these alone
   bool full = false;                                     ///< everything is sent, whatever they hold
+  bool erasesBlocked = false;  ///< a card that is not valid is erased, not only shut
 };
 
 /// Compares what the controllers should hold with what the ledger knows of them. What the rows wanted of a

@@ -8,14 +8,14 @@ namespace {
 
 class Reader {
  public:
-  explicit Reader(std::string_view text) : rest_(text) {}
+  Reader(std::string_view text, char delimiter) : rest_(text), delimiter_(delimiter) {}
 
   bool next(CsvRecord& record) {
     if (rest_.empty()) return false;
     record = {line_, {}, ""};
     const std::string_view begin = rest_;
     do record.fields.push_back(field(record));
-    while (record.fault.empty() && take(','));
+    while (record.fault.empty() && take(delimiter_));
     if (record.fault.empty() && !rest_.empty() && !atLineEnd()) {
       record.fault = "text behind the closing quotation mark";
     }
@@ -44,7 +44,7 @@ class Reader {
   std::string field(CsvRecord& record) { return take('"') ? quoted(record) : plain(record); }
   std::string plain(CsvRecord& record) {
     std::size_t length = 0;
-    while (length < rest_.size() && rest_[length] != ',' && rest_[length] != '\n' &&
+    while (length < rest_.size() && rest_[length] != delimiter_ && rest_[length] != '\n' &&
            rest_.substr(length, 2) != "\r\n") {
       if (rest_[length] == '"') record.fault = "a quotation mark inside a field without them";
       ++length;
@@ -69,6 +69,7 @@ class Reader {
   }
 
   std::string_view rest_;
+  char delimiter_;
   std::size_t line_ = 1;
 };
 
@@ -82,9 +83,9 @@ bool isFormula(const std::string& text) {
 
 }  // namespace
 
-std::vector<CsvRecord> readCsv(std::string_view text) {
+std::vector<CsvRecord> readCsv(std::string_view text, char delimiter) {
   std::vector<CsvRecord> records;
-  Reader reader(text);
+  Reader reader(text, delimiter);
   for (CsvRecord record; reader.next(record);) {
     const bool empty = record.fault.empty() && record.fields.size() == 1 && record.fields.front().empty();
     if (!empty) records.push_back(std::move(record));

@@ -7,8 +7,9 @@
 
 namespace voxa {
 
-// Tables as text. Fields are separated by commas, lines end with CR LF or LF. A field that has commas, quotes
-// or line ends stands in quotes; quotes inside it are doubled.
+// Tables as text. Fields are separated by commas, or by another character where one is given. Lines end with
+// CR LF or LF. A field that has separators, quotes or line ends stands in quotes; quotes inside it are
+// doubled.
 
 struct CsvRecord {
   std::size_t line = 0;  ///< number of the line where it begins, from 1
@@ -18,7 +19,7 @@ struct CsvRecord {
 
 /// Reads the records of a text and leaves out empty lines. Of a faulty record only the first line is taken;
 /// the lines behind it are read on their own.
-[[nodiscard]] std::vector<CsvRecord> readCsv(std::string_view text);
+[[nodiscard]] std::vector<CsvRecord> readCsv(std::string_view text, char delimiter = ',');
 
 /// The field as it is written. It stands in quotes where it needs them. It gets an apostrophe in front when a
 /// spreadsheet would take it for a formula (it begins with = + - @, a tab or a carriage return).

@@ -55,7 +55,7 @@ class GroupCards {
  public:
   GroupCards(Installation& installation, const std::string& group) : any_(group.empty()) {
     if (any_) return;
-    for (const CardRow& card : listCards(installation, group)) {
+    for (const CardRow& card : listCards(installation, {.group = group})) {
       const std::int32_t number = card.number.isNull() ? 0 : card.number.toInt32();
       if (number > 0 && number <= greatestCardNumber) numbers_.set(static_cast<std::size_t>(number));
     }

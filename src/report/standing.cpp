@@ -61,7 +61,9 @@ void addControllers(Installation& installation, Figures& figures) {
 void addExpiringCards(Installation& installation, Figures& figures) {
   const std::string& group = figures.asked.group;
   const double today = std::floor(installation.clock().now().days);
-  for (const CardRow& card : listCards(installation, group.empty() ? std::nullopt : std::optional(group))) {
+  CardFilter filter;
+  if (!group.empty()) filter.group = group;
+  for (const CardRow& card : listCards(installation, filter)) {
     if (card.until.isNull() || card.code.isNull() || !card.valid.toBool()) continue;
     const DateTime until = card.until.toDateTime();
     if (until.days >= today + daysOfNotice) continue;

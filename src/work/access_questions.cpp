@@ -235,6 +235,8 @@ void AccessQuestions::compareWithController(Case& asked) {
     if (holds != Sure::yes) answer.missing.push_back(what);
     return holds == Sure::yes;
   };
+  // A card that is not valid need not be there.
+  if (!asked.card.validated && card.part(CardField::code).is("")) asked.wanted.reset();
   if (!asked.wanted) {  // all that decides is that it does not open
     constexpr Sure opposites[] = {Sure::yes, Sure::unsaid, Sure::no};
     (void)found(opposites[static_cast<std::size_t>(answer.controllerOpens)], "that it opens nothing");

@@ -65,6 +65,18 @@ Value dayOrNone(const std::string& text, const Clock& clock) {
   return *day;
 }
 
+std::string nameOf(const CardTexts& texts) {
+  std::string name = nameWithRemark(*texts.name, texts.remark.value_or(""));
+  if (texts.transliterate) name = nameInLatinLetters(name);
+  return checkedName(name);
+}
+
+Value noteOf(const std::string& text) {
+  constexpr std::size_t longestNote = 1000;
+  if (text.empty() || equalNoCase(text, none)) return {};
+  return checkedText("a note", text, longestNote);
+}
+
 template <typename Result, typename Read>
 void read(std::optional<Result>& into, const std::optional<std::string>& text, Read convert) {
   if (text) into = convert(*text);
@@ -111,7 +123,7 @@ std::int16_t GroupNames::id(const std::string& nameOrNumber) const {
 }
 
 CardValues::CardValues(const CardTexts& texts, const GroupNames& groups, const Clock& clock) {
-  read(name, texts.name, checkedName);
+  if (texts.name) name = nameOf(texts);
   read(number, texts.number, cardNumber);
   read(code, texts.code, cardCode);
   read(group, texts.group,
@@ -121,6 +133,7 @@ CardValues::CardValues(const CardTexts& texts, const GroupNames& groups, const C
   read(credit, texts.credit, [](const std::string& text) { return numberOrNone("the credit", text, 99); });
   read(supervisor, texts.supervisor, [](const std::string& text) { return yesOrNo("supervisor", text); });
   read(valid, texts.valid, [](const std::string& text) { return yesOrNo("valid", text); });
+  read(note, texts.note, noteOf);
 }
 
 void CardValues::set(Recordset& row) const {
@@ -131,6 +144,7 @@ void CardValues::set(Recordset& row) const {
     mark(part);
   };
   if (name) row.set("Name", *name);
+  if (note) row.set("Free", *note);
   if (number) {
     row.set("CardNum", *number);
     mark(cardCodePart);
@@ -166,13 +180,13 @@ void markWhole(Installation& installation, const std::set<std::int32_t>& numbers
   transaction.commit();
 }
 
-TakenByCards::TakenByCards(Installation& installation, std::int32_t ownId) {
+TakenByCards::TakenByCards(Installation& installation, const std::set<std::int32_t>& changing) {
   const auto rows = installation.database().openRecordset(
       "select Id, CardNum, CardCode, Name, Deleted, CardCodeFlagD from Cardholders");
   for (; !rows->eof(); rows->moveNext()) {
     const Value number = rows->get("CardNum");
     if (!number.isNull()) everUsed_.insert(number.toInt32());
-    if (rows->get("Id").toInt32() == ownId) continue;
+    if (changing.contains(rows->get("Id").toInt32())) continue;
     const bool deleted = rows->get("Deleted").toBool();
     const std::string name = rows->get("Name").toText();
     const std::string who = (deleted ? "a deleted card, " : "") + name;
@@ -195,7 +209,9 @@ void TakenByCards::requireFree(const CardValues& values) const {
   if (!values.name) return;
   const auto found = names_.find(toLower(*values.name));
   if (found != names_.end())
-    throw Refusal("the name " + *values.name + " is already in use: " + found->second + " has it");
+    throw Refusal("the name " + *values.name + " is already in use: " + found->second +
+                  " has it. Two people of one name need a remark: " +
+                  nameWithRemark(*values.name, "their department, say"));
 }
 
 void TakenByCards::take(const CardValues& values, const std::string& who) {
@@ -203,7 +219,7 @@ void TakenByCards::take(const CardValues& values, const std::string& who) {
     numbers_[*values.number] = who;
     everUsed_.insert(*values.number);
   }
-  if (values.code) codes_[*values.code] = who;
+  if (values.code) codes_[storedCode(*values.code)] = who;
   if (values.name) names_[toLower(*values.name)] = who;
 }
 

@@ -45,10 +45,13 @@ class GroupNames {
 };
 
 /// As it was written; what is not given stays as it is. "none" for a personal code, last day or credit takes
-/// it away.
+/// it away, and for a note.
 struct CardTexts {
   std::optional<std::string> name = {}, number = {}, code = {}, group = {}, pin = {}, until = {}, credit = {},
                              supervisor = {}, valid = {};
+  std::optional<std::string> remark = {};  ///< told behind the name: "Ada Byron (Sales)"
+  std::optional<std::string> note = {};    ///< any text, which no controller gets
+  bool transliterate = false;              ///< the name may be written in Latin letters
 };
 
 /// The same, checked.
@@ -61,6 +64,7 @@ struct CardValues {
   std::optional<std::int16_t> number, group;
   std::optional<Value> pin, until, credit;  ///< Null: none
   std::optional<bool> supervisor, valid;
+  std::optional<Value> note;
 
   /// Into a row that is being edited or added, with the marks of what is given.
   void set(Recordset& row) const;
@@ -78,8 +82,8 @@ void markWhole(Installation& installation, const std::set<std::int32_t>& numbers
 /// once every controller has erased it.
 class TakenByCards {
  public:
-  /// ownId: a card whose own values are not in its way.
-  explicit TakenByCards(Installation& installation, std::int32_t ownId = 0);
+  /// changing: ids of cards whose present values are in nobody's way.
+  explicit TakenByCards(Installation& installation, const std::set<std::int32_t>& changing = {});
   /// A Refusal when a card has one of the values.
   void requireFree(const CardValues& values) const;
   /// who: how a refusal names the new owner.

@@ -1,15 +1,12 @@
 #include "work/cards.h"
 
 #include <algorithm>
-#include <functional>
+#include <cmath>
 
-#include "access/card_record.h"
-#include "files/conversions.h"
 #include "lines/code.h"
+#include "platform/clock.h"
 #include "platform/database/database.h"
 #include "platform/text.h"
-#include "work/forget_cards.h"
-#include "work/group_reach.h"
 #include "work/installation.h"
 #include "work/look_up.h"
 #include "work/refusal.h"
@@ -18,30 +15,6 @@
 namespace voxa {
 
 namespace {
-
-CardRow rowOf(const Recordset& card, const GroupNames& groups) {
-  const Value pin = card.get("PINCode");
-  const Value group = card.get("AccessGroupId");
-  return {card.get("CardNum"),
-          card.get("Name"),
-          card.get("CardCode"),
-          group.isNull() ? Value() : Value(groups.name(group.toInt16())),
-          card.get("Validated"),
-          card.get("Supervisor"),
-          card.get("ValidationDate"),
-          card.get("Credit"),
-          pin.isNull() ? "" : zeroPadded(pin.toInt32(), 4),
-          cardRecord(card).parts.any()};
-}
-
-std::vector<CardRow> rowsOf(Recordset& cards, const GroupNames& groups,
-                            const std::function<bool(const Recordset&)>& wanted) {
-  std::vector<CardRow> rows;
-  for (; !cards.eof(); cards.moveNext()) {
-    if (wanted(cards)) rows.push_back(rowOf(cards, groups));
-  }
-  return rows;
-}
 
 /// A number or code as people compare them: without regard to case and to zeros in front.
 std::string significant(const std::string& text) {
@@ -54,76 +27,65 @@ std::string significant(const std::string& text) {
 std::int16_t addCard(Installation& installation, const CardTexts& texts) {
   CardTexts whole = texts;
   for (auto* needed : {&whole.name, &whole.code, &whole.group}) *needed = needed->value_or("");
-  CardValues values(whole, GroupNames(installation), installation.clock());
-  TakenByCards taken(installation);
-  taken.requireFree(values);
-  if (!values.number) values.number = taken.freeNumber();
-  const auto rows = installation.database().openRecordset("select * from Cardholders where Id = 0");
-  rows->addNew();
-  values.set(*rows);
-  markWhole(*rows);
-  rows->update();
-  return *values.number;
+  CardChanges changes(installation);
+  changes.add(CardValues(whole, GroupNames(installation), installation.clock()));
+  changes.carryOut();
+  return changes.newCards().front().number.value_or(0);
+}
+
+std::int16_t lendCard(Installation& installation, const CardTexts& texts) {
+  const CardValues values(texts, GroupNames(installation), installation.clock());
+  if (!values.until || values.until->isNull())
+    throw Refusal("a card that is lent needs its last day: the day on which it comes back");
+  if (values.until->toDateTime().days < std::floor(installation.clock().now().days))
+    throw Refusal("the last day " + values.until->toText() + " is over already");
+  return addCard(installation, texts);
 }
 
 void changeCard(Installation& installation, const std::string& card, const CardTexts& texts) {
   const auto row = cardNamed(installation, card);
+  CardTexts given = texts;
+  if (given.remark && !given.name) given.name = row->get("Name").toText();
+  CardChanges changes(installation);
+  changes.change(*row, CardValues(given, GroupNames(installation), installation.clock()));
+  changes.carryOut();
+}
+
+CardChanges changesOf(Installation& installation, const CardFilter& filter, const CardTexts& texts) {
+  if (texts.name || texts.number || texts.code || texts.remark)
+    throw Refusal("each card has a name, a number and a code of its own: name one card to change these");
+  if (filter.deleted) throw Refusal("deleted cards are not changed: give them back first");
+  const bool any = texts.group || texts.pin || texts.until || texts.credit || texts.supervisor ||
+                   texts.valid || texts.note;
+  if (!any) throw Refusal("nothing was said that is to change");
   const CardValues values(texts, GroupNames(installation), installation.clock());
-  TakenByCards(installation, row->get("Id").toInt32()).requireFree(values);
-  const std::int16_t group = nullToInt(row->get("AccessGroupId"));
-  const std::int32_t number = row->get("CardNum").toInt32();
-  const bool another = (values.number && *values.number != number) ||
-                       (values.code && !isCode(row->get("CardCode"), *values.code));
-  const bool moves = another || (values.group && *values.group != group);
-  if (moves) {
-    std::vector<ReachedController> kept;
-    if (!another) kept = reachOf(installation, *values.group);
-    ForgetCards forget(installation);
-    forget.on(without(reachOf(installation, group), kept), {number});
-    forget.send();
+  CardChanges changes(installation);
+  const std::vector<CardRow> cards = listCards(installation, filter);
+  if (cards.empty()) throw Refusal("no card is as the conditions say");
+  for (const CardRow& card : cards) {
+    const auto row = installation.database().openRecordset(
+        "parameters pId long; select * from Cardholders where Id = pId", {{"pId", card.id}});
+    if (!row->eof()) changes.change(*row, values);
   }
-  row->edit();
-  values.set(*row);
-  if (moves) markWhole(*row);
-  row->update();
-  // Also those controllers count anew that have got the last one.
-  if (values.credit) installation.ledger().endCredits({number});
+  return changes;
 }
 
-std::vector<CardRow> listCards(Installation& installation, const std::optional<std::string>& group,
-                               bool deleted) {
-  const GroupNames groups(installation);
-  const auto all = [](const Recordset& /*card*/) { return true; };
-  if (!group) {
-    const auto cards = installation.database().openRecordset(
-        "parameters pDeleted bit; select * from Cardholders where Deleted = pDeleted order by CardNum",
-        {{"pDeleted", deleted}});
-    return rowsOf(*cards, groups, all);
-  }
-  const auto cards = installation.database().openRecordset(
-      "parameters pDeleted bit, pGroup long; select * from Cardholders where Deleted = pDeleted and "
-      "AccessGroupId = pGroup order by CardNum",
-      {{"pDeleted", deleted}, {"pGroup", groups.id(*group)}});
-  return rowsOf(*cards, groups, all);
-}
-
-std::vector<CardRow> findCards(Installation& installation, const std::string& text) {
+std::vector<CardRow> findCards(Installation& installation, const std::string& text, bool deleted) {
   const std::string part = toLower(text);
   const std::string number = significant(text);
   const auto is = [&](const Value& value) {
     return !value.isNull() && !text.empty() && significant(value.toText()) == number;
   };
-  const auto cards = installation.database().openRecordset(
-      "select * from Cardholders where Deleted = false order by CardNum");
-  std::vector<CardRow> found = rowsOf(*cards, GroupNames(installation), [&](const Recordset& card) {
-    return is(card.get("CardNum")) || is(card.get("CardCode")) ||
-           toLower(card.get("Name").toText()).find(part) != std::string::npos;
+  std::vector<CardRow> cards = listCards(installation, {.deleted = deleted});
+  std::erase_if(cards, [&](const CardRow& card) {
+    return !is(card.number) && !is(card.code) && toLower(card.name.toText()).find(part) == std::string::npos;
   });
-  if (found.empty()) {
+  if (cards.empty()) {
+    const std::string names = "select Name from Cardholders where Deleted = ";
     throw notFound("msgCantFindCardholder", text,
-                   namesOf(installation, "select Name from Cardholders where Deleted = false"));
+                   namesOf(installation, (names + (deleted ? "true" : "false")).c_str()));
   }
-  return found;
+  return cards;
 }
 
 }  // namespace voxa

@@ -1,12 +1,17 @@
 #include "work/words.h"
 
+#include <algorithm>
 #include <charconv>
+#include <iomanip>
 #include <limits>
+#include <sstream>
+#include <vector>
 
 #include "platform/clock.h"
 #include "platform/datetime.h"
 #include "platform/error.h"
 #include "platform/text.h"
+#include "platform/transliteration.h"
 #include "work/refusal.h"
 
 namespace voxa {
@@ -27,6 +32,43 @@ Number whole(const std::string& what, const std::string& text, Number least, Num
 }
 
 constexpr std::size_t nameLength = 50;
+
+/// "U+0141", of a character.
+std::string numberOf(std::string_view character) {
+  constexpr int digits = 4;
+  std::ostringstream number;
+  number << "U+" << std::hex << std::uppercase << std::setfill('0') << std::setw(digits)
+         << static_cast<std::uint32_t>(firstCharacter(character));
+  return number.str();
+}
+
+/// The first characters that files of code page 1252 cannot hold: "'Ł' (U+0141)".
+std::string strangersOf(std::string_view text) {
+  constexpr std::size_t most = 3;
+  std::vector<std::string> strangers;
+  for (std::size_t at = 0; at < text.size();) {
+    const std::size_t end = behindCharacter(text, at);
+    const std::string character(text.substr(at, end - at));
+    at = end;
+    if (isOfCp1252(character)) continue;
+    const std::string shown = "'" + character + "' (" + numberOf(character) + ")";
+    if (std::find(strangers.begin(), strangers.end(), shown) == strangers.end()) strangers.push_back(shown);
+  }
+  std::string all;
+  for (std::size_t i = 0; i < std::min(most, strangers.size()); ++i)
+    all += (i == 0 ? "" : ", ") + strangers[i];
+  return all + (strangers.size() > most ? " and others" : "");
+}
+
+void requireStorable(const std::string& what, const std::string& text) {
+  if (!isUtf8(text)) throw Refusal(what + " is text in UTF-8");
+  if (isOfCp1252(text)) return;
+  const auto written = inLatinLetters(text);
+  const bool helps = written && isOfCp1252(*written) && !written->empty();
+  throw Refusal(strangersOf(text) + " cannot be stored: " + what +
+                " has the characters of Western European Windows, code page 1252" +
+                (helps ? "; in Latin letters it is \"" + *written + "\"" : ""));
+}
 
 }  // namespace
 
@@ -65,12 +107,20 @@ std::string checkedText(const std::string& what, const std::string& text, std::s
     throw Refusal(what + " has up to " + std::to_string(most) + " characters, not " +
                   std::to_string(lengthInCharacters(text)));
   }
-  try {
-    (void)toCp1252(text);
-  } catch (const Error& failure) {
-    throw Refusal(failure.description());
-  }
+  requireStorable(what, text);
   return text;
+}
+
+std::string nameInLatinLetters(const std::string& name) {
+  if (!isUtf8(name) || isOfCp1252(name)) return name;
+  if (auto written = inLatinLetters(name)) return *written;
+  throw Refusal("nothing on this computer writes \"" + name +
+                "\" in Latin letters: it has no ICU library. Write the name in Latin letters yourself");
+}
+
+std::string nameWithRemark(const std::string& name, const std::string& remark) {
+  if (remark.empty() || name.empty()) return name;
+  return name + " (" + remark + ")";
 }
 
 std::string checkedName(const std::string& name) {

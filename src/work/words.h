@@ -25,13 +25,19 @@ class Clock;
 /// What says yes ("yes", "true", "1", in any case) or no.
 [[nodiscard]] bool yesOrNo(const std::string& what, const std::string& text);
 
-/// The text itself; a Refusal when it has control characters, characters that the controllers' files cannot
-/// hold, or more than so many. what: as the Refusal names it ("a name").
+/// The text itself; a Refusal when it has control characters, characters that the database cannot hold, which
+/// are named with what the text is in Latin letters, or more than so many. what: as the Refusal names it ("a
+/// name").
 [[nodiscard]] std::string checkedText(const std::string& what, const std::string& text, std::size_t most);
 /// The same of a name, up to 50 characters, which is not empty.
 [[nodiscard]] std::string checkedName(const std::string& name);
-/// The same for a station or reader; a Refusal for a name with an apostrophe too: the journal's statements
-/// carry these names as they are, so that nothing of such a door could ever be read.
+/// A name with Latin letters in place of those that the database cannot hold. A Refusal when the computer has
+/// no ICU library.
+[[nodiscard]] std::string nameInLatinLetters(const std::string& name);
+/// Two people of one name are told apart by a remark: "Ada Byron (Sales)".
+[[nodiscard]] std::string nameWithRemark(const std::string& name, const std::string& remark);
+/// The same as checkedName for a station or reader; a Refusal for a name with an apostrophe too: the
+/// journal's statements carry these names as they are, so that nothing of such a door could ever be read.
 [[nodiscard]] std::string checkedPlaceName(const std::string& name);
 
 /// A day, or a day and time, as a person writes it: 24/12/2026, "24/12/2026 18:05", 2026-12-24. A Refusal for

@@ -8,6 +8,7 @@
 #include "access/badge_format.h"
 #include "controllers/ledger.h"
 #include "support/installation_test.h"
+#include "work/cards.h"
 
 namespace voxa {
 namespace {
@@ -60,6 +61,8 @@ class SchemaTest : public test::InstallationTest {};
 TEST_F(SchemaTest, OfANewInstallation) {
   createInstallation();
   glob->QDB().BadgeFormat().CreateTable();
+  const std::string number = std::to_string(addCard(*library, {.name = "Ann", .code = "1", .group = "0"}));
+  changeCard(*library, number, {.name = "Anna"});
   library->ledger().provide();
   restart();  // the definitions are what the files say, not what made them
   std::string made;

@@ -1,12 +1,19 @@
 #include "work/cards.h"
 #include "comm/com.h"
 #include "messages/strings.h"
+#include "platform/transliteration.h"
 #include "support/installation_test.h"
 #include "work/card_batch.h"
+#include "work/card_blocking.h"
 #include "work/card_erasing.h"
+#include "work/card_export.h"
+#include "work/card_history.h"
 #include "work/card_import.h"
+#include "work/carry_out.h"
+#include "work/deleted_cards.h"
 #include "work/groups.h"
 #include "work/lifts.h"
+#include "work/line_test.h"
 #include "work/links.h"
 #include "work/readers.h"
 #include "work/refusal.h"
@@ -156,8 +163,11 @@ TEST_F(CardWorkTest, ATableIsImportedWhollyOrNotAtAll) {
     }
     std::string last;
   } observer;
-  const auto import = [&](const std::string& lines) {
-    return importCards(*library, "\xEF\xBB\xBFname, code ,group,number\r\n" + lines, observer);
+  const auto import = [&](const std::string& lines, bool update = false) {
+    CardImport read =
+        readCardTable(*library, "\xEF\xBB\xBFname, code ,group,number\r\n" + lines, {.update = update});
+    if (read.badLines.empty()) read.changes.carryOut(&observer);
+    return read;
   };
   const CardImport bad =
       import("Ben,1,Staff,\nAnn,2,Staff,\n\nCas,1,Staff,\nDan,3,Nobody,\nEve,4,Staff,12\n,5,0,\nF\n");
@@ -167,9 +177,120 @@ TEST_F(CardWorkTest, ATableIsImportedWhollyOrNotAtAll) {
   EXPECT_EQ(bad.badLines[1].reason, "Card code already in use (00000001: line 2)");
   EXPECT_EQ(query("select count(*) from Cardholders") + observer.last, "1");
 
-  EXPECT_EQ(import("Ben,1,Staff,\nCas,2,guests,1\n").cards, 2U);
+  EXPECT_EQ(import("Ben,1,Staff,\nCas,2,guests,1\n").changes.added(), 2U);
   EXPECT_EQ(observer.last, "2/2");
   EXPECT_EQ(query("select CardNum from Cardholders where Name = 'Ben' and ValidatedFlagD = True"), "2");
+
+  forgetMarks();
+  db().execute("update Cardholders set CardCode = 'b', Credit = 150 where Name = 'Cas'");  // not by a command
+  CardImport same = readCardTable(*library, exportCards(*library, true).text, {.update = true});
+  EXPECT_TRUE(same.changes.empty() && same.badLines.empty()) << "an export changes nothing";
+  EXPECT_EQ(same.unchanged, 3U);
+  const std::string swapped = "number;name;until\r\n1;Ben;31/12/2027\r\n2;Cas;\r\n";
+  const CardImport bad2 = readCardTable(*library, "name;number\nBen;12\n", {.update = true});
+  ASSERT_EQ(bad2.badLines.size(), 1U) << "card 2 has the name, and is not in the table";
+  CardImport update = readCardTable(*library, swapped, {.update = true});
+  ASSERT_TRUE(update.badLines.empty());
+  std::string told;
+  for (const CardDifference& one : update.changes.differences()) told += one.column + ":" + one.after + " ";
+  EXPECT_EQ(told, "name:Ben until:31/12/2027 name:Cas ");
+  driver.calls.clear();
+  update.changes.carryOut();
+  EXPECT_EQ(query("select Name from Cardholders where CardNum = 1") + driver.sent(), "Ben")
+      << "nothing is erased";
+  const CardOwners owners(*library);
+  EXPECT_EQ(owners.idsNamed("ben").size(), 2U);
+}
+
+TEST_F(CardWorkTest, ALostCardOpensNothingWhereverItCanBeReached) {
+  (void)carryOut(*library, {});
+  const auto holds = [&](std::int16_t address) {
+    return !library->ledger().holdings({1, address}).card(12).part(CardField::code).is("");
+  };
+  ASSERT_TRUE(holds(1) && holds(5));
+  testLine(frontSilent);
+  ToldCard card = blockCard(*library, "Ann", {});
+  EXPECT_EQ(card.left, std::vector<std::string>{"Local Controller 1  -  Front: does not answer"});
+  EXPECT_TRUE(holds(1) && !holds(5));
+  EXPECT_EQ(query("select Validated from Cardholders where CardNum = 12"), "False");
+  EXPECT_THROW((void)replaceCard(*library, "12", {.number = "13", .code = "4712"}, {}), Refusal);
+  EXPECT_EQ(query("select CardCode from Cardholders where CardNum = 12"), "00004711");
+  card = replaceCard(*library, "12", {.code = "4712"}, {});
+  EXPECT_EQ(card.left.size(), 1U);
+  EXPECT_EQ(library->ledger().holdings({1, 5}).card(12).part(CardField::code).last(), "00004712");
+  testLine(bothAnswer);
+  EXPECT_TRUE(carryOut(*library, {}).isComplete());
+  EXPECT_EQ(library->ledger().holdings({1, 1}).card(12).part(CardField::code).last(), "00004712");
+  EXPECT_TRUE(blockCard(*library, "Ann", {}).left.empty());
+  EXPECT_TRUE(!holds(1) && !holds(5));
+  driver.calls.clear();
+  EXPECT_TRUE(carryOut(*library, {}).isComplete());
+  EXPECT_EQ(driver.sent(), "") << "a blocked card does not come back";
+  EXPECT_TRUE(unblockCard(*library, "Ann", {}).left.empty());
+  EXPECT_TRUE(holds(1) && holds(5));
+}
+
+TEST_F(CardWorkTest, ADeletedCardComesBackOrGoesForGood) {
+  (void)carryOut(*library, {});
+  const std::int32_t ann = db().openRecordset("select Id from Cardholders")->get("Id").toInt32();
+  EXPECT_THROW((void)requirePurgeable(*library, "Ann"), Refusal) << "it is not deleted";
+  testLine(frontSilent);
+  passOver(*library, silentControllers(*library, {}));
+  ASSERT_TRUE(deleteCard(*library, 12).erased);
+  EXPECT_THROW((void)requirePurgeable(*library, "Ann"), Refusal) << "one controller has it";
+  testLine(bothAnswer);
+  EXPECT_EQ(restoreCard(*library, "12", {}), 12);
+  (void)carryOut(*library, {});
+  ASSERT_TRUE(deleteCard(*library, 12).erased);
+  clock.wait(60);
+  addCard(*library, {"Bob", "12", "99", "Staff"});
+  EXPECT_THROW((void)restoreCard(*library, "Ann", {}), Refusal) << "Bob has the number";
+  db().execute("update Cardholders set AccessGroupId = 0 where Deleted = True");
+  EXPECT_THROW((void)restoreCard(*library, "Ann", {"14"}), Refusal) << "the group may be gone";
+  const Purge purge = requirePurgeable(*library, "Ann");
+  purgeCard(*library, purge);
+  EXPECT_EQ(addCard(*library, {"Ann", {}, "4711", "Guests"}), 1);
+  const CardOwners owners(*library);
+  const DateTime now = clock.now();
+  EXPECT_EQ(owners.ownerAt(12, DateTime{now.days - 1}), ann);
+  EXPECT_NE(owners.ownerAt(12, DateTime{now.days + 1}), ann);
+  EXPECT_EQ(owners.idsNamed("ANN").size(), 2U);
+}
+
+TEST_F(CardWorkTest, ManyCardsChangeTogetherAndAreErasedTogether) {
+  addCard(*library, {"Ben", "20", "20", "Staff", {}, "24/12/2026"});
+  addCard(*library, {"Cas", "21", "21", "Guests", {}, "23/12/2026"});
+  const auto count = [&](const std::vector<std::string>& conditions) {
+    return listCards(*library, cardFilterOf(conditions)).size();
+  };
+  EXPECT_EQ(count({"door=front"}), 2U);
+  EXPECT_EQ(count({"expired"}), 1U);
+  EXPECT_EQ(count({"expires-before=2027-01-01"}), 1U) << "one that is over does not expire";
+  EXPECT_EQ(count({"never-used", "name=AN"}), 1U);
+  EXPECT_THROW((void)cardFilterOf({"colour=red"}), Refusal);
+  driver.calls.clear();
+  CardChanges changes = changesOf(*library, {.group = "Staff"}, {.group = "Guests"});
+  EXPECT_EQ(changes.changed(), 2U);
+  changes.carryOut();
+  EXPECT_EQ(driver.count(CmSendCommand), 1U) << "Front forgets both at once";
+  EXPECT_EQ(count({"group=Guests"}), 3U);
+}
+
+TEST_F(CardWorkTest, NamesOfAnyScriptAreRefusedOrWrittenInLatinLetters) {
+  try {
+    addCard(*library, {"Łódź", {}, "77", "Staff"});
+    FAIL();
+  } catch (const Refusal& refusal) {
+    EXPECT_NE(std::string(refusal.what()).find("'Ł' (U+0141), 'ź' (U+017A) cannot be stored"),
+              std::string::npos)
+        << refusal.what();
+  }
+  if (!inLatinLetters("Ł")) GTEST_SKIP() << "this computer has no ICU";
+  const std::int16_t number =
+      addCard(*library,
+              {.name = "Łódź Иван é", .code = "77", .group = "Staff", .remark = "Б", .transliterate = true});
+  EXPECT_EQ(query("select Name from Cardholders where CardNum = " + std::to_string(number)),
+            "Lódz Ivan é (B)");
 }
 
 }  // namespace
