@@ -56,7 +56,8 @@ void addReportCommand(Command& app, Session& session) {
                      "From this day or minute on, as in 'voxa journal': monday, -7d; without it 30 days");
   report->add_option("--until", options->question.until,
                      "Up to this day or minute, it included; without it up to today");
-  report->add_option("--door", options->question.door, "Only what happened at this reader");
+  report->add_option("--door,--reader", options->question.door,
+                     "Only what happened at this reader, under the names it had, too");
   report->add_option("--group", options->question.group, "Only cards that are in this access group now");
   report->add_flag("--people", options->question.people,
                    "With names of people, and when a door let each in first and last on each day");

@@ -137,6 +137,10 @@ For a spreadsheet or another program:
 
   voxa journal --since 2026-12-01 --csv
   voxa journal --since 2026-12-01 --json
+
+To look at, or to print:
+
+  voxa report december.html --since 2026-12-01
 )"},
       {"scripts", "Calling voxa from programs: exit status, JSON, questions",
        R"(The exit status is the same in all commands:

@@ -52,8 +52,8 @@ TEST_F(ReportTest, CountsThirtyDaysUpToTodayByDayHourAndDoor) {
   EXPECT_LT(all.people[1].first.days, all.people[1].last.days);
   ASSERT_EQ(all.cards.size(), 1U);
   EXPECT_FALSE(all.cards[0].expired);
-  EXPECT_EQ(csvOf(all)[0].text.substr(0, 89),
-            "Day,Presentations,Granted,RefusedByTime,RefusedByRights,UnknownCard\r\n2026-11-25,1,1,0,0,");
+  EXPECT_TRUE(csvOf(all)[0].text.starts_with(
+      "Day,Presentations,Granted,RefusedByTime,RefusedByRights,UnknownCard\r\n2026-11-25,1,1,0,0,0\r\n"));
 }
 
 TEST_F(ReportTest, TellsOfOneDoorGroupAndTimeAndRefusesWhatItCannotRead) {
