@@ -424,6 +424,13 @@ refuses "Can't find reader" journal --reader Barier
 succeeds journal --person "zoë o'quill" --since=-9999d --until -1d --last 1
 succeeds journal --person "zoë o'quill" --last 1
 [ "$(cat out)" = "25/12/2026 18:08  Zoë O'Quill, Barrier, granted" ] || fail "the last thing that a person did"
+# The report is written where the person is, and over no file unless told.
+succeeds report month.html --since 2026-12-24 --until 2026-12-24 --door barrier --csv figures
+shows "on 24 December 2026"
+head -n 1 "figures/doors.csv" | grep -q "^Door,Presentations" || fail "the figures of the report"
+refuses "--force replaces it" report month.html
+refuses "--force replaces it" report other.html --csv figures
+
 # Old transactions leave the journal and come back; the archive has nothing that is in neither.
 refuses "needs --yes" journal delete --before 25/12/2026
 succeeds journal verify
