@@ -2,28 +2,15 @@
 
 #include <CLI/CLI.hpp>
 
-#include "commands/commands.h"
 #include "commands/session.h"
+#include "help/program.h"
+#include "help/typed_words.h"
 #include "output/command_line.h"
 #include "output/terminal_filter.h"
 #include "platform/ui/console_prompts.h"
 #include "work/refusal.h"
 
 namespace {
-
-void addGlobalOptions(CLI::App& app, voxa::cli::Settings& settings) {
-  app.add_option("--dir", settings.opening.folder, "Folder of the installation")->capture_default_str();
-  app.add_flag("--yes", settings.yes, "Answer questions with Yes, and go on without silent controllers");
-  app.add_option("--answer", settings.answers, "Answer boxes that have this button with it")
-      ->allow_extra_args(false)
-      ->check(CLI::IsMember({"abort", "retry", "ignore", "yes", "no", "cancel"}, CLI::ignore_case));
-  app.add_flag("--inhibit", settings.opening.inhibit, "Call no driver, as if every send succeeded");
-  app.add_flag_callback(
-      "--no-log", [&settings] { settings.opening.log = false; }, "Write no communication log (COM.LOG)");
-  app.add_flag("--trust-group", settings.opening.trustGroup,
-               "Also work in a folder that its group can write");
-  app.add_flag("--four-zones", settings.opening.fourZones, "The controllers work with four intervals a day");
-}
 
 /// The command as it was called, "voxa station add".
 std::string calledCommand(const CLI::App& app) {
@@ -43,30 +30,36 @@ enum Status : int {
   left = 3  ///< done, with something left that needs a person
 };
 
-/// The deepest command that was named.
-const CLI::App& deepest(const CLI::App& app) {
-  const CLI::App* command = &app;
-  while (!command->get_subcommands().empty()) command = command->get_subcommands().front();
-  return *command;
-}
-
-/// Tells what is wrong with the command line; the commands there are, when none of them was named.
-int explainUsage(const CLI::App& app, const CLI::ParseError& problem) {
-  if (app.exit(problem) == 0) return done;
-  const CLI::App& at = deepest(app);
-  const auto known = at.get_subcommands([](const CLI::App* /*command*/) { return true; });
-  if (known.empty()) return misused;
-  std::cerr << "Commands of " << calledCommand(app) << ":";
-  for (const CLI::App* command : known) std::cerr << ' ' << command->get_name();
-  std::cerr << '\n';
+/// Tells what is wrong with the command line, what may have been meant, and the commands there are when none
+/// of them was named.
+int explainUsage(const CLI::App& app, const voxa::cli::Command& program, const CLI::ParseError& problem,
+                 const std::vector<std::string>& words) {
+  if (problem.get_exit_code() == 0) return app.exit(problem) == 0 ? done : misused;
+  const voxa::cli::TypedWords typed = voxa::cli::readWords(program, words);
+  const std::string called = voxa::cli::calledAs(*typed.command);
+  if (typed.unknown.empty()) {
+    std::cerr << called << ": " << problem.what() << '\n';
+  } else {
+    std::cerr << called << ": there is no " << (typed.unknown.front().starts_with("-") ? "option" : "command")
+              << " '" << typed.unknown.front() << "'" << voxa::cli::meant(program, words) << '\n';
+  }
+  const auto known = typed.command->subcommands();
+  if (!known.empty()) {
+    std::cerr << "Commands of " << called << ":";
+    for (const voxa::cli::Command* command : known) std::cerr << ' ' << command->name();
+    std::cerr << '\n';
+  }
+  std::cerr << "'" << called << " --help' tells what it takes"
+            << (known.empty() ? "" : ", 'voxa help' how to do things") << '\n';
   return misused;
 }
 
-int run(CLI::App& app, voxa::cli::Session& session, int argc, char** argv) {
+int run(CLI::App& app, const voxa::cli::Command& program, voxa::cli::Session& session, int argc,
+        char** argv) {
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& problem) {
-    return explainUsage(app, problem);
+    return explainUsage(app, program, problem, {argv + 1, argv + argc});
   } catch (const voxa::Leftover&) {
     session.explainFailure(calledCommand(app));
     return left;
@@ -91,33 +84,9 @@ int main(int argc, char** argv) {
     app.fallthrough();
     app.footer(
         "Exit status: 0 done, 1 failed, 2 wrong usage, 3 done, with something left that needs a person.");
-    addGlobalOptions(app, session.settings);
-    voxa::cli::Command commands(app);
-    voxa::cli::addInitCommand(commands, session);
-    voxa::cli::addStationCommands(commands, session);
-    voxa::cli::addReaderCommands(commands, session);
-    voxa::cli::addDailyCommands(commands, session);
-    voxa::cli::addWeeklyCommands(commands, session);
-    voxa::cli::addHolidayCommands(commands, session);
-    voxa::cli::addBadgeCommands(commands, session);
-    voxa::cli::addGroupCommands(commands, session);
-    voxa::cli::addCardCommands(commands, session);
-    voxa::cli::addAccessCommands(commands, session);
-    voxa::cli::addLiftCommands(commands, session);
-    voxa::cli::addAlarmCommands(commands, session);
-    voxa::cli::addImportCommands(commands, session);
-    voxa::cli::addStatusCommand(commands, session);
-    voxa::cli::addControllerCommands(commands, session);
-    voxa::cli::addClockCommand(commands, session);
-    voxa::cli::addPlanCommand(commands, session);
-    voxa::cli::addDownloadCommands(commands, session);
-    voxa::cli::addReadCommand(commands, session);
-    voxa::cli::addJournalCommand(commands, session);
-    voxa::cli::addSendCommands(commands, session);
-    voxa::cli::addDatabaseCommands(commands, session);
-    voxa::cli::addSimulatorCommands(commands, session);
-    voxa::cli::addDemoCommand(commands, session);
-    const int status = run(app, session, argc, argv);
+    voxa::cli::Command program(app);
+    addProgram(program, session, {argv + 1, argv + argc});
+    const int status = run(app, program, session, argc, argv);
     std::cout.flush();
     if (std::cout || !voxa::ConsolePrompts::hasOutput()) return status;
     std::cerr << "voxa: the output cannot be written\n";

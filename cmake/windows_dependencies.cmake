@@ -11,7 +11,7 @@ target_compile_definitions(sqlite3 PRIVATE SQLITE_DQS=0 SQLITE_OMIT_LOAD_EXTENSI
 target_compile_options(sqlite3 PRIVATE -O2 -w)
 add_library(SQLite::SQLite3 ALIAS sqlite3)
 
-foreach(library CLI11::CLI11 nlohmann_json::nlohmann_json)
+foreach(library CLI11::CLI11 nlohmann_json::nlohmann_json kainjow::mustache)
   add_library(${library} INTERFACE IMPORTED)
   target_include_directories(${library} SYSTEM INTERFACE ${dependencies}/include)
 endforeach()

@@ -24,12 +24,13 @@ ensure_packages() {
 }
 
 build_packages=(cmake ninja-build g++ libc6-dev libsqlite3-dev libcli11-dev nlohmann-json3-dev
-  pkg-config mdbtools-dev)
-test_packages=("${build_packages[@]}" mdbtools libicu-dev libgtest-dev clang-14 libclang-rt-14-dev clang-format-14)
+  libkainjow-mustache-dev libicu-dev pkg-config mdbtools-dev)
+test_packages=("${build_packages[@]}" mdbtools libgtest-dev clang-14 libclang-rt-14-dev clang-format-14)
 tidy_packages=("${test_packages[@]}" clang-tidy-14 libbenchmark-dev)
 windows_packages=(cmake ninja-build g++-mingw-w64-i686-posix g++-mingw-w64-x86-64-posix mingw-w64-tools libwine-dev libwine
-  libcli11-dev nlohmann-json3-dev)
+  libcli11-dev nlohmann-json3-dev libkainjow-mustache-dev)
 automation_packages=(mmdebstrap)
+report_packages=(chromium chromium-driver python3-selenium poppler-utils fonts-liberation npm)
 bench_packages=("${build_packages[@]}" libbenchmark-dev mdbtools sqlite3)
 
 # Nobody needs what the tests write when they have ended. In memory no disk is waited for. That needs a gigabyte of

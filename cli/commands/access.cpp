@@ -7,6 +7,7 @@
 #include "output/table_output.h"
 #include "platform/clock.h"
 #include "platform/datetime.h"
+#include "platform/text.h"
 #include "session.h"
 #include "work/access_questions.h"
 #include "work/words.h"
@@ -28,6 +29,15 @@ Value orNone(const std::string& text) {
   return text.empty() ? Value() : Value(text);
 }
 
+/// "08:00-12:00 13:00-18:00": for programs each by itself, null when it did not come to that.
+Cell hoursOf(const std::string& hours) {
+  if (hours.empty()) return {};
+  std::vector<std::string> intervals;
+  std::string_view rest = hours;
+  while (!rest.empty() && hours != "none") intervals.emplace_back(takeUntil(rest, ' '));
+  return intervals;
+}
+
 /// For a person the first columns, which say it all in words.
 void print(const std::vector<AccessAnswer>& answers, bool json) {
   constexpr std::size_t shown = 6;
@@ -47,11 +57,11 @@ void print(const std::vector<AccessAnswer>& answers, bool json) {
         knownText(answer),
         answer.controllerName,
         answer.lineInUse,
-        answer.at,
+        Cell::moment(answer.at),
         answer.otherSide,
         orNone(answer.weeklyProgram),
         orNone(answer.dailyProgram),
-        orNone(answer.hours),
+        hoursOf(answer.hours),
         orNone(answer.holiday),
         answer.credit == 0 ? Value() : Value(answer.credit),
         answer.personalCode,
@@ -105,13 +115,15 @@ void addAccessCommands(Command& app, Session& session) {
   };
   add("who", "List the cards that open a door, then or at other hours",
       "Cards that are not to open it are listed when the controller still opens to them.\n"
-      "Example:\n  voxa access who \"Front door\" --at \"24/12/2026 18:05\"",
+      "Examples:\n  voxa access who \"Front door\"\n  voxa access who \"Front door\" --at \"24/12/2026 "
+      "18:05\"",
       who);
   add("what", "List the doors of a card's access group, and which of them it opens",
-      "Example:\n  voxa access what \"Ann Lee\"", what);
+      "Examples:\n  voxa access what \"Ann Lee\"\n  voxa access what 12 --at 2026-12-25 --json", what);
   add("check", "Tell whether a card opens a door, and why",
       "Exits with 0 when it opens and the controller is known to hold all that decides, else with 3.\n"
-      "Example:\n  voxa access check 12 \"Front door\" --at \"24/12/2026 18:05\"",
+      "Examples:\n  voxa access check \"Ann Lee\" \"Front door\"\n  voxa access check 12 \"Front door\" --at "
+      "\"24/12/2026 18:05\"",
       check);
 }
 

@@ -97,8 +97,7 @@ void addBadgeCommands(Command& app, Session& session) {
       "--site 1A2F\n  voxa badge add \"Own cards\" --system --techno 5 --card-position 6");
   add->callback([&session, added] { addFormat(session, *added); });
 
-  addListCommand(*group, session, "list", "List the badge formats",
-                 "voxa badge list\n  voxa badge list --json", listFormats);
+  addListCommand(*group, session, "list", "List the badge formats", "voxa badge list", listFormats);
   addShowCommand(*group, session, "FORMAT", "badge format",
                  "Examples:\n  voxa badge show \"Site cards\"\n  voxa badge show 0 --json",
                  [&session](const std::string& name, bool json) {

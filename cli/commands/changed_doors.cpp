@@ -10,7 +10,7 @@ namespace voxa::cli {
 void showChangedDoors(Session& session, const ChangedDoors& changed) {
   for (const std::string& text : changed.beside) std::cerr << "Mind: " << text << '\n';
   if (changed.newController) {
-    std::cout << "Its controller is new there: 'voxa download' sends it what it misses\n";
+    std::cout << "A controller is new there: 'voxa download' sends it what it misses\n";
   }
   if (changed.erased) {
     std::cout << "Cards were erased where they lost something: 'voxa download' gives back what they keep\n";

@@ -28,7 +28,7 @@ void addClockCommand(Command& app, Session& session) {
   auto* clock = app.add_subcommand("clock", "Set the controllers' clocks to that of this computer");
   auto choice = std::make_shared<ComponentChoice>();
   addComponentOptions(*clock, *choice);
-  clock->footer("Example:\n  voxa clock --station Local");
+  clock->footer("Examples:\n  voxa clock\n  voxa clock --station Local");
   clock->callback([&session, choice] { setAll(session, *choice); });
 }
 

@@ -27,6 +27,7 @@ void addClockCommand(Command& app, Session& session);
 void addDownloadCommands(Command& app, Session& session);
 void addReadCommand(Command& app, Session& session);
 void addJournalCommand(Command& app, Session& session);
+void addReportCommand(Command& app, Session& session);
 void addSendCommands(Command& app, Session& session);
 void addDatabaseCommands(Command& app, Session& session);
 void addSimulatorCommands(Command& app, Session& session);

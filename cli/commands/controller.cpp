@@ -71,7 +71,7 @@ void addControllerCommands(Command& app, Session& session) {
       *group, session, "list",
       "List the controllers: who answers, minutes that the clock is off, cards that are held, what is "
       "missing or in doubt",
-      "voxa controller list --json", listControllers);
+      "voxa controller list", listControllers);
 
   auto* replaced = group->add_subcommand("replaced", "Say that another controller was put in a place");
   auto options = std::make_shared<ReplacedOptions>();
@@ -82,7 +82,8 @@ void addControllerCommands(Command& app, Session& session) {
       "It was at work elsewhere, and may hold any cards: all that it is not to have are erased");
   replaced->footer(
       "Nothing is sent: 'voxa plan' tells what it needs, 'voxa download' sends it.\n"
-      "Example:\n  voxa controller replaced --station Local --address 3");
+      "Examples:\n  voxa controller replaced --station Local --address 3\n"
+      "  voxa controller replaced --station Annex --address 1 --used");
   replaced->callback([&session, options] {
     session.openForSending();
     noteReplaced(session.library(), options->station, options->address, options->used);
@@ -90,7 +91,7 @@ void addControllerCommands(Command& app, Session& session) {
   });
 
   auto* check = group->add_subcommand("check", "Look for controllers that were replaced or lost their power");
-  check->footer("Example:\n  voxa controller check");
+  check->footer("Examples:\n  voxa controller check\n  voxa --dir plant controller check");
   check->callback([&session] { checkThem(session); });
 }
 

@@ -92,7 +92,7 @@ void addExportDatabaseCommands(Command& group, Session& session) {
   script->add_option("--file", scriptOptions->file, "A database file instead of the main database");
   script->footer(
       "'voxa db convert' makes a database of them again. The personal codes are in the file.\n"
-      "Example:\n  voxa export sql plant.sql");
+      "Examples:\n  voxa export sql plant.sql\n  voxa --dir plant export sql plant.sql");
   script->callback([&session, scriptOptions] { exportScript(session, *scriptOptions); });
 
   auto* csv = group.add_subcommand("csv", "Write each table of the main database for spreadsheets");
@@ -100,7 +100,7 @@ void addExportDatabaseCommands(Command& group, Session& session) {
   csv->add_option("FOLDER", csvOptions->to, "A new folder")->required();
   csv->add_option("--file", csvOptions->file, "A database file instead of the main database");
   csv->add_flag("--show-pins", csvOptions->showPins, "With the personal codes, which are masked otherwise");
-  csv->footer("Example:\n  voxa export csv tables");
+  csv->footer("Examples:\n  voxa export csv tables\n  voxa export csv tables --show-pins");
   csv->callback([&session, csvOptions] { exportCsv(session, *csvOptions); });
 }
 

@@ -93,8 +93,7 @@ void addDailyCommands(Command& app, Session& session) {
       "  voxa daily add \"Cleaning hours\" --first 18:00-22:30");
   add->callback([&session, added] { addDaily(session, *added); });
 
-  addListCommand(*group, session, "list", "List the daily programs",
-                 "voxa daily list\n  voxa daily list --json", listDaily);
+  addListCommand(*group, session, "list", "List the daily programs", "voxa daily list", listDaily);
   addShowCommand(*group, session, "PROGRAM", "daily program",
                  "Examples:\n  voxa daily show Office\n  voxa daily show 2 --json",
                  [&session](const std::string& name, bool json) { showDaily(session, name, json); });

@@ -78,7 +78,7 @@ void addDatabaseCommands(Command& app, Session& session) {
   auto target = std::make_shared<FileOptions>();
   saving->add_option("FILE", target->file, "File of the copy")->required();
   saving->add_flag("--force", target->force, "Replace the file when it exists");
-  saving->footer("Example:\n  voxa db save backup.mdb");
+  saving->footer("Examples:\n  voxa db save backup.mdb\n  voxa db save backup.mdb --force");
   saving->callback([&session, target] { save(session, *target); });
 
   auto* restoring = group->add_subcommand("restore", "Put a copy in place of the main database");
@@ -89,7 +89,7 @@ void addDatabaseCommands(Command& app, Session& session) {
   restoring->add_flag("--force", source->force, "Replace that file when it exists")->needs(saveFirst);
   restoring->footer(
       "It asks before it replaces the database; without a terminal it needs --yes.\n"
-      "Example:\n  voxa db restore backup.mdb --save-first present.mdb");
+      "Examples:\n  voxa db restore backup.mdb --save-first present.mdb\n  voxa --yes db restore backup.mdb");
   restoring->callback([&session, source] { restore(session, *source); });
 
   addQueryCommand(*group, session);

@@ -179,7 +179,9 @@ void addPlanDownload(Command& command, Session& session, const std::function<boo
   command.footer(
       "Sends each controller what it misses ('voxa plan'), and tells what is still missing. One that does "
       "not "
-      "answer\nor is not in use gets it with the next download.\nExample:\n  voxa download --station Local");
+      "answer\nor is not in use gets it with the next download.\nExamples:\n  voxa download\n  voxa download "
+      "--station "
+      "Local");
   command.callback([&session, options, isMeant] {
     if (isMeant()) downloadPlan(session, *options);
   });
@@ -199,8 +201,8 @@ void addDownloadCommands(Command& app, Session& session) {
     command->footer(
         "A program or holiday counts as sent once one component has taken it, a card when all its "
         "controllers\n"
-        "have; groups and deleted cards go to all controllers only.\nExample:\n  voxa download " +
-        name + (toAll ? " --full" : " --station Local --full"));
+        "have; groups and deleted cards go to all controllers only.\nExamples:\n  voxa download " +
+        name + "\n  voxa download " + name + (toAll ? " --full" : " --station Local --full"));
     command->callback(
         [&session, options, kinds = std::move(kinds)] { downloadTables(session, kinds, *options); });
   };
@@ -219,7 +221,8 @@ void addDownloadCommands(Command& app, Session& session) {
   badge->add_flag("--full", options->full, "Also when it was not changed");
   badge->footer(
       "A VRMD1 is told the format of each of its readers, another controller one format for all.\n"
-      "Example:\n  voxa download badge \"Site cards\" --reader Garage");
+      "Examples:\n  voxa download badge \"Site cards\"\n"
+      "  voxa download badge \"Site cards\" --reader Garage");
   badge->callback([&session, options] { downloadFormat(session, *options); });
 }
 

@@ -13,13 +13,18 @@ std::string clockText(int minutes) {
 
 }  // namespace
 
+std::vector<std::string> intervalTexts(const site::DailyProgram& program) {
+  std::vector<std::string> texts;
+  for (const site::Interval& interval : program.intervals) {
+    if (interval.start < interval.end)
+      texts.push_back(clockText(interval.start) + "-" + clockText(interval.end));
+  }
+  return texts;
+}
+
 std::string intervalsText(const site::DailyProgram& program) {
   std::string text;
-  for (const site::Interval& interval : program.intervals) {
-    if (interval.start >= interval.end) continue;
-    if (!text.empty()) text += ' ';
-    text += clockText(interval.start) + "-" + clockText(interval.end);
-  }
+  for (const std::string& interval : intervalTexts(program)) text += (text.empty() ? "" : " ") + interval;
   return text.empty() ? "none" : text;
 }
 

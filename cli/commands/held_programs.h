@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 namespace site {
 struct DailyProgram;
@@ -12,7 +13,9 @@ namespace voxa::cli {
 
 // What a simulated controller holds, as a person reads it.
 
-/// "08:00-12:00 13:00-17:00", the end of the day as 24:00, without the empty intervals; "none" without any.
+/// "08:00-12:00" and so on, the end of the day as 24:00, without the empty intervals.
+[[nodiscard]] std::vector<std::string> intervalTexts(const site::DailyProgram& program);
+/// "08:00-12:00 13:00-17:00"; "none" without any.
 [[nodiscard]] std::string intervalsText(const site::DailyProgram& program);
 /// "2 2 2 2 2 0 0, holidays 0", Monday first.
 [[nodiscard]] std::string daysText(const site::WeeklyProgram& program);

@@ -182,7 +182,8 @@ void addImportCommands(Command& app, Session& session) {
   exporting->add_option("FILE", options->path, "File of the table; standard output without one");
   exporting->add_flag("--show-pins", options->showPins, "With the personal codes");
   exporting->add_flag("--force", options->force, "Replace the file when it exists");
-  exporting->footer("Example:\n  voxa export cards staff.csv");
+  exporting->footer(
+      "Examples:\n  voxa export cards staff.csv\n  voxa export cards staff.csv --force --show-pins");
   exporting->callback([&session, options] { exportTable(session, *options); });
   addExportDatabaseCommands(*writing, session);
 }

@@ -35,10 +35,10 @@ struct JournalOptions {
 
 volatile std::sig_atomic_t interrupted = 0;
 
-/// The second time ends the program at once.
+/// Some send the signal to the program and to its group: the third one ends the program at once.
 void interrupt(int signal) {
-  interrupted = 1;
-  (void)std::signal(signal, SIG_DFL);
+  interrupted = interrupted + 1;
+  (void)std::signal(signal, interrupted > 1 ? SIG_DFL : interrupt);
 }
 
 /// Waits between two rounds; a second at a time, so that a key that ends it is soon obeyed.
@@ -74,15 +74,15 @@ void showJournal(Session& session, JournalOptions& options) {
 }
 
 void addFilterOptions(Command& journal, JournalFilter& filter, bool& unknown) {
-  journal.add_option("--since", filter.since,
-                     "From this on: 24/12/2026, \"24/12/2026 18:05\", today, yesterday, monday to sunday (the "
-                     "last one, or today), -7d, -2w (from that day on), -12h, -30m");
+  journal.add_option(
+      "--since", filter.since,
+      "From this on: 24/12/2026, \"24/12/2026 18:05\", today, yesterday, monday to sunday (the "
+      "last one, or today), -7d, -2w (from that day on), -12h, -30m");
   journal.add_option("--until", filter.until, "Up to this day or minute, it included; the same forms");
   journal.add_option("--last", filter.last, "Only so many, the newest by their date");
   journal.add_option("--person", filter.person,
                      "Only of this person, by name or card number, under all names and numbers he had");
-  journal.add_option("--card", filter.card,
-                     "Only of the card of this number, holder's name or unknown code");
+  journal.add_option("--card", filter.card, "Only of the card of this number, holder's name or unknown code");
   journal.add_option("--door,--reader", filter.reader, "Only at this reader, under the names it had, too");
   journal.add_option("--station", filter.station, "Only of this station's readers");
   auto* type = journal.add_option(
@@ -98,8 +98,8 @@ void addJournalCommand(Command& app, Session& session) {
   auto* journal = app.add_subcommand("journal", "Show what happened at the doors, the oldest first");
   auto options = std::make_shared<JournalOptions>();
   addFilterOptions(*journal, options->filter, options->unknown);
-  auto* following = journal->add_flag("--follow", options->follow,
-                                      "Read the controllers every so often, and show what comes, until Ctrl-C");
+  auto* following = journal->add_flag(
+      "--follow", options->follow, "Read the controllers every so often, and show what comes, until Ctrl-C");
   journal->add_option("--every", options->every, "Seconds between two reads of --follow")
       ->capture_default_str()
       ->needs(following);

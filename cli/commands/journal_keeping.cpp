@@ -68,14 +68,16 @@ void restore(Session& session, const std::string& file) {
   session.openForSending();
   const std::string path = session.callersFile(file);
   openSavedJournal(session.library(), path)->close();
-  requireConsent(session, "The transactions of " + file + " that the journal does not have will be added to it.",
+  requireConsent(session,
+                 "The transactions of " + file + " that the journal does not have will be added to it.",
                  "nothing was added");
   JournalRestoring done;
   {
     Progress progress;
     done = restoreJournal(session.library(), path, progress);
   }
-  std::cout << rowsText(done.added) << " of " << done.rows << " added; the others are in the journal already\n";
+  std::cout << rowsText(done.added) << " of " << done.rows
+            << " added; the others are in the journal already\n";
 }
 
 void deleteBefore(Session& session, const std::string& before) {
@@ -157,9 +159,11 @@ void addJournalKeeping(Command& journal, Session& session) {
   deleting->add_option("--before", *before, "Those before this day or minute, in the forms of --since")
       ->required();
   deleting->footer(
-      "They are saved in the folder Backup first, in a journal of their own, which it names. It asks; without "
+      "They are saved in the folder Backup first, in a journal of their own, which it names. It asks; "
+      "without "
       "a terminal\nit needs --yes. The file Journal.MDB does not become smaller: new transactions take the "
-      "place.\nExamples:\n  voxa journal delete --before 01/01/2026\n  voxa --yes journal delete --before=-104w");
+      "place.\nExamples:\n  voxa journal delete --before 01/01/2026\n  voxa --yes journal delete "
+      "--before=-104w");
   deleting->callback([&session, before] { deleteBefore(session, *before); });
 
   auto also = std::make_shared<std::string>();

@@ -16,8 +16,8 @@ const std::vector<std::string> columns = {"Date",    "Station",    "Reader", "Ty
 
 std::vector<Cell> cellsOf(const JournalRow& row, JournalForm form) {
   const auto name = [](const std::string& text) { return text.empty() ? Value() : Value(text); };
-  const Cell date = form == JournalForm::csv ? Cell(formatDateTime(row.date, "dd/mm/yyyy hh:nn"))
-                                             : Cell::moment(row.date);
+  const Cell date =
+      form == JournalForm::csv ? Cell(formatDateTime(row.date, "dd/mm/yyyy hh:nn")) : Cell::moment(row.date);
   return {date,
           name(row.station),
           name(row.reader),
@@ -47,8 +47,10 @@ std::string who(const JournalRow& row) {
 std::string sentenceOf(const JournalRow& row) {
   std::string text = formatDateTime(row.date, "dd/mm/yyyy hh:nn") + "  ";
   if (const std::string name = who(row); !name.empty()) text += inLine(name) + ", ";
-  text += row.reader.empty() ? "a reader of " + inLine(row.station) + " that has no name" : inLine(row.reader);
-  if (row.meaning == TransactionMeaning::other) return text + ", event " + row.type + " (" + inLine(row.data) + ")";
+  text +=
+      row.reader.empty() ? "a reader of " + inLine(row.station) + " that has no name" : inLine(row.reader);
+  if (row.meaning == TransactionMeaning::other)
+    return text + ", event " + row.type + " (" + inLine(row.data) + ")";
   return text + ", " + (row.meaning == TransactionMeaning::unknownCard ? "refused" : textOf(row.meaning));
 }
 

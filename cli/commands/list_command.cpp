@@ -10,7 +10,8 @@ void addListCommand(Command& group, Session& session, const std::string& name, c
   auto* list = group.add_subcommand(name, help);
   auto json = std::make_shared<bool>(false);
   list->add_flag("--json", *json, "As a JSON array");
-  list->footer("Example:\n  " + example);
+  const bool hasJson = example.find("--json") != std::string::npos;
+  list->footer("Examples:\n  " + example + (hasJson ? "" : "\n  " + example + " --json"));
   list->callback([&session, json, print] { print(session, *json); });
 }
 

@@ -73,7 +73,7 @@ void addPlanCommand(Command& app, Session& session) {
   command->footer(
       "Nothing is sent: 'voxa download' carries the plan out. A controller that is not in use is named, "
       "too.\n"
-      "Example:\n  voxa plan --station Local");
+      "Examples:\n  voxa plan\n  voxa plan --reader \"Front door\" --json");
   command->callback([&session, options] {
     session.open();
     const auto places = placesOf(session.library(), options->component.station, options->component.reader);

@@ -87,7 +87,7 @@ void addReadCommand(Command& app, Session& session) {
       ->excludes("--reader");
   command->footer(
       "Each controller is read on its own. Of all of them, those behind a telephone line are dialled, and "
-      "Log.txt says\nwhat happened.\nExample:\n  voxa read --station Annex");
+      "Log.txt says\nwhat happened.\nExamples:\n  voxa read --all\n  voxa read --station Annex");
   command->callback([&session, options] { read(session, *options); });
 }
 

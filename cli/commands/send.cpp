@@ -52,7 +52,9 @@ void addSendCommands(Command& app, Session& session) {
   auto choice = std::make_shared<ComponentChoice>();
   command->add_option("TEXT", *text, "The line")->required();
   addComponentOptions(*command, *choice);
-  command->footer("Example:\n  voxa command 31020800120013001700 --station Local");
+  command->footer(
+      "Examples:\n  voxa command 31020800120013001700 --station Local\n"
+      "  voxa command 31020800120013001700 --reader \"Front door\"");
   command->callback([&session, text, choice] { sendCommand(session, *text, *choice); });
 
   auto* log = app.add_subcommand("log", "Show the communication log");
@@ -60,7 +62,7 @@ void addSendCommands(Command& app, Session& session) {
   log->add_option("--tail", options->tail, "Only so many lines at its end");
   log->add_flag("--show-pins", options->showPins, "With the personal codes that were sent");
   log->add_flag("--json", options->json, "As a JSON array");
-  log->footer("Example:\n  voxa log --tail 20");
+  log->footer("Examples:\n  voxa log --tail 20\n  voxa log --json");
   log->callback([&session, options] { showLog(session, *options); });
 }
 

@@ -10,6 +10,7 @@
 #include "output/command_line.h"
 #include "output/hidden_pins.h"
 #include "output/table_output.h"
+#include "platform/datetime.h"
 #include "platform/text.h"
 #include "session.h"
 #include "sim_commands.h"
@@ -42,9 +43,9 @@ ControllerPlace placeOf(Session& session, const ControllerOptions& options) {
   return {findStation(session.library(), options.station).id, controllerAddress(options.address)};
 }
 
-std::string faultsText(const site::Faults& faults) {
-  std::string text;
-  const auto add = [&](const std::string& fault) { text += (text.empty() ? "" : ", ") + fault; };
+std::vector<std::string> faultTexts(const site::Faults& faults) {
+  std::vector<std::string> texts;
+  const auto add = [&](const std::string& fault) { texts.push_back(fault); };
   if (faults.silent) add("silent");
   if (faults.refuse) add("refuses with " + std::to_string(*faults.refuse));
   if (faults.goodCalls) add("silent after " + std::to_string(*faults.goodCalls) + " calls");
@@ -58,27 +59,37 @@ std::string faultsText(const site::Faults& faults) {
   if (faults.stopBehind) {
     add("stops behind line " + std::to_string(*faults.stopBehind) + " of a command file" + left);
   }
-  return text.empty() ? "none" : text;
+  return texts;
 }
 
 Value valueOf(std::optional<int> number) {
   return number ? Value(*number) : Value();
 }
 
-std::string doorsText(const site::Card& card) {
-  if (card.door1 && card.door2) return "1 2";
-  return card.door1 ? "1" : (card.door2 ? "2" : "none");
+Cell doorsOf(const site::Card& card) {
+  std::vector<std::int32_t> doors;
+  if (card.door1) doors.push_back(1);
+  if (card.door2) doors.push_back(2);
+  return {doors.empty() ? "none" : doors.size() == 2 ? "1 2" : std::to_string(doors.front()), doors};
 }
 
-std::string liftsText(const site::Card& card) {
-  std::string text;
-  for (const int output : card.lifts) text += (text.empty() ? "" : " ") + std::to_string(output);
-  return text;
+Value dayOf(const std::optional<site::Date>& date) {
+  return date ? Value(toDateTime({date->year, date->month, date->day, 0, 0, 0})) : Value();
 }
 
-std::string momentText(const site::Moment& at) {
-  return zeroPadded(at.date.day, 2) + "/" + zeroPadded(at.date.month, 2) + "/" + zeroPadded(at.date.year, 4) +
-         " " + zeroPadded(at.hour, 2) + ":" + zeroPadded(at.minute, 2) + ":" + zeroPadded(at.second, 2);
+Value momentOf(const site::Moment& at) {
+  return toDateTime({at.date.year, at.date.month, at.date.day, at.hour, at.minute, at.second});
+}
+
+/// "--12-25" is that day of every year.
+Cell dateOf(const site::Holiday& holiday) {
+  const std::string year = holiday.year ? zeroPadded(*holiday.year, 4) : "-";
+  return {dateText(holiday), year + "-" + zeroPadded(holiday.month, 2) + "-" + zeroPadded(holiday.day, 2)};
+}
+
+Cell faultsOf(const site::Faults& faults) {
+  const std::vector<std::string> texts = faultTexts(faults);
+  return texts.empty() ? Cell("none", texts) : Cell(texts);
 }
 
 void addController(Session& session, site::Site& site, const ControllerOptions& options) {
@@ -99,7 +110,7 @@ void listControllers(Session& session, site::Site& site, const ControllerOptions
     const auto name = names.find(info.station);
     const site::Faults faults = site.snapshot(info.station, info.address).faults;
     table.add({name == names.end() ? Value() : name->second, info.address, info.type, info.speed,
-               faultsText(faults)});
+               faultsOf(faults)});
   }
   table.print(std::cout, options.json);
 }
@@ -108,33 +119,35 @@ void showController(Session& session, site::Site& site, const ControllerOptions&
   const ControllerPlace place = placeOf(session, options);
   const site::Snapshot snapshot = site.snapshot(place.station, place.address);
   TableOutput daily({"Number", "Intervals"});
-  for (const auto& program : snapshot.dailyPrograms) daily.add({program.number, intervalsText(program)});
-  TableOutput weekly({"Family", "Number", "Days"});
+  for (const auto& program : snapshot.dailyPrograms)
+    daily.add({program.number, Cell(intervalsText(program), intervalTexts(program))});
+  std::vector<std::string> columnsOfWeek = {"Family", "Number", "Days"};
+  if (options.json) columnsOfWeek.emplace_back("Holidays");
+  TableOutput weekly(columnsOfWeek);
   for (const auto& program : snapshot.weeklyPrograms) {
-    weekly.add({std::string(1, program.family), program.number, daysText(program)});
+    weekly.add({std::string(1, program.family), program.number, Cell(daysText(program), program.days),
+                program.holiday});
   }
   TableOutput holidays({"Slot", "Date"});
-  for (const auto& holiday : snapshot.holidays) holidays.add({holiday.slot, dateText(holiday)});
+  for (const auto& holiday : snapshot.holidays) holidays.add({holiday.slot, dateOf(holiday)});
   TableOutput cards({"Number", "Code", "Weekly", "Doors", "Pin", "Supervisor", "Until", "Credit", "Lifts"});
   for (const auto& card : snapshot.cards) {
     const std::string pin = options.showPins || card.pin.empty() ? card.pin : "****";
-    cards.add({card.number, card.code, valueOf(card.weekly), doorsText(card), pin, card.supervisor,
-               card.validUntil
-                   ? Value(dateText({0, card.validUntil->day, card.validUntil->month, card.validUntil->year}))
-                   : Value(),
-               valueOf(card.credit), liftsText(card)});
+    cards.add({card.number, card.code, valueOf(card.weekly), doorsOf(card),
+               pin.empty() ? Value() : Value(pin), card.supervisor, dayOf(card.validUntil),
+               valueOf(card.credit), std::vector<Value>(card.lifts.begin(), card.lifts.end())});
   }
   TableOutput badges(
       {"Reader", "Technology", "SitePosition", "SiteLength", "CardPosition", "CardType", "Site"});
   for (const auto& format : snapshot.badgeFormats) {
-    badges.add({format.reader == 0 ? Value("all") : Value(format.reader), format.technology,
+    badges.add({format.reader == 0 ? Cell("all", 0) : Cell(format.reader), format.technology,
                 format.sitePosition, format.siteLength, format.cardPosition, format.cardType,
                 format.siteCode});
   }
   TableOutput received({"Received", "Line", "Refused"});
   for (const auto& line : snapshot.received) {
     const std::string text = options.showPins ? line.text : withoutPin(line.text);
-    received.add({momentText(line.at), text, line.reason.empty() ? Value() : Value(line.reason)});
+    received.add({momentOf(line.at), text, line.reason.empty() ? Value() : Value(line.reason)});
   }
   const std::pair<const char*, const TableOutput*> tables[] = {
       {"Daily programs", &daily}, {"Weekly programs", &weekly}, {"Holidays", &holidays},
@@ -144,7 +157,7 @@ void showController(Session& session, site::Site& site, const ControllerOptions&
                           {"Address", place.address},
                           {"Type", snapshot.info.type},
                           {"Speed", snapshot.info.speed},
-                          {"Faults", faultsText(snapshot.faults)},
+                          {"Faults", faultsOf(snapshot.faults).json()},
                           {"DailyPrograms", daily.json()},
                           {"WeeklyPrograms", weekly.json()},
                           {"Holidays", holidays.json()},
@@ -154,7 +167,7 @@ void showController(Session& session, site::Site& site, const ControllerOptions&
     return;
   }
   std::cout << "Controller " << place.address << " of " << options.station << ": " << snapshot.info.type
-            << ", " << snapshot.info.speed << " bit/s, faults: " << faultsText(snapshot.faults) << '\n';
+            << ", " << snapshot.info.speed << " bit/s, faults: " << faultsOf(snapshot.faults).text() << '\n';
   for (const auto& [title, table] : tables) {
     std::cout << '\n' << title << '\n';
     table->print(std::cout, false);
@@ -222,7 +235,9 @@ void addFaultCommand(Command& group, Session& session) {
                     "The line breaks behind so many lines of a longer command file");
   fault->add_option("--times", faults->times,
                     "So many command files meet --lose-answer or --stop-behind; all unless given");
-  fault->footer("Example:\n  voxa sim controller fault --station Local --address 2 --silent");
+  fault->footer(
+      "Examples:\n  voxa sim controller fault --station Local --address 2 --silent\n"
+      "  voxa sim controller fault --station Local --address 2 --none");
   fault->callback(onSite(
       session, [place, faults](Session& i, site::Site& site) { setFaults(i, site, *place, *faults); }));
 }
@@ -233,7 +248,9 @@ void addPlaceCommand(Command& group, Session& session, const std::string& name, 
   auto* command = group.add_subcommand(name, help);
   auto options = std::make_shared<ControllerOptions>();
   addPlaceOptions(*command, *options);
-  command->footer("Example:\n  voxa sim controller " + name + " --station Local --address 1");
+  command->footer("Examples:\n  voxa sim controller " + name +
+                  " --station Local --address 1\n  voxa sim controller " + name +
+                  " --station Annex --address 2");
   command->callback(onSite(session, [options, action](Session& i, site::Site& site) {
     const ControllerPlace place = placeOf(i, *options);
     (site.*action)(place.station, place.address);
@@ -251,13 +268,15 @@ void addSimulatorCommands(Command& app, Session& session) {
   addPlaceOptions(*add, *added);
   add->add_option("--type", added->type, "Its type")->isMember({"QSX3", "VRMD1"})->capture_default_str();
   add->add_option("--speed", added->speed, "Line speed it listens at; that of the station unless given");
-  add->footer("Example:\n  voxa sim controller add --station Local --address 1");
+  add->footer(
+      "Examples:\n  voxa sim controller add --station Local --address 1\n"
+      "  voxa sim controller add --station Annex --address 2 --type VRMD1");
   add->callback(onSite(session, [added](Session& i, site::Site& site) { addController(i, site, *added); }));
 
   auto* list = group->add_subcommand("list", "List the controllers of the site");
   auto listed = std::make_shared<ControllerOptions>();
   list->add_flag("--json", listed->json, "As a JSON array");
-  list->footer("Example:\n  voxa sim controller list");
+  list->footer("Examples:\n  voxa sim controller list\n  voxa sim controller list --json");
   list->callback(
       onSite(session, [listed](Session& i, site::Site& site) { listControllers(i, site, *listed); }));
 
@@ -266,7 +285,9 @@ void addSimulatorCommands(Command& app, Session& session) {
   addPlaceOptions(*show, *shown);
   show->add_flag("--show-pins", shown->showPins, "With the personal codes");
   show->add_flag("--json", shown->json, "As a JSON object");
-  show->footer("Example:\n  voxa sim controller show --station Local --address 1");
+  show->footer(
+      "Examples:\n  voxa sim controller show --station Local --address 1\n"
+      "  voxa sim controller show --station Local --address 1 --show-pins --json");
   show->callback(onSite(session, [shown](Session& i, site::Site& site) { showController(i, site, *shown); }));
 
   addFaultCommand(*group, session);

@@ -64,7 +64,8 @@ void addSwipeCommand(Command& group, Session& session) {
                     "When, as \"2026-12-24 18:05\"; by the controller's clock unless given");
   swipe->footer(
       "A swipe is recorded whatever the decision; 'voxa read' brings it into the journal.\n"
-      "Example:\n  voxa sim swipe --station Local --reader \"Main entrance\" --card 12 --at \"2026-12-24 "
+      "Examples:\n  voxa sim swipe --station Local --reader \"Main entrance\" --code 00C0FFEE\n"
+      "  voxa sim swipe --station Local --reader \"Main entrance\" --card 12 --at \"2026-12-24 "
       "18:05\"");
   swipe->callback([&session, options] { swipeCard(session, *options); });
 }

@@ -121,7 +121,7 @@ void addStationCommands(Command& app, Session& session) {
       "  voxa station add Depot --phone 0123456789 --modem hayes.ini");
   add->callback([&session, added] { addStation(session, *added); });
 
-  addListCommand(*group, session, "list", "List the stations", "voxa station list --json", listStations);
+  addListCommand(*group, session, "list", "List the stations", "voxa station list", listStations);
 
   auto* set = group->add_subcommand("set", "Change a station");
   auto changed = std::make_shared<StationOptions>();

@@ -86,7 +86,7 @@ void listWeekly(Session& session, bool json) {
 nlohmann::ordered_json jsonOf(const WeeklyUses& uses) {
   auto groups = nlohmann::ordered_json::array();
   for (const WeeklyUse& use : uses.groups) {
-    groups.push_back({{"Group", use.group}, {"Name", use.name}, {"Doors", use.readers}});
+    groups.push_back({{"Id", use.group}, {"Name", use.name}, {"Doors", use.readers}});
   }
   return {{"Groups", groups}, {"DoorsThemselves", uses.readers}};
 }
@@ -150,7 +150,7 @@ void addWeeklyCommands(Command& app, Session& session) {
   add->callback([&session, added] { addWeekly(session, *added); });
 
   addListCommand(*group, session, "list", "List the weekly programs, with the hours of their days",
-                 "voxa weekly list\n  voxa weekly list --json", listWeekly);
+                 "voxa weekly list", listWeekly);
 
   auto family = std::make_shared<std::string>("C");
   auto* show = addShowCommand(

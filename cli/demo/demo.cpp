@@ -203,7 +203,7 @@ void addDemoCommand(Command& app, Session& session) {
       "demo", "Create an installation, download it, present cards and check controllers and journal");
   auto folder = std::make_shared<std::string>();
   demo->add_option("DIR", *folder, "New or empty folder for it; without one it is removed afterwards");
-  demo->footer("Example:\n  voxa demo plant");
+  demo->footer("Examples:\n  voxa demo\n  voxa demo plant");
   demo->callback([&session, folder] { demonstrate(session, *folder); });
 }
 

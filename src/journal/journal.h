@@ -88,7 +88,8 @@ class Journal : public Table {
   /// nothing. A failure of the database or of the station's ini file is raised. goOn: asked before each
   /// controller; none is read any more once it says no.
   std::vector<ControllerRead> readStation(std::int16_t station, const std::function<bool()>& goOn = {});
-  /// For who reads every few seconds: of a memory without transactions no file is kept, and it is not cleared.
+  /// For who reads every few seconds: of a memory without transactions no file is kept, and it is not
+  /// cleared.
   bool passesEmptyOver = false;
   /// The code of the last unknown card shown at a reader today, which is read first; the row leaves the
   /// journal. "" when there is none, which is shown.

@@ -47,7 +47,7 @@ std::int16_t Journal::transfer(const Route& route) {
   // not read yet.
   const LineSpan lines(context_);
   std::int16_t partial = 0;  // the result of a read that broke off but left a file
-  bool ended = false;    // there is nothing to take in
+  bool ended = false;        // there is nothing to take in
   std::string undecoded;
   std::int16_t result = context_.attempt([&]() -> std::int16_t {
     lines.require();

@@ -23,14 +23,14 @@ namespace {
 constexpr double minutesOfDay = 24 * 60;
 constexpr const char* dump = "J.DAT";
 
-std::map<ControllerPlace, std::string> readerNames(Database& database) {
-  std::map<ControllerPlace, std::string> names;
+std::map<ControllerPlace, std::vector<std::string>> readerNames(Database& database) {
+  std::map<ControllerPlace, std::vector<std::string>> names;
   const auto rows = database.openRecordset(
       "select StationId, ControllerAddress, Name from Readers where ControllerAddress is not null order by "
       "Position");
   for (; !rows->eof(); rows->moveNext()) {
-    std::string& all = names[{rows->get("StationId").toInt16(), rows->get("ControllerAddress").toInt16()}];
-    all += (all.empty() ? "" : ", ") + rows->get("Name").toText();
+    names[{rows->get("StationId").toInt16(), rows->get("ControllerAddress").toInt16()}].push_back(
+        rows->get("Name").toText());
   }
   return names;
 }

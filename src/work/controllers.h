@@ -23,7 +23,7 @@ struct ControllerOverview {
 
   ControllerPlace place;
   std::string station;
-  std::string readers;  ///< names with ", " between
+  std::vector<std::string> readers;  ///< their names
   State state = State::inUse;
   Value answers;    ///< True or False; Null when nobody asked it
   Value clock;      ///< Null unless it answered

@@ -15,6 +15,7 @@
 #include "work/group_reach.h"
 #include "work/installation.h"
 #include "work/links.h"
+#include "work/refusal.h"
 
 namespace voxa {
 
@@ -140,7 +141,13 @@ class Change {
       if (after_.types.contains(place) || !isOfController(place.address)) continue;
       eraseOn(forget, controllerAt(installation_.database(), place), heldAt(place));
     }
-    if (!change_.gone) forget.send();
+    if (change_.gone) return;
+    try {
+      forget.send();
+    } catch (const Refusal& refusal) {
+      throw Refusal(std::string(refusal.what()) +
+                    "\nIf one is gone for good, or never was there, say so with --gone.");
+    }
   }
 
   void eraseOn(ForgetCards& forget, const GrantedController& controller,

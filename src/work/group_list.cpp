@@ -77,6 +77,14 @@ class GroupRows {
   std::map<std::int16_t, std::vector<std::string>> lifts_;
 };
 
+/// The door as the group's cards open it; nullptr when they do not.
+const GroupRow::Door* openDoor(const GroupRow& group, const std::string& reader) {
+  const auto found = std::find_if(group.doors.begin(), group.doors.end(), [&](const GroupRow::Door& one) {
+    return one.side.access != DoorSide::Access::shut && equalNoCase(one.side.reader, reader);
+  });
+  return found == group.doors.end() ? nullptr : &*found;
+}
+
 }  // namespace
 
 std::vector<GroupRow> listGroups(Installation& installation, const std::string& door) {
@@ -107,21 +115,26 @@ std::string doorText(const GroupRow::Door& door) {
 }
 
 std::vector<std::string> gainsOf(const GroupRow& from, const GroupRow& to) {
-  const auto opensSo = [](const GroupRow& group, const GroupRow::Door& door) {
-    return std::any_of(group.doors.begin(), group.doors.end(), [&](const GroupRow::Door& one) {
-      return one.side.access != DoorSide::Access::shut && equalNoCase(one.side.reader, door.side.reader) &&
-             one.side.weeklyProgram == door.side.weeklyProgram;
-    });
-  };
   std::vector<std::string> gains;
   for (const GroupRow::Door& door : to.doors) {
-    if (door.side.access != DoorSide::Access::shut && !opensSo(from, door)) gains.push_back(doorText(door));
+    const auto* had = openDoor(from, door.side.reader);
+    const bool same = had != nullptr && had->side.weeklyProgram == door.side.weeklyProgram;
+    if (door.side.access != DoorSide::Access::shut && !same) gains.push_back(doorText(door));
   }
   for (const std::string& lift : to.lifts) {
     if (std::find(from.lifts.begin(), from.lifts.end(), lift) == from.lifts.end())
       gains.push_back("lift " + lift);
   }
   return gains;
+}
+
+std::vector<std::string> openedSince(const GroupRow& before, const GroupRow& now) {
+  std::vector<std::string> readers;
+  for (const GroupRow::Door& door : now.doors) {
+    const std::string& reader = door.side.reader;
+    if (openDoor(now, reader) != nullptr && openDoor(before, reader) == nullptr) readers.push_back(reader);
+  }
+  return readers;
 }
 
 std::vector<DoorsBesideLinks> doorsBesideLinks(Database& database, std::int16_t group) {

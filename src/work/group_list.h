@@ -36,6 +36,8 @@ struct GroupRow {
 /// What cards open, or use, that go from one group into another, and did not under that program before:
 /// "Front door (Office)", "lift Top floor".
 [[nodiscard]] std::vector<std::string> gainsOf(const GroupRow& from, const GroupRow& to);
+/// The names of readers that a group opens as it is, and kept shut as it was.
+[[nodiscard]] std::vector<std::string> openedSince(const GroupRow& before, const GroupRow& now);
 
 /// What the doors of a group do on one controller that its links do not say.
 struct DoorsBesideLinks {

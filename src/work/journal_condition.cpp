@@ -27,6 +27,11 @@ void JournalCondition::addAnyOf(const std::string& column, std::string_view type
   add(column + " in (" + names + ")");
 }
 
+bool JournalCondition::isIndexed() const {
+  return conditions_.find("[Date]") != std::string::npos ||
+         conditions_.find("CardholderName in") != std::string::npos;
+}
+
 std::string JournalCondition::change(const std::string& what) const {
   return (declared_.empty() ? "" : declared_ + "; ") + what + conditions_;
 }

@@ -11,7 +11,8 @@ namespace voxa {
 /// What rows of the journal have to be, as the part of a statement behind WHERE. Conditions are met together.
 class JournalCondition {
  public:
-  /// The condition of a text with "?" where the value stands. type: of the value, in the language: "datetime".
+  /// The condition of a text with "?" where the value stands. type: of the value, in the language:
+  /// "datetime".
   void add(std::string_view condition, std::string_view type, const Value& value);
   void add(std::string_view condition);
   /// A column that is one of these values, of which there is at least one.
@@ -21,6 +22,8 @@ class JournalCondition {
   [[nodiscard]] std::string statement(const std::string& columns, const std::string& order = "") const;
   /// A statement that changes rows of it. what: stands in front, "delete from Journal".
   [[nodiscard]] std::string change(const std::string& what) const;
+  /// Whether an index that a journal can have finds the rows.
+  [[nodiscard]] bool isIndexed() const;
   [[nodiscard]] const Database::Parameters& values() const { return values_; }
 
  private:

@@ -41,7 +41,8 @@ void addType(const std::string& type, JournalCondition& condition) {
   if (type.size() == 2 && isNumber(type)) return condition.add("TransactionType = ?", "memo", type);
   constexpr const char* words[] = {"granted", "refused", "time", "rights", "unknown", "other"};
   if (std::find(std::begin(words), std::end(words), type) == std::end(words)) {
-    throw Refusal("'" + type + "' is no type of transactions: granted, refused, time, rights, unknown, other, "
+    throw Refusal("'" + type +
+                  "' is no type of transactions: granted, refused, time, rights, unknown, other, "
                   "or two digits");
   }
   Meanings meanings;

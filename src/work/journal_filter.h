@@ -12,8 +12,8 @@ class JournalCondition;
 struct JournalFilter;
 struct JournalRow;
 
-/// Adds to a condition what a filter says of the rows, but for times and the person; a Refusal for what cannot
-/// be read.
+/// Adds to a condition what a filter says of the rows, but for times and the person; a Refusal for what
+/// cannot be read.
 void addFilter(Installation& installation, const JournalFilter& filter, JournalCondition& condition);
 
 /// A person by name or card number, under all names and numbers that his card had. A number alone is that of
@@ -24,7 +24,8 @@ class JournalPerson {
 
   /// A part of the condition: all rows that can be his.
   void addTo(JournalCondition& condition) const;
-  /// Whether one of these rows is: two people can have had the same name, one behind the other the same number.
+  /// Whether one of these rows is: two people can have had the same name, one behind the other the same
+  /// number.
   [[nodiscard]] bool did(const JournalRow& row) const;
   /// Whether the installation knows, or knew, such a card.
   [[nodiscard]] bool isKnown() const { return !ids_.empty(); }

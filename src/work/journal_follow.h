@@ -10,9 +10,9 @@
 
 namespace voxa {
 
-/// Looks at the controllers again and again, and shows the transactions as they come into the journal, whoever
-/// has read them. Stations that are not in use are not read, and none is dialled. The lines are free between
-/// two controllers and between the rounds: other programs work on meanwhile.
+/// Looks at the controllers again and again, and shows the transactions as they come into the journal,
+/// whoever has read them. Stations that are not in use are not read, and none is dialled. The lines are free
+/// between two controllers and between the rounds: other programs work on meanwhile.
 class JournalFollow {
  public:
   /// Rows that are in the journal already are not shown. A Refusal as of JournalList, and for a filter that

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "work/journal_scan.h"
+
 namespace voxa {
 
 namespace {
@@ -20,21 +22,18 @@ std::int64_t hourOfRow(const Value& date) {
 }  // namespace
 
 JournalHours::JournalHours(Database& journal, const JournalCondition& condition)
-    : journal_(journal), indexed_(journal.tableDef("Journal").index(journalDateIndex) != nullptr) {
+    : journal_(journal), indexed_(isIndexed(journal)) {
   std::int64_t last = 0;
   Rows* rows = nullptr;
-  journal.visitRows(
-      condition.statement("Id, [Date]"),
-      [&](const Value* row) {
-        const std::int64_t hour = hourOfRow(row[1]);
-        if (rows == nullptr || hour != last) rows = &hours_[last = hour];
-        const std::int32_t id = row[0].toInt32();
-        rows->first = std::min(rows->first, id);
-        rows->last = std::max(rows->last, id);
-        ++rows->count;
-        return true;
-      },
-      condition.values());
+  scanJournal(journal, condition, "Id, [Date]", ScanOrder::any, [&](const Value* row) {
+    const std::int64_t hour = hourOfRow(row[1]);
+    if (rows == nullptr || hour != last) rows = &hours_[last = hour];
+    const std::int32_t id = row[0].toInt32();
+    rows->first = std::min(rows->first, id);
+    rows->last = std::max(rows->last, id);
+    ++rows->count;
+    return true;
+  });
 }
 
 JournalHours::Rows JournalHours::rowsOf(const HourSpan& span) const {

@@ -5,7 +5,6 @@
 #include <functional>
 #include <limits>
 #include <map>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -20,10 +19,10 @@ struct HourSpan {
   std::int64_t behind = std::numeric_limits<std::int64_t>::max();
 };
 
-/// Which rows of a journal are of which hours. A journal has its rows in the order in which they were read; by
-/// this it can be visited by date part for part, each of few rows, in a memory that grows with the time that
-/// it covers and not with its rows, without an index of dates, and without a lock on the file between the
-/// parts.
+/// Which rows of a journal are of which hours. A journal has its rows in the order in which they were read;
+/// by this it can be visited by date part for part, each of few rows, in a memory that grows with the time
+/// that it covers and not with its rows, without an index of dates, and without a lock on the file between
+/// the parts.
 class JournalHours {
  public:
   /// Numbers of the rows of a time: none stands outside of first to last, others may stand between.
@@ -51,8 +50,5 @@ class JournalHours {
   bool indexed_;  // by dates
   std::map<std::int64_t, Rows> hours_;
 };
-
-/// The name of the index of dates, which a journal has when a person asked for it.
-inline constexpr const char* journalDateIndex = "Date";
 
 }  // namespace voxa

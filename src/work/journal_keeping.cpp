@@ -17,6 +17,7 @@
 #include "work/installation.h"
 #include "work/journal_hours.h"
 #include "work/journal_list.h"
+#include "work/journal_scan.h"
 #include "work/moments.h"
 #include "work/refusal.h"
 #include "work/row_copy.h"
@@ -94,6 +95,18 @@ JournalCondition conditionOf(const JournalDeletion& deletion) {
   return condition;
 }
 
+constexpr const char* unfinishedEnd = "~new";
+
+/// Makes the folder, or takes out of it what a kill has left half saved.
+void provideBackupFolder(Installation& installation) {
+  const std::string folder = backupFolder(installation);
+  if (!files::folderExists(folder)) return files::makeFolder(folder);
+  for (const std::string& name : files::list(folder)) {
+    if (name.starts_with(deletedJournalName) && name.find(unfinishedEnd) != std::string::npos)
+      (void)files::removeRegular(folder + "\\" + name);
+  }
+}
+
 }  // namespace
 
 std::string backupFolder(Installation& installation) {
@@ -156,7 +169,8 @@ std::shared_ptr<Database> openSavedJournal(Installation& installation, const std
   if (std::find(tables.begin(), tables.end(), "Journal") != tables.end()) {
     const TableDef& table = saved->tableDef("Journal");
     const auto wanted = openedJournal(installation)->tableDef("Journal").fieldNames();
-    if (std::all_of(wanted.begin(), wanted.end(), [&](const auto& field) { return table.field(field) != nullptr; }))
+    if (std::all_of(wanted.begin(), wanted.end(),
+                    [&](const auto& field) { return table.field(field) != nullptr; }))
       return saved;
   }
   saved->close();
@@ -207,16 +221,15 @@ JournalDeletion planJournalDeletion(Installation& installation, const std::strin
   const std::string name = deletedJournalName +
                            formatDateTime(deletion.before, day ? "yyyy-mm-dd" : "yyyy-mm-dd hh.nn") + ", " +
                            formatDateTime(clock.now(), "ddmmmyyyy-hh.nn.ss");
-  deletion.file = backupFolder(installation) + "\\" + name + ".MDB";
+  deletion.file = files::native(backupFolder(installation) + "\\" + name + ".MDB");
   return deletion;
 }
 
 void deleteFromJournal(Installation& installation, const JournalDeletion& deletion, Observer& observer) {
   Database& journal = *openedJournal(installation);
   DatabaseEngine& engine = installation.engine();
-  if (!files::folderExists(backupFolder(installation))) files::makeFolder(backupFolder(installation));
-  const std::string unfinished = deletion.file + "~new";
-  (void)files::removeRegular(unfinished);
+  provideBackupFolder(installation);
+  const std::string unfinished = deletion.file + unfinishedEnd;
   const JournalCondition condition = conditionOf(deletion);
   std::size_t rows = 0;
   {
@@ -244,8 +257,10 @@ void deleteFromJournal(Installation& installation, const JournalDeletion& deleti
   Transaction transaction(engine, journal);
   const int deleted = journal.execute(condition.change("delete from Journal"), condition.values());
   if (static_cast<std::size_t>(deleted) != rows) {
-    throw Refusal("the journal has changed while its rows were saved: nothing was deleted, try again; what was "
-                  "saved is in " + deletion.file);
+    throw Refusal(
+        "the journal has changed while its rows were saved: nothing was deleted, try again; what was "
+        "saved is in " +
+        deletion.file);
   }
   transaction.commit();
 }

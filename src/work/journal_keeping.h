@@ -44,7 +44,8 @@ struct JournalRestoring {
 /// for the journal itself.
 JournalRestoring restoreJournal(Installation& installation, const std::string& path, Observer& observer);
 
-/// The rows before a day, and the file in the folder Backup that will hold them: what a person is asked about.
+/// The rows before a day, and the file in the folder Backup that will hold them: what a person is asked
+/// about.
 struct JournalDeletion {
   DateTime before;
   std::int32_t lastId = 0;  ///< rows that come later stay
@@ -53,8 +54,8 @@ struct JournalDeletion {
 };
 /// before: as writtenSpan reads it. Changes nothing.
 [[nodiscard]] JournalDeletion planJournalDeletion(Installation& installation, const std::string& before);
-/// Saves those rows in the file, which is a journal, and then deletes them. When it ends in between, by a kill
-/// too, they are in the journal and in the file. restoreJournal brings them back.
+/// Saves those rows in the file, which is a journal, and then deletes them. When it ends in between, by a
+/// kill too, they are in the journal and in the file. restoreJournal brings them back.
 void deleteFromJournal(Installation& installation, const JournalDeletion& deletion, Observer& observer);
 
 /// Opens a file that is a journal, for reading; a Refusal for any other.

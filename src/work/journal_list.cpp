@@ -19,8 +19,8 @@ namespace voxa {
 
 namespace {
 
-/// So many rows are held at once.
-constexpr std::size_t partRows = 20'000;
+/// So many rows are held at once: a day of a big installation.
+constexpr std::size_t partRows = 50'000;
 
 constexpr const char* columns =
     "Id, [Date], StationId, StationName, ReaderId, ReaderName, TransactionType, CardholderName, "
@@ -70,7 +70,8 @@ class Newest {
   void cut() {
     if (rows_.size() <= most_) return;
     const auto end = rows_.begin() + static_cast<std::ptrdiff_t>(most_);
-    std::nth_element(rows_.begin(), end, rows_.end(), [](const auto& a, const auto& b) { return isEarlier(b, a); });
+    std::nth_element(rows_.begin(), end, rows_.end(),
+                     [](const auto& a, const auto& b) { return isEarlier(b, a); });
     rows_.erase(end, rows_.end());
   }
   std::size_t most_;
@@ -85,20 +86,13 @@ std::shared_ptr<Database> openedJournal(Installation& installation) {
   throw Refusal("the journal of " + installation.paths().Chemin + " (Journal.MDB) cannot be opened");
 }
 
-std::int32_t lastJournalRow(Database& journal) {
-  std::int32_t last = 0;
-  journal.visitRows("select top 1 Id from Journal order by Id desc", [&](const Value* row) {
-    last = row[0].toInt32();
-    return false;
-  });
-  return last;
-}
-
 JournalList::JournalList(Installation& installation, JournalFilter filter)
     : installation_(installation), filter_(std::move(filter)), journal_(openedJournal(installation)) {
   const Clock& clock = installation.clock();
-  if (!filter_.since.empty()) condition_.add("[Date] >= ?", "datetime", writtenSpan(filter_.since, clock).from);
-  if (!filter_.until.empty()) condition_.add("[Date] < ?", "datetime", writtenSpan(filter_.until, clock).behind);
+  if (!filter_.since.empty())
+    condition_.add("[Date] >= ?", "datetime", writtenSpan(filter_.since, clock).from);
+  if (!filter_.until.empty())
+    condition_.add("[Date] < ?", "datetime", writtenSpan(filter_.until, clock).behind);
   if (filter_.after > 0) condition_.add("Id > ?", "long", filter_.after);
   addFilter(installation, filter_, condition_);
   if (!filter_.person.empty()) person_.emplace(installation, filter_.person).addTo(condition_);
@@ -123,34 +117,32 @@ bool JournalList::passes(const JournalRow& row) const {
   return !person_ || person_->did(row);
 }
 
-void JournalList::visit(const JournalCondition& condition, const std::string& order,
+void JournalList::visit(const JournalCondition& condition, ScanOrder order,
                         const std::function<bool(JournalRow row)>& take) const {
-  journal_->visitRows(
-      condition.statement(columns, order),
-      [&](const Value* values) {
-        JournalRow row = read(values);
-        return !passes(row) || take(std::move(row));
-      },
-      condition.values());
+  scanJournal(*journal_, condition, columns, order, [&](const Value* values) {
+    JournalRow row = read(values);
+    return !passes(row) || take(std::move(row));
+  });
 }
 
-/// Without an index of dates the whole journal has to be looked through, since any row can have any date. Most
-/// of the newest are among those that were read last: these give a date, and no row before it counts.
+/// Without an index of dates the whole journal has to be looked through, since any row can have any date.
+/// Most of the newest are among those that were read last: these give a date, and no row before it counts.
 std::vector<JournalRow> JournalList::newest() const {
   std::vector<double> dates;
   const std::size_t most = 4 * last_ + 1000;
-  visit(condition_, "order by Id desc", [&](const JournalRow& row) {
+  Newest readLast(last_);
+  visit(condition_, ScanOrder::lastReadFirst, [&](JournalRow row) {
     dates.push_back(row.date.days);
+    readLast.add(std::move(row));
     return dates.size() < most;
   });
+  if (dates.size() < most) return readLast.take();  // there are no others
   JournalCondition condition = condition_;
-  if (dates.size() >= last_) {
-    const auto least = dates.begin() + static_cast<std::ptrdiff_t>(last_ - 1);
-    std::nth_element(dates.begin(), least, dates.end(), std::greater<>());
-    if (*least > 0) condition.add("[Date] >= ?", "datetime", DateTime{*least});
-  }
+  const auto least = dates.begin() + static_cast<std::ptrdiff_t>(last_ - 1);
+  std::nth_element(dates.begin(), least, dates.end(), std::greater<>());
+  if (*least > 0) condition.add("[Date] >= ?", "datetime", DateTime{*least});
   Newest newest(last_);
-  visit(condition, "", [&](JournalRow row) {
+  visit(condition, ScanOrder::any, [&](JournalRow row) {
     newest.add(std::move(row));
     return true;
   });
@@ -169,7 +161,7 @@ std::size_t JournalList::each(const std::function<void(const JournalRow&)>& take
   if (last_ > 0) {
     rows = newest();
   } else {
-    visit(condition_, "", [&](JournalRow row) {
+    visit(condition_, ScanOrder::any, [&](JournalRow row) {
       rows.push_back(std::move(row));
       return rows.size() <= partRows;
     });

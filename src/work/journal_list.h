@@ -11,6 +11,7 @@
 #include "platform/value.h"
 #include "work/journal_condition.h"
 #include "work/journal_filter.h"
+#include "work/journal_scan.h"
 #include "work/transaction_type.h"
 
 namespace voxa {
@@ -49,9 +50,6 @@ struct JournalRow {
 /// The database of the journal; a Refusal when it is not open.
 [[nodiscard]] std::shared_ptr<Database> openedJournal(Installation& installation);
 
-/// The highest number of a row; 0 without one.
-[[nodiscard]] std::int32_t lastJournalRow(Database& journal);
-
 /// The transactions that pass a filter.
 ///
 /// The newest are those of the latest dates, and of one minute those that were read last: a controller that
@@ -63,15 +61,15 @@ class JournalList {
   JournalList(Installation& installation, JournalFilter filter);
   /// Hands them over by date, and returns how many they are. The file is locked for no call of `take`, which
   /// may take long. The memory does not grow with their number. A Refusal at the end when there was none and
-  /// the installation does not know the filter's reader, station or person either: the journal keeps the names
-  /// of those that are gone, and a name that is in neither is a mistake.
+  /// the installation does not know the filter's reader, station or person either: the journal keeps the
+  /// names of those that are gone, and a name that is in neither is a mistake.
   std::size_t each(const std::function<void(const JournalRow&)>& take) const;
   /// The greatest number that `last` can be.
   static constexpr std::int32_t mostLast = 100'000;
 
  private:
   /// Goes through the rows that pass, in no order, until `take` returns false.
-  void visit(const JournalCondition& condition, const std::string& order,
+  void visit(const JournalCondition& condition, ScanOrder order,
              const std::function<bool(JournalRow row)>& take) const;
   [[nodiscard]] bool passes(const JournalRow& row) const;
   [[nodiscard]] std::vector<JournalRow> newest() const;
@@ -80,7 +78,7 @@ class JournalList {
   Installation& installation_;
   JournalFilter filter_;
   std::shared_ptr<Database> journal_;
-  JournalCondition condition_;            ///< that all rows of the list meet, and with a person some others
+  JournalCondition condition_;  ///< that all rows of the list meet, and with a person some others
   std::optional<JournalPerson> person_;
   std::size_t last_ = 0;  ///< 0: all
 };

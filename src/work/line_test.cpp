@@ -48,7 +48,7 @@ std::vector<ControllerState> listControllers(Installation& installation) {
     ControllerState& state = controllers[place];
     state.place = place;
     state.station = readers->get("Station").toText();
-    state.readers += (state.readers.empty() ? "" : ", ") + readers->get("Reader").toText();
+    state.readers.push_back(readers->get("Reader").toText());
   }
   const auto rows = installation.database().openRecordset("select * from ComStatus");
   for (; !rows->eof(); rows->moveNext()) {

@@ -39,9 +39,9 @@ void passOver(Installation& installation, const std::vector<Report::Controller>&
 struct ControllerState {
   ControllerPlace place;
   std::string station;
-  std::string readers;  ///< names with ", " between, by position
-  Value answers;        ///< True or False; Null when nobody asked it
-  Value clock;          ///< Null unless it answered
+  std::vector<std::string> readers;  ///< their names, by position
+  Value answers;                     ///< True or False; Null when nobody asked it
+  Value clock;                       ///< Null unless it answered
 };
 [[nodiscard]] std::vector<ControllerState> listControllers(Installation& installation);  ///< by place
 

@@ -85,8 +85,9 @@ Span writtenSpan(const std::string& text, const Clock& clock) {
   } else if (const auto moment = parseDateTime(text, &clock); moment && moment->days >= 1) {
     return text.find(':') == std::string::npos ? dayOf(*moment) : minuteOf(*moment);
   }
-  throw Refusal("'" + text +
-                "' is no date: write 24/12/2026, \"24/12/2026 18:05\", today, yesterday, monday, -7d or -12h");
+  throw Refusal(
+      "'" + text +
+      "' is no date: write 24/12/2026, \"24/12/2026 18:05\", today, yesterday, monday, -7d or -12h");
 }
 
 }  // namespace voxa

@@ -241,14 +241,14 @@ DeletedStation deleteStation(Installation& installation, const std::string& name
   const bool connected = station.active && !station.phone.isNull() && station.phone != Value("");
   Database& database = installation.database();
   DeletedStation deleted;
+  if (listStations(installation).size() == 1) {
+    throw Refusal(called + " is the only one: rename it, or add another one before");
+  }
   deleted.moved = usersOf(installation, station.id);
   if (!deleted.moved.empty() && moveTo.empty()) {
     throw Refusal(called +
                   " is used; name the station that this goes to with --move-to, or delete it before:" +
                   eachOnALine(deleted.moved));
-  }
-  if (listStations(installation).size() == 1) {
-    throw Refusal(called + " is the only one: rename it, or add another one before");
   }
   if (deleted.moved.empty() && connected) {
     throw Refusal(called + " is connected: hang it up before ('voxa station disconnect')");

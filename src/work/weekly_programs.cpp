@@ -91,12 +91,12 @@ MovedDoors moveDoors(Installation& installation, const Recordset& from, WeeklyUs
       "parameters pFamily memo, pNumber long; select * from AccGroupReaders where WeeklyProgType = pFamily "
       "and WeeklyProgNum = pNumber",
       {std::begin(program), std::end(program)});
-  std::map<std::int16_t, bool> cards;
-  for (const WeeklyUse& use : uses.groups) cards[use.group] = !cardsOf(installation, use.group).live.empty();
+  std::map<std::int16_t, GroupRow> before;
+  for (const WeeklyUse& use : uses.groups) before[use.group] = findGroup(installation, use.name);
   for (; !links->eof(); links->moveNext()) {
     links->edit();
     links->set("WeeklyProgNum", to);
-    links->set("FlagD", cards[links->get("AccessGroupId").toInt16()]);
+    links->set("FlagD", before.at(links->get("AccessGroupId").toInt16()).cards > 0);
     links->update();
   }
   (void)database.execute(
@@ -106,6 +106,9 @@ MovedDoors moveDoors(Installation& installation, const Recordset& from, WeeklyUs
   MovedDoors moved{std::move(uses), {}};
   for (const WeeklyUse& use : moved.uses.groups) {
     markGroup(installation, use.group);
+    for (const std::string& door : openedSince(before.at(use.group), findGroup(installation, use.name))) {
+      moved.beside.push_back("access group " + use.name + ": " + door + " opens now, and stayed shut before");
+    }
     for (const DoorsBesideLinks& beside : doorsBesideLinks(database, use.group)) {
       if (!beside.shut.empty()) moved.beside.push_back(beside.shut);
       if (!beside.otherSide.empty()) moved.beside.push_back(beside.otherSide);

@@ -48,7 +48,7 @@ void changeWeeklyProgram(Installation& installation, const std::string& family,
 /// What the doors do of which a deletion changed the program.
 struct MovedDoors {
   WeeklyUses uses;                  ///< what had the deleted program, and has the other one now
-  std::vector<std::string> beside;  ///< what is not as the links say, as DoorsBesideLinks has it
+  std::vector<std::string> beside;  ///< in words: doors that are not as the links say, or open only now
 };
 /// Deletes a program; 0 (always) stays. moveTo: number or name of the one of its family by which its doors
 /// open from now on; without one a Refusal names those that use it. The links, groups and cards are marked.

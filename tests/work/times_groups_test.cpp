@@ -75,7 +75,8 @@ TEST_F(TimesAndGroupsTest, AProgramInUseGoesOnlyWhenAnotherTakesItsPlace) {
   EXPECT_NE(refusal([&] { deleteWeeklyProgram(*library, "C", "Day", "Lamps"); }), "done");
   EXPECT_NE(refusal([&] { deleteWeeklyProgram(*library, "C", "0", "Night"); }), "done");
   EXPECT_EQ(count("Cardholders where CardCodeFlagD = True"), "0");
-  EXPECT_TRUE(deleteWeeklyProgram(*library, "C", "Day", "Night").beside.empty());
+  EXPECT_EQ(deleteWeeklyProgram(*library, "C", "Day", "Night").beside,
+            std::vector<std::string>{"access group Staff: Side opens now, and stayed shut before"});
   EXPECT_EQ(doorText(findGroup(*library, "Staff").doors.back()), "Side (Night)");
   EXPECT_EQ(count("AccGroupReaders where FlagD = True and WeeklyProgNum = 2"), "1");
   EXPECT_EQ(count("Cardholders where CardCodeFlagD = True"), "1");

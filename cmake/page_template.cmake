@@ -1,0 +1,21 @@
+# The report's page as constants of the program: template, style, and the style's hash, as a policy of the page names it.
+function(voxa_page_template folder output)
+  file(READ ${folder}/page.mustache template)
+  file(READ ${folder}/page.css style)
+  file(SHA256 ${folder}/page.css hex)
+  string(APPEND hex "0000")  # whole groups of three bytes, six digits
+  set(alphabet ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/)
+  set(hash "")
+  foreach(at RANGE 0 60 6)
+    string(SUBSTRING ${hex} ${at} 6 digits)
+    foreach(shift 18 12 6 0)
+      math(EXPR place "(0x${digits} >> ${shift}) & 63")
+      string(SUBSTRING ${alphabet} ${place} 1 character)
+      string(APPEND hash ${character})
+    endforeach()
+  endforeach()
+  string(SUBSTRING ${hash} 0 43 hash)  # 32 bytes
+  string(APPEND hash "=")
+  configure_file(${folder}/page_template.cpp.in ${output} @ONLY)
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${folder}/page.mustache ${folder}/page.css)
+endfunction()

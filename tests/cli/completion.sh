@@ -1,0 +1,37 @@
+#!/bin/bash
+# What bash completes after a tab.
+# Usage: completion.sh PROGRAM
+set -u
+program=$(realpath "$1")
+folder=$(mktemp -d)
+trap 'rm -rf "$folder"' EXIT
+cd "$folder" || exit 1
+voxa() { "$program" "$@"; }
+voxa --dir plant init --demo-data >/dev/null || exit 1
+# shellcheck disable=SC1090
+source <(voxa completion bash)
+failures=0
+completes() { # EXPECTED WORD...: answers with commas between. The last word is the one begun.
+  local expected=$1
+  shift
+  COMP_WORDS=(voxa "$@")
+  COMP_CWORD=$#
+  _voxa
+  local IFS=,
+  [ "${COMPREPLY[*]}" = "$expected" ] && return
+  echo "FAILED: '$*' gives '${COMPREPLY[*]}', not '$expected'"
+  failures=$((failures + 1))
+}
+completes 'Main\ entrance,Main\ entrance\ out' --dir plant access who mai
+completes 'Main entrance,Main entrance out' --dir plant access who '"Main e'
+completes 'Office\ staff' --dir plant card list --group Off
+completes "Ben\\ O\\'Hara" --dir = plant card set ben
+completes 'card' ca
+completes 'grant' group gr
+completes '--station' plan --sta
+completes 'QSX3' sim controller add --type Q
+completes '' --dir plant reader add Mai
+completes '' --dir nowhere access who M
+[ "$(ls)" = plant ] || echo "FAILED: a completion leaves files" "$((failures += 1))"
+[ "$failures" = 0 ] && echo "Completed"
+exit "$((failures > 0))"
