@@ -378,8 +378,7 @@ succeeds import cards pins.csv
 succeeds card list --json --show-pins
 cmp <(sed 's/"ToSend": false/"ToSend": true/' list) out || fail "the imported cards differ"
 succeeds import cards pins.csv --update
-shows "0 new cards, "
-grep -q " changed" out && fail "an export changes cards where it came from"
+shows "Nothing is to be changed"
 plant=plant
 
 # From a card at a reader to the journal; a read that breaks off loses nothing.
@@ -532,7 +531,7 @@ status() { # EXPECTED ARGUMENT...
 }
 status 0 --version
 status 2 card nonsense
-grep -q "Commands of voxa card: add list" err || fail "the commands are not named"
+grep -q "Commands of voxa card: list find" err || fail "the commands are not named"
 voxa card list >/dev/full 2>err && fail "output that cannot be written is a success"
 succeeds sim controller fault --station Annex --address 9 --silent
 status 3 status
