@@ -64,7 +64,7 @@ std::vector<CsvFile> csvOf(const Figures& figures) {
   add(std::move(doors));
 
   Table unknown("unknown-cards.csv", "Code,Times,Last,Door");
-  for (const UnknownCard& card : figures.unknownCards)
+  for (const PresentedUnknown& card : figures.unknownCards)
     unknown.text(card.code).number(card.times).moment(card.last).text(card.door).end();
   add(std::move(unknown));
 

@@ -43,7 +43,7 @@ struct DoorFigure {
 };
 
 /// A card that no controller knew.
-struct UnknownCard {
+struct PresentedUnknown {
   std::string code;  ///< in 0 to 9 and A to F
   std::uint64_t times = 0;
   DateTime last;
@@ -91,10 +91,10 @@ struct Figures {
   int firstDay = 0;
   std::vector<Outcomes> days;  ///< each day of the time, from firstDay on
   std::array<Outcomes, 24> hours{};
-  std::vector<DoorFigure> doors;          ///< most presentations first
-  std::vector<UnknownCard> unknownCards;  ///< the last one first
-  std::uint64_t unknownNotListed = 0;     ///< presentations of more codes than are counted
-  std::vector<PersonDay> people;          ///< by day and name
+  std::vector<DoorFigure> doors;               ///< most presentations first
+  std::vector<PresentedUnknown> unknownCards;  ///< the last one first
+  std::uint64_t unknownNotListed = 0;          ///< presentations of more codes than are counted
+  std::vector<PersonDay> people;               ///< by day and name
   std::vector<ControllerFigure> controllers;
   std::string controllersNotKnown;  ///< why it is not known what they miss; "": it is
   std::vector<ExpiringCard> cards;  ///< by last day

@@ -158,7 +158,7 @@ PageSection unknownSection(const Figures& figures) {
     section.sentences.push_back("The last " + grouped(mostRows) + " are shown; a folder of --csv has all.");
   PageTable table{
       "Codes of unknown cards", false, {"Code", "Times", "Last", "Where"}, {false, true, false, false}, {}};
-  for (const UnknownCard& card : figures.unknownCards) {
+  for (const PresentedUnknown& card : figures.unknownCards) {
     if (table.rows.size() == mostRows) break;
     table.rows.push_back(
         {shownName(card.code), {grouped(card.times), momentText(card.last), shownDoor(card.door)}});

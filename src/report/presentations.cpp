@@ -122,7 +122,7 @@ class Counter {
       figures_.unknownCards.push_back(std::move(card));
     }
     std::sort(figures_.unknownCards.begin(), figures_.unknownCards.end(),
-              [](const UnknownCard& one, const UnknownCard& other) {
+              [](const PresentedUnknown& one, const PresentedUnknown& other) {
                 return one.last.days != other.last.days ? one.last.days > other.last.days
                                                         : one.code < other.code;
               });
@@ -139,7 +139,7 @@ class Counter {
       ++figures_.unknownNotListed;
       return;
     }
-    UnknownCard& card = at(unknown_, code);
+    PresentedUnknown& card = at(unknown_, code);
     if (card.times++ == 0 || card.last.days <= moment.days) {
       card.last = moment;
       card.door = door;
@@ -162,7 +162,7 @@ class Counter {
   GroupCards cards_;
   bool people_;
   ByText<Outcomes> doors_;
-  ByText<UnknownCard> unknown_;
+  ByText<PresentedUnknown> unknown_;
   std::map<std::pair<int, std::string>, PersonDay> persons_;
 };
 
