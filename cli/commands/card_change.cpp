@@ -42,20 +42,24 @@ void lend(Session& session, const CardOptions& options) {
   std::cout << "Card " << number << ": " << nameOf(session, number) << ", until " << *texts.until << '\n';
 }
 
+std::string countOf(std::size_t cards) {
+  return std::to_string(cards) + (cards == 1 ? " card" : " cards");
+}
+
 void setMany(Session& session, const CardOptions& options) {
   CardChanges changes = changesOf(session.library(), cardFilterOf(options.where), options.texts);
   if (options.dryRun) {
     printDifferences(changes);
-    std::cout << changes.changed() << " cards would be changed; nothing is\n";
+    std::cout << "Nothing is changed: it would be " << countOf(changes.changed()) << '\n';
     return;
   }
-  const std::size_t count = changes.changed();
-  requireYes(session, "Change " + std::to_string(count) + (count == 1 ? " card?" : " cards?"));
+  const std::string count = countOf(changes.changed());
+  requireYes(session, "Change " + count + "?");
   {
     Progress progress;
     changes.carryOut(&progress);
   }
-  std::cout << count << " cards changed, to be sent with 'voxa download'\n";
+  std::cout << count << " changed, to be sent with 'voxa download'\n";
 }
 
 void set(Session& session, const CardOptions& options) {

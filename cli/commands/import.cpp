@@ -72,6 +72,10 @@ void importTable(Session& session, const ImportOptions& options) {
     std::cout << "Nothing is changed: it would be " << countsOf(import) << '\n';
     return;
   }
+  if (options.format.update && import.changes.empty()) {
+    std::cout << "Nothing is to be changed: " << countsOf(import) << '\n';
+    return;
+  }
   if (import.changes.changed() > 0) requireYes(session, "Import " + countsOf(import) + "?");
   {
     Progress progress;

@@ -22,6 +22,7 @@ void fillWithDemoData(Session& session) {
     info.type = controller.type;
     info.speed = controller.speed;
     site.addController(info);
+    site.setClock(info.station, info.address, 0);
   }
   std::cout
       << "It has 2 stations, 7 readers, 25 cards, and a journal of the last days. Simulated controllers "

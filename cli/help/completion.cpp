@@ -148,9 +148,9 @@ _voxa() {
   while IFS= read -r answer; do
     case $begun in
       [\"\']*) COMPREPLY+=("$answer") ;;  # the quotation mark stays, and covers the blanks
-      *) COMPREPLY+=("$(printf %q "${answer##--*=}")") ;
-  ;
-  esac done < < ("${COMP_WORDS[0]}" complete-- "${COMP_WORDS[@]:1:COMP_CWORD}" 2 > / dev / null)
+      *) COMPREPLY+=("$(printf %q "${answer##--*=}")") ;;
+    esac
+  done < <("${COMP_WORDS[0]}" complete -- "${COMP_WORDS[@]:1:COMP_CWORD}" 2>/dev/null)
 }
 complete -o default -F _voxa voxa
 )sh";

@@ -131,7 +131,7 @@ A line over a telephone is called first:
 
 A card that nobody knows was held to a door. Its code, to give it to somebody:
 
-  voxa card last-unknown "Front door"
+  voxa card last-unknown --reader "Front door"
 
 For a spreadsheet or another program:
 

@@ -11,8 +11,8 @@ namespace voxa::cli {
 
 namespace {
 
-constexpr std::size_t gap = 2;    // blanks between columns
-constexpr std::size_t least = 8;  // places that a wrapped column keeps
+constexpr std::size_t gap = 2;     // blanks between columns
+constexpr std::size_t least = 10;  // places that a wrapped column keeps
 
 std::string shown(const Cell& cell) {
   std::string text = cell.text();

@@ -34,7 +34,8 @@ bool hasColours() {
 std::ostream& operator<<(std::ostream& stream, Style style) {
   auto* filter = dynamic_cast<TerminalFilter*>(stream.rdbuf());
   static const bool colours = hasColours();
-  if (filter == nullptr || filter->terminal_ == nullptr || !colours) return stream;
+  if (filter == nullptr || filter->terminal_ == nullptr || !colours || filter->style_ == style) return stream;
+  filter->style_ = style;
   constexpr const char* sequences[] = {"\x1b[0m", "\x1b[1m", "\x1b[33m", "\x1b[31m"};
   const std::string_view sequence = sequences[static_cast<int>(style)];
   filter->terminal_->sputn(sequence.data(), static_cast<std::streamsize>(sequence.size()));

@@ -35,7 +35,8 @@ class TerminalFilter : public std::streambuf {
   std::ostream& stream_;
   int descriptor_;
   std::streambuf* terminal_ = nullptr;  // nullptr: no terminal
-  std::string begun_;                   // the bytes of a character that is not whole yet
+  Style style_ = Style::plain;
+  std::string begun_;  // the bytes of a character that is not whole yet
 };
 
 /// Changes the style of a terminal with colours: none when NO_COLOR is set, or TERM says that it has none.

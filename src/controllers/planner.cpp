@@ -30,6 +30,15 @@ void add(Digest& digest, std::int16_t group, const ImageRights& granted) {
   digest.add(granted.fault);
 }
 
+/// Whether a controller certainly has nothing of a card, nor parts that would be in force once it is there.
+bool isAbsent(const CardState& state) {
+  for (std::size_t i = 0; i < cardFieldCount; ++i) {
+    if (!state.part(static_cast<CardField>(i)).is("")) return false;
+  }
+  return state.otherLifts().is("") && std::all_of(state.lifts().begin(), state.lifts().end(),
+                                                  [](const auto& lift) { return lift.second.is(""); });
+}
+
 }  // namespace
 
 /// A controller that is being planned.
@@ -217,7 +226,7 @@ void Planner::planNumber(At& at, const CardsAt& cards, const Holdings& held, std
   std::optional<PlanItem> item;
   const bool wanted = card != nullptr && card->wanted && (granted != nullptr || card->several);
   // A card that is not valid opens nothing where it is shut, nor where it is not at all.
-  const bool absent = state == CardState() && !scope_.full;
+  const bool absent = isAbsent(state) && !scope_.full;
   if (wanted && !card->validated && !card->several && (absent || scope_.erasesBlocked)) {
     item = unwantedCard(cards, number, PlanReason::blocked, state);
   } else if (wanted && at.plan.type.empty()) {

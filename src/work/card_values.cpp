@@ -262,8 +262,9 @@ std::unique_ptr<Recordset> cardNamed(Installation& installation, const std::stri
   if (!rows->eof()) return rows;
   // Names may be codes, which have 8 digits.
   if (!digits || numberOrName.size() >= codeLength) {
+    // Who asks for the deleted ones has found none among the others.
     const std::string holders =
-        "select Name from Cardholders where Deleted = " + std::string(deleted ? "true" : "false");
+        "select Name from Cardholders" + std::string(deleted ? "" : " where Deleted = false");
     throw notFound("msgCantFindCardholder", numberOrName, namesOf(installation, holders));
   }
   rows = numbered(installation, cardNumber(numberOrName), deleted);

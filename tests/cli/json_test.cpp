@@ -30,11 +30,10 @@ std::vector<Part> partsOfPage() {
     if (line.starts_with("## voxa ")) parts.push_back({line.substr(8), false, {}});
     if (parts.empty()) continue;
     if (line.starts_with("Array")) parts.back().array = true;
-    if (line.starts_with("As `voxa ")) {  // the keys of a part before
-      const std::string same = line.substr(9, line.find('`', 9) - 9);
+    if (const auto as = line.find(", as `voxa "); as != std::string::npos) {  // the keys of a part before
+      const std::string same = line.substr(as + 11, line.find('`', as + 11) - as - 11);
       const auto found = std::find_if(parts.begin(), parts.end(),
                                       [&](const Part& p) { return p.command.starts_with(same); });
-      parts.back().array = found->array;
       parts.back().keys = found->keys;
     }
     if (std::regex_match(line, cells, row) && cells[1] != "key" && cells[1] != "---")
@@ -55,6 +54,11 @@ bool isOf(const Json& value, const std::string& type) {
   if (type == "number") return value.is_number();
   if (type == "flag") return value.is_boolean();
   if (type == "objects") return value.is_array();
+  if (type == "program")
+    return value.is_object() && isOf(value.value("Id", Json()), "number") &&
+           isOf(value.value("Name", Json()), "text") &&
+           isOf(value.value("Intervals", Json()), "array of text");
+  if (type == "object") return value.is_object();
   if (!value.is_string()) return false;
   const std::string text = value;
   if (type == "date") return std::regex_match(text, date);
@@ -72,6 +76,7 @@ void compare(const Json& object, const Keys& keys, const std::string& prefix) {
     expected.push_back(name);
     if (!object.contains(name)) continue;  // found by the comparison of all names
     EXPECT_TRUE(isOf(object[name], type)) << key << " is " << object[name] << ", not " << type;
+    if (type == "object") compare(object[name], keys, key + ".");
     if (type != "objects") continue;
     for (const Json& inner : object[name]) compare(inner, keys, key + ".");
   }
@@ -90,10 +95,13 @@ std::string output(const std::string& folder, const std::string& command) {
 }
 
 TEST(Json, CommandsPrintWhatThePageSays) {
-  const voxa::files::TemporaryFolder temporary("voxa-json");
-  const std::string folder = temporary.path() + "/plant";
+  const voxa::TemporaryFolder temporary;
+  const std::string folder = temporary / "plant";
   ASSERT_NE(output(folder, "init --demo-data"), "");
   output(folder, "download");
+  output(folder, "badge create");
+  output(folder, "lift add Top --station Local --address 1 --num 9");
+  output(folder, "alarm add Siren --type S --station Local --address 1 --num 3");
   const std::vector<Part> parts = partsOfPage();
   ASSERT_GT(parts.size(), 8U);
   for (const Part& part : parts) {

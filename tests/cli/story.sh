@@ -68,8 +68,8 @@ shows "Annex Controller 5  -  Garage: 3 sent"
 succeeds download all
 shows "2 controllers hold it all already"
 succeeds sim controller show --station Annex --address 5 --json
-shows '"Intervals": "08:00-12:00 13:00-24:00"'
-shows '"Days": "2 2 2 2 2 0 0, holidays 0"'
+shows '"08:00-12:00"'
+grep -qF '"Days":[2,2,2,2,2,0,0],"Holidays":0' <(tr -d ' \n' <out) || fail "the days of a week"
 succeeds log
 shows "31020800120013002400"
 
@@ -110,8 +110,8 @@ succeeds holiday add Strike --date 2027-05-03
 succeeds download holidays
 shows "Holidays: 2 sent, 0 unchanged, 0 failed"
 succeeds sim controller show --station Annex --address 5 --json
-shows '"Date": "25/12 every year"'
-shows '"Date": "03/05/2027"'
+shows '"Date": "--12-25"'
+shows '"Date": "2027-05-03"'
 succeeds sim controller fault --station Annex --address 5 --silent
 refuses "Annex Controller 5" --answer abort holiday delete Strike
 refuses "Annex Controller 5" --answer ignore holiday delete Strike
@@ -209,7 +209,7 @@ for file in copy.mdb plant/KRV.mdb; do
 done
 succeeds db query "Select s.Id, r.Id, s.Active, Phone, h.Date, -1.5 as x, 2 as x from Stations s, Readers r, Holidays h
   where r.StationId = s.Id and r.Name = 'Garage' and h.Name = 'Christmas'" --json
-tr -d ' \n' <out | grep -qF '[{"s.Id":2,"r.Id":2,"Active":true,"Phone":null,"Date":"2026-12-25T00:00:00","x":-1.5,"x_2":2}]' ||
+tr -d ' \n' <out | grep -qF '[{"s.Id":2,"r.Id":2,"Active":true,"Phone":null,"Date":"2026-12-25","x":-1.5,"x_2":2}]' ||
   fail "the types of a query"
 succeeds db query "select -1 as n, '=1+1' as a, 'b, \"' as b, Active from Stations where Id = 2" --csv
 [ "$(cat out)" = $'n,a,b,Active\r\n-1,\'=1+1,"b, """,yes\r' ] || fail "a query as CSV"
@@ -280,7 +280,7 @@ succeeds lift revoke 1 Top
 holds "" Local 1
 succeeds download all
 holds "11 12 20 " Local 1
-grep -qE '^ *20 +0000:;12 +0 +1 2 +0042 +yes +31/12/2031 +5$' out || fail "the whole card under its new number"
+grep -qE '^ *20 +0000:;12 +0 +1 2 +0042 +yes +31/12/2031 +5 +-$' out || fail "the whole card under its new number"
 succeeds group revoke 1 Front
 succeeds station set Annex --inactive
 refuses "the line is not in use" group revoke Cars Garage
@@ -378,8 +378,7 @@ succeeds import cards pins.csv
 succeeds card list --json --show-pins
 cmp <(sed 's/"ToSend": false/"ToSend": true/' list) out || fail "the imported cards differ"
 succeeds import cards pins.csv --update
-shows "0 new cards, "
-grep -q " changed" out && fail "an export changes cards where it came from"
+shows "Nothing is to be changed"
 plant=plant
 
 # From a card at a reader to the journal; a read that breaks off loses nothing.
@@ -539,7 +538,7 @@ status() { # EXPECTED ARGUMENT...
 }
 status 0 --version
 status 2 card nonsense
-grep -q "Commands of voxa card: add list" err || fail "the commands are not named"
+grep -q "Commands of voxa card: .*add" err || fail "the commands are not named"
 voxa card list >/dev/full 2>err && fail "output that cannot be written is a success"
 succeeds sim controller fault --station Annex --address 9 --silent
 status 3 status
