@@ -379,7 +379,7 @@ succeeds card list --json --show-pins
 cmp <(sed 's/"ToSend": false/"ToSend": true/' list) out || fail "the imported cards differ"
 succeeds import cards pins.csv --update
 shows "0 new cards, "
-grep -q " changed" out && fail "an export changes cards where it came from"
+grep -q "[0-9] changed" out && fail "an export changes cards where it came from"
 plant=plant
 
 # From a card at a reader to the journal; a read that breaks off loses nothing.
