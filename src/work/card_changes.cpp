@@ -87,7 +87,8 @@ std::vector<CardDifference> CardChanges::differences() const {
   return all;
 }
 
-TakenByCards CardChanges::takenAfterwards(const std::function<void(std::size_t line)>& onClash) const {
+TakenByCards CardChanges::takenAfterwards(
+    const std::function<void(std::size_t line, const Refusal& clash)>& onClash) const {
   std::set<std::int32_t> changing;
   for (const Change& change : changes_) changing.insert(change.id);
   TakenByCards taken(installation_, changing);
@@ -103,8 +104,8 @@ TakenByCards CardChanges::takenAfterwards(const std::function<void(std::size_t l
     try {
       taken.requireFree(values);
       taken.take(values, line == 0 ? name : "line " + std::to_string(line));
-    } catch (const Refusal&) {
-      onClash(line);
+    } catch (const Refusal& clash) {
+      onClash(line, clash);
     }
   };
   for (const Change& change : changes_) take(change.values, change.line, change.name.toText());
@@ -112,12 +113,14 @@ TakenByCards CardChanges::takenAfterwards(const std::function<void(std::size_t l
   return taken;
 }
 
-void CardChanges::visitClashes(const std::function<void(std::size_t line)>& onClash) const {
+void CardChanges::visitClashes(
+    const std::function<void(std::size_t line, const Refusal& clash)>& onClash) const {
   (void)takenAfterwards(onClash);
 }
 
 void CardChanges::carryOut(Observer* observer) {
-  TakenByCards taken = takenAfterwards([](std::size_t /*line*/) { throw; });
+  TakenByCards taken =
+      takenAfterwards([](std::size_t /*line*/, const Refusal& clash) { throw Refusal(clash); });
   for (auto& [values, line] : added_) {
     if (values.number) continue;
     values.number = taken.freeNumber();

@@ -14,6 +14,7 @@ namespace voxa {
 class Installation;
 class Observer;
 class Recordset;
+class Refusal;
 
 /// A value that a change of cards replaces.
 struct CardDifference {
@@ -45,7 +46,7 @@ class CardChanges {
   [[nodiscard]] std::vector<CardValues> newCards() const;
   /// Hands over the lines of which a card would have the number, code or name of another one afterwards,
   /// while the Refusal that says so is being handled.
-  void visitClashes(const std::function<void(std::size_t line)>& onClash) const;
+  void visitClashes(const std::function<void(std::size_t line, const Refusal& clash)>& onClash) const;
 
   /// Gives each new card without one a number, in their order: the lowest that no card has or had (newCards).
   /// Erases what is to be erased; a Refusal when a controller that has to do so does not answer: then no row
@@ -67,7 +68,8 @@ class CardChanges {
     CardValues values;
     std::size_t line = 0;
   };
-  [[nodiscard]] TakenByCards takenAfterwards(const std::function<void(std::size_t line)>& onClash) const;
+  [[nodiscard]] TakenByCards takenAfterwards(
+      const std::function<void(std::size_t line, const Refusal& clash)>& onClash) const;
   void eraseWhatIsLost();
   void freeOldValues(const Change& change);
   void write(const Change& change);

@@ -26,6 +26,7 @@ void provideTable(Database& database) {
   addField(made, "CardId", DataType::Long);
   addField(made, "CardNum", DataType::Long);
   addField(made, "Name", DataType::Text, nameSize);
+  made.fields.back().allowZeroLength = true;  // as other programs may have left it
   addField(made, "Until", DataType::Date);
   addIndex(made, "CardNum", {"CardNum"}, IndexKind::plain);
   database.createTable(made);

@@ -230,10 +230,11 @@ CardImport readCardTable(Installation& installation, std::string_view table, con
       note(record->line);
     }
   }
-  import.changes.visitClashes(note);
-  std::sort(import.badLines.begin(), import.badLines.end(),
-            [](const auto& one, const auto& other) { return one.line < other.line; });
-  return import;
-}
+  import.changes.visitClashes([&](std::size_t line, const Refusal& /*clash*/) { note(line);
+});
+std::sort(import.badLines.begin(), import.badLines.end(),
+          [](const auto& one, const auto& other) { return one.line < other.line; });
+return import;
+}  // namespace voxa
 
 }  // namespace voxa

@@ -378,8 +378,7 @@ succeeds import cards pins.csv
 succeeds card list --json --show-pins
 cmp <(sed 's/"ToSend": false/"ToSend": true/' list) out || fail "the imported cards differ"
 succeeds import cards pins.csv --update
-shows "0 new cards, "
-grep -q "[0-9] changed" out && fail "an export changes cards where it came from"
+shows "Nothing is to be changed"
 plant=plant
 
 # From a card at a reader to the journal; a read that breaks off loses nothing.
