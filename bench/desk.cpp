@@ -33,6 +33,7 @@ namespace fs = std::filesystem;
 constexpr int wholeJournal = 10'000'000;
 constexpr int smallJournal = 100'000;
 constexpr int cards = 9999;
+constexpr int usedCards = 9000;
 constexpr int usualRounds = 7;
 constexpr int roundsOfPasses = 3;  // over the whole journal
 
@@ -76,11 +77,14 @@ class Desk {
     // Some cards end in the journal's year.
     installation_.db().execute(
         "update Cardholders set ValidationDate = #12/31/2026# where CardNum between 500 and 700");
-    if (const auto open = installation_.library().QDB().Journal().DB()) open->close();
-    fillJournal(journal(), {.rows = wholeJournal});
+    fs::copy_file(installation_.databasePath(), main());
+    Journal& journalTable = installation_.library().QDB().Journal();
+    require(journalTable.createDB() == 0, "Cannot create the journal");
+    if (const auto open = journalTable.DB()) open->close();
+    fillJournal(journal(), {.rows = wholeJournal, .cards = usedCards});
   }
 
-  [[nodiscard]] std::string main() const { return installation_.databasePath(); }
+  [[nodiscard]] std::string main() const { return installation_.folder() + "/KRV.mdb"; }
   [[nodiscard]] std::string journal() const { return installation_.folder() + "/" + Journal::dbName; }
   [[nodiscard]] std::string output(const char* side) const { return installation_.folder() + "/" + side; }
 
@@ -137,13 +141,13 @@ Rows measure(const Harness& harness) {
   const std::string ofDay = journalQuery("where " + aDay + " order by [Date], Id");
   const std::string last = "select * from (" + journalQuery("order by [Date] desc, Id desc limit 20)");
   const std::string person = journalQuery(
-      "where substr(TransactionData, 3, 4) = '4711' and TransactionType <> '10' order by [Date], Id");
+      "where substr(TransactionData, 3, 4) = '4711' and TransactionType collate binary <> '10' order by "
+      "[Date], Id");
   const std::string neverUsed = "attach '" + desk.journal() +
                                 "' as j; select CardNum, Name, CardCode, AccessGroupId from Cardholders "
                                 "where Deleted = 0 and CardNum not in "
                                 "(select distinct cast(substr(TransactionData, 3, 4) as integer) from "
-                                "j.Journal where TransactionType <> "
-                                "'10') order by CardNum";
+                                "j.Journal where TransactionType collate binary <> '10') order by CardNum";
   const std::string who =
       "select c.CardNum, c.Name, g.Name, a.WeeklyProgNum from Readers r join AccGroupReaders a on a.ReaderId "
       "= r.Id "
