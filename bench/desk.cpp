@@ -139,7 +139,7 @@ Row measured(const Harness& harness, const Desk& desk, const Question& question,
 Rows measure(const Harness& harness) {
   const Desk desk;
   const std::string ofDay = journalQuery("where " + aDay + " order by [Date], Id");
-  const std::string last = "select * from (" + journalQuery("order by [Date] desc, Id desc limit 20)");
+  const std::string last = journalQuery("order by [Date] desc, Id desc limit 20");
   const std::string person = journalQuery(
       "where substr(TransactionData, 3, 4) = '4711' and TransactionType collate binary <> '10' order by "
       "[Date], Id");
