@@ -7,6 +7,7 @@
 #include "access/card_doors.h"
 #include "access/card_record.h"
 #include "files/conversions.h"
+#include "lines/code.h"
 #include "platform/clock.h"
 #include "platform/database/database.h"
 #include "platform/datetime.h"
@@ -107,6 +108,34 @@ std::string statementOf(const Selection& selected, const std::string& sort, std:
                             : "CardNum, Id");
 }
 
+/// A number or code as people compare them: without regard to case and to zeros in front.
+std::string significant(const std::string& text) {
+  const std::string digits = toLower(shownCode(text));
+  return digits.substr(std::min(digits.find_first_not_of('0'), digits.size()));
+}
+
+/// What a person looks for by a few letters or digits.
+class Wanted {
+ public:
+  explicit Wanted(const CardFilter& filter)
+      : name_(toLower(filter.name.value_or(""))),
+        text_(toLower(filter.text.value_or(""))),
+        number_(significant(text_)) {}
+
+  [[nodiscard]] bool is(const Value* row) const {
+    if (name_.empty() && text_.empty()) return true;
+    const std::string held = toLower(row[name].toText());
+    if (held.find(name_) == std::string::npos) return false;
+    return held.find(text_) != std::string::npos || isNumber(row[number]) || isNumber(row[code]);
+  }
+
+ private:
+  [[nodiscard]] bool isNumber(const Value& value) const {
+    return !value.isNull() && significant(value.toText()) == number_;
+  }
+  std::string name_, text_, number_;
+};
+
 CardRow rowOf(const Value* row, const GroupNames& groups) {
   CardRow card{row[number],
                row[name],
@@ -189,15 +218,14 @@ std::vector<CardRow> listCards(Installation& installation, const CardFilter& fil
     if (most < 1) throw Refusal("the limit is 1 or more cards");
     limit = static_cast<std::size_t>(most);
   }
-  const bool whole = filter.name || filter.neverUsed || sort == "until" || sort == "group";
-  const std::string part = filter.name ? toLower(*filter.name) : "";
+  const bool whole = filter.name || filter.text || filter.neverUsed || sort == "until" || sort == "group";
+  const Wanted wanted(filter);
   std::vector<CardRow> cards;
   const Selection selected = selectionOf(installation, filter, groups);
   installation.database().visitRows(
       statementOf(selected, sort, whole ? 0 : limit),
       [&](const Value* row) {
-        if (part.empty() || toLower(row[name].toText()).find(part) != std::string::npos)
-          cards.push_back(rowOf(row, groups));
+        if (wanted.is(row)) cards.push_back(rowOf(row, groups));
         return true;
       },
       selected.values);

@@ -16,6 +16,7 @@ struct CardFilter {
   std::optional<std::string> group = {};          ///< name or number of the access group
   std::optional<std::string> door = {};           ///< name of a reader that the group opens
   std::optional<std::string> name = {};           ///< a part of the name, in any case
+  std::optional<std::string> text = {};           ///< the number, the code, or a part of the name
   std::optional<std::string> valid = {};          ///< yes or no
   std::optional<std::string> supervisor = {};     ///< yes or no
   std::optional<std::string> expiresBefore = {};  ///< a day: the last day is before it, and not over yet

@@ -1,28 +1,15 @@
 #include "work/cards.h"
 
-#include <algorithm>
 #include <cmath>
 
-#include "lines/code.h"
 #include "platform/clock.h"
 #include "platform/database/database.h"
-#include "platform/text.h"
 #include "work/installation.h"
 #include "work/look_up.h"
 #include "work/refusal.h"
 #include "work/suggestions.h"
 
 namespace voxa {
-
-namespace {
-
-/// A number or code as people compare them: without regard to case and to zeros in front.
-std::string significant(const std::string& text) {
-  const std::string digits = toLower(shownCode(text));
-  return digits.substr(std::min(digits.find_first_not_of('0'), digits.size()));
-}
-
-}  // namespace
 
 std::int16_t addCard(Installation& installation, const CardTexts& texts) {
   CardTexts whole = texts;
@@ -71,15 +58,7 @@ CardChanges changesOf(Installation& installation, const CardFilter& filter, cons
 }
 
 std::vector<CardRow> findCards(Installation& installation, const std::string& text, bool deleted) {
-  const std::string part = toLower(text);
-  const std::string number = significant(text);
-  const auto is = [&](const Value& value) {
-    return !value.isNull() && !text.empty() && significant(value.toText()) == number;
-  };
-  std::vector<CardRow> cards = listCards(installation, {.deleted = deleted});
-  std::erase_if(cards, [&](const CardRow& card) {
-    return !is(card.number) && !is(card.code) && toLower(card.name.toText()).find(part) == std::string::npos;
-  });
+  std::vector<CardRow> cards = listCards(installation, {.text = text, .deleted = deleted});
   if (cards.empty()) {
     const std::string names = "select Name from Cardholders where Deleted = ";
     throw notFound("msgCantFindCardholder", text,
