@@ -107,21 +107,24 @@ void verify(Session& session, const std::string& also) {
     Progress progress;
     found = verifyJournal(session.library(), also.empty() ? "" : session.callersFile(also), progress);
   }
-  std::cout << found.files << " archive files, " << rowsText(found.lines) << ": " << found.inJournal
-            << " in the journal, " << found.inSaved << " in files of 'journal delete', " << found.missing
-            << " missing\n";
+  std::cout << found.files << (found.files == 1 ? " archive file, " : " archive files, ")
+            << rowsText(found.lines) << ": " << found.inJournal << " in the journal, " << found.inSaved
+            << " in files of 'journal delete', " << found.missing << " missing\n";
   if (found.undecoded > 0)
-    std::cout << found.undecoded << " lines are no transactions; the .BAD files tell of them\n";
+    std::cout << found.undecoded
+              << (found.undecoded == 1 ? " line is no transaction" : " lines are no transactions")
+              << "; the .BAD files tell of them\n";
   if (found.unknownCards > 0)
-    std::cout << found.unknownCards << " of unknown cards were taken out, as 'voxa card last-unknown' does\n";
+    std::cout << found.unknownCards << " of unknown cards " << (found.unknownCards == 1 ? "was" : "were")
+              << " taken out, as 'voxa card last-unknown' does\n";
   if (found.missing == 0) return;
   for (const JournalVerification::Line& line : found.firstMissing) {
     std::cout << line.file << ", line " << line.number << ": " << line.text << '\n';
   }
   if (found.missing > found.firstMissing.size())
     std::cout << "and " << found.missing - found.firstMissing.size() << " more\n";
-  throw Leftover(rowsText(found.missing) +
-                 " of the archive are not in the journal: if they were saved elsewhere, name that file with "
+  throw Leftover(rowsText(found.missing) + " of the archive " + (found.missing == 1 ? "is" : "are") +
+                 " not in the journal: if saved elsewhere, name that file with "
                  "--also");
 }
 

@@ -14,10 +14,19 @@ namespace {
 const std::vector<std::string> columns = {"Date",    "Station",    "Reader", "Type",
                                           "Meaning", "Cardholder", "Data"};
 
+bool hasDate(const JournalRow& row) {
+  return row.date.days != 0;
+}
+
+std::string dateText(const JournalRow& row) {
+  return hasDate(row) ? formatDateTime(row.date, "dd/mm/yyyy hh:nn") : "-";
+}
+
 std::vector<Cell> cellsOf(const JournalRow& row, JournalForm form) {
   const auto name = [](const std::string& text) { return text.empty() ? Value() : Value(text); };
-  const Cell date =
-      form == JournalForm::csv ? Cell(formatDateTime(row.date, "dd/mm/yyyy hh:nn")) : Cell::moment(row.date);
+  const Cell date = !hasDate(row)              ? Cell()
+                    : form == JournalForm::csv ? Cell(dateText(row))
+                                               : Cell::moment(row.date);
   return {date,
           name(row.station),
           name(row.reader),
@@ -45,7 +54,7 @@ std::string who(const JournalRow& row) {
 }  // namespace
 
 std::string sentenceOf(const JournalRow& row) {
-  std::string text = formatDateTime(row.date, "dd/mm/yyyy hh:nn") + "  ";
+  std::string text = dateText(row) + "  ";
   if (const std::string name = who(row); !name.empty()) text += inLine(name) + ", ";
   text +=
       row.reader.empty() ? "a reader of " + inLine(row.station) + " that has no name" : inLine(row.reader);

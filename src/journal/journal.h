@@ -72,6 +72,8 @@ class Journal : public Table {
     std::string name;          ///< for a person
     std::int16_t result = 0;   ///< 0: read and cleared; else numbered as by readTransactions
     std::string failure = {};  ///< what to tell of it
+
+    void fail(std::string text);  ///< adds to the failure
   };
   /// What came of readAuto. A controller is named by it as in the progress log, "North - 5".
   struct Run {

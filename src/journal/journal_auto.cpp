@@ -93,7 +93,7 @@ std::int16_t Journal::AutoRun::disconnect() {
 
 void Journal::AutoRun::fail(const ControllerRead& what, const char* mnemonic, const std::string& why) {
   run_.reads.push_back(what);
-  run_.reads.back().failure = log_.write(mnemonic, why);
+  run_.reads.back().fail(log_.write(mnemonic, why));
 }
 
 void Journal::AutoRun::hangUp() {

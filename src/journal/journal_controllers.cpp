@@ -10,6 +10,11 @@
 
 namespace voxa {
 
+void Journal::ControllerRead::fail(std::string text) {
+  for (std::size_t at = 0; (at = text.find(" \r\n")) != std::string::npos;) text.erase(at, 1);
+  failure += text;
+}
+
 std::int16_t Journal::readController(const ControllerPlace& source, const Begins& begins,
                                      const Fails& fails) {
   Com& com = access_.Com();
@@ -50,7 +55,7 @@ std::vector<Journal::ControllerRead> Journal::readStation(std::int16_t station,
     read.result = readController(
         read.place, [](ComCommandsEnum) {},
         [&](const char* mnemonic, const std::string& why) {
-          read.failure += context_.messages().read(mnemonic) + " " + why;
+          read.fail(context_.messages().read(mnemonic) + " " + why);
         });
   }
   return reads;

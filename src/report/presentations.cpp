@@ -4,21 +4,27 @@
 #include <bitset>
 #include <cmath>
 #include <map>
+#include <set>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 #include <utility>
 
 #include "controllers/image.h"
+#include "journal/journal_rows.h"
 #include "lines/code.h"
 #include "platform/database/database.h"
+#include "platform/text.h"
 #include "report/figures.h"
+#include "work/card_history.h"
 #include "work/cards.h"
 #include "work/installation.h"
 #include "work/journal_condition.h"
 #include "work/journal_filter.h"
 #include "work/journal_list.h"
 #include "work/look_up.h"
+#include "work/place_history.h"
+#include "work/transaction_type.h"
 
 namespace voxa {
 
@@ -50,38 +56,45 @@ T& at(ByText<T>& all, std::string_view text) {
   return found != all.end() ? found->second : all[std::string(text)];
 }
 
-/// The numbers of the cards of an access group.
-class GroupCards {
+/// Whose transactions count, and under which name.
+class Cards {
  public:
-  GroupCards(Installation& installation, const std::string& group) : any_(group.empty()) {
+  Cards(Installation& installation, const std::string& group) : owners_(installation), any_(group.empty()) {
     if (any_) return;
     for (const CardRow& card : listCards(installation, {.group = group})) {
       const std::int32_t number = card.number.isNull() ? 0 : card.number.toInt32();
       if (number > 0 && number <= greatestCardNumber) numbers_.set(static_cast<std::size_t>(number));
+      ids_.insert(card.id);
     }
   }
   [[nodiscard]] bool areAll() const { return any_; }
-  /// data: of the transaction of a card that was known.
-  [[nodiscard]] bool has(std::string_view transactionData) const {
-    constexpr std::size_t place = 2;
-    constexpr std::size_t digits = 4;
+  /// number: of the card that was known, 0 for none. A number that was another's before is that one's then.
+  [[nodiscard]] bool have(std::int32_t number, DateTime moment) const {
     if (any_) return true;
-    std::size_t number = 0;
-    for (const char digit : transactionData.substr(std::min(place, transactionData.size()), digits)) {
-      if (digit < '0' || digit > '9') return false;
-      number = number * 10 + static_cast<std::size_t>(digit - '0');
-    }
-    return numbers_.test(number);
+    if (owners_.hasPast(number)) return ids_.contains(owners_.ownerAt(number, moment));
+    return numbers_.test(static_cast<std::size_t>(number));
+  }
+  /// Who had the number then, when the history tells, whoever's name was stored.
+  [[nodiscard]] std::string nameOf(std::int32_t number, DateTime moment, std::string_view stored) const {
+    std::string name(stored);
+    if (!owners_.hasPast(number)) return name;
+    const std::int32_t doer = owners_.doer(number, moment, name);
+    const std::vector<std::string> names = owners_.namesOf(doer);
+    const bool his = std::any_of(names.begin(), names.end(),
+                                 [&](const std::string& one) { return equalNoCase(journalName(one), name); });
+    return his || names.empty() ? name : names.front();
   }
 
  private:
+  CardOwners owners_;
   bool any_;
   std::bitset<greatestCardNumber + 1> numbers_;
+  std::set<std::int32_t> ids_;
 };
 
 class Counter {
  public:
-  Counter(Figures& figures, GroupCards cards)
+  Counter(Figures& figures, Cards cards)
       : figures_(figures), cards_(std::move(cards)), people_(figures.asked.people) {
     figures_.firstDay = static_cast<int>(std::floor(figures.since.days));
     figures_.days.resize(static_cast<std::size_t>(std::ceil(figures.until.days)) -
@@ -95,8 +108,9 @@ class Counter {
       return;
     }
     const bool known = meaning != TransactionMeaning::unknownCard;
-    if (known ? !cards_.has(textOf(row[data])) : !cards_.areAll()) return;
     const DateTime moment = row[date].toDateTime();
+    const std::int32_t number = cardNumberIn(meaning, textOf(row[data]));
+    if (known ? !cards_.have(number, moment) : !cards_.areAll()) return;
     const auto minute = static_cast<std::int64_t>(std::llround(moment.days * minutesADay));
     const auto day = static_cast<std::size_t>(minute / minutesADay - figures_.firstDay);
     figures_.all.add(meaning);
@@ -106,7 +120,7 @@ class Counter {
     at(doors_, door).add(meaning);
     if (!known) addUnknown(textOf(row[data]), moment, door);
     if (people_ && meaning == TransactionMeaning::granted)
-      addPerson(static_cast<int>(day), textOf(row[holder]), moment, door);
+      addPerson(static_cast<int>(day), cards_.nameOf(number, moment, textOf(row[holder])), moment, door);
   }
 
   void finish() {
@@ -147,8 +161,8 @@ class Counter {
     }
   }
 
-  void addPerson(int day, std::string_view name, DateTime moment, std::string_view door) {
-    PersonDay& person = persons_[{day, std::string(name)}];
+  void addPerson(int day, const std::string& name, DateTime moment, std::string_view door) {
+    PersonDay& person = persons_[{day, name}];
     if (person.times == 0 || moment.days < person.first.days) {
       person.first = moment;
       person.firstDoor = door;
@@ -160,7 +174,7 @@ class Counter {
   }
 
   Figures& figures_;
-  GroupCards cards_;
+  Cards cards_;
   bool people_;
   ByText<Outcomes> doors_;
   ByText<UnknownCode> unknown_;
@@ -181,7 +195,7 @@ void findJournal(Database& journal, Figures& figures) {
 
 void countPresentations(Installation& installation, Figures& figures) {
   const std::shared_ptr<Database> journal = openedJournal(installation);
-  Counter counter(figures, GroupCards(installation, figures.asked.group));
+  Counter counter(figures, Cards(installation, figures.asked.group));
   const std::string& door = figures.asked.door;
   JournalCondition condition;
   condition.add("[Date] >= ?", "datetime", figures.since);
@@ -199,7 +213,8 @@ void countPresentations(Installation& installation, Figures& figures) {
       condition.values());
   counter.finish();
   if (found) return;
-  if (!door.empty()) (void)readerNamed(installation, door);
+  if (!door.empty() && !wasPlace(installation, PlaceKind::reader, door))
+    (void)readerNamed(installation, door);
   findJournal(*journal, figures);
 }
 

@@ -2,10 +2,12 @@
 
 #include <algorithm>
 
+#include "journal/journal_rows.h"
 #include "platform/clock.h"
 #include "platform/database/database.h"
 #include "platform/text.h"
 #include "work/installation.h"
+#include "work/look_up.h"
 
 namespace voxa {
 
@@ -14,14 +16,8 @@ namespace {
 constexpr const char* table = "CardHistory";
 constexpr int nameSize = 50;
 
-bool hasTable(Database& database) {
-  const auto names = database.tableNames();
-  return std::any_of(names.begin(), names.end(),
-                     [](const std::string& name) { return equalNoCase(name, table); });
-}
-
 void provideTable(Database& database) {
-  if (hasTable(database)) return;
+  if (hasTable(database, table)) return;
   TableDef made{table, {}, {}};
   addField(made, "CardId", DataType::Long);
   addField(made, "CardNum", DataType::Long);
@@ -63,7 +59,7 @@ void keepHistoryOfNumber(Installation& installation, std::int32_t number) {
 CardOwners::CardOwners(Installation& installation) {
   Database& database = installation.database();
   const Reading moment(database);
-  if (hasTable(database)) {
+  if (hasTable(database, table)) {
     for (const auto rows = database.openRecordset("select * from CardHistory order by [Until]"); !rows->eof();
          rows->moveNext()) {
       const std::int32_t id = rows->get("CardId").toInt32();
@@ -110,6 +106,25 @@ std::int32_t CardOwners::ownerAt(std::int32_t number, DateTime moment) const {
   }
   const auto now = present_.find(number);
   return now == present_.end() ? 0 : now->second;
+}
+
+std::vector<std::int32_t> CardOwners::idsOf(std::int32_t number) const {
+  std::vector<std::int32_t> ids;
+  if (const auto past = past_.find(number); past != past_.end()) {
+    for (const Past& one : past->second) addOnce(ids, one.id);
+  }
+  if (const auto now = present_.find(number); now != present_.end()) addOnce(ids, now->second);
+  return ids;
+}
+
+std::int32_t CardOwners::doer(std::int32_t number, DateTime moment, const std::string& storedName) const {
+  const auto isStored = [&](const std::string& name) { return equalNoCase(journalName(name), storedName); };
+  bool known = storedName == zeroPadded(number, 4);
+  for (const std::int32_t id : idsOf(number)) {
+    const std::vector<std::string> names = namesOf(id);
+    known = known || std::any_of(names.begin(), names.end(), isStored);
+  }
+  return known ? ownerAt(number, moment) : 0;
 }
 
 std::vector<std::string> CardOwners::namesOf(std::int32_t id) const {

@@ -30,6 +30,14 @@ class CardOwners {
   /// Id of the card that had a number at a moment: as far as is known, it had it from the beginning. 0 for a
   /// number that no card has or had.
   [[nodiscard]] std::int32_t ownerAt(std::int32_t number, DateTime moment) const;
+  /// Whose a transaction of a number is: the card that had it then, when it is stored under the number or a
+  /// name that one of the cards has or had that shared it. A transaction that was read late has the name of
+  /// the number's next holder. 0 when another name was stored: the history says nothing of that one.
+  [[nodiscard]] std::int32_t doer(std::int32_t number, DateTime moment, const std::string& storedName) const;
+  /// Whether a number was another's, or another name's, before.
+  [[nodiscard]] bool hasPast(std::int32_t number) const { return past_.contains(number); }
+  /// The cards that have or had a number.
+  [[nodiscard]] std::vector<std::int32_t> idsOf(std::int32_t number) const;
   /// The names of a card: the present one, unless its row is gone, and behind it the earlier ones, the last
   /// one first.
   [[nodiscard]] std::vector<std::string> namesOf(std::int32_t id) const;

@@ -1,28 +1,22 @@
 #include "work/card_usage.h"
 
-#include <charconv>
 #include <set>
+#include <utility>
 
 #include "platform/database/database.h"
 #include "work/card_history.h"
 #include "work/installation.h"
+#include "work/journal_filter.h"
 #include "work/journal_list.h"
+#include "work/journal_scan.h"
 
 namespace voxa {
 
 namespace {
 
-/// The number of the card in a transaction's data; 0 when there is none of a known card.
 std::int32_t numberIn(const Value& type, const Value& data) {
-  constexpr std::size_t width = 8;
   const auto* text = std::get_if<std::string>(&data.data());
-  if (text == nullptr || text->size() != width || type.isNull()) return 0;
-  const TransactionMeaning meaning = meaningOf(type.toText());
-  if (meaning == TransactionMeaning::unknownCard || meaning == TransactionMeaning::other) return 0;
-  std::int32_t number = 0;
-  const char* const begin = text->data() + 2;
-  (void)std::from_chars(begin, begin + 4, number);
-  return number;
+  return text == nullptr || type.isNull() ? 0 : cardNumberIn(meaningOf(type.toText()), *text);
 }
 
 }  // namespace
@@ -30,18 +24,34 @@ std::int32_t numberIn(const Value& type, const Value& data) {
 std::optional<LastUse> lastUse(Installation& installation, std::int32_t id) {
   const CardOwners owners(installation);
   const auto numbers = owners.numbersOf(id);
-  const std::set<std::int32_t> had(numbers.begin(), numbers.end());
+  if (numbers.empty()) return std::nullopt;
+  JournalCondition condition;
+  addNumbers(numbers, condition);
+  Database& journal = *openedJournal(installation);
+  const bool indexed = isIndexed(journal);
   std::optional<LastUse> last;
-  openedJournal(installation)
-      ->visitRows("select [Date], TransactionType, TransactionData, ReaderName from Journal order by Id desc",
-                  [&](const Value* row) {
-                    const std::int32_t number = numberIn(row[1], row[2]);
-                    if (!had.contains(number) || row[0].isNull()) return true;
-                    const DateTime date = row[0].toDateTime();
-                    if (owners.ownerAt(number, date) != id) return true;
-                    last = {date, row[3].isNull() ? "" : row[3].toText(), meaningOf(row[1].toText())};
-                    return false;
-                  });
+  std::int32_t lastId = 0;
+  const auto look = [&](const Value* row) {
+    const std::int32_t number = numberIn(row[1], row[2]);
+    if (number == 0 || row[0].isNull()) return false;
+    const DateTime date = row[0].toDateTime();
+    const std::int32_t rowId = row[4].toInt32();
+    if (last && std::pair(date.days, rowId) <= std::pair(last->date.days, lastId)) return false;
+    if (owners.ownerAt(number, date) != id) return false;
+    lastId = rowId;
+    last = {date, row[3].isNull() ? "" : row[3].toText(), meaningOf(row[1].toText())};
+    return true;
+  };
+  constexpr const char* columns = "[Date], TransactionType, TransactionData, ReaderName, Id";
+  scanJournal(journal, condition, columns, ScanOrder::lastReadFirst,
+              [&](const Value* row) { return !look(row) || !indexed; });
+  if (!indexed || !last) return last;
+  // A controller that was read late brought what is older: what is newer may have been read before.
+  condition.add("[Date] > ?", "datetime", last->date);
+  scanJournal(journal, condition, columns, ScanOrder::any, [&](const Value* row) {
+    (void)look(row);
+    return true;
+  });
   return last;
 }
 

@@ -15,14 +15,14 @@ class Installation;
 
 // Where the journal knows a card, by its number at the time (card_history.h).
 
-/// The last transaction of a card.
+/// The last transaction of a card: the newest by date, and of one minute one that was read last.
 struct LastUse {
   DateTime date;
   std::string reader;  ///< "" when it was not known
   TransactionMeaning meaning = TransactionMeaning::other;
 };
-/// None for a card of which the journal has none. The journal is read from its end on: of a card that was
-/// never used all of it.
+/// None for a card of which the journal has none. All of the journal is read once; with an index
+/// of dates no more than back to the row that was read last.
 [[nodiscard]] std::optional<LastUse> lastUse(Installation& installation, std::int32_t id);
 
 /// Leaves the cards out that the journal knows. It is read once, up to the row behind which none of the cards

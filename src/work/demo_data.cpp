@@ -7,6 +7,7 @@
 
 #include "journal/journal.h"
 #include "journal/journal_rows.h"
+#include "lines/code.h"
 #include "platform/clock.h"
 #include "platform/database/database.h"
 #include "platform/datetime.h"
@@ -146,7 +147,7 @@ std::string lineOf(const Event& event, const AccessAnswer* answer) {
   // Units of the type, by position.
   constexpr char units[] = {'0', '2', '1', '3'};
   std::string type = "1";
-  std::string data = "00C0FFEE";
+  std::string data = controllerCode("00C0FFEE");
   char unit = units[event.door->position - 1];
   if (answer != nullptr) {
     const bool byTime =

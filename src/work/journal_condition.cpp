@@ -28,8 +28,8 @@ void JournalCondition::addAnyOf(const std::string& column, std::string_view type
 }
 
 bool JournalCondition::isIndexed() const {
-  return conditions_.find("[Date]") != std::string::npos ||
-         conditions_.find("CardholderName in") != std::string::npos;
+  return conditions_.find("([Date]") != std::string::npos ||
+         conditions_.find("(CardholderName in") != std::string::npos;
 }
 
 std::string JournalCondition::change(const std::string& what) const {

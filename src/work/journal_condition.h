@@ -18,6 +18,9 @@ class JournalCondition {
   /// A column that is one of these values, of which there is at least one.
   void addAnyOf(const std::string& column, std::string_view type, const std::vector<Value>& values);
 
+  /// Declares a value that a condition needs besides: its name there.
+  std::string declare(std::string_view type, const Value& value);
+
   /// A statement on the table. columns: what stands behind SELECT. order: with ORDER BY in front, or "".
   [[nodiscard]] std::string statement(const std::string& columns, const std::string& order = "") const;
   /// A statement that changes rows of it. what: stands in front, "delete from Journal".
@@ -27,8 +30,6 @@ class JournalCondition {
   [[nodiscard]] const Database::Parameters& values() const { return values_; }
 
  private:
-  std::string declare(std::string_view type, const Value& value);
-
   std::string declared_;
   std::string conditions_;
   Database::Parameters values_;

@@ -11,6 +11,7 @@
 #include "work/installation.h"
 #include "work/journal_condition.h"
 #include "work/journal_list.h"
+#include "work/place_history.h"
 #include "work/refusal.h"
 #include "work/words.h"
 
@@ -36,12 +37,13 @@ std::string codesOf(const Meanings& meanings) {
 const Meanings ofCards = {TransactionMeaning::granted, TransactionMeaning::refusedByTime,
                           TransactionMeaning::refusedByRights};
 
-void addType(const std::string& type, JournalCondition& condition) {
+void addType(const std::string& given, JournalCondition& condition) {
+  const std::string type = toLower(given);
   if (type.empty()) return;
   if (type.size() == 2 && isNumber(type)) return condition.add("TransactionType = ?", "memo", type);
   constexpr const char* words[] = {"granted", "refused", "time", "rights", "unknown", "other"};
   if (std::find(std::begin(words), std::end(words), type) == std::end(words)) {
-    throw Refusal("'" + type +
+    throw Refusal("'" + given +
                   "' is no type of transactions: granted, refused, time, rights, unknown, other, "
                   "or two digits");
   }
@@ -59,10 +61,12 @@ std::string withoutZeros(const std::string& digits) {
   return digits.substr(std::min(digits.find_first_not_of('0'), digits.size()));
 }
 
-/// The rows of a card number, in the language.
-std::string ofNumber(const std::string& number) {
-  return "TransactionType in (" + codesOf(ofCards) + ") and Mid(TransactionData, 3, 4) = '" +
-         zeroPadded(std::stoi("0" + number), numberDigits) + "'";
+/// The rows of card numbers, in the language.
+std::string ofNumbers(const std::vector<std::int32_t>& numbers) {
+  std::string list;
+  for (const std::int32_t number : numbers)
+    list += (list.empty() ? "'" : ", '") + zeroPadded(number, numberDigits) + "'";
+  return "TransactionType in (" + codesOf(ofCards) + ") and Mid(TransactionData, 3, 4) in (" + list + ")";
 }
 
 /// The rows of an unknown card's code; "" for a text that is none.
@@ -81,25 +85,29 @@ std::string ofCode(const std::string& text) {
 
 void addCard(const std::string& card, JournalCondition& condition) {
   if (card.empty()) return;
-  std::string rows = "CardholderName = ?";
+  std::string rows = "CardholderName = " + condition.declare("memo", journalName(card));
   if (isNumber(card) && withoutZeros(card).size() <= numberDigits)
-    rows += " or (" + ofNumber(withoutZeros(card)) + ")";
+    rows += " or (" + ofNumbers({std::stoi("0" + withoutZeros(card))}) + ")";
   if (const std::string code = ofCode(card); !code.empty()) rows += " or (" + code + ")";
-  condition.add(rows, "memo", card);
+  condition.add(rows);  // a code may have question marks
 }
 
-/// Rows of a place by its name, and by the number of the one that has the name now.
-void addPlace(const std::string& name, const char* column, const std::unique_ptr<Recordset>& now,
+/// Rows of a place by its name, and by the number of the one that has the name now, since it has that number.
+void addPlace(Installation& installation, const std::string& name, PlaceKind kind,
               JournalCondition& condition) {
-  std::string rows = std::string(column) + "Name = ?";
-  if (!now->eof()) rows += " or " + std::string(column) + "Id = " + now->get("Id").toText();
+  if (name.empty()) return;
+  const std::string column = kind == PlaceKind::reader ? "Reader" : "Station";
+  const auto now = installation.database().openRecordset(
+      "parameters pName memo; select Id from " + column + "s where Name = pName", {{"pName", name}});
+  std::string rows = column + "Name = ?";
+  if (!now->eof()) {
+    const std::int32_t id = now->get("Id").toInt32();
+    rows += " or (" + column + "Id = " + std::to_string(id);
+    if (const auto since = placeSince(installation, kind, id))
+      rows += " and [Date] >= " + condition.declare("datetime", *since);
+    rows += ")";
+  }
   condition.add(rows, "memo", name);
-}
-
-std::unique_ptr<Recordset> rowsNamed(Installation& installation, const std::string& table,
-                                     const std::string& name) {
-  return installation.database().openRecordset(
-      "parameters pName memo; select Id from " + table + " where Name = pName", {{"pName", name}});
 }
 
 }  // namespace
@@ -107,10 +115,17 @@ std::unique_ptr<Recordset> rowsNamed(Installation& installation, const std::stri
 void addFilter(Installation& installation, const JournalFilter& filter, JournalCondition& condition) {
   addType(filter.type, condition);
   addCard(filter.card, condition);
-  if (!filter.reader.empty())
-    addPlace(filter.reader, "Reader", rowsNamed(installation, "Readers", filter.reader), condition);
-  if (!filter.station.empty())
-    addPlace(filter.station, "Station", rowsNamed(installation, "Stations", filter.station), condition);
+  addPlace(installation, filter.reader, PlaceKind::reader, condition);
+  addPlace(installation, filter.station, PlaceKind::station, condition);
+}
+
+void addNumbers(const std::vector<std::int32_t>& numbers, JournalCondition& condition) {
+  condition.add(ofNumbers(numbers));
+}
+
+bool canBeCard(Installation& installation, const std::string& card) {
+  const bool number = isNumber(card) && withoutZeros(card).size() <= numberDigits;
+  return number || !ofCode(card).empty() || !CardOwners(installation).idsNamed(card).empty();
 }
 
 JournalPerson::JournalPerson(Installation& installation, const std::string& nameOrNumber)
@@ -123,33 +138,26 @@ JournalPerson::JournalPerson(Installation& installation, const std::string& name
   if (ids_.empty()) names_.insert(toLower(journalName(nameOrNumber)));
   for (const std::int32_t id : ids_) {
     for (const std::string& name : owners_.namesOf(id)) names_.insert(toLower(journalName(name)));
-    for (const std::int32_t number : owners_.numbersOf(id)) numbers_.insert(zeroPadded(number, numberDigits));
+    for (const std::int32_t number : owners_.numbersOf(id)) {
+      stored_.insert(zeroPadded(number, numberDigits));
+      for (const std::int32_t other : owners_.idsOf(number)) {
+        for (const std::string& name : owners_.namesOf(other)) stored_.insert(toLower(journalName(name)));
+      }
+    }
   }
+  stored_.insert(names_.begin(), names_.end());
 }
 
 void JournalPerson::addTo(JournalCondition& condition) const {
-  std::vector<Value> names(names_.begin(), names_.end());
-  names.insert(names.end(), numbers_.begin(), numbers_.end());
-  condition.addAnyOf("CardholderName", "memo", names);
-}
-
-bool JournalPerson::has(const std::string& name) const {
-  return names_.contains(toLower(name));
+  condition.addAnyOf("CardholderName", "memo", {stored_.begin(), stored_.end()});
 }
 
 bool JournalPerson::did(const JournalRow& row) const {
-  constexpr std::size_t width = 8;
-  const std::string number = row.data.size() == width ? row.data.substr(2, numberDigits) : "";
-  const bool isOfCard = row.meaning != TransactionMeaning::other &&
-                        row.meaning != TransactionMeaning::unknownCard && isNumber(number);
-  const std::int32_t owner = isOfCard ? owners_.ownerAt(std::stoi(number), row.date) : 0;
-  if (ids_.contains(owner)) return has(row.cardholder) || row.cardholder == number;
-  if (!has(row.cardholder)) return false;
-  // Somebody else of that name had the number then.
-  const std::vector<std::string> names = owner == 0 ? std::vector<std::string>() : owners_.namesOf(owner);
-  return std::none_of(names.begin(), names.end(), [&](const std::string& name) {
-    return equalNoCase(journalName(name), row.cardholder);
-  });
+  if (const std::int32_t number = cardNumberIn(row.meaning, row.data); number != 0) {
+    if (const std::int32_t doer = owners_.doer(number, row.date, row.cardholder); doer != 0)
+      return ids_.contains(doer);
+  }
+  return names_.contains(toLower(row.cardholder));
 }
 
 }  // namespace voxa

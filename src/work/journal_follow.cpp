@@ -5,10 +5,12 @@
 #include <vector>
 
 #include "comm/com.h"
+#include "comm/reader.h"
 #include "comm/station.h"
 #include "journal/journal.h"
 #include "platform/database/database.h"
 #include "work/installation.h"
+#include "work/look_up.h"
 #include "work/refusal.h"
 
 namespace voxa {
@@ -45,7 +47,9 @@ JournalFollow::JournalFollow(Installation& installation, JournalFilter filter)
   if (!filter_.until.empty()) throw Refusal("what comes is followed without an end: leave --until out");
   filter_.last.clear();
   filter_.since.clear();
-  (void)JournalList(installation_, filter_);
+  JournalList(installation_, filter_).requireKnown();
+  if (!filter_.reader.empty()) reader_ = readerNamed(installation_, filter_.reader)->get("Id").toInt16();
+  if (!filter_.station.empty()) station_ = stationNamed(installation_, filter_.station)->get("Id").toInt16();
   filter_.after = lastJournalRow(*openedJournal(installation_));
 }
 
@@ -93,7 +97,13 @@ void JournalFollow::readControllers(const Seen& seen) {
 
 void JournalFollow::showNew(const Seen& seen) {
   const std::int32_t last = lastJournalRow(*openedJournal(installation_));
-  if (last <= filter_.after) return;
+  if (last <= filter_.after.value_or(last)) return;
+  // It is followed under a name that it gets meanwhile, too.
+  const auto nameNow = [](std::string& name, const std::string& now) {
+    if (!name.empty() && !now.empty()) name = now;
+  };
+  nameNow(filter_.reader, installation_.Readers().getName(reader_, true));
+  nameNow(filter_.station, installation_.Stations().getName(station_, true));
   JournalList(installation_, filter_).each([&](const JournalRow& row) {
     if (row.id <= last) seen.transaction(row);
   });

@@ -15,8 +15,8 @@ namespace voxa {
 /// between two controllers and between the rounds: other programs work on meanwhile.
 class JournalFollow {
  public:
-  /// Rows that are in the journal already are not shown. A Refusal as of JournalList, and for a filter that
-  /// ends: `until` and `last`.
+  /// Rows that are in the journal already are not shown. A Refusal as of JournalList, for a name that
+  /// nothing has now, and for a filter that ends: `until`. Later rounds refuse no name.
   JournalFollow(Installation& installation, JournalFilter filter);
 
   /// What a person sees of a round.
@@ -38,6 +38,7 @@ class JournalFollow {
 
   Installation& installation_;
   JournalFilter filter_;
+  std::int16_t reader_ = 0, station_ = 0;       // that the filter names
   std::map<std::string, std::string> failing_;  // to what was told of it
 };
 

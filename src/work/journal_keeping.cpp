@@ -144,6 +144,9 @@ bool dropJournalIndex(Installation& installation) {
 void saveJournal(Installation& installation, const std::string& path, bool replace) {
   requireForeignFile(installation, path);
   Database& journal = *openedJournal(installation);
+  const std::string folder = fs::path(path).parent_path().string();
+  if (!folder.empty() && !files::folderExists(folder)) throw Refusal("there is no folder " + folder);
+  if (files::folderExists(path)) throw Refusal(path + " is a folder: name the file of the copy");
   if (!files::exists(path)) return journal.copyTo(path);
   if (!replace) throw Refusal(path + " exists and stays as it is; --force replaces it");
   const std::string complete = path + "~new";
@@ -164,7 +167,14 @@ std::shared_ptr<Database> openSavedJournal(Installation& installation, const std
   const std::string file = noSuchFile ? path : found.string();
   if (isSameFile(file, openedJournal(installation)->name()))
     throw Refusal(path + " is the journal of the installation: name a file that was saved");
-  std::shared_ptr<Database> saved = installation.engine().open(file, FileUse::reading);
+  std::shared_ptr<Database> saved;
+  try {
+    saved = installation.engine().open(file, FileUse::reading);
+  } catch (const Error& failure) {
+    if (failure.number() == err::dbLocked) throw;
+    if (!files::exists(path)) throw Refusal("there is no file " + path);
+    throw Refusal(path + " is no saved journal that can be read: " + failure.description());
+  }
   const auto tables = saved->tableNames();
   if (std::find(tables.begin(), tables.end(), "Journal") != tables.end()) {
     const TableDef& table = saved->tableDef("Journal");

@@ -11,6 +11,7 @@
 #include "work/journal_hours.h"
 #include "work/look_up.h"
 #include "work/moments.h"
+#include "work/place_history.h"
 #include "work/refusal.h"
 #include "work/suggestions.h"
 #include "work/words.h"
@@ -89,11 +90,18 @@ std::shared_ptr<Database> openedJournal(Installation& installation) {
 JournalList::JournalList(Installation& installation, JournalFilter filter)
     : installation_(installation), filter_(std::move(filter)), journal_(openedJournal(installation)) {
   const Clock& clock = installation.clock();
-  if (!filter_.since.empty())
-    condition_.add("[Date] >= ?", "datetime", writtenSpan(filter_.since, clock).from);
-  if (!filter_.until.empty())
-    condition_.add("[Date] < ?", "datetime", writtenSpan(filter_.until, clock).behind);
-  if (filter_.after > 0) condition_.add("Id > ?", "long", filter_.after);
+  std::optional<DateTime> from;
+  if (!filter_.since.empty()) {
+    from = writtenSpan(filter_.since, clock).from;
+    condition_.add("[Date] >= ?", "datetime", *from);
+  }
+  if (!filter_.until.empty()) {
+    const DateTime behind = writtenSpan(filter_.until, clock).behind;
+    if (from && from->days >= behind.days)
+      throw Refusal("the time from " + filter_.since + " until " + filter_.until + " ends before it begins");
+    condition_.add("[Date] < ?", "datetime", behind);
+  }
+  if (filter_.after) condition_.add("Id > ?", "long", *filter_.after);
   addFilter(installation, filter_, condition_);
   if (!filter_.person.empty()) person_.emplace(installation, filter_.person).addTo(condition_);
   if (filter_.last.empty()) return;
@@ -106,11 +114,26 @@ JournalList::JournalList(Installation& installation, JournalFilter filter)
 }
 
 void JournalList::requireKnown() const {
-  if (!filter_.reader.empty()) (void)readerNamed(installation_, filter_.reader);
-  if (!filter_.station.empty()) (void)stationNamed(installation_, filter_.station);
-  if (person_ && !person_->isKnown())
-    throw Refusal("there is nobody called " + filter_.person + " among the cards or in the journal" +
-                  didYouMean(filter_.person, namesOf(installation_, "select Name from Cardholders")));
+  if (!filter_.reader.empty() && !wasPlace(installation_, PlaceKind::reader, filter_.reader))
+    (void)readerNamed(installation_, filter_.reader);
+  if (!filter_.station.empty() && !wasPlace(installation_, PlaceKind::station, filter_.station))
+    (void)stationNamed(installation_, filter_.station);
+  const auto requireCard = [&](const std::string& name, bool known) {
+    if (known) return;
+    throw Refusal("there is nobody called " + name + " among the cards or in the journal" +
+                  didYouMean(name, namesOf(installation_, "select Name from Cardholders")));
+  };
+  requireCard(filter_.person, !person_ || person_->isKnown());
+  requireCard(filter_.card, filter_.card.empty() || canBeCard(installation_, filter_.card));
+  if (!isNumber(filter_.type) || meaningOf(filter_.type) != TransactionMeaning::other) return;
+  bool any = false;
+  JournalCondition ofType;
+  ofType.add("TransactionType = ?", "memo", filter_.type);
+  scanJournal(*journal_, ofType, "Id", ScanOrder::any, [&](const Value*) {
+    any = true;
+    return false;
+  });
+  if (!any) throw Refusal("nothing in the journal is of the type " + filter_.type);
 }
 
 bool JournalList::passes(const JournalRow& row) const {
@@ -179,7 +202,7 @@ std::size_t JournalList::each(const std::function<void(const JournalRow&)>& take
       handOver();
     }
   }
-  if (count == 0) requireKnown();
+  if (count == 0 && !filter_.after) requireKnown();
   return count;
 }
 

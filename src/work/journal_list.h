@@ -25,17 +25,17 @@ struct JournalFilter {
   std::string until = {};    ///< the same, up to its end
   std::string reader = {};   ///< name, in any case, of now or of then
   std::string card = {};     ///< number, holder's name, or the code of a card that was not known
-  std::string type = {};     ///< granted, refused, time, rights, unknown, other, or two digits
+  std::string type = {};     ///< granted, refused, time, rights, unknown, other, in any case, or two digits
   std::string person = {};   ///< name or card number: what this person did, under any name he had
   std::string station = {};  ///< name, in any case, of now or of then
   std::string last = {};     ///< only so many, the newest
-  std::int32_t after = 0;    ///< only rows with a higher number, which were read later
+  std::optional<std::int32_t> after = {};  ///< only rows with a higher number, which were read later
 };
 
 /// A transaction of the journal. A name that was not known then is "".
 struct JournalRow {
   std::int32_t id = 0;  ///< in the order of reading
-  DateTime date;        ///< a minute
+  DateTime date;        ///< a minute; 0 in a row without a date
   std::int32_t stationId = 0;
   std::string station;
   std::int32_t readerId = 0;
@@ -54,16 +54,21 @@ struct JournalRow {
 ///
 /// The newest are those of the latest dates, and of one minute those that were read last: a controller that
 /// was read late brings old transactions behind newer ones. A reader or station is found by its name, and by
-/// the number that the one of that name has now: so it is found under the names that it had before, too.
+/// the number that the one of that name has now, since it has it (place_history.h): so it is found under the
+/// names that it had before, too.
 class JournalList {
  public:
-  /// A Refusal for a filter that cannot be read, and when the journal cannot be opened.
+  /// A Refusal for a filter that cannot be read, a time that ends before it begins, and when the journal
+  /// cannot be opened.
   JournalList(Installation& installation, JournalFilter filter);
   /// Hands them over by date, and returns how many they are. The file is locked for no call of `take`, which
   /// may take long. The memory does not grow with their number. A Refusal at the end when there was none and
-  /// the installation does not know the filter's reader, station or person either: the journal keeps the
-  /// names of those that are gone, and a name that is in neither is a mistake.
+  /// requireKnown says so: the journal keeps the names of those that are gone, and a name that is in neither
+  /// is a mistake. Not with `after`: whoever follows has asked that before.
   std::size_t each(const std::function<void(const JournalRow&)>& take) const;
+  /// A Refusal when the installation does not know, and did not know, the filter's reader, station, person or
+  /// card, and for digits of a type of which the journal has nothing.
+  void requireKnown() const;
   /// The greatest number that `last` can be.
   static constexpr std::int32_t mostLast = 100'000;
 
@@ -73,7 +78,6 @@ class JournalList {
              const std::function<bool(JournalRow row)>& take) const;
   [[nodiscard]] bool passes(const JournalRow& row) const;
   [[nodiscard]] std::vector<JournalRow> newest() const;
-  void requireKnown() const;
 
   Installation& installation_;
   JournalFilter filter_;

@@ -4,6 +4,7 @@
 
 #include "access/badge_format.h"
 #include "platform/database/database.h"
+#include "platform/text.h"
 #include "work/installation.h"
 #include "work/refusal.h"
 #include "work/suggestions.h"
@@ -72,6 +73,12 @@ void requireBadgeFormats(Installation& installation) {
 
 }  // namespace
 
+bool hasTable(Database& database, const std::string& table) {
+  const auto names = database.tableNames();
+  return std::any_of(names.begin(), names.end(),
+                     [&](const std::string& name) { return equalNoCase(name, table); });
+}
+
 std::vector<std::string> namesOf(Installation& installation, const std::string& statement) {
   const auto rows = installation.database().openRecordset(statement);
   std::vector<std::string> names;
@@ -118,8 +125,7 @@ std::unique_ptr<Recordset> badgeFormatNamed(Installation& installation, const st
 }
 
 bool hasBadgeFormats(Installation& installation) {
-  const auto tables = installation.database().tableNames();
-  return std::find(tables.begin(), tables.end(), installation.BadgeFormat().Name()) != tables.end();
+  return hasTable(installation.database(), installation.BadgeFormat().Name());
 }
 
 std::unique_ptr<Recordset> badgeFormats(Installation& installation) {

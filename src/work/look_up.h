@@ -6,6 +6,7 @@
 
 namespace voxa {
 
+class Database;
 class Installation;
 class Recordset;
 
@@ -35,6 +36,9 @@ enum class AlarmKind : bool { alarm, lift };
 /// A Refusal also when the installation has no table of badge formats.
 [[nodiscard]] std::unique_ptr<Recordset> badgeFormatNamed(Installation& installation,
                                                           const std::string& numberOrName);
+
+/// Whether the main database has a table of that name, in any case.
+[[nodiscard]] bool hasTable(Database& database, const std::string& table);
 
 /// The names that a statement selects, in its order, for suggestions.h. Its column is Name.
 [[nodiscard]] std::vector<std::string> namesOf(Installation& installation, const std::string& statement);

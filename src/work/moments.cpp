@@ -6,6 +6,7 @@
 
 #include "platform/clock.h"
 #include "platform/datetime.h"
+#include "platform/error.h"
 #include "platform/text.h"
 #include "work/refusal.h"
 #include "work/words.h"
@@ -70,9 +71,7 @@ std::optional<Span> backwards(const std::string& text, DateTime now) {
   }
 }
 
-}  // namespace
-
-Span writtenSpan(const std::string& text, const Clock& clock) {
+Span readSpan(const std::string& text, const Clock& clock) {
   const DateTime now = clock.now();
   const std::string words = toLower(trimmed(text));
   if (const auto span = backwards(words, now)) return *span;
@@ -88,6 +87,17 @@ Span writtenSpan(const std::string& text, const Clock& clock) {
   throw Refusal(
       "'" + text +
       "' is no date: write 24/12/2026, \"24/12/2026 18:05\", today, yesterday, monday, -7d or -12h");
+}
+
+}  // namespace
+
+Span writtenSpan(const std::string& text, const Clock& clock) {
+  try {
+    return readSpan(text, clock);
+  } catch (const Error& failure) {
+    if (failure.number() != err::overflow) throw;
+    throw Refusal("'" + text + "' is too far away: name a day of the years 1900 to 9998");
+  }
 }
 
 }  // namespace voxa

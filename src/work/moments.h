@@ -21,7 +21,7 @@ struct Span {
 ///   a day and 18:05              that minute: "24/12/2026 18:05", "yesterday 08:00"
 ///   -7d, -2w                     the day so many days or weeks ago
 ///   -12h, -30m                   the minute so many hours or minutes ago
-/// Words in any case. A Refusal for any other text.
+/// Words in any case. A Refusal for any other text, and for what no date can be.
 [[nodiscard]] Span writtenSpan(const std::string& text, const Clock& clock);
 
 }  // namespace voxa

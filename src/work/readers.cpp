@@ -11,6 +11,7 @@
 #include "work/installation.h"
 #include "work/links.h"
 #include "work/look_up.h"
+#include "work/place_history.h"
 #include "work/refusal.h"
 #include "work/store_row.h"
 #include "work/words.h"
@@ -243,9 +244,12 @@ ChangedReader changeReader(Installation& installation, const std::string& reader
 
 void renameReader(Installation& installation, const std::string& reader, const std::string& name) {
   const auto row = readerNamed(installation, reader);
+  Transaction transaction(installation.engine(), installation.database());
+  keepPlaceHistory(installation, PlaceKind::reader, *row, PlaceEnd::renamed);
   row->edit();
   row->set("Name", checkedPlaceName(name));
   storeRow(installation, *row, "Readers", "reader");
+  transaction.commit();
 }
 
 DeletedReader deleteReader(Installation& installation, const std::string& reader,
@@ -290,7 +294,9 @@ DeletedReader deleteReader(Installation& installation, const std::string& reader
       there->set("FlagD", !cardsOf(installation, grant.group).live.empty());
       there->update();
     }
-    readerNumbered(installation, id)->remove();  // its links go with it
+    const auto gone = readerNumbered(installation, id);
+    keepPlaceHistory(installation, PlaceKind::reader, *gone, PlaceEnd::deleted);
+    gone->remove();  // its links go with it
   };
   if (const ControllerPlace place = controllerOf(*row); place.station != 0) change.stations = {place.station};
   change.gone = removal.gone;

@@ -12,6 +12,7 @@
 #include "work/installation.h"
 #include "work/links.h"
 #include "work/look_up.h"
+#include "work/place_history.h"
 #include "work/refusal.h"
 #include "work/store_row.h"
 #include "work/words.h"
@@ -114,6 +115,7 @@ void changeStation(Installation& installation, const std::string& name, const St
   const std::int16_t port = texts.port ? portFrom0(*texts.port) : row->get("ComPort").toInt16();
   if (active) requireFreePort(installation, port, id);
   Transaction transaction(installation.engine(), installation.database());
+  if (texts.name) keepPlaceHistory(installation, PlaceKind::station, *row, PlaceEnd::renamed);
   row->edit();
   if (texts.port) row->set("ComPort", port);
   if (texts.active) row->set("Active", active);
@@ -260,6 +262,8 @@ DeletedStation deleteStation(Installation& installation, const std::string& name
   }
   if (connected) disconnectStation(installation, station.name);
   Transaction transaction(installation.engine(), database);
+  keepPlaceHistory(installation, PlaceKind::station, *stationNamed(installation, station.name),
+                   PlaceEnd::deleted);
   database.execute("parameters pId long; delete from ComStatus where StationID = pId", {{"pId", station.id}});
   database.execute("parameters pId long; delete from Stations where Id = pId", {{"pId", station.id}});
   installation.Stations().removeIniFile(station.id);

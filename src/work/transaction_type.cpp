@@ -1,5 +1,7 @@
 #include "work/transaction_type.h"
 
+#include <charconv>
+
 namespace voxa {
 
 namespace {
@@ -23,6 +25,16 @@ TransactionMeaning meaningOf(std::string_view typeCode) {
     if (typeCode[0] == family.tens && unit >= 0 && unit < 4) return family.meaning;
   }
   return TransactionMeaning::other;
+}
+
+std::int32_t cardNumberIn(TransactionMeaning meaning, std::string_view data) {
+  constexpr std::size_t width = 8;
+  if (meaning == TransactionMeaning::unknownCard || meaning == TransactionMeaning::other) return 0;
+  if (data.size() != width) return 0;
+  std::int32_t number = 0;
+  const char* const end = data.data() + 6;
+  const auto read = std::from_chars(data.data() + 2, end, number);
+  return read.ptr == end && number > 0 ? number : 0;
 }
 
 const char* textOf(TransactionMeaning meaning) {

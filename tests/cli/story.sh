@@ -431,6 +431,10 @@ refuses "--force replaces it" report month.html
 refuses "--force replaces it" report other.html --csv figures
 
 # Old transactions leave the journal and come back; the archive has nothing that is in neither.
+refuses "there is no file" journal restore nothing.mdb
+refuses "is no saved journal" journal restore .
+refuses "there is no file" journal verify --also nothing.mdb
+refuses "there is no folder" journal save /nowhere/j.mdb --force
 refuses "needs --yes" journal delete --before 25/12/2026
 succeeds journal verify
 succeeds --yes journal delete --before 25/12/2026

@@ -5,11 +5,14 @@
 #include "platform/files.h"
 #include "platform/observer.h"
 #include "support/installation_test.h"
+#include "work/card_history.h"
+#include "work/card_usage.h"
 #include "work/journal_follow.h"
 #include "work/journal_keeping.h"
 #include "work/journal_list.h"
 #include "work/journal_verify.h"
 #include "work/moments.h"
+#include "work/readers.h"
 #include "work/refusal.h"
 
 namespace voxa {
@@ -119,6 +122,41 @@ TEST_F(JournalWorkTest, PlacesAreFoundUnderTheNamesThatTheyHad) {
   EXPECT_EQ(found({.station = "LOCAL"}), "1 2 3 4 ");
   EXPECT_THROW(found({.station = "Lokal"}), Refusal);
   EXPECT_THROW(found({.person = "Nobody"}), Refusal);
+  EXPECT_THROW(found({.card = "Nobody"}), Refusal);
+  EXPECT_THROW(found({.type = "99"}), Refusal);
+  EXPECT_THROW(found({.since = "2/2/2026", .until = "1/2/2026"}), Refusal);
+  EXPECT_THROW(found({.since = "-1000000w"}), Refusal);
+  EXPECT_EQ(found({.card = "1234567", .type = "GRANTED"}), "");
+  renameReader(*library, "Lab", "Store room");
+  (void)deleteReader(*library, "Store room", {.gone = true});
+  addReader(3, "Attic", 1, 1, 1);
+  add("#12/26/2026#", "00", "Ada", "00001200", "3, 'Attic room'");
+  EXPECT_EQ(found({.reader = "attic"}), "5 ") << "its number was another's";
+  EXPECT_EQ(found({.reader = "store room"}), "");
+  add("#2/5/2026#", "10", "", "00<0?\?>>");
+  EXPECT_EQ(found({.card = "c0ffee"}), "6 ");
+}
+
+TEST_F(JournalWorkTest, WhatIsReadLateIsThatOfWhoHadTheNumberThen) {
+  const auto give = [&](const std::string& name) {
+    db().execute("insert into Cardholders (CardNum, Name, AccessGroupId) values (6, '" + name + "', 0)");
+  };
+  give("Ann");
+  const auto ann = db().openRecordset("select * from Cardholders");
+  keepCardHistory(*library, *ann);
+  db().execute("update Cardholders set CardNum = 60");
+  give("Bob");
+  add("#12/23/2026#", "00", "Bob", "00000600", "2, 'Side'");
+  add("#12/22/2026#", "00", "Zed", "00000600");
+  add("#12/26/2026#", "00", "Bob", "00000600");
+  add("#12/20/2026#", "00", "Ann", "00000600");
+  EXPECT_EQ(found({.person = "Ann"}), "4 1 ");
+  EXPECT_EQ(found({.person = "Bob"}), "3 ");
+  EXPECT_EQ(found({.person = "Zed"}), "2 ") << "the history has nobody of that name";
+  for (const bool indexed : {false, true}) {
+    if (indexed) indexJournal(*library);
+    EXPECT_EQ(lastUse(*library, ann->get("Id").toInt32())->reader, "Side") << "the newest, not the last read";
+  }
 }
 
 TEST_F(JournalWorkTest, ARestoreAddsWhatIsNotThereAndNothingTwice) {
@@ -179,7 +217,8 @@ TEST_F(JournalWorkTest, FollowingShowsWhatComesAndTellsOfAControllerOnce) {
     return 100;
   };
   std::string seen;
-  JournalFollow follow(*library, {});
+  EXPECT_THROW(JournalFollow(*library, {.reader = "Lob"}), Refusal) << "at once";
+  JournalFollow follow(*library, {.reader = "Lab"});
   const auto round = [&] {
     seen.clear();
     follow.round(
@@ -191,6 +230,7 @@ TEST_F(JournalWorkTest, FollowingShowsWhatComesAndTellsOfAControllerOnce) {
   EXPECT_EQ(round(), "");
   EXPECT_FALSE(files::folderExists("Backup"));
   EXPECT_EQ(driver.count(CmSendClear), 0U);
+  renameReader(*library, "Lab", "Lab 2");
   memory = "05 00241226080000001200\r\n";
   EXPECT_EQ(round(), "row 2 ");
   EXPECT_EQ(driver.count(CmSendClear), 1U);
