@@ -77,6 +77,10 @@ shows "31020800120013002400"
 succeeds sim controller fault --station Annex --address 5 --silent
 refuses "Annex Controller 5" status
 refuses "no clock was set" clock
+voxa --yes clock >out 2>err
+[ $? = 3 ] && grep -A1 "are not set" err | grep -q "Annex Controller 5" || fail "the clocks of the others are not set"
+succeeds log --tail 4
+shows "SDDAT(1,0)"
 succeeds daily set Office --second 13:00-18:00
 refuses "aborted" --answer abort download daily
 grep -q "^These controllers do not answer:" err out || fail "nobody says what the controllers do not do"
