@@ -432,6 +432,9 @@ succeeds journal --person "zoë o'quill" --last 1
 succeeds report month.html --since 2026-12-24 --until 2026-12-24 --door barrier --csv figures
 shows "on 24 December 2026"
 head -n 1 "figures/doors.csv" | grep -q "^Door,Presentations" || fail "the figures of the report"
+refuses "not found" report figures.html --csv nodir/figures
+refuses "different names" report figures.html --csv ./figures.html
+[ -e figures.html ] && fail "a report that failed leaves its page"
 refuses "--force replaces it" report month.html
 refuses "--force replaces it" report other.html --csv figures
 
