@@ -611,6 +611,18 @@ mkdir "$plant"
 succeeds init
 [ -e 'pl\ant/KRV.mdb' ] || fail "an installation is in another folder than the one named"
 
+# What the help tells to type does something in a folder that has taken the first steps.
+for topic in cards lost-card doors times download journal scripts backup; do
+  mkdir "$folder/help-$topic" && cd "$folder/help-$topic" || exit 1
+  printf 'number,name,code,group\n50,Eve,C5,Employees\n' >people.csv
+  while read -r line; do
+    eval "${line/voxa/\"\$program\" --yes}" </dev/null >out 2>err
+    [[ $? = [03] ]] || fail "help $topic: $line"
+  done < <("$program" help first-steps | grep "^  voxa"; "$program" help "$topic" | grep "^  voxa")
+  cd "$folder" || exit 1
+done
+"$program" help journal save | grep -q "Usage: voxa journal save" || fail "the help of a command named as a topic"
+
 "$program" demo story >out 2>err </dev/null || fail "the demonstration"
 shows "Every controller holds what the database says."
 shows "2000 presentations, 2000 rows in the journal, 0 differences."
