@@ -37,13 +37,14 @@ int explainUsage(const CLI::App& app, const voxa::cli::Command& program, const C
   if (problem.get_exit_code() == 0) return app.exit(problem) == 0 ? done : misused;
   const voxa::cli::TypedWords typed = voxa::cli::readWords(program, words);
   const std::string called = voxa::cli::calledAs(*typed.command);
+  const bool option = !typed.unknown.empty() && typed.unknown.front().starts_with("-");
   if (typed.unknown.empty()) {
     std::cerr << called << ": " << problem.what() << '\n';
   } else {
-    std::cerr << called << ": there is no " << (typed.unknown.front().starts_with("-") ? "option" : "command")
-              << " '" << typed.unknown.front() << "'" << voxa::cli::meant(program, words) << '\n';
+    std::cerr << called << ": there is no " << (option ? "option" : "command") << " '"
+              << typed.unknown.front() << "'" << voxa::cli::meant(program, words) << '\n';
   }
-  const auto known = typed.command->subcommands();
+  const auto known = option ? std::vector<const voxa::cli::Command*>() : typed.command->subcommands();
   if (!known.empty()) {
     std::cerr << "Commands of " << called << ":";
     for (const voxa::cli::Command* command : known) std::cerr << ' ' << command->name();

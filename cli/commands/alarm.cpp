@@ -42,7 +42,7 @@ void addFields(Command& command, AlarmTexts& texts, bool required) {
   add("--type", texts.type, "What it is, a letter; M are lift outputs: 'voxa lift'");
   add("--station", texts.station, "Station of its controller");
   add("--address", texts.address, "Address of its controller on the line, 1 to 16");
-  add("--num", texts.number, "Its number on the controller, 1 to 99");
+  add("--num,--number", texts.number, "Its number on the controller, 1 to 99");
 }
 
 }  // namespace

@@ -64,6 +64,8 @@ void listFormats(Session& session, bool json) {
   TableOutput table(columns());
   for (const BadgeFormatRow& format : listBadgeFormats(session.library())) table.add(cellsOf(format));
   table.print(std::cout, json);
+  if (table.empty())
+    std::cerr << "There are no badge formats yet: 'voxa badge create' makes the default one\n";
 }
 
 void addFormatOptions(Command& command, BadgeOptions& options) {

@@ -55,13 +55,15 @@ void addFilterOptions(Command& command, CardFilter& filter) {
   command.add_option("--group", filter.group, "Only those of this access group");
   command.add_option("--door", filter.door, "Only those whose group opens this door");
   command.add_option("--name", filter.name, "Only those with this in the name");
-  command.add_option("--valid", filter.valid, "Only those that are valid, or blocked: yes or no");
+  command.add_option("--valid", filter.valid, "Only those that are valid, or blocked: yes or no")
+      ->offers({"yes", "no"});
   command.add_flag("--pending", filter.pending, "Only those of which a controller has yet to be told");
   command.add_flag("--expired", filter.expired, "Only those whose last day is over");
   command.add_option("--expires-before", filter.expiresBefore,
                      "Only those whose last day comes, and is before this one");
   command.add_flag("--never-used", filter.neverUsed, "Only those of which the journal has nothing");
-  command.add_option("--sort", filter.sort, "By number, name, group or until");
+  command.add_option("--sort", filter.sort, "By number, name, group or until")
+      ->offers({"number", "name", "group", "until"});
   command.add_option("--limit", filter.limit, "So many at most");
 }
 

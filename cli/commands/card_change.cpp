@@ -126,9 +126,11 @@ void addSetCommand(Command& group, Session& session) {
   setting->add_option("--name", changed->texts.name, "Name of its holder");
   addNameOptions(*setting, changed->texts);
   addValueOptions(*setting, changed->texts);
-  setting->add_option("--supervisor", changed->texts.supervisor,
-                      "Whether it is a supervisor's card: yes or no");
-  setting->add_option("--valid", changed->texts.valid, "Whether it opens anything: yes or no");
+  setting
+      ->add_option("--supervisor", changed->texts.supervisor, "Whether it is a supervisor's card: yes or no")
+      ->offers({"yes", "no"});
+  setting->add_option("--valid", changed->texts.valid, "Whether it opens anything: yes or no")
+      ->offers({"yes", "no"});
   setting->add_option("--note", changed->texts.note, "Any text, kept with the card; or none");
   setting->footer(
       "The controllers erase a card at once that gets another number or code, those that its new group does "

@@ -88,6 +88,7 @@ void addFilterOptions(Command& journal, JournalFilter& filter, bool& unknown) {
   auto* type = journal.add_option(
       "--type,--outcome", filter.type,
       "Only of this type: granted, refused, time, rights, unknown, other, or its two digits");
+  type->offers({"granted", "refused", "time", "rights", "unknown", "other"});
   journal.add_flag("--unknown", unknown, "Only cards that were not known, the same as --type unknown")
       ->excludes(type);
 }

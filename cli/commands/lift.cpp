@@ -70,7 +70,7 @@ void addChanging(Command& group, Session& session) {
   set->add_option("NAME", changed->lift, "Name or number of the lift output")->required();
   set->add_option("--station", changed->change.station, "Station of its controller");
   set->add_option("--address", changed->change.address, "Address of its controller on the line, 1 to 16");
-  set->add_option("--num", changed->change.number, "Its number on the controller, 1 to 99");
+  set->add_option("--num,--number", changed->change.number, "Its number on the controller, 1 to 99");
   set->add_flag("--gone", changed->gone, gone);
   set->footer(
       "The controller erases the cards that may use it at once, and has to answer; the next download gives "
@@ -123,7 +123,7 @@ void addLiftCommands(Command& app, Session& session) {
   adding->add_option("--station", added->station, "Station of its controller")->required();
   adding->add_option("--address", added->address, "Address of its controller on the line, 1 to 16")
       ->required();
-  adding->add_option("--num", added->number, "Its number on the controller, 1 to 99")->required();
+  adding->add_option("--num,--number", added->number, "Its number on the controller, 1 to 99")->required();
   adding->footer(
       "Examples:\n  voxa lift add \"Third floor\" --station Local --address 1 --num 3\n"
       "  voxa lift add Roof --station Annex --address 5 --num 9");

@@ -62,7 +62,7 @@ void show(Session& session, const ShowOptions& options) {
 void addReaderSettings(Command& command, ReaderSettingTexts& texts) {
   command.add_option("--orientation", texts.orientation, "Direction of passage, a code from 0 to 9");
   command.add_option("--access-criteria", texts.accessCriteria, "Access criteria, a code");
-  command.add_option("--antipassback", texts.antipassback, "Anti-passback: yes or no");
+  command.add_option("--antipassback", texts.antipassback, "Anti-passback: yes or no")->offers({"yes", "no"});
   command.add_option("--open-delay", texts.openDelay, "Door open time");
   command.add_option("--close-delay", texts.closeDelay, "Door close time");
   command.add_option("--alarm-mode", texts.alarmMode, "Door alarm mode, a code");
@@ -73,7 +73,7 @@ void addReaderSettings(Command& command, ReaderSettingTexts& texts) {
                      "Number of the input that locks the door, 0 to 99; or none");
   command.add_option("--pin", texts.pin, "Code of the door, up to 4 digits; or none");
   command.add_option("--supervisor-mode", texts.supervisorMode, "Supervisor mode, a code");
-  command.add_option("--counting", texts.counting, "Counting: yes or no");
+  command.add_option("--counting", texts.counting, "Counting: yes or no")->offers({"yes", "no"});
 }
 
 void addShowReaderCommand(Command& group, Session& session) {

@@ -12,6 +12,7 @@
 #include "report/page.h"
 #include "report/wording.h"
 #include "session.h"
+#include "work/refusal.h"
 
 namespace voxa::cli {
 
@@ -35,11 +36,14 @@ void makeReport(Session& session, const ReportOptions& options) {
   const std::string page = session.callersFile(options.page);
   const std::string folder = options.folder.empty() ? "" : session.callersFolder(options.folder);
   requireMayWrite(session, page, options.force);
+  if (folder == session.callersFolder(options.page))
+    throw Refusal("the page and the folder of the tables need different names");
   const Figures figures = gatherFigures(session.library(), options.question);
   const std::vector<CsvFile> tables = folder.empty() ? std::vector<CsvFile>() : csvOf(figures);
   for (const CsvFile& table : tables) requireMayWrite(session, folder + "/" + table.name, options.force);
-  write(page, htmlOf(pageOf(figures)));
+  // First, so that a folder that cannot be leaves no page in the way of the corrected command.
   if (!folder.empty() && !files::folderExists(folder)) files::makeFolder(folder);
+  write(page, htmlOf(pageOf(figures)));
   for (const CsvFile& table : tables) write(folder + "/" + table.name, table.text);
   std::cout << counted(figures.all.presentations(), "presentation") << ' ' << timeText(figures) << ": open "
             << options.page << " in a browser\n";

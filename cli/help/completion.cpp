@@ -4,12 +4,20 @@
 
 #include "app/database_query.h"
 #include "commands/session.h"
+#include "help/topics.h"
 #include "help/typed_words.h"
 #include "platform/text.h"
 
 namespace voxa::cli {
 
 namespace {
+
+/// The statement that gives the cards that a command is for.
+std::string cardsFor(const std::string& command) {
+  std::string statement = "select Name from Cardholders where Deleted = ";
+  statement += command == "restore" || command == "purge" ? "true" : "false";
+  return command == "unblock" ? statement + " and Validated = false" : statement;
+}
 
 /// The statement that gives the names of what an option or place is about, or "".
 std::string namesFor(const Command& command, const CommandOption& option) {
@@ -41,8 +49,10 @@ std::string namesFor(const Command& command, const CommandOption& option) {
   const std::string thing = command.parent() == nullptr ? "" : command.parent()->name();
   std::string kind = toLower(option.names().front());
   kind.erase(0, kind.find_first_not_of('-'));
-  const bool own = kind == "program" || kind == "name" || kind == "other" || kind.starts_with("move-");
+  const bool own =
+      option.hasPlace() ? kind == "program" || kind == "name" || kind == "other" : kind.starts_with("move-");
   if (option.hasPlace() && own && command.name() == "add") return "";  // a new name
+  if (option.hasPlace() && kind == "card") return cardsFor(command.name());
   if (own && !statementOf(thing).empty()) return statementOf(thing);
   return statementOf(kind);
 }
@@ -70,9 +80,29 @@ std::vector<std::string> optionNames(const Command& command) {
   return names;
 }
 
-std::vector<std::string> wordsAt(Session& session, const TypedWords& typed) {
-  std::vector<std::string> words;
-  for (const Command* command : typed.command->subcommands()) words.push_back(command->name());
+std::vector<std::string> namesOf(const Command& command) {
+  std::vector<std::string> names;
+  for (const Command* below : command.subcommands()) names.push_back(below->name());
+  return names;
+}
+
+/// What may follow the words behind "voxa help".
+std::vector<std::string> helpWords(const Command& program, const std::vector<std::string>& words) {
+  const Command* command = &program;
+  for (const std::string& word : words) {
+    command = command->find(word);
+    if (command == nullptr) return {};
+  }
+  std::vector<std::string> names = namesOf(*command);
+  if (!words.empty()) return names;
+  for (const Topic& topic : topics()) names.emplace_back(topic.name);
+  return names;
+}
+
+std::vector<std::string> wordsAt(const Command& program, Session& session, const TypedWords& typed) {
+  if (typed.command->parent() == &program && typed.command->name() == "help")
+    return helpWords(program, typed.places);
+  std::vector<std::string> words = namesOf(*typed.command);
   std::size_t place = 0;
   for (const CommandOption* option : typed.command->options()) {
     if (option->hasPlace() && (place++ == typed.places.size() || option->takesSeveral()))
@@ -100,9 +130,15 @@ std::vector<std::string> completions(const Command& program, Session& session,
     begun.erase(0, equals + 1);
     if (typed.option == nullptr) return {};
   }
+  // Of several values with commas between the last is begun.
+  if (const std::size_t comma = begun.rfind(',');
+      typed.option != nullptr && typed.option->names().front() == "--days" && comma != std::string::npos) {
+    before += begun.substr(0, comma + 1);
+    begun.erase(0, comma + 1);
+  }
   std::vector<std::string> all = typed.option != nullptr  ? valuesOf(session, *typed.command, *typed.option)
                                  : begun.starts_with("-") ? optionNames(*typed.command)
-                                                          : wordsAt(session, typed);
+                                                          : wordsAt(program, session, typed);
   std::vector<std::string> fitting;
   for (const std::string& each : all) {
     if (toLower(each).starts_with(toLower(begun))) fitting.push_back(before + each);
@@ -144,11 +180,13 @@ const char* completionScript(const std::string& shell) {
     return R"sh(# Put this into ~/.bashrc:  source <(voxa completion bash)
 _voxa() {
   local begun=${COMP_WORDS[COMP_CWORD]} answer
+  local option=--*=
+  [[ $begun == --*=* ]] && option=  # bash has not taken the value for a word of its own
   COMPREPLY=()
   while IFS= read -r answer; do
     case $begun in
-      [\"\']*) COMPREPLY+=("$answer") ;;  # the quotation mark stays, and covers the blanks
-      *) COMPREPLY+=("$(printf %q "${answer##--*=}")") ;;
+      [\"\']*) COMPREPLY+=("${answer##$option}") ;;  # the quotation mark stays, and covers the blanks
+      *) printf -v answer %q "${answer##$option}" && COMPREPLY+=("${answer//\\,/,}") ;;
     esac
   done < <("${COMP_WORDS[0]}" complete -- "${COMP_WORDS[@]:1:COMP_CWORD}" 2>/dev/null)
 }

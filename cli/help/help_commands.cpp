@@ -29,7 +29,7 @@ void listTopics() {
 void help(const Command& program, const std::vector<std::string>& words) {
   if (words.empty()) return listTopics();
   for (const Topic& topic : topics()) {
-    if (words.front() != topic.name) continue;
+    if (words.size() > 1 || words.front() != topic.name) continue;  // "journal save" is a command
     std::cout << topic.summary << "\n\n" << topic.text;
     return;
   }

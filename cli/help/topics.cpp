@@ -5,10 +5,12 @@ namespace voxa::cli {
 const std::vector<Topic>& topics() {
   static const std::vector<Topic> all = {
       {"first-steps", "From an empty folder to a door that opens",
-       R"(An installation is a folder. Every command works in the current one, or in that of --dir.
+       R"(An installation is a folder. Every command works in the current one, or in that of --dir. Without the
+real driver library beside the program simulated controllers answer, which "sim controller add" makes.
 
   voxa init
   voxa reader add "Front door" --station Local --address 1 --position 1
+  voxa sim controller add --station Local --address 1
   voxa daily add Office --first 08:00-12:00 --second 13:00-18:00
   voxa weekly add Staff --days Office,Office,Office,Office,Office,Never,Never --holidays Never
   voxa group add Employees
@@ -30,13 +32,14 @@ controllers with the next download.
   voxa card add "Ann Lee" --code 4711 --group Employees
   voxa card add "Guest 1" --code 4712 --group Employees --until 31/12/2027
   voxa card find lee
+  voxa group add Visitors
   voxa card set "Ann Lee" --group Visitors
   voxa download
 
 Many at once, from a table with the columns number, name, code, group:
 
   voxa import cards people.csv
-  voxa export cards people.csv
+  voxa export cards all-cards.csv
 
 Whether it opens a door, and why not:
 
@@ -46,32 +49,33 @@ Whether it opens a door, and why not:
       {"lost-card", "A card was lost or stolen, or its holder has left",
        R"(Take it away at once. The command names the controllers that it could not reach; the next download tries them again:
 
-  voxa card block "Ann Lee"
+  voxa card block "Ada Byron"
   voxa plan
 
 It was found:
 
-  voxa card unblock "Ann Lee"
+  voxa card unblock "Ada Byron"
   voxa download
 
 The same person gets a new one:
 
-  voxa card replace "Ann Lee" --code 00A1B2C3
+  voxa card replace "Ada Byron" --code 00A1B2C3
   voxa download
 
 Who tried to use it:
 
-  voxa journal --card "Ann Lee" --since 2026-12-01
+  voxa journal --card "Ada Byron" --since 2026-12-01
 
 The person has left for good:
 
-  voxa card delete "Ann Lee"
+  voxa card delete "Ada Byron"
 )"},
       {"doors", "Lines, controllers and readers; one that is silent or was replaced",
        R"(A station is a line with up to 16 controllers; a reader is a door side at position 1 to 4 of a controller.
 
   voxa station add Annex --port 2
   voxa reader add "Annex north" --station Annex --address 1 --position 1
+  voxa sim controller add --station Annex --address 1
   voxa group grant Employees "Annex north" --program Staff
   voxa download
 
@@ -88,11 +92,11 @@ A controller was replaced: say so, and send it everything.
 )"},
       {"times", "Hours, days of the week, holidays",
        R"(A daily program is the hours of a day, a weekly program the daily programs of a week and of holidays. Never and Always are there
-from the beginning.
+from the beginning, Office and Staff since the first steps.
 
-  voxa daily add Office --first 08:00-12:00 --second 13:00-18:00
   voxa daily add Morning --first 08:00-12:00
-  voxa weekly add Staff --days Office,Office,Office,Office,Morning,Never,Never --holidays Never
+  voxa weekly add "Half Friday" --days Office,Office,Office,Office,Morning,Never,Never --holidays Never
+  voxa group grant Employees "Front door" --program "Half Friday"
   voxa holiday add "New Year" --date 01/01/2027 --each-year
   voxa download
 
@@ -114,13 +118,14 @@ Whether somebody can come in then:
 It ends with 3 when a controller did not answer. Nothing is lost: the others have theirs, and the plan keeps the rest.
 
   voxa controller list
-  voxa plan --station Annex
+  voxa plan --station Local
   voxa --yes download
 
 A line over a telephone is called first:
 
-  voxa station connect Annex
-  voxa download --station Annex
+  voxa station add Branch --port 3 --phone 0123456 --modem modem.ini
+  voxa station connect Branch
+  voxa download --station Branch
 )"},
       {"journal", "What happened at the doors", R"(Controllers keep what happened until they are read:
 
@@ -129,8 +134,9 @@ A line over a telephone is called first:
   voxa journal --since 2026-12-24 --until 2026-12-24 --reader "Front door" --type refused
   voxa journal --card "Ada Byron"
 
-A card that nobody knows was held to a door. Its code, to give it to somebody:
+A card that nobody knows was held to a door, here to a simulated one. Its code, to give it to somebody:
 
+  voxa sim swipe --station Local --reader "Front door" --code 00A1B2C3
   voxa card last-unknown --reader "Front door"
 
 For a spreadsheet or another program:
@@ -140,7 +146,7 @@ For a spreadsheet or another program:
 
 To look at, or to print:
 
-  voxa report december.html --since 2026-12-01
+  voxa report month.html --since -30d
 )"},
       {"scripts", "Calling voxa from programs: exit status, JSON, questions",
        R"(The exit status is the same in all commands:

@@ -3,13 +3,16 @@
 #include <algorithm>
 
 #include "work/suggestions.h"
+#include "work/words.h"
 
 namespace voxa::cli {
 
 namespace {
 
+/// Also one with a hyphen too few, "-last", but no time that ends in one: "-7d".
 bool isOption(const std::string& word) {
-  return word.starts_with("--") && word.size() > 2;
+  if (word.starts_with("--")) return word.size() > 2;
+  return word.starts_with("-") && word.size() > 1 && !isNumber(word.substr(1, 1));
 }
 
 const CommandOption* optionNamed(const Command& command, const std::string& name) {
@@ -49,7 +52,7 @@ const Command* commandMeant(const Command& in, const std::string& word) {
 }
 
 std::string optionMeant(const Command& command, const std::string& typed) {
-  std::vector<std::string> names = {"--help"};
+  std::vector<std::string> names = {"--help", "--version"};
   for (const CommandOption* option : optionsOf(command)) {
     if (!option->hasPlace()) names.push_back(option->names().front());
   }
@@ -83,14 +86,15 @@ TypedWords readWords(const Command& program, const std::vector<std::string>& wor
     } else if (isOption(word)) {
       const std::string name = word.substr(0, word.find('='));
       const CommandOption* option = optionNamed(*read.command, name);
-      if (option == nullptr && name != "--help" && name != "--version" && read.unknown.empty())
-        read.unknown = {name};
+      const bool everywhere = name == "--help" || name == "-h" || name == "--version";
+      if (option == nullptr && !everywhere && read.unknown.empty()) read.unknown = {name};
       if (name == "--dir" && name != word) read.folder = word.substr(name.size() + 1);
       if (option != nullptr && option->takesValue() && name == word) read.option = option;
     } else if (const Command* next = read.command->find(word); next != nullptr && read.places.empty()) {
       read.command = next;
     } else if (!read.command->subcommands().empty()) {
-      read.unknown.assign(words.begin() + static_cast<std::ptrdiff_t>(i), words.end());
+      if (read.unknown.empty())  // else it is the value of an option that there is not
+        read.unknown.assign(words.begin() + static_cast<std::ptrdiff_t>(i), words.end());
       return read;
     } else {
       read.places.push_back(word);

@@ -1,18 +1,15 @@
 #include "output/aligned_table.h"
 
 #include <algorithm>
-#include <numeric>
 #include <ostream>
 
+#include "output/table_layout.h"
 #include "output/text_width.h"
 #include "platform/text.h"
 
 namespace voxa::cli {
 
 namespace {
-
-constexpr std::size_t gap = 2;     // blanks between columns
-constexpr std::size_t least = 10;  // places that a wrapped column keeps
 
 std::string shown(const Cell& cell) {
   std::string text = cell.text();
@@ -28,6 +25,8 @@ void pad(std::string& line, std::size_t blanks) {
 
 /// A line of a file or a pipe: nothing is wrapped.
 void appendPadded(std::string& line, const std::string& text, std::size_t width, bool number) {
+  constexpr std::size_t gap = TableLayout().gap;
+
   const std::size_t blanks = width - std::min(width, textWidth(text));
   if (number) pad(line, blanks);
   line += text;
@@ -41,52 +40,50 @@ struct Shown {
   Style style = Style::plain;
 };
 
-void printWrapped(std::ostream& out, const std::vector<Shown>& cells,
-                  const std::vector<std::size_t>& widths) {
+void printWrapped(std::ostream& out, const std::vector<Shown>& cells, const TableLayout& layout) {
   std::size_t height = 1;
   for (const Shown& cell : cells) height = std::max(height, cell.lines.size());
   for (std::size_t line = 0; line < height; ++line) {
     std::string blanks;  // are written once something follows
     for (std::size_t i = 0; i < cells.size(); ++i) {
       const std::string text = line < cells[i].lines.size() ? cells[i].lines[line] : "";
-      const std::size_t free = widths[i] - std::min(widths[i], textWidth(text));
+      const std::size_t free = layout.widths[i] - std::min(layout.widths[i], textWidth(text));
       if (cells[i].number) pad(blanks, free);
       if (!text.empty()) {
         out << blanks << cells[i].style << text << Style::plain;
         blanks.clear();
       }
-      pad(blanks, (cells[i].number ? 0 : free) + gap);
+      pad(blanks, (cells[i].number ? 0 : free) + layout.gap);
     }
     out << '\n';
   }
 }
 
 void printOnTerminal(std::ostream& out, const std::vector<std::string>& columns, const ListRows& rows,
-                     const std::vector<std::size_t>& widths) {
+                     const TableLayout& layout) {
   std::vector<Shown> line(columns.size());
   for (std::size_t i = 0; i < columns.size(); ++i)
-    line[i] = {wrapped(columns[i], widths[i]), false, Style::heading};
-  printWrapped(out, line, widths);
+    line[i] = {headingLines(columns[i], layout.widths[i]), false, Style::heading};
+  printWrapped(out, line, layout);
   rows([&](const std::vector<Cell>& cells) {
     for (std::size_t i = 0; i < columns.size(); ++i)
-      line[i] = {wrapped(shown(cells[i]), widths[i]), cells[i].isNumber(), styleOf(columns[i], cells[i])};
-    printWrapped(out, line, widths);
+      line[i] = {wrapped(shown(cells[i]), layout.widths[i]), cells[i].isNumber(),
+                 styleOf(columns[i], cells[i])};
+    printWrapped(out, line, layout);
+  });
+}
+
+/// A field a line, for more columns than a terminal has places for.
+void printRecords(std::ostream& out, const std::vector<std::string>& columns, const ListRows& rows) {
+  bool first = true;
+  rows([&](const std::vector<Cell>& cells) {
+    if (!first) out << '\n';
+    first = false;
+    printOne(out, columns, cells, false);
   });
 }
 
 }  // namespace
-
-void fitColumns(std::vector<std::size_t>& widths, const std::vector<bool>& mayWrap, std::size_t line) {
-  const auto total = [&] { return std::accumulate(widths.begin(), widths.end(), gap * (widths.size() - 1)); };
-  for (std::size_t width = total(); width > line; --width) {
-    std::size_t* widest = nullptr;
-    for (std::size_t i = 0; i < widths.size(); ++i) {
-      if (mayWrap[i] && widths[i] > least && (widest == nullptr || widths[i] > *widest)) widest = &widths[i];
-    }
-    if (widest == nullptr) return;
-    --*widest;
-  }
-}
 
 Style styleOf(const std::string& column, const Cell& cell) {
   if (column == "ToSend") return cell.isTrue() ? Style::toDo : Style::plain;
@@ -101,18 +98,15 @@ Style styleOf(const std::string& column, const Cell& cell) {
 }
 
 void printAligned(std::ostream& out, const std::vector<std::string>& columns, const ListRows& rows) {
-  std::vector<std::size_t> widths;
-  std::vector<bool> mayWrap(columns.size(), false);
-  for (const std::string& column : columns) widths.push_back(textWidth(column));
+  std::vector<ColumnNeed> needs(columns.size());
+  for (std::size_t i = 0; i < columns.size(); ++i) needs[i].addHeading(columns[i]);
   rows([&](const std::vector<Cell>& cells) {
-    for (std::size_t i = 0; i < widths.size(); ++i) {
-      widths[i] = std::max(widths[i], textWidth(shown(cells[i])));
-      mayWrap[i] = mayWrap[i] || cells[i].isText();
-    }
+    for (std::size_t i = 0; i < needs.size(); ++i) needs[i].addCell(shown(cells[i]));
   });
   if (const std::size_t terminal = terminalWidth(out); terminal > 0) {
-    fitColumns(widths, mayWrap, terminal);
-    return printOnTerminal(out, columns, rows, widths);
+    const TableLayout layout = tableLayout(needs, terminal);
+    return layout.widths.empty() ? printRecords(out, columns, rows)
+                                 : printOnTerminal(out, columns, rows, layout);
   }
   std::string line;
   const auto end = [&] {
@@ -121,11 +115,11 @@ void printAligned(std::ostream& out, const std::vector<std::string>& columns, co
     out << line;
     line.clear();
   };
-  for (std::size_t i = 0; i < columns.size(); ++i) appendPadded(line, columns[i], widths[i], false);
+  for (std::size_t i = 0; i < columns.size(); ++i) appendPadded(line, columns[i], needs[i].whole, false);
   end();
   rows([&](const std::vector<Cell>& cells) {
-    for (std::size_t i = 0; i < widths.size(); ++i)
-      appendPadded(line, shown(cells[i]), widths[i], cells[i].isNumber());
+    for (std::size_t i = 0; i < needs.size(); ++i)
+      appendPadded(line, shown(cells[i]), needs[i].whole, cells[i].isNumber());
     end();
   });
 }

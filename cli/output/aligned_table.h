@@ -15,8 +15,4 @@ void printAligned(std::ostream& out, const std::vector<std::string>& columns, co
 /// How a terminal shows a cell: things to do and things gone wrong stand out.
 [[nodiscard]] Style styleOf(const std::string& column, const Cell& cell);
 
-/// The widths of columns on a line of so many places: texts wider than the others give way first, to `least`
-/// places at most. widths: what each has now; mayWrap: which may give way.
-void fitColumns(std::vector<std::size_t>& widths, const std::vector<bool>& mayWrap, std::size_t line);
-
 }  // namespace voxa::cli

@@ -41,6 +41,11 @@ CommandOption* CommandOption::isMemberInAnyCase(const std::vector<std::string>& 
   return this;
 }
 
+CommandOption* CommandOption::offers(const std::vector<std::string>& values) {
+  choices_ = values;
+  return this;
+}
+
 CommandOption* CommandOption::capture_default_str() {
   option_.capture_default_str();
   return this;

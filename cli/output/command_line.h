@@ -28,14 +28,16 @@ class CommandOption {
   CommandOption* needs(const CommandOption* other);
   CommandOption* isMember(const std::vector<std::string>& values);           ///< no other value is taken
   CommandOption* isMemberInAnyCase(const std::vector<std::string>& values);  ///< which is stored as here
-  CommandOption* capture_default_str();  ///< shows what its variable holds now as the default
+  CommandOption* offers(
+      const std::vector<std::string>& values);  ///< to a person who types, who may type others
+  CommandOption* capture_default_str();         ///< shows what its variable holds now as the default
 
   /// "--move-to" and "--move-cards-to"; "GROUP" when it has its place in the line.
   [[nodiscard]] std::vector<std::string> names() const;
   [[nodiscard]] bool hasPlace() const;      ///< it is no word that begins with --
   [[nodiscard]] bool takesValue() const;    ///< it is no flag
   [[nodiscard]] bool takesSeveral() const;  ///< of one with a place: all words that follow
-  [[nodiscard]] const std::vector<std::string>& choices() const { return choices_; }  ///< {} for any value
+  [[nodiscard]] const std::vector<std::string>& choices() const { return choices_; }  ///< {}: none are known
 
  private:
   CLI::Option& option_;

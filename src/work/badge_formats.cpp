@@ -102,6 +102,7 @@ BadgeFormatRow findBadgeFormat(Installation& installation, const std::string& nu
 
 std::vector<BadgeFormatRow> listBadgeFormats(Installation& installation) {
   std::vector<BadgeFormatRow> formats;
+  if (!hasBadgeFormats(installation)) return formats;
   for (const auto rows = badgeFormats(installation); !rows->eof(); rows->moveNext()) {
     formats.push_back(rowOf(*rows));
   }

@@ -60,6 +60,7 @@ void restoreDefaultBadgeFormat(Installation& installation);
 /// sent it keep it.
 void deleteBadgeFormat(Installation& installation, const std::string& numberOrName);
 [[nodiscard]] BadgeFormatRow findBadgeFormat(Installation& installation, const std::string& numberOrName);
-[[nodiscard]] std::vector<BadgeFormatRow> listBadgeFormats(Installation& installation);  ///< by number
+/// By number; none when the installation has no table of them.
+[[nodiscard]] std::vector<BadgeFormatRow> listBadgeFormats(Installation& installation);
 
 }  // namespace voxa

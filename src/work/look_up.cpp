@@ -18,7 +18,7 @@ namespace {
 struct Kind {
   const char* table;
   const char* number;        // its column
-  const char* notFound;      // mnemonic
+  const char* notFound;      // mnemonic, or the sentence where the catalogue has none that fits
   std::string family = "";   // of weekly programs only
   const char* besides = "";  // what else has to be so of its rows
 };
@@ -41,9 +41,11 @@ std::unique_ptr<Recordset> named(Installation& installation, const Kind& kind, c
   auto rows = rowsWith(installation, kind, "Name", "memo", name);
   if (rows->eof()) {
     const std::string family = kind.family.empty() ? "" : " and ProgType = '" + kind.family + "'";
-    throw notFound(kind.notFound, name,
-                   namesOf(installation, "select Name from " + std::string(kind.table) +
-                                             " where Name is not null" + family + kind.besides));
+    const auto known = namesOf(installation, "select Name from " + std::string(kind.table) +
+                                                 " where Name is not null" + family + kind.besides);
+    const std::string_view said = kind.notFound;
+    if (!said.starts_with("msg")) throw Refusal(std::string(said) + " " + name + didYouMean(name, known));
+    throw notFound(kind.notFound, name, known);
   }
   return rows;
 }
@@ -100,7 +102,7 @@ std::unique_ptr<Recordset> readerNamed(Installation& installation, const std::st
 std::unique_ptr<Recordset> alarmNamed(Installation& installation, AlarmKind kind, const std::string& name) {
   const bool lift = kind == AlarmKind::lift;
   return namedOrNumbered(installation,
-                         {"Alarms", "Id", "msgCantFindAlarm", "",
+                         {"Alarms", "Id", lift ? "Can't find lift output" : "msgCantFindAlarm", "",
                           lift ? " and Type = 'M'" : " and (Type <> 'M' or Type is null)"},
                          name);
 }
@@ -116,7 +118,7 @@ std::unique_ptr<Recordset> weeklyProgramNamed(Installation& installation, const 
 }
 
 std::unique_ptr<Recordset> holidayNamed(Installation& installation, const std::string& numberOrName) {
-  return numberedOrNamed(installation, {"Holidays", "Id", "msgCantFindHolidays"}, numberOrName);
+  return numberedOrNamed(installation, {"Holidays", "Id", "Can't find holiday"}, numberOrName);
 }
 
 std::unique_ptr<Recordset> badgeFormatNamed(Installation& installation, const std::string& numberOrName) {

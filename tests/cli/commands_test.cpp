@@ -99,6 +99,9 @@ TEST(Commands, MistypedWordsHaveASuggestion) {
       {{"--dir", "plant", "door", "ls", "--json"}, " (did you mean 'voxa reader list'?)"},
       {{"card", "list", "--grup", "A"}, " (did you mean --group?)"},
       {{"card", "list", "--group", "lsit"}, ""},
+      {{"journal", "--lst", "3"}, " (did you mean --last?)"},
+      {{"journal", "-last", "3"}, " (did you mean --last?)"},
+      {{"--verson"}, " (did you mean --version?)"},
       {{"xyzzy"}, ""}};
   for (const auto& [words, expected] : typed) EXPECT_EQ(meant(all.program, words), expected) << words.back();
 }

@@ -26,6 +26,17 @@ completes 'Main\ entrance,Main\ entrance\ out' --dir plant access who mai
 completes 'Main entrance,Main entrance out' --dir plant access who '"Main e'
 completes 'Office\ staff' --dir plant card list --group Off
 completes "Ben\\ O\\'Hara" --dir = plant card set ben
+completes 'Management' --dir plant card set 1 --group = '"Ma'
+completes 'Cleaning' --dir plant group grant Management --program Cl
+completes 'Office,Office' --dir plant weekly add X --days Office,Of
+completes '' --dir plant group set 1 --name Ma
+voxa --dir plant card delete "Ann Lee" &>/dev/null
+voxa --dir plant card block "Ada Byron" &>/dev/null
+completes 'Ann\ Lee' --dir plant card restore ''
+completes 'Ada\ Byron' --dir plant card unblock Ad
+completes 'backup,badge' help ba
+completes 'save' help journal sa
+completes 'granted' journal --type g
 completes 'card' ca
 completes 'grant' group gr
 completes '--station' plan --sta

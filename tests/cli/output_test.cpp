@@ -4,7 +4,7 @@
 
 #include <sstream>
 
-#include "output/aligned_table.h"
+#include "output/table_layout.h"
 #include "output/table_output.h"
 #include "output/text_width.h"
 #include "platform/datetime.h"
@@ -66,10 +66,22 @@ TEST(Output, WrappedTextLosesNothing) {
   EXPECT_EQ(wrapped("", 5), (Lines{""}));
 }
 
-TEST(Output, TheWidestColumnGivesWayFirst) {
-  std::vector<std::size_t> widths = {6, 40, 20, 10};
-  fitColumns(widths, {false, true, true, false}, 60);
-  EXPECT_EQ(widths, (std::vector<std::size_t>{6, 19, 19, 10}));
+TEST(Output, ATableFitsTheTerminalOrIsNone) {
+  const std::vector<std::vector<std::string>> columns = {{"Controller", "1"},
+                                                         {"Readers", "Main entrance, Back door"},
+                                                         {"ToSend", "yes"},
+                                                         {"First", "00:00-12:00 13:00-24:00"}};
+  std::vector<ColumnNeed> needs(columns.size());
+  for (std::size_t i = 0; i < columns.size(); ++i) {
+    needs[i].addHeading(columns[i][0]);
+    needs[i].addCell(columns[i][1]);
+  }
+  using Widths = std::vector<std::size_t>;
+  const std::pair<std::size_t, Widths> fitting[] = {{80, {10, 24, 6, 23}}, {60, {10, 15, 6, 23}},
+                                                    {56, {10, 12, 5, 23}}, {42, {10, 11, 4, 11}},
+                                                    {38, {10, 10, 4, 11}}, {36, {}}};
+  for (const auto& [places, widths] : fitting) EXPECT_EQ(tableLayout(needs, places).widths, widths) << places;
+  EXPECT_EQ(headingLines("ToSendNow", 6), (std::vector<std::string>{"ToSend", "Now"}));
 }
 
 }  // namespace

@@ -77,6 +77,10 @@ shows "31020800120013002400"
 succeeds sim controller fault --station Annex --address 5 --silent
 refuses "Annex Controller 5" status
 refuses "no clock was set" clock
+voxa --yes clock >out 2>err
+[ $? = 3 ] && grep -A1 "are not set" err | grep -q "Annex Controller 5" || fail "the clocks of the others are not set"
+succeeds log --tail 4
+shows "SDDAT(1,0)"
 succeeds daily set Office --second 13:00-18:00
 refuses "aborted" --answer abort download daily
 grep -q "^These controllers do not answer:" err out || fail "nobody says what the controllers do not do"
@@ -123,7 +127,8 @@ succeeds holiday list
 grep -q Strike out && fail "a deleted holiday is listed"
 succeeds sim controller show --station Annex --address 5
 grep -q '03/05/2027' out && fail "a deleted holiday is held"
-refuses "badge create" badge list
+succeeds badge list --json
+[ "$(cat out)" = "[]" ] && grep -q "badge create" err || fail "an installation without badge formats"
 succeeds badge create
 succeeds badge add "Site cards" --techno 5 --site-position 2 --site-size 4 --card-position 6 --site 1A2F
 succeeds download badge "Site cards" --station Annex
@@ -427,6 +432,9 @@ succeeds journal --person "zoë o'quill" --last 1
 succeeds report month.html --since 2026-12-24 --until 2026-12-24 --door barrier --csv figures
 shows "on 24 December 2026"
 head -n 1 "figures/doors.csv" | grep -q "^Door,Presentations" || fail "the figures of the report"
+refuses "not found" report figures.html --csv nodir/figures
+refuses "different names" report figures.html --csv ./figures.html
+[ -e figures.html ] && fail "a report that failed leaves its page"
 refuses "--force replaces it" report month.html
 refuses "--force replaces it" report other.html --csv figures
 
@@ -606,6 +614,18 @@ plant='pl\ant'
 mkdir "$plant"
 succeeds init
 [ -e 'pl\ant/KRV.mdb' ] || fail "an installation is in another folder than the one named"
+
+# What the help tells to type does something in a folder that has taken the first steps.
+for topic in cards lost-card doors times download journal scripts backup; do
+  mkdir "$folder/help-$topic" && cd "$folder/help-$topic" || exit 1
+  printf 'number,name,code,group\n50,Eve,C5,Employees\n' >people.csv
+  while read -r line; do
+    eval "${line/voxa/\"\$program\" --yes}" </dev/null >out 2>err
+    [[ $? = [03] ]] || fail "help $topic: $line"
+  done < <("$program" help first-steps | grep "^  voxa"; "$program" help "$topic" | grep "^  voxa")
+  cd "$folder" || exit 1
+done
+"$program" help journal save | grep -q "Usage: voxa journal save" || fail "the help of a command named as a topic"
 
 "$program" demo story >out 2>err </dev/null || fail "the demonstration"
 shows "Every controller holds what the database says."
