@@ -1,7 +1,6 @@
 #include "work/cards.h"
 
 #include <algorithm>
-#include <cmath>
 
 #include "lines/code.h"
 #include "platform/clock.h"
@@ -37,8 +36,7 @@ std::int16_t lendCard(Installation& installation, const CardTexts& texts) {
   const CardValues values(texts, GroupNames(installation), installation.clock());
   if (!values.until || values.until->isNull())
     throw Refusal("a card that is lent needs its last day: the day on which it comes back");
-  if (values.until->toDateTime().days < std::floor(installation.clock().now().days))
-    throw Refusal("the last day " + values.until->toText() + " is over already");
+  requireLastDayToCome(installation, values);
   return addCard(installation, texts);
 }
 
