@@ -8,6 +8,14 @@
 
 namespace voxa::cli {
 
+namespace {
+
+std::string withArticle(const std::string& thing) {
+  return (std::string_view("aeiou").find(thing.front()) != std::string_view::npos ? "an " : "a ") + thing;
+}
+
+}  // namespace
+
 Command* addShowCommand(Command& group, Session& session, const std::string& argument,
                         const std::string& thing, const std::string& footer,
                         std::function<void(const std::string& name, bool json)> print) {
@@ -27,7 +35,7 @@ Command* addShowCommand(Command& group, Session& session, const std::string& arg
 Command* addRenameCommand(Command& group, Session& session, const std::string& argument,
                           const std::string& thing, const std::string& footer,
                           std::function<void(const std::string& name, const std::string& newName)> rename) {
-  auto* renaming = group.add_subcommand("rename", "Give a " + thing + " another name");
+  auto* renaming = group.add_subcommand("rename", "Give " + withArticle(thing) + " another name");
   auto names = std::make_shared<std::pair<std::string, std::string>>();
   renaming->add_option(argument, names->first, "Number or name of the " + thing)->required();
   renaming->add_option("NEW", names->second, "Its new name")->required();
@@ -42,7 +50,7 @@ Command* addRenameCommand(Command& group, Session& session, const std::string& a
 Command* addDeleteCommand(Command& group, const std::string& argument, const std::string& thing,
                           const std::string& moveTo, const std::string& moveHelp, const std::string& footer,
                           std::function<void(const std::string& name, const std::string& moveTo)> remove) {
-  auto* deleting = group.add_subcommand("delete", "Delete a " + thing);
+  auto* deleting = group.add_subcommand("delete", "Delete " + withArticle(thing));
   auto names = std::make_shared<std::pair<std::string, std::string>>();
   deleting->add_option(argument, names->first, "Number or name of the " + thing)->required();
   if (!moveTo.empty()) deleting->add_option(moveTo, names->second, moveHelp);
