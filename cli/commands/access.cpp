@@ -42,9 +42,9 @@ Cell hoursOf(const std::string& hours) {
 void print(const std::vector<AccessAnswer>& answers, bool json) {
   constexpr std::size_t shown = 6;
   std::vector<std::string> columns = {
-      "Card",       "Name",      "Door",   "Opens",        "Reason",        "Known",
-      "Controller", "LineInUse", "At",     "OtherSide",    "WeeklyProgram", "DailyProgram",
-      "Hours",      "Holiday",   "Credit", "PersonalCode", "Certain",       "ControllerOpens"};
+      "Card",      "Name",         "Door",      "Opens",           "Reason",       "Known", "Controller",
+      "LineInUse", "At",           "OtherSide", "WeeklyProgram",   "DailyProgram", "Hours", "Holiday",
+      "Credit",    "PersonalCode", "Certain",   "ControllerOpens", "OldCode"};
   if (!json) columns.resize(shown);
   TableOutput table(columns);
   for (const AccessAnswer& answer : answers) {
@@ -66,7 +66,8 @@ void print(const std::vector<AccessAnswer>& answers, bool json) {
         answer.credit == 0 ? Value() : Value(answer.credit),
         answer.personalCode,
         answer.known == Sure::yes,
-        answer.controllerOpens == Sure::unsaid ? Value() : Value(answer.controllerOpens == Sure::yes)};
+        answer.controllerOpens == Sure::unsaid ? Value() : Value(answer.controllerOpens == Sure::yes),
+        orNone(answer.oldCode)};
     cells.resize(columns.size());
     table.add(std::move(cells));
   }
@@ -114,7 +115,7 @@ void addAccessCommands(Command& app, Session& session) {
     command->callback([&session, options, run] { run(session, *options); });
   };
   add("who", "List the cards that open a door, then or at other hours",
-      "Cards that are not to open it are listed when the controller still opens to them.\n"
+      "Cards that are not to open it are listed when the controller still opens to them, or may.\n"
       "Examples:\n  voxa access who \"Front door\"\n  voxa access who \"Front door\" --at \"24/12/2026 "
       "18:05\"",
       who);

@@ -10,9 +10,8 @@ namespace voxa::cli {
 
 namespace {
 
-/// "an access group".
-std::string one(const std::string& thing) {
-  return (std::string_view("aeiou").find(thing.front()) == std::string_view::npos ? "a " : "an ") + thing;
+std::string withArticle(const std::string& thing) {
+  return (std::string_view("aeiou").find(thing.front()) != std::string_view::npos ? "an " : "a ") + thing;
 }
 
 }  // namespace
@@ -36,7 +35,7 @@ Command* addShowCommand(Command& group, Session& session, const std::string& arg
 Command* addRenameCommand(Command& group, Session& session, const std::string& argument,
                           const std::string& thing, const std::string& footer,
                           std::function<void(const std::string& name, const std::string& newName)> rename) {
-  auto* renaming = group.add_subcommand("rename", "Give " + one(thing) + " another name");
+  auto* renaming = group.add_subcommand("rename", "Give " + withArticle(thing) + " another name");
   auto names = std::make_shared<std::pair<std::string, std::string>>();
   renaming->add_option(argument, names->first, "Number or name of the " + thing)->required();
   renaming->add_option("NEW", names->second, "Its new name")->required();
@@ -51,7 +50,7 @@ Command* addRenameCommand(Command& group, Session& session, const std::string& a
 Command* addDeleteCommand(Command& group, const std::string& argument, const std::string& thing,
                           const std::string& moveTo, const std::string& moveHelp, const std::string& footer,
                           std::function<void(const std::string& name, const std::string& moveTo)> remove) {
-  auto* deleting = group.add_subcommand("delete", "Delete " + one(thing));
+  auto* deleting = group.add_subcommand("delete", "Delete " + withArticle(thing));
   auto names = std::make_shared<std::pair<std::string, std::string>>();
   deleting->add_option(argument, names->first, "Number or name of the " + thing)->required();
   if (!moveTo.empty()) deleting->add_option(moveTo, names->second, moveHelp);
@@ -62,7 +61,7 @@ Command* addDeleteCommand(Command& group, const std::string& argument, const std
 
 Cell eachBelow(const std::vector<std::string>& texts, const nlohmann::ordered_json& forPrograms) {
   std::string text;
-  for (const std::string& each : texts) text += (text.empty() ? "" : "\n") + each;
+  for (const std::string& one : texts) text += (text.empty() ? "" : "\n") + one;
   return {text.empty() ? "-" : text, forPrograms};
 }
 

@@ -154,6 +154,7 @@ class Comparison {
     if (doubt) return PlanReason::answerLost;
     if (absent) return PlanReason::notSent;
     if (eraseFirst) return PlanReason::liftTaken;
+    if (differs_[index(CardField::code)] && mayOpen(held_)) return PlanReason::oldCard;
     if (differs_.any() || !missingLifts_.empty()) return PlanReason::changed;
     return card_.marks[creditPart] && !at_.full ? PlanReason::creditMarked : PlanReason::requested;
   }

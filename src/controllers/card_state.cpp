@@ -90,4 +90,8 @@ CardState CardState::read(std::string_view text) {
   return state;
 }
 
+Possible CardState::codeOf(std::string_view text) {
+  return Possible::read(takeUntil(text, betweenParts));
+}
+
 }  // namespace voxa

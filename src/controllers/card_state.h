@@ -39,6 +39,8 @@ class CardState {
   /// As the ledger stores it: the parts in the order of CardField with "," between, then the outputs.
   [[nodiscard]] std::string text() const;
   [[nodiscard]] static CardState read(std::string_view text);
+  /// Only what is known of the code.
+  [[nodiscard]] static Possible codeOf(std::string_view text);
 
  private:
   static std::size_t index(CardField field) { return static_cast<std::size_t>(field); }

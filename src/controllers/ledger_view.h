@@ -4,6 +4,7 @@
 #include <map>
 #include <optional>
 #include <set>
+#include <string>
 #include <vector>
 
 #include "controllers/controller_list.h"
@@ -31,6 +32,17 @@ class LedgerView {
   [[nodiscard]] Holdings holdings(const ControllerPlace& place) const;
   /// The part of it in these slots, and of which kinds others may be there.
   [[nodiscard]] Holdings holdings(const ControllerPlace& place, const SlotRange& slots) const;
+
+  /// A number under which a controller has a card, or may have it, with each code that it may be known by.
+  struct HeldCode {
+    ControllerPlace place;
+    std::int32_t number;
+    std::vector<std::string> codes;
+  };
+  /// The cards with one of these numbers, and those with one of these codes, as SentLine has them, in one
+  /// pass. Of a card of which nothing is known no code is named: it is not among them.
+  [[nodiscard]] std::vector<HeldCode> heldCodes(const std::set<std::int32_t>& numbers,
+                                                const std::set<std::string>& codes) const;
 
   [[nodiscard]] bool knowsNothingOf(const ControllerPlace& place) const;
 

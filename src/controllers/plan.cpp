@@ -12,6 +12,8 @@ const char* textOf(PlanReason reason) {
       return "not sent yet";
     case PlanReason::changed:
       return "changed";
+    case PlanReason::oldCard:
+      return "changed; its old card opens until then";
     case PlanReason::answerLost:
       return "answer lost";
     case PlanReason::unknown:

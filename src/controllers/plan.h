@@ -23,6 +23,7 @@ enum class PlanReason : std::uint8_t {
   newController,  ///< nothing was ever sent to it
   notSent,        ///< it does not have it yet
   changed,        ///< it has it otherwise
+  oldCard,        ///< it has it with another code, and opens to that one
   answerLost,     ///< it was sent, and nobody knows whether it arrived
   unknown,        ///< nothing is known of it
   creditMarked,   ///< the credit is marked to be sent

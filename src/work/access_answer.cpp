@@ -64,6 +64,10 @@ std::string knownText(const AccessAnswer& answer) {
     separator = ", ";
   }
   text += ")";
+  if (!answer.oldCode.empty()) {
+    text += answer.oldCodeOpens == Sure::yes ? "; it still opens" : "; it may still open";
+    return text + " to its old card (code " + answer.oldCode + ")";
+  }
   if (answer.controllerOpens == Sure::unsaid || answer.controllerOpens == sure(answer.opens)) return text;
   return text + (answer.opens ? "; it keeps the door shut" : "; it opens the door");
 }

@@ -54,6 +54,9 @@ struct AccessAnswer {
   Sure known = Sure::yes;               ///< whether the controller holds all that decides; unsaid: in doubt
   std::vector<std::string> missing;     ///< what it may lack: "the card", "weekly program Staff"
   Sure controllerOpens = Sure::unsaid;  ///< what it does by what it certainly holds
+  /// Another code under the card's number to which it opens the door: that of the card before. "" for none.
+  std::string oldCode;
+  Sure oldCodeOpens = Sure::no;
 };
 
 /// "Ann (card 7) opens Front door: always".
@@ -62,8 +65,8 @@ struct AccessAnswer {
 [[nodiscard]] std::string whereKnown(const AccessAnswer& answer);
 /// The reason in plain words: "outside the hours of Staff, Office (08:00-12:00)".
 [[nodiscard]] std::string reasonText(const AccessAnswer& answer);
-/// "yes", "in doubt: weekly program Staff" or "not yet: the card"; and what the controller does when that is
-/// not what the rows say.
+/// "yes", "in doubt (weekly program Staff)" or "not yet (the card)"; and what the controller does, or may do,
+/// when that is not what the rows say.
 [[nodiscard]] std::string knownText(const AccessAnswer& answer);
 
 }  // namespace voxa

@@ -11,6 +11,7 @@
 #include "platform/database/database.h"
 #include "platform/text.h"
 #include "work/card_values.h"
+#include "work/held_codes.h"
 #include "work/installation.h"
 #include "work/refusal.h"
 #include "work/suggestions.h"
@@ -29,14 +30,14 @@ constexpr std::pair<CardField, const char*> parts[] = {{CardField::weekly, "the 
                                                        {CardField::lastDay, "its last valid day"},
                                                        {CardField::credit, "its credit"}};
 
-/// As a controller holds it; "" for none, and for one that none can hold.
-std::string heldCode(const CardRecord& card) {
-  if (card.code.empty()) return "";
-  try {
-    return sentLine("090001" + convertCardCode(card.code), "").value;
-  } catch (const Error&) {
-    return "";
+/// A controller's card with what is assumed of it taken for certain: whoever is asked for what may be wrong
+/// does not want all that was never sent again.
+CardState withAssumptions(CardState card) {
+  for (std::size_t i = 0; i < cardFieldCount; ++i) {
+    Possible& part = card.part(static_cast<CardField>(i));
+    if (part.certainty() == Certainty::assumed) part = Possible::held(part.last());
   }
+  return card;
 }
 
 std::string hoursText(const DailyProgramRow& program) {
@@ -61,6 +62,7 @@ struct AccessQuestions::Case {
   std::int16_t weekly = alwaysProgram;
   int daily = 0;
   bool sometime = false;  ///< the weekly program opens at some hours
+  bool against = false;   ///< its controller opens, or may open, against what the rows say
   AccessAnswer answer = {};
 };
 
@@ -95,8 +97,7 @@ std::vector<AccessAnswer> AccessQuestions::whoOpens(const std::string& door, Dat
   for (const auto rows = installation_.database().openRecordset("select * from Cardholders order by CardNum");
        !rows->eof(); rows->moveNext()) {
     Case found = judge(*rows, asked, at);
-    const bool lets = found.answer.opens || found.answer.controllerOpens == Sure::yes;
-    if (lets || found.sometime) answers.push_back(std::move(found.answer));
+    if (found.answer.opens || found.against || found.sometime) answers.push_back(std::move(found.answer));
   }
   return answers;
 }
@@ -106,10 +107,8 @@ std::vector<AccessAnswer> AccessQuestions::whatOpens(const std::string& card, Da
   std::vector<AccessAnswer> answers;
   for (const ReaderRow& reader : listReaders(installation_)) {
     const Door door = doorOf(reader);
-    if (!reachOf(nullToInt(row->get("AccessGroupId")), door.place).granted) continue;
     Case found = judge(*row, door, at);
-    const bool against = found.answer.controllerOpens == Sure::yes;
-    if (found.side != nullptr || against) answers.push_back(std::move(found.answer));
+    if (found.side != nullptr || found.against) answers.push_back(std::move(found.answer));
   }
   return answers;
 }
@@ -229,7 +228,8 @@ void AccessQuestions::compareWithController(Case& asked) {
   }
   const Holdings& held = heldAt(asked.door.place);
   const CardState card = held.card(asked.card.number);
-  answer.controllerOpens = asked.decision.opens(held, card, heldCode(asked.card), asked.door.right);
+  answer.controllerOpens = asked.decision.opens(held, card, heldForm(asked.card.code), asked.door.right);
+  noteWhatIsAgainst(asked, held, card);
   const auto found = [&](Sure holds, const std::string& what) {
     answer.known = std::min(answer.known, holds);
     if (holds != Sure::yes) answer.missing.push_back(what);
@@ -262,6 +262,28 @@ void AccessQuestions::compareWithController(Case& asked) {
   const Sure holiday = asked.decision.isHoliday(held);
   const bool same = holiday == sure(!answer.holiday.empty());
   (void)found(holiday == Sure::unsaid ? holiday : sure(same), "the holidays");
+}
+
+void AccessQuestions::noteWhatIsAgainst(Case& asked, const Holdings& held, const CardState& card) {
+  AccessAnswer& answer = asked.answer;
+  const std::string code = heldForm(asked.card.code);
+  const Possible& known = card.part(CardField::code);
+  const ImageCard* image = image_.card(asked.card.number);
+  const bool ofAnother = asked.card.deleted && image != nullptr && !image->deleted;  // who has its number now
+  std::vector<std::string> others = known.since();
+  others.push_back(known.last());
+  for (const std::string& other : others) {
+    if (other.empty() || other == code || ofAnother) continue;
+    const Sure opens = asked.decision.opens(held, card, other, asked.door.right);
+    if (opens <= answer.oldCodeOpens) continue;
+    answer.oldCodeOpens = opens;
+    answer.oldCode = shownCode(other);
+  }
+  // Of a card that it has no entry of only that is known which holds for every number.
+  const bool may = held.cards.contains(asked.card.number) &&
+                   asked.decision.opens(held, withAssumptions(card), code, asked.door.right) != Sure::no;
+  asked.against = !answer.oldCode.empty() || answer.controllerOpens == Sure::yes ||
+                  (answer.controllerOpens == Sure::unsaid && may);
 }
 
 const AccessQuestions::Reach& AccessQuestions::reachOf(std::int16_t group, const ControllerPlace& place) {

@@ -32,10 +32,10 @@ class AccessQuestions {
   /// when there is none.
   [[nodiscard]] AccessAnswer mayOpen(const std::string& card, const std::string& door, DateTime at);
   /// The cards that open a door at that moment or at any other hours of their weekly program, by number; and
-  /// those to which its controller certainly opens against what the rows say.
+  /// those to which its controller opens, or may open, against what the rows say.
   [[nodiscard]] std::vector<AccessAnswer> whoOpens(const std::string& door, DateTime at);
   /// The doors that a card's group grants, and their other sides, by reader; and those which their
-  /// controllers certainly open to the card against what the rows say.
+  /// controllers open to the card, or may open, against what the rows say.
   [[nodiscard]] std::vector<AccessAnswer> whatOpens(const std::string& card, DateTime at);
 
  private:
@@ -62,6 +62,7 @@ class AccessQuestions {
   [[nodiscard]] AccessReason reasonByRows(Case& asked);
   [[nodiscard]] AccessReason reasonByTime(Case& asked);
   void compareWithController(Case& asked);
+  void noteWhatIsAgainst(Case& asked, const Holdings& held, const CardState& card);
 
   [[nodiscard]] const Reach& reachOf(std::int16_t group, const ControllerPlace& place);
   [[nodiscard]] const Holdings& programsFor(const std::string& controllerType);

@@ -6,6 +6,7 @@
 #include "work/card_history.h"
 #include "work/card_values.h"
 #include "work/carry_out.h"
+#include "work/held_codes.h"
 #include "work/installation.h"
 #include "work/refusal.h"
 
@@ -35,6 +36,20 @@ void tell(Installation& installation, ToldCard& card, PlanScope scope, const Tel
   }
 }
 
+/// Tells the controllers of a card that is blocked, also of what they hold of it under a number that it had.
+void tellBlocked(Installation& installation, ToldCard& card, const Value& code, const Telling& how) {
+  tell(installation, card, {.erasesBlocked = true}, how);
+  if (code.isNull() || !card.notTold.empty()) return;
+  const HeldCodes held(installation, {{card.number, code.toText()}});
+  for (const std::int32_t number : held.numbersOf(code.toText())) {
+    if (number == card.number) continue;
+    ToldCard before{number, card.name};
+    tell(installation, before, {.erasesBlocked = true}, how);
+    card.left.insert(card.left.end(), before.left.begin(), before.left.end());
+    card.notTold = before.notTold;
+  }
+}
+
 void setValid(Installation& installation, Recordset& card, bool valid) {
   Transaction transaction(installation.engine(), installation.database());
   card.edit();
@@ -50,7 +65,7 @@ ToldCard blockCard(Installation& installation, const std::string& card, const Te
   const auto row = cardNamed(installation, card);
   setValid(installation, *row, false);
   ToldCard told = named(*row);
-  tell(installation, told, {.erasesBlocked = true}, how);
+  tellBlocked(installation, told, row->get("CardCode"), how);
   return told;
 }
 
@@ -70,12 +85,15 @@ ToldCard replaceCard(Installation& installation, const std::string& card, const 
   CardTexts given = texts;
   given.valid = "yes";
   const CardValues values(given, GroupNames(installation), installation.clock());
+  requireLastDayToCome(installation, values);
   if (isCode(row->get("CardCode"), *values.code)) throw Refusal("this is the code of the card that it has");
   TakenByCards(installation, {row->get("Id").toInt32()}).requireFree(values);
   ToldCard told = named(*row);
   const bool renumbered = values.number && *values.number != told.number;
+  const CardIdentity another{renumbered ? *values.number : told.number, *values.code, renumbered};
+  HeldCodes(installation, {another}).requireFree(another);
   setValid(installation, *row, false);
-  tell(installation, told, {.erasesBlocked = true}, how);
+  tellBlocked(installation, told, row->get("CardCode"), how);
   if (renumbered && (!told.left.empty() || !told.notTold.empty())) {
     throw Refusal(told.name +
                   " is blocked, but has its code and number still, since the old card is not erased:" +

@@ -2,6 +2,7 @@
 
 #include <map>
 
+#include "comm/com.h"
 #include "controllers/image.h"
 #include "files/conversions.h"
 #include "lines/code.h"
@@ -10,6 +11,7 @@
 #include "work/card_history.h"
 #include "work/forget_cards.h"
 #include "work/group_reach.h"
+#include "work/held_codes.h"
 #include "work/installation.h"
 #include "work/refusal.h"
 
@@ -126,7 +128,10 @@ void CardChanges::carryOut(Observer* observer) {
     values.number = taken.freeNumber();
     taken.take(values, values.name.value_or(""));
   }
+  requireHeldByNoOther(true);
   eraseWhatIsLost();
+  // Where nothing is sent on purpose nothing could be erased.
+  if (!installation_.Com().inhibitCom) requireHeldByNoOther(false);
   std::vector<std::int32_t> credits;
   std::size_t done = 0;
   Transaction transaction(installation_.engine(), installation_.database());
@@ -150,6 +155,25 @@ void CardChanges::carryOut(Observer* observer) {
   transaction.commit();
   // Also those controllers count anew that have got the last one.
   if (!credits.empty()) installation_.ledger().endCredits(credits);
+}
+
+void CardChanges::requireHeldByNoOther(bool beforeErasing) const {
+  std::vector<CardIdentity> cards;
+  std::set<std::int32_t> erased;
+  for (const Change& change : changes_) {
+    if (!change.renumbered && !change.recoded) continue;
+    const std::int32_t before = change.number.isNull() ? 0 : change.number.toInt32();
+    if (beforeErasing) erased.insert(before);
+    const std::string code =
+        change.values.code || change.code.isNull() ? change.values.code.value_or("") : change.code.toText();
+    cards.push_back({change.renumbered ? *change.values.number : before, code, change.renumbered});
+  }
+  // Those that are added are the same behind it.
+  if (!beforeErasing && cards.empty()) return;
+  for (const auto& [values, line] : added_)
+    cards.push_back({values.number.value_or(0), values.code.value_or(""), true});
+  const HeldCodes held(installation_, cards);
+  for (const CardIdentity& card : cards) held.requireFree(card, erased);
 }
 
 std::vector<CardValues> CardChanges::newCards() const {

@@ -51,7 +51,7 @@ class CardChanges {
   /// Gives each new card without one a number, in their order: the lowest that no card has or had (newCards).
   /// Erases what is to be erased; a Refusal when a controller that has to do so does not answer: then no row
   /// changes. Then changes the rows, marked to be sent. A Refusal when two cards would have the same number,
-  /// code or name.
+  /// code or name, and while a controller may still hold a number or code as another card's.
   void carryOut(Observer* observer = nullptr);
 
  private:
@@ -71,6 +71,9 @@ class CardChanges {
   [[nodiscard]] TakenByCards takenAfterwards(
       const std::function<void(std::size_t line, const Refusal& clash)>& onClash) const;
   void eraseWhatIsLost();
+  /// A Refusal when a controller may hold a number or code as another card's, which is not changed here
+  /// or, behind the erasing, was not erased.
+  void requireHeldByNoOther(bool beforeErasing) const;
   void freeOldValues(const Change& change);
   void write(const Change& change);
   void write(const CardValues& values, Recordset& rows);

@@ -1,6 +1,7 @@
 #include "work/card_values.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "access/card_record.h"
 #include "lines/code.h"
@@ -9,6 +10,7 @@
 #include "platform/database/database.h"
 #include "platform/datetime.h"
 #include "platform/text.h"
+#include "work/held_codes.h"
 #include "work/installation.h"
 #include "work/look_up.h"
 #include "work/refusal.h"
@@ -159,6 +161,16 @@ void CardValues::set(Recordset& row) const {
   put("Supervisor", supervisor, supervisorPart);
 }
 
+bool isOver(Installation& installation, const CardValues& values) {
+  return values.until && !values.until->isNull() &&
+         values.until->toDateTime().days < std::floor(installation.clock().now().days);
+}
+
+void requireLastDayToCome(Installation& installation, const CardValues& values) {
+  if (isOver(installation, values))
+    throw Refusal("the last day " + values.until->toText() + " is over already");
+}
+
 void markWhole(Recordset& row) {
   for (const CardPart part : {cardCodePart, accessGroupPart, validatedPart}) row.set(flagColumn(part), true);
   if (!row.get("PINCode").isNull()) row.set(flagColumn(pinCodePart), true);
@@ -180,7 +192,8 @@ void markWhole(Installation& installation, const std::set<std::int32_t>& numbers
   transaction.commit();
 }
 
-TakenByCards::TakenByCards(Installation& installation, const std::set<std::int32_t>& changing) {
+TakenByCards::TakenByCards(Installation& installation, const std::set<std::int32_t>& changing)
+    : installation_(installation) {
   const auto rows = installation.database().openRecordset(
       "select Id, CardNum, CardCode, Name, Deleted, CardCodeFlagD from Cardholders");
   for (; !rows->eof(); rows->moveNext()) {
@@ -224,9 +237,18 @@ void TakenByCards::take(const CardValues& values, const std::string& who) {
 }
 
 std::int16_t TakenByCards::freeNumber() {
-  while (everUsed_.contains(nextFree_)) ++nextFree_;
-  if (nextFree_ > lastNumber) throw Refusal("cards have all the numbers that controllers can hold (9999)");
-  return nextFree_;
+  constexpr std::int32_t atOnce = 256;
+  while (nextFree_ <= lastNumber) {
+    if (everUsed_.contains(nextFree_)) {
+      ++nextFree_;
+    } else if (nextFree_ < heldUpTo_) {
+      return nextFree_;
+    } else {  // a controller may know a card that no row tells of
+      heldUpTo_ = nextFree_ + atOnce;
+      everUsed_.merge(heldNumbers(installation_, nextFree_, heldUpTo_));
+    }
+  }
+  throw Refusal("cards have all the numbers that controllers can hold (9999)");
 }
 
 namespace {

@@ -70,6 +70,11 @@ struct CardValues {
   void set(Recordset& row) const;
 };
 
+/// Whether a last day is given that is over: the card opens nothing with it.
+[[nodiscard]] bool isOver(Installation& installation, const CardValues& values);
+/// A Refusal for such a day.
+void requireLastDayToCome(Installation& installation, const CardValues& values);
+
 /// Marks a row that is being edited or added as a whole: code, rights, validity, and what else it has of its
 /// own. Whatever gives a card to a controller gives it all of that: one that has erased the card meanwhile
 /// would open without the last day, the personal code and the credit.
@@ -88,14 +93,16 @@ class TakenByCards {
   void requireFree(const CardValues& values) const;
   /// who: how a refusal names the new owner.
   void take(const CardValues& values, const std::string& who);
-  /// The lowest number that no card has or had; a Refusal when there is none.
+  /// The lowest number that no card has or had, and no controller holds; a Refusal when there is none.
   [[nodiscard]] std::int16_t freeNumber();
 
  private:
+  Installation& installation_;
   std::map<std::int32_t, std::string> numbers_;
   std::map<std::string, std::string> codes_, names_;  // to who has them
   std::set<std::int32_t> everUsed_;
   std::int16_t nextFree_ = 1;
+  std::int32_t heldUpTo_ = 0;  // below it everUsed_ has what the controllers hold
 };
 
 /// The row of the card of that number; a Refusal when there is none. Deleted cards are passed over.

@@ -1,7 +1,5 @@
 #include "work/cards.h"
 
-#include <cmath>
-
 #include "platform/clock.h"
 #include "platform/database/database.h"
 #include "work/installation.h"
@@ -24,8 +22,7 @@ std::int16_t lendCard(Installation& installation, const CardTexts& texts) {
   const CardValues values(texts, GroupNames(installation), installation.clock());
   if (!values.until || values.until->isNull())
     throw Refusal("a card that is lent needs its last day: the day on which it comes back");
-  if (values.until->toDateTime().days < std::floor(installation.clock().now().days))
-    throw Refusal("the last day " + values.until->toText() + " is over already");
+  requireLastDayToCome(installation, values);
   return addCard(installation, texts);
 }
 

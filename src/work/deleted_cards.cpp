@@ -4,12 +4,11 @@
 #include <vector>
 
 #include "access/card_record.h"
-#include "comm/com.h"
-#include "controllers/ledger_view.h"
 #include "files/conversions.h"
 #include "platform/database/database.h"
 #include "work/card_history.h"
 #include "work/card_values.h"
+#include "work/held_codes.h"
 #include "work/installation.h"
 #include "work/refusal.h"
 #include "work/words.h"
@@ -47,20 +46,6 @@ std::unique_ptr<Recordset> deletedCard(Installation& installation, const std::st
   return row;
 }
 
-/// Controllers that may hold a card of that number.
-std::vector<std::string> holdersOf(Installation& installation, std::int32_t number) {
-  std::vector<ControllerPlace> places;
-  (void)installation.ledger().look([&](const LedgerView& ledger) {
-    for (const auto& [place, controller] : ledger.controllers().all()) {
-      if (!ledger.holdings(place).card(number).part(CardField::code).is("")) places.push_back(place);
-    }
-  });
-  std::vector<std::string> names;
-  for (const ControllerPlace& place : places)
-    names.push_back(installation.Com().getName(place.station, place.address));
-  return names;
-}
-
 bool isInUse(Installation& installation, std::int32_t number) {
   return !installation.database()
               .openRecordset(
@@ -68,6 +53,26 @@ bool isInUse(Installation& installation, std::int32_t number) {
                   "false",
                   {{"pNumber", number}})
               ->eof();
+}
+
+/// Of the cards in use, those to which other programs have given that code, too.
+std::set<std::int32_t> numbersWithCode(Installation& installation, const Value& code) {
+  std::set<std::int32_t> numbers;
+  if (code.isNull()) return numbers;
+  const auto rows = installation.database().openRecordset(
+      "parameters pCode memo; select CardNum from Cardholders where Deleted = false and CardNum is not null "
+      "and CardCode = pCode",
+      {{"pCode", code}});
+  for (; !rows->eof(); rows->moveNext()) numbers.insert(rows->get("CardNum").toInt32());
+  return numbers;
+}
+
+void requireErased(Installation& installation, std::int32_t number, const std::string& card,
+                   const std::string& then) {
+  const std::vector<std::string> holders = holdersOf(installation, number);
+  if (holders.empty()) return;
+  throw Refusal("these controllers may still hold " + card + ":" + eachOnALine(holders) +
+                "\n'voxa download' makes them erase it. " + then);
 }
 
 }  // namespace
@@ -93,6 +98,14 @@ std::int16_t restoreCard(Installation& installation, const std::string& card, co
     throw Refusal(name + " is in the access group " + GroupNames(installation).name(defaultGroup) +
                   ", as are all deleted cards whose group is gone: say with --group where it is to open");
   }
+  const bool renumbered = !had.isNull() && had.toInt32() != *values.number;
+  // A controller that has it under the old number would go on opening to it, as the card of whoever gets
+  // that.
+  if (renumbered && !isInUse(installation, had.toInt32()))
+    requireErased(installation, had.toInt32(), called(*row), "Then it can get another number");
+  const Value code = row->get("CardCode");
+  const CardIdentity restored{*values.number, code.isNull() ? "" : code.toText(), renumbered || had.isNull()};
+  HeldCodes(installation, {restored}).requireFree(restored);
   Transaction transaction(installation.engine(), installation.database());
   if (had.isNull() || had.toInt32() != *values.number) {
     keepCardHistory(installation, *row);
@@ -112,16 +125,18 @@ Purge requirePurgeable(Installation& installation, const std::string& card) {
   const Value number = row->get("CardNum");
   const bool marked = row->get("CardCodeFlagD").toBool();
   // Who has the number now got it when every controller had erased this card.
-  if (!number.isNull() && !isInUse(installation, number.toInt32())) {
-    const std::vector<std::string> holders = holdersOf(installation, number.toInt32());
-    if (!holders.empty()) {
-      throw Refusal("these controllers may still hold " + called(*row) + ":" + eachOnALine(holders) +
-                    "\n'voxa download' makes them erase it. Then it can be purged");
-    }
+  const bool numberIsItsOwn = !number.isNull() && !isInUse(installation, number.toInt32());
+  constexpr const char* then = "Then it can be purged";
+  if (numberIsItsOwn) {
+    requireErased(installation, number.toInt32(), called(*row), then);
     if (marked && !installation.ledger().open())
       throw Refusal("a controller may still hold " + called(*row) +
                     ": 'voxa download' makes it erase the card");
   }
+  // Under whatever number: it may have had another one.
+  const Value code = row->get("CardCode");
+  const CardIdentity gone{0, code.isNull() ? "" : code.toText()};
+  HeldCodes(installation, {gone}).requireFree(gone, numbersWithCode(installation, code));
   return {row->get("Id").toInt32(), called(*row)};
 }
 

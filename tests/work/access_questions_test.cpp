@@ -205,7 +205,8 @@ TEST_F(AccessQuestionsTest, TheLedgerSaysWhatTheControllerKnowsAndDoes) {
   send(true);
   EXPECT_EQ(known("22/12/2026 09:00"), "yes: opens");
   set("CardCode = '12' where CardNum = 1");
-  EXPECT_EQ(known("22/12/2026 09:00"), "not yet (the card); it keeps the door shut: shut");
+  EXPECT_EQ(known("22/12/2026 09:00"),
+            "not yet (the card); it still opens to its old card (code 000047A1): shut");
   set("CardCode = '000047A1' where CardNum = 1");
   db().execute("update Readers set ControllerType = 'VRMD1' where ControllerAddress = 1");
   EXPECT_EQ(known("22/12/2026 09:00"), "in doubt (the card): unsaid");

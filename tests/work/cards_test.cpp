@@ -3,6 +3,7 @@
 #include "messages/strings.h"
 #include "platform/transliteration.h"
 #include "support/installation_test.h"
+#include "work/access_questions.h"
 #include "work/card_batch.h"
 #include "work/card_blocking.h"
 #include "work/card_erasing.h"
@@ -228,6 +229,35 @@ TEST_F(CardWorkTest, ALostCardOpensNothingWhereverItCanBeReached) {
   EXPECT_EQ(driver.sent(), "") << "a blocked card does not come back";
   EXPECT_TRUE(unblockCard(*library, "Ann", {}).left.empty());
   EXPECT_TRUE(holds(1) && holds(5));
+}
+
+// A controller that was not reached opens to the old code, as the card of the old number.
+TEST_F(CardWorkTest, WhatAControllerMayStillOpenToIsNobodyElses) {
+  addCard(*library, {"Bob", "13", "99", "Staff"});
+  (void)carryOut(*library, {});
+  testLine(frontSilent);
+  EXPECT_EQ(replaceCard(*library, "Ann", {.code = "4712"}, {}).left.size(), 1U);
+  AccessQuestions questions(*library);
+  EXPECT_NE(knownText(questions.mayOpen("12", "Front", clock.now())).find("old card (code 00004711)"),
+            std::string::npos);
+  passOver(*library, silentControllers(*library, {}));
+  ASSERT_TRUE(deleteCard(*library, 13).erased);
+  const std::function<void()> works[] = {
+      [&] {
+        addCard(*library, {"Eve", {}, "4711", "Guests"});
+      },
+      [&] {
+        (void)createCards(*library, CardBatch(*library, {"40", "4710", "2", "Guests"}), false);
+      },
+      [&] { restoreCard(*library, "Bob", {"14"}); }, [&] { (void)requirePurgeable(*library, "Bob"); }};
+  for (const auto& work : works) EXPECT_THROW(work(), Refusal);
+  // As an older version of this system left it.
+  db().execute("update Cardholders set CardNum = 14 where Name = 'Bob'");
+  EXPECT_THROW((void)requirePurgeable(*library, "Bob"), Refusal);
+  EXPECT_THROW(addCard(*library, {"Eve", "13", "5", "Guests"}), Refusal);
+  testLine(bothAnswer);
+  EXPECT_TRUE(carryOut(*library, {}).isComplete());
+  for (const auto& work : {works[0], works[1], works[3], works[2]}) EXPECT_NO_THROW(work());
 }
 
 TEST_F(CardWorkTest, ADeletedCardComesBackOrGoesForGood) {
