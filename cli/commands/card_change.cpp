@@ -69,6 +69,10 @@ void set(Session& session, const CardOptions& options) {
   if (options.card.empty()) return setMany(session, options);
   if (options.dryRun) throw Refusal("--dry-run is for --where: it shows what many cards have now");
   changeCard(session.library(), options.card, options.texts);
+  if (!options.texts.until) return;
+  if (isOver(session.library(),
+             CardValues({.until = options.texts.until}, GroupNames(session.library()), session.clock())))
+    std::cerr << "Mind: that day is over: the card opens nothing once 'voxa download' has sent it\n";
 }
 
 void rename(Session& session, const CardOptions& options) {

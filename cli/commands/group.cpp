@@ -99,7 +99,9 @@ void grant(Session& session, const DoorOptions& options) {
 
 void revoke(Session& session, const DoorOptions& options) {
   session.openForSending();
-  revokeDoors(session.library(), options.group, options.readers());
+  const std::vector<std::string> open = revokeDoors(session.library(), options.group, options.readers());
+  if (!open.empty())
+    std::cerr << "Mind: still open to its cards until 'voxa download': " << joined(open) << '\n';
 }
 
 void remove(Session& session, const std::string& name, const std::string& moveTo) {

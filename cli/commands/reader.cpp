@@ -24,7 +24,7 @@ void addReader(Session& session, const ReaderTexts& texts) {
   }
   std::cout << "Reader " << added.id << ": " << texts.name << '\n';
   if (added.newController) {
-    std::cout << "Its controller is new: 'voxa download' sends it what it misses\n";
+    std::cout << "It is the first reader of its controller: 'voxa download' sends what that one misses\n";
   }
 }
 

@@ -93,41 +93,31 @@ Holdings LedgerView::holdings(const ControllerPlace& place, const SlotRange& slo
 std::vector<LedgerView::HeldCode> LedgerView::heldCodes(const std::set<std::int32_t>& numbers,
                                                         const std::set<std::string>& codes) const {
   std::map<std::int32_t, ControllerPlace> places;
-  std::string condition;
-  const auto add = [&](const std::string& one) { condition += (condition.empty() ? "" : " or ") + one; };
-  // Many are sooner found by looking at all.
-  constexpr std::size_t few = 8;
-  const bool all = codes.size() > few || numbers.size() > few;
   std::string ids;
   for (const auto& [place, controller] : controllers_.all()) {
     places[controller.id] = place;
-    if (all) continue;
     for (const std::int32_t number : numbers)
       ids += (ids.empty() ? "" : ",") + std::to_string(controller.id * slotsOfController + number);
   }
   std::vector<HeldCode> held;
   if (places.empty() || (numbers.empty() && codes.empty())) return held;
-  if (!ids.empty()) add("Id in (" + ids + ")");
-  // "?", which is a digit of codes, stands for any character here: what is found is compared below.
-  for (const std::string& code : codes) {
-    if (!all) add("State like '*" + code + "*'");
-  }
-  const auto rows = file_.database().openRecordset("select Id, State from Things" +
-                                                   (condition.empty() ? "" : " where " + condition));
-  for (; !rows->eof(); rows->moveNext()) {
-    const std::int32_t id = rows->get(std::size_t{0}).toInt32();
+  // Codes lie anywhere: comparing them here is ten times as fast as a condition of the query.
+  const std::string condition = codes.empty() ? " where Id in (" + ids + ")" : "";
+  const auto isAsked = [&](const std::string& code) { return codes.contains(code); };
+  const auto take = [&](const Value* row) {
+    const std::int32_t id = row[0].toInt32();
     const std::int32_t slot = id % slotsOfController;
     const auto place = places.find(id / slotsOfController);
-    if (place == places.end() || slot >= firstSlotBehindCards) continue;
-    const Possible code = CardState::codeOf(rows->get(std::size_t{1}).toText());
+    if (place == places.end() || slot >= firstSlotBehindCards) return true;
+    const Possible code = CardState::codeOf(row[1].toText());
     HeldCode card{place->second, slot, code.since()};
     card.codes.push_back(code.last());
     std::erase(card.codes, "");
-    if (card.codes.empty()) continue;
-    if (numbers.contains(slot) || std::any_of(card.codes.begin(), card.codes.end(),
-                                              [&](const std::string& one) { return codes.contains(one); }))
-      held.push_back(std::move(card));
-  }
+    const bool asked = numbers.contains(slot) || std::any_of(card.codes.begin(), card.codes.end(), isAsked);
+    if (asked && !card.codes.empty()) held.push_back(std::move(card));
+    return true;
+  };
+  file_.database().visitRows("select Id, State from Things" + condition, take);
   return held;
 }
 

@@ -4,6 +4,7 @@
 #include <set>
 
 #include "access/access_group.h"
+#include "files/conversions.h"
 #include "platform/database/database.h"
 #include "work/card_values.h"
 #include "work/forget_cards.h"
@@ -95,8 +96,8 @@ std::vector<DoorsBesideLinks> grantDoors(Installation& installation, const std::
   return doorsBesideLinks(installation.database(), id);
 }
 
-void revokeDoors(Installation& installation, const std::string& group,
-                 const std::vector<std::string>& readers) {
+std::vector<std::string> revokeDoors(Installation& installation, const std::string& group,
+                                     const std::vector<std::string>& readers) {
   const std::int16_t id = GroupNames(installation).id(group);
   std::set<std::int32_t> ids;
   std::string notOpened;
@@ -106,14 +107,17 @@ void revokeDoors(Installation& installation, const std::string& group,
     ids.insert(door);
   }
   if (!notOpened.empty()) throw Refusal("the access group " + group + " does not open " + notOpened);
+  const GroupRow before = findGroup(installation, GroupNames(installation).name(id));
   ForgetCards forget(installation);
   const CardsOfGroup cards = cardsOf(installation, id);
+  std::set<ControllerPlace> erased;
   for (const ReachedController& reached : reachOf(installation, id)) {
     const auto& doors = reached.controller.doors;
     // One that keeps a door keeps the cards; the others are shut by their rights.
     const bool loses = std::all_of(doors.begin(), doors.end(),
                                    [&](const GrantedDoor& door) { return ids.contains(door.reader); });
     if (!loses) continue;
+    erased.insert(reached.controller);
     forget.on({reached.controller}, cards.live);
     forget.on({reached.controller}, cards.deleted);
   }
@@ -124,6 +128,15 @@ void revokeDoors(Installation& installation, const std::string& group,
   }
   markGroup(installation, id);
   transaction.commit();
+  std::vector<std::string> open;
+  if (cards.live.empty()) return open;
+  for (const std::string& reader :
+       openedSince(findGroup(installation, GroupNames(installation).name(id)), before)) {
+    const auto row = readerNamed(installation, reader);
+    const ControllerPlace place{row->get("StationId").toInt16(), nullToInt(row->get("ControllerAddress"))};
+    if (!erased.contains(place)) open.push_back(reader);
+  }
+  return open;
 }
 
 DeletedGroup deleteGroup(Installation& installation, const std::string& group, const std::string& moveTo) {

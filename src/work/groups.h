@@ -33,9 +33,9 @@ inline std::vector<DoorsBesideLinks> grantDoor(Installation& installation, const
 
 /// Takes the readers' doors away from the group's cards, all of them or none. A controller that loses its
 /// last door of the group erases the cards first, and has to answer (ForgetCards). Elsewhere the next
-/// download shuts the doors.
-void revokeDoors(Installation& installation, const std::string& group,
-                 const std::vector<std::string>& readers);
+/// download shuts the doors: returned are those that are open to cards of the group until then.
+std::vector<std::string> revokeDoors(Installation& installation, const std::string& group,
+                                     const std::vector<std::string>& readers);
 
 /// What became of a group that was deleted.
 struct DeletedGroup {
