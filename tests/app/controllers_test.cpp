@@ -75,7 +75,10 @@ TEST_F(ControllersTest, AGroupMoveByItsMarkAloneEndsRightAtEveryController) {
   EXPECT_EQ(controllers->plan("", "Back"), 1);
   EXPECT_FALSE(controllers->mayOpen("7", "Front"));
   const std::string opens = "Ann (card 7) opens Back: always; known at Local Controller 2: ";
-  EXPECT_EQ(controllers->whatOpens("Ann"), opens + "not yet (the card); it keeps the door shut");
+  EXPECT_EQ(controllers->whatOpens("Ann"),
+            "Ann (card 7) does not open Front: its access group does not grant the door; known at Local "
+            "Controller 1: not yet (that it opens nothing); it opens the door\r\n" +
+                opens + "not yet (the card); it keeps the door shut");
   EXPECT_EQ(doors(), "1: opens 2: no card ");
 
   site::Faults silent;

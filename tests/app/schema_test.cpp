@@ -9,6 +9,7 @@
 #include "controllers/ledger.h"
 #include "support/installation_test.h"
 #include "work/cards.h"
+#include "work/stations.h"
 
 namespace voxa {
 namespace {
@@ -63,6 +64,7 @@ TEST_F(SchemaTest, OfANewInstallation) {
   glob->QDB().BadgeFormat().CreateTable();
   const std::string number = std::to_string(addCard(*library, {.name = "Ann", .code = "1", .group = "0"}));
   changeCard(*library, number, {.name = "Anna"});
+  changeStation(*library, "Local", {.name = "Line"});
   library->ledger().provide();
   restart();  // the definitions are what the files say, not what made them
   std::string made;

@@ -117,8 +117,8 @@ TEST_F(DownloadTest, ARunOverAllControllersNamesEachAndWhyItFailed) {
             "; ";
   }
   EXPECT_EQ(read,
-            "Local - 1; Local - 2: Can't transfer transactions from controller | 3: |Local Controller 2 "
-            " -  Yard; North - 5; ");
+            "Local - 1; Local - 2: Can't transfer transactions from controller| 3:|Local Controller 2  -  "
+            "Yard; North - 5; ");
   EXPECT_TRUE(report.broken);
   EXPECT_EQ(journalSize(*library), 2);
   EXPECT_EQ(boxes(), std::vector<std::string>{});
