@@ -15,7 +15,7 @@
 #include "journal/journal.h"
 #include "messages/strings.h"
 #include "platform/files.h"
-#include "platform/temporary_folder.h"
+#include "platform/scratch_folder.h"
 #include "platform/text.h"
 #include "work/refusal.h"
 #include "work/take_over.h"
@@ -214,7 +214,7 @@ Transferred importInstallation(Prompts& prompts, const Opening& how, const OldFi
       const Within target(how.folder);
       requireFree(how.folder);
     }
-    const files::TemporaryFolder folder("voxa-trial-");
+    const files::ScratchFolder folder("voxa-trial-");
     const Within inFolder(folder.path());
     return importHere(prompts, how, old, refused, observer);
   }

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "engines/jet_file/catalogue.h"
-#include "platform/temporary_folder.h"
+#include "platform/scratch_folder.h"
 #include "platform/value.h"
 
 namespace voxa {
@@ -33,7 +33,7 @@ class TemporaryCopy {
  private:
   void fill(const Clock& clock, const Catalogue& catalogue, const Rows& rows,
             const std::function<void(const std::string&)>& note) const;
-  std::optional<files::TemporaryFolder> folder_;
+  std::optional<files::ScratchFolder> folder_;
 };
 
 }  // namespace jet

@@ -1,4 +1,4 @@
-#include "platform/temporary_folder.h"
+#include "platform/scratch_folder.h"
 
 #include <filesystem>
 #include <random>
@@ -9,7 +9,7 @@
 
 namespace voxa::files {
 
-TemporaryFolder::TemporaryFolder(const std::string& prefix) {
+ScratchFolder::ScratchFolder(const std::string& prefix) {
   try {
     std::random_device random;
     const std::string name = prefix + std::to_string(random()) + std::to_string(random());
@@ -21,7 +21,7 @@ TemporaryFolder::TemporaryFolder(const std::string& prefix) {
   }
 }
 
-TemporaryFolder::~TemporaryFolder() {
+ScratchFolder::~ScratchFolder() {
   std::error_code nobodyToTell;
   std::filesystem::remove_all(path_, nobodyToTell);
 }
